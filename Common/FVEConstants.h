@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+
+// What the programs of the system agree on. Every value is read by other programs: none may change.
+
+inline constexpr std::int32_t kClientSidebandPort = 6000;
+inline constexpr std::int32_t kMainDataTrafficPort = 6001;
+inline constexpr std::int32_t kServerSidebandPort = 6002;
+
+/// The preferences domain shared by the panel, the screen server and the status item.
+inline constexpr const char* kApplicationID = "com.quillon.Farview";
+/// The pane's own bundle, whose catalogues hold every text.
+inline constexpr const char* kFVEPaneBundleID = "com.quillon.FarviewPrefPanel";
+
+inline constexpr const char* kFVEScreenServerApplicationName = "ScreenCapture";
+inline constexpr const char kFVEScreenServerApplicationNameCString[] = "ScreenCapture";
+inline constexpr const char* kFVEMenuExtraApplicationName = "FarviewStatusItem";
+inline constexpr const char* kFVEMenuExtraBundleID = "com.quillon.menuextra.Farview";
+inline constexpr const char* kFVEDisplayResolutionsOnApplicationName =
+    "com.quillon.displayresolutionson";
+inline constexpr const char* kFVEDisplayResolutionsOffApplicationName =
+    "com.quillon.displayresolutionsoff";
+inline constexpr const char* kFVEDocumentationName = "Farview Documentation";
+
+inline constexpr const char* kFVEKextName = "QLExGFX";
+// These two are crossed over: the version display depends on exactly this pairing.
+inline constexpr const char* kFVEFrameBufferKext = "QLVideoCard";
+inline constexpr const char* kFVEVideoCardKext = "QLFrameBuffer";
+
+inline constexpr const char* kVirtualScreenServiceName = "_qlexvscreen._udp";
+/// The TXT-record key under which a device tells whether it is in use.
+inline constexpr const char* kFVEConnectionStateKey = "ConnState";
+
+inline constexpr const char* kFVEAssignedTicketKey = "Ticket";
+inline constexpr const char* kFVEIPTicketKey = "IPTicket";
+inline constexpr const char* kScalingEnabledPreferenceKey = "kScalingEnabledPreferenceKey";
+inline constexpr const char* kScaleInFullScreenPreferenceKey = "kScaleInFullScreenPreferenceKey";
+inline constexpr const char* kStartInFullScreenPreferenceKey = "kStartInFullScreenPreferenceKey";
+
+/// A device's link to a host, as its TXT record tells it.
+enum FVExConnectState : int {
+    FVExConnectStateNone = 0,
+    FVExConnectStateNotConnected = 1,
+    FVExConnectStateConnected = 2,
+};

@@ -1,0 +1,54 @@
+#pragma once
+
+// The contract between the panel, the screen server and the status item: notification names and the
+// keys of what they carry. Posted without an object; told apart by name alone.
+
+/// Panel to server: connect to the host named under "connectToHostName". Options 3.
+inline constexpr const char* kConnectServerToHost = "com.quillon.Farview.ConnectServerToHost";
+/// Panel to server: connect to the address under "connectUsingTicket". Options 3.
+inline constexpr const char* kConnectServerToTicket = "com.quillon.Farview.ConnectServerToTicket";
+/// Panel to server: end the connection. Options 3.
+inline constexpr const char* kDisconnectCurrentServerFromHost =
+    "com.quillon.Farview.DisconnectCurrentServerFromHost";
+/// Panel to server: which device are you connected to? Options 2.
+inline constexpr const char* kQueryRequestForConnectedHost =
+    "com.quillon.Farview.QueryRequestForConnectedHost";
+/// Server's answer: "DeviceName" and "DeviceAddress".
+inline constexpr const char* kQueryResultForConnectedHost =
+    "com.quillon.Farview.QueryResultForConnectedHost";
+/// Server: a connection is up; "DeviceName" and "DeviceAddress".
+inline constexpr const char* kServerConnectedToDevice =
+    "com.quillon.Farview.ServerConnectedToDevice";
+/// Server: there is no connection (any more).
+inline constexpr const char* kServerDisconnectedFromDevice =
+    "com.quillon.Farview.ServerDisconnectedFromDevice";
+/// Server: the device could not be reached; the panel is to show its error text.
+inline constexpr const char* kRequestingErrorMsgFromPrefPane =
+    "com.quillon.Farview.RequestingErrorMsgFromPrefPane";
+/// Reserved. The panel's handler of that name listens to `kConnectServerToHost` instead.
+inline constexpr const char* kServerRespondedToConnectRequest =
+    "com.quillon.Farview.ServerRespondedToConnectRequest";
+/// Panel to server: quit. Options 3.
+inline constexpr const char* kTerminateScreenServer = "com.quillon.Farview.TerminateScreenServer";
+/// Panel to status item: quit. Options 3.
+inline constexpr const char* kTerminateMenuExtra = "com.quillon.Farview.TerminateMenuExtra";
+
+/// Any process, right before and right after it wrote the shared preferences. Options 3.
+inline constexpr const char* kFVEPrefsWillChangeNotification =
+    "com.quillon.Farview.FVEPrefsWillChangeNotification";
+inline constexpr const char* kFVEPrefsDidChangeNotification =
+    "com.quillon.Farview.FVEPrefsDidChangeNotification";
+
+// Reserved for the other programs; nobody posts them here.
+inline constexpr const char* kFVEDeviceWillChangeNotification = "kFVEDevicesWillChangeNotification";
+inline constexpr const char* kFVEDeviceDidChangeNotification = "kFVEDevicesDidChangeNotification";
+inline constexpr const char* kBatteryLevelChangedNotification = "kBatteryLevelChangedNotification";
+inline constexpr const char* kBatteryLevelKey = "BatteryLevel";
+
+inline constexpr const char* kDeviceNameKey = "DeviceName";
+inline constexpr const char* kDeviceAddressKey = "DeviceAddress";
+inline constexpr const char* kConnectToHostNameKey = "connectToHostName";
+inline constexpr const char* kConnectUsingTicketKey = "connectUsingTicket";
+
+/// The "DeviceName" of a connection that was made by address.
+inline constexpr const char* kOtherDeviceName = "Other";

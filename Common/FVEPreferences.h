@@ -1,0 +1,92 @@
+#pragma once
+
+#include "Platform/Types/PropertyList.h"
+
+#include <memory>
+#include <string>
+
+inline constexpr const char* kCurrentState = "currentState";
+inline constexpr const char* kShowInMenuBar = "showInMenuBar";
+inline constexpr const char* kCurrentVirtualScreenDeviceName = "currentVirtualScreenDeviceName";
+inline constexpr const char* kAutoConnectOption = "autoConnectOption";
+inline constexpr const char* kAutoUpdateOption = "autoUpdateOption";
+inline constexpr const char* kAutoMoveWindowsBackOption = "autoMoveWindowsBackOption";
+inline constexpr const char* kEnableTouchDisplayOption = "enableDisplayTouch";
+inline constexpr const char* kEnableRetinaDisplayOption = "enableRetinaDisplay";
+inline constexpr const char* kAutoConnectDevices = "autoConnectDevices";
+inline constexpr const char* kLastOtherDeviceName = "lastOtherDeviceName";
+inline constexpr const char* kFirstRun = "firstRun";
+inline constexpr const char* kOpenPrefsInSettingsPane = "openPrefsInSettingsPane";
+inline constexpr const char* kDebuggingDontSendKBEvents = "QLNDebuggingDontSendKBEvents";
+
+namespace farview
+{
+class DistributedNotificationCenter;
+class Preferences;
+} // namespace farview
+
+/// The settings that all programs of the system share. Nothing is cached: every getter asks the
+/// preferences afresh and never fails. A missing or wrongly typed value yields its default, which
+/// is written back and announced. Every setter writes at once and announces the change before and
+/// after. Main thread only.
+class FVEPreferences
+{
+public:
+    /// The process-wide store, made on first use on the current platform.
+    static FVEPreferences& sharedAppPrefs();
+
+    FVEPreferences(farview::Preferences& preferences,
+                   farview::DistributedNotificationCenter& center);
+
+    /// Writes the defaults of the eight settings that must exist, where they are missing.
+    void setupDefaultValues();
+
+    /// 0 off, 1 on, 2 trouble. Anything else reads as 0.
+    long currentState();
+    void setCurrentState(long state);
+    bool showInMenuBar();
+    void setShowInMenuBar(bool flag);
+    /// The host name (or the address) of the device in use; "" for none.
+    std::string currentVirtualScreenDevice();
+    void setCurrentVirtualScreenDevice(const std::string& hostName);
+    bool autoConnectOption();
+    void setAutoConnectOption(bool flag);
+    bool autoUpdateOption();
+    void setAutoUpdateOption(bool flag);
+    bool autoMoveWindowsBackOption();
+    void setAutoMoveWindowsBackOption(bool flag);
+    bool enableTouchDisplay();
+    void setEnableTouchDisplay(bool flag);
+    bool areRetinaResolutionsEnabled();
+    void setRetinaResolutionsEnabled(bool flag);
+    /// Names of devices, in the user's order of preference. The elements are not checked.
+    farview::PropertyList::Array autoConnectDevices();
+    void setAutoConnectDevices(const farview::PropertyList::Array& devices);
+    /// The address typed last.
+    std::string lastOtherDevice();
+    void setLastOtherDevice(const std::string& address);
+    bool firstRun();
+    void setFirstRun(bool flag);
+    bool openPrefsInSettingsPane();
+    void setOpenPrefsInSettingsPane(bool flag);
+    bool debuggingDontSendKBEvents();
+
+    /// The window server's setting, which holds for all users of this computer.
+    bool enableHiDPIResolutions();
+    void setEnableHiDPIResolutions(bool flag);
+    void synchronizeWindowServer();
+
+    void synchronize();
+    void synchronizeWithNotification();
+    void prefsWillChangeNotification();
+    void prefsDidChangeNotification();
+
+private:
+    bool booleanDefaultingToYes(const char* key);
+    void setBoolean(const char* key, bool flag);
+    std::string text(const char* key);
+    void setText(const char* key, const std::string& value);
+
+    farview::Preferences& mPreferences;
+    farview::DistributedNotificationCenter& mCenter;
+};

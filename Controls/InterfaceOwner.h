@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Controls/Control.h"
+
+#include <memory>
+#include <span>
+#include <string_view>
+
+namespace farview
+{
+
+class InterfaceOwner;
+
+/// One control that an interface file must contain under that object name. `connect` makes the
+/// control, stores it in the owner and returns it.
+struct Outlet {
+    std::string_view name;
+    std::shared_ptr<View> (*connect)(InterfaceOwner& owner);
+};
+
+/// The owner of an interface file: its outlets are connected and its actions found by name when the
+/// file is loaded. A name that is missing on either side is an error of the load.
+class InterfaceOwner : public virtual Responder
+{
+public:
+    virtual std::span<const Outlet> outlets() const = 0;
+};
+
+} // namespace farview

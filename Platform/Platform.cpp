@@ -1,0 +1,242 @@
+#include "Platform/Platform.h"
+
+#include "Platform/Accessibility.h"
+#include "Platform/Bundle.h"
+#include "Platform/FileManager.h"
+#include "Platform/IORegistry.h"
+#include "Platform/LocalNotificationCenter.h"
+#include "Platform/Log.h"
+#include "Platform/NetService.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Preferences.h"
+#include "Platform/ProcessTable.h"
+#include "Platform/RunLoop.h"
+#include "Platform/SearchPaths.h"
+#include "Platform/SystemVersion.h"
+#include "Platform/Text.h"
+#include "Platform/Workspace.h"
+
+#include <cerrno>
+
+namespace farview
+{
+namespace
+{
+
+class NoAccessibility final : public Accessibility
+{
+    bool isEnabled() const override { return false; }
+};
+
+class NoApplication final : public Application
+{
+    bool activateWithOptions(unsigned) override { return false; }
+};
+
+class NoBundles final : public Bundles
+{
+    std::shared_ptr<Bundle> bundleWithPath(const std::string&) override { return nullptr; }
+};
+
+class NoBrowser final : public NetServiceBrowser
+{
+    void setDelegate(std::weak_ptr<NetServiceBrowserDelegate>) override {}
+    void searchForServicesOfType(const std::string&, const std::string&) override {}
+    void stop() override {}
+};
+
+class NoDiscovery final : public Discovery
+{
+    std::shared_ptr<NetServiceBrowser> makeBrowser() override
+    {
+        return std::make_shared<NoBrowser>();
+    }
+    void checkAgain() override {}
+    DiscoveryCondition condition() const override { return DiscoveryCondition::unavailable; }
+    Subscription observeCondition(std::function<void()>) override { return {}; }
+};
+
+class NoDistributedNotificationCenter final : public DistributedNotificationCenter
+{
+    void addObserver(std::weak_ptr<void>, NotificationHandler, std::string, std::string) override {}
+    void removeObserver(const std::weak_ptr<void>&) override {}
+    void removeObserver(const std::weak_ptr<void>&, const std::string&, const std::string&) override
+    {
+    }
+    void postNotificationName(const std::string&, const std::string&, TextUserInfo,
+                              unsigned) override
+    {
+    }
+    void setSuspended(bool) override {}
+    Subscription observeReconnection(std::function<void()>) override { return {}; }
+};
+
+class NoFileManager final : public FileManager
+{
+    bool fileExistsAtPath(const std::string&) override { return false; }
+    bool createDirectoryAtPath(const std::string&) override { return false; }
+    std::optional<PropertyList> propertyListWithContentsOfFile(const std::string&) override
+    {
+        return std::nullopt;
+    }
+    bool writePropertyList(const PropertyList&, const std::string&) override { return false; }
+};
+
+class NoRegistry final : public IORegistry
+{
+    Entry rootEntry() override { return 0; }
+    std::vector<Entry> childEntries(Entry, const std::string&) override { return {}; }
+    std::string nameInPlane(Entry, const std::string&) override { return {}; }
+    std::optional<std::string> locationInPlane(Entry, const std::string&) override
+    {
+        return std::nullopt;
+    }
+    std::string className(Entry) override { return {}; }
+    std::optional<std::string> superclassOf(const std::string&) override { return std::nullopt; }
+    Entry entryFromPath(const std::string&) override { return 0; }
+};
+
+class NoLog final : public Log
+{
+    void write(LogLevel, std::string_view) override {}
+};
+
+class NoPreferences final : public Preferences
+{
+    std::optional<PropertyList> copyAppValue(const std::string&, const std::string&) override
+    {
+        return std::nullopt;
+    }
+    std::optional<PropertyList> copyValue(const std::string&, const std::string&, PreferencesUser,
+                                          PreferencesHost) override
+    {
+        return std::nullopt;
+    }
+    void setAppValue(const std::string&, std::optional<PropertyList>, const std::string&) override
+    {
+    }
+    bool synchronize(const std::string&, PreferencesUser, PreferencesHost) override
+    {
+        return false;
+    }
+    bool appSynchronize(const std::string&) override { return false; }
+};
+
+class NoProcessTable final : public ProcessTable
+{
+    int size(std::size_t&) override { return ENOSYS; }
+    int contents(std::span<ProcessRecord>, std::size_t&) override { return ENOSYS; }
+};
+
+class SpentTimer final : public Timer
+{
+    void invalidate() override {}
+    bool isValid() const override { return false; }
+};
+
+class SpentWait final : public RunLoop::Wait
+{
+    void stop() override {}
+};
+
+class NoRunLoop final : public RunLoop
+{
+    std::shared_ptr<Timer> scheduledTimer(Duration, bool, std::weak_ptr<void>, Action) override
+    {
+        return std::make_shared<SpentTimer>();
+    }
+    void performAfterDelay(Duration, std::weak_ptr<void>, Action) override {}
+    std::shared_ptr<Wait> run(Duration, std::weak_ptr<void>, Action) override
+    {
+        return std::make_shared<SpentWait>();
+    }
+    Duration now() const override { return Duration::zero(); }
+};
+
+class NoSearchPaths final : public SearchPaths
+{
+    std::vector<std::string> directories(SearchPathDirectory, unsigned) override { return {}; }
+    std::string located(const std::string& path) override { return path; }
+};
+
+class NoSystemVersion final : public SystemVersion
+{
+    std::optional<std::int32_t> gestalt(SystemVersionQuery) override { return std::nullopt; }
+};
+
+class NoText final : public Text
+{
+    std::string lowercase(std::string_view text) const override { return std::string(text); }
+    std::string uppercase(std::string_view text) const override { return std::string(text); }
+};
+
+class NoWorkspace final : public Workspace
+{
+    bool launchApplicationAtURL(const URL&, unsigned) override { return false; }
+    bool openURL(const URL&) override { return false; }
+};
+
+struct NothingHere {
+    NoAccessibility accessibility;
+    NoApplication application;
+    NoBundles bundles;
+    NoDiscovery discovery;
+    NoDistributedNotificationCenter distributedNotificationCenter;
+    NoFileManager fileManager;
+    NoRegistry registry;
+    NoLog log;
+    LocalNotificationCenter notificationCenter;
+    NoPreferences preferences;
+    NoProcessTable processTable;
+    NoRunLoop runLoop;
+    NoSearchPaths searchPaths;
+    NoSystemVersion systemVersion;
+    NoText text;
+    NoWorkspace workspace;
+};
+
+NothingHere& nothingHere()
+{
+    static NothingHere bodies;
+    return bodies;
+}
+
+Platform* installed = nullptr;
+unsigned installations = 0;
+
+} // namespace
+
+Platform::Platform()
+    : accessibility(&nothingHere().accessibility), application(&nothingHere().application),
+      bundles(&nothingHere().bundles), discovery(&nothingHere().discovery),
+      distributedNotificationCenter(&nothingHere().distributedNotificationCenter),
+      fileManager(&nothingHere().fileManager), registry(&nothingHere().registry),
+      log(&nothingHere().log), notificationCenter(&nothingHere().notificationCenter),
+      preferences(&nothingHere().preferences), processTable(&nothingHere().processTable),
+      runLoop(&nothingHere().runLoop), searchPaths(&nothingHere().searchPaths),
+      systemVersion(&nothingHere().systemVersion), text(&nothingHere().text),
+      workspace(&nothingHere().workspace)
+{
+}
+
+Platform& Platform::current()
+{
+    static Platform empty;
+    return installed ? *installed : empty;
+}
+
+unsigned Platform::generation() { return installations; }
+
+Platform::Scope::Scope(Platform& platform) : mPrevious(installed)
+{
+    installed = &platform;
+    ++installations;
+}
+
+Platform::Scope::~Scope()
+{
+    installed = mPrevious;
+    ++installations;
+}
+
+} // namespace farview

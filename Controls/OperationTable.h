@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/NotificationCenter.h"
+#include "Platform/Types/Notification.h"
 #include "Platform/Types/Object.h"
 #include "Platform/Types/Selector.h"
 

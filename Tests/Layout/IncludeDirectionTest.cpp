@@ -25,7 +25,7 @@ const std::vector<Room> rooms = {
     {"Controls/Qt/", {"Controls/", "Common/", "Platform/"}, false},
     {"Controls/", {"Platform/Types/"}, true},
     {"Common/Rules/", {"Platform/Types/"}, true},
-    {"Common/", {"Platform/", "Controls/"}, true},
+    {"Common/", {"Common/Rules/", "Platform/", "Controls/"}, true},
     {"Source/", {"Common/", "Controls/", "Platform/"}, true},
     {"Link/", {"Platform/", "Common/"}, false},
     {"PaneBundle/",
@@ -92,8 +92,8 @@ const Room* roomOf(const std::string& path)
 
 bool mayIncludeProjectFile(const Room& room, const std::string& include)
 {
-    if (include.starts_with(room.folder))
-        return roomOf(include) == &room;
+    if (roomOf(include) == &room)
+        return true;
     if (!startsWithAny(include, room.allowed))
         return false;
     return !(room.core && startsWithAny(include, bodies));

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Platform/FileManager.h"
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace farview
+{
+
+/// Files in memory: property lists, broken ones, and others of which only the name matters.
+class FakeFileManager final : public FileManager
+{
+public:
+    bool fileExistsAtPath(const std::string& path) override;
+    bool createDirectoryAtPath(const std::string& path) override;
+    std::optional<PropertyList> propertyListWithContentsOfFile(const std::string& path) override;
+    bool writePropertyList(const PropertyList& list, const std::string& path) override;
+
+    /// A file or folder of that path exists; it is no property list.
+    void addFile(const std::string& path) { mOthers.insert(path); }
+    /// As another process would write it; not counted.
+    void putPropertyList(const std::string& path, PropertyList list);
+    void removeFile(const std::string& path);
+    /// While failing, nothing can be written or created.
+    void setWritesFail(bool fail) { mWritesFail = fail; }
+
+    /// The paths written to, each time, in order.
+    const std::vector<std::string>& writes() const { return mWrites; }
+    /// Folders made through this interface, each once, without those above them.
+    const std::set<std::string>& createdDirectories() const { return mDirectories; }
+    /// Files that were no property list and were set aside by a write to their place.
+    const std::vector<std::string>& setAside() const { return mSetAside; }
+
+private:
+    std::map<std::string, PropertyList> mLists;
+    std::set<std::string> mOthers;
+    std::set<std::string> mDirectories;
+    std::vector<std::string> mWrites;
+    std::vector<std::string> mSetAside;
+    bool mWritesFail = false;
+};
+
+} // namespace farview

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Platform/Fake/FakeAccessibility.h"
+#include "Platform/Fake/FakeApplication.h"
+#include "Platform/Fake/FakeBundle.h"
+#include "Platform/Fake/FakeDiscovery.h"
+#include "Platform/Fake/FakeDistributedNotificationCenter.h"
+#include "Platform/Fake/FakeFileManager.h"
+#include "Platform/Fake/FakeLog.h"
+#include "Platform/Fake/FakePreferences.h"
+#include "Platform/Fake/FakeProcessTable.h"
+#include "Platform/Fake/FakeRegistry.h"
+#include "Platform/Fake/FakeRunLoop.h"
+#include "Platform/Fake/FakeSearchPaths.h"
+#include "Platform/Fake/FakeSystemVersion.h"
+#include "Platform/Fake/FakeText.h"
+#include "Platform/Fake/FakeWorkspace.h"
+#include "Platform/LocalNotificationCenter.h"
+#include "Platform/Platform.h"
+
+#include <memory>
+
+namespace farview
+{
+
+/// One fake of each interface and the aggregate of them. Installs nothing by itself: a test that
+/// needs `Platform::current()` makes a `Platform::Scope` of `platform()`.
+class FakePlatform
+{
+public:
+    FakePlatform();
+    FakePlatform(const FakePlatform&) = delete;
+    FakePlatform& operator=(const FakePlatform&) = delete;
+
+    Platform& platform() { return mPlatform; }
+
+    FakeRunLoop runLoop;
+    FakeAccessibility accessibility;
+    /// Shared, because it is the object of notifications.
+    std::shared_ptr<FakeApplication> application = std::make_shared<FakeApplication>();
+    FakeBundles bundles;
+    FakeDiscovery discovery;
+    FakeDistributedNotificationCenter distributedNotificationCenter;
+    FakeFileManager fileManager;
+    FakeRegistry registry;
+    FakeLog log;
+    LocalNotificationCenter notificationCenter;
+    FakePreferences preferences;
+    FakeProcessTable processTable;
+    FakeSearchPaths searchPaths;
+    FakeSystemVersion systemVersion;
+    FakeText text;
+    FakeWorkspace workspace;
+
+private:
+    Platform mPlatform;
+};
+
+} // namespace farview

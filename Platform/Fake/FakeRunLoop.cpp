@@ -1,0 +1,213 @@
+#include "Platform/Fake/FakeRunLoop.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <stdexcept>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+constexpr Duration shortestInterval{0.0001};
+constexpr int endlessRounds = 100000;
+
+} // namespace
+
+struct FakeRunLoop::Entry {
+    std::weak_ptr<void> target;
+    Action action;
+    std::pair<Duration, std::uint64_t> place; ///< due time, then order of scheduling
+    Duration interval{0};                     ///< of a repeating timer
+    bool isWait = false;
+    bool isPending = true;
+};
+
+struct FakeRunLoop::State {
+    std::map<std::pair<Duration, std::uint64_t>, std::shared_ptr<Entry>> queue;
+    std::uint64_t scheduled = 0;
+    Duration now{0};
+    Duration wallClockDifference{0};
+    bool firing = false;
+
+    void put(const std::shared_ptr<Entry>& entry, Duration due)
+    {
+        entry->place = {due, scheduled++};
+        queue[entry->place] = entry;
+    }
+    void take(const std::shared_ptr<Entry>& entry)
+    {
+        queue.erase(entry->place);
+        entry->isPending = false;
+    }
+};
+
+/// What callers hold: harmless once the loop is gone.
+class FakeRunLoop::EntryHandle final : public Timer, public Wait
+{
+public:
+    EntryHandle(std::weak_ptr<State> state, std::shared_ptr<Entry> entry)
+        : mState(std::move(state)), mEntry(std::move(entry))
+    {
+    }
+
+    void invalidate() override
+    {
+        if (const auto state = mState.lock(); state && mEntry->isPending)
+            state->take(mEntry);
+    }
+    bool isValid() const override { return mEntry->isPending && !mState.expired(); }
+
+    void stop() override
+    {
+        const auto state = mState.lock();
+        if (!state || !mEntry->isPending)
+            return;
+        state->queue.erase(mEntry->place);
+        state->put(mEntry, state->now);
+        // A second stop must not push it behind what was queued since the first.
+        mState.reset();
+    }
+
+private:
+    std::weak_ptr<State> mState;
+    std::shared_ptr<Entry> mEntry;
+};
+
+FakeRunLoop::FakeRunLoop() : mState(std::make_shared<State>()) {}
+
+FakeRunLoop::~FakeRunLoop()
+{
+    // A handler's last reference may be to something that schedules or invalidates while it goes.
+    while (!mState->queue.empty())
+        mState->take(std::shared_ptr<Entry>(mState->queue.begin()->second));
+}
+
+std::shared_ptr<FakeRunLoop::Entry> FakeRunLoop::schedule(Duration delay,
+                                                          std::weak_ptr<void> target, Action action)
+{
+    auto entry = std::make_shared<Entry>();
+    entry->target = std::move(target);
+    entry->action = std::move(action);
+    mState->put(entry, mState->now + std::max(delay, Duration::zero()));
+    return entry;
+}
+
+std::shared_ptr<Timer> FakeRunLoop::scheduledTimer(Duration interval, bool repeats,
+                                                   std::weak_ptr<void> target, Action action)
+{
+    const Duration span = std::max(interval, shortestInterval);
+    auto entry = schedule(span, std::move(target), std::move(action));
+    if (repeats)
+        entry->interval = span;
+    return std::make_shared<EntryHandle>(mState, std::move(entry));
+}
+
+void FakeRunLoop::performAfterDelay(Duration delay, std::weak_ptr<void> target, Action action)
+{
+    schedule(delay, std::move(target), std::move(action));
+}
+
+std::shared_ptr<RunLoop::Wait> FakeRunLoop::run(Duration limit, std::weak_ptr<void> target,
+                                                Action then)
+{
+    auto entry = schedule(limit, std::move(target), std::move(then));
+    entry->isWait = true;
+    return std::make_shared<EntryHandle>(mState, std::move(entry));
+}
+
+Duration FakeRunLoop::now() const { return mState->now; }
+
+void FakeRunLoop::fireNext()
+{
+    const auto entry = mState->queue.begin()->second;
+    const auto due = entry->place.first;
+    mState->now = std::max(mState->now, due);
+    mState->queue.erase(entry->place);
+    const auto target = entry->target.lock();
+    const bool again = target && entry->interval > Duration::zero();
+    if (again)
+        mState->put(entry, due + entry->interval);
+    else
+        entry->isPending = false;
+    if (target)
+        entry->action();
+}
+
+namespace
+{
+
+/// Marks the loop as firing for as long as it lives, and refuses to do so twice.
+class Firing
+{
+public:
+    explicit Firing(bool& flag) : mFlag(flag)
+    {
+        if (mFlag)
+            throw std::logic_error("a handler runs the run loop: nested event loop");
+        mFlag = true;
+    }
+    ~Firing() { mFlag = false; }
+    Firing(const Firing&) = delete;
+    Firing& operator=(const Firing&) = delete;
+
+private:
+    bool& mFlag;
+};
+
+} // namespace
+
+void FakeRunLoop::fireDueUntil(Duration time)
+{
+    const auto state = mState;
+    const Firing firing(state->firing);
+    int atSameTime = 0;
+    while (!state->queue.empty() && state->queue.begin()->first.first <= time) {
+        const auto before = state->now;
+        fireNext();
+        atSameTime = state->now > before ? 0 : atSameTime + 1;
+        if (atSameTime > endlessRounds)
+            throw std::logic_error("the run loop never becomes idle");
+    }
+}
+
+void FakeRunLoop::advance(Duration span)
+{
+    const Duration end = mState->now + span;
+    fireDueUntil(end);
+    mState->now = std::max(mState->now, end);
+}
+
+void FakeRunLoop::runUntilIdle() { fireDueUntil(mState->now); }
+
+bool FakeRunLoop::turn()
+{
+    const auto state = mState;
+    const Firing firing(state->firing);
+    const auto firstOfNextTurn = state->scheduled;
+    bool fired = false;
+    while (!state->queue.empty()) {
+        const auto& [due, order] = state->queue.begin()->first;
+        if (due > state->now || order >= firstOfNextTurn)
+            break;
+        fireNext();
+        fired = true;
+    }
+    return fired;
+}
+
+void FakeRunLoop::suspend(Duration span) { mState->wallClockDifference += span; }
+void FakeRunLoop::jumpWallClock(Duration difference) { mState->wallClockDifference += difference; }
+Duration FakeRunLoop::wallClock() const { return mState->now + mState->wallClockDifference; }
+std::size_t FakeRunLoop::pendingCount() const { return mState->queue.size(); }
+
+std::size_t FakeRunLoop::waitCount() const
+{
+    return static_cast<std::size_t>(
+        std::count_if(mState->queue.begin(), mState->queue.end(),
+                      [](const auto& each) { return each.second->isWait; }));
+}
+
+} // namespace farview

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Platform/Workspace.h"
+
+#include <string>
+#include <vector>
+
+namespace farview
+{
+
+/// Starts and opens nothing, and keeps the list of what it was asked for.
+class FakeWorkspace final : public Workspace
+{
+public:
+    struct Launch {
+        std::string path;
+        unsigned options = 0;
+
+        bool operator==(const Launch&) const = default;
+    };
+
+    bool launchApplicationAtURL(const URL& url, unsigned options) override
+    {
+        mLaunches.push_back({url.path(), options});
+        return mLaunchesSucceed && !url.path().empty();
+    }
+    bool openURL(const URL& url) override
+    {
+        mOpened.push_back(url);
+        return mOpensSucceed;
+    }
+
+    void setLaunchesSucceed(bool succeed) { mLaunchesSucceed = succeed; }
+    void setOpensSucceed(bool succeed) { mOpensSucceed = succeed; }
+    /// Every attempt, in order.
+    const std::vector<Launch>& launches() const { return mLaunches; }
+    const std::vector<URL>& opened() const { return mOpened; }
+
+private:
+    std::vector<Launch> mLaunches;
+    std::vector<URL> mOpened;
+    bool mLaunchesSucceed = true;
+    bool mOpensSucceed = true;
+};
+
+} // namespace farview

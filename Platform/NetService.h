@@ -2,6 +2,7 @@
 
 #include "Platform/RunLoop.h"
 #include "Platform/Types/Data.h"
+#include "Platform/Types/DiscoveryCondition.h"
 #include "Platform/Types/Object.h"
 #include "Platform/Types/Subscription.h"
 
@@ -101,15 +102,6 @@ public:
     /// `type` as "_name._udp", `domain` as "local.". A second call starts anew.
     virtual void searchForServicesOfType(const std::string& type, const std::string& domain) = 0;
     virtual void stop() = 0;
-};
-
-/// What stands between us and the network's services.
-enum class DiscoveryCondition {
-    starting,    ///< not known yet
-    working,     ///< services can be found
-    refused,     ///< a discovery daemon runs and allows no other beside it, but cannot be reached
-    unavailable, ///< no daemon, and searching by ourselves failed (no network interface, for
-                 ///< example)
 };
 
 /// Finds services on the local network.

@@ -1,0 +1,3 @@
+#include "Source/FVEConnectToOtherSheetController.h"
+
+void FVEConnectToOtherSheetController::showConnectToOtherSheet(farview::Object* /*sender*/) {}

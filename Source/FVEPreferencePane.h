@@ -1,0 +1,116 @@
+#pragma once
+
+#include "Platform/NotificationCenter.h"
+#include "Source/FVEPreferencePaneProperties.h"
+
+#include <deque>
+#include <memory>
+#include <string>
+
+class FVEPreferences;
+
+namespace farview
+{
+class Bundle;
+struct Platform;
+} // namespace farview
+
+/// The panel: switches the system on and off, lets the user choose a device and follows the
+/// connection to it. Made with `std::make_shared`; main thread only. The host calls
+/// `initWithBundle`, connects the outlets, calls `mainViewDidLoad` once, then for each showing
+/// `willSelect`, `didSelect` and, at its end, `willUnselect`. `platform` outlives the pane.
+class FVEPreferencePane : public FVEPreferencePaneProperties,
+                          public farview::Object,
+                          public farview::TableDataSource,
+                          public std::enable_shared_from_this<FVEPreferencePane>
+{
+public:
+    explicit FVEPreferencePane(farview::Platform& platform);
+    ~FVEPreferencePane() override;
+
+    bool respondsTo(farview::Selector selector) const override;
+    bool perform(farview::Selector selector, farview::Object* argument) override;
+
+    // Life. False when there is no bundle.
+    bool initWithBundle(std::shared_ptr<farview::Bundle> bundle);
+    std::string mainNibName() const;
+    void mainViewDidLoad();
+    void willSelect();
+    void didSelect();
+    void willUnselect();
+
+    // On and off.
+    void onTextPressed(farview::Object* sender);
+    void offTextPressed(farview::Object* sender);
+    void onOffSliderPressed(farview::Object* sender);
+    void onOffSwitchPressed(farview::Object* sender);
+    void prefsChanged(const farview::Notification& notification);
+    void applicationDidBecomeActive(const farview::Notification& notification);
+    void startServerProcess();
+    void startStatusItemProcess();
+    void killServerProcess();
+    void killStatusItemProcess();
+
+    // The device menu.
+    std::shared_ptr<farview::Menu> createVirtualScreensMenu();
+    const std::shared_ptr<farview::NetService>& selectedNetService() const;
+    /// Also stores the host name of a device as the one in use.
+    void setSelectedNetService(std::shared_ptr<farview::NetService> service);
+    void takeNoVirtualScreenFrom(farview::Object* sender);
+    void takeVirtualScreenFrom(farview::Object* sender);
+    void takeVirtualOtherDeviceScreenFrom(farview::Object* sender);
+    void virtualScreensDidChange(const farview::Notification& notification);
+    void virtualScreensDidRemoveService(const farview::Notification& notification);
+    void netServiceTXTRecordChanged(const farview::Notification& notification);
+
+    /// Brings everything on show in line with the settings, the devices and the connection.
+    void updateUI();
+
+    // Following a connection.
+    void serverConnectedToDeviceNotification(const farview::Notification& notification);
+    void serverQueryResultNotification(const farview::Notification& notification);
+    void serverDisconnectedFromDeviceNotification(const farview::Notification& notification);
+    void serverRespondedToConnectRequest(const farview::Notification& notification);
+    void requestingErrorMsgFromPrefPane(const farview::Notification& notification);
+    void checkForConnectionError(farview::Object* sender);
+    void errorMessageCanNowBeCleared(farview::Object* sender);
+    void clearConnectionError();
+    void showProgressIndicator();
+    void showWaitingSpinner();
+    void hideProgressIndicator();
+    void launchWatchdogTimer();
+    void watchdogTimerOperation(farview::Object* sender);
+
+    // The auto-connect table.
+    static std::string applicationSupportFolder();
+    std::string seenDevicesFilename() const;
+    int countOfCheckedDevices() const;
+    void buildDeviceList();
+    void writeDeviceList();
+    bool determineIfNoDevicesSelectedEnabled();
+    void autoConnectPressed(farview::Object* sender);
+    int numberOfRowsInTableView(farview::TableView& table) override;
+    farview::CellValue objectValueForTableColumn(farview::TableView& table, std::string_view column,
+                                                 int row) override;
+    void setObjectValue(farview::TableView& table, const farview::CellValue& value,
+                        std::string_view column, int row) override;
+
+    // Options, help and updates.
+    void menuExtraCheckboxPressed(farview::Object* sender);
+    void enableTouchDisplayPressed(farview::Object* sender);
+    void enableRetinaPressed(farview::Object* sender);
+    void enableHiDPIPressed(farview::Object* sender);
+    void autoMoveWindowsBackPressed(farview::Object* sender);
+    void reinstallDriversPressed(farview::Object* sender);
+    void helpPressed(farview::Object* sender);
+    void checkNowForUpdatePressed(farview::Object* sender);
+    void autoUpdatePressed(farview::Object* sender);
+    void willInstallUpdate(farview::Object* updater, farview::Object* item);
+    void determineComponenVersionNumber();
+    bool needsWarningMessageFor9400_9600_And_LionProblem();
+
+private:
+    struct Parts;
+
+    std::unique_ptr<Parts> mParts;
+};

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "Common/Bonjour/QLNBonjourBrowser.h"
+#include "Common/Rules/AutoConnectRows.h"
+#include "Platform/NetService.h"
+#include "Platform/RunLoop.h"
+#include "Platform/Types/URL.h"
+#include "Source/FVEPreferencePaneOutlets.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What the pane knows beside its controls. Properties without a side effect; the pane itself adds
+/// those that have one.
+class FVEPreferencePaneProperties : public FVEPreferencePaneOutlets
+{
+public:
+    using OptionalURL = std::optional<farview::URL>;
+    using Rows = std::vector<farview::DeviceRow>;
+    using WeakTimer = std::weak_ptr<farview::Timer>;
+
+    /// The rows of the auto-connect table (the setting of that name holds names only).
+    const Rows& autoConnectDevices() const { return mAutoConnectDevices; }
+    void setAutoConnectDevices(Rows rows) { mAutoConnectDevices = std::move(rows); }
+
+    /// Made at each showing.
+    const std::shared_ptr<QLNBonjourBrowser>& bonjourBrowser() const { return mBonjourBrowser; }
+    void setBonjourBrowser(std::shared_ptr<QLNBonjourBrowser> browser)
+    {
+        mBonjourBrowser = std::move(browser);
+    }
+
+    /// Where the bundle's parts lie; nothing until the view was loaded.
+    const OptionalURL& screenServerApplication() const { return mScreenServerApplication; }
+    void setScreenServerApplication(OptionalURL url) { mScreenServerApplication = std::move(url); }
+    const OptionalURL& statusItemApplication() const { return mStatusItemApplication; }
+    void setStatusItemApplication(OptionalURL url) { mStatusItemApplication = std::move(url); }
+    const OptionalURL& documentation() const { return mDocumentation; }
+    void setDocumentation(OptionalURL url) { mDocumentation = std::move(url); }
+    const OptionalURL& installerURL() const { return mInstallerURL; }
+    void setInstallerURL(OptionalURL url) { mInstallerURL = std::move(url); }
+    const OptionalURL& displayResolutionsOnURL() const { return mDisplayResolutionsOnURL; }
+    void setDisplayResolutionsOnURL(OptionalURL url) { mDisplayResolutionsOnURL = std::move(url); }
+    const OptionalURL& displayResolutionsOffURL() const { return mDisplayResolutionsOffURL; }
+    void setDisplayResolutionsOffURL(OptionalURL url)
+    {
+        mDisplayResolutionsOffURL = std::move(url);
+    }
+
+    /// Decided once, when the view is loaded.
+    bool videoDriverInstalled() const { return mVideoDriverInstalled; }
+    void setVideoDriverInstalled(bool flag) { mVideoDriverInstalled = flag; }
+
+    /// The server's connection was made by address, and to which one.
+    bool connectedToOtherDevice() const { return mConnectedToOtherDevice; }
+    void setConnectedToOtherDevice(bool flag) { mConnectedToOtherDevice = flag; }
+    const std::optional<std::string>& connectedToOtherDeviceIPString() const
+    {
+        return mConnectedToOtherDeviceIPString;
+    }
+    void setConnectedToOtherDeviceIPString(std::optional<std::string> address)
+    {
+        mConnectedToOtherDeviceIPString = std::move(address);
+    }
+
+    /// The timers belong to the run loop. A setter ends the timer held before; null only ends it.
+    const WeakTimer& spinningForServerTimer() const { return mSpinningForServerTimer; }
+    void setSpinningForServerTimer(const WeakTimer& timer);
+    const WeakTimer& connectErrorCheckTimer() const { return mConnectErrorCheckTimer; }
+    void setConnectErrorCheckTimer(const WeakTimer& timer);
+    const WeakTimer& connectErrorMessageTimer() const { return mConnectErrorMessageTimer; }
+    void setConnectErrorMessageTimer(const WeakTimer& timer);
+    const WeakTimer& watchdogTimer() const { return mWatchdogTimer; }
+    void setWatchdogTimer(const WeakTimer& timer);
+
+private:
+    Rows mAutoConnectDevices;
+    WeakTimer mSpinningForServerTimer;
+    std::shared_ptr<QLNBonjourBrowser> mBonjourBrowser;
+    OptionalURL mScreenServerApplication;
+    OptionalURL mStatusItemApplication;
+    OptionalURL mDocumentation;
+    OptionalURL mInstallerURL;
+    OptionalURL mDisplayResolutionsOnURL;
+    OptionalURL mDisplayResolutionsOffURL;
+    bool mVideoDriverInstalled = false;
+    WeakTimer mConnectErrorCheckTimer;
+    WeakTimer mConnectErrorMessageTimer;
+    WeakTimer mWatchdogTimer;
+    bool mConnectedToOtherDevice = false;
+    std::optional<std::string> mConnectedToOtherDeviceIPString;
+};

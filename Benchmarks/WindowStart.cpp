@@ -145,6 +145,9 @@ int main(int argc, char** argv)
     xcb_flush(display);
 
     if (forgetFiles()) {
+        // The display server has to read its own files again too: the first start pays for it.
+        measure(display, yardstick);
+        forgetFiles();
         const Sample firstYardstick = measure(display, yardstick);
         forgetFiles();
         print("first start", measure(display, program), firstYardstick);

@@ -1,0 +1,150 @@
+#include "Link/LinkCodec.h"
+
+#include "Link/ByteReader.h"
+
+namespace farview
+{
+
+namespace
+{
+
+enum FrameKind : std::uint8_t { options = 1, keepAlive = 2, goodbye = 3, screenRectangle = 16 };
+
+constexpr std::uint32_t kTouchBit = 1;
+constexpr std::uint32_t kRetinaBit = 2;
+constexpr std::uint32_t kHiDPIBit = 4;
+constexpr std::uint32_t kWindowsMoveBackBit = 8;
+
+struct FrameBody {
+    FrameKind kind;
+    Bytes payload;
+};
+
+FrameBody body(const LinkOptions& value)
+{
+    const std::uint32_t bits = (value.touch ? kTouchBit : 0) | (value.retina ? kRetinaBit : 0) |
+                               (value.hiDPI ? kHiDPIBit : 0) |
+                               (value.windowsMoveBack ? kWindowsMoveBackBit : 0);
+    FrameBody result{FrameKind::options, {}};
+    appendNumber(result.payload, bits, 4);
+    return result;
+}
+
+FrameBody body(const LinkKeepAlive&) { return {FrameKind::keepAlive, {}}; }
+
+FrameBody body(const LinkGoodbye& value)
+{
+    FrameBody result{FrameKind::goodbye, {}};
+    appendNumber(result.payload, static_cast<std::uint32_t>(value.code), 1);
+    appendText(result.payload, value.text);
+    return result;
+}
+
+FrameBody body(const LinkScreenRectangle& value)
+{
+    FrameBody result{FrameKind::screenRectangle, {}};
+    for (const std::int16_t number : {value.x, value.y, value.width, value.height})
+        appendNumber(result.payload, static_cast<std::uint16_t>(number), 2);
+    appendNumber(result.payload, value.encoding, 1);
+    appendNumber(result.payload, static_cast<std::uint32_t>(value.data.size()), 4);
+    result.payload.insert(result.payload.end(), value.data.begin(), value.data.end());
+    return result;
+}
+
+/// Whether a payload of that size can belong to that kind at all.
+bool sizeFits(std::uint32_t kind, std::size_t size)
+{
+    switch (kind) {
+    case FrameKind::options:
+        return size == 4;
+    case FrameKind::keepAlive:
+        return size == 0;
+    case FrameKind::goodbye:
+        return size >= 2 && size <= 2 + kLinkTextLimit;
+    case FrameKind::screenRectangle:
+        return size >= kLinkScreenHeaderSize &&
+               size <= kLinkScreenHeaderSize + kLinkScreenDataLimit;
+    default:
+        return false;
+    }
+}
+
+std::optional<LinkFrame> readOptions(ByteReader& reader)
+{
+    const std::uint32_t bits = reader.number(4);
+    if ((bits & ~(kTouchBit | kRetinaBit | kHiDPIBit | kWindowsMoveBackBit)) != 0)
+        return std::nullopt;
+    return LinkOptions{(bits & kTouchBit) != 0, (bits & kRetinaBit) != 0, (bits & kHiDPIBit) != 0,
+                       (bits & kWindowsMoveBackBit) != 0};
+}
+
+std::optional<LinkFrame> readGoodbye(ByteReader& reader)
+{
+    const std::uint32_t code = reader.number(1);
+    auto text = readText(reader);
+    if (!text)
+        return std::nullopt;
+    const bool known = code <= static_cast<std::uint32_t>(LinkGoodbyeCode::brokenRule);
+    return LinkGoodbye{known ? static_cast<LinkGoodbyeCode>(code) : LinkGoodbyeCode::byUser,
+                       std::move(*text)};
+}
+
+std::optional<LinkFrame> readScreenRectangle(ByteReader& reader)
+{
+    LinkScreenRectangle value;
+    for (std::int16_t* number : {&value.x, &value.y, &value.width, &value.height})
+        *number = static_cast<std::int16_t>(reader.number(2));
+    value.encoding = static_cast<std::uint8_t>(reader.number(1));
+    const ByteView data = reader.bytes(reader.number(4));
+    value.data.assign(data.begin(), data.end());
+    return value;
+}
+
+std::optional<LinkFrame> readFrame(std::uint32_t kind, ByteReader& reader)
+{
+    switch (kind) {
+    case FrameKind::options:
+        return readOptions(reader);
+    case FrameKind::keepAlive:
+        return LinkKeepAlive{};
+    case FrameKind::goodbye:
+        return readGoodbye(reader);
+    default:
+        return readScreenRectangle(reader);
+    }
+}
+
+} // namespace
+
+Bytes encodeFrame(const LinkFrame& frame)
+{
+    const FrameBody frameBody = std::visit([](const auto& value) { return body(value); }, frame);
+    Bytes bytes;
+    appendNumber(bytes, frameBody.kind, 4);
+    appendNumber(bytes, static_cast<std::uint32_t>(frameBody.payload.size()), 4);
+    bytes.insert(bytes.end(), frameBody.payload.begin(), frameBody.payload.end());
+    return bytes;
+}
+
+Decoded<LinkFrame> decodeFrame(ByteView bytes)
+{
+    Decoded<LinkFrame> result;
+    if (bytes.size() < kLinkFrameHeaderSize)
+        return result;
+    ByteReader header(bytes);
+    const std::uint32_t kind = header.number(4);
+    const std::size_t size = header.number(4);
+    const std::size_t whole = kLinkFrameHeaderSize + size;
+    if (sizeFits(kind, size) && bytes.size() < whole)
+        return result;
+    result.status = DecodeStatus::malformed;
+    if (!sizeFits(kind, size))
+        return result;
+    ByteReader reader(bytes.subspan(kLinkFrameHeaderSize, size));
+    std::optional<LinkFrame> frame = readFrame(kind, reader);
+    if (frame.has_value() && reader.isExhausted())
+        result = {DecodeStatus::complete, whole, std::move(*frame)};
+    return result;
+}
+
+} // namespace farview

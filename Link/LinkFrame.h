@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace farview
+{
+
+/// What the user set on the host and the device is to know.
+struct LinkOptions {
+    bool touch = false;
+    bool retina = false;
+    bool hiDPI = false;
+    bool windowsMoveBack = false;
+
+    bool operator==(const LinkOptions&) const = default;
+};
+
+/// A sign of life.
+struct LinkKeepAlive {
+    bool operator==(const LinkKeepAlive&) const = default;
+};
+
+enum class LinkGoodbyeCode : std::uint8_t { byUser = 0, quitting = 1, brokenRule = 2 };
+
+/// The last thing a side says. The text is foreign, printable and at most 200 bytes.
+struct LinkGoodbye {
+    LinkGoodbyeCode code = LinkGoodbyeCode::byUser;
+    std::string text;
+
+    bool operator==(const LinkGoodbye&) const = default;
+};
+
+/// One update of the screen. Its 13-byte header travels as rectangle, encoding and data size; the
+/// size is that of `data`.
+struct LinkScreenRectangle {
+    std::int16_t x = 0;
+    std::int16_t y = 0;
+    std::int16_t width = 0;
+    std::int16_t height = 0;
+    std::uint8_t encoding = 0;
+    std::vector<std::uint8_t> data;
+
+    bool operator==(const LinkScreenRectangle&) const = default;
+};
+
+/// The feature that must be agreed before a screen rectangle is sent.
+inline constexpr const char* kLinkScreenFeature = "screen";
+
+/// One message after the greeting.
+using LinkFrame = std::variant<LinkOptions, LinkKeepAlive, LinkGoodbye, LinkScreenRectangle>;
+
+} // namespace farview

@@ -4,7 +4,7 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/RunLoop.h"
 
-#include <map>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,12 +30,21 @@ inline constexpr const char* kQLNBonjourBrowserDidUpdateTXTRecordTXTRecordKey =
 inline constexpr const char* kQLNBonjourBrowserWillUpdateService =
     "kQLNBonjourBrowserWillUpdateService";
 
-/// The text of a TXT value: nothing for no data and for data of fewer than two bytes, else its
-/// bytes read as ASCII.
+namespace farview
+{
+class ResolveBatch;
+} // namespace farview
+
+/// The text of a TXT value: nothing for no data, for data of fewer than two bytes and for data that
+/// is not ASCII, else its bytes, whole.
 std::optional<std::string> stringWithData(const farview::Data* data);
 
 /// Finds the services of one type, resolves each, keeps the list of those published to clients and
 /// announces every change. Made with `std::make_shared`. Main thread only.
+///
+/// A batch of finds is applied when all its resolves have ended, after five seconds at the latest.
+/// What is found or removed meanwhile waits its turn and is handled in the order of its arrival.
+/// `stop` ends the search and nothing else: a batch that is being resolved is still applied.
 class QLNBonjourBrowser : public farview::Object,
                           public farview::NetServiceBrowserDelegate,
                           public farview::NetServiceDelegate,
@@ -89,12 +98,31 @@ public:
                                 const farview::Data& data) override;
 
 private:
+    /// A report that waits until the batch before it has been applied.
+    struct Report {
+        std::shared_ptr<farview::NetService> service;
+        bool found;
+        bool moreComing;
+    };
+
+    void handle(const Report& report);
+    void serviceFound(const std::shared_ptr<farview::NetService>& service, bool moreComing);
+    void serviceRemoved(const std::shared_ptr<farview::NetService>& service, bool moreComing);
+    void applyFoundBatch();
+    void applyRemovedBatch();
+    void handleWaitingReports();
+    void resolveEnded(const farview::NetService& service);
+    void post(const char* name, farview::UserInfo userInfo);
+
     farview::Discovery& mDiscovery;
     farview::RunLoop& mRunLoop;
     farview::NotificationCenter& mCenter;
     std::shared_ptr<farview::NetServiceBrowser> mBrowser;
     ServiceList mActiveServiceList;
     ServiceList mUpdatedServiceList;
+    /// The batch that is being resolved; null when none is.
+    std::shared_ptr<farview::ResolveBatch> mBatch;
+    std::deque<Report> mWaitingReports;
     farview::RunLoop* mCurrentLoop = nullptr;
     bool mMonitorTXTRecordUpdates = false;
 };

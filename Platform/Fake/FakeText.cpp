@@ -1,21 +1,16 @@
 #include "Platform/Fake/FakeText.h"
 
-#include <clocale>
-#include <cwctype>
-#include <locale.h>
-#include <stdexcept>
+#include <locale>
 
 namespace farview
 {
 namespace
 {
 
-locale_t unicodeLocale()
+const std::ctype<wchar_t>& unicode()
 {
-    static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    if (!locale)
-        throw std::runtime_error("this C library has no C.UTF-8 locale");
-    return locale;
+    static const std::locale locale("C.UTF-8");
+    return std::use_facet<std::ctype<wchar_t>>(locale);
 }
 
 /// How many bytes the character takes that begins with `first`; 1 also for bytes that begin none.
@@ -30,7 +25,7 @@ std::size_t lengthOf(unsigned char first)
 
 bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xc0) == 0x80; }
 
-void append(std::string& text, wint_t character)
+void append(std::string& text, char32_t character)
 {
     if (character < 0x80) {
         text += static_cast<char>(character);
@@ -44,12 +39,12 @@ void append(std::string& text, wint_t character)
 }
 
 /// The character in `bytes`, or 0 when they are not one (or a longer spelling than needed).
-wint_t decode(std::string_view bytes)
+char32_t decode(std::string_view bytes)
 {
     const auto first = static_cast<unsigned char>(bytes.front());
     if (bytes.size() == 1)
         return first < 0x80 ? first : 0;
-    wint_t character = first & (0x7fU >> bytes.size());
+    char32_t character = first & (0x7fU >> bytes.size());
     for (const char byte : bytes.substr(1)) {
         if (!isContinuation(byte))
             return 0;
@@ -60,16 +55,16 @@ wint_t decode(std::string_view bytes)
     return spelled == bytes ? character : 0;
 }
 
-std::string mapped(std::string_view text, wint_t (*map)(wint_t, locale_t))
+template <typename Map> std::string mapped(std::string_view text, Map map)
 {
     std::string result;
     while (!text.empty()) {
         const auto bytes = text.substr(0, lengthOf(static_cast<unsigned char>(text.front())));
-        const wint_t character = decode(bytes);
+        const char32_t character = decode(bytes);
         if (character == 0)
             result += bytes;
         else
-            append(result, map(character, unicodeLocale()));
+            append(result, static_cast<char32_t>(map(static_cast<wchar_t>(character))));
         text.remove_prefix(bytes.size());
     }
     return result;
@@ -77,7 +72,14 @@ std::string mapped(std::string_view text, wint_t (*map)(wint_t, locale_t))
 
 } // namespace
 
-std::string FakeText::lowercase(std::string_view text) const { return mapped(text, towlower_l); }
-std::string FakeText::uppercase(std::string_view text) const { return mapped(text, towupper_l); }
+std::string FakeText::lowercase(std::string_view text) const
+{
+    return mapped(text, [](wchar_t each) { return unicode().tolower(each); });
+}
+
+std::string FakeText::uppercase(std::string_view text) const
+{
+    return mapped(text, [](wchar_t each) { return unicode().toupper(each); });
+}
 
 } // namespace farview

@@ -1,0 +1,275 @@
+#include "Common/FVEPreferences.h"
+
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/PerPlatform.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Platform.h"
+#include "Platform/Preferences.h"
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <utility>
+
+using farview::DistributedNotificationCenter;
+using farview::PreferencesHost;
+using farview::PreferencesUser;
+using farview::PropertyList;
+
+namespace
+{
+
+constexpr const char* kWindowServerDomain = "com.apple.windowserver";
+constexpr const char* kDisplayResolutionEnabled = "DisplayResolutionEnabled";
+constexpr const char* kDisplayResolutionDisabled = "DisplayResolutionDisabled";
+
+constexpr std::int64_t lastValidState = 2;
+
+bool isNumber(const std::optional<PropertyList>& value)
+{
+    return value && (value->is<std::int64_t>() || value->is<double>());
+}
+
+/// The number as a 32-bit integer; nothing when it is none exactly.
+std::optional<std::int32_t> asInteger32(const PropertyList& number)
+{
+    using Limits = std::numeric_limits<std::int32_t>;
+    if (const auto* integer = number.get<std::int64_t>()) {
+        if (*integer < Limits::min() || *integer > Limits::max())
+            return std::nullopt;
+        return static_cast<std::int32_t>(*integer);
+    }
+    const double real = *number.get<double>();
+    if (!(real >= Limits::min() && real <= Limits::max()))
+        return std::nullopt;
+    const auto whole = static_cast<std::int32_t>(real);
+    return whole == real ? std::optional(whole) : std::nullopt;
+}
+
+} // namespace
+
+FVEPreferences& FVEPreferences::sharedAppPrefs()
+{
+    static farview::PerPlatform<FVEPreferences> shared;
+    return shared.get(farview::Platform::generation(), [] {
+        const auto& platform = farview::Platform::current();
+        return std::make_unique<FVEPreferences>(*platform.preferences,
+                                                *platform.distributedNotificationCenter);
+    });
+}
+
+FVEPreferences::FVEPreferences(farview::Preferences& preferences,
+                               DistributedNotificationCenter& center)
+    : mPreferences(preferences), mCenter(center)
+{
+}
+
+void FVEPreferences::setupDefaultValues()
+{
+    // Each of these writes its default when the domain has none.
+    currentState();
+    showInMenuBar();
+    currentVirtualScreenDevice();
+    autoConnectOption();
+    autoUpdateOption();
+    autoMoveWindowsBackOption();
+    enableTouchDisplay();
+    areRetinaResolutionsEnabled();
+}
+
+long FVEPreferences::currentState()
+{
+    const auto value = mPreferences.copyAppValue(kCurrentState, kApplicationID);
+    if (!isNumber(value)) {
+        setCurrentState(0);
+        return 0;
+    }
+    // A number that another program stored out of range reads as "off" and stays as it is.
+    const auto state = asInteger32(*value).value_or(0);
+    return state >= 0 && state <= lastValidState ? state : 0;
+}
+
+void FVEPreferences::setCurrentState(long state)
+{
+    const bool valid = state >= 0 && state <= lastValidState;
+    mPreferences.setAppValue(kCurrentState, PropertyList(std::int64_t{valid ? state : 0}),
+                             kApplicationID);
+    synchronizeWithNotification();
+}
+
+bool FVEPreferences::booleanDefaultingToYes(const char* key)
+{
+    const auto value = mPreferences.copyAppValue(key, kApplicationID);
+    if (const auto* flag = value ? value->get<bool>() : nullptr)
+        return *flag;
+    setBoolean(key, true);
+    return true;
+}
+
+void FVEPreferences::setBoolean(const char* key, bool flag)
+{
+    mPreferences.setAppValue(key, PropertyList(flag), kApplicationID);
+    synchronizeWithNotification();
+}
+
+std::string FVEPreferences::text(const char* key)
+{
+    const auto value = mPreferences.copyAppValue(key, kApplicationID);
+    if (const auto* text = value ? value->get<std::string>() : nullptr)
+        return *text;
+    setText(key, "");
+    // Announced twice: the other programs count on hearing of a text's default two times.
+    synchronizeWithNotification();
+    return "";
+}
+
+void FVEPreferences::setText(const char* key, const std::string& value)
+{
+    mPreferences.setAppValue(key, PropertyList(value), kApplicationID);
+    synchronizeWithNotification();
+}
+
+bool FVEPreferences::showInMenuBar() { return booleanDefaultingToYes(kShowInMenuBar); }
+void FVEPreferences::setShowInMenuBar(bool flag) { setBoolean(kShowInMenuBar, flag); }
+
+std::string FVEPreferences::currentVirtualScreenDevice()
+{
+    return text(kCurrentVirtualScreenDeviceName);
+}
+void FVEPreferences::setCurrentVirtualScreenDevice(const std::string& hostName)
+{
+    setText(kCurrentVirtualScreenDeviceName, hostName);
+}
+
+bool FVEPreferences::autoConnectOption() { return booleanDefaultingToYes(kAutoConnectOption); }
+void FVEPreferences::setAutoConnectOption(bool flag) { setBoolean(kAutoConnectOption, flag); }
+
+bool FVEPreferences::autoUpdateOption() { return booleanDefaultingToYes(kAutoUpdateOption); }
+void FVEPreferences::setAutoUpdateOption(bool flag) { setBoolean(kAutoUpdateOption, flag); }
+
+bool FVEPreferences::autoMoveWindowsBackOption()
+{
+    return booleanDefaultingToYes(kAutoMoveWindowsBackOption);
+}
+void FVEPreferences::setAutoMoveWindowsBackOption(bool flag)
+{
+    setBoolean(kAutoMoveWindowsBackOption, flag);
+}
+
+bool FVEPreferences::enableTouchDisplay()
+{
+    return booleanDefaultingToYes(kEnableTouchDisplayOption);
+}
+void FVEPreferences::setEnableTouchDisplay(bool flag)
+{
+    setBoolean(kEnableTouchDisplayOption, flag);
+}
+
+bool FVEPreferences::areRetinaResolutionsEnabled()
+{
+    return booleanDefaultingToYes(kEnableRetinaDisplayOption);
+}
+void FVEPreferences::setRetinaResolutionsEnabled(bool flag)
+{
+    setBoolean(kEnableRetinaDisplayOption, flag);
+}
+
+PropertyList::Array FVEPreferences::autoConnectDevices()
+{
+    const auto value = mPreferences.copyAppValue(kAutoConnectDevices, kApplicationID);
+    if (const auto* devices = value ? value->get<PropertyList::Array>() : nullptr)
+        return *devices;
+    setAutoConnectDevices({});
+    // Announced twice, as a text's default is.
+    synchronizeWithNotification();
+    return {};
+}
+
+void FVEPreferences::setAutoConnectDevices(const PropertyList::Array& devices)
+{
+    mPreferences.setAppValue(kAutoConnectDevices, PropertyList(devices), kApplicationID);
+    synchronizeWithNotification();
+}
+
+std::string FVEPreferences::lastOtherDevice() { return text(kLastOtherDeviceName); }
+void FVEPreferences::setLastOtherDevice(const std::string& address)
+{
+    setText(kLastOtherDeviceName, address);
+}
+
+bool FVEPreferences::firstRun() { return booleanDefaultingToYes(kFirstRun); }
+void FVEPreferences::setFirstRun(bool flag) { setBoolean(kFirstRun, flag); }
+
+bool FVEPreferences::openPrefsInSettingsPane()
+{
+    return booleanDefaultingToYes(kOpenPrefsInSettingsPane);
+}
+void FVEPreferences::setOpenPrefsInSettingsPane(bool flag)
+{
+    setBoolean(kOpenPrefsInSettingsPane, flag);
+}
+
+bool FVEPreferences::debuggingDontSendKBEvents()
+{
+    const auto value = mPreferences.copyAppValue(kDebuggingDontSendKBEvents, kApplicationID);
+    const auto* flag = value ? value->get<bool>() : nullptr;
+    return flag && *flag;
+}
+
+bool FVEPreferences::enableHiDPIResolutions()
+{
+    synchronizeWindowServer();
+    const auto copy = [this](const char* key) {
+        return mPreferences.copyValue(key, kWindowServerDomain, PreferencesUser::any,
+                                      PreferencesHost::current);
+    };
+    const auto enabled = copy(kDisplayResolutionEnabled);
+    const auto disabled = copy(kDisplayResolutionDisabled);
+    // Presence and type decide, never the stored truth value: who writes these keys always writes
+    // one as true and removes the other.
+    if (disabled && disabled->is<bool>())
+        return false;
+    return enabled || disabled;
+}
+
+void FVEPreferences::setEnableHiDPIResolutions(bool flag)
+{
+    const char* const chosen = flag ? kDisplayResolutionEnabled : kDisplayResolutionDisabled;
+    const char* const other = flag ? kDisplayResolutionDisabled : kDisplayResolutionEnabled;
+    mPreferences.setAppValue(chosen, PropertyList(true), kWindowServerDomain);
+    mPreferences.setAppValue(other, std::nullopt, kWindowServerDomain);
+    synchronizeWindowServer();
+}
+
+void FVEPreferences::synchronizeWindowServer()
+{
+    mPreferences.synchronize(kWindowServerDomain, PreferencesUser::any, PreferencesHost::current);
+}
+
+void FVEPreferences::synchronize()
+{
+    mPreferences.synchronize(kApplicationID, PreferencesUser::current, PreferencesHost::current);
+    mPreferences.appSynchronize(kApplicationID);
+}
+
+void FVEPreferences::synchronizeWithNotification()
+{
+    prefsWillChangeNotification();
+    synchronize();
+    prefsDidChangeNotification();
+}
+
+void FVEPreferences::prefsWillChangeNotification()
+{
+    mCenter.postNotificationName(kFVEPrefsWillChangeNotification, "", {},
+                                 DistributedNotificationCenter::deliverImmediately |
+                                     DistributedNotificationCenter::postToAllSessions);
+}
+
+void FVEPreferences::prefsDidChangeNotification()
+{
+    mCenter.postNotificationName(kFVEPrefsDidChangeNotification, "", {},
+                                 DistributedNotificationCenter::deliverImmediately |
+                                     DistributedNotificationCenter::postToAllSessions);
+}

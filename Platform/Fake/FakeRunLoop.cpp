@@ -16,13 +16,21 @@ constexpr int endlessRounds = 100000;
 
 } // namespace
 
-struct FakeRunLoop::Entry {
+/// One timer, perform or wait, and what callers hold of it: owned by the queue while it is pending,
+/// harmless once the loop is gone.
+struct FakeRunLoop::Entry final : Timer, Wait, std::enable_shared_from_this<Entry> {
+    std::weak_ptr<State> state;
     std::weak_ptr<void> target;
     Action action;
     std::pair<Duration, std::uint64_t> place; ///< due time, then order of scheduling
     Duration interval{0};                     ///< of a repeating timer
     bool isWait = false;
     bool isPending = true;
+    bool isStopped = false;
+
+    void invalidate() override;
+    bool isValid() const override { return isPending && !state.expired(); }
+    void stop() override;
 };
 
 struct FakeRunLoop::State {
@@ -44,37 +52,22 @@ struct FakeRunLoop::State {
     }
 };
 
-/// What callers hold: harmless once the loop is gone.
-class FakeRunLoop::EntryHandle final : public Timer, public Wait
+void FakeRunLoop::Entry::invalidate()
 {
-public:
-    EntryHandle(std::weak_ptr<State> state, std::shared_ptr<Entry> entry)
-        : mState(std::move(state)), mEntry(std::move(entry))
-    {
-    }
+    if (const auto alive = state.lock(); alive && isPending)
+        alive->take(shared_from_this());
+}
 
-    void invalidate() override
-    {
-        if (const auto state = mState.lock(); state && mEntry->isPending)
-            state->take(mEntry);
-    }
-    bool isValid() const override { return mEntry->isPending && !mState.expired(); }
-
-    void stop() override
-    {
-        const auto state = mState.lock();
-        if (!state || !mEntry->isPending)
-            return;
-        state->queue.erase(mEntry->place);
-        state->put(mEntry, state->now);
-        // A second stop must not push it behind what was queued since the first.
-        mState.reset();
-    }
-
-private:
-    std::weak_ptr<State> mState;
-    std::shared_ptr<Entry> mEntry;
-};
+void FakeRunLoop::Entry::stop()
+{
+    const auto alive = state.lock();
+    // A second stop must not push it behind what was queued since the first.
+    if (!alive || !isPending || std::exchange(isStopped, true))
+        return;
+    const auto self = shared_from_this();
+    alive->queue.erase(place);
+    alive->put(self, alive->now);
+}
 
 FakeRunLoop::FakeRunLoop() : mState(std::make_shared<State>()) {}
 
@@ -89,6 +82,7 @@ std::shared_ptr<FakeRunLoop::Entry> FakeRunLoop::schedule(Duration delay,
                                                           std::weak_ptr<void> target, Action action)
 {
     auto entry = std::make_shared<Entry>();
+    entry->state = mState;
     entry->target = std::move(target);
     entry->action = std::move(action);
     mState->put(entry, mState->now + std::max(delay, Duration::zero()));
@@ -102,7 +96,7 @@ std::shared_ptr<Timer> FakeRunLoop::scheduledTimer(Duration interval, bool repea
     auto entry = schedule(span, std::move(target), std::move(action));
     if (repeats)
         entry->interval = span;
-    return std::make_shared<EntryHandle>(mState, std::move(entry));
+    return entry;
 }
 
 void FakeRunLoop::performAfterDelay(Duration delay, std::weak_ptr<void> target, Action action)
@@ -115,7 +109,7 @@ std::shared_ptr<RunLoop::Wait> FakeRunLoop::run(Duration limit, std::weak_ptr<vo
 {
     auto entry = schedule(limit, std::move(target), std::move(then));
     entry->isWait = true;
-    return std::make_shared<EntryHandle>(mState, std::move(entry));
+    return entry;
 }
 
 Duration FakeRunLoop::now() const { return mState->now; }

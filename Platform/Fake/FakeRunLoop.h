@@ -49,7 +49,6 @@ public:
 private:
     struct Entry;
     struct State;
-    class EntryHandle;
 
     std::shared_ptr<Entry> schedule(Duration delay, std::weak_ptr<void> target, Action action);
     void fireNext();

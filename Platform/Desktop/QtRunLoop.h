@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Platform/RunLoop.h"
+
+#include <memory>
+
+namespace farview
+{
+
+/// The run loop on Qt's event loop. The application object must exist before the first timer.
+/// Main thread only.
+///
+/// Time is the system's monotonic clock: it stands still while the computer is suspended and does
+/// not follow changes of the wall clock. What is still pending when the loop object goes never
+/// fires.
+class QtRunLoop final : public RunLoop
+{
+public:
+    QtRunLoop();
+    ~QtRunLoop() override;
+
+    std::shared_ptr<Timer> scheduledTimer(Duration interval, bool repeats,
+                                          std::weak_ptr<void> target, Action action) override;
+    void performAfterDelay(Duration delay, std::weak_ptr<void> target, Action action) override;
+    std::shared_ptr<Wait> run(Duration limit, std::weak_ptr<void> target, Action then) override;
+    Duration now() const override;
+
+    /// What the loop still owns: timers, delayed performs and waits.
+    std::size_t pendingCount() const;
+
+    class Pending;
+
+private:
+    std::shared_ptr<Pending> mPending;
+};
+
+} // namespace farview

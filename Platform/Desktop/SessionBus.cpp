@@ -1,0 +1,157 @@
+#include "Platform/Desktop/SessionBus.h"
+
+#include <QDBusPendingCall>
+#include <QDBusReply>
+#include <QFileInfo>
+
+#include <unistd.h>
+
+#include <string>
+
+namespace farview
+{
+namespace
+{
+
+constexpr Duration firstPause{0.1};
+constexpr Duration longestPause{30.0};
+
+const QString busService = QStringLiteral("org.freedesktop.DBus");
+const QString busPath = QStringLiteral("/org/freedesktop/DBus");
+
+constexpr unsigned doNotQueue = 4;
+constexpr unsigned nowPrimaryOwner = 1;
+constexpr unsigned alreadyOwner = 4;
+
+/// Connections are named process-wide, but host and pane have one each, and a dead one cannot be
+/// used again.
+QString freshConnectionName()
+{
+    static unsigned count = 0;
+    return QStringLiteral("farview-%1-%2").arg(quintptr(&count), 0, 16).arg(++count);
+}
+
+} // namespace
+
+SessionBus::SessionBus(Log& log) : mLog(log), mPause(firstPause, longestPause)
+{
+    mRetry.setSingleShot(true);
+    connect(&mRetry, &QTimer::timeout, this, &SessionBus::tryToConnect);
+    tryToConnect();
+}
+
+SessionBus::~SessionBus() { closeConnection(); }
+
+QDBusConnection SessionBus::connection() const
+{
+    return mConnection ? *mConnection : QDBusConnection(QStringLiteral("farview-no-bus"));
+}
+
+QString SessionBus::uniqueName() const
+{
+    return mConnection ? mConnection->baseService() : QString();
+}
+
+QDBusMessage SessionBus::busCall(const QString& member)
+{
+    return QDBusMessage::createMethodCall(busService, busPath, busService, member);
+}
+
+bool SessionBus::requestName(const std::string& name)
+{
+    auto call = busCall(QStringLiteral("RequestName"));
+    call << QString::fromStdString(name) << doNotQueue;
+    const QDBusReply<uint> reply = connection().call(call, QDBus::Block, blockingLimit);
+    return reply.isValid() && (reply.value() == nowPrimaryOwner || reply.value() == alreadyOwner);
+}
+
+void SessionBus::releaseName(const std::string& name)
+{
+    auto call = busCall(QStringLiteral("ReleaseName"));
+    call << QString::fromStdString(name);
+    connection().send(call);
+}
+
+QString SessionBus::nameOwner(const std::string& name)
+{
+    auto call = busCall(QStringLiteral("GetNameOwner"));
+    call << QString::fromStdString(name);
+    const QDBusReply<QString> reply = connection().call(call, QDBus::Block, blockingLimit);
+    return reply.isValid() ? reply.value() : QString();
+}
+
+QString SessionBus::address()
+{
+    const QString stated = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    if (!stated.isEmpty())
+        return stated;
+    const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return folder.isEmpty() ? QString() : QStringLiteral("unix:path=%1/bus").arg(folder);
+}
+
+void SessionBus::tryToConnect()
+{
+    if (!openConnection() || !isOurOwnBus()) {
+        closeConnection();
+        retryLater();
+        return;
+    }
+    mPause.reset();
+    Q_EMIT connected(std::exchange(mWasMissing, false));
+}
+
+bool SessionBus::openConnection()
+{
+    const QString where = address();
+    if (where.isEmpty())
+        return false;
+    mConnection = QDBusConnection::connectToBus(where, freshConnectionName());
+    return mConnection->isConnected() &&
+           mConnection->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                QStringLiteral("org.freedesktop.DBus.Local"),
+                                QStringLiteral("Disconnected"), this, SLOT(noticeDisconnection()));
+}
+
+bool SessionBus::isOurOwnBus()
+{
+    auto call = busCall(QStringLiteral("GetConnectionUnixUser"));
+    call << busService;
+    const QDBusReply<uint> owner = mConnection->call(call, QDBus::Block, blockingLimit);
+    if (owner.isValid() && owner.value() == geteuid())
+        return true;
+    mLog.write(LogLevel::warning, "The session bus does not run as this user; not using it");
+    return false;
+}
+
+void SessionBus::closeConnection()
+{
+    if (!mConnection)
+        return;
+    const QString name = mConnection->name();
+    mConnection.reset();
+    QDBusConnection::disconnectFromBus(name);
+}
+
+void SessionBus::noticeDisconnection()
+{
+    // A connection that we closed ourselves may still have this call queued.
+    if (!mConnection || mConnection->isConnected())
+        return;
+    mLog.write(LogLevel::warning, "The session bus has gone");
+    closeConnection();
+    Q_EMIT disconnected();
+    retryLater();
+}
+
+void SessionBus::retryLater()
+{
+    if (!mWasMissing && address().isEmpty())
+        mLog.write(LogLevel::warning, "No session bus: neither DBUS_SESSION_BUS_ADDRESS nor "
+                                      "XDG_RUNTIME_DIR is set");
+    mWasMissing = true;
+    // Where no address is known, none will be: a process's environment does not change by itself.
+    if (!address().isEmpty())
+        mRetry.start(static_cast<int>(mPause.next().count() * 1000));
+}
+
+} // namespace farview

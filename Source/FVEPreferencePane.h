@@ -1,13 +1,13 @@
 #pragma once
 
+#include "Common/Rules/DeviceMenu.h"
+#include "Common/Rules/StatusDisplay.h"
 #include "Platform/NotificationCenter.h"
 #include "Source/FVEPreferencePaneProperties.h"
 
 #include <deque>
 #include <memory>
 #include <string>
-
-class FVEPreferences;
 
 namespace farview
 {
@@ -53,7 +53,10 @@ public:
 
     // The device menu.
     std::shared_ptr<farview::Menu> createVirtualScreensMenu();
-    const std::shared_ptr<farview::NetService>& selectedNetService() const;
+    const std::shared_ptr<farview::NetService>& selectedNetService() const
+    {
+        return mSelectedNetService;
+    }
     /// Also stores the host name of a device as the one in use.
     void setSelectedNetService(std::shared_ptr<farview::NetService> service);
     void takeNoVirtualScreenFrom(farview::Object* sender);
@@ -110,7 +113,53 @@ public:
     bool needsWarningMessageFor9400_9600_And_LionProblem();
 
 private:
-    struct Parts;
+    std::string localized(const std::string& text) const;
+    /// Tells another program what to do: at once, in all the user's sessions.
+    void command(const char* name, farview::DistributedNotificationCenter::TextUserInfo userInfo);
+    void log(const std::string& message);
 
-    std::unique_ptr<Parts> mParts;
+    void showSwitchState();
+    void showAutoConnectTable(bool shown);
+    void findResources();
+    OptionalURL helperToolURL(const char* name) const;
+    void addObservers();
+    void removeObservers();
+    void observeLosses();
+    void makeBrowser();
+    void launch(const OptionalURL& application);
+    void followPreferences();
+    void queryConnectedHost();
+    void releaseOutlets();
+
+    const QLNBonjourBrowser::ServiceList& listedServices() const;
+    farview::DeviceMenuInputs deviceMenuInputs();
+    std::shared_ptr<farview::MenuItem> menuItem(const farview::MenuEntry& entry);
+    void requestConnection(const farview::NetService& service);
+
+    void showPopUp(farview::PopUpDisplay display);
+    void selectEntryInForce();
+    void enableSelectedEntry();
+    void showInstructions(const farview::StatusDisplay& display);
+    void showDriverMissing();
+    void updateDeviceHint();
+
+    bool isAcceptable(const farview::Notification& notification);
+    void followConnectionByAddress(const farview::Notification& notification);
+    void followConnectionToDevice(const std::string* hostName);
+    void selectDeviceOfHost(const std::string* hostName);
+    void queryResultLater(const farview::Notification& notification);
+    void setPopUpWidth(const farview::View& placeholder);
+    WeakTimer scheduleOnce(farview::Duration delay, void (FVEPreferencePane::*operation)());
+    WeakTimer scheduleOnce(farview::Duration delay,
+                           void (FVEPreferencePane::*operation)(farview::Object*));
+
+    farview::Platform& mPlatform;
+    std::shared_ptr<farview::Bundle> mBundle;
+    std::shared_ptr<farview::NetService> mSelectedNetService;
+    /// Browsers of earlier showings: they go on searching, the latest few of them.
+    std::deque<std::shared_ptr<QLNBonjourBrowser>> mEarlierBrowsers;
+    farview::Subscription mReconnection;
+    farview::Subscription mDiscoveryCondition;
+    int mQueryResultsWaiting = 0;
+    bool mListWasBuilt = false;
 };

@@ -1,0 +1,61 @@
+#include "Source/FVEPreferencePane.h"
+
+#include "Common/FVEPreferences.h"
+#include "Platform/Accessibility.h"
+#include "Platform/Platform.h"
+#include "Platform/Workspace.h"
+
+using farview::Object;
+
+namespace
+{
+
+bool isOn(const Object* sender)
+{
+    const auto* button = dynamic_cast<const farview::Button*>(sender);
+    return button && button->state() == 1;
+}
+
+} // namespace
+
+void FVEPreferencePane::menuExtraCheckboxPressed(Object* sender)
+{
+    FVEPreferences::sharedAppPrefs().setShowInMenuBar(isOn(sender));
+    if (isOn(sender))
+        startStatusItemProcess();
+    else
+        killStatusItemProcess();
+}
+
+void FVEPreferencePane::enableTouchDisplayPressed(Object* sender)
+{
+    FVEPreferences::sharedAppPrefs().setEnableTouchDisplay(isOn(sender));
+}
+
+void FVEPreferencePane::enableRetinaPressed(Object* sender)
+{
+    FVEPreferences::sharedAppPrefs().setRetinaResolutionsEnabled(isOn(sender));
+}
+
+void FVEPreferencePane::enableHiDPIPressed(Object* /*sender*/) {}
+
+void FVEPreferencePane::autoMoveWindowsBackPressed(Object* sender)
+{
+    if (isOn(sender) && !mPlatform.accessibility->isEnabled()) {
+        autoMoveWindowsBack()->setState(0);
+        return;
+    }
+    FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(isOn(sender));
+}
+
+void FVEPreferencePane::reinstallDriversPressed(Object* /*sender*/)
+{
+    if (installerURL())
+        mPlatform.workspace->openURL(*installerURL());
+}
+
+void FVEPreferencePane::helpPressed(Object* /*sender*/)
+{
+    if (documentation())
+        mPlatform.workspace->openURL(*documentation());
+}

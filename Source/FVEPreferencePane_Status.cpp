@@ -1,0 +1,122 @@
+#include "Source/FVEPreferencePane.h"
+
+#include "Common/FVEPreferences.h"
+#include "Platform/Platform.h"
+
+using farview::PopUpDisplay;
+using farview::Represented;
+using farview::SelectedEntry;
+
+void FVEPreferencePane::updateUI()
+{
+    auto& preferences = FVEPreferences::sharedAppPrefs();
+    farview::StatusInputs inputs;
+    inputs.driverInstalled = videoDriverInstalled();
+    inputs.currentState = preferences.currentState();
+    inputs.anyDeviceListed = !listedServices().empty();
+    inputs.connectedByAddress = connectedToOtherDevice();
+    inputs.errorOnShow = connectErrorMessageTimer().lock() != nullptr;
+    inputs.graphicsCardCase =
+        !inputs.driverInstalled && needsWarningMessageFor9400_9600_And_LionProblem();
+    const auto display = farview::statusDisplay(inputs);
+
+    if (inputs.driverInstalled)
+        menuExtraCheckbox()->setState(preferences.showInMenuBar() ? 1 : 0);
+    else
+        showDriverMissing();
+    statusLabel()->setStringValue(localized(display.word));
+    statusExplanationLabel()->setStringValue(localized(display.sentence));
+    showPopUp(display.popUp);
+    if (inputs.driverInstalled) {
+        enableTouchDisplay()->setState(preferences.enableTouchDisplay() ? 1 : 0);
+        enableSelectedEntry();
+    }
+    showInstructions(display);
+    updateDeviceHint();
+}
+
+void FVEPreferencePane::showPopUp(PopUpDisplay display)
+{
+    auto& popUp = *virtualScreenSelectionPopup();
+    switch (display) {
+    case PopUpDisplay::disabled:
+        popUp.setEnabled(false);
+        break;
+    case PopUpDisplay::disabledOffTitle:
+        popUp.setEnabled(false);
+        popUp.setTitle(localized(farview::popUpTitleWhenOff));
+        break;
+    case PopUpDisplay::menu:
+        popUp.setMenu(createVirtualScreensMenu());
+        break;
+    case PopUpDisplay::menuAndSelection:
+        popUp.setEnabled(true);
+        popUp.setMenu(createVirtualScreensMenu());
+        selectEntryInForce();
+        break;
+    }
+}
+
+void FVEPreferencePane::selectEntryInForce()
+{
+    auto& popUp = *virtualScreenSelectionPopup();
+    int index = -1;
+    switch (farview::selectedEntry(selectedNetService() != nullptr, connectedToOtherDevice())) {
+    case SelectedEntry::device:
+        index = popUp.indexOfItemWithRepresentedObject(
+            std::shared_ptr<farview::Object>(selectedNetService()));
+        break;
+    case SelectedEntry::address:
+        if (const auto& address = connectedToOtherDeviceIPString())
+            index = popUp.indexOfItemWithRepresentedObject(Represented(*address));
+        break;
+    case SelectedEntry::noDevice:
+        index = popUp.indexOfItemWithTag(farview::noDeviceEntryTag);
+        break;
+    }
+    popUp.selectItemAtIndex(index);
+}
+
+void FVEPreferencePane::enableSelectedEntry()
+{
+    // The choice in force can be chosen whatever the menu's own rule says, also a busy device.
+    const auto item = virtualScreenSelectionPopup()->selectedItem();
+    if (!item)
+        return;
+    item->target = weak_from_this();
+    item->enabled = true;
+    virtualScreenSelectionPopup()->itemChanged();
+}
+
+void FVEPreferencePane::showInstructions(const farview::StatusDisplay& display)
+{
+    if (display.instructions)
+        instructionsLabel()->setStringValue(localized(*display.instructions));
+    if (display.warningShown)
+        warningImage()->setHidden(!*display.warningShown);
+    if (!videoDriverInstalled())
+        reinstallDriversButton()->setHidden(false);
+}
+
+void FVEPreferencePane::showDriverMissing()
+{
+    offTextButton()->setEnabled(false);
+    onOffSwitch()->setEnabled(false);
+    onTextButton()->setEnabled(false);
+    offTextButton()->setHidden(true);
+    onOffSwitch()->setHidden(true);
+    onTextButton()->setHidden(true);
+    autoConnect()->setEnabled(false);
+    menuExtraCheckbox()->setEnabled(false);
+    enableTouchDisplay()->setEnabled(false);
+}
+
+void FVEPreferencePane::updateDeviceHint()
+{
+    farview::DiscoveryHintInputs inputs;
+    inputs.on = videoDriverInstalled() && FVEPreferences::sharedAppPrefs().currentState() != 0;
+    inputs.anyDeviceListed = !listedServices().empty();
+    inputs.connected = selectedNetService() || connectedToOtherDevice();
+    inputs.condition = mPlatform.discovery->condition();
+    deviceHintLabel()->setStringValue(localized(farview::discoveryHint(inputs)));
+}

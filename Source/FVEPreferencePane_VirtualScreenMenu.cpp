@@ -1,0 +1,168 @@
+#include "Source/FVEPreferencePane.h"
+
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/FVEPreferences.h"
+#include "Common/NSString_Additions.h"
+#include "Platform/Platform.h"
+#include "Source/FVEConnectToOtherSheetController.h"
+
+using farview::ListedDevice;
+using farview::MenuEntry;
+using farview::MenuEntryKind;
+using farview::MenuItem;
+using farview::NetService;
+using farview::Object;
+
+namespace
+{
+
+constexpr farview::Duration connectErrorCheckDelay{15.0};
+
+bool isBusy(const NetService& service)
+{
+    const auto record = NetService::dictionaryFromTXTRecordData(service.TXTRecordData());
+    const auto state = record.find(kFVEConnectionStateKey);
+    const auto* value = state == record.end() ? nullptr : &state->second;
+    return FVExConnectStateFromString(stringWithData(value)) == FVExConnectStateConnected;
+}
+
+/// The device that an entry stands for; null for any other entry.
+std::shared_ptr<NetService> serviceOf(const MenuItem& item)
+{
+    const auto* object = std::get_if<std::shared_ptr<Object>>(&item.representedObject);
+    return object ? std::dynamic_pointer_cast<NetService>(*object) : nullptr;
+}
+
+} // namespace
+
+const QLNBonjourBrowser::ServiceList& FVEPreferencePane::listedServices() const
+{
+    static const QLNBonjourBrowser::ServiceList none;
+    return bonjourBrowser() ? bonjourBrowser()->activeServiceList() : none;
+}
+
+farview::DeviceMenuInputs FVEPreferencePane::deviceMenuInputs()
+{
+    farview::DeviceMenuInputs inputs;
+    inputs.devices.reserve(listedServices().size());
+    for (const auto& service : listedServices())
+        inputs.devices.push_back(
+            ListedDevice{service->name(), isBusy(*service), service == selectedNetService()});
+    inputs.noDeviceEntryEnabled = determineIfNoDevicesSelectedEnabled();
+    inputs.connectedByAddress = connectedToOtherDevice();
+    inputs.address = connectedToOtherDeviceIPString();
+    if (selectedNetService())
+        inputs.selectedName = selectedNetService()->name();
+    return inputs;
+}
+
+std::shared_ptr<farview::Menu> FVEPreferencePane::createVirtualScreensMenu()
+{
+    auto menu = std::make_shared<farview::Menu>();
+    for (const auto& entry : farview::deviceMenuEntries(deviceMenuInputs()))
+        menu->insertItem(menuItem(entry), menu->numberOfItems());
+    return menu;
+}
+
+std::shared_ptr<MenuItem> FVEPreferencePane::menuItem(const MenuEntry& entry)
+{
+    auto item = std::make_shared<MenuItem>();
+    item->title = entry.title;
+    item->enabled = entry.enabled;
+    item->state = entry.checked ? 1 : 0;
+    if (entry.hasTarget)
+        item->target = weak_from_this();
+    switch (entry.kind) {
+    case MenuEntryKind::noDevice:
+        item->title = localized("No device selected");
+        item->action = {"takeNoVirtualScreenFrom:"};
+        item->tag = farview::noDeviceEntryTag;
+        break;
+    case MenuEntryKind::device:
+        item->action = {"takeVirtualScreenFrom:"};
+        item->representedObject = std::shared_ptr<Object>(listedServices()[entry.device]);
+        break;
+    case MenuEntryKind::address:
+        item->action = {"takeVirtualScreenFrom:"};
+        item->representedObject = entry.title;
+        break;
+    case MenuEntryKind::connectToOther:
+        item->title = localized("Connect To Other...");
+        item->action = {"takeVirtualOtherDeviceScreenFrom:"};
+        break;
+    case MenuEntryKind::inBackground:
+        item->title += localized(" (in background)");
+        break;
+    }
+    return item;
+}
+
+void FVEPreferencePane::setSelectedNetService(std::shared_ptr<NetService> service)
+{
+    if (service == mSelectedNetService)
+        return;
+    mSelectedNetService = std::move(service);
+    if (mSelectedNetService)
+        FVEPreferences::sharedAppPrefs().setCurrentVirtualScreenDevice(
+            mSelectedNetService->hostName().value_or(std::string{}));
+}
+
+void FVEPreferencePane::takeVirtualScreenFrom(Object* sender)
+{
+    const auto* item = dynamic_cast<MenuItem*>(sender);
+    if (!item)
+        return;
+    // An address entry stands for the connection in force, or is stale: nothing to ask for.
+    const auto service = serviceOf(*item);
+    if (!service || (selectedNetService() && service->isEqual(*selectedNetService())))
+        return;
+    requestConnection(*service);
+}
+
+void FVEPreferencePane::requestConnection(const NetService& service)
+{
+    clearConnectionError();
+    showProgressIndicator();
+    setConnectErrorCheckTimer(
+        scheduleOnce(connectErrorCheckDelay, &FVEPreferencePane::checkForConnectionError));
+    // Without a host name there is nobody to name; the check tells the user when its time is over.
+    if (const auto hostName = service.hostName())
+        command(kConnectServerToHost, {{kConnectToHostNameKey, *hostName}});
+}
+
+void FVEPreferencePane::takeNoVirtualScreenFrom(Object* /*sender*/)
+{
+    setSelectedNetService(nullptr);
+    setConnectedToOtherDeviceIPString(std::nullopt);
+    setConnectedToOtherDevice(false);
+    FVEPreferences::sharedAppPrefs().setCurrentVirtualScreenDevice("");
+    command(kDisconnectCurrentServerFromHost, {});
+    updateUI();
+}
+
+void FVEPreferencePane::takeVirtualOtherDeviceScreenFrom(Object* sender)
+{
+    if (dynamic_cast<MenuItem*>(sender) && connectToOtherSheetController())
+        connectToOtherSheetController()->showConnectToOtherSheet(this);
+}
+
+void FVEPreferencePane::virtualScreensDidChange(const farview::Notification& /*notification*/)
+{
+    queryConnectedHost();
+    updateUI();
+    buildDeviceList();
+    writeDeviceList();
+}
+
+void FVEPreferencePane::virtualScreensDidRemoveService(
+    const farview::Notification& /*notification*/)
+{
+    updateUI();
+    buildDeviceList();
+    writeDeviceList();
+}
+
+void FVEPreferencePane::netServiceTXTRecordChanged(const farview::Notification& /*notification*/)
+{
+    updateUI();
+}

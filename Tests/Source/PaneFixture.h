@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/FVEPreferences.h"
+#include "Platform/Fake/FakePlatform.h"
+#include "Source/FVEPreferencePane.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// A pane on a scripted machine, its controls in the state that the interface file gives them. The
+/// driver is there unless a test takes it away before `load`.
+class PaneFixture : public testing::Test
+{
+protected:
+    using Texts = std::vector<std::string>;
+    using Post = farview::FakeDistributedNotificationCenter::Post;
+
+    PaneFixture();
+
+    void load() { pane->mainViewDidLoad(); }
+    /// One showing, with everything that follows from it at once.
+    void show();
+    void hide();
+    /// A loaded pane on show with that stored state.
+    void showWithState(long state);
+    void newPane(farview::Platform& platform);
+
+    /// Sets a shared setting as another program does, announcement included.
+    void changeElsewhere(const std::string& key, farview::PropertyList value);
+    void setStored(const std::string& key, farview::PropertyList value);
+    std::optional<farview::PropertyList> stored(const std::string& key) const;
+    std::optional<std::string> storedText(const std::string& key) const;
+
+    static farview::FakeDevice device(const std::string& name, const std::string& hostName,
+                                      const std::string& state = "NotConnected");
+    void announce(std::vector<farview::FakeDevice> devices);
+    /// The first listed service of that name.
+    std::shared_ptr<farview::NetService> listed(const std::string& name) const;
+    /// A report of the server's, delivered.
+    void serverPosts(const std::string& name,
+                     farview::DistributedNotificationCenter::TextUserInfo userInfo = {});
+    void serverConnectedTo(const std::string& hostName);
+    /// Shown, on, "Pad" (pad.local) and "Slab" (slab.local) listed, and connected to "Pad".
+    void showConnectedToPad();
+
+    Texts menuTitles() const;
+    std::shared_ptr<farview::MenuItem> entry(const std::string& title) const;
+    std::string selectedTitle() const;
+    /// The user opens the popup and clicks that entry. False when that cannot be done.
+    bool choose(const std::string& title);
+    /// Time passes.
+    void after(double seconds) { fake.runLoop.advance(farview::Duration(seconds)); }
+
+    std::vector<Post> posts(const char* name) const;
+    /// Names of the rows, with "*" before the chosen ones.
+    Texts rows() const;
+    Texts seenDevices() const;
+
+    bool popUpIsEnabled() const { return pane->virtualScreenSelectionPopup()->isEnabled(); }
+    double popUpWidth() const { return pane->virtualScreenSelectionPopup()->frame().size.width; }
+    bool spinnerShows() const { return !pane->waitingForServerIndicator()->isHidden(); }
+    bool warningShows() const { return !pane->warningImage()->isHidden(); }
+    std::string instructions() const { return pane->instructionsLabel()->stringValue(); }
+    std::string hint() const { return pane->deviceHintLabel()->stringValue(); }
+    std::string status() const { return pane->statusLabel()->stringValue(); }
+    std::string explanation() const { return pane->statusExplanationLabel()->stringValue(); }
+    int switchState() const { return pane->onOffSwitch()->state(); }
+
+    static constexpr double fullWidth = 200;
+    static constexpr double reducedWidth = 160;
+    static constexpr const char* noDevice = "No device selected";
+    static constexpr const char* connectToOther = "Connect To Other...";
+
+    farview::FakePlatform fake;
+    farview::Platform::Scope scope{fake.platform()};
+    std::shared_ptr<farview::FakeBundle> bundle;
+    farview::FakeRegistry::Entry driver = 0;
+    std::shared_ptr<FVEPreferencePane> pane;
+};

@@ -1,0 +1,343 @@
+#include "Link/LinkConnection.h"
+
+#include <QHostAddress>
+
+#include <utility>
+
+namespace farview
+{
+
+namespace
+{
+
+constexpr qint64 kReadAtOnce = 64 * 1024;
+/// After its time a silent peer gets this long: when this process itself was stopped, the peer's
+/// bytes wait in the socket and are read first.
+constexpr std::chrono::milliseconds kSecondLook{100};
+
+std::string numericAddress(QHostAddress address)
+{
+    bool isMapped = false;
+    const quint32 mapped = address.toIPv4Address(&isMapped);
+    if (isMapped)
+        return QHostAddress(mapped).toString().toStdString();
+    address.setScopeId(QString());
+    return address.toString().toStdString();
+}
+
+} // namespace
+
+std::shared_ptr<LinkConnection> LinkConnection::make(LinkSide side,
+                                                     std::unique_ptr<QTcpSocket> socket,
+                                                     std::weak_ptr<LinkConnectionDelegate> delegate,
+                                                     const LinkGreeting& speaks, LinkTimes times)
+{
+    std::shared_ptr<LinkConnection> connection(
+        new LinkConnection(side, std::move(socket), std::move(delegate), speaks, times));
+    connection->begin();
+    return connection;
+}
+
+LinkConnection::LinkConnection(LinkSide side, std::unique_ptr<QTcpSocket> socket,
+                               std::weak_ptr<LinkConnectionDelegate> delegate,
+                               const LinkGreeting& speaks, LinkTimes times)
+    : mSide(side), mSpeaks(speaks), mTimes(times), mDelegate(std::move(delegate)),
+      mSocket(std::move(socket)), mPeerAddress(numericAddress(mSocket->peerAddress()))
+{
+}
+
+LinkConnection::~LinkConnection() { mSocket->disconnect(); }
+
+void LinkConnection::begin()
+{
+    const auto later = [this](void (LinkConnection::*operation)()) {
+        return [weak = weak_from_this(), operation] {
+            if (const auto self = weak.lock())
+                ((*self).*operation)();
+        };
+    };
+    // Queued: the socket reports some errors inside our own calls.
+    QObject* context = mSocket.get();
+    QObject::connect(mSocket.get(), &QTcpSocket::readyRead, context,
+                     later(&LinkConnection::readBytes), Qt::QueuedConnection);
+    QObject::connect(mSocket.get(), &QTcpSocket::disconnected, context,
+                     later(&LinkConnection::peerClosed), Qt::QueuedConnection);
+    QObject::connect(mSocket.get(), &QTcpSocket::errorOccurred, context,
+                     later(&LinkConnection::peerClosed), Qt::QueuedConnection);
+    QObject::connect(&mSilence, &QTimer::timeout, context, later(&LinkConnection::silenceElapsed));
+    QObject::connect(&mKeepAlive, &QTimer::timeout, context, [this] { send(LinkKeepAlive{}); });
+    QObject::connect(&mDeadline, &QTimer::timeout, context,
+                     later(&LinkConnection::deadlineElapsed));
+    for (QTimer* timer : {&mDeadline, &mSilence, &mKeepAlive})
+        timer->setSingleShot(true);
+
+    mSocket->setReadBufferSize(4 * kReadAtOnce);
+    mSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    mDeadline.start(mTimes.greeting);
+    if (mSide == LinkSide::host)
+        write(encodeGreeting(mSpeaks));
+    // What came before we listened announces itself no more.
+    QMetaObject::invokeMethod(context, later(&LinkConnection::readBytes), Qt::QueuedConnection);
+    if (mSocket->state() != QAbstractSocket::ConnectedState)
+        QMetaObject::invokeMethod(context, later(&LinkConnection::peerClosed),
+                                  Qt::QueuedConnection);
+}
+
+// --- what the peer sends ---------------------------------------------------------------------
+
+void LinkConnection::readBytes()
+{
+    while (mState != State::ended && !wasDropped() && mSocket->bytesAvailable() > 0) {
+        const QByteArray chunk = mSocket->read(kReadAtOnce);
+        if (chunk.isEmpty())
+            return;
+        mSilenceSuspected = false;
+        if (mState == State::open)
+            mSilence.start(mTimes.silence);
+        if (mState == State::leaving)
+            continue;
+        mInbox.insert(mInbox.end(), chunk.begin(), chunk.end());
+        processInbox();
+    }
+}
+
+void LinkConnection::processInbox()
+{
+    std::size_t done = 0;
+    while (done < mInbox.size() && !wasDropped()) {
+        const std::size_t consumed = processNext(ByteView(mInbox).subspan(done));
+        if (consumed == 0)
+            break;
+        done += consumed;
+    }
+    mInbox.erase(mInbox.begin(), mInbox.begin() + static_cast<std::ptrdiff_t>(done));
+}
+
+/// Whether the owner let go during a report: then only the handler that is running keeps it alive.
+bool LinkConnection::wasDropped() const { return weak_from_this().use_count() <= 1; }
+
+std::size_t LinkConnection::processNext(ByteView bytes)
+{
+    switch (mState) {
+    case State::greeting:
+        return mSide == LinkSide::device ? processGreeting(bytes) : processAnswer(bytes);
+    case State::open:
+        return processFrame(bytes);
+    case State::deciding:
+        // A host says nothing before it was accepted.
+        peerBrokeRule();
+        return 0;
+    default:
+        return 0;
+    }
+}
+
+std::size_t LinkConnection::processGreeting(ByteView bytes)
+{
+    const auto decoded = decodeGreeting(bytes);
+    if (decoded.status == DecodeStatus::malformed)
+        peerBrokeRule();
+    if (decoded.status != DecodeStatus::complete)
+        return 0;
+    const LinkAnswer answer = agreementBetween(decoded.value, mSpeaks);
+    if (const auto* refusal = std::get_if<LinkRefusal>(&answer)) {
+        leave(encodeAnswer(answer), {LinkEndReason::noAgreement, refusal->text});
+        return decoded.consumed;
+    }
+    mAgreement = std::get<LinkAgreement>(answer);
+    mState = State::deciding;
+    if (const auto delegate = mDelegate.lock())
+        delegate->linkDidGreet(*this);
+    return decoded.consumed;
+}
+
+std::size_t LinkConnection::processAnswer(ByteView bytes)
+{
+    const auto decoded = decodeAnswer(bytes);
+    if (decoded.status == DecodeStatus::malformed)
+        peerBrokeRule();
+    if (decoded.status == DecodeStatus::complete)
+        take(decoded.value);
+    return decoded.consumed;
+}
+
+std::size_t LinkConnection::processFrame(ByteView bytes)
+{
+    const auto decoded = decodeFrame(bytes);
+    if (decoded.status == DecodeStatus::malformed)
+        peerBrokeRule();
+    if (decoded.status == DecodeStatus::complete)
+        take(decoded.value);
+    return decoded.consumed;
+}
+
+void LinkConnection::take(const LinkAnswer& answer)
+{
+    if (const auto* refusal = std::get_if<LinkRefusal>(&answer)) {
+        const bool noAgreement = refusal->code == LinkRefusalCode::noAgreement;
+        end({noAgreement ? LinkEndReason::noAgreement : LinkEndReason::refused, refusal->text});
+        return;
+    }
+    const auto& agreement = std::get<LinkAgreement>(answer);
+    if (agreementFits(agreement, mSpeaks))
+        becomeOpen(agreement);
+    else
+        end({LinkEndReason::noAgreement, "The device answered what was not offered."});
+}
+
+void LinkConnection::take(const LinkFrame& frame)
+{
+    if (!isAllowed(frame)) {
+        peerBrokeRule();
+        return;
+    }
+    if (const auto* goodbye = std::get_if<LinkGoodbye>(&frame)) {
+        end({LinkEndReason::goodbye, goodbye->text});
+        return;
+    }
+    if (std::holds_alternative<LinkKeepAlive>(frame))
+        return;
+    if (const auto delegate = mDelegate.lock())
+        delegate->linkDidReceive(*this, frame);
+}
+
+bool LinkConnection::isAllowed(const LinkFrame& frame) const
+{
+    if (std::holds_alternative<LinkOptions>(frame))
+        return mSide == LinkSide::device;
+    if (std::holds_alternative<LinkScreenRectangle>(frame))
+        return mSide == LinkSide::device && mAgreement.has(kLinkScreenFeature);
+    return true;
+}
+
+void LinkConnection::becomeOpen(const LinkAgreement& agreement)
+{
+    mAgreement = agreement;
+    mState = State::open;
+    mDeadline.stop();
+    mSilence.start(mTimes.silence);
+    mKeepAlive.start(mTimes.keepAlive);
+    if (const auto delegate = mDelegate.lock())
+        delegate->linkDidOpen(*this);
+}
+
+// --- what the owner asks for -----------------------------------------------------------------
+
+void LinkConnection::accept()
+{
+    if (mState != State::deciding)
+        return;
+    write(encodeAnswer(mAgreement));
+    // Frames may be sent from here on; the report comes on its own turn.
+    QMetaObject::invokeMethod(
+        mSocket.get(),
+        [weak = weak_from_this()] {
+            const auto self = weak.lock();
+            if (!self || self->mState != State::accepting)
+                return;
+            self->becomeOpen(LinkAgreement(self->mAgreement));
+            self->processInbox();
+        },
+        Qt::QueuedConnection);
+    mState = State::accepting;
+}
+
+void LinkConnection::refuse(const LinkRefusal& refusal)
+{
+    if (mSide == LinkSide::device && (mState == State::greeting || mState == State::deciding))
+        leave(encodeAnswer(refusal), {LinkEndReason::closedHere, refusal.text});
+}
+
+void LinkConnection::send(const LinkFrame& frame)
+{
+    const bool needsFeature = std::holds_alternative<LinkScreenRectangle>(frame);
+    if (mState == State::open && (!needsFeature || mAgreement.has(kLinkScreenFeature)))
+        write(encodeFrame(frame));
+}
+
+void LinkConnection::close(const LinkGoodbye& goodbye)
+{
+    if (mState == State::leaving || mState == State::ended)
+        return;
+    const bool wasOpen = mState == State::open || mState == State::accepting;
+    leave(wasOpen ? encodeFrame(goodbye) : Bytes{}, {LinkEndReason::closedHere, goodbye.text});
+    if (!wasOpen)
+        mDeadline.start(0);
+}
+
+// --- the end ---------------------------------------------------------------------------------
+
+void LinkConnection::peerBrokeRule()
+{
+    const LinkEnd end{LinkEndReason::brokenRule, "The peer does not speak this link's language."};
+    const bool greeted = mState == State::open || mState == State::accepting;
+    if (greeted)
+        leave(encodeFrame(LinkGoodbye{LinkGoodbyeCode::brokenRule, ""}), end);
+    else if (mSide == LinkSide::device)
+        leave(encodeAnswer(LinkRefusal{LinkRefusalCode::notAGreeting, ""}), end);
+    else
+        this->end(end);
+}
+
+void LinkConnection::peerClosed()
+{
+    // Its last words may still wait to be read.
+    readBytes();
+    if (mState == State::leaving)
+        end(mEndAfterLeaving);
+    else
+        end({LinkEndReason::lost, "The connection was lost."});
+}
+
+void LinkConnection::deadlineElapsed()
+{
+    if (mState == State::leaving)
+        end(mEndAfterLeaving);
+    else
+        end({LinkEndReason::notAnswered, "No greeting came in time."});
+}
+
+void LinkConnection::silenceElapsed()
+{
+    if (mState != State::open)
+        return;
+    if (mSilenceSuspected) {
+        end({LinkEndReason::silent, "The peer stopped answering."});
+        return;
+    }
+    mSilenceSuspected = true;
+    mSilence.start(kSecondLook);
+}
+
+void LinkConnection::write(const Bytes& bytes)
+{
+    mSocket->write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
+    if (mState == State::open)
+        mKeepAlive.start(mTimes.keepAlive);
+}
+
+/// Stays until the peer has closed: closing over unread bytes could take our last words back.
+void LinkConnection::leave(const Bytes& lastWords, LinkEnd end)
+{
+    mSilence.stop();
+    mKeepAlive.stop();
+    mState = State::leaving;
+    mEndAfterLeaving = std::move(end);
+    write(lastWords);
+    mSocket->flush();
+    mDeadline.start(mTimes.farewell);
+}
+
+void LinkConnection::end(LinkEnd end)
+{
+    if (mState == State::ended)
+        return;
+    mState = State::ended;
+    for (QTimer* timer : {&mDeadline, &mSilence, &mKeepAlive})
+        timer->stop();
+    mSocket->abort();
+    if (const auto delegate = mDelegate.lock())
+        delegate->linkDidEnd(*this, end);
+}
+
+} // namespace farview

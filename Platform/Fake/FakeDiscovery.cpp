@@ -66,11 +66,6 @@ void FakeDiscovery::announce(std::vector<FakeDevice> devices)
         browser->find(batch);
 }
 
-void FakeDiscovery::announce(FakeDevice device)
-{
-    announce(std::vector<FakeDevice>{std::move(device)});
-}
-
 void FakeDiscovery::remove(const std::vector<std::string>& names)
 {
     FakeNetServiceBrowser::Devices batch;

@@ -24,7 +24,6 @@ public:
 
     /// The devices appear together: one batch for every running search.
     void announce(std::vector<FakeDevice> devices);
-    void announce(FakeDevice device);
     /// The devices say goodbye together, in this order. Of two of one name the elder leaves.
     void remove(const std::vector<std::string>& names);
     /// The device vanishes without goodbye: it answers no more, and the next `checkAgain` ends it.

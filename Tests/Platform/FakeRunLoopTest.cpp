@@ -1,0 +1,221 @@
+#include "Platform/Fake/FakeRunLoop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using farview::Duration;
+using farview::FakeRunLoop;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+class FakeRunLoopTest : public testing::Test
+{
+protected:
+    auto note(const std::string& word)
+    {
+        return [this, word] { said.push_back(word); };
+    }
+
+    FakeRunLoop loop;
+    std::shared_ptr<int> target = std::make_shared<int>();
+    std::vector<std::string> said;
+};
+
+TEST_F(FakeRunLoopTest, FiresInOrderOfDueTime)
+{
+    loop.performAfterDelay(Duration(2), target, note("late"));
+    loop.performAfterDelay(Duration(1), target, note("early"));
+    loop.advance(Duration(3));
+    EXPECT_THAT(said, ElementsAre("early", "late"));
+}
+
+TEST_F(FakeRunLoopTest, FiresInOrderOfSchedulingWhatIsDueTogether)
+{
+    loop.performAfterDelay(Duration(1), target, note("first"));
+    const auto timer = loop.scheduledTimer(Duration(1), false, target, note("second"));
+    loop.run(Duration(1), target, note("third"));
+    loop.advance(Duration(1));
+    EXPECT_THAT(said, ElementsAre("first", "second", "third"));
+    EXPECT_FALSE(timer->isValid());
+}
+
+TEST_F(FakeRunLoopTest, FiresNothingBeforeItsTime)
+{
+    loop.performAfterDelay(Duration(15), target, note("due"));
+    loop.advance(Duration(14.9));
+    EXPECT_THAT(said, IsEmpty());
+    loop.advance(Duration(0.2));
+    EXPECT_THAT(said, ElementsAre("due"));
+}
+
+TEST_F(FakeRunLoopTest, ShowsEachHandlerItsOwnTime)
+{
+    std::vector<double> times;
+    const auto noteTime = [&] { times.push_back(loop.now().count()); };
+    loop.performAfterDelay(Duration(1), target, noteTime);
+    loop.performAfterDelay(Duration(4), target, noteTime);
+    loop.advance(Duration(10));
+    EXPECT_THAT(times, ElementsAre(1.0, 4.0));
+    EXPECT_EQ(loop.now(), Duration(10));
+}
+
+TEST_F(FakeRunLoopTest, ARepeatingTimerFiresAtEachIntervalUntilInvalidated)
+{
+    const auto timer = loop.scheduledTimer(Duration(10), true, target, note("tick"));
+    loop.advance(Duration(35));
+    EXPECT_THAT(said, ElementsAre("tick", "tick", "tick"));
+    timer->invalidate();
+    EXPECT_FALSE(timer->isValid());
+    loop.advance(Duration(100));
+    EXPECT_EQ(said.size(), 3U);
+    EXPECT_EQ(loop.pendingCount(), 0U);
+}
+
+TEST_F(FakeRunLoopTest, ATimerMayInvalidateItselfWhileItFires)
+{
+    std::shared_ptr<farview::Timer> timer;
+    timer = loop.scheduledTimer(Duration(1), true, target, [&] {
+        said.push_back("tick");
+        timer->invalidate();
+        timer->invalidate();
+    });
+    loop.advance(Duration(5));
+    EXPECT_THAT(said, ElementsAre("tick"));
+}
+
+TEST_F(FakeRunLoopTest, AnInvalidatedTimerStaysSilent)
+{
+    const auto timer = loop.scheduledTimer(Duration(1), false, target, note("tick"));
+    EXPECT_TRUE(timer->isValid());
+    timer->invalidate();
+    loop.advance(Duration(2));
+    EXPECT_THAT(said, IsEmpty());
+}
+
+TEST_F(FakeRunLoopTest, FiresIntoNothingOnceTheTargetIsGone)
+{
+    const auto timer = loop.scheduledTimer(Duration(1), true, target, note("tick"));
+    loop.performAfterDelay(Duration(1), target, note("perform"));
+    loop.run(Duration(1), target, note("wait"));
+    target.reset();
+    loop.advance(Duration(5));
+    EXPECT_THAT(said, IsEmpty());
+    EXPECT_FALSE(timer->isValid());
+    EXPECT_EQ(loop.pendingCount(), 0U);
+}
+
+TEST_F(FakeRunLoopTest, KeepsTheTargetAliveDuringTheCall)
+{
+    const std::weak_ptr<int> watched = target;
+    bool alive = false;
+    loop.performAfterDelay(Duration(0), target, [&] {
+        target.reset();
+        alive = !watched.expired();
+    });
+    loop.runUntilIdle();
+    EXPECT_TRUE(alive);
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(FakeRunLoopTest, AStoppedWaitEndsOnALaterTurnAndOnce)
+{
+    const auto wait = loop.run(Duration(5), target, note("ended"));
+    EXPECT_EQ(loop.waitCount(), 1U);
+    wait->stop();
+    EXPECT_THAT(said, IsEmpty());
+    wait->stop();
+    loop.runUntilIdle();
+    EXPECT_THAT(said, ElementsAre("ended"));
+    wait->stop();
+    loop.advance(Duration(10));
+    EXPECT_THAT(said, ElementsAre("ended"));
+    EXPECT_EQ(loop.waitCount(), 0U);
+}
+
+TEST_F(FakeRunLoopTest, AWaitThatNobodyStopsEndsAtItsLimit)
+{
+    loop.run(Duration(5), target, note("ended"));
+    loop.advance(Duration(4.9));
+    EXPECT_THAT(said, IsEmpty());
+    loop.advance(Duration(0.1));
+    EXPECT_THAT(said, ElementsAre("ended"));
+}
+
+TEST_F(FakeRunLoopTest, AStoppedWaitQueuesBehindWhatIsDue)
+{
+    const auto wait = loop.run(Duration(5), target, note("wait"));
+    loop.performAfterDelay(Duration(0), target, note("before"));
+    wait->stop();
+    loop.performAfterDelay(Duration(0), target, note("after"));
+    loop.runUntilIdle();
+    EXPECT_THAT(said, ElementsAre("before", "wait", "after"));
+}
+
+TEST_F(FakeRunLoopTest, ATurnLeavesWhatItSchedulesToTheNext)
+{
+    loop.performAfterDelay(Duration(0), target, [this] {
+        said.push_back("one");
+        loop.performAfterDelay(Duration(0), target, note("two"));
+    });
+    EXPECT_TRUE(loop.turn());
+    EXPECT_THAT(said, ElementsAre("one"));
+    EXPECT_TRUE(loop.turn());
+    EXPECT_THAT(said, ElementsAre("one", "two"));
+    EXPECT_FALSE(loop.turn());
+}
+
+TEST_F(FakeRunLoopTest, RunningUntilIdleFollowsWhatIsScheduledMeanwhile)
+{
+    loop.performAfterDelay(Duration(0), target,
+                           [this] { loop.performAfterDelay(Duration(0), target, note("two")); });
+    loop.runUntilIdle();
+    EXPECT_THAT(said, ElementsAre("two"));
+}
+
+TEST_F(FakeRunLoopTest, RefusesANestedLoop)
+{
+    loop.performAfterDelay(Duration(0), target, [this] { loop.advance(Duration(1)); });
+    EXPECT_THROW(loop.runUntilIdle(), std::logic_error);
+    EXPECT_NO_THROW(loop.runUntilIdle());
+}
+
+TEST_F(FakeRunLoopTest, NoticesAStormThatNeverEnds)
+{
+    std::function<void()> again = [&] { loop.performAfterDelay(Duration(0), target, again); };
+    again();
+    EXPECT_THROW(loop.runUntilIdle(), std::logic_error);
+}
+
+TEST_F(FakeRunLoopTest, TimersNoticeNeitherSuspensionNorTheWallClock)
+{
+    loop.performAfterDelay(Duration(15), target, note("due"));
+    loop.advance(Duration(5));
+    loop.suspend(Duration(3600));
+    loop.jumpWallClock(Duration(-600));
+    loop.runUntilIdle();
+    EXPECT_THAT(said, IsEmpty());
+    EXPECT_EQ(loop.wallClock(), Duration(3005));
+    loop.advance(Duration(10));
+    EXPECT_THAT(said, ElementsAre("due"));
+}
+
+TEST(FakeRunLoopHandles, AreHarmlessWhenTheLoopIsGone)
+{
+    auto loop = std::make_unique<FakeRunLoop>();
+    const auto target = std::make_shared<int>();
+    const auto timer = loop->scheduledTimer(Duration(1), true, target, [] {});
+    const auto wait = loop->run(Duration(1), target, [] {});
+    loop.reset();
+    timer->invalidate();
+    wait->stop();
+    EXPECT_FALSE(timer->isValid());
+}
+
+} // namespace

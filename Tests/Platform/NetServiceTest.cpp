@@ -1,0 +1,131 @@
+#include "Platform/NetService.h"
+
+#include "Platform/Fake/FakeNetService.h"
+#include "Platform/NotificationCenter.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using farview::Data;
+using farview::FakeDevice;
+using farview::FakeNetService;
+using farview::NetService;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace
+{
+
+using Record = std::map<std::string, Data>;
+
+Data wire(std::initializer_list<std::string> entries)
+{
+    std::string bytes;
+    for (const auto& entry : entries)
+        bytes += static_cast<char>(entry.size()) + entry;
+    return Data::fromText(bytes);
+}
+
+Record decoded(const Data& data) { return NetService::dictionaryFromTXTRecordData(data); }
+
+TEST(TXTRecord, DecodesKeysAndValues)
+{
+    const auto record = decoded(wire({"ConnState=Connected", "other=1=2"}));
+    EXPECT_EQ(record, (Record{{"ConnState", Data::fromText("Connected")},
+                              {"other", Data::fromText("1=2")}}));
+}
+
+TEST(TXTRecord, AnEmptyRecordHasNoEntries) { EXPECT_THAT(decoded(Data{}), IsEmpty()); }
+
+TEST(TXTRecord, OneZeroByteHasNoEntries) { EXPECT_THAT(decoded(Data{{0}}), IsEmpty()); }
+
+TEST(TXTRecord, ASingleLengthByteWithoutItsEntryHasNoEntries)
+{
+    EXPECT_THAT(decoded(Data{{1}}), IsEmpty());
+    EXPECT_THAT(decoded(Data{{255}}), IsEmpty());
+}
+
+TEST(TXTRecord, AnEntryWithoutEqualsSignHasAnEmptyValue)
+{
+    EXPECT_EQ(decoded(wire({"flag", "empty="})), (Record{{"flag", {}}, {"empty", {}}}));
+}
+
+TEST(TXTRecord, SkipsEntriesWithoutAKey)
+{
+    EXPECT_EQ(decoded(wire({"=value", "", "=", "key=value"})),
+              (Record{{"key", Data::fromText("value")}}));
+}
+
+TEST(TXTRecord, TheFirstOfTwoEqualKeysWins)
+{
+    EXPECT_EQ(decoded(wire({"key=first", "key=second"})),
+              (Record{{"key", Data::fromText("first")}}));
+}
+
+TEST(TXTRecord, ALengthPastTheEndEndsTheReading)
+{
+    auto data = wire({"key=value"});
+    data.bytes.push_back(200);
+    data.bytes.push_back('x');
+    EXPECT_EQ(decoded(data), (Record{{"key", Data::fromText("value")}}));
+}
+
+TEST(TXTRecord, KeepsBinaryValuesAsTheyAre)
+{
+    const std::string value("\x00\xff=\x80", 4);
+    EXPECT_EQ(decoded(wire({"key=" + value})), (Record{{"key", Data::fromText(value)}}));
+}
+
+TEST(TXTRecord, DecodesAnOversizedRecord)
+{
+    Data data;
+    for (int entry = 0; entry < 5000; ++entry) {
+        const auto one = wire({"key" + std::to_string(entry) + "=value"});
+        data.bytes.insert(data.bytes.end(), one.bytes.begin(), one.bytes.end());
+    }
+    EXPECT_THAT(decoded(data), SizeIs(5000));
+}
+
+TEST(TXTRecord, ComesBackFromItsWireForm)
+{
+    const Record record{{"ConnState", Data::fromText("None")}, {"flag", {}}};
+    EXPECT_EQ(decoded(NetService::dataFromTXTRecordDictionary(record)), record);
+}
+
+TEST(TXTRecord, CutsAnEntryThatIsTooLongForTheWire)
+{
+    const Record record{{"key", Data::fromText(std::string(1000, 'x'))}};
+    const auto data = NetService::dataFromTXTRecordDictionary(record);
+    EXPECT_EQ(data.size(), 256U);
+    EXPECT_EQ(decoded(data).at("key").size(), 251U);
+}
+
+class NetServiceTest : public testing::Test
+{
+protected:
+    std::shared_ptr<FakeNetService> service(FakeDevice device)
+    {
+        return std::make_shared<FakeNetService>(
+            loop, std::make_shared<const FakeDevice>(std::move(device)));
+    }
+
+    farview::FakeRunLoop loop;
+};
+
+TEST_F(NetServiceTest, EqualsAnotherOfTheSameNameTypeAndDomain)
+{
+    const auto one = service({.name = "Desk", .hostName = "desk.local"});
+    EXPECT_TRUE(one->isEqual(*one));
+    EXPECT_TRUE(one->isEqual(*service({.name = "Desk", .hostName = "other.local"})));
+    EXPECT_FALSE(one->isEqual(*service({.name = "Sofa", .hostName = "desk.local"})));
+    EXPECT_FALSE(one->isEqual(*service({.name = "Desk", .hostName = "", .type = "_a._tcp"})));
+    EXPECT_FALSE(one->isEqual(*service({.name = "Desk", .hostName = "", .domain = "b."})));
+}
+
+TEST_F(NetServiceTest, EqualsNothingElse)
+{
+    const farview::Notification notification("Desk", nullptr, {});
+    EXPECT_FALSE(service({.name = "Desk", .hostName = ""})->isEqual(notification));
+}
+
+} // namespace

@@ -214,6 +214,7 @@ void LinkConnection::becomeOpen(const LinkAgreement& agreement)
 {
     mAgreement = agreement;
     mState = State::open;
+    mWasOpened = true;
     mDeadline.stop();
     mSilence.start(mTimes.silence);
     mKeepAlive.start(mTimes.keepAlive);

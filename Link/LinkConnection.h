@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Link/LinkCodec.h"
+#include "Link/LinkEnd.h"
 
 #include <QByteArray>
 #include <QTcpSocket>
@@ -20,23 +21,6 @@ struct LinkTimes {
     std::chrono::milliseconds keepAlive{1000};
     std::chrono::milliseconds silence{4000};
     std::chrono::milliseconds farewell{800};
-};
-
-enum class LinkEndReason {
-    closedHere,  ///< this side ended it
-    goodbye,     ///< the peer ended it and said so
-    refused,     ///< the device does not serve this host
-    noAgreement, ///< the two have no version or feature in common
-    notAnswered, ///< no complete greeting or answer within its time
-    brokenRule,  ///< the peer sent what the wire format does not allow
-    silent,      ///< the peer stopped answering
-    lost,        ///< the connection broke
-};
-
-/// Why a connection ended. The text is short and printable; it may be the peer's own words.
-struct LinkEnd {
-    LinkEndReason reason = LinkEndReason::lost;
-    std::string text;
 };
 
 class LinkConnection;
@@ -85,6 +69,8 @@ public:
     void close(const LinkGoodbye& goodbye);
 
     bool isOpen() const { return mState == State::open; }
+    /// Whether it ever was.
+    bool wasOpened() const { return mWasOpened; }
     const LinkAgreement& agreement() const { return mAgreement; }
     /// The peer's numeric address, without a zone.
     const std::string& peerAddress() const { return mPeerAddress; }
@@ -124,6 +110,7 @@ private:
     QTimer mSilence;
     QTimer mKeepAlive;
     State mState = State::greeting;
+    bool mWasOpened = false;
     bool mSilenceSuspected = false;
     Bytes mInbox;
     LinkAgreement mAgreement;

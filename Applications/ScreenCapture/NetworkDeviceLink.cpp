@@ -1,0 +1,114 @@
+#include "Applications/ScreenCapture/NetworkDeviceLink.h"
+
+#include <utility>
+
+namespace farview
+{
+
+namespace
+{
+
+std::string whyNotConnected(const LinkEnd& end)
+{
+    if (end.reason != LinkEndReason::refused)
+        return end.text;
+    return end.text.empty() ? "The device refused" : "The device refused: " + end.text;
+}
+
+} // namespace
+
+void NetworkDeviceLink::setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate)
+{
+    mDelegate = std::move(delegate);
+}
+
+void NetworkDeviceLink::connectTo(const std::vector<Endpoint>& endpoints,
+                                  const LinkOptions& options)
+{
+    leave(LinkGoodbyeCode::byUser);
+    mOptions = options;
+    mConnector = std::make_unique<HostConnector>(ConnectorTimes{});
+    const auto connected = [this](std::unique_ptr<QTcpSocket> socket) {
+        mConnector.reset();
+        mConnection = LinkConnection::make(LinkSide::host, std::move(socket), weak_from_this(),
+                                           ownGreeting(), LinkTimes{});
+    };
+    const auto failed = [this](const std::string& why) {
+        mConnector.reset();
+        if (const auto delegate = mDelegate.lock())
+            delegate->deviceDidNotConnect(why);
+    };
+    mConnector->start(linkCandidates(endpoints, usableInterfaces()), connected, failed);
+}
+
+void NetworkDeviceLink::setOptions(const LinkOptions& options)
+{
+    mOptions = options;
+    if (mConnection)
+        mConnection->send(options);
+}
+
+void NetworkDeviceLink::disconnect(LinkGoodbyeCode code, std::function<void()> then)
+{
+    leave(code);
+    if (then)
+        mWhenNothingIsLeft = std::move(then);
+    QTimer::singleShot(0, [weak = weak_from_this()] {
+        if (const auto self = weak.lock())
+            self->callWhenNothingIsLeft();
+    });
+}
+
+void NetworkDeviceLink::leave(LinkGoodbyeCode code)
+{
+    mConnector.reset();
+    if (!mConnection)
+        return;
+    mConnection->close({code, ""});
+    mLeft.push_back(std::move(mConnection));
+    mConnection.reset();
+}
+
+void NetworkDeviceLink::linkDidOpen(LinkConnection& connection)
+{
+    if (mConnection.get() != &connection)
+        return;
+    connection.send(mOptions);
+    if (const auto delegate = mDelegate.lock())
+        delegate->deviceDidConnect(connection.peerAddress());
+}
+
+// A device of this version sends nothing that a host takes.
+void NetworkDeviceLink::linkDidReceive(LinkConnection& /*connection*/, const LinkFrame& /*frame*/)
+{
+}
+
+void NetworkDeviceLink::linkDidEnd(LinkConnection& connection, const LinkEnd& end)
+{
+    if (mConnection.get() != &connection) {
+        forgetLeft(connection);
+        return;
+    }
+    mConnection.reset();
+    const auto delegate = mDelegate.lock();
+    if (delegate && connection.wasOpened())
+        delegate->deviceDidDisconnect(end);
+    else if (delegate)
+        delegate->deviceDidNotConnect(whyNotConnected(end));
+}
+
+void NetworkDeviceLink::forgetLeft(const LinkConnection& connection)
+{
+    std::erase_if(mLeft, [&](const auto& left) { return left.get() == &connection; });
+    callWhenNothingIsLeft();
+}
+
+void NetworkDeviceLink::callWhenNothingIsLeft()
+{
+    if (!mLeft.empty())
+        return;
+    if (const auto action = std::exchange(mWhenNothingIsLeft, nullptr))
+        action();
+}
+
+} // namespace farview

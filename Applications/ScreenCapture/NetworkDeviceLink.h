@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Applications/ScreenCapture/DeviceLink.h"
+#include "Link/HostConnector.h"
+#include "Link/LinkConnection.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace farview
+{
+
+/// The connection over the network. Made with `std::make_shared`. Main thread only.
+class NetworkDeviceLink final : public DeviceLink,
+                                public LinkConnectionDelegate,
+                                public std::enable_shared_from_this<NetworkDeviceLink>
+{
+public:
+    void setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate) override;
+    void connectTo(const std::vector<Endpoint>& endpoints, const LinkOptions& options) override;
+    void setOptions(const LinkOptions& options) override;
+    void disconnect(LinkGoodbyeCode code, std::function<void()> then) override;
+
+    void linkDidOpen(LinkConnection& connection) override;
+    void linkDidReceive(LinkConnection& connection, const LinkFrame& frame) override;
+    void linkDidEnd(LinkConnection& connection, const LinkEnd& end) override;
+
+private:
+    void leave(LinkGoodbyeCode code);
+    void forgetLeft(const LinkConnection& connection);
+    void callWhenNothingIsLeft();
+
+    std::weak_ptr<DeviceLinkDelegate> mDelegate;
+    std::unique_ptr<HostConnector> mConnector;
+    std::shared_ptr<LinkConnection> mConnection;
+    /// Connections that are saying goodbye.
+    std::vector<std::shared_ptr<LinkConnection>> mLeft;
+    std::function<void()> mWhenNothingIsLeft;
+    LinkOptions mOptions;
+};
+
+} // namespace farview

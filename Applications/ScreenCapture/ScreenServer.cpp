@@ -1,0 +1,290 @@
+#include "Applications/ScreenCapture/ScreenServer.h"
+
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/NSString_Additions.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace farview
+{
+
+namespace
+{
+
+constexpr unsigned kToAllAtOnce = DistributedNotificationCenter::deliverImmediately |
+                                  DistributedNotificationCenter::postToAllSessions;
+constexpr std::size_t kLongestHostName = 255;
+/// How long the bus may take to bring our last post back, which proves that it is on its way.
+constexpr Duration kLastPostLimit{0.3};
+/// When the server ends, whatever is still open.
+constexpr Duration kQuitLimit{0.95};
+
+bool isHostName(const std::string* text)
+{
+    const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
+    return text && !text->empty() && text->size() <= kLongestHostName &&
+           *text != kOtherDeviceName && std::none_of(text->begin(), text->end(), isControl);
+}
+
+} // namespace
+
+ScreenServer::ScreenServer(Services services, Ending ending)
+    : mServices(services), mEnding(std::move(ending))
+{
+}
+
+void ScreenServer::start()
+{
+    mServices.link.setDelegate(weak_from_this());
+    observe(kConnectServerToHost, &ScreenServer::connectToHost);
+    observe(kConnectServerToTicket, &ScreenServer::connectToTicket);
+    observe(kDisconnectCurrentServerFromHost, &ScreenServer::disconnectFromHost);
+    observe(kQueryRequestForConnectedHost, &ScreenServer::answerQuery);
+    observe(kTerminateScreenServer, &ScreenServer::terminate);
+    observe(kFVEPrefsDidChangeNotification, &ScreenServer::preferencesChanged);
+    mReconnection = mServices.center.observeReconnection([this] { announceState(); });
+
+    QLNBonjourBrowser::setBonjourServiceName(kVirtualScreenServiceName);
+    mBrowser = std::make_shared<QLNBonjourBrowser>(mServices.discovery, mServices.runLoop,
+                                                   mServices.localCenter);
+    observeBrowser(kQLNBonjourBrowserDidAddService);
+    observeBrowser(kQLNBonjourBrowserDidUpdateService);
+    mBrowser->init();
+    announceState();
+}
+
+void ScreenServer::observe(const char* name, void (ScreenServer::*operation)(const Notification&))
+{
+    const auto handler = [this, operation](const Notification& notification) {
+        if (mState != State::quitting)
+            (this->*operation)(notification);
+    };
+    mServices.center.addObserver(weak_from_this(), handler, name, "");
+}
+
+void ScreenServer::observeBrowser(const char* name)
+{
+    mServices.localCenter.addObserver(
+        weak_from_this(), [this](const Notification&) { search(); }, name, mBrowser.get());
+}
+
+// --- what the panel asks for -----------------------------------------------------------------
+
+void ScreenServer::connectToHost(const Notification& notification)
+{
+    const std::string* hostName = notification.text(kConnectToHostNameKey);
+    if (!isHostName(hostName)) {
+        mServices.log.write(LogLevel::warning, "A request to connect names no host");
+        return;
+    }
+    if (isConnectedTo(*hostName, mDeviceAddress)) {
+        announceState();
+        return;
+    }
+    leaveDevice();
+    mDeviceName = *hostName;
+    mState = State::searching;
+    const auto ended = [this, request = ++mRequest] { searchEnded(request); };
+    mServices.runLoop.performAfterDelay(searchLimit, weak_from_this(), ended);
+    search();
+}
+
+void ScreenServer::connectToTicket(const Notification& notification)
+{
+    const std::string* address = notification.text(kConnectUsingTicketKey);
+    if (!address || !isValidIPAddress(*address)) {
+        mServices.log.write(LogLevel::warning, "A request to connect holds no address");
+        return;
+    }
+    if (isConnectedTo(kOtherDeviceName, *address)) {
+        announceState();
+        return;
+    }
+    leaveDevice();
+    mDeviceName = kOtherDeviceName;
+    mDeviceAddress = *address;
+    connect({{*address, static_cast<std::uint16_t>(kMainDataTrafficPort), 0}});
+}
+
+void ScreenServer::disconnectFromHost(const Notification& /*notification*/)
+{
+    const bool wasConnected = mState == State::connected;
+    leaveDevice();
+    if (!wasConnected)
+        announceState();
+}
+
+void ScreenServer::answerQuery(const Notification& /*notification*/)
+{
+    if (mState == State::connected)
+        postDevice(kQueryResultForConnectedHost);
+    else
+        announceState();
+}
+
+void ScreenServer::preferencesChanged(const Notification& /*notification*/)
+{
+    if (mState != State::connected)
+        return;
+    const LinkOptions now = options();
+    if (now == mSentOptions)
+        return;
+    mSentOptions = now;
+    mServices.link.setOptions(now);
+}
+
+void ScreenServer::terminate(const Notification& /*notification*/) { quit(); }
+
+// --- the road to a device --------------------------------------------------------------------
+
+bool ScreenServer::isConnectedTo(const std::string& deviceName, const std::string& address) const
+{
+    return mState == State::connected && mDeviceName == deviceName && mDeviceAddress == address;
+}
+
+/// Ends the connection or whatever is under way; says so when there was a connection.
+void ScreenServer::leaveDevice()
+{
+    const State before = std::exchange(mState, State::idle);
+    if (before == State::connecting || before == State::connected)
+        mServices.link.disconnect(LinkGoodbyeCode::byUser, {});
+    if (before == State::connected)
+        announceState();
+}
+
+void ScreenServer::search()
+{
+    if (mState != State::searching)
+        return;
+    for (const auto& service : mBrowser->activeServiceList()) {
+        if (service->hostName() == mDeviceName && !service->endpoints().empty()) {
+            connect(service->endpoints());
+            return;
+        }
+    }
+}
+
+void ScreenServer::searchEnded(unsigned request)
+{
+    if (mState == State::searching && request == mRequest)
+        giveUp("It was not found on the network");
+}
+
+void ScreenServer::connect(const std::vector<Endpoint>& endpoints)
+{
+    mState = State::connecting;
+    mSentOptions = options();
+    mServices.link.connectTo(endpoints, mSentOptions);
+}
+
+void ScreenServer::giveUp(const std::string& why)
+{
+    mServices.log.write(LogLevel::error, "Cannot connect to " + mDeviceName + ": " + why);
+    mState = State::idle;
+    // A device that does not answer may be gone for good and still be listed.
+    mServices.discovery.checkAgain();
+    post(kRequestingErrorMsgFromPrefPane);
+}
+
+void ScreenServer::deviceDidConnect(const std::string& address)
+{
+    if (mState != State::connecting)
+        return;
+    mState = State::connected;
+    if (mDeviceName != kOtherDeviceName)
+        mDeviceAddress = address;
+    mServices.log.write(LogLevel::info, "Connected to " + mDeviceName + " at " + address);
+    announceState();
+    // They may have changed while the connection was made.
+    preferencesChanged(Notification(kFVEPrefsDidChangeNotification, nullptr, {}));
+}
+
+void ScreenServer::deviceDidNotConnect(const std::string& why)
+{
+    if (mState == State::connecting)
+        giveUp(why);
+}
+
+void ScreenServer::deviceDidDisconnect(const LinkEnd& end)
+{
+    if (mState != State::connected)
+        return;
+    const bool vanished = end.reason != LinkEndReason::goodbye;
+    mServices.log.write(vanished ? LogLevel::error : LogLevel::info,
+                        "The connection to " + mDeviceName + " ended: " + end.text);
+    mState = State::idle;
+    if (vanished)
+        mServices.discovery.checkAgain();
+    announceState();
+}
+
+LinkOptions ScreenServer::options()
+{
+    FVEPreferences& preferences = mServices.preferences;
+    return {preferences.enableTouchDisplay(), preferences.areRetinaResolutionsEnabled(),
+            preferences.enableHiDPIResolutions(), preferences.autoMoveWindowsBackOption()};
+}
+
+// --- what the server reports -----------------------------------------------------------------
+
+void ScreenServer::announceState()
+{
+    if (mState == State::connected)
+        postDevice(kServerConnectedToDevice);
+    else
+        post(kServerDisconnectedFromDevice);
+}
+
+void ScreenServer::post(const char* name)
+{
+    mServices.center.postNotificationName(name, "", {}, kToAllAtOnce);
+}
+
+void ScreenServer::postDevice(const char* name)
+{
+    mServices.center.postNotificationName(
+        name, "", {{kDeviceNameKey, mDeviceName}, {kDeviceAddressKey, mDeviceAddress}},
+        kToAllAtOnce);
+}
+
+// --- the end ---------------------------------------------------------------------------------
+
+void ScreenServer::quit()
+{
+    if (mState == State::quitting)
+        return;
+    mState = State::quitting;
+    mEnding.quitting();
+    mBrowser->stop();
+    const auto self = weak_from_this();
+    mServices.link.disconnect(LinkGoodbyeCode::quitting, [self] {
+        if (const auto server = self.lock()) {
+            server->mGoodbyeSaid = true;
+            server->finishWhenSaid();
+        }
+    });
+    const auto postIsSent = [this] {
+        mLastPostSent = true;
+        finishWhenSaid();
+    };
+    mServices.center.addObserver(
+        self, [postIsSent](const Notification&) { postIsSent(); }, kServerDisconnectedFromDevice,
+        "");
+    mServices.runLoop.performAfterDelay(kLastPostLimit, self, postIsSent);
+    mServices.runLoop.performAfterDelay(kQuitLimit, self, [this] {
+        mGoodbyeSaid = true;
+        finishWhenSaid();
+    });
+    post(kServerDisconnectedFromDevice);
+}
+
+void ScreenServer::finishWhenSaid()
+{
+    if (!mGoodbyeSaid || !mLastPostSent || std::exchange(mFinished, true))
+        return;
+    mEnding.finished();
+}
+
+} // namespace farview

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "Applications/ScreenCapture/DeviceLink.h"
+#include "Common/Bonjour/QLNBonjourBrowser.h"
+#include "Common/FVEPreferences.h"
+#include "Platform/Log.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/RunLoop.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace farview
+{
+
+/// The screen server: does what the panel asks by notification, and reports what became of it.
+///
+/// It connects to one device at a time. A new request replaces what is under way. It ends by the
+/// terminate notification or by `quit`, and by nothing else. Made with `std::make_shared`. Main
+/// thread only.
+class ScreenServer final : public DeviceLinkDelegate,
+                           public std::enable_shared_from_this<ScreenServer>
+{
+public:
+    /// What it works with; all of it outlives the server.
+    struct Services {
+        Discovery& discovery;
+        RunLoop& runLoop;
+        NotificationCenter& localCenter;
+        DistributedNotificationCenter& center;
+        FVEPreferences& preferences;
+        DeviceLink& link;
+        Log& log;
+    };
+    struct Ending {
+        /// It was asked to quit: from now on another server may be started.
+        std::function<void()> quitting = [] {};
+        /// Everything is said and closed; at most a second after `quitting`.
+        std::function<void()> finished = [] {};
+    };
+
+    /// How long a device that is asked for by name may take to be found.
+    static constexpr Duration searchLimit{6.0};
+
+    ScreenServer(Services services, Ending ending);
+
+    /// Begins to listen and to browse, and announces that no device is connected. Called once.
+    void start();
+    /// Leaves the device with a goodbye, says so, and finishes. A second call does nothing.
+    void quit();
+
+    void deviceDidConnect(const std::string& address) override;
+    void deviceDidNotConnect(const std::string& why) override;
+    void deviceDidDisconnect(const LinkEnd& end) override;
+
+private:
+    enum class State { idle, searching, connecting, connected, quitting };
+
+    void observe(const char* name, void (ScreenServer::*operation)(const Notification&));
+    void observeBrowser(const char* name);
+    void connectToHost(const Notification& notification);
+    void connectToTicket(const Notification& notification);
+    void disconnectFromHost(const Notification& notification);
+    void answerQuery(const Notification& notification);
+    void preferencesChanged(const Notification& notification);
+    void terminate(const Notification& notification);
+
+    bool isConnectedTo(const std::string& deviceName, const std::string& address) const;
+    void leaveDevice();
+    void search();
+    void searchEnded(unsigned request);
+    void connect(const std::vector<Endpoint>& endpoints);
+    void giveUp(const std::string& why);
+    void announceState();
+    void post(const char* name);
+    void postDevice(const char* name);
+    void finishWhenSaid();
+    LinkOptions options();
+
+    Services mServices;
+    Ending mEnding;
+    std::shared_ptr<QLNBonjourBrowser> mBrowser;
+    Subscription mReconnection;
+    State mState = State::idle;
+    /// The device asked for: its host name, or "Other".
+    std::string mDeviceName;
+    /// Where it is: as typed for "Other", else as it was reached.
+    std::string mDeviceAddress;
+    LinkOptions mSentOptions;
+    unsigned mRequest = 0;
+    bool mGoodbyeSaid = false;
+    bool mLastPostSent = false;
+    bool mFinished = false;
+};
+
+} // namespace farview

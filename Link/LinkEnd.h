@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+namespace farview
+{
+
+enum class LinkEndReason {
+    closedHere,  ///< this side ended it
+    goodbye,     ///< the peer ended it and said so
+    refused,     ///< the device does not serve this host
+    noAgreement, ///< the two have no version or feature in common
+    notAnswered, ///< no complete greeting or answer within its time
+    brokenRule,  ///< the peer sent what the wire format does not allow
+    silent,      ///< the peer stopped answering
+    lost,        ///< the connection broke
+};
+
+/// Why a connection ended. The text is short and printable; it may be the peer's own words.
+struct LinkEnd {
+    LinkEndReason reason = LinkEndReason::lost;
+    std::string text;
+};
+
+} // namespace farview

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Applications/ScreenCapture/DeviceLink.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace farview
+{
+
+/// A link without a network: keeps what it was asked for, and tells what the test wants.
+class FakeDeviceLink final : public DeviceLink
+{
+public:
+    struct Attempt {
+        std::vector<Endpoint> endpoints;
+        LinkOptions options;
+    };
+
+    void setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate) override
+    {
+        mDelegate = std::move(delegate);
+    }
+    void connectTo(const std::vector<Endpoint>& endpoints, const LinkOptions& options) override
+    {
+        attempts.push_back({endpoints, options});
+    }
+    void setOptions(const LinkOptions& options) override { sentOptions.push_back(options); }
+    void disconnect(LinkGoodbyeCode code, std::function<void()> then) override
+    {
+        goodbyes.push_back(code);
+        if (then)
+            goodbyeIsSaid = std::move(then);
+    }
+
+    /// The device accepts, cannot be reached or refuses, or goes away.
+    void accept(const std::string& address) { mDelegate.lock()->deviceDidConnect(address); }
+    void fail(const std::string& why) { mDelegate.lock()->deviceDidNotConnect(why); }
+    void end(LinkEndReason reason) { mDelegate.lock()->deviceDidDisconnect({reason, "the end"}); }
+
+    std::vector<Attempt> attempts;
+    std::vector<LinkOptions> sentOptions;
+    std::vector<LinkGoodbyeCode> goodbyes;
+    std::function<void()> goodbyeIsSaid;
+
+private:
+    std::weak_ptr<DeviceLinkDelegate> mDelegate;
+};
+
+} // namespace farview

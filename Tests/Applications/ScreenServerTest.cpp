@@ -1,0 +1,507 @@
+#include "Applications/ScreenCapture/ScreenServer.h"
+
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Platform/Fake/FakePlatform.h"
+#include "Tests/Applications/FakeDeviceLink.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace farview;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace
+{
+
+const std::string kDesk = "desk.local";
+const Endpoint kDeskEndpoint{"192.168.1.20", 6001, 2};
+
+class ScreenServerTest : public testing::Test
+{
+protected:
+    ScreenServerTest() : preferences(fake.preferences, fake.distributedNotificationCenter)
+    {
+        server = std::make_shared<ScreenServer>(
+            ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
+                                   preferences, link, fake.log},
+            ScreenServer::Ending{[this] { ++quitting; }, [this] { ++finished; }});
+    }
+
+    void start()
+    {
+        server->start();
+        fake.runLoop.runUntilIdle();
+        center.forgetPosts();
+    }
+    void request(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {})
+    {
+        center.postFromAnotherProcess(name, std::move(userInfo));
+        fake.runLoop.runUntilIdle();
+    }
+    void requestHost(const std::string& hostName)
+    {
+        request(kConnectServerToHost, {{kConnectToHostNameKey, hostName}});
+    }
+    void requestTicket(const std::string& address)
+    {
+        request(kConnectServerToTicket, {{kConnectUsingTicketKey, address}});
+    }
+    void announceDevice(const std::string& name, const std::string& hostName)
+    {
+        FakeDevice device{name, hostName};
+        device.endpoints = {kDeskEndpoint};
+        fake.discovery.announce(device);
+        settle();
+    }
+    /// Lets a batch be delivered and resolved.
+    void settle() { fake.runLoop.advance(Duration(0.5)); }
+    void connectToDesk()
+    {
+        start();
+        announceDevice("Desk", kDesk);
+        requestHost(kDesk);
+        link.accept("192.168.1.20");
+        settle();
+        ASSERT_EQ(center.countOf(kServerConnectedToDevice), 1);
+        center.forgetPosts();
+    }
+    /// The names of the reports so far, without those of the preferences.
+    std::vector<std::string> reports() const
+    {
+        std::vector<std::string> names;
+        for (const auto& post : center.posts()) {
+            if (post.name != kFVEPrefsWillChangeNotification &&
+                post.name != kFVEPrefsDidChangeNotification)
+                names.push_back(post.name);
+        }
+        return names;
+    }
+    void expectDevice(const char* name, const std::string& deviceName, const std::string& address)
+    {
+        const auto posts = center.postsNamed(name);
+        ASSERT_THAT(posts, SizeIs(1));
+        const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, deviceName},
+                                                                   {kDeviceAddressKey, address}};
+        EXPECT_EQ(posts.front().userInfo, expected);
+        EXPECT_EQ(posts.front().options, 3U);
+        EXPECT_EQ(posts.front().object, "");
+    }
+
+    FakePlatform fake;
+    FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
+    FVEPreferences preferences;
+    FakeDeviceLink link;
+    std::shared_ptr<ScreenServer> server;
+    int quitting = 0;
+    int finished = 0;
+};
+
+} // namespace
+
+TEST_F(ScreenServerTest, SaysThatNothingIsConnectedWhenItStarts)
+{
+    server->start();
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+    EXPECT_EQ(center.posts().front().options, 3U);
+}
+
+TEST_F(ScreenServerTest, ConnectsToNothingByItself)
+{
+    preferences.setCurrentState(1);
+    preferences.setCurrentVirtualScreenDevice(kDesk);
+    start();
+    announceDevice("Desk", kDesk);
+    fake.runLoop.advance(Duration(60));
+    EXPECT_THAT(link.attempts, IsEmpty());
+}
+
+TEST_F(ScreenServerTest, ConnectsToTheEndpointsOfTheHostThatWasNamed)
+{
+    start();
+    announceDevice("Desk", kDesk);
+    requestHost(kDesk);
+    ASSERT_THAT(link.attempts, SizeIs(1));
+    EXPECT_THAT(link.attempts.front().endpoints, ElementsAre(kDeskEndpoint));
+    EXPECT_THAT(reports(), IsEmpty()) << "nothing is connected yet";
+}
+
+TEST_F(ScreenServerTest, ReportsTheHostNameAndTheAddressOnceConnected)
+{
+    start();
+    announceDevice("Desk", kDesk);
+    requestHost(kDesk);
+    link.accept("192.168.1.20");
+    expectDevice(kServerConnectedToDevice, kDesk, "192.168.1.20");
+    EXPECT_THAT(reports(), SizeIs(1));
+}
+
+TEST_F(ScreenServerTest, ConnectsToAnAddressOnTheMainPort)
+{
+    start();
+    requestTicket("192.0.2.9");
+    ASSERT_THAT(link.attempts, SizeIs(1));
+    EXPECT_THAT(link.attempts.front().endpoints, ElementsAre(Endpoint{"192.0.2.9", 6001, 0}));
+    link.accept("192.0.2.9");
+    expectDevice(kServerConnectedToDevice, "Other", "192.0.2.9");
+}
+
+TEST_F(ScreenServerTest, ReportsAnAddressAsItWasTyped)
+{
+    start();
+    requestTicket("2001:DB8:0::9");
+    link.accept("2001:db8::9");
+    expectDevice(kServerConnectedToDevice, "Other", "2001:DB8:0::9");
+}
+
+TEST_F(ScreenServerTest, WaitsForADeviceThatIsNotKnownYet)
+{
+    start();
+    requestHost(kDesk);
+    EXPECT_THAT(link.attempts, IsEmpty());
+    fake.runLoop.advance(Duration(3));
+    announceDevice("Desk", kDesk);
+    EXPECT_THAT(link.attempts, SizeIs(1));
+    EXPECT_THAT(reports(), IsEmpty());
+}
+
+TEST_F(ScreenServerTest, WaitsForADeviceThatIsStillBeingResolved)
+{
+    start();
+    FakeDevice device{"Desk", kDesk};
+    device.resolve.delay = Duration(2);
+    fake.discovery.announce(device);
+    settle();
+    requestHost(kDesk);
+    EXPECT_THAT(link.attempts, IsEmpty());
+    fake.runLoop.advance(Duration(3));
+    EXPECT_THAT(link.attempts, SizeIs(1));
+}
+
+TEST_F(ScreenServerTest, AsksForTheErrorTextWhenTheHostIsNotFound)
+{
+    start();
+    announceDevice("Sofa", "sofa.local");
+    requestHost(kDesk);
+    fake.runLoop.advance(ScreenServer::searchLimit - Duration(0.1));
+    EXPECT_THAT(reports(), IsEmpty());
+    fake.runLoop.advance(Duration(0.2));
+    EXPECT_THAT(reports(), ElementsAre(kRequestingErrorMsgFromPrefPane));
+    EXPECT_EQ(center.posts().back().options, 3U);
+    EXPECT_TRUE(fake.log.contains("not found"));
+}
+
+TEST_F(ScreenServerTest, AsksForTheErrorTextWhenTheDeviceRefuses)
+{
+    start();
+    announceDevice("Desk", kDesk);
+    requestHost(kDesk);
+    link.fail("The device refused: in use");
+    EXPECT_THAT(reports(), ElementsAre(kRequestingErrorMsgFromPrefPane));
+    EXPECT_TRUE(fake.log.contains("in use"));
+    EXPECT_EQ(fake.discovery.checkAgainCount(), 1);
+}
+
+TEST_F(ScreenServerTest, TriesAgainWhenAskedAgainAfterAFailure)
+{
+    start();
+    announceDevice("Desk", kDesk);
+    requestHost(kDesk);
+    link.fail("no");
+    requestHost(kDesk);
+    EXPECT_THAT(link.attempts, SizeIs(2));
+    link.accept("192.168.1.20");
+    EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
+}
+
+TEST_F(ScreenServerTest, ReplacesARequestThatIsUnderWay)
+{
+    start();
+    announceDevice("Desk", kDesk);
+    announceDevice("Sofa", "sofa.local");
+    requestHost(kDesk);
+    requestHost("sofa.local");
+    EXPECT_THAT(link.attempts, SizeIs(2));
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::byUser));
+    link.accept("192.168.1.30");
+    expectDevice(kServerConnectedToDevice, "sofa.local", "192.168.1.30");
+    EXPECT_THAT(reports(), SizeIs(1));
+}
+
+TEST_F(ScreenServerTest, ReplacesASearchWithoutAnErrorText)
+{
+    start();
+    requestHost("nowhere.local");
+    requestTicket("192.0.2.9");
+    link.accept("192.0.2.9");
+    fake.runLoop.advance(Duration(30));
+    EXPECT_EQ(center.countOf(kRequestingErrorMsgFromPrefPane), 0);
+    EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
+}
+
+TEST_F(ScreenServerTest, GivesASecondSearchItsWholeTime)
+{
+    start();
+    requestHost("nowhere.local");
+    fake.runLoop.advance(Duration(4));
+    requestHost(kDesk);
+    fake.runLoop.advance(Duration(4));
+    EXPECT_THAT(reports(), IsEmpty());
+    fake.runLoop.advance(Duration(3));
+    EXPECT_THAT(reports(), ElementsAre(kRequestingErrorMsgFromPrefPane));
+}
+
+TEST_F(ScreenServerTest, ReportsAgainWhenAskedForTheDeviceItIsConnectedTo)
+{
+    connectToDesk();
+    requestHost(kDesk);
+    EXPECT_THAT(link.attempts, SizeIs(1)) << "nothing is connected anew";
+    EXPECT_THAT(link.goodbyes, IsEmpty());
+    expectDevice(kServerConnectedToDevice, kDesk, "192.168.1.20");
+
+    center.forgetPosts();
+    requestTicket("192.0.2.9");
+    link.accept("192.0.2.9");
+    center.forgetPosts();
+    requestTicket("192.0.2.9");
+    EXPECT_THAT(link.attempts, SizeIs(2));
+    expectDevice(kServerConnectedToDevice, "Other", "192.0.2.9");
+}
+
+TEST_F(ScreenServerTest, LeavesTheOldDeviceWhenItGoesToANewOne)
+{
+    connectToDesk();
+    announceDevice("Sofa", "sofa.local");
+    center.forgetPosts();
+    requestHost("sofa.local");
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::byUser));
+    link.accept("192.168.1.30");
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice, kServerConnectedToDevice));
+}
+
+TEST_F(ScreenServerTest, AnswersAQueryWithTheDeviceItIsConnectedTo)
+{
+    connectToDesk();
+    request(kQueryRequestForConnectedHost);
+    expectDevice(kQueryResultForConnectedHost, kDesk, "192.168.1.20");
+    EXPECT_THAT(reports(), SizeIs(1));
+}
+
+TEST_F(ScreenServerTest, AnswersAQueryWithDisconnectedWhenThereIsNoDevice)
+{
+    start();
+    request(kQueryRequestForConnectedHost);
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+}
+
+TEST_F(ScreenServerTest, DisconnectsWhenAsked)
+{
+    connectToDesk();
+    request(kDisconnectCurrentServerFromHost);
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::byUser));
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+    EXPECT_EQ(finished, 0);
+}
+
+TEST_F(ScreenServerTest, GivesUpARequestWhenAskedToDisconnect)
+{
+    start();
+    requestHost(kDesk);
+    request(kDisconnectCurrentServerFromHost);
+    announceDevice("Desk", kDesk);
+    fake.runLoop.advance(Duration(30));
+    EXPECT_THAT(link.attempts, IsEmpty());
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+}
+
+TEST_F(ScreenServerTest, SaysSoWhenAskedToDisconnectFromNothing)
+{
+    start();
+    request(kDisconnectCurrentServerFromHost);
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+}
+
+TEST_F(ScreenServerTest, ReportsADeviceThatVanishes)
+{
+    connectToDesk();
+    link.end(LinkEndReason::silent);
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+    EXPECT_TRUE(fake.log.contains("The connection to desk.local ended: the end"));
+    EXPECT_EQ(fake.discovery.checkAgainCount(), 1);
+}
+
+TEST_F(ScreenServerTest, ReportsADeviceThatSaysGoodbye)
+{
+    connectToDesk();
+    link.end(LinkEndReason::goodbye);
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+    EXPECT_EQ(fake.discovery.checkAgainCount(), 0) << "it told the network by itself";
+}
+
+TEST_F(ScreenServerTest, SendsTheUsersOptionsWithTheConnection)
+{
+    preferences.setEnableTouchDisplay(true);
+    preferences.setRetinaResolutionsEnabled(false);
+    preferences.setAutoMoveWindowsBackOption(true);
+    start();
+    requestTicket("192.0.2.9");
+    ASSERT_THAT(link.attempts, SizeIs(1));
+    EXPECT_EQ(link.attempts.front().options, (LinkOptions{true, false, false, true}));
+}
+
+TEST_F(ScreenServerTest, SendsChangedOptionsWhileConnected)
+{
+    connectToDesk();
+    const bool before = preferences.enableTouchDisplay();
+    preferences.setEnableTouchDisplay(!before);
+    fake.runLoop.runUntilIdle();
+    ASSERT_THAT(link.sentOptions, SizeIs(1));
+    EXPECT_EQ(link.sentOptions.front().touch, !before);
+    preferences.setLastOtherDevice("192.0.2.1");
+    fake.runLoop.runUntilIdle();
+    EXPECT_THAT(link.sentOptions, SizeIs(1)) << "nothing of the device's changed";
+}
+
+TEST_F(ScreenServerTest, SendsOptionsThatChangedDuringTheConnect)
+{
+    start();
+    requestTicket("192.0.2.9");
+    const bool before = link.attempts.front().options.touch;
+    preferences.setEnableTouchDisplay(!before);
+    fake.runLoop.runUntilIdle();
+    EXPECT_THAT(link.sentOptions, IsEmpty());
+    link.accept("192.0.2.9");
+    ASSERT_THAT(link.sentOptions, SizeIs(1));
+    EXPECT_EQ(link.sentOptions.front().touch, !before);
+}
+
+TEST_F(ScreenServerTest, IsNotEndedByTheStoredState)
+{
+    connectToDesk();
+    preferences.setCurrentState(0);
+    fake.runLoop.advance(Duration(60));
+    EXPECT_EQ(quitting, 0);
+    EXPECT_THAT(link.goodbyes, IsEmpty());
+}
+
+TEST_F(ScreenServerTest, QuitsWhenToldTo)
+{
+    connectToDesk();
+    request(kTerminateScreenServer);
+    EXPECT_EQ(quitting, 1);
+    EXPECT_EQ(finished, 0) << "the goodbye is still on its way";
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::quitting));
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+    link.goodbyeIsSaid();
+    EXPECT_EQ(finished, 1);
+}
+
+TEST_F(ScreenServerTest, QuitsWithinASecondWhateverTheDeviceDoes)
+{
+    connectToDesk();
+    server->quit();
+    fake.runLoop.advance(Duration(1));
+    EXPECT_EQ(finished, 1);
+    link.goodbyeIsSaid();
+    EXPECT_EQ(finished, 1) << "only once";
+}
+
+TEST_F(ScreenServerTest, QuitsWithoutABus)
+{
+    start();
+    center.disconnect();
+    server->quit();
+    link.goodbyeIsSaid();
+    EXPECT_EQ(finished, 0) << "the last post may still be on its way";
+    fake.runLoop.advance(Duration(0.4));
+    EXPECT_EQ(finished, 1);
+}
+
+TEST_F(ScreenServerTest, DoesNothingMoreOnceItQuits)
+{
+    connectToDesk();
+    server->quit();
+    server->quit();
+    requestHost(kDesk);
+    request(kQueryRequestForConnectedHost);
+    link.end(LinkEndReason::lost);
+    EXPECT_EQ(quitting, 1);
+    EXPECT_THAT(link.attempts, SizeIs(1));
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+}
+
+TEST_F(ScreenServerTest, AnnouncesItsStateWhenTheBusIsBack)
+{
+    connectToDesk();
+    center.disconnect();
+    center.reconnect();
+    fake.runLoop.runUntilIdle();
+    expectDevice(kServerConnectedToDevice, kDesk, "192.168.1.20");
+
+    request(kDisconnectCurrentServerFromHost);
+    center.forgetPosts();
+    center.reconnect();
+    fake.runLoop.runUntilIdle();
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
+}
+
+TEST_F(ScreenServerTest, IgnoresRequestsThatNameNothingUsable)
+{
+    start();
+    request(kConnectServerToHost);
+    requestHost("");
+    requestHost("Other");
+    requestHost(std::string(256, 'x'));
+    requestHost("desk\n.local");
+    request(kConnectServerToHost, {{"another key", kDesk}});
+    request(kConnectServerToTicket);
+    requestTicket("");
+    requestTicket("desk.local");
+    requestTicket("192.0.2.9 ");
+    fake.runLoop.advance(Duration(30));
+    EXPECT_THAT(link.attempts, IsEmpty());
+    EXPECT_THAT(reports(), IsEmpty());
+}
+
+TEST_F(ScreenServerTest, KeepsItsConnectionThroughAnUnusableRequest)
+{
+    connectToDesk();
+    requestHost("");
+    requestTicket("nonsense");
+    request(kQueryRequestForConnectedHost);
+    EXPECT_THAT(link.goodbyes, IsEmpty());
+    expectDevice(kQueryResultForConnectedHost, kDesk, "192.168.1.20");
+}
+
+TEST_F(ScreenServerTest, FindsADeviceAgainThatVanishedAndReturned)
+{
+    connectToDesk();
+    fake.discovery.kill("Desk");
+    link.end(LinkEndReason::silent);
+    fake.runLoop.advance(Duration(10));
+    requestHost(kDesk);
+    EXPECT_THAT(link.attempts, SizeIs(1)) << "it is not on the network";
+    announceDevice("Desk", kDesk);
+    EXPECT_THAT(link.attempts, SizeIs(2));
+}
+
+TEST_F(ScreenServerTest, DropsLateNewsOfAnEarlierConnection)
+{
+    start();
+    link.accept("192.0.2.9");
+    link.fail("late");
+    link.end(LinkEndReason::lost);
+    EXPECT_THAT(reports(), IsEmpty());
+}
+
+TEST_F(ScreenServerTest, LeavesNothingBehindWhenItIsDestroyedAmidEverything)
+{
+    connectToDesk();
+    requestHost("nowhere.local");
+    server->quit();
+    server.reset();
+    fake.runLoop.advance(Duration(30));
+    EXPECT_EQ(finished, 0);
+}

@@ -53,7 +53,7 @@ protected:
     {
         FakeDevice device{name, hostName};
         device.endpoints = {kDeskEndpoint};
-        fake.discovery.announce(device);
+        fake.discovery.announce(std::vector{device});
         settle();
     }
     /// Lets a batch be delivered and resolved.
@@ -172,7 +172,7 @@ TEST_F(ScreenServerTest, WaitsForADeviceThatIsStillBeingResolved)
     start();
     FakeDevice device{"Desk", kDesk};
     device.resolve.delay = Duration(2);
-    fake.discovery.announce(device);
+    fake.discovery.announce(std::vector{device});
     settle();
     requestHost(kDesk);
     EXPECT_THAT(link.attempts, IsEmpty());

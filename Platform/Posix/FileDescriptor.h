@@ -1,0 +1,38 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace farview
+{
+
+/// An open file, closed with this object. Movable; a negative number is no file.
+class FileDescriptor
+{
+public:
+    FileDescriptor() = default;
+    explicit FileDescriptor(int descriptor) : mDescriptor(descriptor) {}
+    FileDescriptor(FileDescriptor&& other) noexcept
+        : mDescriptor(std::exchange(other.mDescriptor, -1))
+    {
+    }
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    {
+        std::swap(mDescriptor, other.mDescriptor);
+        return *this;
+    }
+    ~FileDescriptor()
+    {
+        if (isOpen())
+            ::close(mDescriptor);
+    }
+
+    bool isOpen() const { return mDescriptor >= 0; }
+    int get() const { return mDescriptor; }
+
+private:
+    int mDescriptor = -1;
+};
+
+} // namespace farview

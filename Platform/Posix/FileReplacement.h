@@ -1,0 +1,47 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+
+namespace farview
+{
+
+/// Where a path leads when its last part is a link, possibly to nothing; the path itself when it is
+/// none. Empty for a loop of links.
+std::string resolvedLink(const std::string& path);
+
+/// Makes the folder and those missing above it, each with exactly `mode`, whatever the umask. A
+/// folder that exists is left as it is. Returns 0, or an errno.
+int makeFolders(const std::string& path, mode_t mode);
+
+/// Gives the file at `path` a second name beside it, "path.broken-1" or the first number that is
+/// free, so that replacing it loses nothing. Returns 0 and the name, or an errno.
+int setAsideFile(const std::string& path, std::string& asidePath);
+
+/// Replaces a file in one step: a reader sees the old or the new contents, after a crash too.
+///
+/// write() puts the new contents beside the file, commit() gives them its name. Without commit()
+/// nothing has changed. Two processes must not share a `temporaryPath` at once.
+class FileReplacement
+{
+public:
+    /// `temporaryPath` lies in the same folder; what is left there of an earlier attempt goes.
+    FileReplacement(std::string path, std::string temporaryPath);
+    ~FileReplacement();
+    FileReplacement(const FileReplacement&) = delete;
+    FileReplacement& operator=(const FileReplacement&) = delete;
+
+    /// Contents with exactly this mode, safe on the disk when it returns 0; else an errno.
+    int write(std::string_view bytes, mode_t mode);
+    /// Returns 0 when the change is safe on the disk, else an errno.
+    int commit();
+
+private:
+    std::string mPath;
+    std::string mTemporaryPath;
+    bool mHasTemporary = false;
+};
+
+} // namespace farview

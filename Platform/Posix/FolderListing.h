@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace farview
+{
+
+/// The names of all that lies in the folder, sorted, without "." and ".."; empty when it cannot be
+/// read.
+std::vector<std::string> namesInFolder(const std::string& path);
+
+/// The names of the folders in the folder, sorted; links are left out, so a walk cannot circle.
+std::vector<std::string> foldersInFolder(const std::string& path);
+
+/// Whether the path itself, not what a link there leads to, is a folder.
+bool isRealFolder(const std::string& path);
+
+/// One part of a path: not empty, no slash, not "." or "..".
+bool isPlainFileName(const std::string& name);
+
+} // namespace farview

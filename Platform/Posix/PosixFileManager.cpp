@@ -1,0 +1,44 @@
+#include "Platform/Posix/PosixFileManager.h"
+
+#include "Platform/Posix/FileReplacement.h"
+#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/PropertyListWriter.h"
+
+#include <unistd.h>
+
+namespace farview
+{
+
+bool PosixFileManager::fileExistsAtPath(const std::string& path)
+{
+    return ::access(path.c_str(), F_OK) == 0;
+}
+
+bool PosixFileManager::createDirectoryAtPath(const std::string& path)
+{
+    return !path.empty() && makeFolders(path, 0700) == 0;
+}
+
+std::optional<PropertyList>
+PosixFileManager::propertyListWithContentsOfFile(const std::string& path)
+{
+    return readPropertyListFile(path).list;
+}
+
+bool PosixFileManager::writePropertyList(const PropertyList& list, const std::string& path)
+{
+    using Status = PropertyListFile::Status;
+    const auto written = PropertyListWriter::write(list);
+    const auto target = resolvedLink(path);
+    const auto status = readPropertyListFile(target).status;
+    if (!written.bytes || target.empty() || status == Status::unreadable)
+        return false;
+    // The process's number keeps two writers apart; the last one wins, whole.
+    FileReplacement replacement(target, target + "." + std::to_string(::getpid()) + ".new");
+    std::string aside;
+    return replacement.write(*written.bytes, 0600) == 0 &&
+           (status != Status::broken || setAsideFile(target, aside) == 0) &&
+           replacement.commit() == 0;
+}
+
+} // namespace farview

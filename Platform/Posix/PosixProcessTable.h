@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Platform/ProcessTable.h"
+
+#include <string>
+
+namespace farview
+{
+
+/// The caller's own processes (those of the effective user) as "/proc" lists them, in its order.
+///
+/// Zombies are no running processes and are left out. A name that the kernel cut at 15 bytes is
+/// completed to 16 from the executable's name when that begins with it.
+class PosixProcessTable final : public ProcessTable
+{
+public:
+    PosixProcessTable() : PosixProcessTable("/proc") {}
+    /// Reads another folder of the same shape.
+    explicit PosixProcessTable(std::string root) : mRoot(std::move(root)) {}
+
+    int size(std::size_t& recordCount) override;
+    int contents(std::span<ProcessRecord> records, std::size_t& recordCount) override;
+
+private:
+    std::string mRoot;
+};
+
+} // namespace farview

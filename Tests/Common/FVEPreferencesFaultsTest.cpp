@@ -1,0 +1,93 @@
+#include "Common/FVEPreferences.h"
+
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Platform/Fake/FakePlatform.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using farview::FakePlatform;
+using farview::Notification;
+using farview::PropertyList;
+
+namespace
+{
+
+/// Settings on a disk that cannot be written.
+class FVEPreferencesOnABrokenDisk : public testing::Test
+{
+protected:
+    FVEPreferencesOnABrokenDisk() { fake.preferences.setWritesFail(true); }
+
+    std::size_t postCount() const { return fake.distributedNotificationCenter.posts().size(); }
+
+    FakePlatform fake;
+    FVEPreferences preferences{fake.preferences, fake.distributedNotificationCenter};
+};
+
+TEST_F(FVEPreferencesOnABrokenDisk, ADefaultIsAnnouncedOnceHoweverOftenItIsRead)
+{
+    preferences.setupDefaultValues();
+    const auto once = postCount();
+    EXPECT_EQ(once, 18U);
+    for (int round = 0; round < 100; ++round)
+        preferences.setupDefaultValues();
+    EXPECT_EQ(postCount(), once);
+}
+
+TEST_F(FVEPreferencesOnABrokenDisk, AnObserverThatReadsOnEveryAnnouncementStartsNoStorm)
+{
+    const auto observer = std::make_shared<int>();
+    int heard = 0;
+    fake.distributedNotificationCenter.addObserver(
+        observer,
+        [&](const Notification&) {
+            ++heard;
+            preferences.setupDefaultValues();
+            preferences.autoConnectDevices();
+            preferences.lastOtherDevice();
+        },
+        kFVEPrefsDidChangeNotification, "");
+    preferences.setFirstRun(false);
+    ASSERT_NO_THROW(fake.runLoop.runUntilIdle());
+    // The change itself, nine pairs for the eight defaults, two each for the list and the text.
+    EXPECT_EQ(heard, 1 + 9 + 2 + 2);
+}
+
+TEST_F(FVEPreferencesOnABrokenDisk, WhatWasSetReadsBackAndIsStoredOnceTheDiskRecovers)
+{
+    preferences.setCurrentState(1);
+    preferences.setLastOtherDevice("192.168.1.20");
+    EXPECT_EQ(preferences.currentState(), 1);
+    EXPECT_EQ(preferences.lastOtherDevice(), "192.168.1.20");
+    EXPECT_TRUE(fake.preferences.stored(kApplicationID).empty());
+    fake.preferences.setWritesFail(false);
+    preferences.synchronize();
+    EXPECT_EQ(fake.preferences.storedValue(kCurrentState, kApplicationID), PropertyList(1));
+    EXPECT_EQ(fake.preferences.storedValue(kLastOtherDeviceName, kApplicationID),
+              PropertyList("192.168.1.20"));
+}
+
+TEST_F(FVEPreferencesOnABrokenDisk, AWrongTypeIsReplacedAndAnnouncedOnce)
+{
+    fake.preferences.writeAsAnotherProcess(kShowInMenuBar, PropertyList(0), kApplicationID);
+    for (int round = 0; round < 10; ++round)
+        EXPECT_TRUE(preferences.showInMenuBar());
+    EXPECT_EQ(postCount(), 2U);
+}
+
+TEST(FVEPreferencesWithPresets, AnAdministratorsValueIsReadAndNotOverwritten)
+{
+    FakePlatform fake;
+    FVEPreferences preferences(fake.preferences, fake.distributedNotificationCenter);
+    fake.preferences.writeAsAnotherProcess(kAutoConnectOption, PropertyList(false), kApplicationID,
+                                           farview::PreferencesUser::any,
+                                           farview::PreferencesHost::any);
+    EXPECT_FALSE(preferences.autoConnectOption());
+    EXPECT_EQ(fake.preferences.setCount(), 0);
+    preferences.setAutoConnectOption(true);
+    EXPECT_TRUE(preferences.autoConnectOption()) << "the user's own choice wins";
+}
+
+} // namespace

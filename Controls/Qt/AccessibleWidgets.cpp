@@ -1,0 +1,107 @@
+#include "Controls/Qt/AccessibleWidgets.h"
+
+#include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/SpinnerWidget.h"
+#include "Controls/Qt/SwitchWidget.h"
+
+#include <QAccessibleWidget>
+
+namespace farview
+{
+namespace
+{
+
+class AccessibleSwitch final : public QAccessibleWidget
+{
+public:
+    explicit AccessibleSwitch(SwitchWidget* widget)
+        : QAccessibleWidget(widget, QAccessible::CheckBox), mSwitch(widget)
+    {
+    }
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = true;
+        state.checked = mSwitch->isOn();
+        return state;
+    }
+    QStringList actionNames() const override
+    {
+        return mSwitch->isEnabled() ? QStringList{toggleAction(), setFocusAction()} : QStringList{};
+    }
+    void doAction(const QString& name) override
+    {
+        if (name == toggleAction())
+            mSwitch->click();
+        else
+            QAccessibleWidget::doAction(name);
+    }
+
+private:
+    SwitchWidget* mSwitch;
+};
+
+class AccessiblePopUp final : public QAccessibleWidget
+{
+public:
+    explicit AccessiblePopUp(PopUpWidget* widget)
+        : QAccessibleWidget(widget, QAccessible::ButtonMenu), mPopUp(widget)
+    {
+    }
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.hasPopup = true;
+        state.expandable = true;
+        state.expanded = mPopUp->openMenu() != nullptr;
+        return state;
+    }
+    // What is chosen is not read out for this role unless it is part of the name.
+    QString text(QAccessible::Text kind) const override
+    {
+        const QString label = QAccessibleWidget::text(kind);
+        if (kind != QAccessible::Name || mPopUp->title().isEmpty())
+            return label;
+        return label.isEmpty() ? mPopUp->title() : label + u": "_qs + mPopUp->title();
+    }
+    QStringList actionNames() const override
+    {
+        return mPopUp->isEnabled() ? QStringList{pressAction(), setFocusAction()} : QStringList{};
+    }
+    void doAction(const QString& name) override
+    {
+        if (name != pressAction())
+            QAccessibleWidget::doAction(name);
+        else if (mPopUp->isEnabled() && !mPopUp->openMenu())
+            emit mPopUp->openRequested();
+    }
+
+private:
+    PopUpWidget* mPopUp;
+};
+
+QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object)
+{
+    if (auto* widget = qobject_cast<SwitchWidget*>(object))
+        return new AccessibleSwitch(widget);
+    if (auto* widget = qobject_cast<PopUpWidget*>(object))
+        return new AccessiblePopUp(widget);
+    if (auto* widget = qobject_cast<SpinnerWidget*>(object))
+        return new QAccessibleWidget(widget, QAccessible::Animation);
+    return nullptr;
+}
+
+} // namespace
+
+void installAccessibleWidgets()
+{
+    static const bool installed = [] {
+        QAccessible::installFactory(makeAccessible);
+        return true;
+    }();
+    static_cast<void>(installed);
+}
+
+} // namespace farview

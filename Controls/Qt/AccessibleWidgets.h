@@ -1,0 +1,10 @@
+#pragma once
+
+namespace farview
+{
+
+/// Tells assistive technology what our own widgets are: the switch, the pop-up, the spinner. Call
+/// it before the first of them is made; later calls do nothing.
+void installAccessibleWidgets();
+
+} // namespace farview

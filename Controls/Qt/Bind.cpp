@@ -1,0 +1,71 @@
+#include "Controls/Qt/ControlBindings.h"
+#include "Controls/Qt/FrameBinding.h"
+#include "Controls/Qt/FrameContainer.h"
+#include "Controls/Qt/PopUpBinding.h"
+#include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/SpinnerWidget.h"
+#include "Controls/Qt/SwitchBinding.h"
+#include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/TableBinding.h"
+
+namespace farview
+{
+namespace
+{
+
+/// A view without a look of its own: only its place counts.
+class PlainBinding : public Binding
+{
+public:
+    using Binding::Binding;
+
+protected:
+    void show(Change /*change*/) override {}
+};
+
+enum class Match { otherControl, wrongWidget, bound };
+
+/// Binds when the view is exactly that kind of control.
+template <typename BindingClass, typename ViewClass, typename WidgetClass>
+Match tryBind(const std::shared_ptr<View>& view, QWidget* widget)
+{
+    const auto typedView = std::dynamic_pointer_cast<ViewClass>(view);
+    if (!typedView)
+        return Match::otherControl;
+    auto* typedWidget = qobject_cast<WidgetClass*>(widget);
+    if (!typedWidget)
+        return Match::wrongWidget;
+    auto* binding = new BindingClass(typedView, typedWidget);
+    binding->start();
+    return Match::bound;
+}
+
+// What a control derives from comes after it.
+using Attempt = Match (*)(const std::shared_ptr<View>&, QWidget*);
+constexpr Attempt attempts[] = {
+    tryBind<PopUpBinding, PopUpButton, PopUpWidget>,
+    tryBind<ButtonBinding, Button, QAbstractButton>,
+    tryBind<TextFieldBinding, TextField, QLabel>,
+    tryBind<TableBinding, TableView, QTableView>,
+    tryBind<ImageViewBinding, ImageView, QLabel>,
+    tryBind<ProgressIndicatorBinding, ProgressIndicator, SpinnerWidget>,
+    tryBind<TabViewBinding, TabView, QTabWidget>,
+    tryBind<SwitchBinding, QLNOnOffView, SwitchWidget>,
+    tryBind<PlainBinding, View, QWidget>,
+};
+
+} // namespace
+
+bool bind(const std::shared_ptr<View>& view, QWidget* widget)
+{
+    if (auto* container = qobject_cast<FrameContainer*>(widget->parentWidget()))
+        new FrameBinding(view, widget, container);
+    for (const Attempt attempt : attempts) {
+        const Match match = attempt(view, widget);
+        if (match != Match::otherControl)
+            return match == Match::bound;
+    }
+    return false;
+}
+
+} // namespace farview

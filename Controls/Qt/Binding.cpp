@@ -1,0 +1,79 @@
+#include "Controls/Qt/Binding.h"
+
+#include "Controls/Qt/PlainText.h"
+
+namespace farview
+{
+namespace
+{
+
+/// Counts, so that a change inside a change does not end the outer one's protection.
+class Counted
+{
+public:
+    explicit Counted(int& count) : mCount(count) { ++mCount; }
+    ~Counted() { --mCount; }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+
+private:
+    int& mCount;
+};
+
+void setKeepsSpace(QWidget* widget, bool keeps)
+{
+    QSizePolicy policy = widget->sizePolicy();
+    policy.setRetainSizeWhenHidden(keeps);
+    widget->setSizePolicy(policy);
+}
+
+bool isHiddenByFile(const QWidget* widget)
+{
+    return widget->isHidden() && widget->testAttribute(Qt::WA_WState_ExplicitShowHide);
+}
+
+} // namespace
+
+Binding::Binding(std::shared_ptr<View> view, QWidget* widget)
+    : QObject(widget), mView(std::move(view)), mWidget(widget)
+{
+    setKeepsSpace(widget, true);
+}
+
+void Binding::letSpaceFold() { setKeepsSpace(mWidget, false); }
+
+void Binding::start()
+{
+    adoptCommon();
+    adopt();
+    mSubscription = mView->observe([this](Change change) { refresh(change); });
+    refresh(Change::properties);
+}
+
+void Binding::refresh(Change change)
+{
+    const Counted counted(mShowing);
+    showCommon();
+    show(change);
+}
+
+void Binding::adoptCommon()
+{
+    if (isHiddenByFile(mWidget))
+        mView->setHidden(true);
+    if (auto* control = dynamic_cast<Control*>(mView.get());
+        control && mWidget->testAttribute(Qt::WA_ForceDisabled))
+        control->setEnabled(false);
+}
+
+void Binding::showCommon()
+{
+    if (mWidget->isHidden() != isHidden())
+        mWidget->setHidden(isHidden());
+    if (const auto* control = dynamic_cast<const Control*>(mView.get()))
+        mWidget->setEnabled(control->isEnabled());
+    if (!mView->toolTip().empty())
+        mWidget->setToolTip(plainToolTip(mView->toolTip()));
+}
+
+} // namespace farview

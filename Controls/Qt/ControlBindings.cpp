@@ -1,0 +1,111 @@
+#include "Controls/Qt/ControlBindings.h"
+
+#include "Controls/Qt/PlainText.h"
+#include "Controls/Qt/SpinnerWidget.h"
+
+#include <QStyle>
+
+namespace farview
+{
+
+ButtonBinding::ButtonBinding(std::shared_ptr<Button> button, QAbstractButton* widget)
+    : Binding(button, widget), mButton(std::move(button)), mButtonWidget(widget)
+{
+    connect(widget, &QAbstractButton::clicked, this,
+            [this] { userDid([this] { mButton->performClick(nullptr); }); });
+}
+
+void ButtonBinding::adopt()
+{
+    mShownTitle = withoutShortcut(mButtonWidget->text());
+    mButton->setTitle(mShownTitle);
+    mButton->setKind(mButtonWidget->isCheckable() ? Button::Kind::checkBox : Button::Kind::push);
+    mButton->setState(mButtonWidget->isChecked() ? 1 : 0);
+}
+
+void ButtonBinding::show(Change /*change*/)
+{
+    // The file's own text carries the shortcut, so it stays until another one is set.
+    if (mButton->title() != mShownTitle) {
+        mShownTitle = mButton->title();
+        mButtonWidget->setText(plainMenuText(mShownTitle));
+    }
+    if (mButtonWidget->isCheckable())
+        mButtonWidget->setChecked(mButton->state() != 0);
+}
+
+TextFieldBinding::TextFieldBinding(std::shared_ptr<TextField> field, QLabel* label)
+    : Binding(field, label), mField(std::move(field)), mLabel(label)
+{
+    label->setTextFormat(Qt::PlainText);
+}
+
+void TextFieldBinding::adopt()
+{
+    mShownText = mLabel->buddy() ? withoutShortcut(mLabel->text()) : mLabel->text().toStdString();
+    mField->setStringValue(mShownText);
+}
+
+void TextFieldBinding::show(Change /*change*/)
+{
+    if (mField->stringValue() == mShownText)
+        return;
+    mShownText = mField->stringValue();
+    mLabel->setText(plainText(mShownText));
+}
+
+ImageViewBinding::ImageViewBinding(std::shared_ptr<ImageView> image, QLabel* label)
+    : Binding(std::move(image), label), mLabel(label)
+{
+    const int size = label->style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, label);
+    label->setFixedSize(size, size);
+}
+
+void ImageViewBinding::show(Change /*change*/)
+{
+    if (isHidden() || !mLabel->pixmap(Qt::ReturnByValue).isNull())
+        return;
+    const QIcon sign = mLabel->style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, mLabel);
+    mLabel->setPixmap(sign.pixmap(mLabel->size(), mLabel->devicePixelRatioF()));
+}
+
+ProgressIndicatorBinding::ProgressIndicatorBinding(std::shared_ptr<ProgressIndicator> indicator,
+                                                   SpinnerWidget* spinner)
+    : Binding(indicator, spinner), mIndicator(std::move(indicator)), mSpinner(spinner)
+{
+}
+
+void ProgressIndicatorBinding::show(Change /*change*/)
+{
+    mSpinner->setAnimating(mIndicator->isAnimating());
+}
+
+TabViewBinding::TabViewBinding(std::shared_ptr<TabView> tabs, QTabWidget* widget)
+    : Binding(tabs, widget), mTabs(std::move(tabs)), mTabWidget(widget)
+{
+    connect(widget, &QTabWidget::currentChanged, this, [this] {
+        const QWidget* page = mTabWidget->currentWidget();
+        if (!page)
+            return;
+        const std::string identifier = page->objectName().toStdString();
+        userDid([this, identifier] { mTabs->selectTabViewItemWithIdentifier(identifier); });
+    });
+}
+
+void TabViewBinding::adopt()
+{
+    std::vector<std::string> identifiers;
+    for (int i = 0; i < mTabWidget->count(); ++i)
+        identifiers.push_back(mTabWidget->widget(i)->objectName().toStdString());
+    mTabs->setIdentifiers(std::move(identifiers));
+}
+
+void TabViewBinding::show(Change /*change*/)
+{
+    for (int i = 0; i < mTabWidget->count(); ++i) {
+        if (mTabWidget->widget(i)->objectName().toStdString() == mTabs->selectedIdentifier())
+            mTabWidget->setCurrentIndex(i);
+    }
+}
+
+} // namespace farview

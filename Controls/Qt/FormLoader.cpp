@@ -1,0 +1,89 @@
+#include "Controls/Qt/FormLoader.h"
+
+#include "Controls/Qt/FrameContainer.h"
+#include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/SpinnerWidget.h"
+#include "Controls/Qt/SwitchWidget.h"
+#include "Platform/Bundle.h"
+
+#include <QCoreApplication>
+#include <QTranslator>
+
+namespace farview
+{
+namespace
+{
+
+class Loader final : public QUiLoader
+{
+public:
+    QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override
+    {
+        QWidget* widget = ownWidget(className, parent);
+        if (!widget)
+            return QUiLoader::createWidget(className, parent, name);
+        widget->setObjectName(name);
+        return widget;
+    }
+
+private:
+    static QWidget* ownWidget(const QString& className, QWidget* parent)
+    {
+        if (className == u"farview::FrameContainer")
+            return new FrameContainer(parent);
+        if (className == u"farview::PopUpWidget")
+            return new PopUpWidget(parent);
+        if (className == u"farview::SpinnerWidget")
+            return new SpinnerWidget(parent);
+        if (className == u"farview::SwitchWidget")
+            return new SwitchWidget(parent);
+        return nullptr;
+    }
+};
+
+/// Answers with the bundle's texts. Installed only while a form is read.
+class BundleTranslator final : public QTranslator
+{
+public:
+    explicit BundleTranslator(const Bundle& bundle) : mBundle(bundle)
+    {
+        QCoreApplication::installTranslator(this);
+    }
+    ~BundleTranslator() override { QCoreApplication::removeTranslator(this); }
+
+    bool isEmpty() const override { return false; }
+    QString translate(const char* /*context*/, const char* text, const char* /*comment*/,
+                      int /*count*/) const override
+    {
+        return QString::fromStdString(mBundle.localizedString(text, "", ""));
+    }
+
+private:
+    const Bundle& mBundle;
+};
+
+/// The form loader loads every designer plug-in below the library paths when it is made.
+std::unique_ptr<QUiLoader> makeLoader()
+{
+    const QStringList paths = QCoreApplication::libraryPaths();
+    QCoreApplication::setLibraryPaths({});
+    auto loader = std::make_unique<Loader>();
+    QCoreApplication::setLibraryPaths(paths);
+    return loader;
+}
+
+} // namespace
+
+FormLoader::FormLoader(const Bundle& bundle) : mBundle(bundle), mLoader(makeLoader()) {}
+
+FormLoader::~FormLoader() = default;
+
+std::unique_ptr<QWidget> FormLoader::loadForm(QIODevice& file)
+{
+    const BundleTranslator translator(mBundle);
+    return std::unique_ptr<QWidget>(mLoader->load(&file));
+}
+
+QString FormLoader::errorString() const { return mLoader->errorString(); }
+
+} // namespace farview

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QWidget>
+
+namespace farview
+{
+
+/// Holds widgets that are placed by frames rather than by a layout, so that an animated frame is
+/// not undone by one. Their frames in the interface file are those of a container as wide as the
+/// widest of them reaches.
+class FrameContainer : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit FrameContainer(QWidget* parent);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+signals:
+    /// The container became wider by that many points (narrower when negative) since it was last
+    /// told, and is now that high.
+    void stretched(int byWidth, int height);
+    /// The reading direction changed: the widgets change sides.
+    void mirrored();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    int designWidth() const;
+
+    int mToldWidth = -1;
+};
+
+} // namespace farview

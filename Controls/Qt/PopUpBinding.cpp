@@ -1,0 +1,78 @@
+#include "Controls/Qt/PopUpBinding.h"
+
+#include "Controls/Qt/PlainText.h"
+#include "Controls/Qt/PopUpWidget.h"
+
+#include <algorithm>
+
+namespace farview
+{
+namespace
+{
+
+bool meansTheSame(const MenuItem& left, const MenuItem& right)
+{
+    return left.action == right.action && left.tag == right.tag &&
+           representsSame(left.representedObject, right.representedObject);
+}
+
+/// The entry of today's menu that the user meant with an entry of yesterday's.
+std::shared_ptr<MenuItem> counterpart(const Menu& menu, const std::shared_ptr<MenuItem>& item)
+{
+    const auto& items = menu.items();
+    if (std::find(items.begin(), items.end(), item) != items.end())
+        return item;
+    const auto found = std::find_if(items.begin(), items.end(),
+                                    [&](const auto& each) { return meansTheSame(*each, *item); });
+    return found == items.end() ? item : *found;
+}
+
+} // namespace
+
+PopUpBinding::PopUpBinding(std::shared_ptr<PopUpButton> button, PopUpWidget* widget)
+    : Binding(button, widget), mButton(std::move(button)), mPopUp(widget)
+{
+    connect(widget, &PopUpWidget::openRequested, this, [this] { open(); });
+}
+
+void PopUpBinding::show(Change /*change*/) { mPopUp->setTitle(plainLine(mButton->title())); }
+
+void PopUpBinding::open()
+{
+    auto* menu = new QMenu(mPopUp);
+    QAction* current = nullptr;
+    const auto selected = mButton->selectedItem();
+    for (const auto& item : mButton->menu()->items()) {
+        QAction* entry = addEntry(menu, item);
+        if (item == selected)
+            current = entry;
+    }
+    mPopUp->open(menu, current);
+}
+
+QAction* PopUpBinding::addEntry(QMenu* menu, const std::shared_ptr<MenuItem>& item)
+{
+    QAction* entry = menu->addAction(plainMenuText(item->title));
+    entry->setEnabled(item->canBeChosen());
+    if (isMarked(*item)) {
+        entry->setCheckable(true);
+        entry->setChecked(true);
+    }
+    connect(entry, &QAction::triggered, this, [this, item] { choose(item); });
+    return entry;
+}
+
+bool PopUpBinding::isMarked(const MenuItem& item) const
+{
+    const auto& items = mButton->menu()->items();
+    const bool someIsMarked =
+        std::any_of(items.begin(), items.end(), [](const auto& each) { return each->state == 1; });
+    return someIsMarked ? item.state == 1 : mButton->selectedItem().get() == &item;
+}
+
+void PopUpBinding::choose(const std::shared_ptr<MenuItem>& item)
+{
+    userDid([&] { mButton->choose(counterpart(*mButton->menu(), item)); });
+}
+
+} // namespace farview

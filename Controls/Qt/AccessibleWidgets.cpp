@@ -58,13 +58,12 @@ public:
         state.expanded = mPopUp->openMenu() != nullptr;
         return state;
     }
-    // What is chosen is not read out for this role unless it is part of the name.
+    // What is chosen is not read out for this role unless it is the name.
     QString text(QAccessible::Text kind) const override
     {
-        const QString label = QAccessibleWidget::text(kind);
-        if (kind != QAccessible::Name || mPopUp->title().isEmpty())
-            return label;
-        return label.isEmpty() ? mPopUp->title() : label + u": "_qs + mPopUp->title();
+        if (kind == QAccessible::Name && !mPopUp->title().isEmpty())
+            return mPopUp->title();
+        return QAccessibleWidget::text(kind == QAccessible::Description ? QAccessible::Name : kind);
     }
     QStringList actionNames() const override
     {

@@ -56,7 +56,7 @@ constexpr Attempt attempts[] = {
 
 } // namespace
 
-bool bind(const std::shared_ptr<View>& view, QWidget* widget)
+bool bindToWidget(const std::shared_ptr<View>& view, QWidget* widget)
 {
     if (auto* container = qobject_cast<FrameContainer*>(widget->parentWidget()))
         new FrameBinding(view, widget, container);

@@ -66,6 +66,6 @@ private:
 
 /// Makes the binding that fits control and widget. False when the widget cannot show such a
 /// control.
-bool bind(const std::shared_ptr<View>& view, QWidget* widget);
+bool bindToWidget(const std::shared_ptr<View>& view, QWidget* widget);
 
 } // namespace farview

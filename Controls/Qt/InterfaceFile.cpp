@@ -24,7 +24,7 @@ Selector keptSelector(const QString& name)
     return Selector{*names.insert(name.toStdString()).first};
 }
 
-std::string quoted(std::string_view name) { return "\"" + std::string(name) + "\""; }
+std::string inQuotes(std::string_view name) { return "\"" + std::string(name) + "\""; }
 
 QWidget* findWidget(QWidget& root, std::string_view name)
 {
@@ -54,18 +54,18 @@ std::unique_ptr<QWidget> InterfaceFile::loadWidget(std::string& error) const
 {
     const auto path = mBundle.pathForResource(mName, "ui");
     if (!path) {
-        error = "The interface file " + quoted(fileName()) + " is missing.";
+        error = "The interface file " + inQuotes(fileName()) + " is missing.";
         return nullptr;
     }
     QFile file(QString::fromStdString(*path));
     if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile) {
-        error = "The interface file " + quoted(fileName()) + " cannot be read.";
+        error = "The interface file " + inQuotes(fileName()) + " cannot be read.";
         return nullptr;
     }
     FormLoader loader(mBundle);
     std::unique_ptr<QWidget> root = loader.loadForm(file);
     if (!root)
-        error = "The interface file " + quoted(fileName()) +
+        error = "The interface file " + inQuotes(fileName()) +
                 " is damaged: " + loader.errorString().toStdString();
     return root;
 }
@@ -75,21 +75,32 @@ bool InterfaceFile::connectOutlets(QWidget& root, InterfaceOwner& owner, std::st
     // All names first: an owner is connected completely or not at all.
     for (const Outlet& outlet : owner.outlets()) {
         if (!findWidget(root, outlet.name)) {
-            error = fileName() + " has no object named " + quoted(outlet.name) + ".";
+            error = fileName() + " has no object named " + inQuotes(outlet.name) + ".";
             return false;
         }
     }
     for (const Outlet& outlet : owner.outlets()) {
         QWidget* widget = findWidget(root, outlet.name);
         const auto view = outlet.connect(owner);
-        if (!view || !bind(view, widget)) {
-            error = quoted(outlet.name) + " in " + fileName() + " is a " +
+        if (!view || !bindToWidget(view, widget)) {
+            error = inQuotes(outlet.name) + " in " + fileName() + " is a " +
                     widget->metaObject()->className() + ", which cannot show it.";
             return false;
         }
         mConnected[widget] = view;
     }
     return true;
+}
+
+std::shared_ptr<Control> InterfaceFile::controlFor(QWidget* widget) const
+{
+    const auto found = mConnected.find(widget);
+    if (found != mConnected.end())
+        return std::dynamic_pointer_cast<Control>(found->second);
+    // A button that the owner needs no outlet for: its binding keeps it.
+    auto button = std::make_shared<Button>();
+    const bool isButton = qobject_cast<QAbstractButton*>(widget) != nullptr;
+    return isButton && bindToWidget(button, widget) ? button : nullptr;
 }
 
 bool InterfaceFile::connectActions(QWidget& root, const std::shared_ptr<InterfaceOwner>& owner,
@@ -100,15 +111,10 @@ bool InterfaceFile::connectActions(QWidget& root, const std::shared_ptr<Interfac
         if (action.isEmpty())
             continue;
         const Selector selector = keptSelector(action);
-        const auto found = mConnected.find(widget);
-        auto view = found == mConnected.end() ? nullptr : found->second;
-        if (!view && qobject_cast<QAbstractButton*>(widget) &&
-            bind(view = std::make_shared<Button>(), widget))
-            ;
-        auto control = std::dynamic_pointer_cast<Control>(view);
+        const auto control = controlFor(widget);
         if (!control || !owner->respondsTo(selector)) {
-            error = quoted(widget->objectName().toStdString()) + " in " + fileName() +
-                    " asks for " + quoted(selector.name) + ", which " +
+            error = inQuotes(widget->objectName().toStdString()) + " in " + fileName() +
+                    " asks for " + inQuotes(selector.name) + ", which " +
                     (control ? "its owner does not know." : "it cannot send.");
             return false;
         }

@@ -31,6 +31,7 @@ private:
     bool connectOutlets(QWidget& root, InterfaceOwner& owner, std::string& error);
     bool connectActions(QWidget& root, const std::shared_ptr<InterfaceOwner>& owner,
                         std::string& error) const;
+    std::shared_ptr<Control> controlFor(QWidget* widget) const;
     std::string fileName() const { return mName + ".ui"; }
 
     const Bundle& mBundle;

@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QStyleOptionComboBox>
 #include <QStylePainter>
 #include <QToolTip>
 #include <QWheelEvent>

@@ -72,6 +72,19 @@ std::unique_ptr<QUiLoader> makeLoader()
     return loader;
 }
 
+/// A form gives font sizes in relation to the desktop's, in the dynamic property "fontScale".
+void scaleFonts(QWidget& form)
+{
+    for (QWidget* widget : form.findChildren<QWidget*>()) {
+        const double scale = widget->property("fontScale").toDouble();
+        QFont font = widget->font();
+        if (scale <= 0 || font.pointSizeF() <= 0)
+            continue;
+        font.setPointSizeF(font.pointSizeF() * scale);
+        widget->setFont(font);
+    }
+}
+
 } // namespace
 
 FormLoader::FormLoader(const Bundle& bundle) : mBundle(bundle), mLoader(makeLoader()) {}
@@ -81,7 +94,10 @@ FormLoader::~FormLoader() = default;
 std::unique_ptr<QWidget> FormLoader::loadForm(QIODevice& file)
 {
     const BundleTranslator translator(mBundle);
-    return std::unique_ptr<QWidget>(mLoader->load(&file));
+    std::unique_ptr<QWidget> form(mLoader->load(&file));
+    if (form)
+        scaleFonts(*form);
+    return form;
 }
 
 QString FormLoader::errorString() const { return mLoader->errorString(); }

@@ -1,0 +1,53 @@
+#include "Applications/Preferences/HostWindow.h"
+
+#include <QCloseEvent>
+#include <QMessageBox>
+#include <QTimer>
+
+HostWindow::HostWindow() : mLayout(new QVBoxLayout(this))
+{
+    mLayout->setContentsMargins(0, 0, 0, 0);
+}
+
+void HostWindow::setView(QWidget* view, const QString& title)
+{
+    while (QLayoutItem* item = mLayout->takeAt(0)) {
+        item->widget()->hide();
+        delete item;
+    }
+    const QSize wanted = view->size();
+    mLayout->addWidget(view);
+    view->show();
+    setWindowTitle(title);
+    if (!isVisible())
+        resize(wanted.expandedTo(minimumSizeHint()));
+}
+
+void HostWindow::bringToFront(const QString& activationToken)
+{
+    // Where windows may not take the focus by themselves, this is how it is handed to them.
+    if (!activationToken.isEmpty()) {
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
+        QTimer::singleShot(0, this, [] { qunsetenv("XDG_ACTIVATION_TOKEN"); });
+    }
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void HostWindow::showProblem(const QString& message)
+{
+    auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(), QString(), QMessageBox::Close,
+                                this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextFormat(Qt::PlainText);
+    box->setText(message);
+    box->open();
+}
+
+void HostWindow::closeEvent(QCloseEvent* event)
+{
+    emit closing();
+    QWidget::closeEvent(event);
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QVBoxLayout>
+#include <QWidget>
+
+/// The window around a pane's view.
+class HostWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    HostWindow();
+
+    /// Shows that view instead of the one before, which stays its owner's.
+    void setView(QWidget* view, const QString& title);
+    /// Comes to the front. `activationToken`: what the desktop gave to whoever asked for it.
+    void bringToFront(const QString& activationToken);
+    /// Says what went wrong, in plain text, without waiting for an answer.
+    void showProblem(const QString& message);
+
+signals:
+    /// The user closes the window; its view is still on show.
+    void closing();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    QVBoxLayout* mLayout;
+};

@@ -1,0 +1,146 @@
+#include "Applications/Preferences/PaneSearch.h"
+#include "Applications/Preferences/PreferencesHost.h"
+#include "Applications/Preferences/SingleInstance.h"
+#include "Applications/Preferences/SmokeTest.h"
+#include "Applications/Preferences/TerminationSignals.h"
+#include "Common/NSURL_Additions.h"
+#include "Platform/Posix/PosixBundle.h"
+#include "Platform/Posix/PosixSearchPaths.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace
+{
+
+constexpr auto exitStatuses = R"(
+Exit status:
+   0  done; also when the window of an earlier start was brought to the front
+   2  wrong use
+   3  there is no such pane
+   4  the bundle has no Info.plist
+   5  its Info.plist cannot be read
+   6  it names no principal class, or one that its library has not
+   7  its library was made for an older version of this program
+   8  its library needs a newer version of this program
+   9  its library is missing, is no pane's, or cannot be loaded
+  10  its interface file is missing, damaged, or lacks something
+  11  the pane does not accept its bundle
+  12  the window of an earlier start does not answer
+  13  there is no display)";
+
+struct Options {
+    QString pane;
+    bool list = false;
+    bool smokeTest = false;
+};
+
+void print(std::FILE* file, const QString& text) { QTextStream(file) << text << Qt::endl; }
+
+int fail(const HostError& error)
+{
+    if (error.status != HostStatus::success)
+        print(stderr, u"farview-preferences: "_qs + error.message);
+    return static_cast<int>(error.status);
+}
+
+/// Nothing when the program ends here; `status` then says how.
+std::optional<Options> parse(const QStringList& arguments, int& status)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"Shows a preference pane in a window."_qs);
+    parser.addOption({u"pane"_qs, u"The bundle to show instead of Farview's own."_qs, u"PATH"_qs});
+    parser.addOption({u"list"_qs, u"Print the panes that were found, and end."_qs});
+    parser.addOption({u"smoke-test"_qs, u"Go through a pane's whole life without starting "
+                                        "programs or talking to any, and end."_qs});
+    parser.addOption({{u"h"_qs, u"help"_qs}, u"Print this help."_qs});
+    parser.addOption({{u"v"_qs, u"version"_qs}, u"Print the version."_qs});
+    const bool parsed = parser.parse(arguments) && parser.positionalArguments().isEmpty();
+    status = static_cast<int>(parsed ? HostStatus::success : HostStatus::usage);
+    if (!parsed)
+        print(stderr, parser.positionalArguments().isEmpty() ? parser.errorText()
+                                                             : u"Unexpected argument."_qs);
+    else if (parser.isSet(u"help"_qs))
+        print(stdout, parser.helpText() + QString::fromLatin1(exitStatuses));
+    else if (parser.isSet(u"version"_qs))
+        print(stdout, u"farview-preferences " FARVIEW_VERSION ""_qs);
+    else
+        return Options{parser.value(u"pane"_qs), parser.isSet(u"list"_qs),
+                       parser.isSet(u"smoke-test"_qs)};
+    return std::nullopt;
+}
+
+bool hasDisplay()
+{
+    return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
+           !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+int runSmokeTest(const QString& pane, farview::Bundles& bundles)
+{
+    PreferencesHost host(PaneLoader(bundles, true));
+    SmokeTest test(host, pane);
+    const HostError error = test.start();
+    return error.status == HostStatus::success ? QApplication::exec() : fail(error);
+}
+
+int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundles)
+{
+    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN",
+                                               qEnvironmentVariable("DESKTOP_STARTUP_ID"));
+    SingleInstance instance;
+    PreferencesHost host(PaneLoader(bundles, false));
+    const bool first = instance.becomeFirst([&](const SingleInstance::Wish& wish) {
+        const HostError error = wish.pane.isEmpty() ? HostError{} : host.open(wish.pane);
+        host.window().bringToFront(wish.activationToken);
+        return error;
+    });
+    if (!first)
+        return fail(instance.handOver({asked.isEmpty() ? QString() : pane, token}));
+    TerminationSignals signals_;
+    QObject::connect(&signals_, &TerminationSignals::received, qApp, [&] {
+        host.window().close();
+        QApplication::quit();
+    });
+    const HostError error = host.open(pane);
+    return error.status == HostStatus::success ? QApplication::exec() : fail(error);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments += QString::fromLocal8Bit(argv[i]);
+    int status = 0;
+    const auto options = parse(arguments, status);
+    if (!options)
+        return status;
+
+    farview::PosixSearchPaths searchPaths;
+    farview::PosixBundles bundles;
+    if (options->list) {
+        for (const QString& each : findPanes(searchPaths))
+            print(stdout, each);
+        return status;
+    }
+    const QString pane = paneToOpen(options->pane, QString::fromLatin1(kPrefPaneName), searchPaths);
+    if (pane.isEmpty())
+        return fail({HostStatus::paneNotFound, u"No Farview preference pane is installed."_qs});
+    if (options->smokeTest && !hasDisplay())
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!hasDisplay())
+        return fail({HostStatus::noDisplay, u"There is no display to open a window on."_qs});
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(u"farview-preferences"_qs);
+    QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
+    QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);
+    return options->smokeTest ? runSmokeTest(pane, bundles)
+                              : runWindow(pane, options->pane, bundles);
+}

@@ -1,0 +1,125 @@
+#include "Controls/Qt/FrameContainer.h"
+#include "Tests/Controls/Qt/QtTestSupport.h"
+
+#include <QProxyStyle>
+
+namespace farview::test
+{
+namespace
+{
+
+/// The time that an animation takes, whatever the machine's desktop says.
+class TimedStyle : public QProxyStyle
+{
+public:
+    explicit TimedStyle(int time) : QProxyStyle(QStringLiteral("Fusion")), mTime(time) {}
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override
+    {
+        return hint == SH_Widget_Animation_Duration
+                   ? mTime
+                   : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+
+private:
+    int mTime;
+};
+
+struct FramedViews : testing::Test {
+    FramedViews()
+    {
+        popUpWidget->setGeometry(0, 0, 400, 30);
+        reducedWidget->setGeometry(0, 0, 364, 30);
+        spinnerWidget->setGeometry(374, 3, 24, 24);
+        spinnerWidget->setProperty("trailing", true);
+        EXPECT_TRUE(bindToWidget(popUp, popUpWidget));
+        EXPECT_TRUE(bindToWidget(reduced, reducedWidget));
+        EXPECT_TRUE(bindToWidget(spinner, spinnerWidget));
+    }
+    void show(int width)
+    {
+        container.resize(width, 30);
+        container.show();
+        turn();
+    }
+    void narrow(bool animated)
+    {
+        Rect frame = popUp->frame();
+        frame.size.width = reduced->frame().size.width;
+        popUp->setFrame(frame, animated);
+    }
+
+    TimedStyle noTime{0};
+    TimedStyle someTime{80};
+    FrameContainer container{nullptr};
+    QWidget* popUpWidget = new QWidget(&container);
+    QWidget* reducedWidget = new QWidget(&container);
+    QWidget* spinnerWidget = new QWidget(&container);
+    std::shared_ptr<View> popUp = std::make_shared<View>();
+    std::shared_ptr<View> reduced = std::make_shared<View>();
+    std::shared_ptr<View> spinner = std::make_shared<View>();
+};
+
+TEST_F(FramedViews, FramesComeFromTheFileAndGrowWithTheContainer)
+{
+    EXPECT_EQ(popUp->frame(), (Rect{{0, 0}, {400, 30}}));
+    show(500);
+    EXPECT_EQ(popUp->frame().size.width, 500);
+    EXPECT_EQ(reduced->frame().size.width, 464);
+    EXPECT_EQ(popUpWidget->geometry(), QRect(0, 0, 500, 30));
+    EXPECT_EQ(spinnerWidget->geometry(), QRect(474, 3, 24, 24));
+}
+
+TEST_F(FramedViews, ANarrowedPopUpStaysNarrowedWhenTheContainerGrows)
+{
+    popUpWidget->setStyle(&noTime);
+    show(400);
+    narrow(true);
+    EXPECT_EQ(popUpWidget->width(), 364);
+    container.resize(600, 30);
+    EXPECT_EQ(popUpWidget->width(), 564);
+    EXPECT_EQ(popUp->frame().size.width, reduced->frame().size.width);
+}
+
+TEST_F(FramedViews, AnAnimatedChangeIsPlayedAndEndsAtItsDestination)
+{
+    popUpWidget->setStyle(&someTime);
+    show(400);
+    narrow(true);
+    EXPECT_EQ(popUp->frame().size.width, 364);
+    EXPECT_GT(popUpWidget->width(), 364);
+    EXPECT_TRUE(waitUntil([&] { return popUpWidget->width() < 400 && popUpWidget->width() > 364; }));
+    EXPECT_TRUE(waitUntil([&] { return popUpWidget->width() == 364; }));
+}
+
+TEST_F(FramedViews, AContainerThatGrowsDuringTheAnimationLeavesNoStrayFrame)
+{
+    popUpWidget->setStyle(&someTime);
+    show(400);
+    narrow(true);
+    container.resize(500, 30);
+    EXPECT_EQ(popUpWidget->geometry(), QRect(0, 0, 464, 30));
+    EXPECT_FALSE(waitUntil([&] { return popUpWidget->width() != 464; }) &&
+                 popUpWidget->width() != 464);
+}
+
+TEST_F(FramedViews, ReadFromRightToLeftTheSidesAreSwapped)
+{
+    popUpWidget->setStyle(&noTime);
+    show(400);
+    narrow(false);
+    container.setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(popUpWidget->geometry(), QRect(36, 0, 364, 30));
+    EXPECT_EQ(spinnerWidget->geometry(), QRect(2, 3, 24, 24));
+    EXPECT_EQ(popUp->frame().origin.x, 0);
+}
+
+TEST_F(FramedViews, AFrameSetWhileNothingIsSeenIsNotPlayed)
+{
+    popUpWidget->setStyle(&someTime);
+    narrow(true);
+    EXPECT_EQ(popUpWidget->width(), 364);
+}
+
+} // namespace
+} // namespace farview::test

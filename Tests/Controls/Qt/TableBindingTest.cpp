@@ -1,0 +1,152 @@
+#include "Controls/TableView.h"
+#include "Tests/Controls/Qt/QtTestSupport.h"
+
+#include <QHeaderView>
+#include <QSignalSpy>
+#include <QTableView>
+
+namespace farview::test
+{
+namespace
+{
+
+class Rows : public TableDataSource
+{
+public:
+    int numberOfRowsInTableView(TableView&) override { return static_cast<int>(names.size()); }
+    CellValue objectValueForTableColumn(TableView&, std::string_view column, int row) override
+    {
+        const auto index = static_cast<std::size_t>(row);
+        if (column == "AutoConnectFlag")
+            return bool(flags.at(index));
+        if (column == "DeviceName")
+            return names.at(index);
+        return {};
+    }
+    void setObjectValue(TableView& table, const CellValue& value, std::string_view column,
+                        int row) override
+    {
+        edits.emplace_back(std::string(column), row, std::get<bool>(value));
+        if (during)
+            during(table);
+    }
+
+    std::vector<std::string> names = {"Tablet", "<b>Phone</b>\t"};
+    std::vector<bool> flags = {true, false};
+    std::vector<std::tuple<std::string, int, bool>> edits;
+    std::function<void(TableView&)> during;
+};
+
+struct BoundTable : testing::Test {
+    BoundTable()
+    {
+        widget.setProperty("column1", "AutoConnectFlag");
+        widget.setProperty("columnTitle1", "Connect");
+        widget.setProperty("column2", "DeviceName");
+        widget.setProperty("columnTitle2", "Device");
+        EXPECT_TRUE(bindToWidget(table, &widget));
+        table->setDataSource(rows);
+    }
+    QVariant cell(int row, int column, int role)
+    {
+        return widget.model()->index(row, column).data(role);
+    }
+
+    std::shared_ptr<Rows> rows = std::make_shared<Rows>();
+    QTableView widget;
+    std::shared_ptr<TableView> table = std::make_shared<TableView>();
+};
+
+TEST_F(BoundTable, ItAsksItsSourceByTheColumnsIdentifiers)
+{
+    EXPECT_EQ(widget.model()->rowCount(), 2);
+    EXPECT_EQ(widget.model()->columnCount(), 2);
+    EXPECT_EQ(cell(0, 0, Qt::CheckStateRole).toInt(), Qt::Checked);
+    EXPECT_EQ(cell(1, 0, Qt::CheckStateRole).toInt(), Qt::Unchecked);
+    EXPECT_EQ(cell(0, 1, Qt::DisplayRole).toString(), QStringLiteral("Tablet"));
+    EXPECT_FALSE(cell(0, 1, Qt::CheckStateRole).isValid());
+    EXPECT_EQ(widget.model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Device"));
+}
+
+TEST_F(BoundTable, HostileNamesAreShownAsText)
+{
+    EXPECT_EQ(cell(1, 1, Qt::DisplayRole).toString(), QString::fromUtf8("<b>Phone</b>␉"));
+    EXPECT_TRUE(cell(1, 1, Qt::ToolTipRole).toString().contains(QStringLiteral("&lt;b&gt;")));
+}
+
+TEST_F(BoundTable, ATickReachesTheSourceAndTextCannotBeEdited)
+{
+    EXPECT_TRUE(widget.model()->setData(widget.model()->index(1, 0), Qt::Checked,
+                                        Qt::CheckStateRole));
+    ASSERT_EQ(rows->edits.size(), 1u);
+    EXPECT_EQ(rows->edits[0], std::make_tuple(std::string("AutoConnectFlag"), 1, true));
+    EXPECT_FALSE(widget.model()->setData(widget.model()->index(1, 1), "x", Qt::EditRole));
+    EXPECT_FALSE(widget.model()->flags(widget.model()->index(1, 1)) & Qt::ItemIsEditable);
+}
+
+TEST_F(BoundTable, ReloadsInsideAnEditAreOneResetOnTheNextTurn)
+{
+    QSignalSpy resets(widget.model(), &QAbstractItemModel::modelReset);
+    rows->during = [&](TableView& edited) {
+        rows->names.push_back("Third");
+        rows->flags.push_back(false);
+        edited.reloadData();
+        edited.reloadData();
+    };
+    widget.model()->setData(widget.model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
+    EXPECT_EQ(resets.count(), 0);
+    EXPECT_EQ(widget.model()->rowCount(), 2);
+    turn();
+    EXPECT_EQ(resets.count(), 1);
+    EXPECT_EQ(widget.model()->rowCount(), 3);
+}
+
+TEST_F(BoundTable, NothingIsEditedBetweenAnEditAndItsReload)
+{
+    rows->during = [&](TableView& edited) { edited.reloadData(); };
+    widget.model()->setData(widget.model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
+    EXPECT_FALSE(widget.model()->setData(widget.model()->index(1, 0), Qt::Checked,
+                                         Qt::CheckStateRole));
+    EXPECT_EQ(rows->edits.size(), 1u);
+}
+
+TEST_F(BoundTable, RowsThatWentAwayBeforeTheReloadAreEmpty)
+{
+    rows->names.clear();
+    rows->flags.clear();
+    EXPECT_FALSE(cell(1, 1, Qt::DisplayRole).isValid());
+    EXPECT_FALSE(cell(0, 0, Qt::CheckStateRole).isValid());
+}
+
+TEST_F(BoundTable, TheKeyboardStaysWhereItWas)
+{
+    widget.setCurrentIndex(widget.model()->index(1, 0));
+    table->reloadData();
+    EXPECT_EQ(widget.currentIndex(), widget.model()->index(1, 0));
+    rows->names.pop_back();
+    rows->flags.pop_back();
+    table->reloadData();
+    EXPECT_EQ(widget.currentIndex(), widget.model()->index(0, 0));
+}
+
+TEST_F(BoundTable, ItFoldsAwayWithItsScrollView)
+{
+    EXPECT_FALSE(widget.sizePolicy().retainSizeWhenHidden());
+    table->enclosingScrollView().setHidden(true);
+    EXPECT_TRUE(widget.isHidden());
+    table->setHidden(true);
+    table->enclosingScrollView().setHidden(false);
+    EXPECT_TRUE(widget.isHidden());
+    table->setHidden(false);
+    EXPECT_FALSE(widget.isHidden());
+}
+
+TEST_F(BoundTable, ASourceThatIsGoneLeavesAnEmptyTable)
+{
+    rows.reset();
+    table->reloadData();
+    EXPECT_EQ(widget.model()->rowCount(), 0);
+}
+
+} // namespace
+} // namespace farview::test

@@ -62,6 +62,8 @@ public:
     void takeNoVirtualScreenFrom(farview::Object* sender);
     void takeVirtualScreenFrom(farview::Object* sender);
     void takeVirtualOtherDeviceScreenFrom(farview::Object* sender);
+    /// The way from the settings to the device list.
+    void showDevices(farview::Object* sender);
     void virtualScreensDidChange(const farview::Notification& notification);
     void virtualScreensDidRemoveService(const farview::Notification& notification);
     void netServiceTXTRecordChanged(const farview::Notification& notification);

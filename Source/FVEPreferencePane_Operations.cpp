@@ -33,6 +33,7 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     action<&Pane::takeNoVirtualScreenFrom>("takeNoVirtualScreenFrom:"),
     action<&Pane::takeVirtualScreenFrom>("takeVirtualScreenFrom:"),
     action<&Pane::takeVirtualOtherDeviceScreenFrom>("takeVirtualOtherDeviceScreenFrom:"),
+    action<&Pane::showDevices>("showDevices:"),
     action<&Pane::checkForConnectionError>("checkForConnectionError:"),
     action<&Pane::errorMessageCanNowBeCleared>("errorMessageCanNowBeCleared:"),
     action<&Pane::watchdogTimerOperation>("watchdogTimerOperation:"),

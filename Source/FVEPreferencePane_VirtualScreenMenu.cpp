@@ -146,6 +146,8 @@ void FVEPreferencePane::takeVirtualOtherDeviceScreenFrom(Object* sender)
         connectToOtherSheetController()->showConnectToOtherSheet(this);
 }
 
+void FVEPreferencePane::showDevices(Object* sender) { tabView()->selectFirstTabViewItem(sender); }
+
 void FVEPreferencePane::virtualScreensDidChange(const farview::Notification& /*notification*/)
 {
     queryConnectedHost();

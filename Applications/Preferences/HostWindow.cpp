@@ -38,8 +38,8 @@ void HostWindow::bringToFront(const QString& activationToken)
 
 void HostWindow::showProblem(const QString& message)
 {
-    auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(), QString(), QMessageBox::Close,
-                                this);
+    auto* box =
+        new QMessageBox(QMessageBox::Warning, windowTitle(), QString(), QMessageBox::Close, this);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);
     box->setText(message);

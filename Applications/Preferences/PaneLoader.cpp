@@ -88,7 +88,8 @@ std::unique_ptr<LoadedPane> PaneLoader::load(const QString& path, HostError& err
 std::shared_ptr<farview::Bundle> PaneLoader::openBundle(const QString& path, HostError& error) const
 {
     if (!QFileInfo(path).isDir()) {
-        error = {HostStatus::paneNotFound, sentence("There is no preference pane at \"%1\".", path)};
+        error = {HostStatus::paneNotFound,
+                 sentence("There is no preference pane at \"%1\".", path)};
         return nullptr;
     }
     if (!QFileInfo::exists(path + u"/Contents/Info.plist"_qs)) {
@@ -115,9 +116,8 @@ PaneFactory* PaneLoader::loadFactory(const QString& libraryPath, HostError& erro
         return nullptr;
     auto* factory = qobject_cast<PaneFactory*>(loader.instance());
     if (!factory)
-        error = {HostStatus::libraryDoesNotLoad,
-                 sentence("The library \"%1\" cannot be loaded: %2", libraryPath,
-                          loader.errorString())};
+        error = {HostStatus::libraryDoesNotLoad, sentence("The library \"%1\" cannot be loaded: %2",
+                                                          libraryPath, loader.errorString())};
     return factory;
 }
 

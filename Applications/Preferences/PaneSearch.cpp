@@ -7,9 +7,9 @@
 QStringList findPanes(farview::SearchPaths& searchPaths)
 {
     QStringList panes;
-    const auto folders = searchPaths.directories(
-        farview::SearchPathDirectory::preferencePanes,
-        farview::userDomain | farview::localDomain | farview::systemDomain);
+    const auto folders =
+        searchPaths.directories(farview::SearchPathDirectory::preferencePanes,
+                                farview::userDomain | farview::localDomain | farview::systemDomain);
     for (const auto& folder : folders) {
         const QDir directory(QString::fromStdString(folder));
         for (const QString& name : directory.entryList({u"*.prefPane"_qs}, QDir::Dirs, QDir::Name))

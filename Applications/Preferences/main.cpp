@@ -6,6 +6,7 @@
 #include "Common/NSURL_Additions.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PosixSearchPaths.h"
+#include "Platform/Posix/StandardErrorLog.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -66,7 +67,7 @@ std::optional<Options> parse(const QStringList& arguments, int& status)
     else if (parser.isSet(u"help"_qs))
         print(stdout, parser.helpText() + QString::fromLatin1(exitStatuses));
     else if (parser.isSet(u"version"_qs))
-        print(stdout, u"farview-preferences " FARVIEW_VERSION ""_qs);
+        print(stdout, QStringLiteral("farview-preferences " FARVIEW_VERSION));
     else
         return Options{parser.value(u"pane"_qs), parser.isSet(u"list"_qs),
                        parser.isSet(u"smoke-test"_qs)};
@@ -90,8 +91,8 @@ int runSmokeTest(const QString& pane, farview::Bundles& bundles)
 
 int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundles)
 {
-    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN",
-                                               qEnvironmentVariable("DESKTOP_STARTUP_ID"));
+    const QString token =
+        qEnvironmentVariable("XDG_ACTIVATION_TOKEN", qEnvironmentVariable("DESKTOP_STARTUP_ID"));
     SingleInstance instance;
     PreferencesHost host(PaneLoader(bundles, false));
     const bool first = instance.becomeFirst([&](const SingleInstance::Wish& wish) {
@@ -122,8 +123,9 @@ int main(int argc, char* argv[])
     if (!options)
         return status;
 
-    farview::PosixSearchPaths searchPaths;
-    farview::PosixBundles bundles;
+    farview::StandardErrorLog log("farview-preferences");
+    farview::PosixSearchPaths searchPaths(farview::EnvironmentUse::honoured);
+    farview::PosixBundles bundles(farview::EnvironmentUse::honoured, log);
     if (options->list) {
         for (const QString& each : findPanes(searchPaths))
             print(stdout, each);

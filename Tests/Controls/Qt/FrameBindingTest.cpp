@@ -88,7 +88,8 @@ TEST_F(FramedViews, AnAnimatedChangeIsPlayedAndEndsAtItsDestination)
     narrow(true);
     EXPECT_EQ(popUp->frame().size.width, 364);
     EXPECT_GT(popUpWidget->width(), 364);
-    EXPECT_TRUE(waitUntil([&] { return popUpWidget->width() < 400 && popUpWidget->width() > 364; }));
+    EXPECT_TRUE(
+        waitUntil([&] { return popUpWidget->width() < 400 && popUpWidget->width() > 364; }));
     EXPECT_TRUE(waitUntil([&] { return popUpWidget->width() == 364; }));
 }
 

@@ -108,7 +108,8 @@ TEST_F(LoadedInterface, TextsAreShownInTheBundlesLanguage)
     bundle->setText("Use &touch", "&Berührung nutzen");
     writeForm(QByteArray(labelPart) + optionPart);
     ASSERT_TRUE(load()) << error;
-    EXPECT_EQ(root->findChild<QCheckBox*>("option")->text(), QString::fromUtf8("&Berührung nutzen"));
+    EXPECT_EQ(root->findChild<QCheckBox*>("option")->text(),
+              QString::fromUtf8("&Berührung nutzen"));
     EXPECT_EQ(owner->option->title(), "Berührung nutzen");
 }
 

@@ -76,8 +76,8 @@ TEST_F(BoundTable, HostileNamesAreShownAsText)
 
 TEST_F(BoundTable, ATickReachesTheSourceAndTextCannotBeEdited)
 {
-    EXPECT_TRUE(widget.model()->setData(widget.model()->index(1, 0), Qt::Checked,
-                                        Qt::CheckStateRole));
+    EXPECT_TRUE(
+        widget.model()->setData(widget.model()->index(1, 0), Qt::Checked, Qt::CheckStateRole));
     ASSERT_EQ(rows->edits.size(), 1u);
     EXPECT_EQ(rows->edits[0], std::make_tuple(std::string("AutoConnectFlag"), 1, true));
     EXPECT_FALSE(widget.model()->setData(widget.model()->index(1, 1), "x", Qt::EditRole));
@@ -105,8 +105,8 @@ TEST_F(BoundTable, NothingIsEditedBetweenAnEditAndItsReload)
 {
     rows->during = [&](TableView& edited) { edited.reloadData(); };
     widget.model()->setData(widget.model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
-    EXPECT_FALSE(widget.model()->setData(widget.model()->index(1, 0), Qt::Checked,
-                                         Qt::CheckStateRole));
+    EXPECT_FALSE(
+        widget.model()->setData(widget.model()->index(1, 0), Qt::Checked, Qt::CheckStateRole));
     EXPECT_EQ(rows->edits.size(), 1u);
 }
 

@@ -1,0 +1,25 @@
+# Lays the applications that the pane starts out as bundles in its resources:
+# Contents/Resources/NAME.app/Contents/{Info.plist,Linux/NAME}
+function(farview_embed_application NAME)
+  if(NOT TARGET ${NAME})
+    return()
+  endif()
+  set(contents "${CMAKE_BINARY_DIR}/Farview Preferences.prefPane/Contents/Resources/${NAME}.app/Contents")
+  set(info "${CMAKE_SOURCE_DIR}/Applications/${NAME}/Info.plist")
+  if(EXISTS "${info}.in")
+    configure_file("${info}.in" "${contents}/Info.plist" @ONLY)
+  else()
+    configure_file("${info}" "${contents}/Info.plist" COPYONLY)
+  endif()
+  set(copy "${contents}/Linux/${NAME}")
+  add_custom_command(OUTPUT "${copy}"
+    COMMAND ${CMAKE_COMMAND} -E make_directory "${contents}/Linux"
+    # A running program's file cannot be written, but it can be replaced.
+    COMMAND ${CMAKE_COMMAND} -E rm -f "${copy}"
+    COMMAND ${CMAKE_COMMAND} -E copy "$<TARGET_FILE:${NAME}>" "${copy}"
+    DEPENDS ${NAME} VERBATIM)
+  add_custom_target(${NAME}Application DEPENDS "${copy}")
+  add_dependencies(FarviewPreferences ${NAME}Application)
+endfunction()
+
+farview_embed_application(ScreenCapture)

@@ -1,0 +1,114 @@
+#include "Applications/Preferences/PaneInterface.h"
+#include "Controls/Qt/InterfaceFile.h"
+#include "Platform/Bundle.h"
+#include "Platform/Desktop/DesktopPlatform.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Workspace.h"
+#include "Source/FVEPreferencePane.h"
+
+#include <QPointer>
+#include <QWidget>
+
+namespace
+{
+
+using farview::Platform;
+
+/// The application is the host's; the pane only asks it to come to the front.
+class HostApplication final : public farview::Application
+{
+public:
+    void setView(QWidget* view) { mView = view; }
+    bool activateWithOptions(unsigned /*options*/) override
+    {
+        if (!mView || !mView->window()->isVisible())
+            return false;
+        mView->window()->raise();
+        mView->window()->activateWindow();
+        return true;
+    }
+
+private:
+    QPointer<QWidget> mView;
+};
+
+class FarviewPane final : public HostedPane
+{
+public:
+    explicit FarviewPane(bool smokeTest);
+
+    bool initWithBundle(const QString& bundlePath, QString* error) override;
+    QWidget* loadMainView(QString* error) override;
+    void mainViewDidLoad() override { mPane->mainViewDidLoad(); }
+    void willSelect() override { mPane->willSelect(); }
+    void didSelect() override { mPane->didSelect(); }
+    void willUnselect() override { mPane->willUnselect(); }
+    void applicationDidBecomeActive() override;
+    void applicationDidResignActive() override;
+
+private:
+    Platform& platform() { return mDesktop.platform(); }
+
+    farview::DesktopPlatform mDesktop;
+    std::shared_ptr<HostApplication> mApplication = std::make_shared<HostApplication>();
+    Platform::Scope mInstalled;
+    std::shared_ptr<farview::Bundle> mBundle;
+    std::unique_ptr<QWidget> mView;
+    std::shared_ptr<FVEPreferencePane> mPane; // goes before its view and its platform
+};
+
+FarviewPane::FarviewPane(bool smokeTest)
+    : mDesktop({.isSmokeTest = smokeTest}), mInstalled(mDesktop.platform())
+{
+    platform().application = mApplication.get();
+}
+
+bool FarviewPane::initWithBundle(const QString& bundlePath, QString* error)
+{
+    mBundle = platform().bundles->bundleWithPath(bundlePath.toStdString());
+    mPane = std::make_shared<FVEPreferencePane>(platform());
+    if (mPane->initWithBundle(mBundle))
+        return true;
+    *error = QStringLiteral("it cannot be opened.");
+    return false;
+}
+
+QWidget* FarviewPane::loadMainView(QString* error)
+{
+    std::string reason;
+    mView = farview::InterfaceFile(*mBundle, mPane->mainNibName()).load(mPane, reason);
+    *error = QString::fromStdString(reason);
+    mApplication->setView(mView.get());
+    return mView.get();
+}
+
+void FarviewPane::applicationDidBecomeActive()
+{
+    platform().distributedNotificationCenter->setSuspended(false);
+    platform().notificationCenter->postNotificationName(
+        farview::applicationDidBecomeActiveNotification, mApplication.get(), {});
+}
+
+void FarviewPane::applicationDidResignActive()
+{
+    platform().distributedNotificationCenter->setSuspended(true);
+}
+
+class FarviewPaneFactory final : public QObject, public PaneFactory
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID FARVIEW_PANE_INTERFACE_ID)
+    Q_INTERFACES(PaneFactory)
+
+public:
+    std::unique_ptr<HostedPane> makePane(const QString& principalClass, bool smokeTest) override
+    {
+        if (principalClass != QStringLiteral("FVEPreferencePane"))
+            return nullptr;
+        return std::make_unique<FarviewPane>(smokeTest);
+    }
+};
+
+} // namespace
+
+#include "PaneMain.moc"

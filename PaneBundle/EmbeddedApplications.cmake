@@ -21,5 +21,3 @@ function(farview_embed_application NAME)
   add_custom_target(${NAME}Application DEPENDS "${copy}")
   add_dependencies(FarviewPreferences ${NAME}Application)
 endfunction()
-
-farview_embed_application(ScreenCapture)

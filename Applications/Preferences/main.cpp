@@ -48,6 +48,13 @@ int fail(const HostError& error)
     return static_cast<int>(error.status);
 }
 
+QString helpText(const QCommandLineParser& parser)
+{
+    // The parser knows the program's name only where there is an application object.
+    return parser.helpText().replace(u"<executable_name>"_qs, u"farview-preferences"_qs) +
+           QString::fromLatin1(exitStatuses);
+}
+
 /// Nothing when the program ends here; `status` then says how.
 std::optional<Options> parse(const QStringList& arguments, int& status)
 {
@@ -65,7 +72,7 @@ std::optional<Options> parse(const QStringList& arguments, int& status)
         print(stderr, parser.positionalArguments().isEmpty() ? parser.errorText()
                                                              : u"Unexpected argument."_qs);
     else if (parser.isSet(u"help"_qs))
-        print(stdout, parser.helpText() + QString::fromLatin1(exitStatuses));
+        print(stdout, helpText(parser));
     else if (parser.isSet(u"version"_qs))
         print(stdout, QStringLiteral("farview-preferences " FARVIEW_VERSION));
     else

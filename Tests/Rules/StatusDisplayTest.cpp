@@ -1,0 +1,162 @@
+#include "Common/Rules/StatusDisplay.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace farview;
+
+namespace
+{
+
+constexpr const char* offSentence =
+    "Farview is currently turned off. Turn it on to choose a device as a virtual screen.";
+constexpr const char* onSentence =
+    "Farview is currently on. Choose a device below to be a virtual screen.";
+constexpr const char* errorSentence =
+    "Farview is currently unable to perform as a screen extender. An unknown error has occurred.";
+constexpr const char* instructions =
+    "When you select a device, the screen will go blue as the system adds a new screen.";
+
+StatusInputs inputs(long state, bool anyDevice = false, bool byAddress = false)
+{
+    StatusInputs result;
+    result.driverInstalled = true;
+    result.currentState = state;
+    result.anyDeviceListed = anyDevice;
+    result.connectedByAddress = byAddress;
+    return result;
+}
+
+StatusDisplay display(const char* word, const char* sentence, PopUpDisplay popUp)
+{
+    return {word, sentence, popUp, instructions, false};
+}
+
+TEST(StatusDisplay, OffDisablesThePopUpWhateverIsInSight)
+{
+    const auto expected = display("Off", offSentence, PopUpDisplay::disabledOffTitle);
+    EXPECT_EQ(statusDisplay(inputs(0)), expected);
+    EXPECT_EQ(statusDisplay(inputs(0, true)), expected);
+    EXPECT_EQ(statusDisplay(inputs(0, false, true)), expected);
+}
+
+TEST(StatusDisplay, OnWithNothingInSightOnlyRebuildsTheMenu)
+{
+    EXPECT_EQ(statusDisplay(inputs(1)), display("On", onSentence, PopUpDisplay::menu));
+}
+
+TEST(StatusDisplay, OnWithADeviceOrAnAddressSelectsToo)
+{
+    const auto expected = display("On", onSentence, PopUpDisplay::menuAndSelection);
+    EXPECT_EQ(statusDisplay(inputs(1, true)), expected);
+    EXPECT_EQ(statusDisplay(inputs(1, false, true)), expected);
+    EXPECT_EQ(statusDisplay(inputs(1, true, true)), expected);
+}
+
+TEST(StatusDisplay, TroubleTreatsTheMenuAsOnDoes)
+{
+    EXPECT_EQ(statusDisplay(inputs(2)), display("Error", errorSentence, PopUpDisplay::menu));
+    EXPECT_EQ(statusDisplay(inputs(2, true)),
+              display("Error", errorSentence, PopUpDisplay::menuAndSelection));
+}
+
+TEST(StatusDisplay, AnyOtherStateEmptiesTheTextsAndStillRebuildsTheMenu)
+{
+    for (const long state : {3L, -1L, 7L, std::numeric_limits<long>::min()}) {
+        EXPECT_EQ(statusDisplay(inputs(state)), display("", "", PopUpDisplay::menu)) << state;
+        EXPECT_EQ(statusDisplay(inputs(state, true)),
+                  display("", "", PopUpDisplay::menuAndSelection))
+            << state;
+    }
+}
+
+TEST(StatusDisplay, AnErrorOnShowKeepsInstructionsAndWarning)
+{
+    for (const long state : {0L, 1L, 2L, 9L}) {
+        auto withError = inputs(state, true);
+        const auto without = statusDisplay(withError);
+        withError.errorOnShow = true;
+        const auto with = statusDisplay(withError);
+        EXPECT_EQ(with.instructions, std::nullopt) << state;
+        EXPECT_EQ(with.warningShown, std::nullopt) << state;
+        EXPECT_EQ(with.word, without.word) << state;
+        EXPECT_EQ(with.sentence, without.sentence) << state;
+        EXPECT_EQ(with.popUp, without.popUp) << state;
+    }
+}
+
+TEST(StatusDisplay, AMissingDriverOutweighsEverythingElse)
+{
+    const StatusDisplay expected{"Error", "Driver not installed.", PopUpDisplay::disabled,
+                                 "Driver not installed.  Please run the installer and restart your "
+                                 "machine when requested to do so.",
+                                 true};
+    for (const long state : {0L, 1L, 2L, 9L}) {
+        auto missing = inputs(state, true, true);
+        missing.driverInstalled = false;
+        EXPECT_EQ(statusDisplay(missing), expected) << state;
+        missing.errorOnShow = true;
+        EXPECT_EQ(statusDisplay(missing), expected) << state;
+    }
+}
+
+TEST(StatusDisplay, TheGraphicsCardCaseHasALongerTextInThreeParagraphs)
+{
+    StatusInputs missing;
+    missing.graphicsCardCase = true;
+    const auto text = statusDisplay(missing).instructions.value_or("");
+    EXPECT_TRUE(text.starts_with(
+        "Driver not installed.\n\nIn Lion, the NVIDIA GeForce video driver on this computer is not "
+        "compatible with Farview. The Farview drivers are installed but will be disabled until the "
+        "video driver is fixed.\n\nPlease visit http"));
+    EXPECT_TRUE(text.ends_with(" for more information."));
+}
+
+TEST(StatusDisplay, TheGraphicsCardCaseIsNothingWhileTheDriverIsThere)
+{
+    auto there = inputs(1);
+    there.graphicsCardCase = true;
+    EXPECT_EQ(statusDisplay(there), statusDisplay(inputs(1)));
+}
+
+TEST(StatusDisplay, TheErrorTextKeepsItsDoubleBlanks)
+{
+    EXPECT_STREQ(connectionErrorText,
+                 "There was a problem connecting to a device.  Farview could not talk to the "
+                 "screen device.  Disable the Firewall in System Preferences->Security and try "
+                 "again.  Please contact technical support for more information.");
+}
+
+TEST(SwitchState, FollowsTheStoredStateAndKeepsStillForAnythingElse)
+{
+    EXPECT_EQ(switchStateForCurrentState(0), 0);
+    EXPECT_EQ(switchStateForCurrentState(1), 1);
+    EXPECT_EQ(switchStateForCurrentState(2), 1);
+    EXPECT_EQ(switchStateForCurrentState(3), std::nullopt);
+    EXPECT_EQ(switchStateForCurrentState(-1), std::nullopt);
+}
+
+TEST(DiscoveryHint, IsEmptyUnlessItHelps)
+{
+    EXPECT_EQ(discoveryHint({false, false, false, DiscoveryCondition::unavailable}), "");
+    EXPECT_EQ(discoveryHint({true, true, false, DiscoveryCondition::refused}), "");
+    EXPECT_EQ(discoveryHint({true, false, true, DiscoveryCondition::working}), "");
+}
+
+TEST(DiscoveryHint, TellsHowToGetADeviceWhileSearchingCanSucceed)
+{
+    const std::string text = "No device yet? Start farview-device on another computer.";
+    EXPECT_EQ(discoveryHint({true, false, false, DiscoveryCondition::working}), text);
+    EXPECT_EQ(discoveryHint({true, false, false, DiscoveryCondition::starting}), text);
+}
+
+TEST(DiscoveryHint, TellsWhatIsWrongAndWhatToDoWhenSearchingCannotSucceed)
+{
+    const auto refused = discoveryHint({true, false, false, DiscoveryCondition::refused});
+    EXPECT_NE(refused.find("avahi-daemon"), std::string::npos) << refused;
+    const auto unavailable = discoveryHint({true, false, false, DiscoveryCondition::unavailable});
+    EXPECT_NE(unavailable.find("network"), std::string::npos) << unavailable;
+}
+
+} // namespace

@@ -1,0 +1,140 @@
+// What an interface file and other objects find in the pane by name.
+
+#include "Tests/Source/PaneFixture.h"
+
+#include <set>
+
+namespace
+{
+
+class PaneOutlets : public PaneFixture
+{
+};
+
+const std::set<std::string_view> outletNames = {
+    "offTextButton",
+    "onOffSwitch",
+    "onTextButton",
+    "tabView",
+    "statusLabel",
+    "statusExplanationLabel",
+    "virtualScreenSelectionPopup",
+    "instructionsLabel",
+    "menuExtraCheckbox",
+    "warningImage",
+    "reinstallDriversButton",
+    "enableHiDPIResolutions",
+    "enableTouchDisplay",
+    "enableRetinaResolutions",
+    "autoUpdateCheckbox",
+    "checkNowForUpdateButton",
+    "autoMoveWindowsBack",
+    "autoConnect",
+    "autoConnectTable",
+    "placeholderForFullPopupSize",
+    "placeholderForReducedPopupSize",
+    "waitingForServerIndicator",
+    "versionNumberLabel",
+    "deviceHintLabel",
+};
+
+TEST_F(PaneOutlets, AreTheseAndNoOthers)
+{
+    std::set<std::string_view> found;
+    for (const auto& outlet : pane->outlets())
+        EXPECT_TRUE(found.insert(outlet.name).second) << outlet.name << " is there twice";
+    EXPECT_EQ(found, outletNames);
+}
+
+TEST_F(PaneOutlets, AreNullUntilTheyAreConnected)
+{
+    FVEPreferencePane fresh(fake.platform());
+    EXPECT_EQ(fresh.offTextButton(), nullptr);
+    EXPECT_EQ(fresh.onOffSwitch(), nullptr);
+    EXPECT_EQ(fresh.deviceHintLabel(), nullptr);
+}
+
+TEST_F(PaneOutlets, ConnectingStoresTheControlInThePropertyOfThatName)
+{
+    for (const auto& outlet : pane->outlets()) {
+        const auto control = outlet.connect(*pane);
+        if (outlet.name == "statusLabel") {
+            EXPECT_EQ(control, pane->statusLabel());
+        } else if (outlet.name == "autoConnect") {
+            EXPECT_EQ(control, pane->autoConnect());
+        } else if (outlet.name == "onOffSwitch") {
+            EXPECT_EQ(control, pane->onOffSwitch());
+        }
+        EXPECT_NE(control, nullptr) << outlet.name;
+    }
+}
+
+TEST_F(PaneOutlets, CheckBoxesAreCheckBoxes)
+{
+    using Kind = farview::Button::Kind;
+    for (const auto& box :
+         {pane->menuExtraCheckbox(), pane->enableHiDPIResolutions(), pane->enableTouchDisplay(),
+          pane->enableRetinaResolutions(), pane->autoUpdateCheckbox(), pane->autoMoveWindowsBack(),
+          pane->autoConnect()})
+        EXPECT_EQ(box->kind(), Kind::checkBox);
+    EXPECT_EQ(pane->offTextButton()->kind(), Kind::push);
+    EXPECT_EQ(pane->reinstallDriversButton()->kind(), Kind::push);
+    EXPECT_EQ(pane->checkNowForUpdateButton()->kind(), Kind::push);
+}
+
+TEST_F(PaneOutlets, EveryNameThatOthersCallIsAnswered)
+{
+    load();
+    for (const char* name : {"onTextPressed:",
+                             "offTextPressed:",
+                             "onOffSliderPressed:",
+                             "onOffSwitchPressed:",
+                             "prefsChanged:",
+                             "applicationDidBecomeActive:",
+                             "takeNoVirtualScreenFrom:",
+                             "takeVirtualScreenFrom:",
+                             "takeVirtualOtherDeviceScreenFrom:",
+                             "virtualScreensDidChange:",
+                             "virtualScreensDidRemoveService:",
+                             "netServiceTXTRecordChanged:",
+                             "serverConnectedToDeviceNotification:",
+                             "serverQueryResultNotification:",
+                             "serverDisconnectedFromDeviceNotification:",
+                             "serverRespondedToConnectRequest:",
+                             "requestingErrorMsgFromPrefPane:",
+                             "checkForConnectionError:",
+                             "errorMessageCanNowBeCleared:",
+                             "watchdogTimerOperation:",
+                             "autoConnectPressed:",
+                             "menuExtraCheckboxPressed:",
+                             "enableTouchDisplayPressed:",
+                             "enableRetinaPressed:",
+                             "enableHiDPIPressed:",
+                             "autoMoveWindowsBackPressed:",
+                             "reinstallDriversPressed:",
+                             "helpPressed:",
+                             "checkNowForUpdatePressed:",
+                             "autoUpdatePressed:"})
+        EXPECT_TRUE(pane->respondsTo({name})) << name;
+}
+
+TEST_F(PaneOutlets, ANameThatNobodyCallsIsNotAnswered)
+{
+    for (const char* name : {"", "onTextPressed", "onTextPressed::", "dealloc", "updateUI:"}) {
+        EXPECT_FALSE(pane->respondsTo({name})) << name;
+        EXPECT_FALSE(pane->perform({name}, nullptr)) << name;
+    }
+}
+
+TEST_F(PaneOutlets, CallingByNameReachesTheOperation)
+{
+    showWithState(0);
+    EXPECT_TRUE(pane->perform({"onTextPressed:"}, nullptr));
+    EXPECT_EQ(status(), "On");
+    EXPECT_TRUE(pane->perform({"helpPressed:"}, nullptr));
+    EXPECT_EQ(fake.workspace.opened().size(), 1u);
+    EXPECT_TRUE(pane->perform({"requestingErrorMsgFromPrefPane:"}, nullptr));
+    EXPECT_FALSE(warningShows()) << "an observer wants a notification";
+}
+
+} // namespace

@@ -34,7 +34,7 @@ void appendNumber(Bytes& bytes, std::uint32_t value, std::size_t size)
 
 void appendText(Bytes& bytes, const std::string& text)
 {
-    const std::string printable = printableText(text, kLinkTextLimit);
+    const std::string printable = plainLinkText(text, kLinkTextLimit);
     appendNumber(bytes, static_cast<std::uint32_t>(printable.size()), 1);
     bytes.insert(bytes.end(), printable.begin(), printable.end());
 }
@@ -45,7 +45,7 @@ std::optional<std::string> readText(ByteReader& reader)
     if (size > kLinkTextLimit)
         return std::nullopt;
     const ByteView bytes = reader.bytes(size);
-    return printableText(std::string(bytes.begin(), bytes.end()), kLinkTextLimit);
+    return plainLinkText(std::string(bytes.begin(), bytes.end()), kLinkTextLimit);
 }
 
 } // namespace farview

@@ -52,6 +52,6 @@ Decoded<LinkFrame> decodeFrame(ByteView bytes);
 
 /// The text as it may be shown: control characters become blanks, bytes that are no UTF-8 become
 /// "?", and what exceeds `limit` bytes is cut at a character's border.
-std::string printableText(std::string_view text, std::size_t limit);
+std::string plainLinkText(std::string_view text, std::size_t limit);
 
 } // namespace farview

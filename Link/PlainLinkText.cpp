@@ -38,7 +38,7 @@ bool isControl(std::string_view character)
 
 } // namespace
 
-std::string printableText(std::string_view text, std::size_t limit)
+std::string plainLinkText(std::string_view text, std::size_t limit)
 {
     std::string result;
     while (!text.empty()) {

@@ -80,6 +80,15 @@ QString SessionBus::nameOwner(const std::string& name)
     return reply.isValid() ? reply.value() : QString();
 }
 
+bool SessionBus::canReach(const QString& name)
+{
+    if (!isConnected())
+        return false;
+    const QDBusReply<QStringList> startable = connection().call(
+        busCall(QStringLiteral("ListActivatableNames")), QDBus::Block, blockingLimit);
+    return startable.value().contains(name) || !nameOwner(name.toStdString()).isEmpty();
+}
+
 QString SessionBus::address()
 {
     const QString stated = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");

@@ -41,6 +41,10 @@ public:
     /// The unique name of the name's owner; empty when nobody owns it. Blocks for one round trip.
     QString nameOwner(const std::string& name);
 
+    /// Whether a call to that name would find somebody: a running owner, or one that the bus
+    /// starts. Blocks for up to two round trips.
+    bool canReach(const QString& name);
+
     /// A call to the bus itself.
     static QDBusMessage busCall(const QString& member);
 

@@ -1,0 +1,140 @@
+#include "Platform/Desktop/ApplicationLauncher.h"
+
+#include "Platform/Desktop/DetachedProcess.h"
+#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/SingleInstance.h"
+
+#include <QDBusError>
+#include <QDBusPendingReply>
+#include <QFileInfo>
+
+#include <csignal>
+#include <optional>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+/// How long an application may take from its start to its bus name.
+constexpr Duration longestStart{5.0};
+/// How long the running one may take to say whether it stays; one that hangs is running.
+constexpr int answerLimit = 2000; // milliseconds
+
+std::string textFrom(const Bundle& bundle, const char* key)
+{
+    const auto value = bundle.objectForInfoDictionaryKey(key);
+    const auto* text = value ? value->get<std::string>() : nullptr;
+    return text ? *text : std::string();
+}
+
+bool nobodyAnswers(const QDBusError& error)
+{
+    return error.type() == QDBusError::ServiceUnknown ||
+           error.name() == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
+}
+
+} // namespace
+
+ApplicationLauncher::ApplicationLauncher(SessionBus& bus, Bundles& bundles, const RunLoop& clock,
+                                         Log& log)
+    : mBus(bus), mBundles(bundles), mClock(clock), mLog(log)
+{
+    mNameWatcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    connect(&mNameWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& name, const QString&, const QString& owner) {
+                const auto found = mStarts.find(name);
+                if (found != mStarts.end() && found->second.pid > 0 && !owner.isEmpty())
+                    mStarts.erase(found);
+            });
+    connect(&mBus, &SessionBus::connected, this,
+            [this] { mNameWatcher.setConnection(mBus.connection()); });
+    mNameWatcher.setConnection(mBus.connection());
+}
+
+bool ApplicationLauncher::launch(const std::string& bundlePath)
+{
+    const auto application = applicationAt(bundlePath);
+    if (!application)
+        return false;
+    if (isUnderWay(application->busName))
+        return true;
+    mNameWatcher.addWatchedService(application->busName);
+    mStarts[application->busName] = {0, mClock.now(), false};
+    if (mBus.isConnected())
+        askRunningOne(*application);
+    else
+        start(*application);
+    return true;
+}
+
+std::optional<ApplicationLauncher::Application>
+ApplicationLauncher::applicationAt(const std::string& bundlePath) const
+{
+    const auto bundle = bundlePath.empty() ? nullptr : mBundles.bundleWithPath(bundlePath);
+    if (!bundle)
+        return std::nullopt;
+    const std::string name = textFrom(*bundle, "CFBundleExecutable");
+    if (name.empty() || name.find('/') != std::string::npos)
+        return std::nullopt;
+    const QFileInfo file(QString::fromStdString(bundle->bundlePath() + "/Contents/Linux/" + name));
+    if (!file.isFile() || !file.isExecutable())
+        return std::nullopt;
+    const std::string identifier = textFrom(*bundle, "CFBundleIdentifier");
+    return Application{file.absoluteFilePath(), QString::fromStdString(applicationBusName(
+                                                    identifier.empty() ? name : identifier))};
+}
+
+bool ApplicationLauncher::isUnderWay(const QString& busName)
+{
+    const auto found = mStarts.find(busName);
+    if (found == mStarts.end())
+        return false;
+    auto& start = found->second;
+    start.isWantedAgain = start.pid == 0;
+    const bool isGone = start.pid > 0 && ::kill(static_cast<pid_t>(start.pid), 0) != 0;
+    // Without a bus no name ever tells that it runs; that its process lives has to do.
+    return !isGone && (!mBus.isConnected() || mClock.now() - start.begun < longestStart);
+}
+
+void ApplicationLauncher::askRunningOne(const Application& application)
+{
+    auto call =
+        QDBusMessage::createMethodCall(application.busName, SingleInstance::objectPath,
+                                       SingleInstance::interfaceName, QStringLiteral("isStaying"));
+    call.setAutoStartService(false);
+    auto* watcher =
+        new QDBusPendingCallWatcher(mBus.connection().asyncCall(call, answerLimit), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, application, watcher] {
+        const QDBusPendingReply<bool> reply = *watcher;
+        watcher->deleteLater();
+        useAnswer(application, reply.isError() ? !nobodyAnswers(reply.error()) : reply.value());
+    });
+}
+
+void ApplicationLauncher::useAnswer(const Application& application, bool runs)
+{
+    if (!runs) {
+        start(application);
+        return;
+    }
+    // It may have been asked to quit between the question and the launch that came after it.
+    if (std::exchange(mStarts[application.busName].isWantedAgain, false))
+        askRunningOne(application);
+    else
+        mStarts.erase(application.busName);
+}
+
+void ApplicationLauncher::start(const Application& application)
+{
+    const qint64 pid = startDetached(application.executable, {});
+    if (pid > 0) {
+        mStarts[application.busName] = {pid, mClock.now(), false};
+        return;
+    }
+    mStarts.erase(application.busName);
+    mLog.write(LogLevel::error, "Cannot start " + application.executable.toStdString());
+}
+
+} // namespace farview

@@ -1,0 +1,120 @@
+#include "Platform/Desktop/DesktopWorkspace.h"
+
+#include "Platform/Desktop/DetachedProcess.h"
+#include "Platform/Desktop/SessionBus.h"
+
+#include <QCoreApplication>
+#include <QDBusUnixFileDescriptor>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QUrl>
+#include <QVariantMap>
+
+namespace farview
+{
+namespace
+{
+
+const QString portalName = QStringLiteral("org.freedesktop.portal.Desktop");
+constexpr int portalLimit = 5000; // milliseconds
+
+/// The program beside the running one, else in PATH; empty when there is none.
+QString findProgram(const QString& name)
+{
+    const QFileInfo beside(QCoreApplication::applicationDirPath() + '/' + name);
+    if (beside.isFile() && beside.isExecutable())
+        return beside.absoluteFilePath();
+    return QStandardPaths::findExecutable(name);
+}
+
+QDBusMessage portalCall(const QString& member)
+{
+    return QDBusMessage::createMethodCall(portalName,
+                                          QStringLiteral("/org/freedesktop/portal/desktop"),
+                                          QStringLiteral("org.freedesktop.portal.OpenURI"), member);
+}
+
+/// The portal takes files by descriptor and everything else by address. An invalid message when the
+/// file cannot be opened.
+QDBusMessage portalCallFor(const URL& url)
+{
+    const QString parentWindow;
+    if (!url.isFileURL())
+        return portalCall(QStringLiteral("OpenURI"))
+               << parentWindow << QString::fromStdString(url.absoluteString()) << QVariantMap();
+    QFile file(QString::fromStdString(url.path()));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return portalCall(QStringLiteral("OpenFile"))
+           << parentWindow << QVariant::fromValue(QDBusUnixFileDescriptor(file.handle()))
+           << QVariantMap();
+}
+
+QString addressOf(const URL& url)
+{
+    return url.isFileURL() ? QUrl::fromLocalFile(QString::fromStdString(url.path()))
+                                 .toString(QUrl::FullyEncoded)
+                           : QString::fromStdString(url.absoluteString());
+}
+
+/// An address that a program could take for an option, or that leads nowhere, is not handed on.
+bool canBeOpened(const URL& url)
+{
+    if (url.isFileURL())
+        return QFileInfo::exists(QString::fromStdString(url.path()));
+    const QUrl parsed(QString::fromStdString(url.absoluteString()), QUrl::StrictMode);
+    return parsed.isValid() && !parsed.scheme().isEmpty();
+}
+
+} // namespace
+
+DesktopWorkspace::DesktopWorkspace(SessionBus& bus, Bundles& bundles, const RunLoop& clock,
+                                   Log& log)
+    : mBus(bus), mLauncher(bus, bundles, clock, log)
+{
+}
+
+bool DesktopWorkspace::launchApplicationAtURL(const URL& url, unsigned)
+{
+    return mLauncher.launch(url.path());
+}
+
+bool DesktopWorkspace::openURL(const URL& url)
+{
+    if (!canBeOpened(url))
+        return false;
+    if (url.isFileURL() && url.path().ends_with(".prefPane"))
+        return openPane(QString::fromStdString(url.path()));
+    return mBus.canReach(portalName) ? openInPortal(url) : openWithDesktopOpener(addressOf(url));
+}
+
+bool DesktopWorkspace::openInPortal(const URL& url)
+{
+    const auto call = portalCallFor(url);
+    if (call.type() != QDBusMessage::MethodCallMessage)
+        return false;
+    auto* watcher =
+        new QDBusPendingCallWatcher(mBus.connection().asyncCall(call, portalLimit), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, watcher, address = addressOf(url)] {
+                watcher->deleteLater();
+                if (watcher->isError())
+                    openWithDesktopOpener(address);
+            });
+    return true;
+}
+
+bool DesktopWorkspace::openPane(const QString& path)
+{
+    const QString host = findProgram(QStringLiteral("farview-preferences"));
+    return !host.isEmpty() && startDetached(host, {QStringLiteral("--pane"), path}) > 0;
+}
+
+bool DesktopWorkspace::openWithDesktopOpener(const QString& address)
+{
+    const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    return !opener.isEmpty() && startDetached(opener, {address}) > 0;
+}
+
+} // namespace farview

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace farview
+{
+
+/// Starts a program that is on its own from then on: a session of its own, in "/", nothing to read,
+/// what it prints thrown away, errors where ours go, and without our window's activation token.
+/// Returns its process identifier, or 0 when it could not be started.
+qint64 startDetached(const QString& program, const QStringList& arguments);
+
+} // namespace farview

@@ -43,7 +43,10 @@ struct Program {
                 notes.push_back(notification.name() + (value ? "=" + *value : ""));
             },
             name, "");
+        waitForSubscription();
     }
+    /// The bus knows of every subscription before it answers a question that comes after it.
+    void waitForSubscription() { bus.nameOwner("org.freedesktop.DBus"); }
     bool waitForNotes(std::size_t count)
     {
         return waitUntil([&] { return notes.size() >= count; });
@@ -232,6 +235,7 @@ TEST_F(DBusNotificationCenterTest, AfterARestartOfTheBusEverybodyIsSubscribedAga
     other.center.postNotificationName("Name", "", {{"v", "lost"}}, 3);
     mPrivateBus.start();
     ASSERT_TRUE(waitUntil([&] { return mProgram.reconnections == 1 && other.reconnections == 1; }));
+    mProgram.waitForSubscription();
     other.center.postNotificationName("Name", "", {{"v", "again"}}, 3);
     ASSERT_TRUE(mProgram.waitForNotes(1));
     settle();

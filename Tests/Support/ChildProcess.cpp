@@ -10,6 +10,7 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -30,15 +31,22 @@ namespace
     ::_exit(127);
 }
 
-void collectBelow(pid_t ancestor, std::vector<std::string>& names)
+std::string firstLine(const std::string& file)
+{
+    std::string line;
+    std::ifstream stream(file);
+    std::getline(stream, line);
+    return line;
+}
+
+void collectBelow(pid_t ancestor, std::vector<OtherProcess>& found)
 {
     const auto tasks = "/proc/" + std::to_string(ancestor) + "/task/";
     std::ifstream children(tasks + std::to_string(ancestor) + "/children");
     for (pid_t child; children >> child;) {
-        std::string name;
-        std::getline(std::ifstream("/proc/" + std::to_string(child) + "/comm"), name);
-        names.push_back(name);
-        collectBelow(child, names);
+        if (isProcessRunning(child))
+            found.push_back({child, firstLine("/proc/" + std::to_string(child) + "/comm")});
+        collectBelow(child, found);
     }
 }
 
@@ -87,9 +95,40 @@ void ChildProcess::kill()
     mStatus = status;
 }
 
-std::vector<std::string> shortNamesBelow(pid_t ancestor)
+std::vector<OtherProcess> processesBelow(pid_t ancestor)
 {
-    std::vector<std::string> names;
-    collectBelow(ancestor, names);
-    return names;
+    std::vector<OtherProcess> found;
+    collectBelow(ancestor, found);
+    return found;
+}
+
+bool isProcessRunning(pid_t pid)
+{
+    const std::string line = firstLine("/proc/" + std::to_string(pid) + "/stat");
+    const auto name = line.rfind(')');
+    return name != std::string::npos && line.compare(name, 3, ") Z") != 0;
+}
+
+OrphanCollector::OrphanCollector(std::string shortName) : mShortName(std::move(shortName))
+{
+    ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+}
+
+OrphanCollector::~OrphanCollector()
+{
+    for (const pid_t pid : running()) {
+        ::kill(pid, SIGKILL);
+        ::waitpid(pid, nullptr, 0);
+    }
+    ::prctl(PR_SET_CHILD_SUBREAPER, 0);
+}
+
+std::vector<pid_t> OrphanCollector::running() const
+{
+    std::vector<pid_t> found;
+    for (const auto& each : processesBelow(::getpid())) {
+        if (each.shortName == mShortName)
+            found.push_back(each.pid);
+    }
+    return found;
 }

@@ -33,5 +33,29 @@ private:
     std::optional<int> mStatus;
 };
 
-/// The short names ("comm") of the processes that are below `ancestor` now.
-std::vector<std::string> shortNamesBelow(pid_t ancestor);
+/// A process that someone else started.
+struct OtherProcess {
+    pid_t pid;
+    std::string shortName; ///< "comm"
+};
+
+/// The processes below `ancestor` that run now; those that have ended but still wait for their
+/// parent do not count.
+std::vector<OtherProcess> processesBelow(pid_t ancestor);
+bool isProcessRunning(pid_t pid);
+
+/// For as long as it lives, processes that this one's children leave behind become its own
+/// children; at the end all children of that short name are killed.
+class OrphanCollector
+{
+public:
+    explicit OrphanCollector(std::string shortName);
+    ~OrphanCollector();
+    OrphanCollector(const OrphanCollector&) = delete;
+    OrphanCollector& operator=(const OrphanCollector&) = delete;
+
+    std::vector<pid_t> running() const;
+
+private:
+    std::string mShortName;
+};

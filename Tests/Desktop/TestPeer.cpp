@@ -11,6 +11,8 @@
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <QTimer>
 
 #include <csignal>
@@ -104,6 +106,34 @@ int runOnce(QCoreApplication& application, const std::string& notes)
     return application.exec();
 }
 
+/// Offers one property as the accessibility bus does.
+class AccessibilityStatus : public QDBusVirtualObject
+{
+public:
+    explicit AccessibilityStatus(bool isOn) : mIsOn(isOn) {}
+
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override
+    {
+        if (call.arguments() != QVariantList{"org.a11y.Status", "IsEnabled"})
+            return false;
+        const auto value = QVariant::fromValue(QDBusVariant(mIsOn));
+        return connection.send(call.createReply(value));
+    }
+
+private:
+    bool mIsOn;
+};
+
+int offerAccessibility(QCoreApplication& application, bool isOn)
+{
+    NoLog log;
+    SessionBus bus(log);
+    AccessibilityStatus status(isOn);
+    bus.connection().registerVirtualObject(QStringLiteral("/org/a11y/bus"), &status);
+    return bus.requestName("org.a11y.Bus") ? application.exec() : 1;
+}
+
 /// Under supervision: notes each start with the number of crashes; crashes as often as it is told,
 /// then ends with status 7, or stays until it is asked to quit.
 int supervised(const std::string& notes, unsigned crashesWanted, bool stays)
@@ -136,6 +166,8 @@ int main(int argc, char** argv)
         return answer(application);
     if (role == "post")
         return post(application, QString::fromStdString(argument));
+    if (role == "accessibility")
+        return offerAccessibility(application, argument == "on");
     // A started application gets no arguments: the test tells it by the environment.
     const char* notes = std::getenv("FARVIEW_TEST_NOTES");
     return notes ? runOnce(application, notes) : 2;

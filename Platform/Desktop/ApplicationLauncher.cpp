@@ -4,7 +4,7 @@
 #include "Platform/Desktop/SessionBus.h"
 #include "Platform/Desktop/SingleInstance.h"
 
-#include <QDBusError>
+#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QFileInfo>
 
@@ -27,12 +27,6 @@ std::string textFrom(const Bundle& bundle, const char* key)
     const auto value = bundle.objectForInfoDictionaryKey(key);
     const auto* text = value ? value->get<std::string>() : nullptr;
     return text ? *text : std::string();
-}
-
-bool nobodyAnswers(const QDBusError& error)
-{
-    return error.type() == QDBusError::ServiceUnknown ||
-           error.name() == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
 } // namespace
@@ -109,8 +103,15 @@ void ApplicationLauncher::askRunningOne(const Application& application)
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, application, watcher] {
         const QDBusPendingReply<bool> reply = *watcher;
         watcher->deleteLater();
-        useAnswer(application, reply.isError() ? !nobodyAnswers(reply.error()) : reply.value());
+        useAnswer(application, reply.isError() ? hasOwner(application.busName) : reply.value());
     });
+}
+
+/// Tells one that hangs, which runs, from one that has just died. While the bus is away nobody can
+/// tell, and then a second one would be worse than none.
+bool ApplicationLauncher::hasOwner(const QString& busName)
+{
+    return !mBus.isConnected() || !mBus.nameOwner(busName.toStdString()).isEmpty();
 }
 
 void ApplicationLauncher::useAnswer(const Application& application, bool runs)

@@ -4,11 +4,11 @@
 #include "Platform/Log.h"
 #include "Platform/RunLoop.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QObject>
 
 #include <map>
+#include <optional>
 #include <string>
 
 namespace farview
@@ -49,6 +49,7 @@ private:
     std::optional<Application> applicationAt(const std::string& bundlePath) const;
     bool isUnderWay(const QString& busName);
     void askRunningOne(const Application& application);
+    bool hasOwner(const QString& busName);
     void useAnswer(const Application& application, bool runs);
     void start(const Application& application);
 

@@ -4,6 +4,7 @@
 #include "Platform/Desktop/SessionBus.h"
 
 #include <QCoreApplication>
+#include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
 #include <QFileInfo>

@@ -55,7 +55,7 @@ public:
                 becomeProgram(child < 0 ? 0 : supervisor);
                 return program(crashes);
             }
-            const int status = waitForEnd(child);
+            const int status = statusAtEnd(child);
             if (!isCrash(status))
                 return WIFEXITED(status) ? WEXITSTATUS(status) : statusOfSignal + WTERMSIG(status);
             if (now() - started >= mOptions.steadyAfter)
@@ -77,7 +77,7 @@ private:
         sigprocmask(SIG_SETMASK, &mOriginalMask, nullptr);
     }
 
-    int waitForEnd(pid_t child)
+    int statusAtEnd(pid_t child)
     {
         int status = 0;
         while (waitpid(child, &status, WNOHANG) == 0) {

@@ -128,6 +128,7 @@ TableBinding::TableBinding(std::shared_ptr<TableView> table, QTableView* widget)
     widget->setWordWrap(false);
     widget->verticalHeader()->hide();
     widget->horizontalHeader()->setHighlightSections(false);
+    widget->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     widget->horizontalHeader()->setStretchLastSection(true);
     widget->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     keepPlaceDuringReset();

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "Controls/Qt/InterfaceFile.h"
+#include "Platform/Fake/FakePlatform.h"
+#include "Platform/Posix/PosixBundle.h"
+#include "Platform/Posix/StandardErrorLog.h"
+#include "Source/FVEPreferencePane.h"
+
+#include <QApplication>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace farview::test
+{
+
+/// The real panel: the pane, its bundle as it was built and its window, on a scripted machine.
+class PanelFixture : public testing::Test
+{
+protected:
+    PanelFixture() : mInstalled(fake.platform())
+    {
+        fake.registry.publish("QLExGFX");
+        fake.fileManager.createDirectoryAtPath("/home/user");
+    }
+    ~PanelFixture() override
+    {
+        pane.reset();
+        view.reset();
+        QApplication::setFont(mFont);
+        QApplication::setPalette(mPalette);
+        QApplication::setLayoutDirection(Qt::LeftToRight);
+        qunsetenv("LANGUAGE");
+    }
+
+    void load(const char* language = "en")
+    {
+        qputenv("LANGUAGE", language);
+        bundle = PosixBundles(EnvironmentUse::honoured, mLog).bundleWithPath(FARVIEW_PANE_BUNDLE);
+        ASSERT_NE(bundle, nullptr);
+        pane = std::make_shared<FVEPreferencePane>(fake.platform());
+        ASSERT_TRUE(pane->initWithBundle(bundle));
+        std::string error;
+        view = InterfaceFile(*bundle, pane->mainNibName()).load(pane, error);
+        ASSERT_NE(view, nullptr) << error;
+        pane->mainViewDidLoad();
+    }
+    void show()
+    {
+        pane->willSelect();
+        view->show();
+        pane->didSelect();
+        settle();
+    }
+    /// Lets the scripted machine and the window catch up.
+    void settle()
+    {
+        fake.runLoop.advance(Duration(0.3));
+        QCoreApplication::processEvents();
+    }
+    template <typename Widget> Widget* find(const char* name) const
+    {
+        auto* widget = view->findChild<Widget*>(QString::fromLatin1(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
+    void announce(const std::string& name, const std::string& hostName)
+    {
+        fake.discovery.announce({FakeDevice{name, hostName}});
+        settle();
+    }
+    void useLargeFont()
+    {
+        QFont font = QApplication::font();
+        font.setPointSizeF(font.pointSizeF() * 1.5);
+        QApplication::setFont(font);
+    }
+    void useDarkColors()
+    {
+        QPalette dark(QColor(53, 53, 53), QColor(42, 42, 42));
+        QApplication::setPalette(dark);
+    }
+    /// Saves what is on show when someone wants to look at it.
+    void picture(const char* name) const
+    {
+        const QString folder = qEnvironmentVariable("FARVIEW_TEST_PICTURES");
+        if (!folder.isEmpty())
+            view->grab().save(folder + u'/' + QString::fromLatin1(name) + u".png"_qs);
+    }
+
+    FakePlatform fake;
+    std::shared_ptr<Bundle> bundle;
+    std::unique_ptr<QWidget> view;
+    std::shared_ptr<FVEPreferencePane> pane;
+
+private:
+    Platform::Scope mInstalled;
+    StandardErrorLog mLog{"panel_test"};
+    QFont mFont = QApplication::font();
+    QPalette mPalette = QApplication::palette();
+};
+
+} // namespace farview::test

@@ -4,9 +4,19 @@
 #include <QMessageBox>
 #include <QTimer>
 
+#include <algorithm>
+
 HostWindow::HostWindow() : mLayout(new QVBoxLayout(this))
 {
     mLayout->setContentsMargins(0, 0, 0, 0);
+}
+
+QSize HostWindow::firstSize(const QWidget& view)
+{
+    QSize size = view.size().expandedTo(view.sizeHint());
+    if (view.hasHeightForWidth())
+        size.setHeight(std::max(size.height(), view.heightForWidth(size.width())));
+    return size;
 }
 
 void HostWindow::setView(QWidget* view, const QString& title)
@@ -15,12 +25,12 @@ void HostWindow::setView(QWidget* view, const QString& title)
         item->widget()->hide();
         delete item;
     }
-    const QSize wanted = view->size();
+    const QSize wanted = firstSize(*view);
     mLayout->addWidget(view);
     view->show();
     setWindowTitle(title);
     if (!isVisible())
-        resize(wanted.expandedTo(minimumSizeHint()));
+        resize(wanted);
 }
 
 void HostWindow::bringToFront(const QString& activationToken)

@@ -11,6 +11,8 @@ class HostWindow : public QWidget
 public:
     HostWindow();
 
+    /// The size at which a view is shown first: the file's, or more where its texts need more.
+    static QSize firstSize(const QWidget& view);
     /// Shows that view instead of the one before, which stays its owner's.
     void setView(QWidget* view, const QString& title);
     /// Comes to the front. `activationToken`: what the desktop gave to whoever asked for it.

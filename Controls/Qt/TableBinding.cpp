@@ -129,6 +129,8 @@ TableBinding::TableBinding(std::shared_ptr<TableView> table, QTableView* widget)
     widget->verticalHeader()->hide();
     widget->horizontalHeader()->setHighlightSections(false);
     widget->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    widget->horizontalHeader()->setMinimumSectionSize(widget->fontMetrics().averageCharWidth() *
+                                                      14);
     widget->horizontalHeader()->setStretchLastSection(true);
     widget->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     keepPlaceDuringReset();

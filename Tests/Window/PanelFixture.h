@@ -34,10 +34,13 @@ protected:
         QApplication::setPalette(mPalette);
         QApplication::setLayoutDirection(Qt::LeftToRight);
         qunsetenv("LANGUAGE");
+        qunsetenv("LANG");
     }
 
     void load(const char* language = "en")
     {
+        // A language beyond "C" must be in force before the list of languages counts.
+        qputenv("LANG", "en_US.UTF-8");
         qputenv("LANGUAGE", language);
         bundle = PosixBundles(EnvironmentUse::honoured, mLog).bundleWithPath(FARVIEW_PANE_BUNDLE);
         ASSERT_NE(bundle, nullptr);

@@ -1,3 +1,4 @@
+#include "Applications/Preferences/HostWindow.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
@@ -6,6 +7,7 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QCheckBox>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QLabel>
 #include <QTabBar>
@@ -39,8 +41,7 @@ protected:
         for (const auto* label : page(index)->findChildren<QLabel*>()) {
             const int needed = label->wordWrap() ? label->heightForWidth(label->width())
                                                  : label->sizeHint().height();
-            EXPECT_GE(label->height(), std::min(needed, label->sizeHint().height()))
-                << label->objectName().toStdString();
+            EXPECT_GE(label->height(), needed) << label->objectName().toStdString();
             EXPECT_TRUE(label->wordWrap() || label->width() >= label->sizeHint().width())
                 << label->objectName().toStdString();
         }
@@ -136,6 +137,8 @@ TEST_F(Panel, TheTableFoldsAwayWithItsCheckBox)
     EXPECT_TRUE(table->isVisible());
     find<QCheckBox>("autoConnect")->click();
     EXPECT_FALSE(table->isVisible());
+    settle();
+    EXPECT_LT(find<QWidget>("menuExtraCheckbox")->y(), table->y() + table->height());
     picture("settings-folded");
 }
 
@@ -157,6 +160,14 @@ class PanelInEachLanguage : public Panel, public testing::WithParamInterface<con
 {
 };
 
+TEST_F(Panel, ItsTextsAreInTheUsersLanguage)
+{
+    load("de");
+    show();
+    EXPECT_EQ(tabs()->tabText(1), u"&Einstellungen"_qs);
+    EXPECT_TRUE(find<QLabel>("statusExplanationLabel")->text().startsWith(u"Farview ist aus"_qs));
+}
+
 INSTANTIATE_TEST_SUITE_P(Languages, PanelInEachLanguage, testing::Values("en", "de"),
                          [](const auto& each) { return std::string(each.param); });
 
@@ -177,7 +188,7 @@ TEST_P(PanelInEachLanguage, ItIsReadableWithLargeType)
 {
     useLargeFont();
     load(GetParam());
-    view->resize(view->sizeHint().expandedTo(view->size()));
+    view->resize(HostWindow::firstSize(*view));
     show();
     turnOn();
     expectNothingIsCut(0);
@@ -226,7 +237,7 @@ TEST_P(PanelInEachLanguage, EveryTextOfItsWindowIsInTheCatalogue)
         if (!isText)
             continue;
         const QString key = reader.readElementText();
-        EXPECT_TRUE(texts.contains(u"\n\"" + key + u"\" = \"")) << key.toStdString();
+        EXPECT_TRUE(texts.contains(u"\n\""_qs + key + u"\" = \""_qs)) << key.toStdString();
         ++checked;
     }
     EXPECT_GT(checked, 20);
@@ -264,7 +275,7 @@ TEST_F(Panel, TheTabKeyFollowsTheEyes)
             order += next->objectName();
     }
     EXPECT_EQ(order.join(u' ').toStdString(),
-              "offTextButton onOffSwitch onTextButton virtualScreenSelectionPopup");
+              "tabView offTextButton onOffSwitch onTextButton virtualScreenSelectionPopup");
 }
 
 TEST_F(Panel, InTheDarkAndFromRightToLeftItIsAsCalm)

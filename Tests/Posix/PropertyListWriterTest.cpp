@@ -86,7 +86,7 @@ TEST(PropertyListWriter, WritesExactlyAsDeepAsTheReaderReads)
 {
     EXPECT_EQ(readBack(arrayOfDepth(128)), arrayOfDepth(128));
     EXPECT_EQ(PropertyListWriter::write(arrayOfDepth(129)).reason, "nested too deeply");
-    EXPECT_EQ(PropertyListWriter::write(arrayOfDepth(5000)).reason, "nested too deeply");
+    EXPECT_EQ(PropertyListWriter::write(arrayOfDepth(1000)).reason, "nested too deeply");
 }
 
 TEST(PropertyListWriter, WritesNothingThatTheReaderFindsTooLarge)

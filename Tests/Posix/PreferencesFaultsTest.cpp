@@ -1,0 +1,289 @@
+#include "Platform/Posix/LockFile.h"
+#include "Platform/Posix/PropertyListReader.h"
+#include "Tests/Posix/ForkedProcess.h"
+#include "Tests/Posix/PreferencesFixture.h"
+
+#include <array>
+#include <chrono>
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+
+namespace farview
+{
+namespace
+{
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+void writeText(const char* path, const std::string& text) { std::ofstream(path) << text; }
+
+/// Gives this process mounts of its own, as root or, where the machine allows it, as anyone.
+bool hasOwnMounts()
+{
+    const auto user = std::to_string(::getuid());
+    if (::unshare(CLONE_NEWNS) != 0) {
+        if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
+            return false;
+        writeText("/proc/self/uid_map", "0 " + user + " 1");
+    }
+    return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+bool mountDisk(const std::string& folder, const char* options)
+{
+    std::filesystem::create_directories(folder);
+    return ::mount("none", folder.c_str(), "tmpfs", 0, options) == 0;
+}
+
+void setReadOnly(const std::string& folder, bool isReadOnly)
+{
+    const unsigned long flags = MS_REMOUNT | (isReadOnly ? MS_RDONLY : 0);
+    ASSERT_EQ(::mount("none", folder.c_str(), nullptr, flags, nullptr), 0);
+}
+
+/// Writes until nothing more fits.
+void fillDisk(const std::string& path)
+{
+    const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    const std::array<char, 512> block{};
+    while (::write(file.get(), block.data(), block.size()) > 0) {
+    }
+}
+
+class PreferencesFaults : public PreferencesFixture
+{
+protected:
+    /// Runs the body in a process with mounts of its own, so nothing is left behind.
+    void withOwnMounts(const std::function<void()>& body)
+    {
+        constexpr int noMounts = 77;
+        ForkedProcess process([&] {
+            if (!hasOwnMounts() || !mountDisk(mFolder.path("config"), "size=65536"))
+                ::_exit(noMounts);
+            body();
+        });
+        const int status = process.wait();
+        if (status == noMounts)
+            GTEST_SKIP() << "this machine lets nobody mount a file system in a namespace";
+        EXPECT_EQ(status, 0);
+    }
+};
+
+TEST_F(PreferencesFaults, AStoppedHolderOfTheLockCostsOneSecondInAll)
+{
+    EXPECT_TRUE(store(0));
+    ForkedProcess holder([] {
+        LockFile lock;
+        EXPECT_EQ(lock.acquire(path() + ".lock", 1s), 0);
+        ::raise(SIGSTOP);
+    });
+    ASSERT_TRUE(holder.waitUntilStopped());
+    const auto start = Clock::now();
+    EXPECT_FALSE(store(1));
+    EXPECT_LT(Clock::now() - start, 1500ms);
+    EXPECT_GT(Clock::now() - start, 900ms);
+    const auto second = Clock::now();
+    for (int count = 0; count < 20; ++count)
+        EXPECT_FALSE(store(2));
+    EXPECT_LT(Clock::now() - second, 500ms);
+    EXPECT_EQ(read(), PropertyList(2));
+    EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList(0));
+    EXPECT_EQ(mLog.lines().size(), 1u);
+    holder.kill();
+    holder.wait();
+    EXPECT_TRUE(mPreferences->appSynchronize(domain));
+    EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList(2));
+}
+
+TEST_F(PreferencesFaults, AShortHoldOfTheLockIsWaitedFor)
+{
+    std::array<int, 2> ready{};
+    ASSERT_EQ(::pipe2(ready.data(), O_CLOEXEC), 0);
+    EXPECT_TRUE(store(0));
+    ForkedProcess holder([&] {
+        LockFile lock;
+        EXPECT_EQ(lock.acquire(path() + ".lock", 1s), 0);
+        EXPECT_EQ(::write(ready[1], "x", 1), 1);
+        ::usleep(100000);
+    });
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    EXPECT_TRUE(store(1));
+    EXPECT_EQ(holder.wait(), 0);
+    ::close(ready[0]);
+    ::close(ready[1]);
+}
+
+TEST_F(PreferencesFaults, ALockFileThatWasCleanedAwayIsMadeAnew)
+{
+    EXPECT_TRUE(store(0));
+    std::filesystem::remove(path() + ".lock");
+    EXPECT_TRUE(store(1));
+    EXPECT_EQ(modeOf(path() + ".lock"), 0600u);
+}
+
+TEST_F(PreferencesFaults, AReadOnlyDiskLosesNothing)
+{
+    withOwnMounts([this] {
+        EXPECT_TRUE(store("old"));
+        setReadOnly(mFolder.path("config"), true);
+        EXPECT_FALSE(store("new"));
+        EXPECT_FALSE(store("more", "other"));
+        EXPECT_EQ(read(), PropertyList("new"));
+        EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList("old"));
+        EXPECT_EQ(mLog.lines().size(), 1u);
+        setReadOnly(mFolder.path("config"), false);
+        EXPECT_TRUE(mPreferences->appSynchronize(domain));
+        EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList("new"));
+        EXPECT_EQ(make()->copyAppValue("other", domain), PropertyList("more"));
+    });
+}
+
+TEST_F(PreferencesFaults, AFirstStartOnAReadOnlyDiskWorksFromMemory)
+{
+    withOwnMounts([this] {
+        setReadOnly(mFolder.path("config"), true);
+        EXPECT_FALSE(store("new"));
+        EXPECT_EQ(read(), PropertyList("new"));
+        EXPECT_EQ(make()->copyAppValue("key", domain), std::nullopt);
+    });
+}
+
+TEST_F(PreferencesFaults, AFullDiskLosesNothing)
+{
+    withOwnMounts([this] {
+        EXPECT_TRUE(store("old"));
+        fillDisk(mFolder.path("config/ballast"));
+        const std::string large(8192, 'x');
+        EXPECT_FALSE(store(large));
+        EXPECT_EQ(read(), PropertyList(large));
+        EXPECT_EQ(contentsOf(path()), listWith("key", "old"));
+        EXPECT_FALSE(std::filesystem::exists(path() + ".new"));
+        std::filesystem::remove(mFolder.path("config/ballast"));
+        EXPECT_TRUE(mPreferences->appSynchronize(domain));
+        EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList(large));
+    });
+}
+
+TEST_F(PreferencesFaults, AFullDiskKeepsABrokenFileInItsPlace)
+{
+    withOwnMounts([this] {
+        writeFile("broken");
+        fillDisk(mFolder.path("config/ballast"));
+        EXPECT_FALSE(store(std::string(8192, 'x')));
+        EXPECT_EQ(contentsOf(path()), "broken");
+    });
+}
+
+/// Stores keys of its own, one write each, until each write has succeeded.
+void writeKeys(FilePreferences& preferences, int writer, int count)
+{
+    for (int number = 0; number < count; ++number) {
+        const auto key = std::to_string(writer) + "." + std::to_string(number);
+        preferences.setAppValue(key, number, domain);
+        int attempts = 0;
+        while (!preferences.appSynchronize(domain) && attempts < 5000) {
+            ++attempts;
+            ::usleep(1000);
+        }
+        ASSERT_LT(attempts, 5000);
+    }
+}
+
+std::size_t keyCount(const std::string& bytes)
+{
+    const auto read = PropertyListReader::read(bytes);
+    EXPECT_TRUE(read.list) << read.reason;
+    return read.list ? read.list->get<PropertyList::Dictionary>()->size() : 0;
+}
+
+TEST_F(PreferencesFaults, FourProcessesOfFiveHundredWritesLoseNone)
+{
+    constexpr int writers = 4;
+    constexpr int writes = 500;
+    EXPECT_TRUE(store(0, "first"));
+    std::vector<std::unique_ptr<ForkedProcess>> processes;
+    for (int writer = 0; writer < writers; ++writer)
+        processes.push_back(
+            std::make_unique<ForkedProcess>([&, writer] { writeKeys(*make(), writer, writes); }));
+    std::size_t count = 1;
+    const auto deadline = Clock::now() + 50s;
+    while (count < writers * writes + 1 && Clock::now() < deadline) {
+        const auto next = keyCount(contentsOf(path()));
+        ASSERT_GE(next, count) << "an update was lost, or a file was torn";
+        count = next;
+        ::usleep(2000);
+    }
+    EXPECT_EQ(count, writers * writes + 1u);
+    for (const auto& process : processes)
+        EXPECT_EQ(process->wait(), 0);
+    EXPECT_EQ(names(), (std::vector<std::string>{domain + ".plist", domain + ".plist.lock"}));
+}
+
+TEST_F(PreferencesFaults, TwoWritersOfOneKeyLeaveOneOfTheirValues)
+{
+    const auto write = [this](int writer) {
+        const auto preferences = make();
+        for (int number = 0; number < 100; ++number) {
+            preferences->setAppValue("key", writer, domain);
+            EXPECT_TRUE(preferences->appSynchronize(domain));
+        }
+    };
+    ForkedProcess first([&] { write(1); });
+    ForkedProcess second([&] { write(2); });
+    EXPECT_EQ(first.wait(), 0);
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_TRUE(read() == PropertyList(1) || read() == PropertyList(2));
+}
+
+/// Writes the same rising number under two keys and says each number that is on the disk.
+void writePairs(FilePreferences& preferences, int start, int acknowledgements)
+{
+    for (int number = start;; ++number) {
+        preferences.setAppValue("left", number, domain);
+        preferences.setAppValue("right", number, domain);
+        ASSERT_TRUE(preferences.appSynchronize(domain));
+        ASSERT_EQ(::write(acknowledgements, &number, sizeof number), ssize_t{sizeof number});
+    }
+}
+
+int lastNumberIn(int descriptor, int fallback)
+{
+    int number = fallback;
+    while (::read(descriptor, &number, sizeof number) == ssize_t{sizeof number}) {
+    }
+    return number;
+}
+
+TEST_F(PreferencesFaults, AKillAtAnyMomentLeavesAWholeFileWithAllThatWasAcknowledged)
+{
+    constexpr int kills = 150;
+    int acknowledged = 0;
+    EXPECT_TRUE(store(0, "left"));
+    EXPECT_TRUE(store(0, "right"));
+    EXPECT_TRUE(store("kept", "other"));
+    for (int round = 0; round < kills; ++round) {
+        std::array<int, 2> pipe{};
+        ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC | O_NONBLOCK), 0);
+        {
+            ForkedProcess writer([&] { writePairs(*make(), acknowledged + 1, pipe[1]); });
+            ::usleep(static_cast<useconds_t>(1000 + round * 7919 % 9000));
+        }
+        acknowledged = lastNumberIn(pipe[0], acknowledged);
+        ::close(pipe[0]);
+        ::close(pipe[1]);
+        const auto left = make()->copyAppValue("left", domain);
+        ASSERT_TRUE(left && left->is<std::int64_t>()) << "round " << round;
+        ASSERT_GE(*left->get<std::int64_t>(), acknowledged);
+        ASSERT_EQ(left, make()->copyAppValue("right", domain));
+        ASSERT_EQ(make()->copyAppValue("other", domain), PropertyList("kept"));
+    }
+    EXPECT_GT(acknowledged, kills / 4) << "the kills came before anything was written";
+    EXPECT_TRUE(store(1, "last"));
+    EXPECT_EQ(names(), (std::vector<std::string>{domain + ".plist", domain + ".plist.lock"}));
+}
+
+} // namespace
+} // namespace farview

@@ -22,7 +22,7 @@ std::string localeOf(const Environment& environment)
 
 bool isPlain(std::string_view locale)
 {
-    return locale.empty() || locale == "C" || locale == "POSIX" || locale.starts_with("C.");
+    return locale == "C" || locale == "POSIX" || locale.starts_with("C.");
 }
 
 /// "de_AT.UTF-8@euro" is "de_AT". Names are looked up as folders, so only letters, digits, "_" and
@@ -70,7 +70,7 @@ void addVariants(std::vector<std::string>& languages, const std::string& languag
 std::vector<std::string> wishes(const Environment& environment)
 {
     const auto locale = localeOf(environment);
-    if (isPlain(locale))
+    if (locale.empty() || isPlain(locale))
         return {};
     const auto several = environment.value("LANGUAGE");
     std::vector<std::string> list;

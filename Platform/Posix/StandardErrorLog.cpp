@@ -129,14 +129,15 @@ std::string printableText(std::string_view text, std::size_t limit)
 {
     constexpr std::string_view cut = "\u2026";
     std::string output;
+    std::size_t lastPlaceToCut = 0;
     while (!text.empty()) {
         const auto character = decodeCharacter(text);
-        const auto next = shown(text, character);
-        const bool isLast = character.length == text.size();
-        if (output.size() + next.size() + (isLast ? 0 : cut.size()) > limit)
-            return output.append(cut);
-        output += next;
+        output += shown(text, character);
         text.remove_prefix(character.length);
+        if (output.size() > limit)
+            return output.replace(lastPlaceToCut, std::string::npos, cut);
+        if (output.size() + cut.size() <= limit)
+            lastPlaceToCut = output.size();
     }
     return output;
 }

@@ -177,6 +177,31 @@ TEST_F(PreferencesFaults, AFullDiskKeepsABrokenFileInItsPlace)
     });
 }
 
+/// A folder in memory where the machine has one: writers then meet at the lock, not at the disk.
+class MemoryFolder
+{
+public:
+    explicit MemoryFolder(const std::string& otherwise) : mPath("/dev/shm/farview-test-XXXXXX")
+    {
+        mIsOwn = ::mkdtemp(mPath.data()) != nullptr;
+        if (!mIsOwn)
+            mPath = otherwise;
+    }
+    ~MemoryFolder()
+    {
+        std::error_code ignored;
+        if (mIsOwn)
+            std::filesystem::remove_all(mPath, ignored);
+    }
+    MemoryFolder(const MemoryFolder&) = delete;
+    MemoryFolder& operator=(const MemoryFolder&) = delete;
+    const std::string& path() const { return mPath; }
+
+private:
+    std::string mPath;
+    bool mIsOwn;
+};
+
 /// Stores keys of its own, one write each, until each write has succeeded.
 void writeKeys(FilePreferences& preferences, int writer, int count)
 {
@@ -203,6 +228,9 @@ TEST_F(PreferencesFaults, FourProcessesOfFiveHundredWritesLoseNone)
 {
     constexpr int writers = 4;
     constexpr int writes = 500;
+    const MemoryFolder folder(mFolder.path());
+    const ScopedEnvironment config("XDG_CONFIG_HOME", folder.path().c_str());
+    mPreferences = make();
     EXPECT_TRUE(store(0, "first"));
     std::vector<std::unique_ptr<ForkedProcess>> processes;
     for (int writer = 0; writer < writers; ++writer)

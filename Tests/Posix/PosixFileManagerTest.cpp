@@ -1,0 +1,72 @@
+#include "Platform/Posix/PosixFileManager.h"
+#include "Tests/Posix/PreferencesFixture.h"
+
+#include <cmath>
+
+namespace farview
+{
+namespace
+{
+
+class PosixFileManagerTest : public testing::Test
+{
+protected:
+    TemporaryFolder mFolder;
+    PosixFileManager mManager;
+};
+
+TEST_F(PosixFileManagerTest, MakesFoldersForTheUserAloneWhateverTheUmask)
+{
+    const auto before = ::umask(0);
+    EXPECT_TRUE(mManager.createDirectoryAtPath(mFolder.path("a/b")));
+    ::umask(0777);
+    EXPECT_TRUE(mManager.createDirectoryAtPath(mFolder.path("c/d")));
+    ::umask(before);
+    for (const char* name : {"a", "a/b", "c", "c/d"})
+        EXPECT_EQ(modeOf(mFolder.path(name)), 0700u) << name;
+}
+
+TEST_F(PosixFileManagerTest, NoFolderComesWhereAFileIs)
+{
+    mFolder.write("file", "text");
+    EXPECT_FALSE(mManager.createDirectoryAtPath(mFolder.path("file")));
+    EXPECT_FALSE(mManager.createDirectoryAtPath(mFolder.path("file/below")));
+    EXPECT_EQ(contentsOf(mFolder.path("file")), "text");
+}
+
+TEST_F(PosixFileManagerTest, WritesFilesForTheUserAlone)
+{
+    const auto before = ::umask(0);
+    EXPECT_TRUE(mManager.writePropertyList("text", mFolder.path("list")));
+    ::umask(before);
+    EXPECT_EQ(modeOf(mFolder.path("list")), 0600u);
+}
+
+TEST_F(PosixFileManagerTest, SetsABrokenFileAsideAndLeavesNoOtherFile)
+{
+    mFolder.write("list", "broken");
+    EXPECT_TRUE(mManager.writePropertyList("text", mFolder.path("list")));
+    EXPECT_EQ(contentsOf(mFolder.path("list.broken-1")), "broken");
+    const auto files = std::filesystem::directory_iterator(mFolder.path());
+    EXPECT_EQ(std::distance(begin(files), end(files)), 2);
+}
+
+TEST_F(PosixFileManagerTest, AListThatCannotBeWrittenLeavesTheOldOne)
+{
+    EXPECT_TRUE(mManager.writePropertyList("old", mFolder.path("list")));
+    EXPECT_FALSE(mManager.writePropertyList(Date{NAN}, mFolder.path("list")));
+    EXPECT_EQ(mManager.propertyListWithContentsOfFile(mFolder.path("list")), PropertyList("old"));
+}
+
+TEST_F(PosixFileManagerTest, ReplacesTheTargetOfALink)
+{
+    mFolder.write("target", "broken");
+    std::filesystem::create_symlink("target", mFolder.path("link"));
+    EXPECT_TRUE(mManager.writePropertyList("text", mFolder.path("link")));
+    EXPECT_TRUE(std::filesystem::is_symlink(mFolder.path("link")));
+    EXPECT_EQ(mManager.propertyListWithContentsOfFile(mFolder.path("target")),
+              PropertyList("text"));
+}
+
+} // namespace
+} // namespace farview

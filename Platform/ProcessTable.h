@@ -21,7 +21,8 @@ class ProcessTable
 public:
     virtual ~ProcessTable() = default;
 
-    /// How many records the table holds. Returns 0, or an errno.
+    /// How many records to make room for: at least as many as the table holds. Returns 0, or an
+    /// errno.
     virtual int size(std::size_t& recordCount) = 0;
     /// Reads the table into `records`; `recordCount` becomes the number read. Returns 0, or an
     /// errno; ENOMEM when the table has outgrown `records`.

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Platform/Desktop/GrowingPause.h"
+#include "Platform/Log.h"
+#include "Platform/Types/Subscription.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
+#include <map>
+#include <optional>
+
+namespace farview
+{
+
+/// The program's connection to the system bus and, on it, to the discovery daemon. Finds both, and
+/// finds them again when they went away. Never waits for an answer. Main thread only.
+class AvahiDaemonLink : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Presence { unknown, present, absent };
+    using Answer = std::function<void(const QDBusMessage& reply)>;
+    using SignalHandler = std::function<void(const QDBusMessage& signal)>;
+
+    explicit AvahiDaemonLink(Log& log);
+    ~AvahiDaemonLink() override;
+
+    /// Looks for the daemon if it is not known to be there. The result is in `presence()`, at the
+    /// latest after one second.
+    void look();
+    Presence presence() const { return mPresence; }
+    /// Grows with every daemon that is met: what belongs to an older one has gone.
+    unsigned daemonNumber() const { return mDaemonNumber; }
+
+    static QDBusMessage serverCall(const QString& member);
+    /// Sends a call to the daemon; `answer` hears the reply or the error on a later turn.
+    void call(QDBusMessage message, Answer answer);
+    /// The same without an interest in the answer.
+    void send(QDBusMessage message);
+    /// `handler` hears the signals of that object of the daemon, until the handle is destroyed.
+    Subscription observeSignals(const QString& path, SignalHandler handler);
+
+    /// How long the daemon may take to answer at first.
+    static constexpr int patience = 1000;
+
+Q_SIGNALS:
+    void presenceChanged();
+
+private Q_SLOTS:
+    void noticeDisconnection();
+    void noticeOwner(const QDBusMessage& message);
+    void routeSignal(const QDBusMessage& message);
+
+private:
+    void tryToConnect();
+    bool openConnection();
+    void closeConnection();
+    void askDaemon();
+    void handleDaemonAnswer(const QDBusMessage& reply, unsigned question);
+    void meetDaemon(const QString& owner);
+    void listenToDaemon();
+    void setPresence(Presence presence);
+
+    Log& mLog;
+    std::optional<QDBusConnection> mConnection;
+    QString mOwner;
+    Presence mPresence = Presence::unknown;
+    unsigned mDaemonNumber = 0;
+    unsigned mQuestion = 0;
+    QTimer mRetry;
+    GrowingPause mPause;
+    std::map<QString, SignalHandler> mHandlers;
+};
+
+} // namespace farview

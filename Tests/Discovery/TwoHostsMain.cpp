@@ -1,0 +1,75 @@
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+// The program starts itself anew on host A of a network of its own, so that its tests see no
+// daemon, no bus and no device but theirs, and nobody sees them.
+
+namespace
+{
+
+const char* const script = FARVIEW_SOURCE_DIR "/Tests/Integration/two-hosts";
+
+std::string reasonAgainstNamespaces()
+{
+    const std::string command = std::string(script) + " true 2>&1";
+    std::string output;
+    FILE* pipe = ::popen(command.c_str(), "r");
+    for (char buffer[256]; pipe && std::fgets(buffer, sizeof buffer, pipe);)
+        output += buffer;
+    const int status = pipe ? ::pclose(pipe) : -1;
+    return status == 0 ? std::string() : "no network of its own: " + output;
+}
+
+bool onlyListsTests(int argc, char** argv)
+{
+    for (int index = 1; index < argc; ++index) {
+        if (std::string(argv[index]) == "--gtest_list_tests")
+            return true;
+    }
+    return false;
+}
+
+class SkipEverything : public testing::Environment
+{
+public:
+    explicit SkipEverything(std::string reason) : mReason(std::move(reason)) {}
+    void SetUp() override { GTEST_SKIP() << mReason; }
+
+private:
+    std::string mReason;
+};
+
+void startAnewOnHostA(int argc, char** argv)
+{
+    std::vector<char*> arguments{const_cast<char*>(script)};
+    arguments.insert(arguments.end(), argv, argv + argc);
+    arguments.push_back(nullptr);
+    ::execv(script, arguments.data());
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const bool isOnHostA = ::getenv("FARVIEW_TWO_HOSTS") != nullptr;
+    if (!isOnHostA && !onlyListsTests(argc, argv)) {
+        const auto reason = reasonAgainstNamespaces();
+        if (reason.empty())
+            startAnewOnHostA(argc, argv);
+        testing::AddGlobalTestEnvironment(
+            new SkipEverything(reason.empty() ? std::string("cannot run ") + script : reason));
+    }
+    // A test meets its own private buses only.
+    ::setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
+    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    testing::InitGoogleTest(&argc, argv);
+    QCoreApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -257,7 +257,8 @@ void ScreenServer::quit()
         return;
     mState = State::quitting;
     mEnding.quitting();
-    mBrowser->stop();
+    if (mBrowser)
+        mBrowser->stop();
     const auto self = weak_from_this();
     mServices.link.disconnect(LinkGoodbyeCode::quitting, [self] {
         if (const auto server = self.lock()) {

@@ -1,0 +1,51 @@
+#include "Applications/ScreenCapture/NetworkDeviceLink.h"
+#include "Applications/ScreenCapture/ScreenServer.h"
+#include "Applications/TerminationSignals.h"
+#include "Platform/Desktop/DesktopPlatform.h"
+#include "Platform/Desktop/SingleInstance.h"
+#include "Platform/Desktop/Supervisor.h"
+#include "Platform/Platform.h"
+
+#include <QCoreApplication>
+
+#include <memory>
+
+namespace
+{
+
+using namespace farview;
+
+// As in Info.plist: by it the desktop knows whether the server runs.
+constexpr const char* kBundleIdentifier = "com.quillon.ScreenCapture";
+
+int runServer(int argc, char** argv, unsigned crashes)
+{
+    QCoreApplication application(argc, argv);
+    DesktopPlatform desktop({});
+    Platform& platform = desktop.platform();
+    const Platform::Scope scope(platform);
+    if (crashes > 0)
+        platform.log->write(LogLevel::error, "Started again after a crash");
+    SingleInstance instance(desktop.sessionBus(), kBundleIdentifier);
+    if (!instance.acquire())
+        return 0;
+
+    const auto link = std::make_shared<NetworkDeviceLink>();
+    FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
+    const auto server = std::make_shared<ScreenServer>(
+        ScreenServer::Services{*platform.discovery, *platform.runLoop, *platform.notificationCenter,
+                               *platform.distributedNotificationCenter, preferences, *link,
+                               *platform.log},
+        ScreenServer::Ending{[&] { instance.release(); }, [&] { application.quit(); }});
+    const TerminationSignals termination([&] { server->quit(); });
+    QObject::connect(&instance, &SingleInstance::replaced, &application, [&] { server->quit(); });
+    instance.whenItsTurnComes([&] { server->start(); });
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    return runSupervised([&](unsigned crashes) { return runServer(argc, argv, crashes); }, {});
+}

@@ -1,0 +1,142 @@
+#include "Platform/Fake/FakeRegistry.h"
+#include "Platform/Posix/SysfsRegistry.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+
+namespace farview
+{
+namespace
+{
+
+const std::string plane = "IOService";
+
+/// Each scene has a machine "Model", on it a bridge with two devices, and one published service.
+struct ScriptedRegistry {
+    FakeRegistry body;
+    IORegistry::Entry service = 0;
+
+    ScriptedRegistry()
+    {
+        const auto machine = body.add(body.rootEntry(), {"Model"});
+        const auto bridge = body.add(machine, {"bridge"});
+        body.add(bridge, {"device1"});
+        body.add(bridge, {"device2"});
+        service = body.publish("QLExGFX");
+        body.setSuperclass("IOService", "IORegistryEntry");
+    }
+    void unpublish() { body.remove(service); }
+};
+
+struct RegistryInFolders {
+    TemporaryFolder folder;
+    SysfsRegistry body{DriverExtensions({folder.path("Extensions")}), folder.path("sys"),
+                       folder.path("proc")};
+
+    RegistryInFolders()
+    {
+        folder.write("sys/devices/virtual/dmi/id/product_name", "Model\n");
+        folder.write("sys/devices/bridge/device1/uevent", "");
+        folder.write("sys/devices/bridge/device2/uevent", "");
+        folder.write(
+            "Extensions/QLExGFX.kext/Contents/Info.plist",
+            "<plist><dict><key>CFBundleIdentifier</key><string>com.quillon.QLExGFX</string>"
+            "<key>QLNPlatform</key><string>Linux</string></dict></plist>");
+    }
+    void unpublish() { std::filesystem::remove_all(folder.path("Extensions")); }
+};
+
+template <typename Scene> class IORegistryContract : public testing::Test
+{
+protected:
+    IORegistry& registry() { return mScene.body; }
+    std::vector<std::string> namesBelow(IORegistry::Entry entry)
+    {
+        std::vector<std::string> names;
+        for (const auto each : registry().childEntries(entry, plane))
+            names.push_back(registry().nameInPlane(each, plane));
+        return names;
+    }
+
+    Scene mScene;
+};
+
+using Scenes = testing::Types<ScriptedRegistry, RegistryInFolders>;
+TYPED_TEST_SUITE(IORegistryContract, Scenes);
+using Names = std::vector<std::string>;
+
+TYPED_TEST(IORegistryContract, TheRootsFirstChildBearsTheModelsName)
+{
+    const auto root = this->registry().rootEntry();
+    ASSERT_NE(root, 0u);
+    EXPECT_EQ(this->registry().nameInPlane(root, plane), "Root");
+    EXPECT_EQ(this->namesBelow(root), (Names{"Model", "IOResources"}));
+}
+
+TYPED_TEST(IORegistryContract, DevicesLieBelowTheMachine)
+{
+    const auto bridge = this->registry().entryFromPath("IOService:/Model/bridge");
+    ASSERT_NE(bridge, 0u);
+    EXPECT_EQ(this->registry().nameInPlane(bridge, plane), "bridge");
+    EXPECT_EQ(this->namesBelow(bridge), (Names{"device1", "device2"}));
+    EXPECT_EQ(this->registry().className(bridge), "IOService");
+    EXPECT_EQ(this->registry().locationInPlane(bridge, plane), std::nullopt);
+}
+
+TYPED_TEST(IORegistryContract, AWalkAndAPathLeadToTheSameEntry)
+{
+    const auto machine = this->registry().childEntries(this->registry().rootEntry(), plane).at(0);
+    const auto bridges = this->registry().childEntries(machine, plane);
+    const auto bridge = this->registry().entryFromPath("IOService:/Model/bridge");
+    EXPECT_NE(std::find(bridges.begin(), bridges.end(), bridge), bridges.end());
+    EXPECT_EQ(this->registry().entryFromPath("IOService:/Model"), machine);
+}
+
+TYPED_TEST(IORegistryContract, EveryEntryHasAHandleOfItsOwn)
+{
+    std::set<IORegistry::Entry> seen;
+    std::vector<IORegistry::Entry> open{this->registry().rootEntry()};
+    while (!open.empty()) {
+        const auto entry = open.back();
+        open.pop_back();
+        EXPECT_NE(entry, 0u);
+        EXPECT_TRUE(seen.insert(entry).second);
+        for (const auto child : this->registry().childEntries(entry, plane))
+            open.push_back(child);
+    }
+    EXPECT_GE(seen.size(), 7u);
+}
+
+TYPED_TEST(IORegistryContract, APublishedServiceIsFoundUntilItGoes)
+{
+    const std::string path = "IOService:/IOResources/QLExGFX";
+    const auto service = this->registry().entryFromPath(path);
+    ASSERT_NE(service, 0u);
+    EXPECT_EQ(this->registry().nameInPlane(service, plane), "QLExGFX");
+    this->mScene.unpublish();
+    EXPECT_EQ(this->registry().entryFromPath(path), 0u);
+}
+
+TYPED_TEST(IORegistryContract, AWrongPathLeadsNowhere)
+{
+    for (const char* path : {"", "IOService", "IOService:/IOResources/None", "IOService:/None",
+                             "IOUSB:/IOResources/QLExGFX", "IOService:/IOResources/QLExGFX/below"})
+        EXPECT_EQ(this->registry().entryFromPath(path), 0u) << path;
+}
+
+TYPED_TEST(IORegistryContract, AnotherPlaneHasNoEntriesBelowTheRoot)
+{
+    EXPECT_TRUE(this->registry().childEntries(this->registry().rootEntry(), "IOUSB").empty());
+}
+
+TYPED_TEST(IORegistryContract, ClassesHaveAChainThatEnds)
+{
+    EXPECT_EQ(this->registry().superclassOf("IOService"), "IORegistryEntry");
+    EXPECT_EQ(this->registry().superclassOf("IORegistryEntry"), std::nullopt);
+}
+
+} // namespace
+} // namespace farview

@@ -2,7 +2,6 @@
 #include "Applications/ScreenCapture/ScreenServer.h"
 #include "Applications/TerminationSignals.h"
 #include "Platform/Desktop/DesktopPlatform.h"
-#include "Platform/Desktop/Discovery/DesktopDiscovery.h"
 #include "Platform/Desktop/SingleInstance.h"
 #include "Platform/Desktop/Supervisor.h"
 #include "Platform/Platform.h"
@@ -24,8 +23,6 @@ int runServer(int argc, char** argv, unsigned crashes)
     QCoreApplication application(argc, argv);
     DesktopPlatform desktop({});
     Platform& platform = desktop.platform();
-    DesktopDiscovery discovery(*platform.log);
-    platform.discovery = &discovery;
     const Platform::Scope scope(platform);
     if (crashes > 0)
         platform.log->write(LogLevel::error, "Started again after a crash");

@@ -4,6 +4,7 @@
 #include "Platform/Desktop/DesktopAccessibility.h"
 #include "Platform/Desktop/DesktopText.h"
 #include "Platform/Desktop/DesktopWorkspace.h"
+#include "Platform/Desktop/Discovery/DesktopDiscovery.h"
 #include "Platform/Desktop/ForgetfulBodies.h"
 #include "Platform/Desktop/LoopbackNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
@@ -55,6 +56,7 @@ struct DesktopPlatform::Bodies {
     // These reach beyond the process, and are made only for use,
     std::optional<DBusNotificationCenter> distributedCenter;
     std::optional<DesktopWorkspace> workspace;
+    std::optional<DesktopDiscovery> discovery;
     // these take their places in a smoke test.
     std::optional<LoopbackNotificationCenter> loopbackCenter;
     std::optional<ForgetfulPreferences> forgetfulPreferences;
@@ -89,6 +91,7 @@ SessionBus& DesktopPlatform::sessionBus() { return mBodies->bus; }
 void DesktopPlatform::composeForUse()
 {
     auto& own = *mBodies;
+    mPlatform.discovery = &own.discovery.emplace(own.log);
     mPlatform.distributedNotificationCenter =
         &own.distributedCenter.emplace(own.bus, own.runLoop, own.log);
     mPlatform.fileManager = &own.fileManager;

@@ -17,7 +17,8 @@ std::optional<URL> findPane(const std::string& fileName, unsigned domains)
     const auto folders =
         platform.searchPaths->directories(farview::SearchPathDirectory::preferencePanes, domains);
     for (const auto& folder : folders) {
-        auto path = folder + "/" + fileName;
+        std::string path = folder;
+        path.append("/").append(fileName);
         if (platform.fileManager->fileExistsAtPath(path))
             return URL::fileURLWithPath(std::move(path));
     }

@@ -3,6 +3,7 @@
 #include "Controls/Control.h"
 
 #include <memory>
+#include <utility>
 
 /// The two-position slider inside the switch. Its value runs from 0.0 (off) to 1.0 (on).
 class QLNOnOff : public farview::Control
@@ -44,7 +45,10 @@ public:
     bool isEnabled() const { return mOnOffSlider->isEnabled(); }
     void setEnabled(bool enabled) { mOnOffSlider->setEnabled(enabled); }
     std::weak_ptr<farview::Responder> target() const { return mOnOffSlider->target(); }
-    void setTarget(std::weak_ptr<farview::Responder> target) { mOnOffSlider->setTarget(target); }
+    void setTarget(std::weak_ptr<farview::Responder> target)
+    {
+        mOnOffSlider->setTarget(std::move(target));
+    }
     farview::Selector action() const { return mOnOffSlider->action(); }
     void setAction(farview::Selector action) { mOnOffSlider->setAction(action); }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 // In-process notifications, posted with the browser as object. Each value equals its name.
@@ -74,7 +75,10 @@ public:
     const ServiceList& updatedServiceList() const { return mUpdatedServiceList; }
     void setUpdatedServiceList(ServiceList list) { mUpdatedServiceList = std::move(list); }
     std::shared_ptr<farview::NetServiceBrowser> browser() const { return mBrowser; }
-    void setBrowser(std::shared_ptr<farview::NetServiceBrowser> browser) { mBrowser = browser; }
+    void setBrowser(std::shared_ptr<farview::NetServiceBrowser> browser)
+    {
+        mBrowser = std::move(browser);
+    }
     /// The loop on which the last resolve was begun; not owned.
     farview::RunLoop* currentLoop() const { return mCurrentLoop; }
     void setCurrentLoop(farview::RunLoop* loop) { mCurrentLoop = loop; }

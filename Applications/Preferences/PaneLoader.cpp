@@ -11,7 +11,12 @@
 namespace
 {
 
-QString sentence(const char* text, const QString& first, const QString& second = {})
+QString sentence(const char* text, const QString& first)
+{
+    return QString::fromLatin1(text).arg(first);
+}
+
+QString sentence(const char* text, const QString& first, const QString& second)
 {
     return QString::fromLatin1(text).arg(first, second);
 }

@@ -9,7 +9,7 @@ namespace
 constexpr auto connectionName = "farview-preferences host";
 constexpr auto objectPath = "/com/quillon/FarviewPreferences";
 constexpr auto interfaceName = "com.quillon.FarviewPreferences";
-constexpr int longestWait = 10'000; // milliseconds
+constexpr int longestWait = 5'000; // milliseconds
 
 } // namespace
 

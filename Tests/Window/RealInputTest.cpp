@@ -1,0 +1,169 @@
+#include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/SwitchWidget.h"
+#include "Tests/Support/WaitUntil.h"
+#include "Tests/Window/PanelFixture.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QProcess>
+#include <QTabWidget>
+
+namespace farview::test
+{
+namespace
+{
+
+/// The panel on a real display, with a real mouse and a real keyboard.
+class RealInput : public PanelFixture
+{
+protected:
+    void open(bool on)
+    {
+        load();
+        if (on)
+            fake.preferences.setAppValue("currentState", 1, "com.quillon.Farview");
+        show();
+        find<QTabWidget>("tabView")->setCurrentIndex(0);
+        announceAll();
+        view->activateWindow();
+        ASSERT_TRUE(waitUntil([&] { return view->isActiveWindow(); }));
+        runLoopFor(std::chrono::milliseconds(50));
+    }
+    void announceAll()
+    {
+        announce("<b>Kitchen</b> & Co", "kitchen.local.");
+        announce("Living Room", "living.local.");
+    }
+    static void xdotool(const QStringList& words)
+    {
+        QProcess process;
+        process.start(u"xdotool"_qs, words);
+        ASSERT_TRUE(process.waitForFinished());
+        ASSERT_EQ(process.exitCode(), 0);
+    }
+    static void click(const QPoint& place, int button = 1)
+    {
+        xdotool({u"mousemove"_qs, QString::number(place.x()), QString::number(place.y()),
+                 u"click"_qs, QString::number(button)});
+    }
+    static void click(QWidget* widget) { click(widget->mapToGlobal(widget->rect().center())); }
+    void clickEntry(int index)
+    {
+        QMenu* menu = popUp()->openMenu();
+        const QRect place = menu->actionGeometry(menu->actions().at(index));
+        click(menu->mapToGlobal(place.center()));
+    }
+    static void key(const char* name) { xdotool({u"key"_qs, QString::fromLatin1(name)}); }
+
+    PopUpWidget* popUp() const { return find<PopUpWidget>("virtualScreenSelectionPopup"); }
+    bool isOpen() const { return popUp()->openMenu() && popUp()->openMenu()->isVisible(); }
+    int connectRequests() const
+    {
+        int count = 0;
+        for (const auto& post : fake.distributedNotificationCenter.posts())
+            count += post.name.ends_with("connectServerToHost") ||
+                             post.userInfo.contains("connectToHostName")
+                         ? 1
+                         : 0;
+        return count;
+    }
+};
+
+TEST_F(RealInput, TheMouseOpensTheMenuAndPicksADevice)
+{
+    open(true);
+    click(popUp());
+    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
+    EXPECT_EQ(popUp()->openMenu()->actions().at(1)->text(), u"<b>Kitchen</b> && Co"_qs);
+    clickEntry(2);
+    EXPECT_TRUE(waitUntil([&] { return connectRequests() == 1; }));
+    EXPECT_FALSE(isOpen());
+}
+
+TEST_F(RealInput, TheKeyboardOpensTheMenuAndPicksADevice)
+{
+    open(true);
+    popUp()->setFocus();
+    key("Down");
+    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
+    EXPECT_EQ(connectRequests(), 0);
+    key("Down");
+    key("Return");
+    EXPECT_TRUE(waitUntil([&] { return connectRequests() == 1; }));
+}
+
+TEST_F(RealInput, EscapeClosesTheMenuAndChoosesNothing)
+{
+    open(true);
+    popUp()->setFocus();
+    key("space");
+    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
+    key("Escape");
+    EXPECT_TRUE(waitUntil([&] { return !isOpen(); }));
+    EXPECT_EQ(connectRequests(), 0);
+}
+
+TEST_F(RealInput, AClickOnTheOpenPopUpClosesIt)
+{
+    open(true);
+    click(popUp());
+    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
+    click(popUp());
+    ASSERT_TRUE(waitUntil([&] { return !isOpen(); }));
+    runLoopFor(std::chrono::milliseconds(200));
+    EXPECT_FALSE(isOpen());
+}
+
+TEST_F(RealInput, TheWheelOpensTheMenuAndChangesNothing)
+{
+    open(true);
+    const QString title = popUp()->title();
+    click(popUp()->mapToGlobal(popUp()->rect().center()), 5);
+    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
+    EXPECT_EQ(popUp()->title(), title);
+    EXPECT_EQ(connectRequests(), 0);
+}
+
+TEST_F(RealInput, AMenuThatIsOpenWhileDevicesComeAndGoStaysAndChoosesWhatItShows)
+{
+    open(true);
+    click(popUp());
+    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
+    QMenu* menu = popUp()->openMenu();
+    announce("Another", "another.local.");
+    fake.discovery.remove({"<b>Kitchen</b> & Co"});
+    settle();
+    ASSERT_EQ(popUp()->openMenu(), menu);
+    EXPECT_EQ(menu->actions().size(), 4);
+    clickEntry(2);
+    ASSERT_TRUE(waitUntil([&] { return connectRequests() == 1; }));
+    const auto post = fake.distributedNotificationCenter.posts().back();
+    EXPECT_EQ(post.userInfo.at("connectToHostName"), "living.local.");
+}
+
+TEST_F(RealInput, TheWholeRoadCanBeGoneWithTheKeyboard)
+{
+    open(false);
+    find<QTabWidget>("tabView")->setFocus();
+    key("Tab");
+    key("Tab");
+    EXPECT_TRUE(waitUntil([&] { return find<SwitchWidget>("onOffSwitch")->hasFocus(); }));
+    key("space");
+    EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"On"_qs; }));
+    key("alt+d");
+    EXPECT_TRUE(waitUntil([&] { return popUp()->hasFocus(); }));
+    key("alt+s");
+    EXPECT_TRUE(waitUntil([&] { return find<QTabWidget>("tabView")->currentIndex() == 1; }));
+}
+
+TEST_F(RealInput, TheMouseMovesTheSwitch)
+{
+    open(false);
+    click(find<SwitchWidget>("onOffSwitch"));
+    EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"On"_qs; }));
+    click(find<QAbstractButton>("offTextButton"));
+    EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"Off"_qs; }));
+}
+
+} // namespace
+} // namespace farview::test

@@ -1,3 +1,4 @@
+#include "Common/FVEDistributedNotifications.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
 #include "Tests/Support/WaitUntil.h"
@@ -59,13 +60,7 @@ protected:
     bool isOpen() const { return popUp()->openMenu() && popUp()->openMenu()->isVisible(); }
     int connectRequests() const
     {
-        int count = 0;
-        for (const auto& post : fake.distributedNotificationCenter.posts())
-            count += post.name.ends_with("connectServerToHost") ||
-                             post.userInfo.contains("connectToHostName")
-                         ? 1
-                         : 0;
-        return count;
+        return fake.distributedNotificationCenter.countOf(kConnectServerToHost);
     }
 };
 
@@ -137,8 +132,8 @@ TEST_F(RealInput, AMenuThatIsOpenWhileDevicesComeAndGoStaysAndChoosesWhatItShows
     EXPECT_EQ(menu->actions().size(), 4);
     clickEntry(2);
     ASSERT_TRUE(waitUntil([&] { return connectRequests() == 1; }));
-    const auto post = fake.distributedNotificationCenter.posts().back();
-    EXPECT_EQ(post.userInfo.at("connectToHostName"), "living.local.");
+    const auto posts = fake.distributedNotificationCenter.postsNamed(kConnectServerToHost);
+    EXPECT_EQ(posts.front().userInfo.at("connectToHostName"), "living.local.");
 }
 
 TEST_F(RealInput, TheWholeRoadCanBeGoneWithTheKeyboard)

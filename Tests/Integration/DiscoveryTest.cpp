@@ -1,14 +1,4 @@
-#include "Platform/Desktop/Discovery/DesktopDiscovery.h"
-#include "Platform/Fake/FakeLog.h"
-#include "Tests/Discovery/DiscoveryRecorder.h"
-#include "Tests/Discovery/TestDaemon.h"
-#include "Tests/Discovery/TestPublisher.h"
-#include "Tests/Support/WaitUntil.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <optional>
+#include "Tests/Discovery/DiscoveringFixture.h"
 
 namespace farview
 {
@@ -16,53 +6,9 @@ namespace
 {
 
 using namespace std::chrono_literals;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* type = "_qlexvscreen._udp";
-constexpr const char* domain = "local.";
-
-/// How the discovering host looks at the network.
-enum class Way { daemon, embedded };
-
-class Discovering : public testing::TestWithParam<Way>
-{
-protected:
-    void SetUp() override
-    {
-        if (GetParam() == Way::daemon) {
-            mHere.emplace(TestDaemon::Options{"A"});
-            mBusAddress.emplace("DBUS_SYSTEM_BUS_ADDRESS", mHere->busAddress().c_str());
-        }
-        mDiscovery.emplace(mLog);
-    }
-
-    std::shared_ptr<NetServiceBrowser> search(const std::shared_ptr<DiscoveryRecorder>& recorder)
-    {
-        auto browser = mDiscovery->makeBrowser();
-        browser->setDelegate(recorder);
-        browser->searchForServicesOfType(type, domain);
-        return browser;
-    }
-
-    bool waitFor(std::size_t count)
-    {
-        return waitUntil([&] { return mRecorder->present.size() == count; });
-    }
-
-    FakeLog mLog;
-    std::optional<TestDaemon> mHere;
-    TestDaemon mThere{{"B"}};
-    TestPublisher mPublisher{mThere.busAddress()};
-    std::optional<ScopedEnvironment> mBusAddress;
-    std::optional<DesktopDiscovery> mDiscovery;
-    std::shared_ptr<DiscoveryRecorder> mRecorder = std::make_shared<DiscoveryRecorder>();
-};
-
-INSTANTIATE_TEST_SUITE_P(Ways, Discovering, testing::Values(Way::daemon, Way::embedded),
-                         [](const auto& info) {
-                             return info.param == Way::daemon ? "WithADaemon" : "ByItself";
-                         });
+INSTANTIATE_TEST_SUITE_P(Ways, Discovering, testing::Values(Way::daemon, Way::embedded), nameOfWay);
 
 TEST_P(Discovering, AServiceIsFoundResolvedAndRemoved)
 {
@@ -72,8 +18,8 @@ TEST_P(Discovering, AServiceIsFoundResolvedAndRemoved)
     ASSERT_TRUE(waitFor(1));
     const auto service = mRecorder->present.front();
     EXPECT_EQ(service->name(), "Dev 1");
-    EXPECT_EQ(service->type(), type);
-    EXPECT_EQ(service->domain(), domain);
+    EXPECT_EQ(service->type(), deviceType);
+    EXPECT_EQ(service->domain(), localDomain);
     EXPECT_EQ(service->hostName(), std::nullopt);
 
     service->resolveWithTimeout(Duration(5));

@@ -1,46 +1,14 @@
 #include "Platform/Desktop/Discovery/NetworkWatch.h"
 
 #include <array>
-#include <ifaddrs.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
-#include <net/if.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
 
 namespace farview
 {
-namespace
-{
-
-struct FreeAddresses {
-    void operator()(ifaddrs* list) const { ::freeifaddrs(list); }
-};
-
-bool isUsable(const ifaddrs& each)
-{
-    const bool hasAddress = each.ifa_addr && (each.ifa_addr->sa_family == AF_INET ||
-                                              each.ifa_addr->sa_family == AF_INET6);
-    return hasAddress && (each.ifa_flags & IFF_UP) != 0 &&
-           (each.ifa_flags & (IFF_MULTICAST | IFF_LOOPBACK)) != 0;
-}
-
-} // namespace
-
-bool hasUsableNetwork()
-{
-    ifaddrs* first = nullptr;
-    if (::getifaddrs(&first) != 0)
-        return false;
-    const std::unique_ptr<ifaddrs, FreeAddresses> list(first);
-    for (const auto* each = first; each; each = each->ifa_next) {
-        if (isUsable(*each))
-            return true;
-    }
-    return false;
-}
-
 NetworkWatch::NetworkWatch(std::function<void()> changed) : mChanged(std::move(changed))
 {
     mSocket = ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE);

@@ -9,9 +9,6 @@
 namespace farview
 {
 
-/// Whether some interface is up that can carry multicast and has an address.
-bool hasUsableNetwork();
-
 /// Tells when interfaces or addresses of this computer change.
 class NetworkWatch : public QObject
 {

@@ -1,5 +1,7 @@
 #include "Platform/Desktop/Discovery/SourceChooser.h"
 
+#include "Platform/Desktop/Discovery/HostAddresses.h"
+
 #include <QPointer>
 
 #include <algorithm>
@@ -153,7 +155,8 @@ DiscoveryCondition SourceChooser::conditionOf(const TypeSearch& search) const
         return mLink->presence() == Presence::present ? DiscoveryCondition::working
                                                       : DiscoveryCondition::unavailable;
     if (search.source())
-        return hasUsableNetwork() ? DiscoveryCondition::working : DiscoveryCondition::unavailable;
+        return hostAddresses().empty() ? DiscoveryCondition::unavailable
+                                       : DiscoveryCondition::working;
     return mLink->presence() == Presence::unknown ? DiscoveryCondition::starting
                                                   : mEmbeddedCondition;
 }

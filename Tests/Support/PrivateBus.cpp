@@ -38,11 +38,13 @@ bool accepts(const std::string& path)
 
 } // namespace
 
-PrivateBus::PrivateBus(Guests guests)
-    : mSocket(mFolder.path("bus")), mAddress("unix:path=" + mSocket)
+PrivateBus::PrivateBus(Guests guests, Owner owner)
+    : mOwner(owner), mSocket(mFolder.path("bus")), mAddress("unix:path=" + mSocket)
 {
     if (guests == Guests::everyone)
         std::filesystem::permissions(mFolder.path(), std::filesystem::perms{0711});
+    if (owner == Owner::nobody)
+        std::filesystem::permissions(mFolder.path(), std::filesystem::perms{0777});
     mFolder.write("bus.conf", configuration(mAddress, guests));
     start();
 }
@@ -55,8 +57,12 @@ void PrivateBus::stop()
 
 void PrivateBus::start()
 {
-    mProcess = std::make_unique<ChildProcess>(std::vector<std::string>{
-        "dbus-daemon", "--nofork", "--nopidfile", "--config-file=" + mFolder.path("bus.conf")});
+    std::vector<std::string> command = {"dbus-daemon", "--nofork", "--nopidfile",
+                                        "--config-file=" + mFolder.path("bus.conf")};
+    if (mOwner == Owner::nobody)
+        command.insert(command.begin(),
+                       {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"});
+    mProcess = std::make_unique<ChildProcess>(command);
     if (!waitUntil([this] { return accepts(mSocket); }))
         throw std::runtime_error("the private bus does not start");
 }

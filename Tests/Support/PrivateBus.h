@@ -11,9 +11,11 @@ class PrivateBus
 {
 public:
     enum class Guests { sameUser, everyone };
+    /// Nobody (uid 65534): only where the test runs as root.
+    enum class Owner { ourselves, nobody };
 
     /// Starts the bus and waits until it accepts connections.
-    explicit PrivateBus(Guests guests = Guests::sameUser);
+    explicit PrivateBus(Guests guests = Guests::sameUser, Owner owner = Owner::ourselves);
 
     const std::string& address() const { return mAddress; }
     /// The folder of its socket; every user may enter it when everyone is a guest.
@@ -25,6 +27,7 @@ public:
 
 private:
     TemporaryFolder mFolder;
+    Owner mOwner;
     std::string mSocket;
     std::string mAddress;
     std::unique_ptr<ChildProcess> mProcess;

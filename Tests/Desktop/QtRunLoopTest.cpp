@@ -1,0 +1,91 @@
+#include "Platform/Desktop/QtRunLoop.h"
+#include "Tests/Support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <limits>
+#include <memory>
+
+namespace farview
+{
+namespace
+{
+
+// What every run loop promises is in the contract; here is what only the real one can get wrong.
+
+const auto target = std::make_shared<int>(0);
+
+TEST(QtRunLoop, FollowsTheClockThatStandsStillDuringASuspension)
+{
+    const QtRunLoop loop;
+    timespec monotonic{};
+    ::clock_gettime(CLOCK_MONOTONIC, &monotonic);
+    const double seconds = static_cast<double>(monotonic.tv_sec) + monotonic.tv_nsec / 1e9;
+    EXPECT_NEAR(loop.now().count(), seconds, 0.5);
+}
+
+TEST(QtRunLoop, NothingFiresAfterItHasGone)
+{
+    int fired = 0;
+    auto loop = std::make_unique<QtRunLoop>();
+    const auto timer = loop->scheduledTimer(Duration{0.01}, true, target, [&] { ++fired; });
+    const auto wait = loop->run(Duration{0.01}, target, [&] { ++fired; });
+    loop->performAfterDelay(Duration::zero(), target, [&] { ++fired; });
+    loop.reset();
+    wait->stop();
+    runLoopFor(std::chrono::milliseconds(60));
+    timer->invalidate();
+    EXPECT_EQ(fired, 0);
+}
+
+TEST(QtRunLoop, AnIntervalThatIsNoNumberOrBeyondCountingIsSurvived)
+{
+    int fired = 0;
+    QtRunLoop loop;
+    const auto count = [&] { ++fired; };
+    loop.scheduledTimer(Duration{1e12}, false, target, count);
+    loop.scheduledTimer(Duration{std::numeric_limits<double>::infinity()}, false, target, count);
+    runLoopFor(std::chrono::milliseconds(30));
+    EXPECT_EQ(fired, 0);
+    loop.scheduledTimer(Duration{std::numeric_limits<double>::quiet_NaN()}, false, target, count);
+    EXPECT_TRUE(waitUntil([&] { return fired == 1; }));
+}
+
+TEST(QtRunLoop, ARepeatingTimerWithoutAnIntervalLeavesTheLoopRoom)
+{
+    int fired = 0;
+    QtRunLoop loop;
+    const auto timer = loop.scheduledTimer(Duration::zero(), true, target, [&] { ++fired; });
+    runLoopFor(std::chrono::milliseconds(50));
+    timer->invalidate();
+    EXPECT_GT(fired, 0);
+    EXPECT_LE(fired, 200);
+}
+
+TEST(QtRunLoop, ForgetsWhatHasEnded)
+{
+    QtRunLoop loop;
+    loop.performAfterDelay(Duration::zero(), target, [] {});
+    loop.scheduledTimer(Duration::zero(), false, target, [] {});
+    loop.run(Duration{60}, target, [] {})->stop();
+    loop.scheduledTimer(Duration{60}, true, target, [] {})->invalidate();
+    EXPECT_EQ(loop.pendingCount(), 3u);
+    EXPECT_TRUE(waitUntil([&] { return loop.pendingCount() == 0; }));
+}
+
+TEST(QtRunLoop, AHandlerMayReleaseWhatItBelongsTo)
+{
+    QtRunLoop loop;
+    auto owner = std::make_shared<int>(0);
+    int fired = 0;
+    loop.scheduledTimer(Duration{0.001}, true, owner, [&] {
+        ++fired;
+        owner.reset();
+    });
+    ASSERT_TRUE(waitUntil([&] { return loop.pendingCount() == 0; }));
+    EXPECT_EQ(fired, 1);
+}
+
+} // namespace
+} // namespace farview

@@ -1,0 +1,146 @@
+#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/BusNameWatcher.h"
+#include "Platform/Fake/FakeLog.h"
+#include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace farview
+{
+namespace
+{
+
+constexpr const char* name = "com.quillon.Test";
+
+TEST(SessionBus, TheStatedAddressComesBeforeTheRuntimeFolder)
+{
+    const ScopedEnvironment folder("XDG_RUNTIME_DIR", "/run/user/1");
+    EXPECT_EQ(SessionBus::address(), "unix:path=/run/user/1/bus");
+    const SessionBusScope scope("unix:path=/somewhere");
+    EXPECT_EQ(SessionBus::address(), "unix:path=/somewhere");
+}
+
+TEST(SessionBus, AnEmptyVariableIsNoAddress)
+{
+    const SessionBusScope scope("");
+    EXPECT_EQ(SessionBus::address(), "");
+    const ScopedEnvironment folder("XDG_RUNTIME_DIR", "");
+    EXPECT_EQ(SessionBus::address(), "");
+}
+
+TEST(SessionBus, AnAddressThatIsNoneIsSurvived)
+{
+    for (const char* address :
+         {"nonsense", "unix:path=/nowhere/at/all", "disabled:", ";;", "unix:"}) {
+        const SessionBusScope scope(address);
+        FakeLog log;
+        SessionBus bus(log);
+        EXPECT_FALSE(bus.isConnected()) << address;
+        EXPECT_FALSE(bus.requestName(name));
+        EXPECT_EQ(bus.nameOwner(name), "");
+        EXPECT_EQ(bus.uniqueName(), "");
+        bus.releaseName(name);
+    }
+}
+
+TEST(SessionBus, OwnsAndReleasesNames)
+{
+    PrivateBus privateBus;
+    const SessionBusScope scope(privateBus.address());
+    FakeLog log;
+    SessionBus first(log);
+    SessionBus second(log);
+    EXPECT_TRUE(first.requestName(name));
+    EXPECT_FALSE(second.requestName(name));
+    EXPECT_EQ(second.nameOwner(name), first.uniqueName());
+    first.releaseName(name);
+    EXPECT_TRUE(waitUntil([&] { return second.requestName(name); }));
+}
+
+TEST(SessionBus, ABusOfAnotherUserIsNotUsed)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can run a bus as another user";
+    PrivateBus privateBus(PrivateBus::Guests::everyone, PrivateBus::Owner::nobody);
+    const SessionBusScope scope(privateBus.address());
+    FakeLog log;
+    SessionBus bus(log);
+    EXPECT_FALSE(bus.isConnected());
+    EXPECT_TRUE(log.contains("does not run as this user"));
+}
+
+TEST(SessionBus, ComesBackAfterEveryLossAndSaysSo)
+{
+    PrivateBus privateBus;
+    const SessionBusScope scope(privateBus.address());
+    FakeLog log;
+    SessionBus bus(log);
+    std::vector<std::string> events;
+    QObject::connect(&bus, &SessionBus::disconnected, &bus, [&] { events.push_back("lost"); });
+    QObject::connect(&bus, &SessionBus::connected, &bus,
+                     [&](bool again) { events.push_back(again ? "again" : "first"); });
+    for (int round = 0; round < 3; ++round) {
+        privateBus.stop();
+        ASSERT_TRUE(waitUntil([&] { return !bus.isConnected(); }));
+        privateBus.start();
+        ASSERT_TRUE(waitUntil([&] { return bus.isConnected(); }));
+        EXPECT_TRUE(bus.requestName(name));
+    }
+    const std::vector<std::string> expected = {"lost", "again", "lost", "again", "lost", "again"};
+    EXPECT_EQ(events, expected);
+}
+
+TEST(SessionBus, AConnectionThatEndsLeavesNoNameBehind)
+{
+    PrivateBus privateBus;
+    const SessionBusScope scope(privateBus.address());
+    FakeLog log;
+    SessionBus other(log);
+    {
+        SessionBus bus(log);
+        ASSERT_TRUE(bus.requestName(name));
+    }
+    EXPECT_TRUE(waitUntil([&] { return other.nameOwner(name).isEmpty(); }));
+}
+
+TEST(BusNameWatcher, TellsWhatHoldsAndWhatChangesAcrossALossOfTheBus)
+{
+    PrivateBus privateBus;
+    const SessionBusScope scope(privateBus.address());
+    FakeLog log;
+    SessionBus ours(log);
+    SessionBus theirs(log);
+    std::vector<bool> told;
+    BusNameWatcher watcher(ours, name, [&](bool isOwned) { told.push_back(isOwned); });
+    EXPECT_TRUE(told.empty());
+    ASSERT_TRUE(waitUntil([&] { return told.size() == 1; }));
+    theirs.requestName(name);
+    ASSERT_TRUE(waitUntil([&] { return told.size() == 2; }));
+    privateBus.stop();
+    ASSERT_TRUE(waitUntil([&] { return told.size() == 3; }));
+    privateBus.start();
+    ASSERT_TRUE(waitUntil([&] { return theirs.requestName(name); }));
+    ASSERT_TRUE(waitUntil([&] { return told.size() == 4; }));
+    EXPECT_EQ(told, (std::vector<bool>{false, true, false, true}));
+}
+
+TEST(BusNameWatcher, WithoutABusNobodyOwnsAnything)
+{
+    FakeLog log;
+    SessionBus bus(log);
+    std::vector<bool> told;
+    BusNameWatcher watcher(bus, name, [&](bool isOwned) { told.push_back(isOwned); });
+    EXPECT_TRUE(told.empty());
+    ASSERT_TRUE(waitUntil([&] { return !told.empty(); }));
+    EXPECT_EQ(told, std::vector<bool>{false});
+}
+
+} // namespace
+} // namespace farview

@@ -26,9 +26,10 @@ bool isForThisPlatform(const PropertyList::Dictionary& info)
     return identifier && !identifier->empty() && platform && *platform == "Linux";
 }
 
-bool isUsableBundle(const std::string& path)
+bool isUsableBundle(const std::string& folder, const std::string& bundle)
 {
-    const auto info = readDictionaryFile(path + "/Contents/Info.plist");
+    std::string path = folder;
+    const auto info = readDictionaryFile(path.append("/").append(bundle) + "/Contents/Info.plist");
     return info.list && isForThisPlatform(*info.list->get<PropertyList::Dictionary>());
 }
 
@@ -39,7 +40,7 @@ bool DriverExtensions::isUsable(const std::string& name) const
     if (!isPlainFileName(name))
         return false;
     return std::any_of(mFolders.begin(), mFolders.end(), [&](const std::string& folder) {
-        return isUsableBundle(folder + "/" + name + suffix);
+        return isUsableBundle(folder, name + suffix);
     });
 }
 
@@ -48,7 +49,7 @@ std::vector<std::string> DriverExtensions::usableNames() const
     std::set<std::string> names;
     for (const auto& folder : mFolders) {
         for (const auto& entry : namesInFolder(folder)) {
-            if (entry.ends_with(suffix) && isUsableBundle(folder + "/" + entry))
+            if (entry.ends_with(suffix) && isUsableBundle(folder, entry))
                 names.insert(entry.substr(0, entry.size() - suffix.size()));
         }
     }

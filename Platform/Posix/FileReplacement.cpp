@@ -76,7 +76,7 @@ std::string resolvedLink(const std::string& path)
         if (length < 0)
             return current;
         const std::string next(target.data(), static_cast<std::size_t>(length));
-        current = next.starts_with('/') ? next : parentOf(current) + "/" + next;
+        current = next.starts_with('/') ? next : parentOf(current).append("/").append(next);
     }
     return {};
 }

@@ -34,6 +34,11 @@ bool staysInside(const std::string& name)
            ("/" + name + "/").find("/../") == std::string::npos;
 }
 
+std::string inLanguage(std::string resources, const std::string& language, const std::string& file)
+{
+    return std::move(resources.append(language).append(".lproj/").append(file));
+}
+
 } // namespace
 
 PosixBundle::PosixBundle(std::string path, PropertyList::Dictionary info,
@@ -57,7 +62,7 @@ std::optional<std::string> PosixBundle::pathForResource(const std::string& name,
     const auto resources = mPath + "/Contents/Resources/";
     std::vector<std::string> candidates{resources + file};
     for (const auto& language : mLanguages)
-        candidates.push_back(resources + language + ".lproj/" + file);
+        candidates.push_back(inLanguage(resources, language, file));
     for (auto& candidate : candidates) {
         if (::access(candidate.c_str(), F_OK) == 0)
             return std::move(candidate);
@@ -86,9 +91,10 @@ const std::vector<PosixBundle::Texts>& PosixBundle::catalogues(const std::string
     auto& list = mCatalogues[table];
     if (!staysInside(table))
         return list;
+    const auto resources = mPath + "/Contents/Resources/";
+    const auto file = table + ".strings";
     for (const auto& language : mLanguages) {
-        auto texts = readCatalogue(mPath + "/Contents/Resources/" + language + ".lproj/" + table +
-                                   ".strings");
+        auto texts = readCatalogue(inLanguage(resources, language, file));
         if (!texts.empty())
             list.push_back(std::move(texts));
     }

@@ -75,7 +75,7 @@ private:
     Folder mFolder;
     uid_t mUser = ::geteuid();
     int mError = 0;
-    std::array<char, 32> mPath{};
+    std::string mPath;
     std::array<char, 512> mLine{};
     std::array<char, PATH_MAX> mExecutable{};
 };
@@ -99,9 +99,8 @@ std::int32_t Scan::next()
 
 const char* Scan::path(std::int32_t pid, const char* file)
 {
-    char* end = std::to_chars(mPath.data(), mPath.data() + 12, pid).ptr;
-    std::strcpy(end, file);
-    return mPath.data();
+    mPath = std::to_string(pid);
+    return mPath.append(file).c_str();
 }
 
 /// The folder tells; the files in it belong to root when the process keeps its memory private.

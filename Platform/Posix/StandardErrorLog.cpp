@@ -142,7 +142,7 @@ std::string printableText(std::string_view text, std::size_t limit)
     return output;
 }
 
-StandardErrorLog::StandardErrorLog(std::string program, int descriptor)
+StandardErrorLog::StandardErrorLog(const std::string& program, int descriptor)
     : mProgram(printableText(program, 64)), mDescriptor(descriptor)
 {
 }

@@ -17,9 +17,9 @@ namespace farview
 class StandardErrorLog final : public Log
 {
 public:
-    explicit StandardErrorLog(std::string program) : StandardErrorLog(std::move(program), 2) {}
+    explicit StandardErrorLog(const std::string& program) : StandardErrorLog(program, 2) {}
     /// Writes to that descriptor, which it does not own.
-    StandardErrorLog(std::string program, int descriptor);
+    StandardErrorLog(const std::string& program, int descriptor);
 
     void write(LogLevel level, std::string_view message) override;
 

@@ -77,9 +77,12 @@ const SysfsRegistry::Node* SysfsRegistry::node(Entry entry) const
 
 std::vector<IORegistry::Entry> SysfsRegistry::devicesBelow(const std::string& path)
 {
+    const auto names = foldersInFolder(mSysRoot + "/devices" + path);
+    const auto prefix = path + "/";
     std::vector<Entry> entries;
-    for (const auto& name : foldersInFolder(mSysRoot + "/devices" + path))
-        entries.push_back(handleFor(Kind::device, path + "/" + name));
+    entries.reserve(names.size());
+    for (const auto& name : names)
+        entries.push_back(handleFor(Kind::device, prefix + name));
     return entries;
 }
 
@@ -97,6 +100,7 @@ std::vector<IORegistry::Entry> SysfsRegistry::services()
             names.push_back(std::move(name));
     }
     std::vector<Entry> entries;
+    entries.reserve(names.size());
     for (const auto& name : names)
         entries.push_back(handleFor(Kind::service, name));
     return entries;

@@ -47,6 +47,12 @@ public:
     }
     /// Waits until a signal has stopped it.
     bool waitUntilStopped() const { return WIFSTOPPED(collect(WUNTRACED)); }
+    bool hasEnded() const
+    {
+        siginfo_t info{};
+        return ::waitid(P_PID, static_cast<id_t>(mPid), &info, WEXITED | WNOWAIT | WNOHANG) == 0 &&
+               info.si_pid == mPid;
+    }
     /// Waits until it has ended, without taking its entry from the process table.
     void waitUntilZombie() const
     {

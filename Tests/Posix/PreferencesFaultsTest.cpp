@@ -3,6 +3,7 @@
 #include "Tests/Posix/ForkedProcess.h"
 #include "Tests/Posix/PreferencesFixture.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <fcntl.h>
@@ -202,51 +203,61 @@ private:
     bool mIsOwn;
 };
 
-/// Stores keys of its own, one write each, until each write has succeeded.
-void writeKeys(FilePreferences& preferences, int writer, int count)
+constexpr int writesPerWriter = 500;
+constexpr int keysPerWriter = 20;
+
+std::string keyOf(int writer, int number)
 {
-    for (int number = 0; number < count; ++number) {
-        const auto key = std::to_string(writer) + "." + std::to_string(number);
-        preferences.setAppValue(key, number, domain);
-        int attempts = 0;
-        while (!preferences.appSynchronize(domain) && attempts < 5000) {
-            ++attempts;
-            ::usleep(1000);
-        }
-        ASSERT_LT(attempts, 5000);
-    }
+    return std::to_string(writer) + "." + std::to_string(number % keysPerWriter);
 }
 
-std::size_t keyCount(const std::string& bytes)
+bool synchronizeWithPatience(FilePreferences& preferences)
 {
-    const auto read = PropertyListReader::read(bytes);
-    EXPECT_TRUE(read.list) << read.reason;
-    return read.list ? read.list->get<PropertyList::Dictionary>()->size() : 0;
+    constexpr int mostAttempts = 5000;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        if (preferences.appSynchronize(domain))
+            return true;
+        ::usleep(1000);
+    }
+    return false;
+}
+
+/// Stores rising numbers under keys that no one else changes. Whatever of them is older than what
+/// was stored last was lost to another writer.
+void writeOwnKeys(FilePreferences& preferences, int writer)
+{
+    for (int number = 0; number < writesPerWriter; ++number) {
+        preferences.setAppValue(keyOf(writer, number), number, domain);
+        ASSERT_TRUE(synchronizeWithPatience(preferences));
+        for (int last = std::max(0, number - keysPerWriter + 1); last <= number; ++last)
+            ASSERT_EQ(preferences.copyAppValue(keyOf(writer, last), domain), PropertyList(last));
+    }
 }
 
 TEST_F(PreferencesFaults, FourProcessesOfFiveHundredWritesLoseNone)
 {
     constexpr int writers = 4;
-    constexpr int writes = 500;
     const MemoryFolder folder(mFolder.path());
     const ScopedEnvironment config("XDG_CONFIG_HOME", folder.path().c_str());
     mPreferences = make();
-    EXPECT_TRUE(store(0, "first"));
+    EXPECT_TRUE(store("kept", "first"));
     std::vector<std::unique_ptr<ForkedProcess>> processes;
     for (int writer = 0; writer < writers; ++writer)
         processes.push_back(
-            std::make_unique<ForkedProcess>([&, writer] { writeKeys(*make(), writer, writes); }));
-    std::size_t count = 1;
-    const auto deadline = Clock::now() + 50s;
-    while (count < writers * writes + 1 && Clock::now() < deadline) {
-        const auto next = keyCount(contentsOf(path()));
-        ASSERT_GE(next, count) << "an update was lost, or a file was torn";
-        count = next;
+            std::make_unique<ForkedProcess>([&, writer] { writeOwnKeys(*make(), writer); }));
+    const auto isRunning = [](const auto& process) { return !process->hasEnded(); };
+    while (std::any_of(processes.begin(), processes.end(), isRunning)) {
+        const auto whole = PropertyListReader::read(contentsOf(path()));
+        ASSERT_TRUE(whole.list) << "a reader met a torn file: " << whole.reason;
         ::usleep(2000);
     }
-    EXPECT_EQ(count, writers * writes + 1u);
     for (const auto& process : processes)
         EXPECT_EQ(process->wait(), 0);
+    for (int writer = 0; writer < writers; ++writer) {
+        for (int last = writesPerWriter - keysPerWriter; last < writesPerWriter; ++last)
+            EXPECT_EQ(read(keyOf(writer, last)), PropertyList(last));
+    }
+    EXPECT_EQ(read("first"), PropertyList("kept"));
     EXPECT_EQ(names(), (std::vector<std::string>{domain + ".plist", domain + ".plist.lock"}));
 }
 

@@ -245,7 +245,7 @@ PropertyList sample(unsigned seed, int depth)
     case 0:
         return seed % 2 == 0;
     case 1:
-        return std::int64_t{seed} * 1234567890123 - 5;
+        return std::int64_t{seed} * 1234567 - 5;
     case 2:
         return seed / 7.0;
     case 3:

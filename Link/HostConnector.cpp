@@ -77,7 +77,8 @@ void HostConnector::attemptFailed(QTcpSocket* socket)
     tryNext();
 }
 
-void HostConnector::fail(const std::string& why)
+// By value: the connector, and with it a text of its own, may go inside the report.
+void HostConnector::fail(std::string why)
 {
     stop();
     const Failed failed = std::exchange(mFailed, nullptr);

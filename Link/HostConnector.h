@@ -43,7 +43,7 @@ private:
     void tryNext();
     void attemptSucceeded(QTcpSocket* socket);
     void attemptFailed(QTcpSocket* socket);
-    void fail(const std::string& why);
+    void fail(std::string why);
     void stop();
 
     ConnectorTimes mTimes;

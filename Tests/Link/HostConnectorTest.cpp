@@ -138,14 +138,24 @@ TEST_F(HostConnectorTest, FailsWithoutAnAddress)
 TEST_F(HostConnectorTest, MayBeDestroyedFromInsideItsReport)
 {
     auto owned = std::make_unique<HostConnector>(ConnectorTimes{});
+    std::string reason;
+    const auto failed = [&](const std::string& why) {
+        owned.reset();
+        reason = why;
+    };
     owned->start(
-        {}, [](auto) {}, [&](const std::string&) { owned.reset(); });
+        {{kHere, closedPort()}}, [](auto) {}, failed);
     EXPECT_TRUE(waitUntil([&] { return !owned; }));
+    EXPECT_EQ(reason, "Connection refused") << "the text outlives the connector";
 
     owned = std::make_unique<HostConnector>(ConnectorTimes{});
-    owned->start(
-        {{kHere, server.serverPort()}}, [&](auto) { owned.reset(); }, [](const std::string&) {});
+    const auto connected = [&](std::unique_ptr<QTcpSocket> found) {
+        owned.reset();
+        socket = std::move(found);
+    };
+    owned->start({{kHere, server.serverPort()}}, connected, failed);
     EXPECT_TRUE(waitUntil([&] { return !owned; }));
+    EXPECT_TRUE(socket);
 }
 
 TEST_F(HostConnectorTest, ReportsNothingAfterItsDestruction)

@@ -1,0 +1,267 @@
+#include "Applications/Device/DeviceServer.h"
+
+#include "Common/FVEConstants.h"
+#include "Common/NSString_Additions.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace farview
+{
+
+namespace
+{
+
+/// All connections together, those that are saying goodbye included.
+constexpr std::size_t kMostGuests = 32;
+constexpr std::chrono::milliseconds kStopLimit{950};
+
+std::map<std::string, Data> record(FVExConnectState state)
+{
+    return {{kFVEConnectionStateKey, Data::fromText(connectionStateString(state).value_or(""))}};
+}
+
+std::string inWords(const LinkOptions& options)
+{
+    const auto word = [](const char* what, bool on) { return on ? what : ""; };
+    return std::string("these options:") + word(" touch", options.touch) +
+           word(" retina", options.retina) + word(" hidpi", options.hiDPI) +
+           word(" windows-move-back", options.windowsMoveBack);
+}
+
+} // namespace
+
+DeviceServer::DeviceServer(DeviceSettings settings, NetServicePublisher& publisher, Log& log,
+                           LinkTimes times)
+    : mSettings(std::move(settings)), mPublisher(publisher), mLog(log), mTimes(times)
+{
+}
+
+bool DeviceServer::start()
+{
+    if (!listen())
+        return false;
+    QObject::connect(&mServer, &QTcpServer::newConnection, &mServer, [this] { takeConnections(); });
+    announce();
+    return true;
+}
+
+bool DeviceServer::listen()
+{
+    DeviceStatus status = mStatus;
+    if (!mServer.listen(mSettings.address, mSettings.port)) {
+        mLog.write(LogLevel::warning,
+                   "Port " + std::to_string(mSettings.port) +
+                       " cannot be used: " + mServer.errorString().toStdString());
+        if (!mServer.listen(mSettings.address, 0))
+            return false;
+    }
+    status.port = mServer.serverPort();
+    if (status.port != kMainDataTrafficPort) {
+        status.portWarning =
+            "Hosts find this device by its name only: connecting by address needs port " +
+            std::to_string(kMainDataTrafficPort) + ".";
+        mLog.write(LogLevel::warning, status.portWarning);
+    }
+    tell(status);
+    return true;
+}
+
+void DeviceServer::announce()
+{
+    mPublisher.setDelegate(weak_from_this());
+    mPublisher.publish({mSettings.name, kVirtualScreenServiceName, mStatus.port,
+                        record(FVExConnectStateNotConnected), mSettings.hostName});
+}
+
+void DeviceServer::didPublish(const std::string& name)
+{
+    DeviceStatus status = mStatus;
+    status.announcedName = plainLinkText(name, kLinkTextLimit);
+    status.trouble.clear();
+    mLog.write(LogLevel::info,
+               "Announced as \"" + name + "\", port " + std::to_string(status.port));
+    tell(status);
+}
+
+void DeviceServer::willRename(const std::string& name)
+{
+    mLog.write(LogLevel::warning, "Another device has this name; trying \"" + name + "\"");
+}
+
+void DeviceServer::didNotPublish(const std::string& reason)
+{
+    DeviceStatus status = mStatus;
+    status.announcedName.clear();
+    status.trouble = "This device cannot be announced: " + plainLinkText(reason, kLinkTextLimit);
+    mLog.write(LogLevel::error, status.trouble);
+    tell(status);
+}
+
+// --- who is let in ---------------------------------------------------------------------------
+
+void DeviceServer::takeConnections()
+{
+    while (QTcpSocket* socket = mServer.nextPendingConnection()) {
+        socket->setParent(nullptr);
+        admit(std::unique_ptr<QTcpSocket>(socket));
+    }
+}
+
+void DeviceServer::admit(std::unique_ptr<QTcpSocket> socket)
+{
+    const auto waiting = std::count_if(mGuests.begin(), mGuests.end(),
+                                       [](const Guest& guest) { return guest.isWaiting; });
+    if (static_cast<std::size_t>(waiting) >= mostWaiting)
+        displaceOldestWaiting();
+    if (mGuests.size() >= kMostGuests)
+        dropOldestLeaving();
+    mGuests.push_back({LinkConnection::make(LinkSide::device, std::move(socket), weak_from_this(),
+                                            ownGreeting(), mTimes)});
+}
+
+/// A host greets within moments, so the oldest that has not is the least likely to.
+void DeviceServer::displaceOldestWaiting()
+{
+    const auto oldest = std::find_if(mGuests.begin(), mGuests.end(),
+                                     [](const Guest& guest) { return guest.isWaiting; });
+    oldest->isWaiting = false;
+    oldest->link->refuse({LinkRefusalCode::tooManyWaiting, "Too many computers are connecting."});
+}
+
+void DeviceServer::dropOldestLeaving()
+{
+    const auto leaving = std::find_if(mGuests.begin(), mGuests.end(), [this](const Guest& guest) {
+        return !guest.isWaiting && guest.link.get() != mUser;
+    });
+    if (leaving != mGuests.end())
+        mGuests.erase(leaving);
+}
+
+DeviceServer::Guest* DeviceServer::guest(const LinkConnection& connection)
+{
+    const auto found = std::find_if(mGuests.begin(), mGuests.end(), [&](const Guest& guest) {
+        return guest.link.get() == &connection;
+    });
+    return found == mGuests.end() ? nullptr : &*found;
+}
+
+std::optional<LinkRefusal> DeviceServer::reasonToRefuse() const
+{
+    if (mIsStopping)
+        return LinkRefusal{LinkRefusalCode::byUser, "This device is being switched off."};
+    if (mSettings.refusal)
+        return LinkRefusal{LinkRefusalCode::byUser, *mSettings.refusal};
+    if (mUser)
+        return LinkRefusal{LinkRefusalCode::inUse, "This device is in use by another computer."};
+    return std::nullopt;
+}
+
+void DeviceServer::linkDidGreet(LinkConnection& connection)
+{
+    if (Guest* const known = guest(connection))
+        known->isWaiting = false;
+    if (const auto refusal = reasonToRefuse()) {
+        mLog.write(LogLevel::info, "Refused " + connection.peerAddress() + ": " + refusal->text);
+        connection.refuse(*refusal);
+        return;
+    }
+    mUser = &connection;
+    connection.accept();
+}
+
+// --- while it is used ------------------------------------------------------------------------
+
+void DeviceServer::linkDidOpen(LinkConnection& connection)
+{
+    mLog.write(LogLevel::info, "Connected to the host at " + connection.peerAddress());
+    DeviceStatus status = mStatus;
+    status.usedBy = connection.peerAddress();
+    status.options.reset();
+    tellState();
+    tell(status);
+}
+
+void DeviceServer::linkDidReceive(LinkConnection& connection, const LinkFrame& frame)
+{
+    const auto* options = std::get_if<LinkOptions>(&frame);
+    if (!options || &connection != mUser)
+        return;
+    DeviceStatus status = mStatus;
+    status.options = *options;
+    mLog.write(LogLevel::info, "The host asks for " + inWords(*options));
+    tell(status);
+}
+
+void DeviceServer::linkDidEnd(LinkConnection& connection, const LinkEnd& end)
+{
+    const bool wasUser = mUser == &connection;
+    if (wasUser)
+        mUser = nullptr;
+    else if (end.reason != LinkEndReason::closedHere)
+        mLog.write(LogLevel::info, "Turned away " + connection.peerAddress() + ": " + end.text);
+    std::erase_if(mGuests, [&](const Guest& guest) { return guest.link.get() == &connection; });
+    if (wasUser)
+        userLeft(end);
+    finishWhenAlone();
+}
+
+void DeviceServer::userLeft(const LinkEnd& end)
+{
+    const bool vanished =
+        end.reason != LinkEndReason::goodbye && end.reason != LinkEndReason::closedHere;
+    mLog.write(vanished ? LogLevel::warning : LogLevel::info,
+               "The host is gone" + (end.text.empty() ? "" : ": " + end.text));
+    DeviceStatus status = mStatus;
+    status.usedBy.reset();
+    status.options.reset();
+    tellState();
+    tell(status);
+}
+
+void DeviceServer::tellState()
+{
+    if (!mIsStopping)
+        mPublisher.updateTXTRecord(
+            record(mUser ? FVExConnectStateConnected : FVExConnectStateNotConnected));
+}
+
+void DeviceServer::tell(const DeviceStatus& status)
+{
+    if (status == mStatus)
+        return;
+    mStatus = status;
+    mChanged();
+}
+
+// --- the end ---------------------------------------------------------------------------------
+
+void DeviceServer::stop(std::function<void()> then)
+{
+    if (std::exchange(mIsStopping, true))
+        return;
+    mStopped = std::move(then);
+    mServer.close();
+    mPublisher.stop();
+    for (Guest& guest : mGuests) {
+        guest.link->refuse(*reasonToRefuse());
+        guest.link->close({LinkGoodbyeCode::quitting, "The device was switched off."});
+    }
+    mStopLimit.setSingleShot(true);
+    QObject::connect(&mStopLimit, &QTimer::timeout, &mServer, [this] {
+        mGuests.clear();
+        finishWhenAlone();
+    });
+    mStopLimit.start(mGuests.empty() ? std::chrono::milliseconds(0) : kStopLimit);
+}
+
+void DeviceServer::finishWhenAlone()
+{
+    if (!mIsStopping || !mGuests.empty())
+        return;
+    mStopLimit.stop();
+    if (const auto then = std::exchange(mStopped, nullptr))
+        then();
+}
+
+} // namespace farview

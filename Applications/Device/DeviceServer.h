@@ -1,0 +1,117 @@
+#pragma once
+
+#include "Link/LinkConnection.h"
+#include "Platform/Log.h"
+#include "Platform/NetServicePublisher.h"
+
+#include <QTcpServer>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace farview
+{
+
+/// What the user asked for at the start.
+struct DeviceSettings {
+    std::string name;
+    std::string hostName;
+    std::uint16_t port = 6001;
+    /// Where to listen; every interface unless a test says otherwise.
+    QHostAddress address = QHostAddress(QHostAddress::Any);
+    /// With a reason here every host is refused: for maintenance.
+    std::optional<std::string> refusal = std::nullopt;
+};
+
+/// What there is to show. All texts are printable.
+struct DeviceStatus {
+    /// As announced; empty while it is not. May differ from what was asked for when another had it.
+    std::string announcedName;
+    /// 0 while nothing listens.
+    std::uint16_t port = 0;
+    /// For people: what the port that is not the usual one means. Empty for the usual one.
+    std::string portWarning;
+    /// For people: why it is not announced. Empty when all is well.
+    std::string trouble;
+    /// The numeric address of the host that uses the device.
+    std::optional<std::string> usedBy;
+    /// What that host wants; nothing until it told.
+    std::optional<LinkOptions> options;
+
+    bool operator==(const DeviceStatus&) const = default;
+};
+
+/// A virtual-screen device: announces itself, lets one host in, refuses others with a reason, and
+/// says goodbye. Made with `std::make_shared`. Main thread only.
+class DeviceServer final : public LinkConnectionDelegate,
+                           public NetServicePublisherDelegate,
+                           public std::enable_shared_from_this<DeviceServer>
+{
+public:
+    /// How many connections may wait for their greeting; one more displaces the oldest.
+    static constexpr std::size_t mostWaiting = 4;
+
+    /// `publisher` and `log` outlive the server.
+    DeviceServer(DeviceSettings settings, NetServicePublisher& publisher, Log& log,
+                 LinkTimes times);
+
+    /// Listens and announces. A port that is taken is replaced by a free one. False when there is
+    /// none at all. Called once.
+    bool start();
+    /// Takes the announcement back and says goodbye. `then` is called on a later turn, within a
+    /// second. A second call does nothing.
+    void stop(std::function<void()> then);
+
+    const DeviceStatus& status() const { return mStatus; }
+    /// `changed` is called whenever the status has changed, never inside a call to the server but
+    /// `start`.
+    void setObserver(std::function<void()> changed) { mChanged = std::move(changed); }
+
+    void linkDidGreet(LinkConnection& connection) override;
+    void linkDidOpen(LinkConnection& connection) override;
+    void linkDidReceive(LinkConnection& connection, const LinkFrame& frame) override;
+    void linkDidEnd(LinkConnection& connection, const LinkEnd& end) override;
+    void didPublish(const std::string& name) override;
+    void willRename(const std::string& name) override;
+    void didNotPublish(const std::string& reason) override;
+
+private:
+    struct Guest {
+        std::shared_ptr<LinkConnection> link;
+        /// Has not greeted yet.
+        bool isWaiting = true;
+    };
+
+    bool listen();
+    void announce();
+    void takeConnections();
+    void admit(std::unique_ptr<QTcpSocket> socket);
+    void displaceOldestWaiting();
+    void dropOldestLeaving();
+    Guest* guest(const LinkConnection& connection);
+    std::optional<LinkRefusal> reasonToRefuse() const;
+    void userLeft(const LinkEnd& end);
+    void tellState();
+    void tell(const DeviceStatus& status);
+    void finishWhenAlone();
+
+    DeviceSettings mSettings;
+    NetServicePublisher& mPublisher;
+    Log& mLog;
+    LinkTimes mTimes;
+    QTcpServer mServer;
+    std::vector<Guest> mGuests;
+    /// The one that was accepted; owned by `mGuests`.
+    const LinkConnection* mUser = nullptr;
+    DeviceStatus mStatus;
+    std::function<void()> mChanged = [] {};
+    std::function<void()> mStopped;
+    bool mIsStopping = false;
+    QTimer mStopLimit;
+};
+
+} // namespace farview

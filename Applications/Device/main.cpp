@@ -1,0 +1,151 @@
+#include "Applications/Device/DeviceArguments.h"
+#include "Applications/Device/DeviceNames.h"
+#include "Applications/Device/DeviceServer.h"
+#include "Applications/Device/DeviceWindow.h"
+#include "Applications/Device/OtherDevices.h"
+#include "Applications/TerminationSignals.h"
+#include "Platform/Desktop/DesktopPlatform.h"
+#include "Platform/Desktop/Discovery/DesktopDiscovery.h"
+#include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
+#include "Platform/Posix/MachineIdentifier.h"
+
+#include <QApplication>
+#include <QSysInfo>
+
+#include <cstdio>
+#include <memory>
+
+namespace
+{
+
+using namespace farview;
+
+constexpr int kWrongUse = 2;
+constexpr int kNoPort = 3;
+
+/// Whether there is a display to show a window on.
+bool hasDisplay()
+{
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+DeviceSettings settingsFor(const DeviceArguments& arguments)
+{
+    const std::string computer = QSysInfo::machineHostName().toStdString();
+    DeviceSettings settings;
+    settings.name = arguments.name.value_or(readableDeviceName(computer));
+    settings.hostName = arguments.hostName.value_or(
+        ownDeviceHostName(computer, machineIdentifier(), settings.name));
+    settings.port = arguments.port;
+    settings.refusal = arguments.refusal;
+    return settings;
+}
+
+/// The program from here to its end: perhaps looks whether it is needed, then serves.
+class DeviceProgram
+{
+public:
+    DeviceProgram(const DeviceArguments& arguments, bool hasWindow)
+        : mArguments(arguments), mHasWindow(hasWindow), mPlatform(mDesktop.platform())
+    {
+    }
+
+    void begin()
+    {
+        if (mArguments.unlessSeenWithin)
+            lookForOthers();
+        else
+            serve();
+    }
+    void quit()
+    {
+        if (mServer)
+            mServer->stop([] { QCoreApplication::quit(); });
+        else
+            QCoreApplication::quit();
+    }
+
+private:
+    void lookForOthers()
+    {
+        const auto seen = [](const std::string& name) {
+            std::printf("There is a device already: %s\n",
+                        plainLinkText(name, kLinkTextLimit).c_str());
+            QCoreApplication::quit();
+        };
+        mOthers = std::make_shared<OtherDevices>(mDiscovery, *mPlatform.runLoop);
+        mOthers->look(Duration(*mArguments.unlessSeenWithin), seen, [this] { serve(); });
+    }
+    void serve()
+    {
+        mServer = std::make_shared<DeviceServer>(settingsFor(mArguments), mPublisher,
+                                                 *mPlatform.log, LinkTimes{});
+        if (mHasWindow)
+            showWindow();
+        if (!mServer->start()) {
+            mPlatform.log->write(LogLevel::error, "There is no port to listen on");
+            QCoreApplication::exit(kNoPort);
+        }
+    }
+    void showWindow()
+    {
+        mWindow = std::make_unique<DeviceWindow>([this] { quit(); });
+        mServer->setObserver([this] { mWindow->showStatus(mServer->status()); });
+        mWindow->showStatus(mServer->status());
+        mWindow->show();
+    }
+
+    DeviceArguments mArguments;
+    bool mHasWindow;
+    DesktopPlatform mDesktop{{}};
+    Platform& mPlatform;
+    DesktopDiscovery mDiscovery{*mPlatform.log};
+    DesktopNetServicePublisher mPublisher{*mPlatform.log};
+    std::shared_ptr<OtherDevices> mOthers;
+    std::shared_ptr<DeviceServer> mServer;
+    std::unique_ptr<DeviceWindow> mWindow;
+};
+
+int run(const DeviceArguments& arguments, bool hasWindow)
+{
+    DeviceProgram program(arguments, hasWindow);
+    const TerminationSignals termination([&] { program.quit(); });
+    program.begin();
+    return QCoreApplication::exec();
+}
+
+/// Answers what needs no program; nothing when the program is to run.
+std::optional<int> answerOnly(const DeviceArguments& arguments)
+{
+    if (!arguments.mistake.empty()) {
+        std::fprintf(stderr, "farview-device: %s (see farview-device --help)\n",
+                     arguments.mistake.c_str());
+        return kWrongUse;
+    }
+    if (arguments.wantsHelp)
+        std::fputs(deviceUsage, stdout);
+    else if (arguments.wantsVersion)
+        std::puts("farview-device " FARVIEW_VERSION);
+    else
+        return std::nullopt;
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const DeviceArguments arguments = readDeviceArguments({argv + 1, argv + argc});
+    if (const auto status = answerOnly(arguments))
+        return *status;
+    if (arguments.isHeadless || !hasDisplay()) {
+        const QCoreApplication application(argc, argv);
+        return run(arguments, false);
+    }
+    const QApplication application(argc, argv);
+    // The goodbye comes before the end.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QGuiApplication::setDesktopFileName(QStringLiteral("farview-device"));
+    return run(arguments, true);
+}

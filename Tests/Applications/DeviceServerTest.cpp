@@ -1,0 +1,275 @@
+#include "Applications/Device/DeviceServer.h"
+
+#include "Platform/Fake/FakeLog.h"
+#include "Tests/Applications/FakePublisher.h"
+#include "Tests/Link/LinkPeers.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace farview;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace
+{
+
+/// A host that connects to the device, with our own side of the link.
+struct TestHost {
+    std::shared_ptr<LinkRecorder> seen = std::make_shared<LinkRecorder>();
+    std::shared_ptr<LinkConnection> link;
+
+    explicit TestHost(std::uint16_t port)
+    {
+        auto socket = std::make_unique<QTcpSocket>();
+        socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+        waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; });
+        link = LinkConnection::make(LinkSide::host, std::move(socket), seen, ownGreeting(),
+                                    quickTimes());
+    }
+};
+
+class DeviceServerTest : public testing::Test
+{
+protected:
+    DeviceServerTest()
+    {
+        settings.name = "Desk";
+        settings.hostName = "desk-1234";
+        settings.port = 0;
+        settings.address = QHostAddress(QHostAddress::LocalHost);
+    }
+
+    void start()
+    {
+        server = std::make_shared<DeviceServer>(settings, publisher, log, quickTimes());
+        server->setObserver([this] { ++changes; });
+        ASSERT_TRUE(server->start());
+    }
+    std::unique_ptr<TestHost> host() const
+    {
+        return std::make_unique<TestHost>(server->status().port);
+    }
+    /// A connection that never says a word.
+    std::unique_ptr<QTcpSocket> silentSocket() const
+    {
+        auto socket = std::make_unique<QTcpSocket>();
+        socket->connectToHost(QHostAddress(QHostAddress::LocalHost), server->status().port);
+        waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; });
+        return socket;
+    }
+    bool isUsed() const { return server->status().usedBy.has_value(); }
+
+    DeviceSettings settings;
+    FakePublisher publisher;
+    FakeLog log;
+    int changes = 0;
+    std::shared_ptr<DeviceServer> server;
+};
+
+} // namespace
+
+TEST_F(DeviceServerTest, AnnouncesItselfAsFree)
+{
+    start();
+    ASSERT_TRUE(publisher.service);
+    EXPECT_EQ(publisher.service->name, "Desk");
+    EXPECT_EQ(publisher.service->hostName, "desk-1234");
+    EXPECT_EQ(publisher.service->type, "_qlexvscreen._udp");
+    EXPECT_EQ(publisher.service->port, server->status().port);
+    EXPECT_EQ(publisher.state(), "NotConnected");
+}
+
+TEST_F(DeviceServerTest, ShowsTheNameUnderWhichItWasAnnounced)
+{
+    start();
+    EXPECT_EQ(server->status().announcedName, "");
+    publisher.succeed("Desk #2");
+    EXPECT_EQ(server->status().announcedName, "Desk #2");
+}
+
+TEST_F(DeviceServerTest, ShowsThatItCannotBeAnnounced)
+{
+    start();
+    publisher.fail("no network");
+    EXPECT_THAT(server->status().trouble, HasSubstr("no network"));
+    EXPECT_TRUE(log.contains("no network"));
+    publisher.succeed("Desk");
+    EXPECT_EQ(server->status().trouble, "") << "it was tried again";
+}
+
+TEST_F(DeviceServerTest, TakesAFreePortAndWarnsWhenItsOwnIsTaken)
+{
+    QTcpServer other;
+    ASSERT_TRUE(other.listen(settings.address, 0));
+    settings.port = other.serverPort();
+    start();
+    EXPECT_NE(server->status().port, 0);
+    EXPECT_NE(server->status().port, other.serverPort());
+    EXPECT_EQ(publisher.service->port, server->status().port);
+    EXPECT_THAT(server->status().portWarning, HasSubstr("6001"));
+    EXPECT_TRUE(log.contains("needs port 6001"));
+}
+
+TEST_F(DeviceServerTest, LetsAHostInAndShowsItsAddress)
+{
+    start();
+    const auto guest = host();
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->opened && isUsed(); }));
+    EXPECT_EQ(server->status().usedBy, "127.0.0.1");
+    EXPECT_EQ(publisher.state(), "Connected");
+    EXPECT_GT(changes, 0);
+}
+
+TEST_F(DeviceServerTest, ShowsTheOptionsOfItsHost)
+{
+    start();
+    const auto guest = host();
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->opened; }));
+    EXPECT_FALSE(server->status().options);
+    guest->link->send(LinkOptions{true, false, true, false});
+    ASSERT_TRUE(waitUntil([&] { return server->status().options.has_value(); }));
+    EXPECT_EQ(*server->status().options, (LinkOptions{true, false, true, false}));
+}
+
+TEST_F(DeviceServerTest, RefusesASecondHostAndKeepsTheFirst)
+{
+    start();
+    const auto first = host();
+    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    const auto second = host();
+    ASSERT_TRUE(waitUntil([&] { return second->seen->ended(); }));
+    EXPECT_EQ(second->seen->reason(), LinkEndReason::refused);
+    EXPECT_THAT(second->seen->ends.front().text, HasSubstr("in use"));
+    EXPECT_TRUE(first->link->isOpen());
+    EXPECT_TRUE(isUsed());
+    EXPECT_THAT(publisher.states, ElementsAre("Connected"));
+}
+
+TEST_F(DeviceServerTest, LetsOnlyOneOfTwoInThatComeTogether)
+{
+    start();
+    const auto first = host();
+    const auto second = host();
+    ASSERT_TRUE(waitUntil([&] {
+        return (first->seen->opened || first->seen->ended()) &&
+               (second->seen->opened || second->seen->ended());
+    }));
+    EXPECT_NE(first->seen->opened, second->seen->opened);
+}
+
+TEST_F(DeviceServerTest, IsFreeAgainAfterAGoodbye)
+{
+    start();
+    const auto guest = host();
+    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    guest->link->close({LinkGoodbyeCode::byUser, ""});
+    ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
+    EXPECT_THAT(publisher.states, ElementsAre("Connected", "NotConnected"));
+    EXPECT_FALSE(server->status().options);
+
+    const auto next = host();
+    EXPECT_TRUE(waitUntil([&] { return next->seen->opened; }));
+}
+
+TEST_F(DeviceServerTest, IsFreeAgainWhenItsHostVanishes)
+{
+    start();
+    auto guest = host();
+    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    guest.reset();
+    ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
+    EXPECT_EQ(publisher.state(), "NotConnected");
+}
+
+TEST_F(DeviceServerTest, IsFreeAgainWhenItsHostFallsSilent)
+{
+    start();
+    const auto stranger = silentSocket();
+    writeBytes(*stranger, encodeGreeting(ownGreeting()));
+    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
+    EXPECT_TRUE(log.contains("stopped answering"));
+}
+
+TEST_F(DeviceServerTest, RefusesEveryHostWithTheUsersReason)
+{
+    settings.refusal = "Being cleaned";
+    start();
+    const auto guest = host();
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->ended(); }));
+    EXPECT_EQ(guest->seen->reason(), LinkEndReason::refused);
+    EXPECT_EQ(guest->seen->ends.front().text, "Being cleaned");
+    EXPECT_FALSE(isUsed());
+    EXPECT_TRUE(publisher.states.empty());
+}
+
+TEST_F(DeviceServerTest, IsNotKeptFromAHostByConnectionsThatSayNothing)
+{
+    start();
+    std::vector<std::unique_ptr<QTcpSocket>> strangers;
+    for (int count = 0; count < 12; ++count)
+        strangers.push_back(silentSocket());
+    const auto guest = host();
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->opened; }));
+    // All but the last few were told why they had to go.
+    ASSERT_TRUE(waitUntil([&] { return strangers.front()->bytesAvailable() > 0; }));
+    const QByteArray bytes = strangers.front()->readAll();
+    const auto answer = decodeAnswer(Bytes(bytes.begin(), bytes.end()));
+    ASSERT_EQ(answer.status, DecodeStatus::complete);
+    EXPECT_EQ(std::get<LinkRefusal>(answer.value).code, LinkRefusalCode::tooManyWaiting);
+}
+
+TEST_F(DeviceServerTest, SurvivesManyConnectionsThatComeAndGo)
+{
+    start();
+    for (int count = 0; count < 60; ++count) {
+        const auto socket = silentSocket();
+        if (count % 3 == 0)
+            writeBytes(*socket, {'x'});
+        if (count % 3 == 1)
+            writeBytes(*socket, encodeGreeting(ownGreeting()));
+    }
+    ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
+    const auto guest = host();
+    EXPECT_TRUE(waitUntil([&] { return guest->seen->opened; }));
+}
+
+TEST_F(DeviceServerTest, SaysGoodbyeWhenItStops)
+{
+    start();
+    const auto guest = host();
+    const auto stranger = silentSocket();
+    ASSERT_TRUE(waitUntil([&] { return isUsed() && guest->seen->opened; }));
+    bool stopped = false;
+    server->stop([&] { stopped = true; });
+    EXPECT_FALSE(stopped) << "never inside the call";
+    EXPECT_FALSE(publisher.service) << "the announcement goes first";
+    ASSERT_TRUE(waitUntil([&] { return stopped && guest->seen->ended(); }));
+    EXPECT_EQ(guest->seen->reason(), LinkEndReason::goodbye);
+    EXPECT_FALSE(isUsed());
+}
+
+TEST_F(DeviceServerTest, StopsWithinASecondWhateverTheOthersDo)
+{
+    start();
+    const auto stranger = silentSocket();
+    writeBytes(*stranger, encodeGreeting(ownGreeting()));
+    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    bool stopped = false;
+    server->stop([&] { stopped = true; });
+    EXPECT_TRUE(waitUntil([&] { return stopped; }, std::chrono::milliseconds(1200)));
+}
+
+TEST_F(DeviceServerTest, LetsNobodyInWhileItStops)
+{
+    start();
+    const std::uint16_t port = server->status().port;
+    bool stopped = false;
+    server->stop([&] { stopped = true; });
+    QTcpSocket late;
+    late.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    ASSERT_TRUE(waitUntil([&] { return stopped; }));
+    waitUntil([&] { return late.state() == QAbstractSocket::UnconnectedState; });
+    EXPECT_NE(late.state(), QAbstractSocket::ConnectedState);
+}

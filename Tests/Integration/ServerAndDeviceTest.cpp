@@ -1,0 +1,446 @@
+// The real screen server and the real device, each a process, on a private bus and network.
+
+#include "Common/FVEConstants.h"
+#include "Common/GetPID.h"
+#include "Platform/Platform.h"
+#include "Platform/Posix/PosixProcessTable.h"
+#include "Tests/Integration/TestPanel.h"
+#include "Tests/Link/LinkPeers.h"
+#include "Tests/Support/Isolation.h"
+#include "Tests/Support/PrivateBus.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/wait.h>
+
+using namespace farview;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using testing::HasSubstr;
+
+namespace
+{
+
+/// How soon a silent or dead peer must be noticed, and some patience with a busy machine.
+constexpr milliseconds kNoticed = seconds(5) + milliseconds(500);
+
+class ServerAndDevice : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (const std::string reason = whyNotIsolated(); !reason.empty())
+            GTEST_SKIP() << reason;
+        platform.processTable = &processTable;
+        scope = std::make_unique<Platform::Scope>(platform);
+        environment = {{"DBUS_SESSION_BUS_ADDRESS", bus.address()},
+                       {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + home.path("no-system-bus")},
+                       {"XDG_CONFIG_HOME", home.path("config")},
+                       {"XDG_DATA_HOME", home.path("data")},
+                       {"XDG_RUNTIME_DIR", home.path("runtime")},
+                       {"HOME", home.path()}};
+        panel = std::make_unique<TestPanel>();
+    }
+
+    std::unique_ptr<ChildProcess> start(const std::string& program,
+                                        const std::vector<std::string>& arguments,
+                                        const std::string& log)
+    {
+        std::vector<std::string> command{"sh", "-c",
+                                         "exec \"$0\" \"$@\" >>'" + home.path(log) + "' 2>&1",
+                                         FARVIEW_BINARY_DIR "/" + program};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return std::make_unique<ChildProcess>(command, environment);
+    }
+    void startServer()
+    {
+        server = start("ScreenCapture", {}, "server.log");
+        ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice)) << serverLog();
+        panel->reports.clear();
+    }
+    void startDevice(const std::vector<std::string>& more = {})
+    {
+        std::vector<std::string> arguments{"--headless", "--name", "Desk", "--host-name", "desk-7"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        device = start("farview-device", arguments, "device.log");
+    }
+    void connectByName()
+    {
+        panel->connectTo("desk-7.local");
+        ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
+    }
+    void connectByAddress()
+    {
+        ASSERT_TRUE(deviceSays("Announced"));
+        panel->connectToAddress("127.0.0.1");
+        ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
+        panel->reports.clear();
+    }
+    std::string text(const std::string& log) const
+    {
+        std::ostringstream all;
+        all << std::ifstream(home.path(log)).rdbuf();
+        return all.str();
+    }
+    std::string serverLog() const { return "\nserver:\n" + text("server.log"); }
+    std::string deviceLog() const { return "\ndevice:\n" + text("device.log"); }
+    bool deviceSays(const std::string& words, milliseconds limit = seconds(10)) const
+    {
+        return waitUntil([&] { return text("device.log").find(words) != std::string::npos; },
+                         limit);
+    }
+    static std::int32_t serverPid() { return GetPIDForProcessName("ScreenCapture"); }
+    bool serverEnded(milliseconds limit = seconds(3)) const
+    {
+        const auto status = server->waitForEnd(limit);
+        return status && WIFEXITED(*status) && WEXITSTATUS(*status) == 0 && serverPid() == -1;
+    }
+
+    PosixProcessTable processTable;
+    Platform platform;
+    std::unique_ptr<Platform::Scope> scope;
+    TemporaryFolder home;
+    PrivateBus bus;
+    SessionBusScope session{bus.address()};
+    ChildProcess::Environment environment;
+    std::unique_ptr<TestPanel> panel;
+    std::unique_ptr<ChildProcess> device;
+    std::unique_ptr<ChildProcess> server;
+};
+
+/// A device that the test scripts, on the port where addresses are tried.
+class ServerAndStranger : public ServerAndDevice
+{
+protected:
+    void SetUp() override
+    {
+        ServerAndDevice::SetUp();
+        if (IsSkipped())
+            return;
+        ASSERT_TRUE(stranger.listen(QHostAddress(QHostAddress::LocalHost), 6001));
+        startServer();
+    }
+    QTcpSocket* connection()
+    {
+        waitUntil([this] { return stranger.hasPendingConnections(); });
+        return stranger.nextPendingConnection();
+    }
+    bool asksForTheErrorText(milliseconds limit = seconds(7))
+    {
+        return panel->hears(kRequestingErrorMsgFromPrefPane, limit);
+    }
+
+    QTcpServer stranger;
+};
+
+} // namespace
+
+TEST_F(ServerAndDevice, MeetByHostName)
+{
+    startDevice();
+    startServer();
+    connectByName();
+    EXPECT_EQ(panel->last(kServerConnectedToDevice)->deviceName, "desk-7.local");
+    EXPECT_NE(panel->last(kServerConnectedToDevice)->deviceAddress, "");
+    EXPECT_TRUE(deviceSays("Connected to the host at")) << deviceLog();
+}
+
+TEST_F(ServerAndDevice, MeetByHostNameOnAnyPort)
+{
+    startDevice({"--port", "0"});
+    startServer();
+    connectByName();
+    EXPECT_THAT(deviceLog(), HasSubstr("needs port 6001"));
+}
+
+TEST_F(ServerAndDevice, MeetByAddress)
+{
+    startDevice();
+    startServer();
+    ASSERT_TRUE(deviceSays("Announced")) << deviceLog();
+    panel->connectToAddress("127.0.0.1");
+    ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog();
+    EXPECT_EQ(panel->last(kServerConnectedToDevice)->deviceName, "Other");
+    EXPECT_EQ(panel->last(kServerConnectedToDevice)->deviceAddress, "127.0.0.1");
+    panel->post(kQueryRequestForConnectedHost);
+    ASSERT_TRUE(panel->hears(kQueryResultForConnectedHost));
+    EXPECT_EQ(panel->last(kQueryResultForConnectedHost)->deviceAddress, "127.0.0.1");
+}
+
+TEST_F(ServerAndDevice, PartWhenThePanelAsks)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    panel->post(kDisconnectCurrentServerFromHost);
+    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice));
+    EXPECT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
+    panel->reports.clear();
+    connectByAddress();
+}
+
+TEST_F(ServerAndDevice, TellTheUserThatTheDeviceIsInUse)
+{
+    startDevice();
+    startServer();
+    ASSERT_TRUE(deviceSays("Announced"));
+    auto socket = std::make_unique<QTcpSocket>();
+    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), 6001);
+    ASSERT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
+    const auto seen = std::make_shared<LinkRecorder>();
+    const auto first =
+        LinkConnection::make(LinkSide::host, std::move(socket), seen, ownGreeting(), LinkTimes{});
+    ASSERT_TRUE(waitUntil([&] { return seen->opened; }));
+
+    panel->connectToAddress("127.0.0.1");
+    ASSERT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));
+    EXPECT_THAT(serverLog(), HasSubstr("in use by another computer"));
+    EXPECT_TRUE(first->isOpen());
+}
+
+TEST_F(ServerAndDevice, TellTheUserThatTheDeviceRefuses)
+{
+    startDevice({"--refuse", "Closed for maintenance"});
+    startServer();
+    panel->connectTo("desk-7.local");
+    ASSERT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));
+    EXPECT_THAT(serverLog(), HasSubstr("Closed for maintenance"));
+}
+
+TEST_F(ServerAndDevice, ReportADeviceThatIsKilled)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    device->kill();
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed)) << serverLog();
+}
+
+TEST_F(ServerAndDevice, ReportADeviceThatStopsAnswering)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    device->sendSignal(SIGSTOP);
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed)) << serverLog();
+    EXPECT_THAT(serverLog(), HasSubstr("stopped answering"));
+
+    device->sendSignal(SIGCONT);
+    ASSERT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
+    connectByAddress();
+}
+
+TEST_F(ServerAndDevice, MeetAgainAfterTheDeviceVanishedAndReturned)
+{
+    startDevice();
+    startServer();
+    connectByName();
+    device->kill();
+    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed));
+    panel->reports.clear();
+    std::filesystem::remove(home.path("device.log"));
+    startDevice();
+    ASSERT_TRUE(deviceSays("Announced")) << deviceLog();
+    connectByName();
+}
+
+TEST_F(ServerAndDevice, HearTheDevicesGoodbye)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    device->sendSignal(SIGTERM);
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, seconds(2)));
+    EXPECT_THAT(serverLog(), HasSubstr("switched off"));
+    const auto status = device->waitForEnd(seconds(3));
+    ASSERT_TRUE(status);
+    EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 0) << deviceLog();
+}
+
+TEST_F(ServerAndDevice, HearTheServersGoodbye)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    server->sendSignal(SIGTERM);
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, seconds(2)));
+    EXPECT_TRUE(serverEnded()) << serverLog();
+    ASSERT_TRUE(deviceSays("The host is gone", seconds(2)));
+    EXPECT_THAT(deviceLog(), testing::Not(HasSubstr("was lost"))) << "it was a goodbye";
+}
+
+TEST_F(ServerAndDevice, EndInTimeThoughTheOtherIsStopped)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    device->sendSignal(SIGSTOP);
+    const auto begin = std::chrono::steady_clock::now();
+    server->sendSignal(SIGTERM);
+    EXPECT_TRUE(serverEnded());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, milliseconds(1500));
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, seconds(1)));
+}
+
+TEST_F(ServerAndDevice, EndWhenThePanelSaysSo)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    panel->post(kTerminateScreenServer);
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, seconds(2)));
+    EXPECT_TRUE(serverEnded()) << serverLog();
+    EXPECT_TRUE(deviceSays("The host is gone", seconds(2)));
+}
+
+TEST_F(ServerAndDevice, FreeTheDeviceAndStartAgainWhenTheServerIsKilled)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    const std::int32_t killed = serverPid();
+    ASSERT_GT(killed, 0);
+    ::kill(killed, SIGKILL);
+    EXPECT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
+    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice)) << "the server that follows";
+    EXPECT_NE(serverPid(), killed);
+    panel->reports.clear();
+    connectByAddress();
+}
+
+TEST_F(ServerAndDevice, FreeTheDeviceWhenTheServerIsStopped)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    const std::int32_t stopped = serverPid();
+    ASSERT_GT(stopped, 0);
+    ::kill(stopped, SIGSTOP);
+    EXPECT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
+    ::kill(stopped, SIGCONT);
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed)) << serverLog();
+}
+
+TEST_F(ServerAndDevice, SurviveTheBus)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    bus.stop();
+    ASSERT_TRUE(waitUntil([&] { return !panel->isConnectedToBus(); }));
+    bus.start();
+    ASSERT_TRUE(waitUntil([&] { return panel->isConnectedToBus(); }));
+    // The panel asks for itself when the bus is back; the server also speaks unasked.
+    ASSERT_TRUE(waitUntil([&] {
+        panel->post(kQueryRequestForConnectedHost);
+        return panel->last(kQueryResultForConnectedHost) != nullptr;
+    })) << serverLog();
+    EXPECT_EQ(panel->last(kQueryResultForConnectedHost)->deviceAddress, "127.0.0.1");
+    EXPECT_EQ(panel->last(kServerDisconnectedFromDevice), nullptr) << "the device stayed";
+}
+
+TEST_F(ServerAndDevice, TellTheDeviceWhatTheUserWants)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    // The user's defaults.
+    EXPECT_TRUE(deviceSays("these options: touch retina windows-move-back")) << deviceLog();
+}
+
+TEST_F(ServerAndDevice, LeaveADeviceAloneThatIsNotNeeded)
+{
+    startDevice();
+    ASSERT_TRUE(deviceSays("Announced")) << deviceLog();
+    const auto needless =
+        start("farview-device", {"--headless", "--unless-seen", "8"}, "second.log");
+    const auto status = needless->waitForEnd();
+    ASSERT_TRUE(status);
+    EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 0);
+    EXPECT_THAT(text("second.log"), HasSubstr("There is a device already: Desk"));
+}
+
+TEST_F(ServerAndDevice, AnswerTheCommandLine)
+{
+    const auto answer = [this](const std::vector<std::string>& arguments) {
+        const auto program = start("farview-device", arguments, "answer.log");
+        const auto status = program->waitForEnd();
+        return status && WIFEXITED(*status) ? WEXITSTATUS(*status) : -1;
+    };
+    EXPECT_EQ(answer({"--help"}), 0);
+    EXPECT_EQ(answer({"--version"}), 0);
+    EXPECT_EQ(answer({"--port", "many"}), 2);
+    EXPECT_THAT(text("answer.log"), HasSubstr("Usage: farview-device"));
+    EXPECT_THAT(text("answer.log"), HasSubstr("--port cannot have that value"));
+}
+
+TEST_F(ServerAndDevice, IsOneServerForTheUser)
+{
+    startServer();
+    const auto second = start("ScreenCapture", {}, "second.log");
+    const auto status = second->waitForEnd();
+    ASSERT_TRUE(status);
+    EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 0);
+    EXPECT_TRUE(server->isRunning());
+    panel->post(kQueryRequestForConnectedHost);
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice));
+}
+
+TEST_F(ServerAndDevice, TellTheUserThatNobodyIsThere)
+{
+    startServer();
+    panel->connectToAddress("127.0.0.1");
+    EXPECT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane, seconds(2)));
+    EXPECT_THAT(serverLog(), HasSubstr("refused"));
+}
+
+TEST_F(ServerAndStranger, TellTheUserOfADeviceThatNeverGreets)
+{
+    panel->connectToAddress("127.0.0.1");
+    QTcpSocket* const silent = connection();
+    ASSERT_TRUE(silent);
+    EXPECT_TRUE(asksForTheErrorText()) << serverLog();
+}
+
+TEST_F(ServerAndStranger, TellTheUserOfADeviceThatNeverAccepts)
+{
+    // The system completes the connection; nobody takes it.
+    stranger.pauseAccepting();
+    panel->connectToAddress("127.0.0.1");
+    EXPECT_TRUE(asksForTheErrorText()) << serverLog();
+}
+
+TEST_F(ServerAndStranger, TellTheUserOfADeviceThatGreetsWithGarbage)
+{
+    panel->connectToAddress("127.0.0.1");
+    QTcpSocket* const garbled = connection();
+    ASSERT_TRUE(garbled);
+    garbled->write("SSH-2.0-OpenSSH_9.2p1\r\n");
+    EXPECT_TRUE(asksForTheErrorText(seconds(2))) << serverLog();
+}
+
+TEST_F(ServerAndStranger, TellTheUserOfADeviceThatVanishesAtTheGreeting)
+{
+    panel->connectToAddress("127.0.0.1");
+    QTcpSocket* const vanishing = connection();
+    ASSERT_TRUE(vanishing);
+    vanishing->abort();
+    EXPECT_TRUE(asksForTheErrorText(seconds(2))) << serverLog();
+}
+
+TEST_F(ServerAndStranger, GoOnAfterABadDevice)
+{
+    panel->connectToAddress("127.0.0.1");
+    QTcpSocket* const garbled = connection();
+    ASSERT_TRUE(garbled);
+    garbled->write(QByteArray(100000, '\xFF'));
+    ASSERT_TRUE(asksForTheErrorText(seconds(2)));
+    stranger.close();
+    startDevice();
+    connectByAddress();
+}

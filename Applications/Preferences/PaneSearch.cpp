@@ -12,8 +12,11 @@ QStringList findPanes(farview::SearchPaths& searchPaths)
                                 farview::userDomain | farview::localDomain | farview::systemDomain);
     for (const auto& folder : folders) {
         const QDir directory(QString::fromStdString(folder));
-        for (const QString& name : directory.entryList({u"*.prefPane"_qs}, QDir::Dirs, QDir::Name))
-            panes += QDir::cleanPath(directory.absoluteFilePath(name));
+        // Without a name filter: that would bring the pattern machinery into every start.
+        for (const QString& name : directory.entryList(QDir::Dirs, QDir::Name)) {
+            if (name.endsWith(u".prefPane"_qs))
+                panes += QDir::cleanPath(directory.absoluteFilePath(name));
+        }
     }
     return panes;
 }

@@ -103,9 +103,9 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
     SingleInstance instance;
     PreferencesHost host(PaneLoader(bundles, false));
     const bool first = instance.becomeFirst([&](const SingleInstance::Wish& wish) {
-        const HostError error = wish.pane.isEmpty() ? HostError{} : host.open(wish.pane);
+        // First to the front, so that what may have to be said stands before it.
         host.window().bringToFront(wish.activationToken);
-        return error;
+        return wish.pane.isEmpty() ? HostError{} : host.open(wish.pane);
     });
     if (!first)
         return fail(instance.handOver({asked.isEmpty() ? QString() : pane, token}));

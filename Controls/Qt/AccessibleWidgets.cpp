@@ -65,6 +65,16 @@ public:
             return mPopUp->title();
         return QAccessibleWidget::text(kind == QAccessible::Description ? QAccessible::Name : kind);
     }
+    // The open menu is a window of its own; only here can it be found.
+    int childCount() const override { return mPopUp->openMenu() ? 1 : 0; }
+    QAccessibleInterface* child(int index) const override
+    {
+        return index == 0 ? QAccessible::queryAccessibleInterface(mPopUp->openMenu()) : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override
+    {
+        return mPopUp->openMenu() && child->object() == mPopUp->openMenu() ? 0 : -1;
+    }
     QStringList actionNames() const override
     {
         return mPopUp->isEnabled() ? QStringList{pressAction(), setFocusAction()} : QStringList{};

@@ -206,6 +206,13 @@ TEST_F(BoundPopUp, AssistiveTechnologyReadsTheChoiceAndTheLabelAndCanOpenIt)
     accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_NE(widget.openMenu(), nullptr);
     EXPECT_TRUE(accessible->state().expanded);
+    ASSERT_EQ(accessible->childCount(), 1);
+    ASSERT_NE(accessible->child(0), nullptr);
+    EXPECT_EQ(accessible->child(0)->childCount(), 2);
+    EXPECT_EQ(accessible->child(0)->child(1)->text(QAccessible::Name), QStringLiteral("Tablet"));
+    EXPECT_EQ(accessible->indexOfChild(accessible->child(0)), 0);
+    widget.openMenu()->close();
+    EXPECT_EQ(accessible->childCount(), 0);
 }
 
 } // namespace

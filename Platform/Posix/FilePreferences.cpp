@@ -71,6 +71,7 @@ bool FilePreferences::store(Scope& scope)
     if (scope.pending.empty())
         return true;
     const auto patience = scope.hasWaitedInVain ? std::chrono::milliseconds::zero() : longestWait;
+    scope.snapshot.forget();
     const auto result = mergeIntoPreferences(scope.location, scope.pending, patience);
     scope.hasWaitedInVain = result.status == PreferencesMergeResult::Status::locked;
     report(scope, scope.lastWriteTrouble, result.reason);

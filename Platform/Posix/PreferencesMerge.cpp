@@ -71,6 +71,8 @@ void Merge::refuseWhatCannotBeWritten()
 PreferencesMergeResult Merge::run()
 {
     mStored = readDictionaryFile(mLocation.path);
+    // A file that is still open when it is replaced costs the file system twice the work.
+    mStored.file.descriptor = FileDescriptor();
     if (mTarget.empty() || mStored.status == PropertyListFile::Status::unreadable)
         return failure(mTarget.empty() ? "links in a circle" : mStored.reason);
     apply();

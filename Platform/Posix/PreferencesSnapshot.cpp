@@ -46,6 +46,12 @@ void PreferencesSnapshot::load()
     mIsSettled = isOlderThanAStep(mFile.file.identity);
 }
 
+void PreferencesSnapshot::forget()
+{
+    mFile = {};
+    mIsLoaded = false;
+}
+
 const PropertyList* PreferencesSnapshot::find(const std::string& key)
 {
     if (mPath.empty())

@@ -15,6 +15,8 @@ public:
 
     /// The key's value as the file has it now, or null. Lives until the next call.
     const PropertyList* find(const std::string& key);
+    /// Closes the file, which is about to be replaced; the next find() reads the new one.
+    void forget();
     /// Why the file gives no values although there is one; empty when all is well.
     const std::string& reason() const { return mFile.reason; }
 

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <fcntl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -93,8 +94,13 @@ TEST_F(FilePreferencesTest, AChangeByAnotherProcessIsSeenAtTheNextRead)
 
 TEST_F(FilePreferencesTest, AnEditInPlaceOfTheSameSizeIsSeenAtTheNextRead)
 {
-    for (int number = 10; number < 99; ++number) {
-        writeFile(listWith("key", std::to_string(number)));
+    writeFile(listWith("key", "000"));
+    const FileDescriptor file(::open(path().c_str(), O_WRONLY | O_CLOEXEC));
+    // So quick that, before Linux 6.13, most edits leave the file's times as they were.
+    for (int number = 100; number < 999; ++number) {
+        const auto text = listWith("key", std::to_string(number));
+        ASSERT_EQ(::pwrite(file.get(), text.data(), text.size(), 0),
+                  static_cast<ssize_t>(text.size()));
         ASSERT_EQ(read(), PropertyList(std::to_string(number)));
     }
 }

@@ -14,8 +14,8 @@ HostWindow::HostWindow() : mLayout(new QVBoxLayout(this))
 QSize HostWindow::firstSize(const QWidget& view)
 {
     QSize size = view.size().expandedTo(view.sizeHint());
-    if (view.hasHeightForWidth())
-        size.setHeight(std::max(size.height(), view.heightForWidth(size.width())));
+    if (const QLayout* layout = view.layout())
+        size.setHeight(std::max(view.height(), layout->totalMinimumHeightForWidth(size.width())));
     return size;
 }
 

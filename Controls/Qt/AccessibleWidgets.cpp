@@ -58,16 +58,6 @@ public:
         state.expanded = mPopUp->openMenu() != nullptr;
         return state;
     }
-    // A window is not found among its parent's children by itself.
-    int childCount() const override { return mPopUp->openMenu() ? 1 : 0; }
-    QAccessibleInterface* child(int index) const override
-    {
-        return index == 0 ? QAccessible::queryAccessibleInterface(mPopUp->openMenu()) : nullptr;
-    }
-    int indexOfChild(const QAccessibleInterface* child) const override
-    {
-        return mPopUp->openMenu() && child->object() == mPopUp->openMenu() ? 0 : -1;
-    }
     // What is chosen is not read out for this role unless it is the name.
     QString text(QAccessible::Text kind) const override
     {

@@ -24,10 +24,13 @@ void writeText(const char* path, const std::string& text) { std::ofstream(path) 
 bool hasOwnMounts()
 {
     const auto user = std::to_string(::getuid());
+    const auto group = std::to_string(::getgid());
     if (::unshare(CLONE_NEWNS) != 0) {
         if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
             return false;
         writeText("/proc/self/uid_map", "0 " + user + " 1");
+        writeText("/proc/self/setgroups", "deny");
+        writeText("/proc/self/gid_map", "0 " + group + " 1");
     }
     return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }

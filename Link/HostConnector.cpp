@@ -77,12 +77,13 @@ void HostConnector::attemptFailed(QTcpSocket* socket)
     tryNext();
 }
 
-// By value: the connector, and with it a text of its own, may go inside the report.
 void HostConnector::fail(std::string why)
 {
     stop();
+    // Both moved out first: the connector may be destroyed inside.
     const Failed failed = std::exchange(mFailed, nullptr);
-    failed(why);
+    const std::string reason = std::move(why);
+    failed(reason);
 }
 
 void HostConnector::stop()

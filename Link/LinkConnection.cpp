@@ -10,7 +10,7 @@ namespace farview
 namespace
 {
 
-constexpr qint64 kReadAtOnce = 64 * 1024;
+constexpr qint64 kReadAtOnce = qint64{64} * 1024;
 /// After its time a silent peer gets this long: when this process itself was stopped, the peer's
 /// bytes wait in the socket and are read first.
 constexpr std::chrono::milliseconds kSecondLook{100};
@@ -329,7 +329,7 @@ void LinkConnection::leave(const Bytes& lastWords, LinkEnd end)
     mDeadline.start(mTimes.farewell);
 }
 
-void LinkConnection::end(LinkEnd end)
+void LinkConnection::end(const LinkEnd& end)
 {
     if (mState == State::ended)
         return;

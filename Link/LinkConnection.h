@@ -99,7 +99,7 @@ private:
     void deadlineElapsed();
     void write(const Bytes& bytes);
     void leave(const Bytes& lastWords, LinkEnd end);
-    void end(LinkEnd end);
+    void end(const LinkEnd& end);
 
     LinkSide mSide;
     LinkGreeting mSpeaks;

@@ -13,6 +13,10 @@ namespace
 constexpr Duration firstPause{0.1};
 constexpr Duration longestPause{5.0};
 
+constexpr int callLimit = 10'000;
+/// A bus allows each connection 128 calls without a reply.
+constexpr int mostOpenCalls = 100;
+
 const QString busName = QStringLiteral("org.freedesktop.DBus");
 const QString daemonName = QStringLiteral("org.freedesktop.Avahi");
 const QString serverInterface = QStringLiteral("org.freedesktop.Avahi.Server2");
@@ -173,12 +177,29 @@ QDBusMessage AvahiDaemonLink::serverCall(const QString& member)
 
 void AvahiDaemonLink::call(QDBusMessage message, Answer answer)
 {
-    constexpr int limit = 10'000;
     message.setAutoStartService(false);
+    mWaiting.emplace_back(std::move(message), std::move(answer));
+    sendWaiting();
+}
+
+void AvahiDaemonLink::sendWaiting()
+{
+    while (mOpenCalls < mostOpenCalls && !mWaiting.empty()) {
+        const auto [message, answer] = std::move(mWaiting.front());
+        mWaiting.pop_front();
+        ask(message, answer);
+    }
+}
+
+void AvahiDaemonLink::ask(const QDBusMessage& message, const Answer& answer)
+{
     const auto connection = mConnection ? *mConnection : QDBusConnection(QString());
-    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(message, limit), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, answer] {
+    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(message, callLimit), this);
+    ++mOpenCalls;
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, answer] {
         watcher->deleteLater();
+        --mOpenCalls;
+        sendWaiting();
         answer(watcher->reply());
     });
 }

@@ -9,9 +9,11 @@
 #include <QObject>
 #include <QTimer>
 
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace farview
 {
@@ -38,7 +40,8 @@ public:
     unsigned daemonNumber() const { return mDaemonNumber; }
 
     static QDBusMessage serverCall(const QString& member);
-    /// Sends a call to the daemon; `answer` hears the reply or the error on a later turn.
+    /// Sends a call to the daemon, as soon as not too many are open; `answer` hears the reply or
+    /// the error on a later turn.
     void call(QDBusMessage message, Answer answer);
     /// The same without an interest in the answer.
     void send(QDBusMessage message);
@@ -65,6 +68,8 @@ private:
     void meetDaemon(const QString& owner);
     void listenToDaemon();
     void setPresence(Presence presence);
+    void sendWaiting();
+    void ask(const QDBusMessage& message, const Answer& answer);
 
     Log& mLog;
     std::optional<QDBusConnection> mConnection;
@@ -75,6 +80,8 @@ private:
     QTimer mRetry;
     GrowingPause mPause;
     std::map<QString, SignalHandler> mHandlers;
+    std::deque<std::pair<QDBusMessage, Answer>> mWaiting;
+    int mOpenCalls = 0;
 };
 
 } // namespace farview

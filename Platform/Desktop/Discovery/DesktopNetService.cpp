@@ -50,6 +50,7 @@ void DesktopNetService::resolveWithTimeout(Duration timeout)
     }
     mTimeout = std::make_unique<QTimer>();
     mTimeout->setSingleShot(true);
+    mTimeout->setTimerType(Qt::PreciseTimer);
     QObject::connect(mTimeout.get(), &QTimer::timeout, mTimeout.get(),
                      [this] { serviceCannotBeResolved("no answer in time"); });
     mTimeout->start(static_cast<int>(std::clamp(timeout.count(), 0.0, 86'400.0) * 1000));

@@ -57,6 +57,9 @@ void switchPublishingOff(AvahiServerConfig& config)
 
 EmbeddedServer::Result EmbeddedServer::start()
 {
+    // By the other protocol the stack would start all the same, and find next to nothing.
+    if (isPortDenied())
+        return {nullptr, DiscoveryCondition::refused};
     avahi_set_log_function(discardMessage);
     AvahiServerConfig config;
     avahi_server_config_init(&config);
@@ -67,8 +70,7 @@ EmbeddedServer::Result EmbeddedServer::start()
     avahi_server_config_free(&config);
     if (server->mServer)
         return {server, DiscoveryCondition::working};
-    return {nullptr,
-            isPortDenied() ? DiscoveryCondition::refused : DiscoveryCondition::unavailable};
+    return {nullptr, DiscoveryCondition::unavailable};
 }
 
 EmbeddedServer::~EmbeddedServer()

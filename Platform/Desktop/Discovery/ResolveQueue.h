@@ -32,8 +32,9 @@ public:
 
     DiscoverySource& source() { return *mSource; }
 
-    /// The daemon allows a program 1,024 objects; most are left to the watching of records.
-    static constexpr std::size_t limit = 256;
+    /// The bus allows a program 128 open questions, and a service that has died keeps one open for
+    /// five seconds.
+    static constexpr std::size_t limit = 64;
 
 private:
     struct Entry {

@@ -30,16 +30,22 @@ TEST_P(LosingAHost, TheCheckRemovesItsServicesAndTheirReturnIsSeen)
     runLoopFor(1s);
     EXPECT_EQ(mRecorder->present.size(), 2u);
 
+    const auto milliseconds = [begin = std::chrono::steady_clock::now()] {
+        return static_cast<int>((std::chrono::steady_clock::now() - begin) / 1ms);
+    };
     mDiscovery->checkAgain();
     ASSERT_TRUE(waitFor(1));
+    RecordProperty("removed_ms", milliseconds());
     EXPECT_THAT(mRecorder->names(), ElementsAre("alive"));
     mDiscovery->checkAgain();
     runLoopFor(5s);
     EXPECT_THAT(mRecorder->names(), ElementsAre("alive"));
 
     third.start();
+    const int restarted = milliseconds();
     ASSERT_TRUE(announcer.publish({"mortal"}));
     ASSERT_TRUE(waitFor(2));
+    RecordProperty("returned_ms", milliseconds() - restarted);
     EXPECT_NE(mRecorder->find("mortal"), lost);
     mRecorder->find("mortal")->resolveWithTimeout(Duration(5));
     EXPECT_TRUE(waitForResolves(1));

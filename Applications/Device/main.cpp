@@ -5,7 +5,6 @@
 #include "Applications/Device/OtherDevices.h"
 #include "Applications/TerminationSignals.h"
 #include "Platform/Desktop/DesktopPlatform.h"
-#include "Platform/Desktop/Discovery/DesktopDiscovery.h"
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
 #include "Platform/Posix/MachineIdentifier.h"
 
@@ -74,7 +73,7 @@ private:
                         plainLinkText(name, kLinkTextLimit).c_str());
             QCoreApplication::quit();
         };
-        mOthers = std::make_shared<OtherDevices>(mDiscovery, *mPlatform.runLoop);
+        mOthers = std::make_shared<OtherDevices>(*mPlatform.discovery, *mPlatform.runLoop);
         mOthers->look(Duration(*mArguments.unlessSeenWithin), seen, [this] { serve(); });
     }
     void serve()
@@ -100,7 +99,6 @@ private:
     bool mHasWindow;
     DesktopPlatform mDesktop{{}};
     Platform& mPlatform;
-    DesktopDiscovery mDiscovery{*mPlatform.log};
     DesktopNetServicePublisher mPublisher{*mPlatform.log};
     std::shared_ptr<OtherDevices> mOthers;
     std::shared_ptr<DeviceServer> mServer;

@@ -1,8 +1,8 @@
 #include "Applications/Preferences/PaneSearch.h"
 #include "Applications/Preferences/PreferencesHost.h"
-#include "Applications/Preferences/SingleInstance.h"
 #include "Applications/Preferences/SmokeTest.h"
-#include "Applications/Preferences/TerminationSignals.h"
+#include "Applications/Preferences/WindowOfTheSession.h"
+#include "Applications/TerminationSignals.h"
 #include "Common/NSURL_Additions.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PosixSearchPaths.h"
@@ -100,17 +100,16 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
 {
     const QString token =
         qEnvironmentVariable("XDG_ACTIVATION_TOKEN", qEnvironmentVariable("DESKTOP_STARTUP_ID"));
-    SingleInstance instance;
+    WindowOfTheSession instance;
     PreferencesHost host(PaneLoader(bundles, false));
-    const bool first = instance.becomeFirst([&](const SingleInstance::Wish& wish) {
+    const bool first = instance.becomeFirst([&](const WindowOfTheSession::Wish& wish) {
         // First to the front, so that what may have to be said stands before it.
         host.window().bringToFront(wish.activationToken);
         return wish.pane.isEmpty() ? HostError{} : host.open(wish.pane);
     });
     if (!first)
         return fail(instance.handOver({asked.isEmpty() ? QString() : pane, token}));
-    TerminationSignals signals_;
-    QObject::connect(&signals_, &TerminationSignals::received, qApp, [&] {
+    const farview::TerminationSignals termination([&] {
         host.window().close();
         QApplication::quit();
     });

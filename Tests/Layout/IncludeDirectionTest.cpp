@@ -31,7 +31,9 @@ const std::vector<Room> rooms = {
     {"PaneBundle/",
      {"Source/", "Controls/", "Common/", "Platform/", "Applications/Preferences/PaneInterface.h"},
      false},
-    {"Applications/Preferences/", {"Platform/", "Common/", "Controls/"}, false},
+    {"Applications/Preferences/",
+     {"Applications/TerminationSignals.h", "Platform/", "Common/", "Controls/"},
+     false},
     {"Applications/", {"Platform/", "Common/", "Controls/", "Link/"}, false},
 };
 

@@ -1,4 +1,4 @@
-#include "Applications/Preferences/SingleInstance.h"
+#include "Applications/Preferences/WindowOfTheSession.h"
 
 #include <QDBusMessage>
 
@@ -13,18 +13,18 @@ constexpr int longestWait = 5'000; // milliseconds
 
 } // namespace
 
-SingleInstance::SingleInstance()
+WindowOfTheSession::WindowOfTheSession()
     : mBus(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
                                          QString::fromLatin1(connectionName)))
 {
 }
 
-SingleInstance::~SingleInstance()
+WindowOfTheSession::~WindowOfTheSession()
 {
     QDBusConnection::disconnectFromBus(QString::fromLatin1(connectionName));
 }
 
-QString SingleInstance::serviceName() const
+QString WindowOfTheSession::serviceName() const
 {
     // Sessions of one user may share a bus, but not a screen.
     QString session;
@@ -36,7 +36,7 @@ QString SingleInstance::serviceName() const
     return session.isEmpty() ? name : name + u".session"_qs + session;
 }
 
-bool SingleInstance::becomeFirst(Handler handler)
+bool WindowOfTheSession::becomeFirst(Handler handler)
 {
     mHandler = std::move(handler);
     if (!mBus.isConnected())
@@ -46,7 +46,7 @@ bool SingleInstance::becomeFirst(Handler handler)
     return mBus.registerService(serviceName());
 }
 
-HostError SingleInstance::handOver(const Wish& wish)
+HostError WindowOfTheSession::handOver(const Wish& wish)
 {
     auto call = QDBusMessage::createMethodCall(serviceName(), QString::fromLatin1(objectPath),
                                                QString::fromLatin1(interfaceName), u"Show"_qs);
@@ -59,7 +59,7 @@ HostError SingleInstance::handOver(const Wish& wish)
             reply.arguments().at(1).toString()};
 }
 
-int SingleInstance::Show(const QString& pane, const QString& activationToken, QString& message)
+int WindowOfTheSession::Show(const QString& pane, const QString& activationToken, QString& message)
 {
     const HostError error = mHandler({pane, activationToken});
     message = error.message;

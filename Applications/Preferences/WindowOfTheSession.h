@@ -9,7 +9,7 @@
 
 /// One window per login session: the first start owns a name on the session bus, later ones hand
 /// their wish to it. Where there is no bus every start is the first.
-class SingleInstance : public QObject
+class WindowOfTheSession : public QObject
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.quillon.FarviewPreferences")
@@ -23,8 +23,8 @@ public:
     };
     using Handler = std::function<HostError(const Wish&)>;
 
-    SingleInstance();
-    ~SingleInstance() override;
+    WindowOfTheSession();
+    ~WindowOfTheSession() override;
 
     /// Whether this process is the one with the window. Then later starts call `handler`.
     bool becomeFirst(Handler handler);

@@ -22,6 +22,8 @@ namespace
 
 /// As many bytes of a name as the kernel keeps.
 constexpr std::size_t longestKernelName = 15;
+/// This many processes more, and as large a part of the count, fit without another count.
+constexpr std::size_t roomForMore = 16;
 
 struct CloseFolder {
     void operator()(DIR* folder) const { ::closedir(folder); }
@@ -68,8 +70,8 @@ public:
 private:
     /// Puts "PID/file" into mPath.
     const char* path(std::int32_t pid, const char* file);
-    bool isOwn(std::int32_t pid);
-    std::string_view statusLine(std::int32_t pid);
+    bool isOwn(const FileDescriptor& statusFile, std::int32_t pid);
+    std::string_view statusLine(const FileDescriptor& statusFile);
     std::string_view executableName(std::int32_t pid);
 
     Folder mFolder;
@@ -103,20 +105,23 @@ const char* Scan::path(std::int32_t pid, const char* file)
     return mPath.append(file).c_str();
 }
 
-/// The folder tells; the files in it belong to root when the process keeps its memory private.
-bool Scan::isOwn(std::int32_t pid)
+/// The file of a process that keeps its memory private belongs to root: then only the folder tells.
+/// Asking the open file first takes a tenth of the time.
+bool Scan::isOwn(const FileDescriptor& statusFile, std::int32_t pid)
 {
     struct stat status {
     };
+    if (::fstat(statusFile.get(), &status) != 0)
+        return false;
+    if (status.st_uid != 0)
+        return status.st_uid == mUser;
     return ::fstatat(::dirfd(mFolder.get()), path(pid, ""), &status, 0) == 0 &&
            status.st_uid == mUser;
 }
 
-std::string_view Scan::statusLine(std::int32_t pid)
+std::string_view Scan::statusLine(const FileDescriptor& statusFile)
 {
-    const FileDescriptor file(
-        ::openat(::dirfd(mFolder.get()), path(pid, "/stat"), O_RDONLY | O_CLOEXEC));
-    const auto count = file.isOpen() ? ::read(file.get(), mLine.data(), mLine.size()) : 0;
+    const auto count = ::read(statusFile.get(), mLine.data(), mLine.size());
     return {mLine.data(), count > 0 ? static_cast<std::size_t>(count) : 0};
 }
 
@@ -133,9 +138,11 @@ std::string_view Scan::executableName(std::int32_t pid)
 
 std::optional<ProcessRecord> Scan::record(std::int32_t pid)
 {
-    if (!isOwn(pid))
+    const FileDescriptor file(
+        ::openat(::dirfd(mFolder.get()), path(pid, "/stat"), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen() || !isOwn(file, pid))
         return std::nullopt;
-    const auto status = parseStatus(statusLine(pid));
+    const auto status = parseStatus(statusLine(file));
     if (!status || !isRunning(status->state))
         return std::nullopt;
     std::string_view name = status->name;
@@ -157,12 +164,16 @@ int PosixProcessTable::size(std::size_t& recordCount)
     Scan scan;
     if (const int error = scan.open(mRoot))
         return error;
-    std::size_t count = 0;
-    while (scan.next() != 0)
-        ++count;
-    if (scan.error() == 0)
-        recordCount = count;
-    return scan.error();
+    if (mRoom == 0) {
+        std::size_t count = 0;
+        while (scan.next() != 0)
+            ++count;
+        if (scan.error() != 0)
+            return scan.error();
+        mRoom = count + count / roomForMore + roomForMore;
+    }
+    recordCount = mRoom;
+    return 0;
 }
 
 int PosixProcessTable::contents(std::span<ProcessRecord> records, std::size_t& recordCount)
@@ -175,8 +186,10 @@ int PosixProcessTable::contents(std::span<ProcessRecord> records, std::size_t& r
         const auto record = scan.record(pid);
         if (!record)
             continue;
-        if (count == records.size())
+        if (count == records.size()) {
+            mRoom = 0;
             return ENOMEM;
+        }
         records[count++] = *record;
     }
     if (scan.error() == 0)

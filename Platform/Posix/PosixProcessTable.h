@@ -10,7 +10,8 @@ namespace farview
 /// The caller's own processes (those of the effective user) as "/proc" lists them, in its order.
 ///
 /// Zombies are no running processes and are left out. A name that the kernel cut at 15 bytes is
-/// completed to 16 from the executable's name when that begins with it.
+/// completed to 16 from the executable's name when that begins with it. The size is counted once,
+/// and again only after the table has outgrown it: counting is a good part of the time.
 class PosixProcessTable final : public ProcessTable
 {
 public:
@@ -23,6 +24,8 @@ public:
 
 private:
     std::string mRoot;
+    /// What the last count came to, with room for more; 0 when there has to be another.
+    std::size_t mRoom = 0;
 };
 
 } // namespace farview

@@ -85,10 +85,8 @@ TYPED_TEST(ProcessTableContract, ATableThatHasGrownIsNotCutButReported)
     std::size_t count = 0;
     EXPECT_EQ(this->mScene.table().size(count), 0);
     std::vector<ProcessRecord> records(count);
-    while (records.size() >= count) {
-        this->mScene.add(static_cast<int>(count) + 1, "b");
-        ++count;
-    }
+    for (int pid = 2; pid <= static_cast<int>(records.size()) + 1; ++pid)
+        this->mScene.add(pid, "b");
     EXPECT_EQ(this->mScene.table().contents(records, count), ENOMEM);
 }
 

@@ -29,23 +29,24 @@ using Clock = std::chrono::steady_clock;
 
 struct Sample {
     double milliseconds = 0;
-    double megabytes = 0;
+    double resident = 0;     ///< all memory in use, in MB
+    double proportional = 0; ///< the process's own and its fair share of what is shared, in MB
 };
 
 struct FreeDeleter {
     void operator()(void* memory) const { std::free(memory); }
 };
 
-/// Memory that is the process's own or shared out fairly, in MB.
-double proportionalMemory(pid_t pid)
+void measureMemory(pid_t pid, Sample& sample)
 {
     std::ifstream rollup("/proc/" + std::to_string(pid) + "/smaps_rollup");
     for (std::string word; rollup >> word;) {
         double kilobytes = 0;
-        if (word == "Pss:" && rollup >> kilobytes)
-            return kilobytes / 1024;
+        if (word == "Rss:" && rollup >> kilobytes)
+            sample.resident = kilobytes / 1024;
+        else if (word == "Pss:" && rollup >> kilobytes)
+            sample.proportional = kilobytes / 1024;
     }
-    return 0;
 }
 
 /// Empties the file cache, so that the next start reads everything from the disk.
@@ -99,7 +100,7 @@ Sample measure(xcb_connection_t* display, const std::vector<std::string>& comman
     }
     sample.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
     std::this_thread::sleep_for(std::chrono::seconds(1));
-    sample.megabytes = proportionalMemory(pid);
+    measureMemory(pid, sample);
     kill(pid, SIGTERM);
     waitpid(pid, nullptr, 0);
     return sample;
@@ -114,15 +115,24 @@ Sample median(std::vector<Sample> samples)
         });
         return samples[middle].*member;
     };
-    return {by(&Sample::milliseconds), by(&Sample::megabytes)};
+    return {by(&Sample::milliseconds), by(&Sample::resident), by(&Sample::proportional)};
 }
 
-void print(const char* what, const Sample& program, const Sample& yardstick)
+void printLine(const char* start, const char* what, double program, double yardstick,
+               const char* unit, double limit)
 {
-    std::printf("%-14s %8.1f ms  against %7.1f ms  (%.2fx)   %6.1f MB against %6.1f MB (%.2fx)\n",
-                what, program.milliseconds, yardstick.milliseconds,
-                program.milliseconds / yardstick.milliseconds, program.megabytes,
-                yardstick.megabytes, program.megabytes / yardstick.megabytes);
+    const double ratio = program / yardstick;
+    std::printf("%s, %s: %.1f %s against %.1f %s of an empty window: %.2fx; at most %gx: %s\n",
+                start, what, program, unit, yardstick, unit, ratio, limit,
+                ratio <= limit ? "holds" : "MISSED");
+}
+
+void print(const char* start, const Sample& program, const Sample& yardstick)
+{
+    printLine(start, "window on screen", program.milliseconds, yardstick.milliseconds, "ms", 2);
+    printLine(start, "resident memory", program.resident, yardstick.resident, "MB", 1.5);
+    std::printf("  with shared memory shared out among those who use it: %.1f MB against %.1f MB\n",
+                program.proportional, yardstick.proportional);
 }
 
 } // namespace
@@ -152,8 +162,7 @@ int main(int argc, char** argv)
         forgetFiles();
         print("first start", measure(display, program), firstYardstick);
     } else {
-        std::printf(
-            "first start    not measured: only the administrator can empty the file cache\n");
+        std::printf("first start: not measured, only the administrator can empty the file cache\n");
     }
     std::vector<Sample> programs, yardsticks;
     for (int round = 0; round < count; ++round) {

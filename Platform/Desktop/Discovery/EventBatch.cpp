@@ -68,7 +68,7 @@ void EventBatch::flush()
     const unsigned generation = mGeneration;
     const auto runs = std::exchange(mRuns, {});
     for (const auto& run : runs) {
-        if (generation == mGeneration)
+        if (generation == mGeneration && !run.services.empty())
             mDeliver(run.found, run.services);
     }
 }

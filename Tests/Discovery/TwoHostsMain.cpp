@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <iostream>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,16 +37,6 @@ bool onlyListsTests(int argc, char** argv)
     return false;
 }
 
-class SkipEverything : public testing::Environment
-{
-public:
-    explicit SkipEverything(std::string reason) : mReason(std::move(reason)) {}
-    void SetUp() override { GTEST_SKIP() << mReason; }
-
-private:
-    std::string mReason;
-};
-
 void startAnewOnHostA(int argc, char** argv)
 {
     std::vector<char*> arguments{const_cast<char*>(script)};
@@ -63,8 +54,9 @@ int main(int argc, char** argv)
         const auto reason = reasonAgainstNamespaces();
         if (reason.empty())
             startAnewOnHostA(argc, argv);
-        testing::AddGlobalTestEnvironment(
-            new SkipEverything(reason.empty() ? std::string("cannot run ") + script : reason));
+        // The line by which ctest knows a skipped test.
+        std::cout << "[  SKIPPED ] " << (reason.empty() ? "cannot run the script" : reason) << "\n";
+        return 0;
     }
     // A test meets its own private buses only.
     ::setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);

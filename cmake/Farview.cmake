@@ -4,6 +4,8 @@ set(FARVIEW_WARNINGS -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-vi
 
 add_library(farview_options INTERFACE)
 target_compile_options(farview_options INTERFACE ${FARVIEW_WARNINGS})
+# Line numbers in backtraces are enough; full debug information doubles the time of a build.
+target_compile_options(farview_options INTERFACE $<$<CONFIG:RelWithDebInfo>:-g1>)
 target_include_directories(farview_options INTERFACE ${CMAKE_SOURCE_DIR})
 if(FARVIEW_SANITIZE)
   target_compile_options(farview_options INTERFACE -fsanitize=address,undefined
@@ -41,6 +43,8 @@ function(farview_test NAME)
     target_link_libraries(${NAME} PRIVATE GTest::gtest_main)
   endif()
   set_target_properties(${NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  # The code under test is built as users get it; optimising the tests themselves only costs time.
+  target_compile_options(${NAME} PRIVATE -O0)
   if(ARG_QT)
     set_target_properties(${NAME} PROPERTIES AUTOMOC ON)
   endif()

@@ -155,13 +155,13 @@ Subscription EmbeddedSource::resolve(const ServiceName& service, Sighting sighti
     return handleOf(std::move(resolver));
 }
 
+/// Its record is asked for on every interface. A resolve would settle for the first interface that
+/// answers, which may be one on which the host has no address.
 Subscription EmbeddedSource::listenFor(const ServiceName& service, std::function<void()> heard)
 {
-    const auto hear = [heard = std::move(heard)](const ResolveAnswer& answer) {
-        if (std::holds_alternative<ResolvedSighting>(answer))
-            heard();
-    };
-    return resolve(service, {}, Sighting::anyProtocol, hear);
+    RecordEvents events;
+    events.seen = [heard = std::move(heard)](Sighting, const Data&) { heard(); };
+    return watchTXTRecord(service, std::move(events));
 }
 
 Subscription EmbeddedSource::watchTXTRecord(const ServiceName& service, RecordEvents events)

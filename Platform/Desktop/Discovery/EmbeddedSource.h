@@ -19,8 +19,8 @@ public:
     Subscription resolve(const ServiceName& service, Sighting sighting, int addressProtocol,
                          std::function<void(ResolveAnswer)> answer) override;
     Subscription watchTXTRecord(const ServiceName& service, RecordEvents events) override;
-    /// Like `resolve`, but goes on after the first answer: `heard` is called each time when the
-    /// service answers.
+    /// Asks for the service with what is remembered, and listens: `heard` is called for each
+    /// answer, on whatever interface it comes.
     Subscription listenFor(const ServiceName& service, std::function<void()> heard);
 
 private:

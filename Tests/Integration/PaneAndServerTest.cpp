@@ -1,0 +1,98 @@
+// The real pane, the real screen server and a real device, from the choice to the end.
+
+#include "Tests/Integration/PaneSystem.h"
+
+namespace farview
+{
+namespace
+{
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+using PaneAndServer = PaneSystem;
+
+TEST_F(PaneAndServer, AChosenDeviceIsConnectedAndOffFreesIt)
+{
+    showWithDesk();
+    ASSERT_TRUE(choose("Desk"));
+    ASSERT_TRUE(selects("Desk")) << text("device.log");
+    EXPECT_TRUE(deviceSays("Connected to the host at")) << text("device.log");
+    EXPECT_EQ(preferences().currentVirtualScreenDevice(), "desk-7.local");
+    EXPECT_TRUE(pane->warningImage()->isHidden());
+    EXPECT_EQ(servers().size(), 1u);
+
+    pane->offTextPressed(nullptr);
+    EXPECT_TRUE(serversAre(0, seconds(3)));
+    EXPECT_TRUE(deviceSays("The host is gone", seconds(3))) << text("device.log");
+    EXPECT_EQ(pane->selectedNetService(), nullptr);
+    EXPECT_EQ(pane->virtualScreenSelectionPopup()->title(), "Farview: Off");
+
+    turnOn();
+    ASSERT_TRUE(choose("Desk")) << "it is free again";
+    EXPECT_TRUE(selects("Desk"));
+}
+
+TEST_F(PaneAndServer, HiddenAndShownAgainEverythingIsAsItWas)
+{
+    showConnectedToDesk();
+    const auto before = servers();
+    hide();
+    show();
+    // The new showing's list is still empty, and the server has not answered yet.
+    EXPECT_NE(entry("Desk (in background)"), nullptr);
+    ASSERT_TRUE(unlists("Desk (in background)"));
+    EXPECT_TRUE(selects("Desk"));
+    EXPECT_EQ(switchState(), 1);
+    EXPECT_EQ(servers(), before);
+}
+
+TEST_F(PaneAndServer, APanelThatIsClosedAndOpenedFindsTheConnection)
+{
+    showConnectedToDesk();
+    const auto before = servers();
+    hide();
+    reload();
+    show();
+    EXPECT_EQ(switchState(), 1);
+    EXPECT_TRUE(selects("Desk"));
+    EXPECT_EQ(servers(), before);
+}
+
+TEST_F(PaneAndServer, OffAndOnInQuickSuccessionEndsWithOneServer)
+{
+    showConnectedToDesk();
+    for (int round = 0; round < 8; ++round) {
+        pane->offTextPressed(nullptr);
+        pane->onTextPressed(nullptr);
+        // At once, and at several moments of the server's goodbye.
+        runLoopFor(milliseconds(round * 30));
+    }
+    EXPECT_TRUE(deviceSays("The host is gone")) << text("device.log");
+    ASSERT_TRUE(serversAre(1));
+    EXPECT_TRUE(serverAnswers());
+    ASSERT_TRUE(choose("Desk"));
+    EXPECT_TRUE(selects("Desk"));
+    EXPECT_EQ(servers().size(), 1u);
+    pane->watchdogTimerOperation(nullptr);
+    EXPECT_EQ(switchState(), 1);
+}
+
+TEST_F(PaneAndServer, OnAndOffInQuickSuccessionEndsWithoutAServer)
+{
+    load();
+    show();
+    for (int round = 0; round < 8; ++round) {
+        pane->onTextPressed(nullptr);
+        runLoopFor(milliseconds(round * 30));
+        pane->offTextPressed(nullptr);
+    }
+    // One that was just starting when it was asked to quit may not have heard it.
+    runLoopFor(seconds(1));
+    EXPECT_TRUE(serversAre(0));
+    pane->watchdogTimerOperation(nullptr);
+    EXPECT_EQ(switchState(), 0);
+}
+
+} // namespace
+} // namespace farview

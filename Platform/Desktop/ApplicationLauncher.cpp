@@ -59,7 +59,7 @@ bool ApplicationLauncher::launch(const std::string& bundlePath)
     if (mBus.isConnected())
         askRunningOne(*application);
     else
-        start(*application);
+        startUnlessItRuns(*application);
     return true;
 }
 
@@ -125,6 +125,15 @@ void ApplicationLauncher::useAnswer(const Application& application, bool runs)
         askRunningOne(application);
     else
         mStarts.erase(application.busName);
+}
+
+/// Without a bus nobody can be asked. One that runs cannot be told to quit either, so it stays.
+void ApplicationLauncher::startUnlessItRuns(const Application& application)
+{
+    if (isRunningDetached(application.executable))
+        mStarts.erase(application.busName);
+    else
+        start(application);
 }
 
 void ApplicationLauncher::start(const Application& application)

@@ -51,6 +51,7 @@ private:
     void askRunningOne(const Application& application);
     bool hasOwner(const QString& busName);
     void useAnswer(const Application& application, bool runs);
+    void startUnlessItRuns(const Application& application);
     void start(const Application& application);
 
     SessionBus& mBus;

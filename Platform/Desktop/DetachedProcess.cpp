@@ -1,10 +1,38 @@
 #include "Platform/Desktop/DetachedProcess.h"
 
+#include "Platform/Posix/FolderListing.h"
+
 #include <QProcess>
 #include <QProcessEnvironment>
 
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace farview
 {
+namespace
+{
+
+bool isOurs(const std::string& folder)
+{
+    struct stat status {
+    };
+    return ::stat(folder.c_str(), &status) == 0 && status.st_uid == ::geteuid();
+}
+
+/// Empty for one that has ended and waits for its parent.
+std::string firstArgument(const std::string& folder)
+{
+    std::string argument;
+    std::ifstream file(folder + "/cmdline");
+    std::getline(file, argument, '\0');
+    return argument;
+}
+
+} // namespace
 
 qint64 startDetached(const QString& program, const QStringList& arguments)
 {
@@ -20,6 +48,16 @@ qint64 startDetached(const QString& program, const QStringList& arguments)
     process.setProcessEnvironment(environment);
     qint64 pid = 0;
     return process.startDetached(&pid) ? pid : 0;
+}
+
+bool isRunningDetached(const QString& program)
+{
+    const std::string path = program.toStdString();
+    const auto processes = foldersInFolder("/proc");
+    return std::any_of(processes.begin(), processes.end(), [&](const std::string& name) {
+        const std::string folder = "/proc/" + name;
+        return isOurs(folder) && firstArgument(folder) == path;
+    });
 }
 
 } // namespace farview

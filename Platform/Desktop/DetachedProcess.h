@@ -11,4 +11,7 @@ namespace farview
 /// Returns its process identifier, or 0 when it could not be started.
 qint64 startDetached(const QString& program, const QStringList& arguments);
 
+/// Whether a process of this user runs that was started as `startDetached` starts `program`.
+bool isRunningDetached(const QString& program);
+
 } // namespace farview

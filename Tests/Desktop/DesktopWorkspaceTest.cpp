@@ -211,6 +211,22 @@ TEST_F(LaunchTest, WithoutABusItIsStillStartedOnce)
     EXPECT_EQ(notes(), (Notes{"started", "turn"}));
 }
 
+TEST_F(LaunchTest, WithoutABusOneThatAnotherProgramStartedIsNotStartedAgain)
+{
+    SessionBus noBus(mLog);
+    EXPECT_TRUE(launch(*std::make_unique<DesktopWorkspace>(noBus, mBundles, mLoop, mLog)));
+    ASSERT_TRUE(waitForNotes(2));
+    DesktopWorkspace another(noBus, mBundles, mLoop, mLog);
+    EXPECT_TRUE(launch(another));
+    runLoopFor(200ms);
+    EXPECT_EQ(notes(), (Notes{"started", "turn"}));
+
+    ::kill(mApplications.running().at(0), SIGKILL);
+    ASSERT_TRUE(waitUntil([&] { return mApplications.running().empty(); }));
+    EXPECT_TRUE(launch(another));
+    EXPECT_TRUE(waitForNotes(4)) << "one that has died is";
+}
+
 /// Stands in for the desktop's portal.
 class ScriptedPortal : public QObject
 {

@@ -19,4 +19,12 @@ void Button::performClick(Object* /*sender*/)
     sendAction();
 }
 
+void TextField::userTyped(std::string text)
+{
+    if (!isEnabled() || !mEditable || text == mStringValue)
+        return;
+    mStringValue = std::move(text);
+    changed(Change::typedText);
+}
+
 } // namespace farview

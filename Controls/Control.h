@@ -54,15 +54,31 @@ private:
     std::string mTitle;
 };
 
-/// A line or a paragraph of plain text.
+/// A line or a paragraph of plain text, or a field to type a line into.
 class TextField : public Control
 {
 public:
+    /// What the text is, not how it looks: whoever shows it picks a colour for it.
+    enum class Role { normal, error };
+
     const std::string& stringValue() const { return mStringValue; }
     void setStringValue(std::string text) { update(mStringValue, std::move(text)); }
+    Role textRole() const { return mTextRole; }
+    void setTextRole(Role role) { update(mTextRole, role); }
+    /// Whether the user may type here.
+    bool isEditable() const { return mEditable; }
+    void setEditable(bool editable) { update(mEditable, editable); }
+    /// Selects the whole text and puts the keyboard there.
+    void selectText() { changed(Change::textSelection); }
+
+    /// The user's door: the whole text after a keystroke, a paste or a deletion. Told as
+    /// `Change::typedText`. A field that is disabled or not editable ignores it.
+    void userTyped(std::string text);
 
 private:
     std::string mStringValue;
+    Role mTextRole = Role::normal;
+    bool mEditable = false;
 };
 
 /// A picture; which one is the interface file's business.

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace farview
@@ -24,6 +25,19 @@ class InterfaceOwner : public virtual Responder
 {
 public:
     virtual std::span<const Outlet> outlets() const = 0;
+};
+
+/// Loads windows that are needed later than their owner, by the names of their interface files. The
+/// windows live as long as the loader.
+class InterfaceLoader
+{
+public:
+    virtual ~InterfaceLoader() = default;
+
+    /// Connects the owner's outlets and actions. False when the file is missing or does not fit;
+    /// `error` then says why.
+    virtual bool loadNibNamed(const std::string& name, const std::shared_ptr<InterfaceOwner>& owner,
+                              std::string& error) = 0;
 };
 
 } // namespace farview

@@ -17,6 +17,9 @@ enum class Change {
     frame,
     menu,
     rows,
+    sheet,
+    textSelection,
+    typedText, ///< the user typed: the only change of a text that is not a program's doing
 };
 
 /// Something on screen that can be hidden and has a place. Remembers what was set, whether or not

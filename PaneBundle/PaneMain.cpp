@@ -1,4 +1,5 @@
 #include "Applications/Preferences/PaneInterface.h"
+#include "Controls/Qt/BundleInterfaceLoader.h"
 #include "Controls/Qt/InterfaceFile.h"
 #include "Platform/Bundle.h"
 #include "Platform/Desktop/DesktopPlatform.h"
@@ -67,8 +68,10 @@ bool FarviewPane::initWithBundle(const QString& bundlePath, QString* error)
 {
     mBundle = platform().bundles->bundleWithPath(bundlePath.toStdString());
     mPane = std::make_shared<FVEPreferencePane>(platform());
-    if (mPane->initWithBundle(mBundle))
+    if (mPane->initWithBundle(mBundle)) {
+        mPane->setInterfaceLoader(std::make_shared<farview::BundleInterfaceLoader>(mBundle));
         return true;
+    }
     *error = QStringLiteral("it cannot be opened.");
     return false;
 }

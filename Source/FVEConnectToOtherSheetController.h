@@ -1,16 +1,86 @@
 #pragma once
 
+#include "Platform/Types/Notification.h"
+#include "Platform/Types/Subscription.h"
+#include "Source/FVEConnectToOtherSheetOutlets.h"
+#include "Source/WeakTimer.h"
+
+#include <memory>
+#include <string>
+
 class FVEPreferencePane;
 
 namespace farview
 {
-class Object;
+struct Platform;
 }
 
-/// The sheet in which the user types the address of a device that cannot be found by itself.
+/// Posted within the process when the user typed into a text field, which is the object.
+inline constexpr const char* kControlTextDidChangeNotification =
+    "NSControlTextDidChangeNotification";
+
+/// The sheet in which the user types the address of a device that cannot be found by itself, and
+/// waits for the server to connect to it. While it is up, reports of the server reach the sheet and
+/// not the pane. Made with `std::make_shared`; main thread only; `platform` outlives it.
 class FVEConnectToOtherSheetController
+    : public FVEConnectToOtherSheetOutlets,
+      public farview::Object,
+      public std::enable_shared_from_this<FVEConnectToOtherSheetController>
 {
 public:
-    /// Opens the sheet on the pane's window.
+    explicit FVEConnectToOtherSheetController(farview::Platform& platform);
+    ~FVEConnectToOtherSheetController() override;
+
+    bool respondsTo(farview::Selector selector) const override;
+    bool perform(farview::Selector selector, farview::Object* argument) override;
+
+    /// The pane that the sheet works for; it owns the controller.
+    std::shared_ptr<FVEPreferencePane> preferencePane() const { return mPreferencePane.lock(); }
+    void setPreferencePane(std::weak_ptr<FVEPreferencePane> pane)
+    {
+        mPreferencePane = std::move(pane);
+    }
+
+    /// How long the server may take. Setting ends the timer held before.
+    const WeakTimer& connectionAttemptTimoutTimer() const { return mConnectionAttemptTimoutTimer; }
+    void setConnectionAttemptTimoutTimer(const WeakTimer& timer)
+    {
+        replaceTimer(mConnectionAttemptTimoutTimer, timer);
+    }
+
+    /// Opens the sheet on the pane's window; does nothing while it is open.
     void showConnectToOtherSheet(farview::Object* sender);
+    bool isOpen() const { return mShowing != nullptr; }
+
+    void okButtonPressed(farview::Object* sender);
+    void cancelButtonPressed(farview::Object* sender);
+    void ipAddresTextDidChange(const farview::Notification& notification);
+    void serverConnectedToDeviceNotification(const farview::Notification& notification);
+    void launchConnectionAttemptTimoutTimer();
+    void connectionAttemptTimoutTimerOperation(farview::Object* sender);
+    /// Ends the sheet and gives the pane the server's reports back; a closed sheet ignores it.
+    void dismissSheetWithButton(int returnCode);
+
+private:
+    /// One opening of the sheet. What is to happen later to it is bound to it.
+    struct Showing {
+        bool dismissalPending = false;
+    };
+
+    bool loadNib();
+    void prepareControls();
+    void addObservers();
+    void takePaneOffTheServer();
+    void putPaneBackOnTheServer();
+    void requestConnection(const std::string& address);
+    void dismissLater();
+    bool addressIsValid() const;
+    std::string localized(const std::string& text) const;
+    void log(const std::string& message);
+
+    farview::Platform& mPlatform;
+    std::weak_ptr<FVEPreferencePane> mPreferencePane;
+    WeakTimer mConnectionAttemptTimoutTimer;
+    std::shared_ptr<Showing> mShowing;
+    farview::Subscription mTyping;
 };

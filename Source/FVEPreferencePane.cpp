@@ -58,17 +58,24 @@ void FVEPreferencePane::mainViewDidLoad()
     autoConnectTable()->setEnabled(autoConnect()->state() == 1);
     autoConnectTable()->registerForDraggedTypes({kDeviceNameTableViewDataType});
     autoConnectTable()->setDataSource(weak_from_this());
-    if (!connectToOtherSheetController())
-        setConnectToOtherSheetController(std::make_shared<FVEConnectToOtherSheetController>());
-
+    makeConnectToOtherSheetController();
     findResources();
     determineComponenVersionNumber();
     launchWatchdogTimer();
     needsWarningMessageFor9400_9600_And_LionProblem();
 }
 
+void FVEPreferencePane::makeConnectToOtherSheetController()
+{
+    if (!connectToOtherSheetController())
+        setConnectToOtherSheetController(
+            std::make_shared<FVEConnectToOtherSheetController>(mPlatform));
+    connectToOtherSheetController()->setPreferencePane(weak_from_this());
+}
+
 void FVEPreferencePane::willSelect()
 {
+    mOnShow = true;
     addObservers();
     auto& preferences = FVEPreferences::sharedAppPrefs();
     if (preferences.openPrefsInSettingsPane()) {
@@ -104,6 +111,9 @@ void FVEPreferencePane::didSelect()
 
 void FVEPreferencePane::willUnselect()
 {
+    if (connectToOtherSheetController())
+        connectToOtherSheetController()->cancelButtonPressed(this);
+    mOnShow = false;
     removeObservers();
     writeDeviceList();
 }

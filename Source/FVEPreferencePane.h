@@ -38,6 +38,20 @@ public:
     void willSelect();
     void didSelect();
     void willUnselect();
+    /// Between `willSelect` and `willUnselect`.
+    bool isOnShow() const { return mOnShow; }
+
+    /// Loads the windows that the pane opens later; without one they stay closed.
+    const std::shared_ptr<farview::InterfaceLoader>& interfaceLoader() const
+    {
+        return mInterfaceLoader;
+    }
+    void setInterfaceLoader(std::shared_ptr<farview::InterfaceLoader> loader)
+    {
+        mInterfaceLoader = std::move(loader);
+    }
+    /// That text in the user's language.
+    std::string localized(const std::string& text) const;
 
     // On and off.
     void onTextPressed(farview::Object* sender);
@@ -115,11 +129,11 @@ public:
     bool needsWarningMessageFor9400_9600_And_LionProblem();
 
 private:
-    std::string localized(const std::string& text) const;
     /// Tells another program what to do: at once, in all the user's sessions.
     void command(const char* name, farview::DistributedNotificationCenter::TextUserInfo userInfo);
     void log(const std::string& message);
 
+    void makeConnectToOtherSheetController();
     void showSwitchState();
     void showAutoConnectTable(bool shown);
     void findResources();
@@ -157,6 +171,7 @@ private:
 
     farview::Platform& mPlatform;
     std::shared_ptr<farview::Bundle> mBundle;
+    std::shared_ptr<farview::InterfaceLoader> mInterfaceLoader;
     std::shared_ptr<farview::NetService> mSelectedNetService;
     /// Browsers of earlier showings: they go on searching, the latest few of them.
     std::deque<std::shared_ptr<QLNBonjourBrowser>> mEarlierBrowsers;
@@ -164,4 +179,5 @@ private:
     farview::Subscription mDiscoveryCondition;
     int mQueryResultsWaiting = 0;
     bool mListWasBuilt = false;
+    bool mOnShow = false;
 };

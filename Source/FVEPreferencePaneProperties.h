@@ -3,9 +3,9 @@
 #include "Common/Bonjour/QLNBonjourBrowser.h"
 #include "Common/Rules/AutoConnectRows.h"
 #include "Platform/NetService.h"
-#include "Platform/RunLoop.h"
 #include "Platform/Types/URL.h"
 #include "Source/FVEPreferencePaneOutlets.h"
+#include "Source/WeakTimer.h"
 
 #include <memory>
 #include <optional>
@@ -20,7 +20,7 @@ class FVEPreferencePaneProperties : public FVEPreferencePaneOutlets
 public:
     using OptionalURL = std::optional<farview::URL>;
     using Rows = std::vector<farview::DeviceRow>;
-    using WeakTimer = std::weak_ptr<farview::Timer>;
+    using WeakTimer = ::WeakTimer;
 
     /// The rows of the auto-connect table (the setting of that name holds names only).
     const Rows& autoConnectDevices() const { return mAutoConnectDevices; }

@@ -29,16 +29,6 @@ std::optional<std::string> optionalText(const std::string* text)
     return text ? std::optional(*text) : std::nullopt;
 }
 
-void replaceTimer(std::weak_ptr<farview::Timer>& held, const std::weak_ptr<farview::Timer>& timer)
-{
-    const auto current = held.lock();
-    if (current && current == timer.lock())
-        return;
-    if (current)
-        current->invalidate();
-    held = timer;
-}
-
 } // namespace
 
 void FVEPreferencePaneProperties::setSpinningForServerTimer(const WeakTimer& timer)

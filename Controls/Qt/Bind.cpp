@@ -1,8 +1,11 @@
 #include "Controls/Qt/ControlBindings.h"
 #include "Controls/Qt/FrameBinding.h"
 #include "Controls/Qt/FrameContainer.h"
+#include "Controls/Qt/LineEditBinding.h"
 #include "Controls/Qt/PopUpBinding.h"
 #include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/SheetBinding.h"
+#include "Controls/Qt/SheetWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/SwitchBinding.h"
 #include "Controls/Qt/SwitchWidget.h"
@@ -40,17 +43,27 @@ Match tryBind(const std::shared_ptr<View>& view, QWidget* widget)
     return Match::bound;
 }
 
+/// A text field is a label, unless the widget is one to type into.
+Match tryLineEdit(const std::shared_ptr<View>& view, QWidget* widget)
+{
+    return qobject_cast<QLineEdit*>(widget)
+               ? tryBind<LineEditBinding, TextField, QLineEdit>(view, widget)
+               : Match::otherControl;
+}
+
 // What a control derives from comes after it.
 using Attempt = Match (*)(const std::shared_ptr<View>&, QWidget*);
 constexpr Attempt attempts[] = {
     tryBind<PopUpBinding, PopUpButton, PopUpWidget>,
     tryBind<ButtonBinding, Button, QAbstractButton>,
+    tryLineEdit,
     tryBind<TextFieldBinding, TextField, QLabel>,
     tryBind<TableBinding, TableView, QTableView>,
     tryBind<ImageViewBinding, ImageView, QLabel>,
     tryBind<ProgressIndicatorBinding, ProgressIndicator, SpinnerWidget>,
     tryBind<TabViewBinding, TabView, QTabWidget>,
     tryBind<SwitchBinding, QLNOnOffView, SwitchWidget>,
+    tryBind<SheetBinding, Panel, SheetWidget>,
     tryBind<PlainBinding, View, QWidget>,
 };
 

@@ -2,6 +2,8 @@
 
 #include "Controls/Qt/PlainText.h"
 
+#include <QApplication>
+
 namespace farview
 {
 namespace
@@ -41,6 +43,17 @@ Binding::Binding(std::shared_ptr<View> view, QWidget* widget)
 }
 
 void Binding::letSpaceFold() { setKeepsSpace(mWidget, false); }
+
+QWidget* Binding::widgetShowing(const View& view)
+{
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        for (const auto* binding : window->findChildren<Binding*>()) {
+            if (binding->mView.get() == &view)
+                return binding->mWidget;
+        }
+    }
+    return nullptr;
+}
 
 void Binding::start()
 {

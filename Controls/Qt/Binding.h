@@ -28,6 +28,9 @@ public:
     /// A control that is hidden leaves its place empty, unless this is called.
     void letSpaceFold();
 
+    /// The widget that shows that view; null when none does.
+    static QWidget* widgetShowing(const View& view);
+
 protected:
     View& view() const { return *mView; }
     QWidget* widget() const { return mWidget; }

@@ -7,6 +7,17 @@
 
 namespace farview
 {
+namespace
+{
+
+/// A red that can be read on the desktop's own background. Palettes have no word for it.
+QColor errorColor(const QPalette& palette)
+{
+    const bool dark = palette.color(QPalette::Window).lightness() < 128;
+    return dark ? QColor(255, 130, 120) : QColor(176, 0, 32);
+}
+
+} // namespace
 
 ButtonBinding::ButtonBinding(std::shared_ptr<Button> button, QAbstractButton* widget)
     : Binding(button, widget), mButton(std::move(button)), mButtonWidget(widget)
@@ -48,10 +59,22 @@ void TextFieldBinding::adopt()
 
 void TextFieldBinding::show(Change /*change*/)
 {
+    showRole();
     if (mField->stringValue() == mShownText)
         return;
     mShownText = mField->stringValue();
     mLabel->setText(plainText(mShownText));
+}
+
+void TextFieldBinding::showRole()
+{
+    if (mField->textRole() == mShownRole)
+        return;
+    mShownRole = mField->textRole();
+    QPalette palette;
+    if (mShownRole == TextField::Role::error)
+        palette.setColor(QPalette::WindowText, errorColor(mLabel->palette()));
+    mLabel->setPalette(palette);
 }
 
 ImageViewBinding::ImageViewBinding(std::shared_ptr<ImageView> image, QLabel* label)

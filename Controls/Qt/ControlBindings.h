@@ -43,9 +43,12 @@ protected:
     void show(Change change) override;
 
 private:
+    void showRole();
+
     std::shared_ptr<TextField> mField;
     QLabel* mLabel;
     std::string mShownText;
+    TextField::Role mShownRole = TextField::Role::normal;
 };
 
 /// A picture: the desktop's own warning sign, loaded when it is first seen.

@@ -2,6 +2,7 @@
 
 #include "Controls/Qt/FrameContainer.h"
 #include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/SheetWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
 #include "Platform/Bundle.h"
@@ -33,6 +34,8 @@ private:
             return new FrameContainer(parent);
         if (className == u"farview::PopUpWidget")
             return new PopUpWidget(parent);
+        if (className == u"farview::SheetWidget")
+            return new SheetWidget(parent);
         if (className == u"farview::SpinnerWidget")
             return new SpinnerWidget(parent);
         if (className == u"farview::SwitchWidget")

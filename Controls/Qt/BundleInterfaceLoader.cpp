@@ -1,0 +1,30 @@
+#include "Controls/Qt/BundleInterfaceLoader.h"
+
+#include "Controls/Qt/InterfaceFile.h"
+
+namespace farview
+{
+
+BundleInterfaceLoader::BundleInterfaceLoader(std::shared_ptr<const Bundle> bundle)
+    : mBundle(std::move(bundle))
+{
+}
+
+BundleInterfaceLoader::~BundleInterfaceLoader()
+{
+    for (const auto& window : mWindows)
+        delete window.data();
+}
+
+bool BundleInterfaceLoader::loadNibNamed(const std::string& name,
+                                         const std::shared_ptr<InterfaceOwner>& owner,
+                                         std::string& error)
+{
+    auto window = InterfaceFile(*mBundle, name).load(owner, error);
+    if (!window)
+        return false;
+    mWindows.emplace_back(window.release());
+    return true;
+}
+
+} // namespace farview

@@ -211,6 +211,17 @@ TEST_F(PaneOrder, TurningOffStoresThenMovesTheSwitchThenAsksTheServerToQuit)
                               "post TerminateScreenServer 3", "statusLabel"}));
 }
 
+TEST_F(PaneOrder, AChangeElsewhereIsReadBeforeItIsShown)
+{
+    load();
+    pane->willSelect();
+    setStored(kCurrentState, 0);
+    watchControls();
+    journal.forget();
+    pane->prefsChanged({kFVEPrefsDidChangeNotification, nullptr, {}});
+    EXPECT_EQ(lines(), (Texts{"synchronize", "onOffSwitch", "statusLabel"}));
+}
+
 TEST_F(PaneOrder, ANewDeviceIsAskedForThenShownThenListedThenStored)
 {
     load();

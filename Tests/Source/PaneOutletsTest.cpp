@@ -2,6 +2,8 @@
 
 #include "Tests/Source/PaneFixture.h"
 
+#include <fstream>
+#include <regex>
 #include <set>
 
 namespace
@@ -114,7 +116,8 @@ TEST_F(PaneOutlets, EveryNameThatOthersCallIsAnswered)
                              "reinstallDriversPressed:",
                              "helpPressed:",
                              "checkNowForUpdatePressed:",
-                             "autoUpdatePressed:"})
+                             "autoUpdatePressed:",
+                             "showDevices:"})
         EXPECT_TRUE(pane->respondsTo({name})) << name;
 }
 
@@ -135,6 +138,48 @@ TEST_F(PaneOutlets, CallingByNameReachesTheOperation)
     EXPECT_EQ(fake.workspace.opened().size(), 1u);
     EXPECT_TRUE(pane->perform({"requestingErrorMsgFromPrefPane:"}, nullptr));
     EXPECT_FALSE(warningShows()) << "an observer wants a notification";
+}
+
+// The interface file itself, as text: the real loader has tests of its own.
+
+std::string interfaceFile()
+{
+    std::ifstream file(std::string(FARVIEW_SOURCE_DIR) + "/PaneBundle/PreferencePane.ui");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST_F(PaneOutlets, TheInterfaceFileHasAnObjectForEachOutlet)
+{
+    const auto file = interfaceFile();
+    ASSERT_FALSE(file.empty());
+    for (const auto name : outletNames)
+        EXPECT_NE(file.find("name=\"" + std::string(name) + "\""), std::string::npos) << name;
+}
+
+TEST_F(PaneOutlets, TheInterfaceFileSendsTheActionsAndNoUnknownOnes)
+{
+    static const std::regex action("name=\"action\"[^>]*><string[^>]*>([^<]+)</string>");
+    const auto file = interfaceFile();
+    std::set<std::string> sent;
+    for (std::sregex_iterator match(file.begin(), file.end(), action), end; match != end; ++match)
+        sent.insert((*match)[1]);
+    for (const char* name :
+         {"onTextPressed:", "offTextPressed:", "autoConnectPressed:", "menuExtraCheckboxPressed:",
+          "enableTouchDisplayPressed:", "enableRetinaPressed:", "enableHiDPIPressed:",
+          "autoMoveWindowsBackPressed:", "reinstallDriversPressed:", "helpPressed:",
+          "checkNowForUpdatePressed:", "autoUpdatePressed:", "showDevices:"})
+        EXPECT_TRUE(sent.contains(name)) << name;
+    for (const auto& name : sent)
+        EXPECT_TRUE(pane->respondsTo({name})) << name;
+}
+
+TEST_F(PaneOutlets, ShowDevicesTurnsToTheDeviceList)
+{
+    load();
+    show();
+    ASSERT_EQ(pane->tabView()->selectedIdentifier(), "Settings");
+    EXPECT_TRUE(pane->perform({"showDevices:"}, nullptr));
+    EXPECT_EQ(pane->tabView()->selectedIdentifier(), "Main");
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #include "Controls/Qt/SheetWidget.h"
 
 #include <QAbstractButton>
+#include <QLayout>
+
+#include <algorithm>
 
 namespace farview
 {
@@ -11,8 +14,18 @@ void SheetWidget::openOn(QWidget* window)
         return;
     if (parentWidget() != window)
         setParent(window, windowFlags());
+    growToFit();
     focusFirstTabStop();
     open();
+}
+
+void SheetWidget::growToFit()
+{
+    if (!layout())
+        return;
+    // Texts that wrap need more room in large type and in other languages than the file gives them.
+    const int wide = std::max(width(), layout()->totalMinimumSize().width());
+    resize(wide, std::max(height(), layout()->totalHeightForWidth(wide)));
 }
 
 void SheetWidget::focusFirstTabStop()

@@ -21,6 +21,7 @@ public:
     void reject() override;
 
 private:
+    void growToFit();
     void focusFirstTabStop();
 };
 

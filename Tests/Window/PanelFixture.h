@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Controls/Qt/BundleInterfaceLoader.h"
 #include "Controls/Qt/InterfaceFile.h"
 #include "Platform/Fake/FakePlatform.h"
 #include "Platform/Posix/PosixBundle.h"
@@ -46,6 +47,7 @@ protected:
         ASSERT_NE(bundle, nullptr);
         pane = std::make_shared<FVEPreferencePane>(fake.platform());
         ASSERT_TRUE(pane->initWithBundle(bundle));
+        pane->setInterfaceLoader(std::make_shared<BundleInterfaceLoader>(bundle));
         std::string error;
         view = InterfaceFile(*bundle, pane->mainNibName()).load(pane, error);
         ASSERT_NE(view, nullptr) << error;

@@ -1,11 +1,13 @@
 #include "Common/FVEDistributedNotifications.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
+#include "Source/FVEConnectToOtherSheetController.h"
 #include "Tests/Support/WaitUntil.h"
 #include "Tests/Window/PanelFixture.h"
 
 #include <QAbstractButton>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProcess>
 #include <QTabWidget>
 
@@ -158,6 +160,36 @@ TEST_F(RealInput, TheMouseMovesTheSwitch)
     EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"On"_qs; }));
     click(find<QAbstractButton>("offTextButton"));
     EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"Off"_qs; }));
+}
+
+TEST_F(RealInput, AnAddressIsTypedIntoTheSheetAndSentWithReturn)
+{
+    open(true);
+    click(popUp());
+    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
+    clickEntry(3);
+    const auto& sheet = pane->connectToOtherSheetController();
+    ASSERT_TRUE(waitUntil([&] { return sheet->isOpen() && !isOpen(); }));
+    auto* field = find<QLineEdit>("otherTextField");
+    ASSERT_TRUE(waitUntil([&] { return field->hasFocus() && field->isActiveWindow(); }));
+    xdotool({u"type"_qs, u"10.0.0."_qs});
+    ASSERT_TRUE(waitUntil([&] { return field->text() == u"10.0.0."_qs; }));
+    key("Return");
+    runLoopFor(std::chrono::milliseconds(100));
+    EXPECT_EQ(fake.distributedNotificationCenter.countOf(kConnectServerToTicket), 0);
+    xdotool({u"type"_qs, u"5"_qs});
+    ASSERT_TRUE(
+        waitUntil([&] { return find<QAbstractButton>("connectToOtherOKButton")->isEnabled(); }));
+    key("Return");
+    EXPECT_TRUE(waitUntil(
+        [&] { return fake.distributedNotificationCenter.countOf(kConnectServerToTicket) == 1; }));
+    click(find<SwitchWidget>("onOffSwitch"));
+    runLoopFor(std::chrono::milliseconds(100));
+    EXPECT_TRUE(find<SwitchWidget>("onOffSwitch")->isOn()) << "the window behind takes no input";
+    key("Escape");
+    EXPECT_TRUE(waitUntil([&] { return !sheet->isOpen() && !field->isVisible(); }));
+    click(find<SwitchWidget>("onOffSwitch"));
+    EXPECT_TRUE(waitUntil([&] { return !find<SwitchWidget>("onOffSwitch")->isOn(); }));
 }
 
 } // namespace

@@ -48,6 +48,13 @@ protected:
         return fake.distributedNotificationCenter.countOf(kConnectServerToTicket);
     }
     void type(const char* text) { QTest::keyClicks(field(), QString::fromLatin1(text)); }
+    /// Saves the sheet when someone wants to look at it.
+    void pictureOfSheet(const char* name) const
+    {
+        const QString folder = qEnvironmentVariable("FARVIEW_TEST_PICTURES");
+        if (!folder.isEmpty())
+            sheet()->grab().save(folder + u'/' + QString::fromLatin1(name) + u".png"_qs);
+    }
     void expectNothingIsCut()
     {
         QCoreApplication::processEvents();
@@ -72,7 +79,7 @@ TEST_F(SheetWindow, OpensFromTheMenuWithTheLastAddressSelected)
     EXPECT_EQ(field()->selectedText(), u"10.0.0.5"_qs);
     EXPECT_TRUE(ok()->isEnabled());
     EXPECT_FALSE(progress()->isVisible());
-    picture("sheet");
+    pictureOfSheet("sheet");
 }
 
 TEST_F(SheetWindow, EnterIsOKOnlyWhenTheAddressIsComplete)
@@ -112,7 +119,7 @@ TEST_F(SheetWindow, ATimeOutIsRedAndOffersToRetry)
     const QColor red = progress()->palette().color(QPalette::WindowText);
     EXPECT_GT(red.red(), 2 * red.blue());
     EXPECT_EQ(ok()->text(), u"Retry"_qs);
-    picture("sheet-timed-out");
+    pictureOfSheet("sheet-timed-out");
     type("2");
     EXPECT_EQ(ok()->text(), u"OK"_qs);
     EXPECT_EQ(progress()->text(), QString());
@@ -182,7 +189,7 @@ TEST_F(SheetWindow, NothingIsCutInLargeTypeOrInGerman)
     ok()->click();
     EXPECT_EQ(progress()->text(), u"Verbindung wird aufgebaut …"_qs);
     expectNothingIsCut();
-    picture("sheet-de");
+    pictureOfSheet("sheet-de");
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "Controls/Control.h"
+#include "Controls/Pasteboard.h"
+#include "Platform/Types/IndexSet.h"
+#include "Platform/Types/Notification.h"
 
 #include <memory>
 #include <string>
@@ -27,6 +30,16 @@ public:
     /// The user edited a cell.
     virtual void setObjectValue(TableView& table, const CellValue& value, std::string_view column,
                                 int row) = 0;
+    /// A drag of these rows begins: puts them on the pasteboard, or refuses.
+    virtual bool writeRowsWithIndexes(TableView& table, const IndexSet& indexes,
+                                      Pasteboard& pasteboard) = 0;
+    virtual DragOperation validateDrop(TableView& table, const DraggingInfo& info, int row,
+                                       DropOperation operation) = 0;
+    /// False when nothing was changed.
+    virtual bool acceptDrop(TableView& table, const DraggingInfo& info, int row,
+                            DropOperation operation) = 0;
+    /// The notification's object is the table.
+    virtual void tableViewSelectionIsChanging(const Notification& notification) = 0;
 };
 
 /// A table without a memory of its own: it asks its data source for what it shows.
@@ -46,6 +59,18 @@ public:
     }
     /// Says that the rows are no longer what they were.
     void reloadData() { changed(Change::rows); }
+    /// Says that there are more rows, or fewer, than before.
+    void noteNumberOfRowsChanged() { changed(Change::rows); }
+
+    /// -1 when no row is selected.
+    int selectedRow() const { return mSelectedRow; }
+    void deselectAll(Object* /*sender*/) { mSelectedRow = -1; }
+
+    /// The user's doors. A row is selected; its source is asked whether it stays so.
+    void userSelects(int row);
+    /// A row is carried into the gap above `gap`, by the same rules as one that is dragged. False
+    /// when they forbid it.
+    bool userMovesRow(int row, int gap);
 
     const std::vector<std::string>& draggedTypes() const { return mDraggedTypes; }
     void registerForDraggedTypes(std::vector<std::string> types)
@@ -57,6 +82,7 @@ private:
     std::shared_ptr<View> mEnclosingScrollView;
     std::weak_ptr<TableDataSource> mDataSource;
     std::vector<std::string> mDraggedTypes;
+    int mSelectedRow = -1;
 };
 
 } // namespace farview

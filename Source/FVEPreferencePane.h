@@ -113,6 +113,14 @@ public:
                                                  int row) override;
     void setObjectValue(farview::TableView& table, const farview::CellValue& value,
                         std::string_view column, int row) override;
+    bool writeRowsWithIndexes(farview::TableView& table, const farview::IndexSet& indexes,
+                              farview::Pasteboard& pasteboard) override;
+    farview::DragOperation validateDrop(farview::TableView& table,
+                                        const farview::DraggingInfo& info, int row,
+                                        farview::DropOperation operation) override;
+    bool acceptDrop(farview::TableView& table, const farview::DraggingInfo& info, int row,
+                    farview::DropOperation operation) override;
+    void tableViewSelectionIsChanging(const farview::Notification& notification) override;
 
     // Options, help and updates.
     void menuExtraCheckboxPressed(farview::Object* sender);
@@ -136,6 +144,7 @@ private:
     void makeConnectToOtherSheetController();
     void showSwitchState();
     void showAutoConnectTable(bool shown);
+    bool isChosenRow(std::int64_t row) const;
     void findResources();
     OptionalURL helperToolURL(const char* name) const;
     void addObservers();

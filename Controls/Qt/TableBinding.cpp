@@ -3,6 +3,7 @@
 #include "Controls/Qt/PlainText.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -55,6 +56,17 @@ void TableModel::reset()
     const auto source = table ? table->dataSource().lock() : nullptr;
     mRows = source ? std::max(0, source->numberOfRowsInTableView(*table)) : 0;
     endResetModel();
+}
+
+bool TableModel::moveRow(int row, int gap)
+{
+    const auto table = mTable.lock();
+    if (!table || mEditing || mReloadPending)
+        return false;
+    mEditing = true;
+    const bool moved = table->userMovesRow(row, gap);
+    mEditing = false;
+    return moved;
 }
 
 int TableModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : mRows; }
@@ -133,6 +145,7 @@ TableBinding::TableBinding(std::shared_ptr<TableView> table, QTableView* widget)
                                                       14);
     widget->horizontalHeader()->setStretchLastSection(true);
     widget->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    widget->installEventFilter(this);
     keepPlaceDuringReset();
     mScrollSubscription =
         mTable->enclosingScrollView().observe([this](Change change) { refresh(change); });
@@ -147,6 +160,28 @@ void TableBinding::show(Change change)
 {
     if (change == Change::rows)
         mModel->reload();
+}
+
+bool TableBinding::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return Binding::eventFilter(watched, event);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    const bool isArrow = key->key() == Qt::Key_Up || key->key() == Qt::Key_Down;
+    if (!isArrow || !(key->modifiers() & Qt::AltModifier))
+        return Binding::eventFilter(watched, event);
+    moveCurrentRow(key->key() == Qt::Key_Up ? -1 : 1);
+    return true;
+}
+
+void TableBinding::moveCurrentRow(int step)
+{
+    const QModelIndex current = mTableWidget->currentIndex();
+    // The gap above the row before, or the one below the row after.
+    const int gap = step < 0 ? current.row() - 1 : current.row() + 2;
+    if (!current.isValid() || !mModel->moveRow(current.row(), gap))
+        return;
+    mTableWidget->setCurrentIndex(mModel->index(current.row() + step, current.column()));
 }
 
 void TableBinding::keepPlaceDuringReset()

@@ -27,6 +27,9 @@ public:
     TableModel(std::weak_ptr<TableView> table, std::vector<TableColumn> columns, QObject* parent);
 
     void reload();
+    /// Carries a row into the gap above `gap`, if the source lets it. False also while the table
+    /// shows an older state than its source has.
+    bool moveRow(int row, int gap);
 
     int rowCount(const QModelIndex& parent) const override;
     int columnCount(const QModelIndex& parent) const override;
@@ -58,9 +61,12 @@ public:
 protected:
     void show(Change change) override;
     bool isHidden() const override;
+    /// Alt and an arrow key move the row that has the keyboard.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void keepPlaceDuringReset();
+    void moveCurrentRow(int step);
 
     std::shared_ptr<TableView> mTable;
     QTableView* mTableWidget;

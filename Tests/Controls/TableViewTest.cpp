@@ -7,6 +7,14 @@
 
 using farview::CellValue;
 using farview::Change;
+using farview::DraggingInfo;
+using farview::DragOperation;
+using farview::DropOperation;
+using farview::IndexSet;
+using farview::Notification;
+using farview::Object;
+using farview::Pasteboard;
+using farview::PropertyList;
 using farview::TableView;
 using testing::ElementsAre;
 
@@ -19,6 +27,27 @@ public:
     int numberOfRowsInTableView(TableView&) override { return 3; }
     CellValue objectValueForTableColumn(TableView&, std::string_view, int) override { return {}; }
     void setObjectValue(TableView&, const CellValue&, std::string_view, int) override {}
+    bool writeRowsWithIndexes(TableView&, const IndexSet& rows, Pasteboard& pasteboard) override
+    {
+        pasteboard.declareTypes({"row"});
+        return rows.firstIndex() != 2 && pasteboard.setPropertyList(rows.firstIndex(), "row");
+    }
+    DragOperation validateDrop(TableView&, const DraggingInfo&, int gap, DropOperation) override
+    {
+        return gap < 3 ? DragOperation::move : DragOperation::none;
+    }
+    bool acceptDrop(TableView&, const DraggingInfo& info, int gap, DropOperation) override
+    {
+        moves.emplace_back(*info.draggingPasteboard().propertyListForType("row"), gap);
+        return true;
+    }
+    void tableViewSelectionIsChanging(const Notification& notification) override
+    {
+        selectedTable = notification.object();
+    }
+
+    std::vector<std::pair<PropertyList, int>> moves;
+    const Object* selectedTable = nullptr;
 };
 
 TEST(TableView, TellsThatItsRowsAreNoLongerWhatTheyWere)
@@ -54,6 +83,46 @@ TEST(TableView, RemembersWhatMayBeDroppedOnIt)
     TableView table;
     table.registerForDraggedTypes({"row"});
     EXPECT_THAT(table.draggedTypes(), ElementsAre("row"));
+}
+
+TEST(TableView, ARowIsMovedByTheSameRulesAsADraggedOne)
+{
+    const auto table = std::make_shared<TableView>();
+    const auto rows = std::make_shared<Rows>();
+    table->setDataSource(rows);
+    EXPECT_TRUE(table->userMovesRow(0, 2));
+    EXPECT_THAT(rows->moves, ElementsAre(std::pair(PropertyList(0), 2)));
+    EXPECT_FALSE(table->userMovesRow(2, 0)) << "it may not be dragged";
+    EXPECT_FALSE(table->userMovesRow(0, 3)) << "it may not be dropped there";
+    EXPECT_FALSE(table->userMovesRow(-1, 0));
+    EXPECT_FALSE(table->userMovesRow(3, 0));
+    table->setEnabled(false);
+    EXPECT_FALSE(table->userMovesRow(0, 2));
+    EXPECT_EQ(rows->moves.size(), 1u);
+}
+
+TEST(TableView, AsksWhetherARowStaysSelected)
+{
+    const auto table = std::make_shared<TableView>();
+    const auto rows = std::make_shared<Rows>();
+    table->setDataSource(rows);
+    table->userSelects(1);
+    EXPECT_EQ(rows->selectedTable, table.get());
+    EXPECT_EQ(table->selectedRow(), 1);
+    table->deselectAll(nullptr);
+    EXPECT_EQ(table->selectedRow(), -1);
+}
+
+TEST(Pasteboard, CarriesOnlyWhatWasDeclared)
+{
+    Pasteboard pasteboard;
+    EXPECT_FALSE(pasteboard.setPropertyList("x", "row"));
+    pasteboard.declareTypes({"row"});
+    EXPECT_EQ(pasteboard.propertyListForType("row"), std::nullopt);
+    EXPECT_TRUE(pasteboard.setPropertyList("x", "row"));
+    EXPECT_EQ(pasteboard.propertyListForType("row"), PropertyList("x"));
+    pasteboard.declareTypes({"other"});
+    EXPECT_EQ(pasteboard.propertyListForType("row"), std::nullopt);
 }
 
 } // namespace

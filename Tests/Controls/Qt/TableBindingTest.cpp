@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QSignalSpy>
 #include <QTableView>
+#include <QtTest/QTest>
 
 namespace farview::test
 {
@@ -30,7 +31,24 @@ public:
         if (during)
             during(table);
     }
+    bool writeRowsWithIndexes(TableView&, const IndexSet& indexes, Pasteboard&) override
+    {
+        return flags.at(static_cast<std::size_t>(indexes.firstIndex()));
+    }
+    DragOperation validateDrop(TableView&, const DraggingInfo&, int gap, DropOperation) override
+    {
+        return gap >= 0 && gap <= 2 ? DragOperation::move : DragOperation::none;
+    }
+    bool acceptDrop(TableView& table, const DraggingInfo&, int gap, DropOperation) override
+    {
+        drops.push_back(gap);
+        table.noteNumberOfRowsChanged();
+        table.reloadData();
+        return true;
+    }
+    void tableViewSelectionIsChanging(const Notification&) override {}
 
+    std::vector<int> drops;
     std::vector<std::string> names = {"Tablet", "<b>Phone</b>\t"};
     std::vector<bool> flags = {true, false};
     std::vector<std::tuple<std::string, int, bool>> edits;
@@ -127,6 +145,39 @@ TEST_F(BoundTable, TheKeyboardStaysWhereItWas)
     rows->flags.pop_back();
     table->reloadData();
     EXPECT_EQ(widget.currentIndex(), widget.model()->index(0, 0));
+}
+
+TEST_F(BoundTable, AltAndAnArrowMoveTheRowThatHasTheKeyboardAndItGoesAlong)
+{
+    rows->flags = {true, true};
+    QSignalSpy resets(widget.model(), &QAbstractItemModel::modelReset);
+    widget.setCurrentIndex(widget.model()->index(0, 1));
+    QTest::keyClick(&widget, Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(rows->drops, std::vector<int>{2});
+    EXPECT_EQ(resets.count(), 0) << "inside the drop the reload is only marked";
+    QTest::keyClick(&widget, Qt::Key_Up, Qt::AltModifier);
+    EXPECT_EQ(rows->drops.size(), 1u) << "the table still shows an older state";
+    turn();
+    EXPECT_EQ(resets.count(), 1);
+    EXPECT_EQ(widget.currentIndex().row(), 1);
+    QTest::keyClick(&widget, Qt::Key_Up, Qt::AltModifier);
+    turn();
+    EXPECT_EQ(rows->drops, (std::vector<int>{2, 0}));
+    EXPECT_EQ(widget.currentIndex().row(), 0);
+}
+
+TEST_F(BoundTable, ARowThatMayNotBeMovedStaysAndSoDoesTheKeyboard)
+{
+    widget.setCurrentIndex(widget.model()->index(1, 1));
+    QTest::keyClick(&widget, Qt::Key_Up, Qt::AltModifier);
+    EXPECT_TRUE(rows->drops.empty());
+    EXPECT_EQ(widget.currentIndex().row(), 1);
+    widget.setCurrentIndex(widget.model()->index(0, 1));
+    QTest::keyClick(&widget, Qt::Key_Up, Qt::AltModifier);
+    EXPECT_TRUE(rows->drops.empty());
+    widget.setCurrentIndex({});
+    QTest::keyClick(&widget, Qt::Key_Down, Qt::AltModifier);
+    EXPECT_TRUE(rows->drops.empty());
 }
 
 TEST_F(BoundTable, ItFoldsAwayWithItsScrollView)

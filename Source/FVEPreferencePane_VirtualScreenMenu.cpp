@@ -1,8 +1,8 @@
 #include "Source/FVEPreferencePane.h"
 
+#include "Common/Bonjour/DeviceState.h"
 #include "Common/FVEDistributedNotifications.h"
 #include "Common/FVEPreferences.h"
-#include "Common/NSString_Additions.h"
 #include "Platform/Platform.h"
 #include "Source/FVEConnectToOtherSheetController.h"
 
@@ -17,14 +17,6 @@ namespace
 {
 
 constexpr farview::Duration connectErrorCheckDelay{15.0};
-
-bool isBusy(const NetService& service)
-{
-    const auto record = NetService::dictionaryFromTXTRecordData(service.TXTRecordData());
-    const auto state = record.find(kFVEConnectionStateKey);
-    const auto* value = state == record.end() ? nullptr : &state->second;
-    return FVExConnectStateFromString(stringWithData(value)) == FVExConnectStateConnected;
-}
 
 /// The device that an entry stands for; null for any other entry.
 std::shared_ptr<NetService> serviceOf(const MenuItem& item)
@@ -46,8 +38,8 @@ farview::DeviceMenuInputs FVEPreferencePane::deviceMenuInputs()
     farview::DeviceMenuInputs inputs;
     inputs.devices.reserve(listedServices().size());
     for (const auto& service : listedServices())
-        inputs.devices.push_back(
-            ListedDevice{service->name(), isBusy(*service), service == selectedNetService()});
+        inputs.devices.push_back(ListedDevice{service->name(), farview::isDeviceInUse(*service),
+                                              service == selectedNetService()});
     inputs.noDeviceEntryEnabled = determineIfNoDevicesSelectedEnabled();
     inputs.connectedByAddress = connectedToOtherDevice();
     inputs.address = connectedToOtherDeviceIPString();

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,7 +35,9 @@ public:
 
     virtual void setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate) = 0;
     /// Connects to the device at one of these endpoints, and leaves the one before with a goodbye.
-    virtual void connectTo(const std::vector<Endpoint>& endpoints, const LinkOptions& options) = 0;
+    /// Without options the device gets none before `setOptions` is called.
+    virtual void connectTo(const std::vector<Endpoint>& endpoints,
+                           const std::optional<LinkOptions>& options) = 0;
     /// Sends the options while connected; ignored otherwise.
     virtual void setOptions(const LinkOptions& options) = 0;
     /// Ends the attempt or the connection with a goodbye. `then` (may be empty) is called on a

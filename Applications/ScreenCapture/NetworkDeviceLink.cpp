@@ -23,7 +23,7 @@ void NetworkDeviceLink::setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate)
 }
 
 void NetworkDeviceLink::connectTo(const std::vector<Endpoint>& endpoints,
-                                  const LinkOptions& options)
+                                  const std::optional<LinkOptions>& options)
 {
     leave(LinkGoodbyeCode::byUser);
     mOptions = options;
@@ -73,7 +73,8 @@ void NetworkDeviceLink::linkDidOpen(LinkConnection& connection)
 {
     if (mConnection.get() != &connection)
         return;
-    connection.send(mOptions);
+    if (mOptions)
+        connection.send(*mOptions);
     if (const auto delegate = mDelegate.lock())
         delegate->deviceDidConnect(connection.peerAddress());
 }

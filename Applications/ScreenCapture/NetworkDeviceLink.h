@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,8 @@ class NetworkDeviceLink final : public DeviceLink,
 {
 public:
     void setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate) override;
-    void connectTo(const std::vector<Endpoint>& endpoints, const LinkOptions& options) override;
+    void connectTo(const std::vector<Endpoint>& endpoints,
+                   const std::optional<LinkOptions>& options) override;
     void setOptions(const LinkOptions& options) override;
     void disconnect(LinkGoodbyeCode code, std::function<void()> then) override;
 
@@ -38,7 +40,7 @@ private:
     /// Connections that are saying goodbye.
     std::vector<std::shared_ptr<LinkConnection>> mLeft;
     std::function<void()> mWhenNothingIsLeft;
-    LinkOptions mOptions;
+    std::optional<LinkOptions> mOptions;
 };
 
 } // namespace farview

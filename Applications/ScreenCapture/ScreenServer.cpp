@@ -44,13 +44,21 @@ void ScreenServer::start()
     observe(kQueryRequestForConnectedHost, &ScreenServer::answerQuery);
     observe(kTerminateScreenServer, &ScreenServer::terminate);
     observe(kFVEPrefsDidChangeNotification, &ScreenServer::preferencesChanged);
-    mReconnection = mServices.center.observeReconnection([this] { announceState(); });
+    mReconnection = mServices.center.observeReconnection([this] {
+        announceState();
+        preferencesChanged(Notification(kFVEPrefsDidChangeNotification, nullptr, {}));
+    });
 
     QLNBonjourBrowser::setBonjourServiceName(kVirtualScreenServiceName);
     mBrowser = std::make_shared<QLNBonjourBrowser>(mServices.discovery, mServices.runLoop,
                                                    mServices.localCenter);
     observeBrowser(kQLNBonjourBrowserDidAddService);
     observeBrowser(kQLNBonjourBrowserDidUpdateService);
+    mAutoConnector = std::make_shared<AutoConnector>(
+        AutoConnector::Services{mServices.discovery, mServices.runLoop, mServices.localCenter,
+                                mServices.preferences, mServices.storage},
+        *this);
+    mAutoConnector->start(mBrowser);
     mBrowser->init();
     announceState();
 }
@@ -79,12 +87,17 @@ void ScreenServer::connectToHost(const Notification& notification)
         mServices.log.write(LogLevel::warning, "A request to connect names no host");
         return;
     }
+    mAutoConnector->userChose(*hostName);
     if (isConnectedTo(*hostName, mDeviceAddress)) {
+        mIsAutomatic = false;
         announceState();
+        sendOptions();
         return;
     }
+    if (tookOverAttempt(*hostName))
+        return;
     leaveDevice();
-    mDeviceName = *hostName;
+    takeOrder(*hostName);
     mState = State::searching;
     const auto ended = [this, request = ++mRequest] { searchEnded(request); };
     mServices.runLoop.performAfterDelay(searchLimit, weak_from_this(), ended);
@@ -103,7 +116,7 @@ void ScreenServer::connectToTicket(const Notification& notification)
         return;
     }
     leaveDevice();
-    mDeviceName = kOtherDeviceName;
+    takeOrder(kOtherDeviceName);
     mDeviceAddress = *address;
     connect({{*address, static_cast<std::uint16_t>(kMainDataTrafficPort), 0}});
 }
@@ -112,6 +125,7 @@ void ScreenServer::disconnectFromHost(const Notification& /*notification*/)
 {
     const bool wasConnected = mState == State::connected;
     leaveDevice();
+    mAutoConnector->userChoseNone();
     if (!wasConnected)
         announceState();
 }
@@ -122,17 +136,14 @@ void ScreenServer::answerQuery(const Notification& /*notification*/)
         postDevice(kQueryResultForConnectedHost);
     else
         announceState();
+    // The setting of HiDPI resolutions is the system's: others may change it without a word.
+    sendOptions();
 }
 
 void ScreenServer::preferencesChanged(const Notification& /*notification*/)
 {
-    if (mState != State::connected)
-        return;
-    const LinkOptions now = options();
-    if (now == mSentOptions)
-        return;
-    mSentOptions = now;
-    mServices.link.setOptions(now);
+    mAutoConnector->preferencesChanged();
+    sendOptions();
 }
 
 void ScreenServer::terminate(const Notification& /*notification*/) { quit(); }
@@ -142,6 +153,29 @@ void ScreenServer::terminate(const Notification& /*notification*/) { quit(); }
 bool ScreenServer::isConnectedTo(const std::string& deviceName, const std::string& address) const
 {
     return mState == State::connected && mDeviceName == deviceName && mDeviceAddress == address;
+}
+
+/// Whether the user asks for the device that the server is connecting to by itself already.
+bool ScreenServer::tookOverAttempt(const std::string& hostName)
+{
+    if (mState != State::connecting || !mIsAutomatic || mDeviceName != hostName)
+        return false;
+    mIsAutomatic = false;
+    return true;
+}
+
+void ScreenServer::takeOrder(const std::string& deviceName)
+{
+    mDeviceName = deviceName;
+    mIsAutomatic = false;
+}
+
+void ScreenServer::connectByItself(const NetService& service)
+{
+    mDeviceName = service.hostName().value_or("");
+    mIsAutomatic = true;
+    mServices.log.write(LogLevel::info, "Connecting to " + mDeviceName + " by itself");
+    connect(service.endpoints());
 }
 
 /// Ends the connection or whatever is under way; says so when there was a connection.
@@ -160,6 +194,7 @@ void ScreenServer::search()
         return;
     for (const auto& service : mBrowser->activeServiceList()) {
         if (service->hostName() == mDeviceName && !service->endpoints().empty()) {
+            mAutoConnector->userChose(mDeviceName);
             connect(service->endpoints());
             return;
         }
@@ -175,17 +210,21 @@ void ScreenServer::searchEnded(unsigned request)
 void ScreenServer::connect(const std::vector<Endpoint>& endpoints)
 {
     mState = State::connecting;
-    mSentOptions = options();
+    mSentOptions = mayHaveOptions() ? std::optional(options()) : std::nullopt;
     mServices.link.connectTo(endpoints, mSentOptions);
 }
 
 void ScreenServer::giveUp(const std::string& why)
 {
-    mServices.log.write(LogLevel::error, "Cannot connect to " + mDeviceName + ": " + why);
+    mServices.log.write(mIsAutomatic ? LogLevel::info : LogLevel::error,
+                        "Cannot connect to " + mDeviceName + ": " + why);
     mState = State::idle;
     // A device that does not answer may be gone for good and still be listed.
     mServices.discovery.checkAgain();
-    post(kRequestingErrorMsgFromPrefPane);
+    // Who did not ask for it is not told that it failed.
+    if (!mIsAutomatic)
+        post(kRequestingErrorMsgFromPrefPane);
+    mAutoConnector->attemptFailed(mDeviceName);
 }
 
 void ScreenServer::deviceDidConnect(const std::string& address)
@@ -196,9 +235,10 @@ void ScreenServer::deviceDidConnect(const std::string& address)
     if (mDeviceName != kOtherDeviceName)
         mDeviceAddress = address;
     mServices.log.write(LogLevel::info, "Connected to " + mDeviceName + " at " + address);
+    mAutoConnector->connectionBegan();
     announceState();
     // They may have changed while the connection was made.
-    preferencesChanged(Notification(kFVEPrefsDidChangeNotification, nullptr, {}));
+    sendOptions();
 }
 
 void ScreenServer::deviceDidNotConnect(const std::string& why)
@@ -218,6 +258,7 @@ void ScreenServer::deviceDidDisconnect(const LinkEnd& end)
     if (vanished)
         mServices.discovery.checkAgain();
     announceState();
+    mAutoConnector->connectionEnded(mDeviceName);
 }
 
 LinkOptions ScreenServer::options()
@@ -225,6 +266,24 @@ LinkOptions ScreenServer::options()
     FVEPreferences& preferences = mServices.preferences;
     return {preferences.enableTouchDisplay(), preferences.areRetinaResolutionsEnabled(),
             preferences.enableHiDPIResolutions(), preferences.autoMoveWindowsBackOption()};
+}
+
+/// A device that the user never confirmed may bear a name from the user's list by chance, or by
+/// intent: connected by itself, it is not told how the user works.
+bool ScreenServer::mayHaveOptions()
+{
+    return !mIsAutomatic || mAutoConnector->isConfirmed(mDeviceName);
+}
+
+void ScreenServer::sendOptions()
+{
+    if (mState != State::connected || !mayHaveOptions())
+        return;
+    const LinkOptions now = options();
+    if (now == mSentOptions)
+        return;
+    mSentOptions = now;
+    mServices.link.setOptions(now);
 }
 
 // --- what the server reports -----------------------------------------------------------------

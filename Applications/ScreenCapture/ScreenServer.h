@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/ScreenCapture/AutoConnector.h"
 #include "Applications/ScreenCapture/DeviceLink.h"
 #include "Common/Bonjour/QLNBonjourBrowser.h"
 #include "Common/FVEPreferences.h"
@@ -9,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace farview
@@ -16,10 +18,12 @@ namespace farview
 
 /// The screen server: does what the panel asks by notification, and reports what became of it.
 ///
-/// It connects to one device at a time. A new request replaces what is under way. It ends by the
+/// It connects to one device at a time. A new request replaces what is under way; while there is
+/// none, the server connects by itself when the user wants that (`AutoConnector`). It ends by the
 /// terminate notification or by `quit`, and by nothing else. Made with `std::make_shared`. Main
 /// thread only.
 class ScreenServer final : public DeviceLinkDelegate,
+                           public AutoConnectServer,
                            public std::enable_shared_from_this<ScreenServer>
 {
 public:
@@ -32,6 +36,7 @@ public:
         FVEPreferences& preferences;
         DeviceLink& link;
         Log& log;
+        Preferences& storage; ///< for what the server keeps for itself
     };
     struct Ending {
         /// It was asked to quit: from now on another server may be started.
@@ -53,6 +58,8 @@ public:
     void deviceDidConnect(const std::string& address) override;
     void deviceDidNotConnect(const std::string& why) override;
     void deviceDidDisconnect(const LinkEnd& end) override;
+    bool isIdle() const override { return mState == State::idle; }
+    void connectByItself(const NetService& service) override;
 
 private:
     enum class State { idle, searching, connecting, connected, quitting };
@@ -67,7 +74,9 @@ private:
     void terminate(const Notification& notification);
 
     bool isConnectedTo(const std::string& deviceName, const std::string& address) const;
+    bool tookOverAttempt(const std::string& hostName);
     void leaveDevice();
+    void takeOrder(const std::string& deviceName);
     void search();
     void searchEnded(unsigned request);
     void connect(const std::vector<Endpoint>& endpoints);
@@ -77,17 +86,22 @@ private:
     void postDevice(const char* name);
     void finishWhenSaid();
     LinkOptions options();
+    bool mayHaveOptions();
+    void sendOptions();
 
     Services mServices;
     Ending mEnding;
     std::shared_ptr<QLNBonjourBrowser> mBrowser;
+    std::shared_ptr<AutoConnector> mAutoConnector;
     Subscription mReconnection;
     State mState = State::idle;
     /// The device asked for: its host name, or "Other".
     std::string mDeviceName;
     /// Where it is: as typed for "Other", else as it was reached.
     std::string mDeviceAddress;
-    LinkOptions mSentOptions;
+    std::optional<LinkOptions> mSentOptions;
+    /// Nobody asked for what is connected or under way.
+    bool mIsAutomatic = false;
     unsigned mRequest = 0;
     bool mGoodbyeSaid = false;
     bool mLastPostSent = false;

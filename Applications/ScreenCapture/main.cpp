@@ -18,24 +18,33 @@ using namespace farview;
 // As in Info.plist: by it the desktop knows whether the server runs.
 constexpr const char* kBundleIdentifier = "com.quillon.ScreenCapture";
 
+/// After a crash: the user may have switched the system off while no server ran to hear of it.
+bool isStillWanted(FVEPreferences& preferences, Log& log)
+{
+    const bool wanted = preferences.currentState() != 0;
+    log.write(LogLevel::error, wanted ? "Started again after a crash"
+                                      : "Not started again after a crash: Farview is off");
+    return wanted;
+}
+
 int runServer(int argc, char** argv, unsigned crashes)
 {
     QCoreApplication application(argc, argv);
     DesktopPlatform desktop({});
     Platform& platform = desktop.platform();
     const Platform::Scope scope(platform);
-    if (crashes > 0)
-        platform.log->write(LogLevel::error, "Started again after a crash");
+    FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
+    if (crashes > 0 && !isStillWanted(preferences, *platform.log))
+        return 0;
     SingleInstance instance(desktop.sessionBus(), kBundleIdentifier);
     if (!instance.acquire())
         return 0;
 
     const auto link = std::make_shared<NetworkDeviceLink>();
-    FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
     const auto server = std::make_shared<ScreenServer>(
         ScreenServer::Services{*platform.discovery, *platform.runLoop, *platform.notificationCenter,
                                *platform.distributedNotificationCenter, preferences, *link,
-                               *platform.log},
+                               *platform.log, *platform.preferences},
         ScreenServer::Ending{[&] { instance.release(); }, [&] { application.quit(); }});
     const TerminationSignals termination([&] { server->quit(); });
     QObject::connect(&instance, &SingleInstance::replaced, &application, [&] { server->quit(); });

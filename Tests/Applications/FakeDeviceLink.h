@@ -2,6 +2,7 @@
 
 #include "Applications/ScreenCapture/DeviceLink.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,14 +16,15 @@ class FakeDeviceLink final : public DeviceLink
 public:
     struct Attempt {
         std::vector<Endpoint> endpoints;
-        LinkOptions options;
+        std::optional<LinkOptions> options;
     };
 
     void setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate) override
     {
         mDelegate = std::move(delegate);
     }
-    void connectTo(const std::vector<Endpoint>& endpoints, const LinkOptions& options) override
+    void connectTo(const std::vector<Endpoint>& endpoints,
+                   const std::optional<LinkOptions>& options) override
     {
         attempts.push_back({endpoints, options});
     }

@@ -26,7 +26,7 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.log},
+                                   preferences, link, fake.log, fake.preferences},
             ScreenServer::Ending{[this] { ++quitting; }, [this] { ++finished; }});
     }
 
@@ -368,7 +368,7 @@ TEST_F(ScreenServerTest, SendsOptionsThatChangedDuringTheConnect)
 {
     start();
     requestTicket("192.0.2.9");
-    const bool before = link.attempts.front().options.touch;
+    const bool before = link.attempts.front().options->touch;
     preferences.setEnableTouchDisplay(!before);
     fake.runLoop.runUntilIdle();
     EXPECT_THAT(link.sentOptions, IsEmpty());

@@ -1,0 +1,231 @@
+#include "Applications/ScreenCapture/AutoConnector.h"
+
+#include "Common/Bonjour/DeviceState.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace farview
+{
+
+namespace
+{
+
+constexpr long kStateOn = 1;
+/// How long a device that failed may take to say where it is now.
+constexpr Duration kResolveLimit{5.0};
+
+std::vector<AnnouncedDevice> announcedDevices(const QLNBonjourBrowser::ServiceList& services)
+{
+    std::vector<AnnouncedDevice> devices;
+    devices.reserve(services.size());
+    for (const auto& service : services) {
+        const bool reachable = service->hostName() && !service->endpoints().empty();
+        devices.push_back({service->name(), isDeviceInUse(*service), reachable});
+    }
+    return devices;
+}
+
+} // namespace
+
+AutoConnector::AutoConnector(Services services, AutoConnectServer& server)
+    : mServices(services), mServer(server), mConfirmed(services.storage)
+{
+}
+
+void AutoConnector::start(std::shared_ptr<QLNBonjourBrowser> browser)
+{
+    mBrowser = std::move(browser);
+    mBrowser->setMonitorTXTRecordUpdates(true);
+    observeBrowser();
+    mCondition = mServices.discovery.observeCondition([this] { conditionChanged(); });
+    mChosen = mServices.preferences.autoConnectDevices();
+    mWasWanted = isWanted();
+    mServices.runLoop.performAfterDelay(settling, weak_from_this(), [this] {
+        mHasSettled = true;
+        consider();
+    });
+}
+
+void AutoConnector::observeBrowser()
+{
+    const auto observe = [this](const char* name, NotificationHandler handler) {
+        mServices.localCenter.addObserver(weak_from_this(), std::move(handler), name,
+                                          mBrowser.get());
+    };
+    for (const char* name : {kQLNBonjourBrowserDidAddService, kQLNBonjourBrowserDidUpdateService,
+                             kQLNBonjourBrowserDidUpdateTXTRecord})
+        observe(name, [this](const Notification&) { considerSoon(); });
+    observe(kQLNBonjourBrowserDidRemoveService,
+            [this](const Notification& notification) { devicesLeft(notification); });
+}
+
+// --- what happens around it ------------------------------------------------------------------
+
+/// Whoever returns is a new device: nothing that was remembered holds it off.
+void AutoConnector::devicesLeft(const Notification& notification)
+{
+    const auto& userInfo = notification.userInfo();
+    const auto found = userInfo.find(kQLNBonjourBrowserDidRemoveServiceNamesKey);
+    if (found == userInfo.end())
+        return;
+    if (const auto* names = std::get_if<std::vector<std::string>>(&found->second)) {
+        for (const auto& name : *names) {
+            mTried.erase(name);
+            mLeftAlone.erase(name);
+        }
+    }
+}
+
+void AutoConnector::conditionChanged()
+{
+    if (mServices.discovery.condition() == DiscoveryCondition::working)
+        startAfresh();
+}
+
+void AutoConnector::preferencesChanged()
+{
+    const auto before = std::exchange(mChosen, mServices.preferences.autoConnectDevices());
+    const auto ticked = newlyChosenNames(before, mChosen);
+    const Names names(ticked.begin(), ticked.end());
+    for (const auto& service : mBrowser->activeServiceList()) {
+        if (names.contains(service->name()))
+            welcome(*service);
+    }
+    const bool wanted = isWanted();
+    if (wanted && !mWasWanted) {
+        mLeftAlone.clear();
+        startAfresh();
+    }
+    mWasWanted = wanted;
+    considerSoon();
+}
+
+bool AutoConnector::isWanted()
+{
+    return mServices.preferences.autoConnectOption() &&
+           mServices.preferences.currentState() == kStateOn;
+}
+
+QLNBonjourBrowser::ServiceList AutoConnector::servicesOfHost(const std::string& hostName) const
+{
+    ServiceList services;
+    const auto& all = mBrowser->activeServiceList();
+    std::copy_if(all.begin(), all.end(), std::back_inserter(services),
+                 [&](const auto& service) { return service->hostName() == hostName; });
+    return services;
+}
+
+void AutoConnector::userChose(const std::string& hostName)
+{
+    for (const auto& service : servicesOfHost(hostName))
+        welcome(*service);
+}
+
+void AutoConnector::welcome(const NetService& service)
+{
+    mTried.erase(service.name());
+    mLeftAlone.erase(service.name());
+    if (const auto hostName = service.hostName())
+        mConfirmed.confirm(service.name(), *hostName);
+}
+
+void AutoConnector::userChoseNone()
+{
+    for (const auto& service : mBrowser->activeServiceList())
+        mLeftAlone.insert(service->name());
+}
+
+bool AutoConnector::isConfirmed(const std::string& hostName) const
+{
+    const auto services = servicesOfHost(hostName);
+    return std::any_of(services.begin(), services.end(), [&](const auto& service) {
+        return mConfirmed.contains(service->name(), hostName);
+    });
+}
+
+// --- attempts --------------------------------------------------------------------------------
+
+void AutoConnector::attemptFailed(const std::string& hostName)
+{
+    for (const auto& service : servicesOfHost(hostName)) {
+        mTried.insert(service->name());
+        // It may have moved to another address or port.
+        service->resolveWithTimeout(kResolveLimit);
+    }
+    considerSoon();
+}
+
+void AutoConnector::connectionBegan()
+{
+    mConnectedAt = mServices.runLoop.now();
+    forgetFailures();
+}
+
+void AutoConnector::connectionEnded(const std::string& hostName)
+{
+    if (mServices.runLoop.now() - mConnectedAt >= steadyAfter)
+        mPause.reset();
+    attemptFailed(hostName);
+}
+
+/// News come in bursts: one look at everything serves them all.
+void AutoConnector::considerSoon()
+{
+    if (std::exchange(mWillConsider, true))
+        return;
+    mServices.runLoop.performAfterDelay(Duration::zero(), weak_from_this(), [this] {
+        mWillConsider = false;
+        consider();
+    });
+}
+
+void AutoConnector::consider()
+{
+    if (!mHasSettled || !mServer.isIdle() || !isWanted())
+        return;
+    const ServiceList services = mBrowser->activeServiceList();
+    const auto devices = announcedDevices(services);
+    Names heldOff = mLeftAlone;
+    heldOff.insert(mTried.begin(), mTried.end());
+    if (const auto choice = autoConnectChoice(mChosen, devices, heldOff)) {
+        mTried.insert(devices[*choice].name);
+        mServer.connectByItself(*services[*choice]);
+    } else if (autoConnectChoice(mChosen, devices, mLeftAlone)) {
+        pause();
+    }
+}
+
+void AutoConnector::pause()
+{
+    if (!mRetry.expired())
+        return;
+    mRetry = mServices.runLoop.scheduledTimer(mPause.next(), false, weak_from_this(),
+                                              [this] { tryAgain(); });
+}
+
+void AutoConnector::tryAgain()
+{
+    mRetry.reset();
+    mTried.clear();
+    consider();
+}
+
+/// What failed before tells nothing about now.
+void AutoConnector::startAfresh()
+{
+    mPause.reset();
+    forgetFailures();
+    considerSoon();
+}
+
+void AutoConnector::forgetFailures()
+{
+    if (const auto retry = mRetry.lock())
+        retry->invalidate();
+    mRetry.reset();
+    mTried.clear();
+}
+
+} // namespace farview

@@ -1,0 +1,113 @@
+#pragma once
+
+#include "Applications/ScreenCapture/ConfirmedDevices.h"
+#include "Common/Bonjour/QLNBonjourBrowser.h"
+#include "Common/FVEPreferences.h"
+#include "Common/Rules/AutoConnectChoice.h"
+#include "Platform/Desktop/GrowingPause.h"
+#include "Platform/NetService.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/RunLoop.h"
+#include "Platform/Types/Subscription.h"
+
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace farview
+{
+
+/// What auto-connection needs of the server.
+class AutoConnectServer
+{
+public:
+    virtual ~AutoConnectServer() = default;
+    /// Whether nothing is connected and nothing is under way.
+    virtual bool isIdle() const = 0;
+    /// Begins to connect to a device whose host and endpoints are known. What becomes of it is told
+    /// to the connector, never inside this call.
+    virtual void connectByItself(const NetService& service) = 0;
+};
+
+/// Connects the server by itself: while the user wants it and the server is idle, to the first of
+/// the user's devices that is there and free.
+///
+/// A device that failed is tried again after a pause that grows; the next one of the list at once,
+/// and so is one that appears. The devices in sight when the user chose none are left alone until
+/// the user chooses them, or they go and return. Made with `std::make_shared`. Main thread only.
+class AutoConnector final : public std::enable_shared_from_this<AutoConnector>
+{
+public:
+    /// What it works with; all of it outlives the connector.
+    struct Services {
+        Discovery& discovery;
+        RunLoop& runLoop;
+        NotificationCenter& localCenter;
+        FVEPreferences& preferences;
+        Preferences& storage; ///< for what the user has confirmed
+    };
+
+    /// Between rounds of attempts: the first pause, and the longest it grows to.
+    static constexpr Duration firstPause{2.0};
+    static constexpr Duration longestPause{60.0};
+    /// A connection that held that long makes the next pause the first again.
+    static constexpr Duration steadyAfter{10.0};
+    /// How long the network is looked at before the first choice, so that not the fastest device
+    /// is taken for the first of the list.
+    static constexpr Duration settling{1.0};
+
+    /// `server` outlives the connector.
+    AutoConnector(Services services, AutoConnectServer& server);
+
+    /// Begins. Called once, before or while `browser` searches; it watches the TXT records too.
+    void start(std::shared_ptr<QLNBonjourBrowser> browser);
+
+    void preferencesChanged();
+    /// The user asked for the device of that host: it is confirmed, and no longer left alone.
+    void userChose(const std::string& hostName);
+    /// The user wants no device: those in sight are left alone.
+    void userChoseNone();
+    /// Whether the device of that host may be told more than a greeting tells.
+    bool isConfirmed(const std::string& hostName) const;
+
+    /// An attempt to reach the device of that host failed, whoever had asked for it.
+    void attemptFailed(const std::string& hostName);
+    void connectionBegan();
+    void connectionEnded(const std::string& hostName);
+
+private:
+    using Names = std::unordered_set<std::string>;
+    using ServiceList = QLNBonjourBrowser::ServiceList;
+
+    void observeBrowser();
+    ServiceList servicesOfHost(const std::string& hostName) const;
+    void devicesLeft(const Notification& notification);
+    void conditionChanged();
+    bool isWanted();
+    void welcome(const NetService& service);
+    void considerSoon();
+    void consider();
+    void pause();
+    void tryAgain();
+    void startAfresh();
+    void forgetFailures();
+
+    Services mServices;
+    AutoConnectServer& mServer;
+    ConfirmedDevices mConfirmed;
+    std::shared_ptr<QLNBonjourBrowser> mBrowser;
+    Subscription mCondition;
+    PropertyList::Array mChosen;
+    /// Names of devices that failed since the last pause.
+    Names mTried;
+    Names mLeftAlone;
+    GrowingPause mPause{firstPause, longestPause};
+    std::weak_ptr<Timer> mRetry;
+    Duration mConnectedAt{0};
+    bool mWasWanted = false;
+    bool mHasSettled = false;
+    bool mWillConsider = false;
+};
+
+} // namespace farview

@@ -1,0 +1,735 @@
+// Auto-connection as the server does it, on a scripted network and link.
+
+#include "Applications/ScreenCapture/AutoConnector.h"
+
+#include "Applications/ScreenCapture/ScreenServer.h"
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Platform/Fake/FakePlatform.h"
+#include "Tests/Applications/FakeDeviceLink.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+using namespace farview;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+/// Device "A" has the host "a.local" and the address 192.0.2.1, "B" 192.0.2.2, and so on.
+std::string hostOf(const std::string& name)
+{
+    return std::string(1, static_cast<char>(name[0] + ('a' - 'A'))) + ".local";
+}
+std::string addressOf(const std::string& name)
+{
+    return "192.0.2." + std::to_string(name[0] - 'A' + 1);
+}
+
+class AutoConnectorTest : public testing::Test
+{
+protected:
+    AutoConnectorTest() : preferences(fake.preferences, fake.distributedNotificationCenter)
+    {
+        preferences.setCurrentState(1);
+        preferences.setAutoConnectOption(true);
+        makeServer();
+    }
+
+    void makeServer()
+    {
+        server = std::make_shared<ScreenServer>(
+            ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
+                                   preferences, link, fake.log, fake.preferences},
+            ScreenServer::Ending{});
+    }
+    void choose(PropertyList::Array names) { preferences.setAutoConnectDevices(names); }
+    void confirm(const std::string& name)
+    {
+        ConfirmedDevices(fake.preferences).confirm(name, hostOf(name));
+    }
+    void announce(const std::vector<std::string>& names)
+    {
+        std::vector<FakeDevice> devices;
+        for (const auto& name : names) {
+            FakeDevice device{name, hostOf(name)};
+            device.endpoints = {{addressOf(name), 6001, 1}};
+            devices.push_back(device);
+        }
+        fake.discovery.announce(devices);
+        fake.runLoop.runUntilIdle();
+    }
+    void setState(const std::string& name, const char* state)
+    {
+        fake.discovery.setTXTRecord(name, {{kFVEConnectionStateKey, Data::fromText(state)}});
+        advance(1);
+    }
+    void start()
+    {
+        server->start();
+        fake.runLoop.advance(AutoConnector::settling);
+        center.forgetPosts();
+    }
+    void advance(double seconds) { fake.runLoop.advance(Duration(seconds)); }
+    void accept()
+    {
+        link.accept(link.attempts.back().endpoints.front().address);
+        fake.runLoop.runUntilIdle();
+    }
+    void fail()
+    {
+        link.fail("no");
+        fake.runLoop.runUntilIdle();
+    }
+    void lose(LinkEndReason reason = LinkEndReason::lost)
+    {
+        link.end(reason);
+        fake.runLoop.runUntilIdle();
+    }
+    void request(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {})
+    {
+        center.postFromAnotherProcess(name, std::move(userInfo));
+        fake.runLoop.runUntilIdle();
+    }
+    void userChooses(const std::string& name)
+    {
+        request(kConnectServerToHost, {{kConnectToHostNameKey, hostOf(name)}});
+    }
+    void userChoosesNone() { request(kDisconnectCurrentServerFromHost); }
+    void connectTo(PropertyList::Array names)
+    {
+        choose(std::move(names));
+        start();
+        accept();
+        center.forgetPosts();
+    }
+
+    /// The devices that were tried so far, as a text of their names.
+    std::string tried() const
+    {
+        std::string names;
+        for (const auto& attempt : link.attempts)
+            names += static_cast<char>('A' + attempt.endpoints.front().address.back() - '1');
+        return names;
+    }
+    int errorCount() const { return center.countOf(kRequestingErrorMsgFromPrefPane); }
+
+    FakePlatform fake;
+    FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
+    FVEPreferences preferences;
+    FakeDeviceLink link;
+    std::shared_ptr<ScreenServer> server;
+};
+
+// --- when and to which -----------------------------------------------------------------------
+
+TEST_F(AutoConnectorTest, ConnectsToTheFirstDeviceOfTheListThatIsThere)
+{
+    announce({"A", "B", "C"});
+    choose({"D", "B", "A"});
+    start();
+    EXPECT_EQ(tried(), "B");
+    accept();
+    const auto posts = center.postsNamed(kServerConnectedToDevice);
+    ASSERT_EQ(posts.size(), 1U);
+    const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, "b.local"},
+                                                               {kDeviceAddressKey, "192.0.2.2"}};
+    EXPECT_EQ(posts.front().userInfo, expected);
+    advance(600);
+    EXPECT_EQ(tried(), "B");
+}
+
+TEST_F(AutoConnectorTest, TakesTheFirstOfTheListThoughTheSecondIsSeenFirst)
+{
+    choose({"A", "B"});
+    server->start();
+    announce({"B"});
+    advance(0.3);
+    announce({"A"});
+    advance(1);
+    EXPECT_EQ(tried(), "A");
+}
+
+TEST_F(AutoConnectorTest, ConnectsToNoDeviceThatWasNotChosen)
+{
+    announce({"A", "B"});
+    choose({"C"});
+    start();
+    advance(600);
+    EXPECT_EQ(tried(), "");
+}
+
+TEST_F(AutoConnectorTest, DoesNothingWhileTheOptionIsOff)
+{
+    preferences.setAutoConnectOption(false);
+    announce({"A"});
+    choose({"A"});
+    start();
+    advance(600);
+    EXPECT_EQ(tried(), "");
+    preferences.setAutoConnectOption(true);
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(tried(), "A");
+}
+
+TEST_F(AutoConnectorTest, DoesNothingWhileTheSystemIsNotOn)
+{
+    announce({"A"});
+    choose({"A"});
+    for (const long state : {0L, 2L}) {
+        preferences.setCurrentState(state);
+        if (state == 0)
+            start();
+        advance(600);
+        EXPECT_EQ(tried(), "") << state;
+    }
+    preferences.setCurrentState(1);
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(tried(), "A");
+}
+
+TEST_F(AutoConnectorTest, ConnectsAsSoonAsADeviceIsTicked)
+{
+    announce({"A"});
+    start();
+    choose({"A"});
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(tried(), "A");
+}
+
+TEST_F(AutoConnectorTest, LeavesDevicesThatOthersUse)
+{
+    announce({"A", "B"});
+    fake.discovery.setTXTRecord("A", {{kFVEConnectionStateKey, Data::fromText("Connected")}});
+    choose({"A", "B"});
+    start();
+    EXPECT_EQ(tried(), "B");
+}
+
+TEST_F(AutoConnectorTest, ConnectsAsSoonAsABusyDeviceIsFree)
+{
+    announce({"A"});
+    choose({"A"});
+    fake.discovery.setTXTRecord("A", {{kFVEConnectionStateKey, Data::fromText("Connected")}});
+    start();
+    advance(600);
+    ASSERT_EQ(tried(), "");
+    setState("A", "NotConnected");
+    EXPECT_EQ(tried(), "A");
+}
+
+TEST_F(AutoConnectorTest, WaitsForADeviceThatIsStillBeingResolved)
+{
+    choose({"A"});
+    start();
+    FakeDevice device{"A", "a.local"};
+    device.resolve.delay = Duration(3);
+    fake.discovery.announce(std::vector{device});
+    advance(2);
+    EXPECT_EQ(tried(), "");
+    advance(2);
+    EXPECT_EQ(link.attempts.size(), 1U);
+}
+
+// --- failures --------------------------------------------------------------------------------
+
+TEST_F(AutoConnectorTest, TriesTheNextAtOnceWhenOneFails)
+{
+    announce({"A", "B", "C"});
+    choose({"C", "A", "B"});
+    start();
+    fail();
+    EXPECT_EQ(tried(), "CA");
+    fail();
+    EXPECT_EQ(tried(), "CAB");
+    accept();
+    EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
+}
+
+TEST_F(AutoConnectorTest, NeverBothersTheUserWithItsFailures)
+{
+    announce({"A", "B"});
+    choose({"A", "B"});
+    start();
+    for (int round = 0; round < 6; ++round) {
+        fail();
+        advance(61);
+    }
+    EXPECT_GE(tried().size(), 6U);
+    EXPECT_EQ(errorCount(), 0);
+    EXPECT_EQ(center.countOf(kServerDisconnectedFromDevice), 0) << "nothing had been connected";
+    EXPECT_TRUE(fake.log.contains("Cannot connect to a.local: no"));
+}
+
+TEST_F(AutoConnectorTest, TriesAgainAfterPausesThatGrowToAMinute)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    for (const double pause : {2, 4, 8, 16, 32, 60, 60, 60}) {
+        const auto before = tried().size();
+        fail();
+        advance(pause - 0.1);
+        ASSERT_EQ(tried().size(), before) << pause;
+        advance(0.2);
+        ASSERT_EQ(tried().size(), before + 1) << pause;
+    }
+}
+
+TEST_F(AutoConnectorTest, BeginsEachRoundWithTheFirstOfTheList)
+{
+    announce({"A", "B"});
+    choose({"B", "A"});
+    start();
+    fail();
+    fail();
+    advance(2.1);
+    fail();
+    EXPECT_EQ(tried(), "BABA");
+}
+
+TEST_F(AutoConnectorTest, TriesADeviceThatAppearsAtOnceAndTheOthersInTheirTime)
+{
+    announce({"A"});
+    choose({"A", "B"});
+    start();
+    for (const double pause : {2.1, 4.1, 8.1}) {
+        fail();
+        advance(pause);
+    }
+    fail();
+    ASSERT_EQ(tried(), "AAAA");
+    announce({"B"});
+    EXPECT_EQ(tried(), "AAAAB");
+    fail();
+    advance(15);
+    EXPECT_EQ(tried(), "AAAAB");
+    advance(2);
+    EXPECT_EQ(tried(), "AAAABA");
+}
+
+TEST_F(AutoConnectorTest, TriesADeviceAtOnceThatWentAndReturned)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    for (const double pause : {2.1, 4.1, 8.1}) {
+        fail();
+        advance(pause);
+    }
+    fail();
+    fake.discovery.remove({"A"});
+    advance(1);
+    announce({"A"});
+    EXPECT_EQ(tried(), "AAAAA");
+}
+
+TEST_F(AutoConnectorTest, WakesNobodyWhileThereIsNothingToTry)
+{
+    announce({"B"});
+    choose({"A"});
+    start();
+    advance(10);
+    EXPECT_EQ(fake.runLoop.pendingCount(), 0U);
+}
+
+TEST_F(AutoConnectorTest, AsksAgainWhereADeviceIsThatFailed)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    const int before = fake.discovery.service("A")->resolveCount();
+    fail();
+    EXPECT_EQ(fake.discovery.service("A")->resolveCount(), before + 1);
+    EXPECT_EQ(fake.discovery.checkAgainCount(), 1);
+}
+
+// --- coming back -----------------------------------------------------------------------------
+
+TEST_F(AutoConnectorTest, GoesToTheNextWhenTheDeviceDies)
+{
+    announce({"A", "B"});
+    connectTo({"A", "B"});
+    lose(LinkEndReason::silent);
+    EXPECT_EQ(tried(), "AB");
+    EXPECT_EQ(center.countOf(kServerDisconnectedFromDevice), 1);
+    EXPECT_EQ(errorCount(), 0);
+}
+
+TEST_F(AutoConnectorTest, ComesBackToADeviceThatSlept)
+{
+    announce({"A"});
+    connectTo({"A"});
+    advance(60);
+    fake.discovery.kill("A");
+    lose(LinkEndReason::silent);
+    advance(300);
+    ASSERT_EQ(tried(), "A") << "it is not on the network";
+    announce({"A"});
+    EXPECT_EQ(tried(), "AA");
+    accept();
+    EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
+}
+
+TEST_F(AutoConnectorTest, ComesBackToADeviceThatNeverLeftTheNetwork)
+{
+    announce({"A"});
+    connectTo({"A"});
+    advance(60);
+    lose(LinkEndReason::lost);
+    EXPECT_EQ(tried(), "A");
+    advance(2.1);
+    EXPECT_EQ(tried(), "AA");
+}
+
+TEST_F(AutoConnectorTest, ComesBackAfterTheNetworkWasAway)
+{
+    announce({"A"});
+    connectTo({"A"});
+    advance(60);
+    fake.discovery.setCondition(DiscoveryCondition::unavailable);
+    lose();
+    for (int round = 0; round < 5; ++round) {
+        advance(61);
+        fail();
+    }
+    const auto before = tried().size();
+    fake.discovery.setCondition(DiscoveryCondition::working);
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(tried().size(), before + 1) << "at once, whatever failed before";
+}
+
+TEST_F(AutoConnectorTest, ComesBackAfterTheComputerWasSuspended)
+{
+    announce({"A"});
+    connectTo({"A"});
+    advance(60);
+    fake.runLoop.suspend(Duration(3600));
+    lose(LinkEndReason::silent);
+    for (const double pause : {2.1, 4.1, 8.1}) {
+        advance(pause); // the network needs a moment
+        fail();
+    }
+    advance(16.1);
+    accept();
+    EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
+    EXPECT_EQ(errorCount(), 0);
+}
+
+TEST_F(AutoConnectorTest, DoesNotStormADeviceThatAcceptsAndLeavesAtOnce)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    for (const double pause : {2, 4, 8, 16, 32, 60}) {
+        const auto before = tried().size();
+        accept();
+        lose();
+        advance(pause - 0.1);
+        ASSERT_EQ(tried().size(), before) << pause;
+        advance(0.2);
+        ASSERT_EQ(tried().size(), before + 1) << pause;
+    }
+    accept();
+    advance(AutoConnector::steadyAfter.count());
+    const auto before = tried().size();
+    lose();
+    advance(2.1);
+    EXPECT_EQ(tried().size(), before + 1) << "it held well: the first pause again";
+}
+
+// --- what the user wants goes first ----------------------------------------------------------
+
+TEST_F(AutoConnectorTest, LeavesADeviceAloneThatTheUserDisconnected)
+{
+    announce({"A"});
+    connectTo({"A"});
+    userChoosesNone();
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::byUser));
+    advance(600);
+    EXPECT_EQ(tried(), "A");
+    setState("A", "Connected");
+    setState("A", "NotConnected");
+    EXPECT_EQ(tried(), "A") << "news of it change nothing";
+}
+
+TEST_F(AutoConnectorTest, TakesNoOtherDeviceInsteadOfNone)
+{
+    announce({"A", "B"});
+    connectTo({"A", "B"});
+    userChoosesNone();
+    advance(600);
+    EXPECT_EQ(tried(), "A");
+    announce({"C"});
+    choose({"A", "B", "C"});
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(tried(), "AC") << "one that appears is new";
+}
+
+TEST_F(AutoConnectorTest, ReturnsToADeviceThatWentAndCameBack)
+{
+    announce({"A"});
+    connectTo({"A"});
+    userChoosesNone();
+    fake.discovery.remove({"A"});
+    advance(1);
+    announce({"A"});
+    EXPECT_EQ(tried(), "AA");
+}
+
+TEST_F(AutoConnectorTest, ReturnsToADeviceThatTheUserChoseAgain)
+{
+    announce({"A"});
+    connectTo({"A"});
+    userChoosesNone();
+    userChooses("A");
+    accept();
+    EXPECT_EQ(tried(), "AA");
+    lose();
+    advance(3);
+    EXPECT_EQ(tried(), "AAA");
+}
+
+TEST_F(AutoConnectorTest, ReturnsToADeviceThatTheUserTickedAgain)
+{
+    announce({"A"});
+    connectTo({"A"});
+    userChoosesNone();
+    choose({});
+    fake.runLoop.runUntilIdle();
+    choose({"A"});
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(tried(), "AA");
+}
+
+TEST_F(AutoConnectorTest, ReturnsWhenTheUserTurnsItOffAndOn)
+{
+    announce({"A"});
+    connectTo({"A"});
+    userChoosesNone();
+    preferences.setAutoConnectOption(false);
+    fake.runLoop.runUntilIdle();
+    preferences.setAutoConnectOption(true);
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(tried(), "AA");
+}
+
+TEST_F(AutoConnectorTest, GivesWayToAUsersRequest)
+{
+    announce({"A", "B"});
+    choose({"A"});
+    start();
+    ASSERT_EQ(tried(), "A");
+    userChooses("B");
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::byUser));
+    EXPECT_EQ(tried(), "AB");
+    accept();
+    advance(600);
+    EXPECT_EQ(tried(), "AB");
+    EXPECT_EQ(center.postsNamed(kServerConnectedToDevice).front().userInfo.at(kDeviceNameKey),
+              "b.local");
+}
+
+TEST_F(AutoConnectorTest, WaitsWhileAUsersRequestIsUnderWay)
+{
+    choose({"A"});
+    start();
+    userChooses("B");
+    announce({"A"});
+    advance(3);
+    EXPECT_EQ(tried(), "") << "the user's device is still searched for";
+    advance(4);
+    EXPECT_EQ(errorCount(), 1) << "a user's request that failed is told";
+    EXPECT_EQ(tried(), "A");
+    fail();
+    EXPECT_EQ(errorCount(), 1);
+}
+
+TEST_F(AutoConnectorTest, BecomesTheUsersRequestWhenTheUserAsksForTheSame)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    userChooses("A");
+    EXPECT_EQ(tried(), "A") << "what is under way goes on";
+    EXPECT_THAT(link.goodbyes, IsEmpty());
+    fail();
+    EXPECT_EQ(errorCount(), 1);
+}
+
+TEST_F(AutoConnectorTest, StaysWithAnAddressThatTheUserTyped)
+{
+    announce({"A"});
+    choose({"A"});
+    server->start();
+    request(kConnectServerToTicket, {{kConnectUsingTicketKey, "192.0.2.9"}});
+    accept();
+    advance(600);
+    EXPECT_EQ(link.attempts.size(), 1U);
+    userChoosesNone();
+    advance(600);
+    EXPECT_EQ(link.attempts.size(), 1U);
+}
+
+TEST_F(AutoConnectorTest, EndsAnAttemptWhenTheUserChoosesNone)
+{
+    announce({"A", "B"});
+    choose({"A", "B"});
+    start();
+    userChoosesNone();
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::byUser));
+    advance(600);
+    EXPECT_EQ(tried(), "A");
+}
+
+TEST_F(AutoConnectorTest, DoesNothingMoreOnceTheServerQuits)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    fail();
+    server->quit();
+    advance(600);
+    EXPECT_EQ(tried(), "A");
+}
+
+TEST_F(AutoConnectorTest, LeavesNothingBehindWhenItsServerIsDestroyed)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    fail();
+    server.reset();
+    setState("A", "NotConnected");
+    preferences.setAutoConnectOption(false);
+    advance(600);
+    EXPECT_EQ(tried(), "A");
+}
+
+// --- confirmed devices -----------------------------------------------------------------------
+
+TEST_F(AutoConnectorTest, TellsAConfirmedDeviceTheOptions)
+{
+    confirm("A");
+    announce({"A"});
+    connectTo({"A"});
+    EXPECT_TRUE(link.attempts.front().options);
+    EXPECT_THAT(link.sentOptions, IsEmpty()) << "they went with the connection";
+}
+
+TEST_F(AutoConnectorTest, TellsAnUnconfirmedDeviceNothingButTheGreeting)
+{
+    announce({"A"});
+    connectTo({"A"});
+    EXPECT_FALSE(link.attempts.front().options);
+    preferences.setEnableTouchDisplay(!preferences.enableTouchDisplay());
+    request(kQueryRequestForConnectedHost);
+    advance(600);
+    EXPECT_THAT(link.sentOptions, IsEmpty());
+}
+
+TEST_F(AutoConnectorTest, TellsAnUnconfirmedDeviceTheOptionsOnceTheUserChoosesIt)
+{
+    announce({"A"});
+    connectTo({"A"});
+    userChooses("A");
+    ASSERT_EQ(link.sentOptions.size(), 1U);
+    EXPECT_EQ(link.sentOptions.front().touch, preferences.enableTouchDisplay());
+    EXPECT_EQ(tried(), "A");
+    EXPECT_TRUE(ConfirmedDevices(fake.preferences).contains("A", "a.local"));
+}
+
+TEST_F(AutoConnectorTest, TellsTheOptionsWhenTheUserTookTheAttemptOver)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    userChooses("A");
+    accept();
+    EXPECT_EQ(link.sentOptions.size(), 1U);
+}
+
+TEST_F(AutoConnectorTest, TakesATickForAConfirmationWhileTheDeviceIsThere)
+{
+    announce({"A"});
+    start();
+    choose({"A"});
+    fake.runLoop.runUntilIdle();
+    ASSERT_EQ(tried(), "A");
+    EXPECT_TRUE(link.attempts.front().options);
+}
+
+TEST_F(AutoConnectorTest, TakesATickForNoneWhileTheDeviceIsAway)
+{
+    start();
+    choose({"A"});
+    fake.runLoop.runUntilIdle();
+    announce({"A"});
+    ASSERT_EQ(tried(), "A");
+    EXPECT_FALSE(link.attempts.front().options);
+}
+
+TEST_F(AutoConnectorTest, TakesAnotherHostOfAConfirmedNameForAStranger)
+{
+    confirm("A");
+    FakeDevice stranger{"A", "stranger.local"};
+    fake.discovery.announce(std::vector{stranger});
+    choose({"A"});
+    start();
+    ASSERT_EQ(link.attempts.size(), 1U);
+    EXPECT_FALSE(link.attempts.front().options);
+}
+
+TEST_F(AutoConnectorTest, RemembersAfterARestartWhatTheUserConfirmed)
+{
+    announce({"A"});
+    choose({"A"});
+    start();
+    userChooses("A");
+    accept();
+    server.reset();
+    makeServer();
+    start();
+    ASSERT_EQ(tried(), "AA");
+    EXPECT_TRUE(link.attempts.back().options);
+}
+
+// --- strange lists ---------------------------------------------------------------------------
+
+TEST_F(AutoConnectorTest, SurvivesAListOfStrangeThings)
+{
+    announce({"A"});
+    choose({7, true, PropertyList::Array{"A"}, PropertyList::Dictionary{{"A", 1}}, "", "A", "A"});
+    start();
+    EXPECT_EQ(tried(), "A");
+    fail();
+    advance(600);
+    fake.preferences.writeAsAnotherProcess(kAutoConnectDevices, PropertyList("A"), kApplicationID);
+    request(kFVEPrefsDidChangeNotification);
+    advance(600);
+    EXPECT_EQ(errorCount(), 0);
+}
+
+TEST_F(AutoConnectorTest, SurvivesAListOfTenThousandNamesAndHundredsOfDevices)
+{
+    PropertyList::Array names;
+    for (int index = 0; index < 10000; ++index)
+        names.emplace_back("Device " + std::to_string(index));
+    std::vector<FakeDevice> devices;
+    for (int index = 0; index < 500; ++index)
+        devices.push_back({"Device " + std::to_string(9999 - index), "host.local"});
+    choose(names);
+    const auto begin = std::chrono::steady_clock::now();
+    server->start();
+    fake.discovery.announce(devices);
+    advance(2);
+    ASSERT_EQ(link.attempts.size(), 1U);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2))
+        << "each device's news must not cost a walk through the whole list";
+}
+
+} // namespace

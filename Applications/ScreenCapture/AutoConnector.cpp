@@ -42,6 +42,14 @@ void AutoConnector::start(std::shared_ptr<QLNBonjourBrowser> browser)
     mCondition = mServices.discovery.observeCondition([this] { conditionChanged(); });
     mChosen = mServices.preferences.autoConnectDevices();
     mWasWanted = isWanted();
+    settle();
+}
+
+void AutoConnector::settle()
+{
+    if (mServices.discovery.condition() == DiscoveryCondition::starting ||
+        std::exchange(mIsSettling, true))
+        return;
     mServices.runLoop.performAfterDelay(settling, weak_from_this(), [this] {
         mHasSettled = true;
         consider();
@@ -80,6 +88,7 @@ void AutoConnector::devicesLeft(const Notification& notification)
 
 void AutoConnector::conditionChanged()
 {
+    settle();
     if (mServices.discovery.condition() == DiscoveryCondition::working)
         startAfresh();
 }

@@ -53,14 +53,14 @@ public:
     static constexpr Duration longestPause{60.0};
     /// A connection that held that long makes the next pause the first again.
     static constexpr Duration steadyAfter{10.0};
-    /// How long the network is looked at before the first choice, so that not the fastest device
-    /// is taken for the first of the list.
+    /// How long the network is looked at before the first choice, so that the fastest device is not
+    /// taken for the first of the list.
     static constexpr Duration settling{1.0};
 
     /// `server` outlives the connector.
     AutoConnector(Services services, AutoConnectServer& server);
 
-    /// Begins. Called once, before or while `browser` searches; it watches the TXT records too.
+    /// Begins. Called once, right after `browser` began to search; makes it watch the TXT records.
     void start(std::shared_ptr<QLNBonjourBrowser> browser);
 
     void preferencesChanged();
@@ -80,6 +80,7 @@ private:
     using Names = std::unordered_set<std::string>;
     using ServiceList = QLNBonjourBrowser::ServiceList;
 
+    void settle();
     void observeBrowser();
     ServiceList servicesOfHost(const std::string& hostName) const;
     void devicesLeft(const Notification& notification);
@@ -106,6 +107,7 @@ private:
     std::weak_ptr<Timer> mRetry;
     Duration mConnectedAt{0};
     bool mWasWanted = false;
+    bool mIsSettling = false;
     bool mHasSettled = false;
     bool mWillConsider = false;
 };

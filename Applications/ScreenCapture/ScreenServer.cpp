@@ -58,8 +58,8 @@ void ScreenServer::start()
         AutoConnector::Services{mServices.discovery, mServices.runLoop, mServices.localCenter,
                                 mServices.preferences, mServices.storage},
         *this);
-    mAutoConnector->start(mBrowser);
     mBrowser->init();
+    mAutoConnector->start(mBrowser);
     announceState();
 }
 

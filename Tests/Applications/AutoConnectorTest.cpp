@@ -154,6 +154,21 @@ TEST_F(AutoConnectorTest, TakesTheFirstOfTheListThoughTheSecondIsSeenFirst)
     EXPECT_EQ(tried(), "A");
 }
 
+TEST_F(AutoConnectorTest, LooksAtTheNetworkFirstHoweverLateDiscoveryBegins)
+{
+    fake.discovery.setCondition(DiscoveryCondition::starting);
+    choose({"A", "B"});
+    start();
+    advance(1);
+    announce({"B"});
+    fake.discovery.setCondition(DiscoveryCondition::working);
+    advance(AutoConnector::settling.count() / 2);
+    EXPECT_EQ(tried(), "");
+    announce({"A"});
+    advance(AutoConnector::settling.count());
+    EXPECT_EQ(tried(), "A");
+}
+
 TEST_F(AutoConnectorTest, ConnectsToNoDeviceThatWasNotChosen)
 {
     announce({"A", "B"});

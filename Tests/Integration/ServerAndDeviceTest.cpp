@@ -1,117 +1,22 @@
 // The real screen server and the real device, each a process, on a private bus and network.
 
+#include "Tests/Integration/ServerAndDevice.h"
 #include "Common/FVEConstants.h"
-#include "Common/GetPID.h"
-#include "Platform/Platform.h"
-#include "Platform/Posix/PosixProcessTable.h"
-#include "Tests/Integration/TestPanel.h"
+#include "Platform/Posix/PosixFileManager.h"
 #include "Tests/Link/LinkPeers.h"
-#include "Tests/Support/Isolation.h"
-#include "Tests/Support/PrivateBus.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <sys/wait.h>
 
 using namespace farview;
-using std::chrono::milliseconds;
-using std::chrono::seconds;
 using testing::HasSubstr;
 
 namespace
 {
-
-/// How soon a silent or dead peer must be noticed, and some patience with a busy machine.
-constexpr milliseconds kNoticed = seconds(5) + milliseconds(500);
-
-class ServerAndDevice : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        if (const std::string reason = whyNotIsolated(); !reason.empty())
-            GTEST_SKIP() << reason;
-        platform.processTable = &processTable;
-        scope = std::make_unique<Platform::Scope>(platform);
-        environment = {{"DBUS_SESSION_BUS_ADDRESS", bus.address()},
-                       {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + home.path("no-system-bus")},
-                       {"XDG_CONFIG_HOME", home.path("config")},
-                       {"XDG_DATA_HOME", home.path("data")},
-                       {"XDG_RUNTIME_DIR", home.path("runtime")},
-                       {"HOME", home.path()}};
-        panel = std::make_unique<TestPanel>();
-    }
-
-    std::unique_ptr<ChildProcess> start(const std::string& program,
-                                        const std::vector<std::string>& arguments,
-                                        const std::string& log)
-    {
-        std::vector<std::string> command{"sh", "-c",
-                                         "exec \"$0\" \"$@\" >>'" + home.path(log) + "' 2>&1",
-                                         FARVIEW_BINARY_DIR "/" + program};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return std::make_unique<ChildProcess>(command, environment);
-    }
-    void startServer()
-    {
-        server = start("ScreenCapture", {}, "server.log");
-        ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice)) << serverLog();
-        panel->reports.clear();
-    }
-    void startDevice(const std::vector<std::string>& more = {})
-    {
-        std::vector<std::string> arguments{"--headless", "--name", "Desk", "--host-name", "desk-7"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        device = start("farview-device", arguments, "device.log");
-    }
-    void connectByName()
-    {
-        panel->connectTo("desk-7.local");
-        ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
-    }
-    void connectByAddress()
-    {
-        ASSERT_TRUE(deviceSays("Announced"));
-        panel->connectToAddress("127.0.0.1");
-        ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
-        panel->reports.clear();
-    }
-    std::string text(const std::string& log) const
-    {
-        std::ostringstream all;
-        all << std::ifstream(home.path(log)).rdbuf();
-        return all.str();
-    }
-    std::string serverLog() const { return "\nserver:\n" + text("server.log"); }
-    std::string deviceLog() const { return "\ndevice:\n" + text("device.log"); }
-    bool deviceSays(const std::string& words, milliseconds limit = seconds(10)) const
-    {
-        return waitUntil([&] { return text("device.log").find(words) != std::string::npos; },
-                         limit);
-    }
-    static std::int32_t serverPid() { return GetPIDForProcessName("ScreenCapture"); }
-    bool serverEnded(milliseconds limit = seconds(3)) const
-    {
-        const auto status = server->waitForEnd(limit);
-        return status && WIFEXITED(*status) && WEXITSTATUS(*status) == 0 && serverPid() == -1;
-    }
-
-    PosixProcessTable processTable;
-    Platform platform;
-    std::unique_ptr<Platform::Scope> scope;
-    TemporaryFolder home;
-    PrivateBus bus;
-    SessionBusScope session{bus.address()};
-    ChildProcess::Environment environment;
-    std::unique_ptr<TestPanel> panel;
-    std::unique_ptr<ChildProcess> device;
-    std::unique_ptr<ChildProcess> server;
-};
 
 /// A device that the test scripts, on the port where addresses are tried.
 class ServerAndStranger : public ServerAndDevice
@@ -137,6 +42,18 @@ protected:
 
     QTcpServer stranger;
 };
+
+/// As the tool that root runs does.
+void allowHiDPI()
+{
+    const auto location =
+        PreferencesLocations(EnvironmentUse::honoured)
+            .location("com.apple.windowserver", PreferencesUser::any, PreferencesHost::current);
+    PosixFileManager files;
+    files.createDirectoryAtPath(std::filesystem::path(location.path).parent_path());
+    ASSERT_TRUE(files.writePropertyList(
+        PropertyList::Dictionary{{"DisplayResolutionEnabled", true}}, location.path));
+}
 
 } // namespace
 
@@ -300,6 +217,7 @@ TEST_F(ServerAndDevice, EndWhenThePanelSaysSo)
 
 TEST_F(ServerAndDevice, FreeTheDeviceAndStartAgainWhenTheServerIsKilled)
 {
+    preferences->setCurrentState(1);
     startDevice();
     startServer();
     connectByAddress();
@@ -311,6 +229,18 @@ TEST_F(ServerAndDevice, FreeTheDeviceAndStartAgainWhenTheServerIsKilled)
     EXPECT_NE(serverPid(), killed);
     panel->reports.clear();
     connectByAddress();
+}
+
+TEST_F(ServerAndDevice, StayAwayAfterACrashWhenFarviewIsOff)
+{
+    preferences->setCurrentState(1);
+    startServer();
+    preferences->setCurrentState(0);
+    const std::int32_t killed = serverPid();
+    ASSERT_GT(killed, 0);
+    ::kill(killed, SIGKILL);
+    EXPECT_TRUE(serverEnded(seconds(5))) << serverLog();
+    EXPECT_THAT(serverLog(), HasSubstr("Farview is off"));
 }
 
 TEST_F(ServerAndDevice, FreeTheDeviceWhenTheServerIsStopped)
@@ -351,6 +281,37 @@ TEST_F(ServerAndDevice, TellTheDeviceWhatTheUserWants)
     connectByAddress();
     // The user's defaults.
     EXPECT_TRUE(deviceSays("these options: touch retina windows-move-back")) << deviceLog();
+}
+
+TEST_F(ServerAndDevice, TellTheDeviceEachChangeOfTheOptions)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    ASSERT_TRUE(deviceSays("these options: touch retina windows-move-back\n")) << deviceLog();
+    preferences->setEnableTouchDisplay(false);
+    EXPECT_TRUE(deviceSays("these options: retina windows-move-back\n")) << deviceLog();
+    preferences->setRetinaResolutionsEnabled(false);
+    EXPECT_TRUE(deviceSays("these options: windows-move-back\n")) << deviceLog();
+    preferences->setAutoMoveWindowsBackOption(false);
+    EXPECT_TRUE(deviceSays("these options:\n")) << deviceLog();
+    allowHiDPI();
+    preferences->prefsDidChangeNotification();
+    EXPECT_TRUE(deviceSays("these options: hidpi\n")) << deviceLog();
+    preferences->setEnableTouchDisplay(true);
+    EXPECT_TRUE(deviceSays("these options: touch hidpi\n")) << deviceLog();
+}
+
+TEST_F(ServerAndDevice, TellTheDeviceASystemsSettingThatChangedWithoutAWord)
+{
+    startDevice();
+    startServer();
+    connectByAddress();
+    ASSERT_TRUE(deviceSays("these options: touch retina windows-move-back\n")) << deviceLog();
+    allowHiDPI();
+    // The panel asks whenever it is shown.
+    panel->post(kQueryRequestForConnectedHost);
+    EXPECT_TRUE(deviceSays("these options: touch retina hidpi windows-move-back\n")) << deviceLog();
 }
 
 TEST_F(ServerAndDevice, LeaveADeviceAloneThatIsNotNeeded)

@@ -55,6 +55,7 @@ public:
                                         [&](const Report& report) { return report.name == name; });
         return found == reports.rend() ? nullptr : &*found;
     }
+    DistributedNotificationCenter& center() { return mCenter; }
     bool isConnectedToBus() const { return mBus.isConnected(); }
 
     std::vector<Report> reports;

@@ -1,0 +1,228 @@
+// Auto-connection of the real screen server to real devices, each a process.
+
+#include "Common/FVEConstants.h"
+#include "Tests/Integration/ServerAndDevice.h"
+#include "Tests/Link/LinkPeers.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <map>
+
+using namespace farview;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace
+{
+
+/// Devices "Desk" and "Sofa" of the hosts "desk-7" and "sofa-7"; the first has the usual port.
+class AutoConnect : public ServerAndDevice
+{
+protected:
+    void SetUp() override
+    {
+        ServerAndDevice::SetUp();
+        if (IsSkipped())
+            return;
+        preferences->setCurrentState(1);
+        preferences->setAutoConnectDevices({"Desk", "Sofa"});
+    }
+
+    /// A device that was announced just now does not answer at once to who asks: this server has
+    /// seen them all when the user makes the list.
+    void startServerThatSeesThem()
+    {
+        preferences->setAutoConnectDevices({});
+        startServer();
+        runLoopFor(seconds(4));
+        preferences->setAutoConnectDevices({"Desk", "Sofa"});
+    }
+    static std::string logOf(const std::string& name) { return name + ".log"; }
+    void startNamed(const std::string& name, const std::vector<std::string>& more = {})
+    {
+        std::string host = name + "-7";
+        std::transform(host.begin(), host.end(), host.begin(), ::tolower);
+        std::vector<std::string> arguments{"--headless", "--name", name, "--host-name", host};
+        if (name != "Desk") // the usual port is taken
+            arguments.insert(arguments.end(), {"--port", "0"});
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        std::ofstream(home.path(logOf(name)), std::ios::trunc).flush();
+        devices[name] = start("farview-device", arguments, logOf(name));
+        ASSERT_TRUE(says(name, "Announced")) << text(logOf(name));
+    }
+    bool says(const std::string& name, const std::string& words,
+              milliseconds limit = seconds(10)) const
+    {
+        return waitUntil([&] { return text(logOf(name)).find(words) != std::string::npos; }, limit);
+    }
+    /// Whether the server is or becomes connected to that host, and to no other on the way.
+    bool connectsTo(const std::string& hostName, milliseconds limit = seconds(15))
+    {
+        const bool heard = panel->hears(kServerConnectedToDevice, limit);
+        return heard && panel->last(kServerConnectedToDevice)->deviceName == hostName;
+    }
+    std::string everything() const
+    {
+        return serverLog() + "\nDesk:\n" + text(logOf("Desk")) + "\nSofa:\n" + text(logOf("Sofa"));
+    }
+    std::uint16_t portOf(const std::string& name) const
+    {
+        const std::string log = text(logOf(name));
+        const auto found = log.find("\", port ");
+        return found == std::string::npos
+                   ? std::uint16_t{0}
+                   : static_cast<std::uint16_t>(std::stoi(log.substr(found + 8)));
+    }
+
+    std::map<std::string, std::unique_ptr<ChildProcess>> devices;
+};
+
+} // namespace
+
+TEST_F(AutoConnect, TakesTheFirstDeviceOfTheList)
+{
+    startNamed("Sofa");
+    startNamed("Desk");
+    startServerThatSeesThem();
+    EXPECT_TRUE(connectsTo("desk-7.local")) << everything();
+    EXPECT_THAT(text(logOf("Sofa")), Not(HasSubstr("Connected to the host")));
+}
+
+TEST_F(AutoConnect, TakesTheSecondWhenTheFirstRefuses)
+{
+    startNamed("Desk", {"--refuse", "Closed for maintenance"});
+    startNamed("Sofa");
+    startServerThatSeesThem();
+    EXPECT_TRUE(connectsTo("sofa-7.local")) << everything();
+    EXPECT_THAT(text(logOf("Desk")), HasSubstr("Refused"));
+    EXPECT_EQ(panel->last(kRequestingErrorMsgFromPrefPane), nullptr) << "nobody had asked";
+}
+
+TEST_F(AutoConnect, TakesTheSecondWhenTheFirstIsBusy)
+{
+    startNamed("Desk");
+    startNamed("Sofa");
+    auto socket = std::make_unique<QTcpSocket>();
+    ASSERT_NE(portOf("Desk"), 0) << everything();
+    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), portOf("Desk"));
+    ASSERT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
+    const auto seen = std::make_shared<LinkRecorder>();
+    auto first =
+        LinkConnection::make(LinkSide::host, std::move(socket), seen, ownGreeting(), LinkTimes{});
+    ASSERT_TRUE(waitUntil([&] { return seen->opened; }));
+    startServer();
+    EXPECT_TRUE(connectsTo("sofa-7.local")) << everything();
+    EXPECT_THAT(text(logOf("Desk")), Not(HasSubstr("Refused"))) << "it was not even asked";
+
+    // When the second one dies, the first is free by then.
+    first->close({LinkGoodbyeCode::byUser, ""});
+    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
+    panel->reports.clear();
+    devices["Sofa"]->kill();
+    EXPECT_TRUE(connectsTo("desk-7.local")) << everything();
+}
+
+TEST_F(AutoConnect, TakesTheSecondWhenTheFirstDies)
+{
+    startNamed("Desk");
+    startNamed("Sofa");
+    startServerThatSeesThem();
+    ASSERT_TRUE(connectsTo("desk-7.local")) << everything();
+    panel->reports.clear();
+    devices["Desk"]->kill();
+    EXPECT_TRUE(connectsTo("sofa-7.local")) << everything();
+    EXPECT_NE(panel->last(kServerDisconnectedFromDevice), nullptr);
+    EXPECT_EQ(panel->last(kRequestingErrorMsgFromPrefPane), nullptr);
+}
+
+TEST_F(AutoConnect, ReturnsToADeviceThatWasRestarted)
+{
+    startNamed("Desk");
+    startServer();
+    ASSERT_TRUE(connectsTo("desk-7.local")) << everything();
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        panel->reports.clear();
+        devices["Desk"]->sendSignal(signal);
+        ASSERT_TRUE(devices["Desk"]->waitForEnd());
+        ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed)) << everything();
+        startNamed("Desk");
+        EXPECT_TRUE(connectsTo("desk-7.local", seconds(25))) << signal << everything();
+    }
+    EXPECT_EQ(panel->last(kRequestingErrorMsgFromPrefPane), nullptr);
+}
+
+TEST_F(AutoConnect, ReturnsToADeviceThatSlept)
+{
+    startNamed("Desk");
+    startServer();
+    ASSERT_TRUE(connectsTo("desk-7.local")) << everything();
+    panel->reports.clear();
+    devices["Desk"]->sendSignal(SIGSTOP);
+    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed)) << everything();
+    runLoopFor(seconds(3));
+    devices["Desk"]->sendSignal(SIGCONT);
+    EXPECT_TRUE(connectsTo("desk-7.local", seconds(25))) << everything();
+}
+
+TEST_F(AutoConnect, LeavesADeviceAloneThatTheUserDisconnected)
+{
+    startNamed("Desk");
+    startServer();
+    ASSERT_TRUE(connectsTo("desk-7.local")) << everything();
+    panel->reports.clear();
+    panel->post(kDisconnectCurrentServerFromHost);
+    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice));
+    runLoopFor(seconds(4)); // twice the first pause
+    EXPECT_EQ(panel->last(kServerConnectedToDevice), nullptr) << everything();
+
+    devices["Desk"]->sendSignal(SIGTERM);
+    ASSERT_TRUE(devices["Desk"]->waitForEnd());
+    runLoopFor(seconds(2)); // its goodbye
+    startNamed("Desk");
+    EXPECT_TRUE(connectsTo("desk-7.local")) << "it went and returned" << everything();
+}
+
+TEST_F(AutoConnect, TellsADeviceTheOptionsOnlyAfterTheUserConfirmedIt)
+{
+    startNamed("Desk");
+    startServer();
+    ASSERT_TRUE(connectsTo("desk-7.local")) << everything();
+    ASSERT_TRUE(says("Desk", "Connected to the host"));
+    preferences->setEnableTouchDisplay(false);
+    runLoopFor(seconds(1));
+    ASSERT_THAT(text(logOf("Desk")), Not(HasSubstr("these options"))) << everything();
+
+    panel->connectTo("desk-7.local");
+    ASSERT_TRUE(says("Desk", "these options: retina windows-move-back")) << everything();
+
+    // The server that comes next remembers it.
+    panel->post(kTerminateScreenServer);
+    ASSERT_TRUE(serverEnded());
+    ASSERT_TRUE(says("Desk", "The host is gone")) << everything();
+    const auto count = [this] {
+        const std::string log = text(logOf("Desk"));
+        std::size_t found = 0;
+        for (auto at = log.find("these options"); at != std::string::npos;
+             at = log.find("these options", at + 1))
+            ++found;
+        return found;
+    };
+    const auto before = count();
+    startServer();
+    EXPECT_TRUE(waitUntil([&] { return count() > before; })) << everything();
+}
+
+TEST_F(AutoConnect, ConnectsWhenADeviceIsTicked)
+{
+    preferences->setAutoConnectDevices({});
+    startNamed("Desk");
+    startServer();
+    runLoopFor(seconds(3));
+    ASSERT_EQ(panel->last(kServerConnectedToDevice), nullptr) << everything();
+    preferences->setAutoConnectDevices({"Desk"});
+    EXPECT_TRUE(connectsTo("desk-7.local")) << everything();
+    EXPECT_TRUE(says("Desk", "these options: touch retina windows-move-back")) << everything();
+}

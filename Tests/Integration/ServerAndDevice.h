@@ -1,0 +1,129 @@
+#pragma once
+
+#include "Common/FVEPreferences.h"
+#include "Common/GetPID.h"
+#include "Platform/Platform.h"
+#include "Platform/Posix/FilePreferences.h"
+#include "Platform/Posix/PosixProcessTable.h"
+#include "Tests/Integration/TestPanel.h"
+#include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/Isolation.h"
+#include "Tests/Support/PrivateBus.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+namespace farview
+{
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+/// How soon a silent or dead peer must be noticed, and some patience with a busy machine.
+inline constexpr milliseconds kNoticed = seconds(5) + milliseconds(500);
+
+/// The screen server and devices as processes, on a bus, a network and settings of the test's own.
+class ServerAndDevice : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (const std::string reason = whyNotIsolated(); !reason.empty())
+            GTEST_SKIP() << reason;
+        for (const auto& [name, value] : environment)
+            variables.push_back(std::make_unique<ScopedEnvironment>(name.c_str(), value.c_str()));
+        platform.processTable = &processTable;
+        scope = std::make_unique<Platform::Scope>(platform);
+        panel = std::make_unique<TestPanel>();
+        stored =
+            std::make_unique<FilePreferences>(PreferencesLocations(EnvironmentUse::honoured), log);
+        preferences = std::make_unique<FVEPreferences>(*stored, panel->center());
+        preferences->setupDefaultValues();
+    }
+
+    std::unique_ptr<ChildProcess> start(const std::string& program,
+                                        const std::vector<std::string>& arguments,
+                                        const std::string& log)
+    {
+        std::vector<std::string> command{"sh", "-c",
+                                         "exec \"$0\" \"$@\" >>'" + home.path(log) + "' 2>&1",
+                                         FARVIEW_BINARY_DIR "/" + program};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return std::make_unique<ChildProcess>(command, environment);
+    }
+    void startServer()
+    {
+        server = start("ScreenCapture", {}, "server.log");
+        ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice)) << serverLog();
+        panel->reports.clear();
+    }
+    void startDevice(const std::vector<std::string>& more = {})
+    {
+        std::vector<std::string> arguments{"--headless", "--name", "Desk", "--host-name", "desk-7"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        device = start("farview-device", arguments, "device.log");
+    }
+    void connectByName()
+    {
+        panel->connectTo("desk-7.local");
+        ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
+    }
+    void connectByAddress()
+    {
+        ASSERT_TRUE(deviceSays("Announced"));
+        panel->connectToAddress("127.0.0.1");
+        ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
+        panel->reports.clear();
+    }
+    std::string text(const std::string& log) const
+    {
+        std::ostringstream all;
+        all << std::ifstream(home.path(log)).rdbuf();
+        return all.str();
+    }
+    std::string serverLog() const { return "\nserver:\n" + text("server.log"); }
+    std::string deviceLog() const { return "\ndevice:\n" + text("device.log"); }
+    bool deviceSays(const std::string& words, milliseconds limit = seconds(10)) const
+    {
+        return waitUntil([&] { return text("device.log").find(words) != std::string::npos; },
+                         limit);
+    }
+    static std::int32_t serverPid() { return GetPIDForProcessName("ScreenCapture"); }
+    bool serverEnded(milliseconds limit = seconds(3)) const
+    {
+        const auto status = server->waitForEnd(limit);
+        return status && WIFEXITED(*status) && WEXITSTATUS(*status) == 0 && serverPid() == -1;
+    }
+
+    PosixProcessTable processTable;
+    Platform platform;
+    std::unique_ptr<Platform::Scope> scope;
+    TemporaryFolder home;
+    PrivateBus bus;
+    SessionBusScope session{bus.address()};
+    ChildProcess::Environment environment{
+        {"DBUS_SESSION_BUS_ADDRESS", bus.address()},
+        {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + home.path("no-system-bus")},
+        {"FARVIEW_SYSTEM_CONFIG", home.path("system-config")},
+        {"XDG_CONFIG_HOME", home.path("config")},
+        {"XDG_DATA_HOME", home.path("data")},
+        {"XDG_RUNTIME_DIR", home.path("runtime")},
+        {"HOME", home.path()}};
+    std::vector<std::unique_ptr<ScopedEnvironment>> variables;
+    FakeLog log;
+    std::unique_ptr<TestPanel> panel;
+    std::unique_ptr<FilePreferences> stored;
+    /// The user's settings, as the panel changes them.
+    std::unique_ptr<FVEPreferences> preferences;
+    std::unique_ptr<ChildProcess> device;
+    std::unique_ptr<ChildProcess> server;
+};
+
+} // namespace farview

@@ -236,9 +236,8 @@ TEST_F(ServerAndDevice, StayAwayAfterACrashWhenFarviewIsOff)
     preferences->setCurrentState(1);
     startServer();
     preferences->setCurrentState(0);
-    const std::int32_t killed = serverPid();
-    ASSERT_GT(killed, 0);
-    ::kill(killed, SIGKILL);
+    ASSERT_TRUE(waitUntil([] { return serverPid() > 0; })) << serverLog();
+    ::kill(serverPid(), SIGKILL);
     EXPECT_TRUE(serverEnded(seconds(5))) << serverLog();
     EXPECT_THAT(serverLog(), HasSubstr("Farview is off"));
 }

@@ -6,6 +6,7 @@
 #include "Platform/IORegistry.h"
 #include "Platform/LocalNotificationCenter.h"
 #include "Platform/Log.h"
+#include "Platform/LoginItem.h"
 #include "Platform/NetService.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/Preferences.h"
@@ -101,6 +102,13 @@ class NoLog final : public Log
     void write(LogLevel, std::string_view) override {}
 };
 
+class NoLoginItem final : public LoginItem
+{
+    bool isEnabled() override { return false; }
+    bool enable(const Command&) override { return false; }
+    bool disable() override { return true; }
+};
+
 class NoPreferences final : public Preferences
 {
     std::optional<PropertyList> copyAppValue(const std::string&, const std::string&) override
@@ -185,6 +193,7 @@ struct NothingHere {
     NoFileManager fileManager;
     NoRegistry registry;
     NoLog log;
+    NoLoginItem loginItem;
     LocalNotificationCenter notificationCenter;
     NoPreferences preferences;
     NoProcessTable processTable;
@@ -211,7 +220,8 @@ Platform::Platform()
       bundles(&nothingHere().bundles), discovery(&nothingHere().discovery),
       distributedNotificationCenter(&nothingHere().distributedNotificationCenter),
       fileManager(&nothingHere().fileManager), registry(&nothingHere().registry),
-      log(&nothingHere().log), notificationCenter(&nothingHere().notificationCenter),
+      log(&nothingHere().log), loginItem(&nothingHere().loginItem),
+      notificationCenter(&nothingHere().notificationCenter),
       preferences(&nothingHere().preferences), processTable(&nothingHere().processTable),
       runLoop(&nothingHere().runLoop), searchPaths(&nothingHere().searchPaths),
       systemVersion(&nothingHere().systemVersion), text(&nothingHere().text),

@@ -11,6 +11,7 @@ class DistributedNotificationCenter;
 class FileManager;
 class IORegistry;
 class Log;
+class LoginItem;
 class NotificationCenter;
 class Preferences;
 class ProcessTable;
@@ -35,6 +36,7 @@ struct Platform {
     FileManager* fileManager;
     IORegistry* registry;
     Log* log;
+    LoginItem* loginItem;
     NotificationCenter* notificationCenter;
     Preferences* preferences;
     ProcessTable* processTable;

@@ -10,6 +10,7 @@
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/SessionBus.h"
 #include "Platform/LocalNotificationCenter.h"
+#include "Platform/Posix/AutostartEntry.h"
 #include "Platform/Posix/FilePreferences.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PosixFileManager.h"
@@ -41,6 +42,7 @@ std::string programName()
 struct DesktopPlatform::Bodies {
     StandardErrorLog log{programName()};
     LocalNotificationCenter notificationCenter;
+    AutostartEntry loginItem{environment};
     PosixBundles bundles{environment, log};
     PosixFileManager fileManager;
     FilePreferences preferences{PreferencesLocations(environment), log};
@@ -95,6 +97,7 @@ void DesktopPlatform::composeForUse()
     mPlatform.distributedNotificationCenter =
         &own.distributedCenter.emplace(own.bus, own.runLoop, own.log);
     mPlatform.fileManager = &own.fileManager;
+    mPlatform.loginItem = &own.loginItem;
     mPlatform.preferences = &own.preferences;
     mPlatform.workspace = &own.workspace.emplace(own.bus, own.bundles, own.runLoop, own.log);
 }

@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -20,12 +21,21 @@ namespace
 const QString portalName = QStringLiteral("org.freedesktop.portal.Desktop");
 constexpr int portalLimit = 5000; // milliseconds
 
-/// The program beside the running one, else in PATH; empty when there is none.
+bool isProgram(const QFileInfo& file) { return file.isFile() && file.isExecutable(); }
+
+/// The program beside the running one, or in a "bin" of a folder above it (a program in a pane's
+/// bundle belongs to the installation around it), else in PATH; empty when there is none.
 QString findProgram(const QString& name)
 {
-    const QFileInfo beside(QCoreApplication::applicationDirPath() + '/' + name);
-    if (beside.isFile() && beside.isExecutable())
+    QDir folder(QCoreApplication::applicationDirPath());
+    const QFileInfo beside(folder.filePath(name));
+    if (isProgram(beside))
         return beside.absoluteFilePath();
+    while (folder.cdUp()) {
+        const QFileInfo installed(folder.filePath(QStringLiteral("bin/") + name));
+        if (isProgram(installed))
+            return installed.absoluteFilePath();
+    }
     return QStandardPaths::findExecutable(name);
 }
 

@@ -13,6 +13,7 @@ FakePlatform::FakePlatform() : discovery(runLoop), distributedNotificationCenter
     mPlatform.fileManager = &fileManager;
     mPlatform.registry = &registry;
     mPlatform.log = &log;
+    mPlatform.loginItem = &loginItem;
     mPlatform.notificationCenter = &notificationCenter;
     mPlatform.preferences = &preferences;
     mPlatform.processTable = &processTable;

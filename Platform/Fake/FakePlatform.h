@@ -7,6 +7,7 @@
 #include "Platform/Fake/FakeDistributedNotificationCenter.h"
 #include "Platform/Fake/FakeFileManager.h"
 #include "Platform/Fake/FakeLog.h"
+#include "Platform/Fake/FakeLoginItem.h"
 #include "Platform/Fake/FakePreferences.h"
 #include "Platform/Fake/FakeProcessTable.h"
 #include "Platform/Fake/FakeRegistry.h"
@@ -44,6 +45,7 @@ public:
     FakeFileManager fileManager;
     FakeRegistry registry;
     FakeLog log;
+    FakeLoginItem loginItem;
     LocalNotificationCenter notificationCenter;
     FakePreferences preferences;
     FakeProcessTable processTable;

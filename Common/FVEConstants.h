@@ -17,6 +17,8 @@ inline constexpr const char* kFVEScreenServerApplicationName = "ScreenCapture";
 inline constexpr const char kFVEScreenServerApplicationNameCString[] = "ScreenCapture";
 inline constexpr const char* kFVEMenuExtraApplicationName = "FarviewStatusItem";
 inline constexpr const char* kFVEMenuExtraBundleID = "com.quillon.menuextra.Farview";
+/// Tells the status item that the user has just logged in: it starts what the settings ask for.
+inline constexpr const char* kAtLoginArgument = "--at-login";
 inline constexpr const char* kFVEDisplayResolutionsOnApplicationName =
     "com.quillon.displayresolutionson";
 inline constexpr const char* kFVEDisplayResolutionsOffApplicationName =

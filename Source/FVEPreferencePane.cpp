@@ -8,6 +8,7 @@
 #include "Platform/Accessibility.h"
 #include "Platform/Bundle.h"
 #include "Platform/Log.h"
+#include "Platform/LoginItem.h"
 #include "Platform/Platform.h"
 #include "Platform/Workspace.h"
 #include "Source/DevicesTable.h"
@@ -85,6 +86,7 @@ void FVEPreferencePane::willSelect()
         tabView()->selectFirstTabViewItem(this);
     }
     enableHiDPIResolutions()->setState(preferences.enableHiDPIResolutions() ? 1 : 0);
+    startAtLoginCheckbox()->setState(mPlatform.loginItem->isEnabled() ? 1 : 0);
     enableRetinaResolutions()->setState(preferences.areRetinaResolutionsEnabled() ? 1 : 0);
     enableHiDPIResolutions()->setEnabled(BCDSystemVersionFunction() > lastSystemWithoutHiDPI);
     makeBrowser();

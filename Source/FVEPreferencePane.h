@@ -124,6 +124,7 @@ public:
 
     // Options, help and updates.
     void menuExtraCheckboxPressed(farview::Object* sender);
+    void startAtLoginPressed(farview::Object* sender);
     void enableTouchDisplayPressed(farview::Object* sender);
     void enableRetinaPressed(farview::Object* sender);
     void enableHiDPIPressed(farview::Object* sender);

@@ -26,6 +26,7 @@ class FVEConnectToOtherSheetController;
            make)                                                                                   \
     OUTLET(farview::TextField, instructionsLabel, setInstructionsLabel, make)                      \
     OUTLET(farview::Button, menuExtraCheckbox, setMenuExtraCheckbox, makeCheckBox)                 \
+    OUTLET(farview::Button, startAtLoginCheckbox, setStartAtLoginCheckbox, makeCheckBox)           \
     OUTLET(farview::ImageView, warningImage, setWarningImage, make)                                \
     OUTLET(farview::Button, reinstallDriversButton, setReinstallDriversButton, make)               \
     OUTLET(farview::Button, enableHiDPIResolutions, setEnableHiDPIResolutions, makeCheckBox)       \

@@ -1,7 +1,9 @@
 #include "Source/FVEPreferencePane.h"
 
+#include "Common/FVEConstants.h"
 #include "Common/FVEPreferences.h"
 #include "Platform/Accessibility.h"
+#include "Platform/LoginItem.h"
 #include "Platform/Platform.h"
 #include "Platform/Workspace.h"
 
@@ -25,6 +27,17 @@ void FVEPreferencePane::menuExtraCheckboxPressed(Object* sender)
         startStatusItemProcess();
     else
         killStatusItemProcess();
+}
+
+void FVEPreferencePane::startAtLoginPressed(Object* sender)
+{
+    auto& item = *mPlatform.loginItem;
+    const std::string program = statusItemApplication().value_or(farview::URL()).path() +
+                                "/Contents/Linux/" + kFVEMenuExtraApplicationName;
+    if (!(isOn(sender) ? item.enable({program, kAtLoginArgument}) : item.disable()))
+        log("The start at login cannot be changed");
+    // The box shows what the entry says, which may be what it said before.
+    startAtLoginCheckbox()->setState(item.isEnabled() ? 1 : 0);
 }
 
 void FVEPreferencePane::enableTouchDisplayPressed(Object* sender)

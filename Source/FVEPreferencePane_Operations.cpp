@@ -39,6 +39,7 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     action<&Pane::watchdogTimerOperation>("watchdogTimerOperation:"),
     action<&Pane::autoConnectPressed>("autoConnectPressed:"),
     action<&Pane::menuExtraCheckboxPressed>("menuExtraCheckboxPressed:"),
+    action<&Pane::startAtLoginPressed>("startAtLoginPressed:"),
     action<&Pane::enableTouchDisplayPressed>("enableTouchDisplayPressed:"),
     action<&Pane::enableRetinaPressed>("enableRetinaPressed:"),
     action<&Pane::enableHiDPIPressed>("enableHiDPIPressed:"),

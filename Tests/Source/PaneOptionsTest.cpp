@@ -56,6 +56,40 @@ TEST_F(PaneOptions, TouchAndRetinaAreStored)
     EXPECT_EQ(stored(kEnableRetinaDisplayOption), PropertyList(true));
 }
 
+TEST_F(PaneOptions, TheStartAtLoginIsTheEntryAndNoSetting)
+{
+    showWithState(1);
+    EXPECT_EQ(pane->startAtLoginCheckbox()->state(), 0);
+    const int sets = fake.preferences.setCount();
+    click(pane->startAtLoginCheckbox(), "startAtLoginPressed:");
+    EXPECT_EQ(pane->startAtLoginCheckbox()->state(), 1);
+    const farview::LoginItem::Command command = {
+        pane->statusItemApplication()->path() + "/Contents/Linux/FarviewStatusItem", "--at-login"};
+    EXPECT_EQ(fake.loginItem.command(), command);
+    click(pane->startAtLoginCheckbox(), "startAtLoginPressed:");
+    EXPECT_EQ(fake.loginItem.command(), std::nullopt);
+    EXPECT_EQ(fake.preferences.setCount(), sets);
+}
+
+TEST_F(PaneOptions, TheStartAtLoginIsShownAsItIsWheneverThePanelOpens)
+{
+    fake.loginItem.enable({"/somewhere"});
+    showWithState(1);
+    EXPECT_EQ(pane->startAtLoginCheckbox()->state(), 1);
+    hide();
+    fake.loginItem.disable();
+    show();
+    EXPECT_EQ(pane->startAtLoginCheckbox()->state(), 0);
+}
+
+TEST_F(PaneOptions, AStartAtLoginThatCannotBeStoredLeavesTheBoxAsItWas)
+{
+    showWithState(1);
+    fake.loginItem.setFails(true);
+    click(pane->startAtLoginCheckbox(), "startAtLoginPressed:");
+    EXPECT_EQ(pane->startAtLoginCheckbox()->state(), 0);
+}
+
 TEST_F(PaneOptions, MovingWindowsBackNeedsAccessibilityToBeTurnedOn)
 {
     showWithState(1);

@@ -23,6 +23,7 @@ const std::set<std::string_view> outletNames = {
     "virtualScreenSelectionPopup",
     "instructionsLabel",
     "menuExtraCheckbox",
+    "startAtLoginCheckbox",
     "warningImage",
     "reinstallDriversButton",
     "enableHiDPIResolutions",
@@ -75,9 +76,9 @@ TEST_F(PaneOutlets, CheckBoxesAreCheckBoxes)
 {
     using Kind = farview::Button::Kind;
     for (const auto& box :
-         {pane->menuExtraCheckbox(), pane->enableHiDPIResolutions(), pane->enableTouchDisplay(),
-          pane->enableRetinaResolutions(), pane->autoUpdateCheckbox(), pane->autoMoveWindowsBack(),
-          pane->autoConnect()})
+         {pane->menuExtraCheckbox(), pane->startAtLoginCheckbox(), pane->enableHiDPIResolutions(),
+          pane->enableTouchDisplay(), pane->enableRetinaResolutions(), pane->autoUpdateCheckbox(),
+          pane->autoMoveWindowsBack(), pane->autoConnect()})
         EXPECT_EQ(box->kind(), Kind::checkBox);
     EXPECT_EQ(pane->offTextButton()->kind(), Kind::push);
     EXPECT_EQ(pane->reinstallDriversButton()->kind(), Kind::push);
@@ -109,6 +110,7 @@ TEST_F(PaneOutlets, EveryNameThatOthersCallIsAnswered)
                              "watchdogTimerOperation:",
                              "autoConnectPressed:",
                              "menuExtraCheckboxPressed:",
+                             "startAtLoginPressed:",
                              "enableTouchDisplayPressed:",
                              "enableRetinaPressed:",
                              "enableHiDPIPressed:",

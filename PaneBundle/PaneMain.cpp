@@ -1,6 +1,7 @@
 #include "Applications/Preferences/PaneInterface.h"
 #include "Controls/Qt/BundleInterfaceLoader.h"
 #include "Controls/Qt/InterfaceFile.h"
+#include "PaneBundle/TrayHint.h"
 #include "Platform/Bundle.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/NotificationCenter.h"
@@ -9,6 +10,8 @@
 
 #include <QPointer>
 #include <QWidget>
+
+#include <optional>
 
 namespace
 {
@@ -40,7 +43,7 @@ public:
 
     bool initWithBundle(const QString& bundlePath, QString* error) override;
     QWidget* loadMainView(QString* error) override;
-    void mainViewDidLoad() override { mPane->mainViewDidLoad(); }
+    void mainViewDidLoad() override;
     void willSelect() override { mPane->willSelect(); }
     void didSelect() override { mPane->didSelect(); }
     void willUnselect() override { mPane->willUnselect(); }
@@ -55,6 +58,7 @@ private:
     Platform::Scope mInstalled;
     std::shared_ptr<farview::Bundle> mBundle;
     std::unique_ptr<QWidget> mView;
+    std::optional<farview::TrayHint> mTrayHint;
     std::shared_ptr<FVEPreferencePane> mPane; // goes before its view and its platform
 };
 
@@ -83,6 +87,15 @@ QWidget* FarviewPane::loadMainView(QString* error)
     *error = QString::fromStdString(reason);
     mApplication->setView(mView.get());
     return mView.get();
+}
+
+void FarviewPane::mainViewDidLoad()
+{
+    mPane->mainViewDidLoad();
+    mTrayHint.emplace(mDesktop.sessionBus(), mPane->menuExtraCheckbox(),
+                      mBundle->localizedString("This desktop has no place for status icons. The "
+                                               "icon appears as soon as it has one.",
+                                               "", ""));
 }
 
 void FarviewPane::applicationDidBecomeActive()

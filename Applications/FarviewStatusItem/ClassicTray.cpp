@@ -1,0 +1,60 @@
+#include "Applications/FarviewStatusItem/ClassicTray.h"
+
+#include "Applications/FarviewStatusItem/MenuLayout.h"
+#include "Applications/FarviewStatusItem/TrayIcons.h"
+#include "Controls/Qt/PlainText.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+
+namespace farview
+{
+
+ClassicTray::ClassicTray(const StatusItemDisplay& display)
+{
+    // An open menu stays as it is; it is made anew whenever it opens.
+    QObject::connect(&mMenu, &QMenu::aboutToShow, &mMenu, [this] { fillMenu(); });
+    QObject::connect(&mIcon, &QSystemTrayIcon::activated, &mMenu,
+                     [this](QSystemTrayIcon::ActivationReason reason) {
+                         if (reason == QSystemTrayIcon::Trigger)
+                             mMenu.popup(QCursor::pos());
+                     });
+    mIcon.setContextMenu(&mMenu);
+    show(display);
+    mIcon.show();
+}
+
+bool ClassicTray::isPossible() { return QGuiApplication::platformName() == QStringLiteral("xcb"); }
+
+bool ClassicTray::isThere() { return isPossible() && QSystemTrayIcon::isSystemTrayAvailable(); }
+
+void ClassicTray::show(const StatusItemDisplay& display)
+{
+    const bool sameIcon = !mIcon.icon().isNull() && display.icon == mDisplay.icon;
+    mDisplay = display;
+    if (!sameIcon)
+        mIcon.setIcon(iconFor(display.icon));
+    mIcon.setToolTip(plainToolTip(display.headline + "\n" + display.sentence));
+}
+
+void ClassicTray::fillMenu()
+{
+    mMenu.clear();
+    for (const auto& item : mDisplay.menu->items()) {
+        if (isSeparator(*item))
+            mMenu.addSeparator();
+        else
+            addEntry(item);
+    }
+}
+
+void ClassicTray::addEntry(const std::shared_ptr<MenuItem>& item)
+{
+    auto* action = mMenu.addAction(plainMenuText(item->title));
+    action->setEnabled(item->canBeChosen());
+    action->setCheckable(item->state == 1);
+    action->setChecked(item->state == 1);
+    QObject::connect(action, &QAction::triggered, &mMenu, [item] { choose(item); });
+}
+
+} // namespace farview

@@ -1,0 +1,310 @@
+#include "Applications/FarviewStatusItem/StatusMenu.h"
+
+#include "Applications/FarviewStatusItem/ServerLaunch.h"
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/NSString_Additions.h"
+#include "Common/Registry/QLNRegistryExplorer.h"
+#include "Common/Rules/Connection.h"
+#include "Platform/Log.h"
+#include "Platform/Workspace.h"
+
+#include <array>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+constexpr unsigned toAllAtOnce = DistributedNotificationCenter::deliverImmediately |
+                                 DistributedNotificationCenter::postToAllSessions;
+
+std::shared_ptr<NetService> serviceOf(const MenuItem& item)
+{
+    const auto* object = std::get_if<std::shared_ptr<Object>>(&item.representedObject);
+    return object ? std::dynamic_pointer_cast<NetService>(*object) : nullptr;
+}
+
+} // namespace
+
+StatusMenu::StatusMenu(Services services, std::function<void()> quitting)
+    : mServices(std::move(services)), mQuitting(std::move(quitting))
+{
+}
+
+void StatusMenu::start()
+{
+    auto& explorer = QLNRegistryExplorer::sharedExplorer();
+    explorer.setCurrentPlane("IOService");
+    mDriverInstalled = explorer.findNamedIORegistryService(kFVEKextName).has_value();
+    mWasInMenuBar = mServices.preferences.showInMenuBar();
+    mState = mServices.preferences.currentState();
+
+    observe(kFVEPrefsDidChangeNotification, &StatusMenu::preferencesChanged);
+    observe(kServerConnectedToDevice, &StatusMenu::connectedToDevice);
+    observe(kQueryResultForConnectedHost, &StatusMenu::connectedToDevice);
+    observe(kServerDisconnectedFromDevice, &StatusMenu::disconnectedFromDevice);
+    observe(kRequestingErrorMsgFromPrefPane, &StatusMenu::connectFailed);
+    for (const char* name :
+         {kConnectServerToHost, kConnectServerToTicket, kDisconnectCurrentServerFromHost})
+        observe(name, &StatusMenu::connectRequested);
+    observe(kTerminateMenuExtra, &StatusMenu::terminate);
+    observeReconnection();
+    makeBrowser();
+    refresh();
+    queryConnectedHost();
+}
+
+void StatusMenu::observe(const char* name, void (StatusMenu::*operation)(const Notification&))
+{
+    const auto handler = [this, operation](const Notification& notification) {
+        if (!mHasQuit)
+            (this->*operation)(notification);
+    };
+    mServices.platform.distributedNotificationCenter->addObserver(weak_from_this(), handler, name,
+                                                                  "");
+}
+
+void StatusMenu::observeBrowser(const char* name)
+{
+    mServices.platform.notificationCenter->addObserver(
+        weak_from_this(), [this](const Notification&) { refresh(); }, name, mBrowser.get());
+}
+
+void StatusMenu::observeReconnection()
+{
+    const std::weak_ptr<StatusMenu> weak = weak_from_this();
+    // What was posted while there was no bus is lost: settings and connection are asked for anew.
+    mReconnection = mServices.platform.distributedNotificationCenter->observeReconnection([weak] {
+        const auto menu = weak.lock();
+        if (!menu || menu->mHasQuit)
+            return;
+        menu->followPreferences();
+        menu->queryConnectedHost();
+    });
+}
+
+void StatusMenu::makeBrowser()
+{
+    auto& platform = mServices.platform;
+    QLNBonjourBrowser::setBonjourServiceName(kVirtualScreenServiceName);
+    mBrowser = std::make_shared<QLNBonjourBrowser>(*platform.discovery, *platform.runLoop,
+                                                   *platform.notificationCenter);
+    observeBrowser(kQLNBonjourBrowserDidAddService);
+    observeBrowser(kQLNBonjourBrowserDidRemoveService);
+    observeBrowser(kQLNBonjourBrowserDidUpdateService);
+    mBrowser->init();
+    mBrowser->setMonitorTXTRecordUpdates(true);
+}
+
+void StatusMenu::queryConnectedHost()
+{
+    mServices.platform.distributedNotificationCenter->postNotificationName(
+        kQueryRequestForConnectedHost, "", {}, DistributedNotificationCenter::postToAllSessions);
+}
+
+void StatusMenu::quit()
+{
+    if (std::exchange(mHasQuit, true))
+        return;
+    mReconnection.end();
+    mServices.platform.distributedNotificationCenter->removeObserver(weak_from_this());
+    mServices.platform.notificationCenter->removeObserver(weak_from_this());
+    if (mBrowser)
+        mBrowser->stop();
+    mQuitting();
+}
+
+// --- what the menu offers --------------------------------------------------------------------
+
+const Operation<StatusMenu>* StatusMenu::operation(Selector selector)
+{
+    static constexpr auto operations = std::to_array<Operation<StatusMenu>>({
+        action<&StatusMenu::turnOn, StatusMenu>("turnOn:"),
+        action<&StatusMenu::turnOff, StatusMenu>("turnOff:"),
+        action<&StatusMenu::takeNoDevice, StatusMenu>("takeNoDevice:"),
+        action<&StatusMenu::takeDevice, StatusMenu>("takeDevice:"),
+        action<&StatusMenu::openPreferences, StatusMenu>("openPreferences:"),
+        action<&StatusMenu::quitForGood, StatusMenu>("quit:"),
+    });
+    return findOperation<StatusMenu>(operations, selector);
+}
+
+bool StatusMenu::respondsTo(Selector selector) const { return !mHasQuit && operation(selector); }
+
+bool StatusMenu::perform(Selector selector, Object* argument)
+{
+    const auto* found = mHasQuit ? nullptr : operation(selector);
+    if (found)
+        found->call(*this, argument);
+    return found != nullptr;
+}
+
+void StatusMenu::turnOn(Object* /*sender*/)
+{
+    if (mServices.preferences.currentState() == 1)
+        return;
+    mServices.preferences.setCurrentState(1);
+    launchServer(mServices.platform, mServices.pane.get());
+    followPreferences();
+}
+
+void StatusMenu::turnOff(Object* /*sender*/)
+{
+    if (mServices.preferences.currentState() == 0)
+        return;
+    mServices.preferences.setCurrentState(0);
+    command(kTerminateScreenServer, {});
+    followPreferences();
+}
+
+void StatusMenu::takeNoDevice(Object* /*sender*/)
+{
+    forgetConnection();
+    mServices.preferences.setCurrentVirtualScreenDevice("");
+    command(kDisconnectCurrentServerFromHost, {});
+    refresh();
+}
+
+void StatusMenu::takeDevice(Object* sender)
+{
+    const auto* item = dynamic_cast<MenuItem*>(sender);
+    // The entry of an address stands for the connection in force: nothing to ask for.
+    const auto service = item ? serviceOf(*item) : nullptr;
+    if (!service || (mSelected && service->isEqual(*mSelected)))
+        return;
+    if (const auto hostName = service->hostName())
+        command(kConnectServerToHost, {{kConnectToHostNameKey, *hostName}});
+}
+
+void StatusMenu::openPreferences(Object* /*sender*/)
+{
+    const std::string path = mServices.pane ? mServices.pane->bundlePath() : std::string();
+    if (path.empty() || !mServices.platform.workspace->openURL(URL::fileURLWithPath(path)))
+        mServices.platform.log->write(LogLevel::error, "Cannot open the panel \"" + path + "\"");
+}
+
+void StatusMenu::quitForGood(Object* /*sender*/)
+{
+    // Else the panel, which starts the item whenever it opens, would undo the user's wish.
+    mServices.preferences.setShowInMenuBar(false);
+    quit();
+}
+
+// --- what the others report ------------------------------------------------------------------
+
+bool StatusMenu::isAcceptable(const Notification& notification)
+{
+    return isAcceptableReportedText(notification.text(kDeviceNameKey)) &&
+           isAcceptableReportedText(notification.text(kDeviceAddressKey));
+}
+
+void StatusMenu::connectedToDevice(const Notification& notification)
+{
+    const auto* name = notification.text(kDeviceNameKey);
+    // A service that is to be resolved yet is matched when it has been; nothing to retry here.
+    if (queryResultStep(name, true) != QueryResultStep::handle || !isAcceptable(notification))
+        return;
+    forgetConnection();
+    if (*name == kOtherDeviceName) {
+        followConnectionByAddress(notification.text(kDeviceAddressKey));
+    } else {
+        mReportedHostName = *name;
+        storeCurrentDevice(*name);
+    }
+    refresh();
+}
+
+void StatusMenu::followConnectionByAddress(const std::string* address)
+{
+    mConnectedByAddress = true;
+    auto& preferences = mServices.preferences;
+    const std::string stored = preferences.currentVirtualScreenDevice();
+    const auto connection = connectionByAddress(stored, isValidIPAddress(stored), std::nullopt,
+                                                address ? std::optional(*address) : std::nullopt);
+    mAddress = connection.address ? connection.address
+                                  : (address ? std::optional(*address) : std::nullopt);
+    if (connection.lastOther && *connection.lastOther != preferences.lastOtherDevice())
+        preferences.setLastOtherDevice(*connection.lastOther);
+    if (connection.currentDevice)
+        storeCurrentDevice(*connection.currentDevice);
+}
+
+/// The panel stores it too; what is stored already is not announced again.
+void StatusMenu::storeCurrentDevice(const std::string& name)
+{
+    if (mServices.preferences.currentVirtualScreenDevice() != name)
+        mServices.preferences.setCurrentVirtualScreenDevice(name);
+}
+
+void StatusMenu::disconnectedFromDevice(const Notification& /*notification*/)
+{
+    const bool failed = mConnectFailed;
+    forgetConnection();
+    // The server repeats that it is not connected whenever it is asked.
+    mConnectFailed = failed;
+    refresh();
+}
+
+void StatusMenu::connectFailed(const Notification& /*notification*/)
+{
+    mConnectFailed = true;
+    refresh();
+}
+
+void StatusMenu::connectRequested(const Notification& /*notification*/)
+{
+    if (std::exchange(mConnectFailed, false))
+        refresh();
+}
+
+void StatusMenu::preferencesChanged(const Notification& /*notification*/) { followPreferences(); }
+
+void StatusMenu::followPreferences()
+{
+    auto& preferences = mServices.preferences;
+    preferences.synchronize();
+    const long state = preferences.currentState();
+    if (std::exchange(mState, state) != state)
+        mConnectFailed = false;
+    if (state == 0)
+        forgetConnection();
+    const bool inMenuBar = preferences.showInMenuBar();
+    if (std::exchange(mWasInMenuBar, inMenuBar) && !inMenuBar)
+        quit();
+    else
+        refresh();
+}
+
+void StatusMenu::terminate(const Notification& /*notification*/) { quit(); }
+
+void StatusMenu::forgetConnection()
+{
+    mSelected = nullptr;
+    mReportedHostName.clear();
+    mConnectedByAddress = false;
+    mAddress.reset();
+    mConnectFailed = false;
+}
+
+void StatusMenu::findSelectedService()
+{
+    if (mReportedHostName.empty())
+        return;
+    std::vector<std::optional<std::string>> hostNames;
+    for (const auto& service : mBrowser->activeServiceList())
+        hostNames.push_back(service->hostName());
+    if (const auto index = deviceForReportedName(hostNames, &mReportedHostName))
+        mSelected = mBrowser->activeServiceList()[*index];
+}
+
+bool StatusMenu::isConnected() const { return !mReportedHostName.empty() || mConnectedByAddress; }
+
+void StatusMenu::command(const char* name, DistributedNotificationCenter::TextUserInfo userInfo)
+{
+    mServices.platform.distributedNotificationCenter->postNotificationName(
+        name, "", std::move(userInfo), toAllAtOnce);
+}
+
+} // namespace farview

@@ -1,0 +1,167 @@
+#include "Applications/FarviewStatusItem/StatusMenu.h"
+
+#include "Common/Bonjour/DeviceState.h"
+#include "Common/Rules/AutoConnectRows.h"
+#include "Common/Rules/StatusDisplay.h"
+
+namespace farview
+{
+namespace
+{
+
+constexpr const char* nameInText = "%@";
+
+std::string withName(std::string text, const std::string& name)
+{
+    const auto place = text.find(nameInText);
+    return place == std::string::npos ? text : text.replace(place, 2, name);
+}
+
+void addSeparator(Menu& menu)
+{
+    menu.insertItem(std::make_shared<MenuItem>(), menu.numberOfItems());
+}
+
+} // namespace
+
+bool isSeparator(const MenuItem& item) { return item.title.empty() && item.action.isEmpty(); }
+
+void StatusMenu::refresh()
+{
+    findSelectedService();
+    mDisplay = makeDisplay();
+    mChanged();
+}
+
+StatusItemDisplay StatusMenu::makeDisplay()
+{
+    const long state = mServices.preferences.currentState();
+    const bool on = mDriverInstalled && switchStateForCurrentState(state).value_or(0) == 1;
+    StatusItemDisplay display;
+    display.icon = statusIcon({mDriverInstalled, state, isConnected(), mConnectFailed});
+    display.headline = headline(display.icon);
+    display.sentence = sentence(state);
+    auto menu = std::make_shared<Menu>();
+    auto inert = std::make_shared<MenuItem>();
+    inert->title = display.headline;
+    menu->insertItem(inert, 0);
+    if (mDriverInstalled)
+        addItem(*menu, on ? "Turn Farview Off" : "Turn Farview On",
+                on ? Selector{"turnOff:"} : Selector{"turnOn:"});
+    addSeparator(*menu);
+    addDevices(*menu, on);
+    addSeparator(*menu);
+    addItem(*menu, "Open Farview Preferences…", {"openPreferences:"});
+    addItem(*menu, "Quit", {"quit:"});
+    display.menu = menu;
+    return display;
+}
+
+std::string StatusMenu::headline(StatusIcon icon) const
+{
+    switch (icon) {
+    case StatusIcon::off:
+        return localized(popUpTitleWhenOff);
+    case StatusIcon::on:
+        return localized("Farview: On");
+    case StatusIcon::connected:
+        return withName(localized("Connected to %@"), deviceName());
+    case StatusIcon::trouble:
+        break;
+    }
+    return localized("Farview: Error");
+}
+
+std::string StatusMenu::sentence(long currentState) const
+{
+    if (mDriverInstalled && mConnectFailed && currentState != 0)
+        return localized(connectionErrorText);
+    StatusInputs inputs;
+    inputs.driverInstalled = mDriverInstalled;
+    inputs.currentState = currentState;
+    return localized(statusDisplay(inputs).sentence);
+}
+
+std::string StatusMenu::deviceName() const
+{
+    if (mConnectedByAddress)
+        return mAddress.value_or(std::string{});
+    return mSelected ? mSelected->name() : mReportedHostName;
+}
+
+void StatusMenu::addDevices(Menu& menu, bool on)
+{
+    for (const auto& entry : deviceMenuEntries(deviceMenuInputs())) {
+        // Typing an address needs the panel's sheet.
+        if (entry.kind != MenuEntryKind::connectToOther)
+            menu.insertItem(deviceItem(entry, on), menu.numberOfItems());
+    }
+}
+
+DeviceMenuInputs StatusMenu::deviceMenuInputs()
+{
+    DeviceMenuInputs inputs;
+    for (const auto& service : mBrowser->activeServiceList())
+        inputs.devices.push_back({service->name(), isBusy(*service), service == mSelected});
+    auto& preferences = mServices.preferences;
+    inputs.connectedByAddress = mConnectedByAddress;
+    inputs.address = mAddress;
+    if (!mReportedHostName.empty())
+        inputs.selectedName = deviceName();
+    inputs.noDeviceEntryEnabled = noDeviceEntryEnabled(
+        preferences.autoConnectOption(), mConnectedByAddress,
+        mSelected ? &mSelected->name() : nullptr, preferences.autoConnectDevices());
+    return inputs;
+}
+
+std::shared_ptr<MenuItem> StatusMenu::deviceItem(const MenuEntry& entry, bool on)
+{
+    auto item = std::make_shared<MenuItem>();
+    item->title = entry.title;
+    item->action = {"takeDevice:"};
+    item->state = entry.checked || isInForce(entry) ? 1 : 0;
+    if (on && entry.hasTarget)
+        item->target = weak_from_this();
+    if (entry.kind == MenuEntryKind::noDevice) {
+        item->title = localized("No device selected");
+        item->action = {"takeNoDevice:"};
+        item->tag = noDeviceEntryTag;
+    } else if (entry.kind == MenuEntryKind::device) {
+        item->representedObject =
+            std::shared_ptr<Object>(mBrowser->activeServiceList()[entry.device]);
+    } else if (entry.kind == MenuEntryKind::inBackground) {
+        item->title += localized(" (in background)");
+    }
+    return item;
+}
+
+bool StatusMenu::isInForce(const MenuEntry& entry) const
+{
+    const bool deviceSelected = !mReportedHostName.empty();
+    switch (selectedEntry(deviceSelected, mConnectedByAddress)) {
+    case SelectedEntry::device:
+        return entry.kind == MenuEntryKind::device &&
+               mBrowser->activeServiceList()[entry.device] == mSelected;
+    case SelectedEntry::address:
+        return entry.kind == MenuEntryKind::address;
+    case SelectedEntry::noDevice:
+        return entry.kind == MenuEntryKind::noDevice;
+    }
+    return false;
+}
+
+void StatusMenu::addItem(Menu& menu, const char* title, Selector action)
+{
+    auto item = std::make_shared<MenuItem>();
+    item->title = localized(title);
+    item->action = action;
+    item->target = weak_from_this();
+    menu.insertItem(item, menu.numberOfItems());
+}
+
+std::string StatusMenu::localized(const std::string& text) const
+{
+    return mServices.pane && !text.empty() ? mServices.pane->localizedString(text, "", "") : text;
+}
+
+} // namespace farview

@@ -1,0 +1,95 @@
+#include "Applications/FarviewStatusItem/StatusNotifierItem.h"
+
+#include "Applications/FarviewStatusItem/TrayIcons.h"
+#include "Controls/Qt/PlainText.h"
+
+#include <QCoreApplication>
+#include <QDBusPendingCall>
+
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+const QString itemPath = QStringLiteral("/StatusNotifierItem");
+const QString menuPath = QStringLiteral("/MenuBar");
+
+std::string itemName()
+{
+    return "org.kde.StatusNotifierItem-" + std::to_string(QCoreApplication::applicationPid()) +
+           "-1";
+}
+
+/// Trays take the text of a tool tip for markup.
+DBusToolTip toolTipFor(const StatusItemDisplay& display)
+{
+    return {{},
+            {},
+            plainLine(display.headline).toHtmlEscaped(),
+            plainText(display.sentence).toHtmlEscaped()};
+}
+
+} // namespace
+
+StatusNotifierItem::StatusNotifierItem(SessionBus& bus, std::function<void()> activated)
+    : mBus(bus), mActivated(std::move(activated)), mMenu(new DBusMenu(this))
+{
+    connect(&mBus, &SessionBus::connected, this, &StatusNotifierItem::offer);
+    offer();
+}
+
+StatusNotifierItem::~StatusNotifierItem()
+{
+    auto connection = mBus.connection();
+    connection.unregisterObject(itemPath);
+    connection.unregisterObject(menuPath);
+    // A watcher knows from the loss of the name that the item has gone.
+    mBus.releaseName(itemName());
+}
+
+void StatusNotifierItem::offer()
+{
+    auto connection = mBus.connection();
+    if (!connection.isConnected())
+        return;
+    constexpr auto exported = QDBusConnection::ExportScriptableSlots |
+                              QDBusConnection::ExportScriptableSignals |
+                              QDBusConnection::ExportAllProperties;
+    connection.registerObject(itemPath, this, exported);
+    connection.registerObject(menuPath, mMenu, exported);
+    mBus.requestName(itemName());
+}
+
+void StatusNotifierItem::registerWithWatcher()
+{
+    auto call = QDBusMessage::createMethodCall(
+        QString::fromLatin1(watcherName), QStringLiteral("/StatusNotifierWatcher"),
+        QString::fromLatin1(watcherName), QStringLiteral("RegisterStatusNotifierItem"));
+    call << QString::fromStdString(itemName());
+    mBus.connection().asyncCall(call);
+}
+
+void StatusNotifierItem::show(const StatusItemDisplay& display)
+{
+    mMenu->setMenu(*display.menu);
+    const QString icon = iconNameFor(display.icon);
+    if (std::exchange(mIconName, icon) != icon)
+        Q_EMIT NewIcon();
+    const auto toolTip = toolTipFor(display);
+    const auto before = std::exchange(mToolTip, toolTip);
+    if (before.title != toolTip.title || before.text != toolTip.text)
+        Q_EMIT NewToolTip();
+}
+
+QDBusObjectPath StatusNotifierItem::menu() const { return QDBusObjectPath(menuPath); }
+
+void StatusNotifierItem::Activate(int, int) { mActivated(); }
+
+// A tray that shows the menu itself asks for none of these.
+void StatusNotifierItem::SecondaryActivate(int, int) {}
+void StatusNotifierItem::ContextMenu(int, int) {}
+void StatusNotifierItem::Scroll(int, const QString&) {}
+
+} // namespace farview

@@ -1,0 +1,388 @@
+#include "Applications/FarviewStatusItem/StatusMenu.h"
+
+#include "Applications/FarviewStatusItem/MenuLayout.h"
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Platform/Fake/FakePlatform.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace farview;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+class StatusMenuTest : public testing::Test
+{
+protected:
+    using Post = FakeDistributedNotificationCenter::Post;
+
+    StatusMenuTest()
+    {
+        pane = fake.bundles.add("/opt/Farview Preferences.prefPane");
+        pane->addResource("ScreenCapture", "app");
+        fake.registry.publish(kFVEKextName);
+    }
+
+    /// A status item with that stored state, its first notifications behind it.
+    void startWith(long state)
+    {
+        preferences.setupDefaultValues();
+        preferences.setCurrentState(state);
+        menu = std::make_shared<StatusMenu>(
+            StatusMenu::Services{fake.platform(), preferences, pane}, [this] { ++quits; });
+        menu->setChanged([this] { ++changes; });
+        fake.runLoop.runUntilIdle();
+        center.forgetPosts();
+        menu->start();
+        fake.runLoop.runUntilIdle();
+    }
+    void announce(const std::string& name, const std::string& hostName,
+                  const std::string& state = "NotConnected")
+    {
+        fake.discovery.announce(
+            std::vector{FakeDevice{name, hostName, {{"ConnState", Data::fromText(state)}}}});
+        fake.runLoop.advance(Duration(0.5));
+    }
+    void hear(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {})
+    {
+        center.postFromAnotherProcess(name, std::move(userInfo));
+        fake.runLoop.runUntilIdle();
+    }
+    void connectTo(const std::string& hostName)
+    {
+        hear(kServerConnectedToDevice,
+             {{kDeviceNameKey, hostName}, {kDeviceAddressKey, "192.168.1.20"}});
+    }
+    void connectByAddress(const std::string& address)
+    {
+        hear(kServerConnectedToDevice,
+             {{kDeviceNameKey, kOtherDeviceName}, {kDeviceAddressKey, address}});
+    }
+    void storeElsewhere(const char* key, PropertyList value)
+    {
+        fake.preferences.writeAsAnotherProcess(key, std::move(value), kApplicationID);
+        hear(kFVEPrefsDidChangeNotification);
+    }
+
+    /// Each entry: "*" when it is marked, its title, "!" when it cannot be chosen.
+    std::vector<std::string> entries() const
+    {
+        std::vector<std::string> result;
+        for (const auto& item : menu->display().menu->items())
+            result.push_back(isSeparator(*item) ? "-"
+                                                : (item->state == 1 ? "*" : "") + item->title +
+                                                      (item->canBeChosen() ? "" : "!"));
+        return result;
+    }
+    std::shared_ptr<MenuItem> entry(const std::string& title) const
+    {
+        for (const auto& item : menu->display().menu->items()) {
+            if (item->title == title)
+                return item;
+        }
+        return nullptr;
+    }
+    bool click(const std::string& title)
+    {
+        const bool done = choose(entry(title));
+        fake.runLoop.runUntilIdle();
+        return done;
+    }
+    StatusIcon icon() const { return menu->display().icon; }
+
+    FakePlatform fake;
+    Platform::Scope scope{fake.platform()};
+    FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
+    FVEPreferences preferences{fake.preferences, center};
+    std::shared_ptr<FakeBundle> pane;
+    int quits = 0;
+    int changes = 0;
+    std::shared_ptr<StatusMenu> menu;
+};
+
+TEST_F(StatusMenuTest, OffersToTurnOnAndNoDeviceWhileItIsOff)
+{
+    startWith(0);
+    announce("Pad", "pad.local");
+    EXPECT_EQ(icon(), StatusIcon::off);
+    EXPECT_THAT(entries(),
+                ElementsAre("Farview: Off!", "Turn Farview On", "-", "*No device selected!", "Pad!",
+                            "-", "Open Farview Preferences…", "Quit"));
+}
+
+TEST_F(StatusMenuTest, OffersFreeDevicesWhileItIsOnAndNotThoseInUse)
+{
+    startWith(1);
+    announce("Pad", "pad.local");
+    announce("Slab", "slab.local", "Connected");
+    EXPECT_EQ(icon(), StatusIcon::on);
+    EXPECT_THAT(entries(),
+                ElementsAre("Farview: On!", "Turn Farview Off", "-", "*No device selected", "Pad",
+                            "Slab!", "-", "Open Farview Preferences…", "Quit"));
+}
+
+TEST_F(StatusMenuTest, AsksForTheConnectionAtItsStart)
+{
+    startWith(1);
+    EXPECT_EQ(center.postsNamed(kQueryRequestForConnectedHost),
+              (std::vector<Post>{{kQueryRequestForConnectedHost, "", {}, 2}}));
+}
+
+TEST_F(StatusMenuTest, MarksTheConnectedDevice)
+{
+    startWith(1);
+    announce("Pad", "pad.local");
+    connectTo("pad.local");
+    EXPECT_EQ(icon(), StatusIcon::connected);
+    EXPECT_EQ(menu->display().headline, "Connected to Pad");
+    EXPECT_THAT(entries(), testing::Contains("*Pad"));
+    EXPECT_THAT(entries(), testing::Contains("No device selected"));
+    EXPECT_EQ(preferences.currentVirtualScreenDevice(), "pad.local");
+    hear(kServerDisconnectedFromDevice);
+    EXPECT_EQ(icon(), StatusIcon::on);
+    EXPECT_THAT(entries(), testing::Contains("Pad"));
+    EXPECT_THAT(entries(), testing::Contains("*No device selected"));
+}
+
+TEST_F(StatusMenuTest, AConnectedDeviceThatIsFoundLaterIsMarkedThen)
+{
+    startWith(1);
+    hear(kQueryResultForConnectedHost,
+         {{kDeviceNameKey, "pad.local"}, {kDeviceAddressKey, "192.168.1.20"}});
+    EXPECT_EQ(menu->display().headline, "Connected to pad.local");
+    EXPECT_THAT(entries(), testing::Contains("*pad.local (in background)!"));
+    announce("Pad", "pad.local");
+    EXPECT_EQ(menu->display().headline, "Connected to Pad");
+    EXPECT_THAT(entries(), testing::Contains("*Pad"));
+    fake.discovery.remove({"Pad"});
+    fake.runLoop.advance(Duration(0.5));
+    EXPECT_THAT(entries(), testing::Contains("*Pad (in background)!"));
+}
+
+TEST_F(StatusMenuTest, ShowsAConnectionByAddress)
+{
+    startWith(1);
+    connectByAddress("192.168.1.77");
+    EXPECT_EQ(menu->display().headline, "Connected to 192.168.1.77");
+    EXPECT_THAT(entries(), testing::Contains("*192.168.1.77"));
+    center.forgetPosts();
+    EXPECT_TRUE(click("192.168.1.77"));
+    EXPECT_THAT(center.posts(), IsEmpty()) << "it is connected already";
+}
+
+TEST_F(StatusMenuTest, ChoosingADeviceAsksTheServerForIt)
+{
+    startWith(1);
+    announce("Pad", "pad.local");
+    center.forgetPosts();
+    EXPECT_TRUE(click("Pad"));
+    EXPECT_EQ(
+        center.posts(),
+        (std::vector<Post>{{kConnectServerToHost, "", {{kConnectToHostNameKey, "pad.local"}}, 3}}));
+}
+
+TEST_F(StatusMenuTest, ChoosingTheConnectedDeviceAsksForNothing)
+{
+    startWith(1);
+    announce("Pad", "pad.local");
+    connectTo("pad.local");
+    center.forgetPosts();
+    EXPECT_TRUE(click("Pad"));
+    EXPECT_THAT(center.posts(), IsEmpty());
+}
+
+TEST_F(StatusMenuTest, AnEntryFromBeforeIsAskedAgainWhetherItMayBeChosen)
+{
+    startWith(1);
+    announce("Pad", "pad.local");
+    const auto before = entry("Pad");
+    menu->quit();
+    center.forgetPosts();
+    EXPECT_FALSE(choose(before));
+    EXPECT_THAT(center.posts(), IsEmpty());
+}
+
+TEST_F(StatusMenuTest, ChoosingNoDeviceEndsTheConnection)
+{
+    startWith(1);
+    announce("Pad", "pad.local");
+    connectTo("pad.local");
+    center.forgetPosts();
+    EXPECT_TRUE(click("No device selected"));
+    EXPECT_EQ(center.countOf(kDisconnectCurrentServerFromHost), 1);
+    EXPECT_EQ(preferences.currentVirtualScreenDevice(), "");
+    EXPECT_EQ(icon(), StatusIcon::on);
+}
+
+TEST_F(StatusMenuTest, NoDeviceCannotBeChosenWhereAutoConnectionWouldUndoIt)
+{
+    startWith(1);
+    announce("Pad", "pad.local");
+    connectTo("pad.local");
+    preferences.setAutoConnectDevices({PropertyList("Pad")});
+    fake.runLoop.runUntilIdle();
+    EXPECT_THAT(entries(), testing::Contains("No device selected!"));
+    preferences.setAutoConnectOption(false);
+    fake.runLoop.runUntilIdle();
+    EXPECT_THAT(entries(), testing::Contains("No device selected"));
+}
+
+TEST_F(StatusMenuTest, TurningOnStoresItAndStartsTheServer)
+{
+    startWith(0);
+    EXPECT_TRUE(click("Turn Farview On"));
+    EXPECT_EQ(preferences.currentState(), 1);
+    ASSERT_EQ(fake.workspace.launches().size(), 1u);
+    EXPECT_EQ(fake.workspace.launches()[0].path, *pane->pathForResource("ScreenCapture", "app"));
+    EXPECT_EQ(fake.workspace.launches()[0].options, 0x10300u);
+    EXPECT_EQ(icon(), StatusIcon::on);
+}
+
+TEST_F(StatusMenuTest, TurningOffStoresItAndEndsTheServer)
+{
+    startWith(1);
+    connectTo("pad.local");
+    center.forgetPosts();
+    EXPECT_TRUE(click("Turn Farview Off"));
+    EXPECT_EQ(preferences.currentState(), 0);
+    EXPECT_EQ(center.postsNamed(kTerminateScreenServer),
+              (std::vector<Post>{{kTerminateScreenServer, "", {}, 3}}));
+    EXPECT_EQ(icon(), StatusIcon::off);
+    EXPECT_EQ(quits, 0);
+}
+
+TEST_F(StatusMenuTest, FollowsTheSettingsThatOthersChange)
+{
+    startWith(0);
+    storeElsewhere(kCurrentState, std::int64_t{1});
+    EXPECT_EQ(icon(), StatusIcon::on);
+    EXPECT_THAT(fake.workspace.launches(), IsEmpty()) << "who changed it starts the server";
+    storeElsewhere(kCurrentState, std::int64_t{2});
+    EXPECT_EQ(icon(), StatusIcon::trouble);
+    EXPECT_THAT(entries(), testing::Contains("Turn Farview Off"));
+}
+
+TEST_F(StatusMenuTest, AFailedConnectionIsTroubleUntilTheNextAttempt)
+{
+    startWith(1);
+    hear(kRequestingErrorMsgFromPrefPane);
+    EXPECT_EQ(icon(), StatusIcon::trouble);
+    hear(kServerDisconnectedFromDevice);
+    EXPECT_EQ(icon(), StatusIcon::trouble) << "the server's answer to anybody's question";
+    hear(kConnectServerToHost, {{kConnectToHostNameKey, "pad.local"}});
+    EXPECT_EQ(icon(), StatusIcon::on);
+}
+
+TEST_F(StatusMenuTest, WithoutTheDriverItSaysSoAndOffersThePanelAlone)
+{
+    FakePlatform bare;
+    Platform::Scope inner(bare.platform());
+    FVEPreferences settings(bare.preferences, bare.distributedNotificationCenter);
+    settings.setCurrentState(1);
+    menu =
+        std::make_shared<StatusMenu>(StatusMenu::Services{bare.platform(), settings, pane}, [] {});
+    menu->start();
+    EXPECT_EQ(icon(), StatusIcon::trouble);
+    EXPECT_EQ(menu->display().sentence, "Driver not installed.");
+    EXPECT_THAT(entries(), ElementsAre("Farview: Error!", "-", "*No device selected!", "-",
+                                       "Open Farview Preferences…", "Quit"));
+    menu.reset();
+}
+
+TEST_F(StatusMenuTest, OpensThePanel)
+{
+    startWith(1);
+    EXPECT_TRUE(click("Open Farview Preferences…"));
+    ASSERT_EQ(fake.workspace.opened().size(), 1u);
+    EXPECT_EQ(fake.workspace.opened()[0].path(), pane->bundlePath());
+}
+
+TEST_F(StatusMenuTest, QuitTakesTheItemOutOfTheSettingsAndTouchesNothingElse)
+{
+    startWith(1);
+    center.forgetPosts();
+    EXPECT_TRUE(click("Quit"));
+    EXPECT_EQ(quits, 1);
+    EXPECT_FALSE(preferences.showInMenuBar());
+    EXPECT_EQ(preferences.currentState(), 1);
+    for (const auto& post : center.posts())
+        EXPECT_THAT(post.name, testing::AnyOf(kFVEPrefsWillChangeNotification,
+                                              kFVEPrefsDidChangeNotification));
+}
+
+TEST_F(StatusMenuTest, TheTerminateNotificationEndsItAndLeavesTheSettings)
+{
+    startWith(1);
+    hear(kTerminateMenuExtra);
+    hear(kTerminateMenuExtra);
+    EXPECT_EQ(quits, 1);
+    EXPECT_TRUE(preferences.showInMenuBar());
+    const int before = changes;
+    announce("Pad", "pad.local");
+    connectTo("pad.local");
+    EXPECT_EQ(changes, before) << "nothing is followed any more";
+}
+
+TEST_F(StatusMenuTest, EndsWhenTheSettingsTakeItAway)
+{
+    startWith(1);
+    storeElsewhere(kShowInMenuBar, false);
+    EXPECT_EQ(quits, 1);
+}
+
+TEST_F(StatusMenuTest, StartedByHandItStaysWhateverTheSettingsSayOfTheMenuBar)
+{
+    preferences.setShowInMenuBar(false);
+    startWith(1);
+    storeElsewhere(kCurrentState, std::int64_t{0});
+    EXPECT_EQ(quits, 0);
+}
+
+TEST_F(StatusMenuTest, AfterALossOfTheBusItReadsAndAsksAnew)
+{
+    startWith(1);
+    center.disconnect();
+    fake.preferences.writeAsAnotherProcess(kCurrentState, std::int64_t{0}, kApplicationID);
+    center.forgetPosts();
+    center.reconnect();
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(icon(), StatusIcon::off);
+    EXPECT_EQ(center.countOf(kQueryRequestForConnectedHost), 1);
+}
+
+TEST_F(StatusMenuTest, ReportsWithoutANameOrWithOneThatIsTooLongAreIgnored)
+{
+    startWith(1);
+    hear(kServerConnectedToDevice);
+    hear(kServerConnectedToDevice, {{kDeviceNameKey, ""}});
+    hear(kServerConnectedToDevice, {{kDeviceNameKey, std::string(100000, 'x')}});
+    EXPECT_EQ(icon(), StatusIcon::on);
+}
+
+TEST_F(StatusMenuTest, TheTextsAreInTheUsersLanguage)
+{
+    pane->setText("Turn Farview Off", "Farview ausschalten");
+    pane->setText("Connected to %@", "Verbunden mit %@");
+    startWith(1);
+    connectTo("%@%@.local");
+    EXPECT_EQ(menu->display().headline, "Verbunden mit %@%@.local");
+    EXPECT_THAT(entries(), testing::Contains("Farview ausschalten"));
+}
+
+TEST_F(StatusMenuTest, NothingHappensWhenNothingHappens)
+{
+    startWith(1);
+    announce("Pad", "pad.local");
+    connectTo("pad.local");
+    const int before = changes;
+    center.forgetPosts();
+    fake.runLoop.advance(Duration(3600));
+    EXPECT_EQ(changes, before);
+    EXPECT_THAT(center.posts(), IsEmpty());
+}
+
+} // namespace

@@ -1,0 +1,259 @@
+#include "Applications/FarviewStatusItem/Tray.h"
+
+#include "Platform/Fake/FakeLog.h"
+#include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/StatusNotifierWatcher.h"
+#include "Tests/Support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+
+using namespace farview;
+
+namespace
+{
+
+class Target final : public Object, public Responder
+{
+public:
+    bool respondsTo(Selector) const override { return true; }
+    bool perform(Selector, Object* sender) override
+    {
+        chosen.push_back(dynamic_cast<MenuItem*>(sender)->title);
+        return true;
+    }
+    std::vector<std::string> chosen;
+};
+
+/// The tray side of the status item, in this process, on a private bus.
+class TrayTest : public testing::Test
+{
+protected:
+    std::shared_ptr<MenuItem> entry(const std::string& title, bool canBeChosen = true)
+    {
+        auto item = std::make_shared<MenuItem>();
+        item->title = title;
+        item->action = {"take:"};
+        if (canBeChosen)
+            item->target = target;
+        return item;
+    }
+    StatusItemDisplay display(StatusIcon icon, std::vector<std::shared_ptr<MenuItem>> items)
+    {
+        auto menu = std::make_shared<Menu>();
+        for (auto& item : items)
+            menu->insertItem(item, menu->numberOfItems());
+        return {icon, "Farview: On", "A sentence.", menu};
+    }
+    void start()
+    {
+        tray.emplace(session, log, [this] { ++activations; });
+        tray->show(display(StatusIcon::on, {entry("Pad"), entry("Slab", false)}));
+    }
+    /// A tray that has the item on its list.
+    bool startWatcher()
+    {
+        watcher.emplace(bus.address());
+        return waitUntil([this] { return !watcher->items().isEmpty(); });
+    }
+    QString item() const { return watcher->items().last(); }
+
+    PrivateBus bus;
+    SessionBusScope scope{bus.address()};
+    FakeLog log;
+    SessionBus session{log};
+    std::shared_ptr<Target> target = std::make_shared<Target>();
+    int activations = 0;
+    std::optional<StatusNotifierWatcher> watcher;
+    std::optional<Tray> tray;
+};
+
+TEST_F(TrayTest, AppearsInATrayThatRuns)
+{
+    watcher.emplace(bus.address());
+    start();
+    ASSERT_TRUE(waitUntil([this] { return !watcher->items().isEmpty(); }));
+    EXPECT_TRUE(watcher->isAlive(item()));
+    EXPECT_EQ(watcher->items().size(), 1);
+}
+
+TEST_F(TrayTest, AppearsInATrayThatStartsLaterAndInOneThatStartsAgain)
+{
+    start();
+    runLoopFor(std::chrono::milliseconds(50));
+    ASSERT_TRUE(startWatcher());
+    watcher.reset();
+    runLoopFor(std::chrono::milliseconds(50));
+    ASSERT_TRUE(startWatcher());
+    EXPECT_EQ(watcher->items().size(), 1);
+    EXPECT_EQ(watcher->menu(item()).size(), 2);
+}
+
+TEST_F(TrayTest, AppearsAgainAfterARestartOfTheBus)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    watcher.reset();
+    bus.stop();
+    ASSERT_TRUE(waitUntil([this] { return !session.isConnected(); }));
+    bus.start();
+    ASSERT_TRUE(waitUntil([this] { return session.isConnected(); }));
+    ASSERT_TRUE(startWatcher());
+    EXPECT_EQ(watcher->property(item(), "Id"), "farview");
+}
+
+TEST_F(TrayTest, TellsWhatATrayNeeds)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    const auto all = watcher->properties(item());
+    EXPECT_EQ(all.value("Id"), "farview");
+    EXPECT_EQ(all.value("Category"), "Hardware");
+    EXPECT_EQ(all.value("Status"), "Active");
+    EXPECT_EQ(all.value("Title"), "Farview");
+    EXPECT_EQ(all.value("IconName"), "video-display");
+    EXPECT_EQ(all.value("ItemIsMenu"), true);
+    EXPECT_EQ(all.value("Menu").value<QDBusObjectPath>().path(), "/MenuBar");
+    const auto toolTip = qdbus_cast<DBusToolTip>(all.value("ToolTip"));
+    EXPECT_EQ(toolTip.title, "Farview: On");
+    EXPECT_EQ(toolTip.text, "A sentence.");
+}
+
+TEST_F(TrayTest, TheIconFollowsTheStateAndSaysSoOnlyWhenItChanges)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    const int before = watcher->newIcons();
+    tray->show(display(StatusIcon::on, {entry("Pad")}));
+    tray->show(display(StatusIcon::off, {entry("Pad")}));
+    ASSERT_TRUE(waitUntil([&] { return watcher->newIcons() > before; }));
+    EXPECT_EQ(watcher->property(item(), "IconName"), "user-offline");
+    EXPECT_EQ(watcher->newIcons(), before + 1);
+    tray->show(display(StatusIcon::connected, {}));
+    EXPECT_EQ(watcher->property(item(), "IconName"), "network-transmit-receive");
+    tray->show(display(StatusIcon::trouble, {}));
+    EXPECT_EQ(watcher->property(item(), "IconName"), "dialog-warning");
+}
+
+TEST_F(TrayTest, TheMenuShowsMarksAndWhatCannotBeChosen)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    auto marked = entry("Marked");
+    marked->state = 1;
+    tray->show(
+        display(StatusIcon::on, {marked, std::make_shared<MenuItem>(), entry("Busy", false)}));
+    const auto menu = watcher->menu(item());
+    ASSERT_EQ(menu.size(), 3);
+    EXPECT_TRUE(menu[0].isMarked());
+    EXPECT_TRUE(menu[0].enabled());
+    EXPECT_TRUE(menu[1].isSeparator());
+    EXPECT_FALSE(menu[2].isMarked());
+    EXPECT_FALSE(menu[2].enabled());
+}
+
+TEST_F(TrayTest, AClickReachesTheEntryAndNoOther)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    watcher->click(item(), watcher->entry(item(), "Pad").id);
+    EXPECT_EQ(target->chosen, std::vector<std::string>{"Pad"});
+    watcher->click(item(), watcher->entry(item(), "Slab").id);
+    watcher->click(item(), 0);
+    watcher->click(item(), -1);
+    watcher->click(item(), 2147483647);
+    watcher->call(item(), "/MenuBar", "com.canonical.dbusmenu", "Event",
+                  {watcher->entry(item(), "Pad").id, QStringLiteral("hovered"),
+                   QVariant::fromValue(QDBusVariant(QString())), 0u});
+    EXPECT_EQ(target->chosen.size(), 1u);
+}
+
+TEST_F(TrayTest, AClickOnAnEntryThatHasGoneDoesNothing)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    const int stale = watcher->entry(item(), "Pad").id;
+    const int updates = watcher->layoutUpdates();
+    tray->show(display(StatusIcon::on, {entry("Tablet")}));
+    ASSERT_TRUE(waitUntil([&] { return watcher->layoutUpdates() > updates; }));
+    watcher->click(item(), stale);
+    EXPECT_TRUE(target->chosen.empty());
+}
+
+TEST_F(TrayTest, PressingTheItemItselfIsReported)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    watcher->call(item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate", {5, 5});
+    EXPECT_EQ(activations, 1);
+}
+
+TEST_F(TrayTest, ForeignNamesArePlainText)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    auto hostile = display(StatusIcon::connected,
+                           {entry("_a&b__c"), entry("<b>x</b>\n\x1b[31m"),
+                            entry("\xE2\x80\xAEreversed"), entry("\xff\xfe"), entry("")});
+    hostile.headline = "Connected to <b>x</b>\n";
+    tray->show(hostile);
+    const auto menu = watcher->menu(item());
+    ASSERT_EQ(menu.size(), 5);
+    EXPECT_EQ(menu[0].label(), "__a&b____c");
+    EXPECT_EQ(menu[1].label(), QString::fromUtf8("<b>x</b>\u240a\u241b[31m"));
+    EXPECT_EQ(menu[2].label(), QString::fromUtf8("\xEF\xBF\xBDreversed"));
+    EXPECT_FALSE(menu[3].label().isEmpty());
+    EXPECT_FALSE(menu[4].isSeparator());
+    const auto toolTip = qdbus_cast<DBusToolTip>(watcher->property(item(), "ToolTip"));
+    EXPECT_EQ(toolTip.title, QString::fromUtf8("Connected to &lt;b&gt;x&lt;/b&gt;\u240a"));
+    watcher->click(item(), menu[0].id);
+    EXPECT_EQ(target->chosen, std::vector<std::string>{"_a&b__c"});
+}
+
+TEST_F(TrayTest, QuestionsAboutEntriesThatDoNotExistAreAnswered)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    const auto ask = [this](const char* member, const QVariantList& arguments) {
+        return watcher->call(item(), "/MenuBar", "com.canonical.dbusmenu", member, arguments);
+    };
+    EXPECT_EQ(ask("GetLayout", {99, 5, QStringList()}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(ask("GetProperty", {99, "label"}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(ask("AboutToShow", {99}).arguments().value(0), false);
+    const auto ids = QVariant::fromValue(DBusMenuIds{0, 99});
+    EXPECT_EQ(ask("GetGroupProperties", {ids, QStringList{"label"}}).type(),
+              QDBusMessage::ReplyMessage);
+    const auto unknown = ask("AboutToShowGroup", {ids}).arguments();
+    ASSERT_EQ(unknown.size(), 2);
+    EXPECT_EQ(qdbus_cast<DBusMenuIds>(unknown[1]), DBusMenuIds{99});
+}
+
+TEST_F(TrayTest, FiveHundredDevicesReachTheTray)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    std::vector<std::shared_ptr<MenuItem>> many;
+    for (int i = 0; i < 500; ++i)
+        many.push_back(entry("Device " + std::to_string(i)));
+    tray->show(display(StatusIcon::on, many));
+    EXPECT_EQ(watcher->menu(item()).size(), 500);
+}
+
+TEST_F(TrayTest, ADesktopWithoutATrayIsMentionedOnce)
+{
+    start();
+    const auto said = [this] {
+        return std::count_if(log.lines().begin(), log.lines().end(), [](const auto& line) {
+            return line.message.find("no tray") != std::string::npos;
+        });
+    };
+    ASSERT_TRUE(waitUntil([&] { return said() == 1; }));
+    ASSERT_TRUE(startWatcher());
+    watcher.reset();
+    runLoopFor(std::chrono::milliseconds(100));
+    EXPECT_EQ(said(), 1);
+}
+
+} // namespace

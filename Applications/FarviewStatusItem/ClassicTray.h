@@ -25,6 +25,8 @@ public:
     static bool isThere();
 
     QMenu& menu() { return mMenu; }
+    /// Where the icon is on the screen; empty while no tray shows it.
+    QRect geometry() const { return mIcon.geometry(); }
 
 private:
     void fillMenu();

@@ -61,7 +61,7 @@ int runStatusItem(QApplication& application, DesktopPlatform& desktop, SingleIns
 }
 
 /// Ends when the start of the server, which may take a turn, is done.
-int waitForLaunch(QApplication& application, RunLoop& runLoop)
+int endAfterLaunch(QApplication& application, RunLoop& runLoop)
 {
     const auto life = std::make_shared<int>(0);
     runLoop.performAfterDelay(launchLimit, life, [&] { application.quit(); });
@@ -80,7 +80,7 @@ int run(QApplication& application, bool atLogin)
     SingleInstance instance(desktop.sessionBus(), kFVEMenuExtraBundleID);
     if ((!atLogin || preferences.showInMenuBar()) && instance.acquire())
         return runStatusItem(application, desktop, instance, preferences);
-    return startsServer ? waitForLaunch(application, *platform.runLoop) : 0;
+    return startsServer ? endAfterLaunch(application, *platform.runLoop) : 0;
 }
 
 } // namespace

@@ -19,6 +19,8 @@ namespace
 {
 
 constexpr const char* serverName = "ScreenCapture";
+// The system cuts names at 15 characters.
+constexpr const char* statusItemName = "FarviewStatusIt";
 constexpr const char* keeperName = "farview-keeper";
 
 void killAllNamed(const std::string& name)
@@ -65,6 +67,7 @@ PaneSystem::~PaneSystem()
     // Whoever keeps the server alive goes first.
     killAllNamed(keeperName);
     killAllNamed(serverName);
+    killAllNamed(statusItemName);
 }
 
 void PaneSystem::load()
@@ -84,6 +87,8 @@ void PaneSystem::reload()
     ASSERT_TRUE(pane->initWithBundle(bundle));
     connectOutlets();
     pane->mainViewDidLoad();
+    // It has tests of its own, and would only write and ask beside the pane here.
+    pane->setStatusItemApplication(std::nullopt);
 }
 
 /// Puts the controls into the state that the interface file gives them.

@@ -102,7 +102,7 @@ DeviceMenuInputs StatusMenu::deviceMenuInputs()
 {
     DeviceMenuInputs inputs;
     for (const auto& service : mBrowser->activeServiceList())
-        inputs.devices.push_back({service->name(), isBusy(*service), service == mSelected});
+        inputs.devices.push_back({service->name(), isDeviceInUse(*service), service == mSelected});
     auto& preferences = mServices.preferences;
     inputs.connectedByAddress = mConnectedByAddress;
     inputs.address = mAddress;

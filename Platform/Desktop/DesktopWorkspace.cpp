@@ -23,19 +23,32 @@ constexpr int portalLimit = 5000; // milliseconds
 
 bool isProgram(const QFileInfo& file) { return file.isFile() && file.isExecutable(); }
 
-/// The program beside the running one, or in a "bin" of a folder above it (a program in a pane's
-/// bundle belongs to the installation around it), else in PATH; empty when there is none.
-QString findProgram(const QString& name)
+/// The program in a "bin" of the folders above a bundle: a program that a pane carries belongs to
+/// the installation around it. Empty when this program is in no bundle, or there is none.
+QString findAboveBundle(const QString& name)
 {
-    QDir folder(QCoreApplication::applicationDirPath());
-    const QFileInfo beside(folder.filePath(name));
-    if (isProgram(beside))
-        return beside.absoluteFilePath();
+    const QString here = QCoreApplication::applicationDirPath();
+    const auto contents = here.indexOf(QStringLiteral("/Contents/"));
+    if (contents < 0)
+        return {};
+    QDir folder(here.left(contents));
     while (folder.cdUp()) {
         const QFileInfo installed(folder.filePath(QStringLiteral("bin/") + name));
         if (isProgram(installed))
             return installed.absoluteFilePath();
     }
+    return {};
+}
+
+/// The program beside the running one, else above its bundle, else in PATH; empty when there is
+/// none.
+QString findProgram(const QString& name)
+{
+    const QFileInfo beside(QDir(QCoreApplication::applicationDirPath()).filePath(name));
+    if (isProgram(beside))
+        return beside.absoluteFilePath();
+    if (const QString above = findAboveBundle(name); !above.isEmpty())
+        return above;
     return QStandardPaths::findExecutable(name);
 }
 

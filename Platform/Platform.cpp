@@ -1,8 +1,12 @@
 #include "Platform/Platform.h"
 
 #include "Platform/Accessibility.h"
+#include "Platform/Authorization.h"
 #include "Platform/Bundle.h"
+#include "Platform/Clock.h"
+#include "Platform/DisplayConfiguration.h"
 #include "Platform/FileManager.h"
+#include "Platform/GraphicsControl.h"
 #include "Platform/IORegistry.h"
 #include "Platform/LocalNotificationCenter.h"
 #include "Platform/Log.h"
@@ -34,9 +38,36 @@ class NoApplication final : public Application
     bool activateWithOptions(unsigned) override { return false; }
 };
 
+class NoAuthorization final : public Authorization
+{
+    Obstacle obstacleOf(const URL& tool) override { return {Obstacle::Kind::missing, tool.path()}; }
+    void foresee(const URL&, std::weak_ptr<void> target, Answer then) override
+    {
+        answer(target, then);
+    }
+    void create(const std::string&, const URL&, std::weak_ptr<void> target, Answer then) override
+    {
+        answer(target, then);
+    }
+    void executeWithPrivileges(const URL&, std::weak_ptr<void> target, Answer then) override
+    {
+        answer(target, then);
+    }
+    static void answer(const std::weak_ptr<void>& target, const Answer& then)
+    {
+        if (const auto kept = target.lock())
+            then(Status::internal);
+    }
+};
+
 class NoBundles final : public Bundles
 {
     std::shared_ptr<Bundle> bundleWithPath(const std::string&) override { return nullptr; }
+};
+
+class NoClock final : public Clock
+{
+    std::chrono::system_clock::time_point date() override { return {}; }
 };
 
 class NoBrowser final : public NetServiceBrowser
@@ -55,6 +86,25 @@ class NoDiscovery final : public Discovery
     void checkAgain() override {}
     DiscoveryCondition condition() const override { return DiscoveryCondition::unavailable; }
     Subscription observeCondition(std::function<void()>) override { return {}; }
+};
+
+class NoDisplayConfiguration final : public DisplayConfiguration
+{
+    Error onlineDisplayList(std::span<Display>, std::uint32_t&) override
+    {
+        return invalidConnection;
+    }
+    Error displayAliasList(Display, std::span<Display>, std::uint32_t&) override
+    {
+        return invalidConnection;
+    }
+    Display mainDisplay() override { return 0; }
+    Error beginConfiguration(Transaction&) override { return invalidConnection; }
+    Error configureMirrorOfDisplay(Transaction, Display, Display) override
+    {
+        return invalidConnection;
+    }
+    Error completeConfiguration(Transaction, std::uint32_t) override { return invalidConnection; }
 };
 
 class NoDistributedNotificationCenter final : public DistributedNotificationCenter
@@ -81,6 +131,41 @@ class NoFileManager final : public FileManager
         return std::nullopt;
     }
     bool writePropertyList(const PropertyList&, const std::string&) override { return false; }
+    bool writeData(std::span<const std::uint8_t>, const std::string&) override { return false; }
+};
+
+/// A port to services, of which there are none.
+class NoGraphicsControl final : public GraphicsControl
+{
+    Result masterPort(Object& port) override
+    {
+        port = 1;
+        return success;
+    }
+    std::optional<PropertyList> serviceMatching(const std::string&) override
+    {
+        return PropertyList::Dictionary{};
+    }
+    Result getMatchingServices(Object, const PropertyList&, Object& iterator) override
+    {
+        iterator = 1;
+        return success;
+    }
+    Object iteratorNext(Object) override { return 0; }
+    void retain(Object) override {}
+    void release(Object) override {}
+    Result serviceOpen(Object, std::uint32_t, Object&) override { return noSuchDevice; }
+    Result serviceClose(Object) override { return notOpen; }
+    Result addInterestNotification(Object, Object, const std::string&, InterestCallback,
+                                   void*) override
+    {
+        return unsupported;
+    }
+    Result callScalarMethod(Object, std::uint32_t, std::span<const std::uint64_t>,
+                            std::span<std::uint64_t>&) override
+    {
+        return notOpen;
+    }
 };
 
 class NoRegistry final : public IORegistry
@@ -165,6 +250,7 @@ class NoSearchPaths final : public SearchPaths
 {
     std::vector<std::string> directories(SearchPathDirectory, unsigned) override { return {}; }
     std::string located(const std::string& path) override { return path; }
+    std::string homeDirectory() override { return {}; }
 };
 
 class NoSystemVersion final : public SystemVersion
@@ -187,10 +273,14 @@ class NoWorkspace final : public Workspace
 struct NothingHere {
     NoAccessibility accessibility;
     NoApplication application;
+    NoAuthorization authorization;
     NoBundles bundles;
+    NoClock clock;
     NoDiscovery discovery;
+    NoDisplayConfiguration displayConfiguration;
     NoDistributedNotificationCenter distributedNotificationCenter;
     NoFileManager fileManager;
+    NoGraphicsControl graphicsControl;
     NoRegistry registry;
     NoLog log;
     NoLoginItem loginItem;
@@ -217,11 +307,13 @@ unsigned installations = 0;
 
 Platform::Platform()
     : accessibility(&nothingHere().accessibility), application(&nothingHere().application),
-      bundles(&nothingHere().bundles), discovery(&nothingHere().discovery),
+      authorization(&nothingHere().authorization), bundles(&nothingHere().bundles),
+      clock(&nothingHere().clock), discovery(&nothingHere().discovery),
+      displayConfiguration(&nothingHere().displayConfiguration),
       distributedNotificationCenter(&nothingHere().distributedNotificationCenter),
-      fileManager(&nothingHere().fileManager), registry(&nothingHere().registry),
-      log(&nothingHere().log), loginItem(&nothingHere().loginItem),
-      notificationCenter(&nothingHere().notificationCenter),
+      fileManager(&nothingHere().fileManager), graphicsControl(&nothingHere().graphicsControl),
+      registry(&nothingHere().registry), log(&nothingHere().log),
+      loginItem(&nothingHere().loginItem), notificationCenter(&nothingHere().notificationCenter),
       preferences(&nothingHere().preferences), processTable(&nothingHere().processTable),
       runLoop(&nothingHere().runLoop), searchPaths(&nothingHere().searchPaths),
       systemVersion(&nothingHere().systemVersion), text(&nothingHere().text),

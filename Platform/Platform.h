@@ -5,10 +5,14 @@ namespace farview
 
 class Accessibility;
 class Application;
+class Authorization;
 class Bundles;
+class Clock;
 class Discovery;
+class DisplayConfiguration;
 class DistributedNotificationCenter;
 class FileManager;
+class GraphicsControl;
 class IORegistry;
 class Log;
 class LoginItem;
@@ -30,10 +34,14 @@ struct Platform {
 
     Accessibility* accessibility;
     Application* application;
+    Authorization* authorization;
     Bundles* bundles;
+    Clock* clock;
     Discovery* discovery;
+    DisplayConfiguration* displayConfiguration;
     DistributedNotificationCenter* distributedNotificationCenter;
     FileManager* fileManager;
+    GraphicsControl* graphicsControl;
     IORegistry* registry;
     Log* log;
     LoginItem* loginItem;

@@ -30,6 +30,8 @@ public:
     /// Where a path that starts with "/System/Library/" or "/Library/" lies on this machine; any
     /// other path is returned as it is.
     virtual std::string located(const std::string& path) = 0;
+    /// The user's home folder.
+    virtual std::string homeDirectory() = 0;
 };
 
 } // namespace farview

@@ -55,19 +55,20 @@ std::vector<DeviceRow> autoConnectRows(const PropertyList::Array& chosen,
 {
     std::vector<DeviceRow> rows;
     rows.reserve(chosen.size() + found.size() + seen.size());
+    const NameSet foundNames(found.begin(), found.end());
     for (const auto& name : chosen)
-        rows.push_back({true, name, DeviceOrderKind::chosen});
+        rows.push_back({true, name, DeviceOrderKind::chosen, foundNames.contains(name)});
     const NameSet chosenNames(chosen.begin(), chosen.end());
     NameSet known = chosenNames;
     for (const auto& name : found) {
         if (chosenNames.contains(name))
             continue;
-        rows.push_back({false, name, DeviceOrderKind::found});
+        rows.push_back({false, name, DeviceOrderKind::found, true});
         known.insert(name);
     }
     for (const auto& name : seen) {
         if (!known.contains(name))
-            rows.push_back({false, name, DeviceOrderKind::seen});
+            rows.push_back({false, name, DeviceOrderKind::seen, false});
     }
     return rows;
 }

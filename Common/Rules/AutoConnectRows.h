@@ -21,6 +21,7 @@ struct DeviceRow {
     bool autoConnect = false;
     PropertyList name;
     DeviceOrderKind orderKind = DeviceOrderKind::chosen;
+    bool onNetwork = false; ///< a device of that name is there now
 
     bool operator==(const DeviceRow&) const = default;
 };

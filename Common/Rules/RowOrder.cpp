@@ -79,11 +79,24 @@ std::optional<std::vector<DeviceRow>> movedRow(std::vector<DeviceRow> rows, std:
     return rows;
 }
 
+bool orderIsUnstored(const std::vector<DeviceRow>& rows, const PropertyList::Array& stored)
+{
+    auto next = stored.begin();
+    for (const auto& row : rows) {
+        if (!row.autoConnect)
+            continue;
+        if (next == stored.end() || *next != row.name)
+            return true;
+        ++next;
+    }
+    return next != stored.end();
+}
+
 PropertyList archivedIndexes(const IndexSet& indexes)
 {
     Array ranges;
     for (const auto& each : indexes.ranges())
-        ranges.push_back(Dictionary{{"NSLocation", each.location}, {"NSLength", each.length}});
+        ranges.emplace_back(Dictionary{{"NSLocation", each.location}, {"NSLength", each.length}});
     const Dictionary set{{"$class", reference(2)}, {"NSRanges", ranges}};
     const Dictionary kind{{"$classname", "NSIndexSet"},
                           {"$classes", Array{"NSIndexSet", "NSObject"}}};

@@ -19,6 +19,9 @@ bool dropAllowed(bool above, std::int64_t row, int chosenRows);
 std::optional<std::vector<DeviceRow>> movedRow(std::vector<DeviceRow> rows, std::int64_t from,
                                                std::int64_t to);
 
+/// Whether the chosen rows stand otherwise than their stored names.
+bool orderIsUnstored(const std::vector<DeviceRow>& rows, const PropertyList::Array& stored);
+
 /// Row numbers as a keyed archive in the form of a property list, and back. Nothing for anything
 /// that is no such archive: without an index, with more ranges than a table has rows, or with
 /// numbers that no row has.

@@ -14,7 +14,7 @@ constexpr const char* graphicsCardInstructions =
     "Driver not installed.\n\n"
     "In Lion, the NVIDIA GeForce video driver on this computer is not compatible with Farview. The "
     "Farview drivers are installed but will be disabled until the video driver is fixed.\n\n"
-    "Please visit https://www.quillon.com/farview/graphics-cards for more information.";
+    "Please visit %@ for more information.";
 
 StatusDisplay driverMissing(bool graphicsCardCase)
 {

@@ -27,7 +27,7 @@ enum class PopUpDisplay {
 };
 
 /// Everything that the main tab shows. Texts are the English ones, the keys of their translations;
-/// what is nothing stays as it is.
+/// what is nothing stays as it is. A "%@" in the instructions is the place of the support address.
 struct StatusDisplay {
     std::string word;
     std::string sentence;

@@ -13,9 +13,11 @@ BusNameWatcher::BusNameWatcher(SessionBus& bus, const std::string& name, Changed
 {
     mWatcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     mWatcher.addWatchedService(mName);
-    connect(
-        &mWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-        [this](const QString&, const QString&, const QString& owner) { tell(!owner.isEmpty()); });
+    connect(&mWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) {
+                mHeardOfAChange = true;
+                tell(!owner.isEmpty());
+            });
     connect(&mBus, &SessionBus::connected, this, &BusNameWatcher::watch);
     connect(&mBus, &SessionBus::disconnected, this, [this] { tell(false); });
     if (mBus.isConnected())
@@ -29,13 +31,16 @@ void BusNameWatcher::watch()
 {
     // Subscribed before the question is asked, so no change can fall in between.
     mWatcher.setConnection(mBus.connection());
+    mHeardOfAChange = false;
     auto call = SessionBus::busCall(QStringLiteral("NameHasOwner"));
     call << mName;
     auto* watcher = new QDBusPendingCallWatcher(mBus.connection().asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<bool> reply = *watcher;
         watcher->deleteLater();
-        tell(!reply.isError() && reply.value());
+        // Answer and change come by different ways: the answer may be the older one.
+        if (!mHeardOfAChange)
+            tell(!reply.isError() && reply.value());
     });
 }
 

@@ -34,6 +34,7 @@ private:
     Changed mChanged;
     QDBusServiceWatcher mWatcher;
     std::optional<bool> mIsOwned;
+    bool mHeardOfAChange = false; ///< since it was asked whether the name has an owner
 };
 
 } // namespace farview

@@ -1,6 +1,7 @@
 #include "Platform/Desktop/DesktopAccessibility.h"
 
 #include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/SessionKind.h"
 
 #include <QDBusReply>
 #include <QDBusVariant>
@@ -12,12 +13,6 @@ namespace farview
 {
 namespace
 {
-
-bool isX11Session()
-{
-    return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
-           !qEnvironmentVariableIsEmpty("DISPLAY");
-}
 
 bool letsProgramsMoveWindows(const QString& desktop)
 {

@@ -7,7 +7,9 @@
 #include "Platform/Desktop/Discovery/DesktopDiscovery.h"
 #include "Platform/Desktop/ForgetfulBodies.h"
 #include "Platform/Desktop/LoopbackNotificationCenter.h"
+#include "Platform/Desktop/PolkitAuthorization.h"
 #include "Platform/Desktop/QtRunLoop.h"
+#include "Platform/Desktop/RandrDisplays.h"
 #include "Platform/Desktop/SessionBus.h"
 #include "Platform/LocalNotificationCenter.h"
 #include "Platform/Posix/AutostartEntry.h"
@@ -19,6 +21,8 @@
 #include "Platform/Posix/PosixSystemVersion.h"
 #include "Platform/Posix/StandardErrorLog.h"
 #include "Platform/Posix/SysfsRegistry.h"
+#include "Platform/Posix/SystemClock.h"
+#include "Platform/Posix/VgaSwitcheroo.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -31,6 +35,8 @@ namespace
 {
 
 constexpr auto environment = EnvironmentUse::honoured;
+constexpr int standardError = 2;
+constexpr int nowhere = -1;
 
 std::string programName()
 {
@@ -40,11 +46,16 @@ std::string programName()
 } // namespace
 
 struct DesktopPlatform::Bodies {
-    StandardErrorLog log{programName()};
+    explicit Bodies(int logDescriptor) : log(programName(), logDescriptor) {}
+
+    StandardErrorLog log;
     LocalNotificationCenter notificationCenter;
     AutostartEntry loginItem{environment};
     PosixBundles bundles{environment, log};
     PosixFileManager fileManager;
+    VgaSwitcheroo graphicsControl;
+    RandrDisplays displayConfiguration;
+    SystemClock clock;
     FilePreferences preferences{PreferencesLocations(environment), log};
     PosixProcessTable processTable;
     PosixSearchPaths searchPaths{environment};
@@ -56,6 +67,7 @@ struct DesktopPlatform::Bodies {
     DesktopAccessibility accessibility{bus};
 
     // These reach beyond the process, and are made only for use,
+    std::optional<PolkitAuthorization> authorization;
     std::optional<DBusNotificationCenter> distributedCenter;
     std::optional<DesktopWorkspace> workspace;
     std::optional<DesktopDiscovery> discovery;
@@ -66,10 +78,11 @@ struct DesktopPlatform::Bodies {
 };
 
 DesktopPlatform::DesktopPlatform(DesktopPlatformOptions options)
-    : mBodies(std::make_unique<Bodies>())
+    : mBodies(std::make_unique<Bodies>(options.isSilent ? nowhere : standardError))
 {
     mPlatform.accessibility = &mBodies->accessibility;
     mPlatform.bundles = &mBodies->bundles;
+    mPlatform.clock = &mBodies->clock;
     mPlatform.log = &mBodies->log;
     mPlatform.notificationCenter = &mBodies->notificationCenter;
     mPlatform.processTable = &mBodies->processTable;
@@ -93,10 +106,13 @@ SessionBus& DesktopPlatform::sessionBus() { return mBodies->bus; }
 void DesktopPlatform::composeForUse()
 {
     auto& own = *mBodies;
+    mPlatform.authorization = &own.authorization.emplace(PolkitPlaces{});
     mPlatform.discovery = &own.discovery.emplace(own.log);
     mPlatform.distributedNotificationCenter =
         &own.distributedCenter.emplace(own.bus, own.runLoop, own.log);
+    mPlatform.displayConfiguration = &own.displayConfiguration;
     mPlatform.fileManager = &own.fileManager;
+    mPlatform.graphicsControl = &own.graphicsControl;
     mPlatform.loginItem = &own.loginItem;
     mPlatform.preferences = &own.preferences;
     mPlatform.workspace = &own.workspace.emplace(own.bus, own.bundles, own.runLoop, own.log);

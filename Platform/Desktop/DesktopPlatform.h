@@ -14,6 +14,8 @@ struct DesktopPlatformOptions {
     /// A whole life without a trace: nothing is launched or opened, nothing is looked for on the
     /// network, notifications stay in the process, and what is written is forgotten at the end.
     bool isSmokeTest = false;
+    /// Nothing is written on standard error.
+    bool isSilent = false;
 };
 
 /// The real bodies of every interface, composed: what each program's composition root makes first

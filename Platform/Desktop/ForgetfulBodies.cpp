@@ -42,7 +42,8 @@ bool ForgetfulPreferences::appSynchronize(const std::string&) { return true; }
 
 bool ForgetfulFileManager::fileExistsAtPath(const std::string& path)
 {
-    return mFiles.contains(path) || mFolders.contains(path) || mStored.fileExistsAtPath(path);
+    return mFiles.contains(path) || mOtherFiles.contains(path) || mFolders.contains(path) ||
+           mStored.fileExistsAtPath(path);
 }
 
 bool ForgetfulFileManager::createDirectoryAtPath(const std::string& path)
@@ -62,6 +63,13 @@ ForgetfulFileManager::propertyListWithContentsOfFile(const std::string& path)
 bool ForgetfulFileManager::writePropertyList(const PropertyList& list, const std::string& path)
 {
     mFiles.insert_or_assign(path, list);
+    return true;
+}
+
+bool ForgetfulFileManager::writeData(std::span<const std::uint8_t>, const std::string& path)
+{
+    mFiles.erase(path);
+    mOtherFiles.insert(path);
     return true;
 }
 

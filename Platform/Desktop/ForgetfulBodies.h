@@ -46,11 +46,13 @@ public:
     bool createDirectoryAtPath(const std::string& path) override;
     std::optional<PropertyList> propertyListWithContentsOfFile(const std::string& path) override;
     bool writePropertyList(const PropertyList& list, const std::string& path) override;
+    bool writeData(std::span<const std::uint8_t> bytes, const std::string& path) override;
 
 private:
     FileManager& mStored;
     std::set<std::string> mFolders;
     std::map<std::string, PropertyList> mFiles;
+    std::set<std::string> mOtherFiles;
 };
 
 } // namespace farview

@@ -7,7 +7,8 @@ namespace farview
 
 bool FakeFileManager::fileExistsAtPath(const std::string& path)
 {
-    return mLists.contains(path) || mOthers.contains(path) || mDirectories.contains(path);
+    return mLists.contains(path) || mData.contains(path) || mOthers.contains(path) ||
+           mDirectories.contains(path);
 }
 
 bool FakeFileManager::createDirectoryAtPath(const std::string& path)
@@ -28,10 +29,21 @@ bool FakeFileManager::writePropertyList(const PropertyList& list, const std::str
 {
     if (mWritesFail)
         return false;
-    if (mOthers.erase(path) > 0)
+    if (mOthers.erase(path) + mData.erase(path) > 0)
         mSetAside.push_back(path);
     mWrites.push_back(path);
     mLists.insert_or_assign(path, list);
+    return true;
+}
+
+bool FakeFileManager::writeData(std::span<const std::uint8_t> bytes, const std::string& path)
+{
+    if (mWritesFail)
+        return false;
+    mLists.erase(path);
+    mOthers.erase(path);
+    mWrites.push_back(path);
+    mData.insert_or_assign(path, Data{{bytes.begin(), bytes.end()}});
     return true;
 }
 
@@ -43,6 +55,7 @@ void FakeFileManager::putPropertyList(const std::string& path, PropertyList list
 void FakeFileManager::removeFile(const std::string& path)
 {
     mLists.erase(path);
+    mData.erase(path);
     mOthers.erase(path);
     mDirectories.erase(path);
 }

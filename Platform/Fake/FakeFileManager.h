@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/FileManager.h"
+#include "Platform/Types/Data.h"
 
 #include <map>
 #include <set>
@@ -18,6 +19,7 @@ public:
     bool createDirectoryAtPath(const std::string& path) override;
     std::optional<PropertyList> propertyListWithContentsOfFile(const std::string& path) override;
     bool writePropertyList(const PropertyList& list, const std::string& path) override;
+    bool writeData(std::span<const std::uint8_t> bytes, const std::string& path) override;
 
     /// A file or folder of that path exists; it is no property list.
     void addFile(const std::string& path) { mOthers.insert(path); }
@@ -27,6 +29,8 @@ public:
     /// While failing, nothing can be written or created.
     void setWritesFail(bool fail) { mWritesFail = fail; }
 
+    /// What was written as bytes, by path.
+    const std::map<std::string, Data>& data() const { return mData; }
     /// The paths written to, each time, in order.
     const std::vector<std::string>& writes() const { return mWrites; }
     /// Folders made through this interface, each once, without those above them.
@@ -36,6 +40,7 @@ public:
 
 private:
     std::map<std::string, PropertyList> mLists;
+    std::map<std::string, Data> mData;
     std::set<std::string> mOthers;
     std::set<std::string> mDirectories;
     std::vector<std::string> mWrites;

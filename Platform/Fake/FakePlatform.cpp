@@ -7,10 +7,14 @@ FakePlatform::FakePlatform() : discovery(runLoop), distributedNotificationCenter
 {
     mPlatform.accessibility = &accessibility;
     mPlatform.application = application.get();
+    mPlatform.authorization = &authorization;
     mPlatform.bundles = &bundles;
+    mPlatform.clock = &clock;
     mPlatform.discovery = &discovery;
+    mPlatform.displayConfiguration = &displayConfiguration;
     mPlatform.distributedNotificationCenter = &distributedNotificationCenter;
     mPlatform.fileManager = &fileManager;
+    mPlatform.graphicsControl = &graphicsControl;
     mPlatform.registry = &registry;
     mPlatform.log = &log;
     mPlatform.loginItem = &loginItem;

@@ -2,10 +2,14 @@
 
 #include "Platform/Fake/FakeAccessibility.h"
 #include "Platform/Fake/FakeApplication.h"
+#include "Platform/Fake/FakeAuthorization.h"
 #include "Platform/Fake/FakeBundle.h"
+#include "Platform/Fake/FakeClock.h"
 #include "Platform/Fake/FakeDiscovery.h"
+#include "Platform/Fake/FakeDisplayConfiguration.h"
 #include "Platform/Fake/FakeDistributedNotificationCenter.h"
 #include "Platform/Fake/FakeFileManager.h"
+#include "Platform/Fake/FakeGraphicsControl.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeLoginItem.h"
 #include "Platform/Fake/FakePreferences.h"
@@ -39,10 +43,14 @@ public:
     FakeAccessibility accessibility;
     /// Shared, because it is the object of notifications.
     std::shared_ptr<FakeApplication> application = std::make_shared<FakeApplication>();
+    FakeAuthorization authorization;
     FakeBundles bundles;
+    FakeClock clock;
     FakeDiscovery discovery;
+    FakeDisplayConfiguration displayConfiguration;
     FakeDistributedNotificationCenter distributedNotificationCenter;
     FakeFileManager fileManager;
+    FakeGraphicsControl graphicsControl;
     FakeRegistry registry;
     FakeLog log;
     FakeLoginItem loginItem;

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace farview
@@ -31,6 +32,12 @@ public:
     std::optional<std::string> superclassOf(const std::string& className) override;
     Entry entryFromPath(const std::string& path) override;
 
+    /// Takes over the tree that a fixture describes, in the place of everything there was. One
+    /// entry a line, "NAME[@LOCATION] [<CLASS>]", two blanks deeper than its parent, the root
+    /// first; before it "classes A : B : C", each class below the one before; "#" begins a remark.
+    /// Returns the number of the first line that is none of these, or 0.
+    int readFixture(std::string_view text);
+
     /// Adds an entry below `parent`, after its siblings.
     Entry add(Entry parent, Node node);
     /// Publishes a service below "IOResources", which is made when it is missing.
@@ -45,6 +52,8 @@ private:
         Entry parent = 0;
     };
 
+    bool readLine(std::string_view line, std::vector<Entry>& open);
+    void readClasses(std::string_view chain);
     Entry child(Entry parent, const std::string& name, const std::string& plane);
     const Node* node(Entry entry) const;
 

@@ -17,6 +17,7 @@ public:
     std::vector<std::string> directories(SearchPathDirectory directory,
                                          unsigned domainMask) override;
     std::string located(const std::string& path) override;
+    std::string homeDirectory() override { return "/home/user"; }
 
     /// An empty path: that domain has no such folder.
     void setDirectory(SearchPathDirectory directory, SearchPathDomain domain, std::string path);

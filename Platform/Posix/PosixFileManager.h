@@ -14,6 +14,7 @@ public:
     bool createDirectoryAtPath(const std::string& path) override;
     std::optional<PropertyList> propertyListWithContentsOfFile(const std::string& path) override;
     bool writePropertyList(const PropertyList& list, const std::string& path) override;
+    bool writeData(std::span<const std::uint8_t> bytes, const std::string& path) override;
 };
 
 } // namespace farview

@@ -61,6 +61,7 @@ PosixSearchPaths::PosixSearchPaths(EnvironmentUse use) : PosixSearchPaths(use, o
 PosixSearchPaths::PosixSearchPaths(EnvironmentUse use, const std::string& executable)
 {
     const Environment environment(use);
+    mHome = environment.homeFolder();
     mDataHome = environment.dataHome();
     mLocalRoot = environment.folder("FARVIEW_LOCAL_ROOT");
     if (mLocalRoot.empty())

@@ -27,6 +27,7 @@ public:
     std::vector<std::string> directories(SearchPathDirectory directory,
                                          unsigned domainMask) override;
     std::string located(const std::string& path) override;
+    std::string homeDirectory() override { return mHome; }
 
     /// Where driver extensions are installed, in domain order.
     std::vector<std::string> extensionFolders() const;
@@ -34,6 +35,7 @@ public:
 private:
     std::string panesFolder(SearchPathDomain domain) const;
 
+    std::string mHome;
     std::string mDataHome;
     std::string mLocalRoot;
     std::string mSystemRoot;

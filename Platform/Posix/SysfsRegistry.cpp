@@ -1,7 +1,9 @@
 #include "Platform/Posix/SysfsRegistry.h"
 
+#include "Platform/Posix/DevicePlace.h"
 #include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/PropertyListScalars.h"
+#include "Platform/Posix/UTF8.h"
 #include "Platform/Posix/WholeFile.h"
 
 #include <climits>
@@ -17,6 +19,7 @@ namespace
 
 const std::string servicePlane = "IOService";
 const std::string baseClass = "IORegistryEntry";
+const std::string resourcesName = "IOResources";
 
 /// The text of a small file of the kernel; the device tree's end with a NUL.
 std::string lineIn(const std::string& path)
@@ -57,33 +60,48 @@ SysfsRegistry::SysfsRegistry(DriverExtensions extensions, std::string sysRoot, s
     : mExtensions(std::move(extensions)), mSysRoot(std::move(sysRoot)),
       mProcRoot(std::move(procRoot))
 {
-}
-
-IORegistry::Entry SysfsRegistry::handleFor(Kind kind, const std::string& path)
-{
-    const std::string key = (kind == Kind::device ? "device " : "service ") + path;
-    const auto next = static_cast<Entry>(resources + 1 + mNodes.size());
-    const auto [found, isNew] = mHandles.try_emplace(key, next);
-    if (isNew)
-        mNodes.push_back({kind, path});
-    return found->second;
+    mNodes.emplace(root, Node{Kind::root, "Root", {}});
+    mNodes.emplace(machine, Node{Kind::machine, {}, {}});
+    mNodes.emplace(resources, Node{Kind::resources, resourcesName, {}});
 }
 
 const SysfsRegistry::Node* SysfsRegistry::node(Entry entry) const
 {
-    const auto index = static_cast<std::size_t>(entry) - resources - 1;
-    return entry > resources && index < mNodes.size() ? &mNodes[index] : nullptr;
+    const auto found = mNodes.find(entry);
+    return found == mNodes.end() ? nullptr : &found->second;
 }
 
-std::vector<IORegistry::Entry> SysfsRegistry::devicesBelow(const std::string& path)
+IORegistry::Entry SysfsRegistry::makeChild(Entry parent, Kind kind, const std::string& name)
 {
-    const auto names = foldersInFolder(mSysRoot + "/devices" + path);
-    const auto prefix = path + "/";
-    std::vector<Entry> entries;
-    entries.reserve(names.size());
-    for (const auto& name : names)
-        entries.push_back(handleFor(Kind::device, prefix + name));
-    return entries;
+    mNodes.emplace(mNext, Node{kind, name, mNodes.at(parent).path + "/" + name});
+    return mNext++;
+}
+
+void SysfsRegistry::forget(Entry entry)
+{
+    const auto found = mNodes.extract(entry);
+    for (const auto child : found.mapped().children)
+        forget(child);
+}
+
+/// The handles for what is there now, old and new; those of all others are forgotten. The names are
+/// sorted.
+std::vector<IORegistry::Entry> SysfsRegistry::keepChildren(Entry parent, Kind kind,
+                                                           const std::vector<std::string>& names)
+{
+    const auto known = std::move(mNodes.at(parent).children);
+    std::vector<Entry> children;
+    children.reserve(names.size());
+    auto next = known.begin();
+    for (const auto& name : names) {
+        while (next != known.end() && mNodes.at(*next).name < name)
+            forget(*next++);
+        const bool isKnown = next != known.end() && mNodes.at(*next).name == name;
+        children.push_back(isKnown ? *next++ : makeChild(parent, kind, name));
+    }
+    std::for_each(next, known.end(), [this](Entry gone) { forget(gone); });
+    mNodes.at(parent).children = children;
+    return children;
 }
 
 bool SysfsRegistry::isLoadedModule(const std::string& name) const
@@ -92,36 +110,41 @@ bool SysfsRegistry::isLoadedModule(const std::string& name) const
     return isPlainFileName(name) && lineIn(mSysRoot + "/module/" + name + "/initstate") == "live";
 }
 
-std::vector<IORegistry::Entry> SysfsRegistry::services()
+bool SysfsRegistry::isPublished(const std::string& name) const
+{
+    return mExtensions.isUsable(name) || isLoadedModule(name);
+}
+
+std::vector<std::string> SysfsRegistry::serviceNames() const
 {
     auto names = mExtensions.usableNames();
     for (auto& name : foldersInFolder(mSysRoot + "/module")) {
-        if (isLoadedModule(name) && std::find(names.begin(), names.end(), name) == names.end())
+        if (isLoadedModule(name))
             names.push_back(std::move(name));
     }
-    std::vector<Entry> entries;
-    entries.reserve(names.size());
-    for (const auto& name : names)
-        entries.push_back(handleFor(Kind::service, name));
-    return entries;
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    return names;
 }
 
 std::vector<IORegistry::Entry> SysfsRegistry::childEntries(Entry entry, const std::string& plane)
 {
-    if (plane != servicePlane)
-        return {};
-    if (entry == root)
-        return {machine, resources};
-    if (entry == machine)
-        return devicesBelow({});
-    if (entry == resources)
-        return services();
     const auto* found = node(entry);
-    if (!found || found->kind != Kind::device)
+    if (plane != servicePlane || !found)
         return {};
-    // A copy: finding the children makes new nodes.
-    const auto path = found->path;
-    return devicesBelow(path);
+    switch (found->kind) {
+    case Kind::root:
+        return {machine, resources};
+    case Kind::resources:
+        return keepChildren(entry, Kind::service, serviceNames());
+    case Kind::machine:
+    case Kind::device:
+        return keepChildren(entry, Kind::device,
+                            foldersInFolder(mSysRoot + "/devices" + found->path));
+    case Kind::service:
+        break;
+    }
+    return {};
 }
 
 std::string SysfsRegistry::model() const
@@ -138,20 +161,20 @@ std::string SysfsRegistry::model() const
 
 std::string SysfsRegistry::nameInPlane(Entry entry, const std::string& /*plane*/)
 {
-    if (entry == root)
-        return "Root";
     if (entry == machine)
-        return model();
-    if (entry == resources)
-        return "IOResources";
+        return validUTF8(model());
     const auto* found = node(entry);
-    return found ? lastPart(found->path) : std::string{};
+    if (!found)
+        return {};
+    return validUTF8(found->kind == Kind::device ? devicePlace(found->name).name : found->name);
 }
 
-std::optional<std::string> SysfsRegistry::locationInPlane(Entry /*entry*/,
-                                                          const std::string& /*plane*/)
+std::optional<std::string> SysfsRegistry::locationInPlane(Entry entry, const std::string& plane)
 {
-    return std::nullopt;
+    const auto* found = node(entry);
+    if (plane != servicePlane || !found || found->kind != Kind::device)
+        return std::nullopt;
+    return devicePlace(found->name).location;
 }
 
 std::string SysfsRegistry::deviceClass(const std::string& path) const
@@ -166,16 +189,22 @@ std::string SysfsRegistry::deviceClass(const std::string& path) const
 
 std::string SysfsRegistry::className(Entry entry)
 {
-    if (entry == root)
-        return baseClass;
-    if (entry == machine)
-        return "IOPlatformExpertDevice";
-    if (entry == resources)
-        return "IOResources";
     const auto* found = node(entry);
     if (!found)
         return {};
-    return found->kind == Kind::device ? deviceClass(found->path) : "IOService";
+    switch (found->kind) {
+    case Kind::root:
+        return baseClass;
+    case Kind::machine:
+        return "IOPlatformExpertDevice";
+    case Kind::resources:
+        return resourcesName;
+    case Kind::device:
+        return deviceClass(found->path);
+    case Kind::service:
+        break;
+    }
+    return servicePlane;
 }
 
 std::optional<std::string> SysfsRegistry::superclassOf(const std::string& className)
@@ -185,32 +214,46 @@ std::optional<std::string> SysfsRegistry::superclassOf(const std::string& classN
     return className == "IOService" ? baseClass : "IOService";
 }
 
+std::vector<std::string> SysfsRegistry::knownServices() const
+{
+    std::vector<std::string> names;
+    for (const auto entry : mNodes.at(resources).children)
+        names.push_back(mNodes.at(entry).name);
+    return names;
+}
+
+/// Looks at the one place where it would be, and again at what was asked for before, not at all
+/// that is published.
 IORegistry::Entry SysfsRegistry::serviceNamed(const std::string& name)
 {
-    return mExtensions.isUsable(name) || isLoadedModule(name) ? handleFor(Kind::service, name) : 0;
+    auto names = knownServices();
+    if (std::find(names.begin(), names.end(), name) == names.end())
+        names.insert(std::lower_bound(names.begin(), names.end(), name), name);
+    std::erase_if(names, [this](const auto& each) { return !isPublished(each); });
+    for (const auto entry : keepChildren(resources, Kind::service, names)) {
+        if (mNodes.at(entry).name == name)
+            return entry;
+    }
+    return 0;
 }
 
-IORegistry::Entry SysfsRegistry::deviceNamed(const std::string& parent, const std::string& name)
+bool SysfsRegistry::isCalled(Entry entry, const std::string& name)
 {
-    const auto path = parent + "/" + name;
-    const bool exists = isPlainFileName(name) && isRealFolder(mSysRoot + "/devices" + path);
-    return exists ? handleFor(Kind::device, path) : 0;
+    const auto ownName = nameInPlane(entry, servicePlane);
+    const auto location = locationInPlane(entry, servicePlane);
+    return name == ownName || (location && name == ownName + "@" + *location);
 }
 
-/// Goes straight to the one place where such a child would be.
 IORegistry::Entry SysfsRegistry::childNamed(Entry entry, const std::string& name)
 {
-    if (entry == root)
-        return name == "IOResources" ? resources : name == model() ? machine : 0;
-    if (entry == machine)
-        return deviceNamed({}, name);
+    if (entry == root && name == resourcesName)
+        return resources;
     if (entry == resources)
         return serviceNamed(name);
-    const auto* found = node(entry);
-    if (!found || found->kind != Kind::device)
-        return 0;
-    const auto parent = found->path;
-    return deviceNamed(parent, name);
+    const auto children = childEntries(entry, servicePlane);
+    const auto found = std::find_if(children.begin(), children.end(),
+                                    [&](Entry child) { return isCalled(child, name); });
+    return found == children.end() ? 0 : *found;
 }
 
 IORegistry::Entry SysfsRegistry::entryFromPath(const std::string& path)

@@ -3,7 +3,9 @@
 #include "Platform/IORegistry.h"
 #include "Platform/Posix/DriverExtensions.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -14,16 +16,21 @@ namespace farview
 /// The machine as the kernel shows it, in the plane "IOService":
 ///
 /// ```
-/// Root                      IORegistryEntry
-///   <model of the machine>  IOPlatformExpertDevice; the name is empty when nothing tells the model
-///     pci0000:00 ...        the folders of sysfs' "devices"; the class is the device's subsystem
-///   IOResources             IOResources
-///     <name>                IOService: loaded kernel modules, usable driver extensions
+/// Root                        IORegistryEntry
+///   <model of the machine>    IOPlatformExpertDevice; the name is empty when nothing tells the
+///     pci0000@00 ...          model. Below it the folders of sysfs' "devices"; the class is the
+///                             device's subsystem
+///   IOResources               IOResources
+///     <name>                  IOService: loaded kernel modules, usable driver extensions
 /// ```
 ///
-/// Looks at the system at each call; only handles are remembered, one per entry for as long as this
-/// object lives, so they stay the same whatever comes and goes. No entry has a location. Main
-/// thread only.
+/// A device whose folder is named by its place has that as its location: "PNP0C0F:02" is "PNP0C0F"
+/// at "02", "40003000.serial" is "serial" at "40003000", "0000:00:1f.2" is "pci" there. Links are
+/// not followed; a folder that cannot be read has nothing below it.
+///
+/// Looks at the system at each call. A handle belongs to one entry for as long as that is there and
+/// is never given to another; those of entries that went are forgotten when their place is looked
+/// at again. Main thread only.
 class SysfsRegistry final : public IORegistry
 {
 public:
@@ -39,33 +46,41 @@ public:
     std::optional<std::string> superclassOf(const std::string& className) override;
     Entry entryFromPath(const std::string& path) override;
 
+    /// How many entries have a handle now.
+    std::size_t handleCount() const { return mNodes.size(); }
+
 private:
     static constexpr Entry root = 1;
     static constexpr Entry machine = 2;
     static constexpr Entry resources = 3;
 
-    enum class Kind : std::uint8_t { device, service };
+    enum class Kind : std::uint8_t { root, machine, resources, device, service };
     struct Node {
         Kind kind;
-        std::string path; ///< of a device's folder below "devices"; of a service, its name
+        std::string name;              ///< a device's folder, a service's name
+        std::string path;              ///< of a device, below "devices"
+        std::vector<Entry> children{}; ///< those that are known, sorted by name
     };
 
-    Entry handleFor(Kind kind, const std::string& path);
     const Node* node(Entry entry) const;
-    std::vector<Entry> devicesBelow(const std::string& path);
-    std::vector<Entry> services();
+    std::vector<Entry> keepChildren(Entry parent, Kind kind, const std::vector<std::string>& names);
+    Entry makeChild(Entry parent, Kind kind, const std::string& name);
+    void forget(Entry entry);
+    std::vector<std::string> serviceNames() const;
+    std::vector<std::string> knownServices() const;
+    bool isPublished(const std::string& name) const;
+    bool isLoadedModule(const std::string& name) const;
     Entry childNamed(Entry entry, const std::string& name);
     Entry serviceNamed(const std::string& name);
-    Entry deviceNamed(const std::string& parent, const std::string& name);
-    std::string deviceClass(const std::string& path) const;
+    bool isCalled(Entry entry, const std::string& name);
     std::string model() const;
-    bool isLoadedModule(const std::string& name) const;
+    std::string deviceClass(const std::string& path) const;
 
     DriverExtensions mExtensions;
     std::string mSysRoot;
     std::string mProcRoot;
-    std::vector<Node> mNodes;
-    std::unordered_map<std::string, Entry> mHandles;
+    std::unordered_map<Entry, Node> mNodes;
+    Entry mNext = resources + 1;
 };
 
 } // namespace farview

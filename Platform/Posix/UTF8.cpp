@@ -78,4 +78,18 @@ bool isValidUTF8(std::string_view text)
     return true;
 }
 
+std::string validUTF8(std::string text)
+{
+    if (isValidUTF8(text))
+        return text;
+    constexpr char32_t replacement = 0xFFFD;
+    std::string valid;
+    for (std::string_view rest = text; !rest.empty();) {
+        const auto character = decodeCharacter(rest);
+        appendUTF8(valid, character.value.value_or(replacement));
+        rest.remove_prefix(character.length);
+    }
+    return valid;
+}
+
 } // namespace farview

@@ -22,4 +22,7 @@ void appendUTF8(std::string& text, char32_t character);
 
 bool isValidUTF8(std::string_view text);
 
+/// The text with the replacement character in the place of each broken byte.
+std::string validUTF8(std::string text);
+
 } // namespace farview

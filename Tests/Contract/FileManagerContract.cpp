@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 
 namespace farview
@@ -105,10 +106,24 @@ TYPED_TEST(FileManagerContract, ABrokenFileGivesNothingAndIsSetAsideByTheNextWri
     EXPECT_EQ(this->manager().propertyListWithContentsOfFile(path), PropertyList(1));
 }
 
+TYPED_TEST(FileManagerContract, BytesTakeThePlaceOfWhateverFileWasThere)
+{
+    const auto path = this->file("bytes");
+    const std::array<std::uint8_t, 4> bytes = {'<', 0, 255, '\n'};
+    EXPECT_TRUE(this->manager().writeData(bytes, path));
+    EXPECT_TRUE(this->manager().fileExistsAtPath(path));
+    EXPECT_EQ(this->manager().propertyListWithContentsOfFile(path), std::nullopt);
+    EXPECT_TRUE(this->manager().writePropertyList(1, path));
+    EXPECT_TRUE(this->manager().writeData({}, path));
+    EXPECT_TRUE(this->manager().fileExistsAtPath(path));
+    EXPECT_EQ(this->manager().propertyListWithContentsOfFile(path), std::nullopt);
+}
+
 TYPED_TEST(FileManagerContract, AWriteThatCannotBeSaysSo)
 {
     this->mScene.setWritesFail(true);
     EXPECT_FALSE(this->manager().writePropertyList(1, this->mScene.path("list")));
+    EXPECT_FALSE(this->manager().writeData({}, this->mScene.path("bytes")));
     EXPECT_FALSE(this->manager().createDirectoryAtPath(this->mScene.path("new")));
     this->mScene.setWritesFail(false);
     EXPECT_TRUE(this->manager().writePropertyList(1, this->file("list")));

@@ -1,53 +1,14 @@
-#include "Platform/Fake/FakeRegistry.h"
-#include "Platform/Posix/SysfsRegistry.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Contract/RegistryScenes.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <algorithm>
 #include <set>
 
 namespace farview
 {
 namespace
 {
-
-const std::string plane = "IOService";
-
-/// Each scene has a machine "Model", on it a bridge with two devices, and one published service.
-struct ScriptedRegistry {
-    FakeRegistry body;
-    IORegistry::Entry service = 0;
-
-    ScriptedRegistry()
-    {
-        const auto machine = body.add(body.rootEntry(), {"Model"});
-        const auto bridge = body.add(machine, {"bridge"});
-        body.add(bridge, {"device1"});
-        body.add(bridge, {"device2"});
-        service = body.publish("QLExGFX");
-        body.setSuperclass("IOService", "IORegistryEntry");
-    }
-    void unpublish() { body.remove(service); }
-};
-
-struct RegistryInFolders {
-    TemporaryFolder folder;
-    SysfsRegistry body{DriverExtensions({folder.path("Extensions")}), folder.path("sys"),
-                       folder.path("proc")};
-
-    RegistryInFolders()
-    {
-        folder.write("sys/devices/virtual/dmi/id/product_name", "Model\n");
-        folder.write("sys/devices/bridge/device1/uevent", "");
-        folder.write("sys/devices/bridge/device2/uevent", "");
-        folder.write(
-            "Extensions/QLExGFX.kext/Contents/Info.plist",
-            "<plist><dict><key>CFBundleIdentifier</key><string>com.quillon.QLExGFX</string>"
-            "<key>QLNPlatform</key><string>Linux</string></dict></plist>");
-    }
-    void unpublish() { std::filesystem::remove_all(folder.path("Extensions")); }
-};
 
 template <typename Scene> class IORegistryContract : public testing::Test
 {
@@ -64,8 +25,7 @@ protected:
     Scene mScene;
 };
 
-using Scenes = testing::Types<ScriptedRegistry, RegistryInFolders>;
-TYPED_TEST_SUITE(IORegistryContract, Scenes);
+TYPED_TEST_SUITE(IORegistryContract, RegistryScenes);
 using Names = std::vector<std::string>;
 
 TYPED_TEST(IORegistryContract, TheRootsFirstChildBearsTheModelsName)
@@ -84,6 +44,17 @@ TYPED_TEST(IORegistryContract, DevicesLieBelowTheMachine)
     EXPECT_EQ(this->namesBelow(bridge), (Names{"device1", "device2"}));
     EXPECT_EQ(this->registry().className(bridge), "IOService");
     EXPECT_EQ(this->registry().locationInPlane(bridge, plane), std::nullopt);
+}
+
+TYPED_TEST(IORegistryContract, AnEntryThatIsNamedByItsPlaceHasALocation)
+{
+    const auto system = this->registry().entryFromPath("IOService:/Model/LNXSYSTM@00");
+    ASSERT_NE(system, 0u);
+    EXPECT_EQ(this->registry().entryFromPath("IOService:/Model/LNXSYSTM"), system);
+    EXPECT_EQ(this->registry().nameInPlane(system, plane), "LNXSYSTM");
+    EXPECT_EQ(this->registry().locationInPlane(system, plane), "00");
+    EXPECT_EQ(this->registry().locationInPlane(system, "IOUSB"), std::nullopt);
+    EXPECT_NE(this->registry().entryFromPath("IOService:/Model/LNXSYSTM@00/PNP0C0F@02"), 0u);
 }
 
 TYPED_TEST(IORegistryContract, AWalkAndAPathLeadToTheSameEntry)
@@ -123,7 +94,8 @@ TYPED_TEST(IORegistryContract, APublishedServiceIsFoundUntilItGoes)
 TYPED_TEST(IORegistryContract, AWrongPathLeadsNowhere)
 {
     for (const char* path : {"", "IOService", "IOService:/IOResources/None", "IOService:/None",
-                             "IOUSB:/IOResources/QLExGFX", "IOService:/IOResources/QLExGFX/below"})
+                             "IOUSB:/IOResources/QLExGFX", "IOService:/IOResources/QLExGFX/below",
+                             "IOService:/Model/LNXSYSTM@01", "IOService:/Model/bridge@"})
         EXPECT_EQ(this->registry().entryFromPath(path), 0u) << path;
 }
 

@@ -14,6 +14,7 @@ struct ScriptedPaths {
 };
 
 struct PathsOfAProgram {
+    ScopedEnvironment home{"HOME", "/home/user"};
     ScopedEnvironment data{"XDG_DATA_HOME", "/home/user/.local/share"};
     ScopedEnvironment system{"FARVIEW_SYSTEM_ROOT", nullptr};
     ScopedEnvironment local{"FARVIEW_LOCAL_ROOT", nullptr};
@@ -51,6 +52,11 @@ TYPED_TEST(SearchPathsContract, ApplicationSupportIsTheUsersFolderOfData)
 {
     EXPECT_EQ(this->paths().directories(applicationSupport, userDomain | systemDomain),
               Paths{"/home/user/.local/share"});
+}
+
+TYPED_TEST(SearchPathsContract, TheHomeIsTheUsersFolder)
+{
+    EXPECT_EQ(this->paths().homeDirectory(), "/home/user");
 }
 
 TYPED_TEST(SearchPathsContract, PlatformPathsAreLocatedAndOthersStay)

@@ -106,30 +106,42 @@ int runOnce(QCoreApplication& application, const std::string& notes)
     return application.exec();
 }
 
-/// Offers one property as the accessibility bus does.
+/// Offers one property as the accessibility bus does; "stubborn" takes changes and forgets them.
 class AccessibilityStatus : public QDBusVirtualObject
 {
 public:
-    explicit AccessibilityStatus(bool isOn) : mIsOn(isOn) {}
+    AccessibilityStatus(bool isOn, bool isStubborn) : mIsOn(isOn), mIsStubborn(isStubborn) {}
 
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override
     {
-        if (call.arguments() != QVariantList{"org.a11y.Status", "IsEnabled"})
+        if (call.arguments().mid(0, 2) != QVariantList{"org.a11y.Status", "IsEnabled"})
             return false;
-        const auto value = QVariant::fromValue(QDBusVariant(mIsOn));
-        return connection.send(call.createReply(value));
+        if (call.member() == "Get")
+            return connection.send(call.createReply(QVariant::fromValue(QDBusVariant(mIsOn))));
+        if (!mIsStubborn)
+            mIsOn = call.arguments().value(2).value<QDBusVariant>().variant().toBool();
+        return connection.send(call.createReply()) && connection.send(changed());
     }
 
 private:
+    QDBusMessage changed() const
+    {
+        auto signal = QDBusMessage::createSignal("/org/a11y/bus", "org.freedesktop.DBus.Properties",
+                                                 "PropertiesChanged");
+        return signal << QStringLiteral("org.a11y.Status") << QVariantMap{{"IsEnabled", mIsOn}}
+                      << QStringList();
+    }
+
     bool mIsOn;
+    bool mIsStubborn;
 };
 
-int offerAccessibility(QCoreApplication& application, bool isOn)
+int offerAccessibility(QCoreApplication& application, const std::string& kind)
 {
     NoLog log;
     SessionBus bus(log);
-    AccessibilityStatus status(isOn);
+    AccessibilityStatus status(kind == "on", kind == "stubborn");
     bus.connection().registerVirtualObject(QStringLiteral("/org/a11y/bus"), &status);
     return bus.requestName("org.a11y.Bus") ? application.exec() : 1;
 }
@@ -167,7 +179,7 @@ int main(int argc, char** argv)
     if (role == "post")
         return post(application, QString::fromStdString(argument));
     if (role == "accessibility")
-        return offerAccessibility(application, argument == "on");
+        return offerAccessibility(application, argument);
     // A started application gets no arguments: the test tells it by the environment.
     const char* notes = std::getenv("FARVIEW_TEST_NOTES");
     return notes ? runOnce(application, notes) : 2;

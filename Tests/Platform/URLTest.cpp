@@ -26,4 +26,17 @@ TEST(URL, ATextWithoutASchemeIsNoAddress)
     EXPECT_EQ(URL::URLWithString("file:///x"), URL::fileURLWithPath("/x"));
 }
 
+TEST(URL, WhatAnAddressCannotCarryIsSpelledOutInItOnly)
+{
+    const auto page = URL::URLWithString("file:///a%20folder/50%25%23%3f/\u00e4.html");
+    ASSERT_TRUE(page);
+    EXPECT_EQ(page->path(), "/a folder/50%#?/\u00e4.html");
+    EXPECT_EQ(page->absoluteString(), "file:///a%20folder/50%25%23%3F/\u00e4.html");
+    EXPECT_EQ(URL::URLWithString(page->absoluteString()), page);
+    EXPECT_EQ(URL::URLWithString("file:///100%/%zz%2")->path(), "/100%/%zz%2");
+    EXPECT_EQ(URL::URLWithString("file:///%00")->path(), "/%00") << "no path has a NUL in it";
+    EXPECT_EQ(URL::URLWithString("https://example.org/a%20b")->absoluteString(),
+              "https://example.org/a%20b");
+}
+
 } // namespace

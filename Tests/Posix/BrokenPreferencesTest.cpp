@@ -41,15 +41,13 @@ class BrokenPreferencesTest : public PreferencesFixture,
 {
 };
 
-TEST_P(BrokenPreferencesTest, AreRefusedQuicklySetAsideWholeAndReplaced)
+TEST_P(BrokenPreferencesTest, AreRefusedSetAsideWholeAndReplaced)
 {
     const auto broken = brokenFiles().at(GetParam());
     writeFile(broken);
-    const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(read(), std::nullopt);
     EXPECT_EQ(contentsOf(path()), broken);
     EXPECT_TRUE(store("new"));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
     EXPECT_EQ(contentsOf(path()), listWith("key", "new"));
     EXPECT_EQ(contentsOf(path() + ".broken-1"), broken);
     EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList("new"));

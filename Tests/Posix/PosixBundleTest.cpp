@@ -4,6 +4,7 @@
 #include "Platform/Posix/Languages.h"
 #include "Tests/Support/TemporaryFolder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -157,6 +158,17 @@ TEST(Languages, TellChineseScriptsApart)
 {
     const auto chinese = user("zh_TW.UTF-8", nullptr);
     EXPECT_EQ(preferred(), (Names{"zh_TW", "zh-TW", "zh-Hant", "zh", "en"}));
+}
+
+TEST(Languages, ReachTheCatalogueOfTheirScriptOrCountry)
+{
+    for (const auto& [locale, catalogue] :
+         {std::pair{"pt_BR.UTF-8", "pt-BR"}, std::pair{"zh_CN.UTF-8", "zh-Hans"},
+          std::pair{"zh_SG.UTF-8", "zh-Hans"}, std::pair{"ja_JP.UTF-8", "ja"},
+          std::pair{"fr_CA.UTF-8", "fr"}}) {
+        const auto speaker = user(locale, nullptr);
+        EXPECT_THAT(preferred(), testing::Contains(catalogue)) << locale;
+    }
 }
 
 TEST(Languages, NeverNameAnotherFolder)

@@ -1,7 +1,9 @@
 #include "Platform/Posix/PosixFileManager.h"
 #include "Tests/Posix/PreferencesFixture.h"
 
+#include <array>
 #include <cmath>
+#include <fstream>
 
 namespace farview
 {
@@ -40,6 +42,27 @@ TEST_F(PosixFileManagerTest, WritesFilesForTheUserAlone)
     EXPECT_TRUE(mManager.writePropertyList("text", mFolder.path("list")));
     ::umask(before);
     EXPECT_EQ(modeOf(mFolder.path("list")), 0600u);
+}
+
+TEST_F(PosixFileManagerTest, WritesBytesForTheUserAloneAndLeavesNoOtherFile)
+{
+    const std::array<std::uint8_t, 3> bytes = {'a', 0, 255};
+    const auto before = ::umask(0);
+    EXPECT_TRUE(mManager.writeData(bytes, mFolder.path("bytes")));
+    ::umask(before);
+    EXPECT_EQ(modeOf(mFolder.path("bytes")), 0600u);
+    EXPECT_EQ(contentsOf(mFolder.path("bytes")), std::string("a\0\xFF", 3));
+    const auto files = std::filesystem::directory_iterator(mFolder.path());
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1);
+}
+
+TEST_F(PosixFileManagerTest, BytesAreReplacedInOneStep)
+{
+    EXPECT_TRUE(mManager.writeData(std::array<std::uint8_t, 1>{'o'}, mFolder.path("bytes")));
+    std::ifstream reader(mFolder.path("bytes"));
+    EXPECT_TRUE(mManager.writeData(std::array<std::uint8_t, 1>{'n'}, mFolder.path("bytes")));
+    EXPECT_EQ(reader.get(), 'o') << "who had it open goes on reading the old file";
+    EXPECT_EQ(contentsOf(mFolder.path("bytes")), "n");
 }
 
 TEST_F(PosixFileManagerTest, SetsABrokenFileAsideAndLeavesNoOtherFile)

@@ -1,6 +1,6 @@
 #include "Platform/Posix/PosixProcessTable.h"
 
-#include "Tests/Posix/ForkedProcess.h"
+#include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

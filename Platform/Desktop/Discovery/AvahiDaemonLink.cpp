@@ -21,12 +21,6 @@ const QString busName = QStringLiteral("org.freedesktop.DBus");
 const QString daemonName = QStringLiteral("org.freedesktop.Avahi");
 const QString serverInterface = QStringLiteral("org.freedesktop.Avahi.Server2");
 
-QString systemBusAddress()
-{
-    const QString stated = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
-    return stated.isEmpty() ? QStringLiteral("unix:path=/run/dbus/system_bus_socket") : stated;
-}
-
 /// Connections are named process-wide, but host and pane have one each, and a dead one cannot be
 /// used again.
 QString freshConnectionName()
@@ -44,6 +38,12 @@ AvahiDaemonLink::AvahiDaemonLink(Log& log) : mLog(log), mPause(firstPause, longe
 }
 
 AvahiDaemonLink::~AvahiDaemonLink() { closeConnection(); }
+
+QString AvahiDaemonLink::systemBusAddress()
+{
+    const QString stated = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+    return stated.isEmpty() ? QStringLiteral("unix:path=/run/dbus/system_bus_socket") : stated;
+}
 
 void AvahiDaemonLink::look()
 {

@@ -48,6 +48,9 @@ public:
     /// `handler` hears the signals of that object of the daemon, until the handle is destroyed.
     Subscription observeSignals(const QString& path, SignalHandler handler);
 
+    /// Where the system bus is.
+    static QString systemBusAddress();
+
     /// How long the daemon may take to answer at first.
     static constexpr int patience = 1000;
 

@@ -10,6 +10,9 @@ namespace
 
 /// Lets a search that has just begun report what is remembered before it is doubted.
 constexpr int timeToReport = 400;
+/// For a second after new records came, the old ones are remembered beside them: who returned on
+/// another port would be resolved to the old one.
+constexpr int timeToForgetOldRecords = 1200;
 
 } // namespace
 
@@ -133,8 +136,10 @@ void TypeSearch::died(const std::string& name)
 
 void TypeSearch::returned(const std::string& name)
 {
-    if (const auto dead = mDead.extract(name))
-        add(dead.mapped().name, dead.mapped().sightings);
+    QTimer::singleShot(timeToForgetOldRecords, this, [this, name] {
+        if (const auto dead = mDead.extract(name))
+            add(dead.mapped().name, dead.mapped().sightings);
+    });
 }
 
 void TypeSearch::add(const ServiceName& name, const std::vector<Sighting>& sightings)
@@ -166,8 +171,11 @@ void TypeSearch::checkAgain()
 void TypeSearch::askAll()
 {
     std::vector<ServiceName> names;
-    for (const auto& service : mServices)
+    for (const auto& service : mServices) {
         names.push_back(service->name());
+        // It may be where it was not before.
+        service->resolve();
+    }
     if (!names.empty())
         mLiveness.check(names);
 }

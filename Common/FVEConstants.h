@@ -10,12 +10,20 @@ inline constexpr std::int32_t kServerSidebandPort = 6002;
 
 /// The preferences domain shared by the panel, the screen server and the status item.
 inline constexpr const char* kApplicationID = "com.quillon.Farview";
+/// The window server's preferences domain. One of these two keys is there, and true; the other is
+/// not.
+inline constexpr const char* kWindowServerDomain = "com.apple.windowserver";
+inline constexpr const char* kDisplayResolutionEnabled = "DisplayResolutionEnabled";
+inline constexpr const char* kDisplayResolutionDisabled = "DisplayResolutionDisabled";
 /// The pane's own bundle, whose catalogues hold every text.
 inline constexpr const char* kFVEPaneBundleID = "com.quillon.FarviewPrefPanel";
 
 inline constexpr const char* kFVEScreenServerApplicationName = "ScreenCapture";
 inline constexpr const char kFVEScreenServerApplicationNameCString[] = "ScreenCapture";
+/// By it the desktop knows whether the server runs; its own settings are stored under it too.
+inline constexpr const char* kFVEScreenServerBundleID = "com.quillon.ScreenCapture";
 inline constexpr const char* kFVEMenuExtraApplicationName = "FarviewStatusItem";
+inline constexpr const char* kFVEDoctorApplicationName = "FarviewDoctor";
 inline constexpr const char* kFVEMenuExtraBundleID = "com.quillon.menuextra.Farview";
 /// Tells the status item that the user has just logged in: it starts what the settings ask for.
 inline constexpr const char* kAtLoginArgument = "--at-login";
@@ -24,6 +32,10 @@ inline constexpr const char* kFVEDisplayResolutionsOnApplicationName =
 inline constexpr const char* kFVEDisplayResolutionsOffApplicationName =
     "com.quillon.displayresolutionsoff";
 inline constexpr const char* kFVEDocumentationName = "Farview Documentation";
+
+/// The list of the devices that were ever seen, in the support folder of that name.
+inline constexpr const char* kFVEApplicationSupportFolderName = "Farview";
+inline constexpr const char* kSeenDevicesForAutoConnectTableFilename = "SeenDevices.plist";
 
 inline constexpr const char* kFVEKextName = "QLExGFX";
 // These two are crossed over: the version display depends on exactly this pairing.

@@ -20,10 +20,6 @@ using farview::PropertyList;
 namespace
 {
 
-constexpr const char* kWindowServerDomain = "com.apple.windowserver";
-constexpr const char* kDisplayResolutionEnabled = "DisplayResolutionEnabled";
-constexpr const char* kDisplayResolutionDisabled = "DisplayResolutionDisabled";
-
 constexpr std::int64_t lastValidState = 2;
 
 bool isNumber(const std::optional<PropertyList>& value)

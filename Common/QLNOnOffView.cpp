@@ -1,23 +1,25 @@
 #include "Common/QLNOnOffView.h"
 
-void QLNOnOff::setDoubleValue(double value, bool /*animate*/)
+QLNOnOffView::QLNOnOffView() : mOnOffSlider(std::make_shared<QLNOnOff>())
 {
-    if (mOnOffValue == value && mDoubleValue == value)
-        return;
-    mOnOffValue = value;
-    mDoubleValue = value;
-    changed(farview::Change::properties);
+    mOnOffSlider->setCell(std::make_shared<QLNOnOffCell>());
 }
 
-void QLNOnOff::moveRight(farview::Object* /*sender*/) { moveTo(1.0); }
-void QLNOnOff::moveLeft(farview::Object* /*sender*/) { moveTo(0.0); }
-
-void QLNOnOff::moveTo(double value)
+void QLNOnOffView::setImageSource(QLNImageSource source)
 {
-    if (!isEnabled())
-        return;
-    setDoubleValue(value, true);
-    sendAction();
+    mOnOffSlider->cell()->setImageSource(std::move(source));
+}
+
+void QLNOnOffView::initWithFrame(const farview::Rect& frame)
+{
+    const auto overlay = bundleImageNamed(mOnOffSlider->cell()->imageSource(), "OverlayMask");
+    setFrame({frame.origin, overlay ? overlay->size() : farview::Size{}}, false);
+    mOnOffSlider->setFrame({{}, this->frame().size}, false);
+    mOnOffSlider->setMinValue(0.0);
+    mOnOffSlider->setMaxValue(1.0);
+    mOnOffSlider->setDoubleValue(0.0, false);
+    mOnOffSlider->setContinuous(false);
+    setWantsLayer(true);
 }
 
 int QLNOnOffView::state() const
@@ -35,4 +37,14 @@ void QLNOnOffView::setState(int state, bool animate)
     const double target = state == 1 ? 1.0 : 0.0;
     if (mOnOffSlider->onOffValue() != target)
         mOnOffSlider->setDoubleValue(target, animate);
+}
+
+bool QLNOnOffView::respondsTo(farview::Selector selector) const
+{
+    return mOnOffSlider->respondsTo(selector);
+}
+
+bool QLNOnOffView::perform(farview::Selector selector, farview::Object* argument)
+{
+    return mOnOffSlider->perform(selector, argument);
 }

@@ -1,40 +1,28 @@
 #pragma once
 
-#include "Controls/Control.h"
+#include "Common/QLNOnOff.h"
 
 #include <memory>
 #include <utility>
 
-/// The two-position slider inside the switch. Its value runs from 0.0 (off) to 1.0 (on).
-class QLNOnOff : public farview::Control
+/// The switch of the pane: wraps the slider and hands on what concerns it. Whatever it is asked by
+/// name and does not know itself, the slider is asked.
+class QLNOnOffView : public farview::View, public farview::Responder
 {
 public:
-    /// The position the switch is at or is moving to. Not 0 or 1 only while someone set it so.
-    double onOffValue() const { return mOnOffValue; }
-    /// Where the knob is drawn.
-    double doubleValue() const { return mDoubleValue; }
-    /// Moves the knob. The destination is known at once, also while the knob is still on its way.
-    void setDoubleValue(double value, bool animate);
+    /// The slider is there from the beginning; `initWithFrame` gives it its place.
+    QLNOnOffView();
 
-    /// What the arrow keys do: move to that end and send the action, even when it was there
-    /// already. A disabled slider ignores them.
-    void moveRight(farview::Object* sender);
-    void moveLeft(farview::Object* sender);
-
-private:
-    void moveTo(double value);
-
-    double mOnOffValue = 0.0;
-    double mDoubleValue = 0.0;
-};
-
-/// The switch of the pane: wraps the slider and hands on what concerns it.
-class QLNOnOffView : public farview::View
-{
-public:
-    QLNOnOffView() : mOnOffSlider(std::make_shared<QLNOnOff>()) {}
+    /// Where the pictures come from. Set before `initWithFrame`.
+    void setImageSource(QLNImageSource source);
+    /// The view goes where the frame begins; it is as large as the picture "OverlayMask", whatever
+    /// the frame's own size, and off. Called once.
+    void initWithFrame(const farview::Rect& frame);
 
     std::shared_ptr<QLNOnOff> slider() const { return mOnOffSlider; }
+    /// Whether it is composed apart before it comes onto the window.
+    bool wantsLayer() const { return mWantsLayer; }
+    void setWantsLayer(bool wants) { mWantsLayer = wants; }
 
     /// 1 on, 0 off, -1 in between.
     int state() const;
@@ -52,6 +40,10 @@ public:
     farview::Selector action() const { return mOnOffSlider->action(); }
     void setAction(farview::Selector action) { mOnOffSlider->setAction(action); }
 
+    bool respondsTo(farview::Selector selector) const override;
+    bool perform(farview::Selector selector, farview::Object* argument) override;
+
 private:
     std::shared_ptr<QLNOnOff> mOnOffSlider;
+    bool mWantsLayer = false;
 };

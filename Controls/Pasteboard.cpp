@@ -10,6 +10,14 @@ void Pasteboard::declareTypes(const std::vector<std::string>& types)
         mContent[type];
 }
 
+std::vector<std::string> Pasteboard::types() const
+{
+    std::vector<std::string> types;
+    for (const auto& [type, content] : mContent)
+        types.push_back(type);
+    return types;
+}
+
 bool Pasteboard::setPropertyList(PropertyList list, const std::string& type)
 {
     const auto place = mContent.find(type);

@@ -18,6 +18,7 @@ class Pasteboard
 public:
     /// Empties it and says what will be on it.
     void declareTypes(const std::vector<std::string>& types);
+    std::vector<std::string> types() const;
     /// False for a type that was not declared.
     bool setPropertyList(PropertyList list, const std::string& type);
     /// Nothing when there is none of that type.

@@ -3,6 +3,12 @@
 namespace farview
 {
 
+void TableView::reloadData()
+{
+    ++mRowsState;
+    changed(Change::rows);
+}
+
 void TableView::userSelects(int row)
 {
     mSelectedRow = row;
@@ -12,18 +18,40 @@ void TableView::userSelects(int row)
             Notification("NSTableViewSelectionIsChangingNotification", this, {}));
 }
 
-bool TableView::userMovesRow(int row, int gap)
+std::optional<RowDrag> TableView::userDrags(int row)
 {
     const auto self = shared_from_this();
     const auto source = mDataSource.lock();
     if (!source || !isEnabled() || row < 0 || row >= source->numberOfRowsInTableView(*this))
-        return false;
+        return std::nullopt;
     const auto pasteboard = std::make_shared<Pasteboard>();
     if (!source->writeRowsWithIndexes(*this, IndexSet(row), *pasteboard))
+        return std::nullopt;
+    return RowDrag{row, pasteboard, mRowsState};
+}
+
+bool TableView::mayDrop(const RowDrag& drag, int gap)
+{
+    const auto self = shared_from_this();
+    const auto source = mDataSource.lock();
+    if (!source || !isEnabled() || drag.rowsState != mRowsState)
         return false;
-    const DraggingInfo info(pasteboard);
-    return source->validateDrop(*this, info, gap, DropOperation::above) != DragOperation::none &&
-           source->acceptDrop(*this, info, gap, DropOperation::above);
+    return source->validateDrop(*this, DraggingInfo(drag.pasteboard), gap, DropOperation::above) !=
+           DragOperation::none;
+}
+
+bool TableView::userDrops(const RowDrag& drag, int gap)
+{
+    const auto self = shared_from_this();
+    const auto source = mDataSource.lock();
+    return mayDrop(drag, gap) &&
+           source->acceptDrop(*this, DraggingInfo(drag.pasteboard), gap, DropOperation::above);
+}
+
+bool TableView::userMovesRow(int row, int gap)
+{
+    const auto drag = userDrags(row);
+    return drag && userDrops(*drag, gap);
 }
 
 } // namespace farview

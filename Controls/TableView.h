@@ -5,7 +5,9 @@
 #include "Platform/Types/IndexSet.h"
 #include "Platform/Types/Notification.h"
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -38,8 +40,19 @@ public:
     /// False when nothing was changed.
     virtual bool acceptDrop(TableView& table, const DraggingInfo& info, int row,
                             DropOperation operation) = 0;
+    /// What is to be told of a row beside its cells, in the user's language. Such a row stands back
+    /// behind the others. Empty: there is nothing to tell.
+    virtual std::string remarkOnRow(TableView& /*table*/, int /*row*/) { return {}; }
     /// The notification's object is the table.
     virtual void tableViewSelectionIsChanging(const Notification& notification) = 0;
+};
+
+/// A row on its way to another place.
+struct RowDrag {
+    int row = -1;
+    std::shared_ptr<const Pasteboard> pasteboard;
+    /// The state of the table's rows that it was taken from.
+    std::uint64_t rowsState = 0;
 };
 
 /// A table without a memory of its own: it asks its data source for what it shows.
@@ -58,9 +71,11 @@ public:
         reloadData();
     }
     /// Says that the rows are no longer what they were.
-    void reloadData() { changed(Change::rows); }
+    void reloadData();
     /// Says that there are more rows, or fewer, than before.
-    void noteNumberOfRowsChanged() { changed(Change::rows); }
+    void noteNumberOfRowsChanged() { reloadData(); }
+    /// Another number after each of these.
+    std::uint64_t rowsState() const { return mRowsState; }
 
     /// -1 when no row is selected.
     int selectedRow() const { return mSelectedRow; }
@@ -68,8 +83,14 @@ public:
 
     /// The user's doors. A row is selected; its source is asked whether it stays so.
     void userSelects(int row);
-    /// A row is carried into the gap above `gap`, by the same rules as one that is dragged. False
-    /// when they forbid it.
+    /// A row is picked up. Nothing when it must stay where it is.
+    std::optional<RowDrag> userDrags(int row);
+    /// Whether it may be put into the gap above `gap`: never when the rows are no longer those it
+    /// was taken from.
+    bool mayDrop(const RowDrag& drag, int gap);
+    /// It is put there. False when nothing was changed.
+    bool userDrops(const RowDrag& drag, int gap);
+    /// All of this at once.
     bool userMovesRow(int row, int gap);
 
     const std::vector<std::string>& draggedTypes() const { return mDraggedTypes; }
@@ -82,6 +103,7 @@ private:
     std::shared_ptr<View> mEnclosingScrollView;
     std::weak_ptr<TableDataSource> mDataSource;
     std::vector<std::string> mDraggedTypes;
+    std::uint64_t mRowsState = 0;
     int mSelectedRow = -1;
 };
 

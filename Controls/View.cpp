@@ -24,6 +24,12 @@ void View::setFrame(Rect frame, bool animated)
     changed(Change::frame);
 }
 
+std::optional<Animation> View::defaultAnimationForKey(std::string_view key)
+{
+    const bool isPlace = key == "frame" || key == "frameOrigin" || key == "frameSize";
+    return isPlace ? std::optional<Animation>(Animation{}) : std::nullopt;
+}
+
 void View::setToolTip(std::string toolTip) { update(mToolTip, std::move(toolTip)); }
 
 Subscription View::observe(std::function<void(Change)> observer)

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "Controls/Animation.h"
 #include "Platform/Types/Object.h"
 #include "Platform/Types/Rect.h"
 #include "Platform/Types/Subscription.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace farview
 {
@@ -39,6 +42,9 @@ public:
     void setFrame(Rect frame, bool animated);
     /// Whether the last change of the frame asked for an animation.
     bool frameChangeIsAnimated() const { return mFrameChangeIsAnimated; }
+
+    /// How a change of that property is played; none when it cannot be.
+    static std::optional<Animation> defaultAnimationForKey(std::string_view key);
 
     const std::string& toolTip() const { return mToolTip; }
     void setToolTip(std::string toolTip);

@@ -1,3 +1,4 @@
+#include "Controls/Qt/ChiseledTextWidget.h"
 #include "Controls/Qt/ControlBindings.h"
 #include "Controls/Qt/FrameBinding.h"
 #include "Controls/Qt/FrameContainer.h"
@@ -10,6 +11,7 @@
 #include "Controls/Qt/SwitchBinding.h"
 #include "Controls/Qt/SwitchWidget.h"
 #include "Controls/Qt/TableBinding.h"
+#include "Controls/Qt/WindowBinding.h"
 
 namespace farview
 {
@@ -51,10 +53,20 @@ Match tryLineEdit(const std::shared_ptr<View>& view, QWidget* widget)
                : Match::otherControl;
 }
 
+/// An engraved word, unless the widget is a button of the desktop's own.
+Match tryChiseledText(const std::shared_ptr<View>& view, QWidget* widget)
+{
+    return qobject_cast<ChiseledTextWidget*>(widget)
+               ? tryBind<ChiseledTextBinding, FVEChiseledTextButton, ChiseledTextWidget>(view,
+                                                                                         widget)
+               : Match::otherControl;
+}
+
 // What a control derives from comes after it.
 using Attempt = Match (*)(const std::shared_ptr<View>&, QWidget*);
 constexpr Attempt attempts[] = {
     tryBind<PopUpBinding, PopUpButton, PopUpWidget>,
+    tryChiseledText,
     tryBind<ButtonBinding, Button, QAbstractButton>,
     tryLineEdit,
     tryBind<TextFieldBinding, TextField, QLabel>,
@@ -64,6 +76,7 @@ constexpr Attempt attempts[] = {
     tryBind<TabViewBinding, TabView, QTabWidget>,
     tryBind<SwitchBinding, QLNOnOffView, SwitchWidget>,
     tryBind<SheetBinding, Panel, SheetWidget>,
+    tryBind<WindowBinding, Window, SheetWidget>,
     tryBind<PlainBinding, View, QWidget>,
 };
 

@@ -4,6 +4,8 @@
 
 #include <QApplication>
 
+#include <utility>
+
 namespace farview
 {
 namespace
@@ -85,7 +87,8 @@ void Binding::showCommon()
         mWidget->setHidden(isHidden());
     if (const auto* control = dynamic_cast<const Control*>(mView.get()))
         mWidget->setEnabled(control->isEnabled());
-    if (!mView->toolTip().empty())
+    // The file's own tool tip stays until another one is set.
+    if (std::exchange(mShownToolTip, mView->toolTip()) != mView->toolTip())
         mWidget->setToolTip(plainToolTip(mView->toolTip()));
 }
 

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <string>
 
 namespace farview
 {
@@ -64,6 +65,7 @@ private:
     std::shared_ptr<View> mView;
     QWidget* mWidget;
     Subscription mSubscription;
+    std::string mShownToolTip;
     int mShowing = 0;
 };
 

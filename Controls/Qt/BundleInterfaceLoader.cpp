@@ -23,6 +23,8 @@ bool BundleInterfaceLoader::loadNibNamed(const std::string& name,
     auto window = InterfaceFile(*mBundle, name).load(owner, error);
     if (!window)
         return false;
+    // Windows that are closed for good go by themselves.
+    std::erase_if(mWindows, [](const auto& each) { return each.isNull(); });
     mWindows.emplace_back(window.release());
     return true;
 }

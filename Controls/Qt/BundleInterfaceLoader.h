@@ -14,7 +14,7 @@ namespace farview
 class Bundle;
 
 /// Loads windows from the interface files in a bundle's resources. A window may be handed to
-/// another as its parent; what is left at the end goes with the loader.
+/// another as its parent, or go when it is closed; what is left at the end goes with the loader.
 class BundleInterfaceLoader final : public InterfaceLoader
 {
 public:

@@ -1,5 +1,7 @@
 #include "Controls/Qt/ControlBindings.h"
 
+#include "Controls/Qt/ChiseledTextWidget.h"
+#include "Controls/Qt/Darkness.h"
 #include "Controls/Qt/PlainText.h"
 #include "Controls/Qt/SpinnerWidget.h"
 
@@ -13,8 +15,7 @@ namespace
 /// A red that can be read on the desktop's own background. Palettes have no word for it.
 QColor errorColor(const QPalette& palette)
 {
-    const bool dark = palette.color(QPalette::Window).lightness() < 128;
-    return dark ? QColor(255, 130, 120) : QColor(176, 0, 32);
+    return isDark(palette) ? QColor(255, 130, 120) : QColor(176, 0, 32);
 }
 
 } // namespace
@@ -43,6 +44,18 @@ void ButtonBinding::show(Change /*change*/)
     }
     if (mButtonWidget->isCheckable())
         mButtonWidget->setChecked(mButton->state() != 0);
+}
+
+ChiseledTextBinding::ChiseledTextBinding(std::shared_ptr<FVEChiseledTextButton> button,
+                                         ChiseledTextWidget* widget)
+    : ButtonBinding(button, widget), mEngraved(std::move(button)), mTextWidget(widget)
+{
+}
+
+void ChiseledTextBinding::adopt()
+{
+    ButtonBinding::adopt();
+    mTextWidget->setButton(mEngraved);
 }
 
 TextFieldBinding::TextFieldBinding(std::shared_ptr<TextField> field, QLabel* label)

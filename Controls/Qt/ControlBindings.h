@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Common/FVEChiseledTextButton.h"
 #include "Controls/Qt/Binding.h"
 #include "Controls/TabView.h"
 
@@ -10,6 +11,7 @@
 namespace farview
 {
 
+class ChiseledTextWidget;
 class SpinnerWidget;
 
 /// A push button, a flat text button or a check box.
@@ -28,6 +30,22 @@ private:
     std::shared_ptr<Button> mButton;
     QAbstractButton* mButtonWidget;
     std::string mShownTitle;
+};
+
+/// A button that draws its own title.
+class ChiseledTextBinding : public ButtonBinding
+{
+    Q_OBJECT
+
+public:
+    ChiseledTextBinding(std::shared_ptr<FVEChiseledTextButton> button, ChiseledTextWidget* widget);
+
+protected:
+    void adopt() override;
+
+private:
+    std::shared_ptr<FVEChiseledTextButton> mEngraved;
+    ChiseledTextWidget* mTextWidget;
 };
 
 /// A label. Its text is never taken for markup.

@@ -1,10 +1,13 @@
 #include "Controls/Qt/FormLoader.h"
 
+#include "Controls/Qt/ChiseledTextWidget.h"
 #include "Controls/Qt/FrameContainer.h"
+#include "Controls/Qt/ImageFiles.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SheetWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/TextLabel.h"
 #include "Platform/Bundle.h"
 
 #include <QCoreApplication>
@@ -18,6 +21,8 @@ namespace
 class Loader final : public QUiLoader
 {
 public:
+    explicit Loader(const Bundle& bundle) : mBundle(bundle) {}
+
     QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override
     {
         QWidget* widget = ownWidget(className, parent);
@@ -28,8 +33,10 @@ public:
     }
 
 private:
-    static QWidget* ownWidget(const QString& className, QWidget* parent)
+    QWidget* ownWidget(const QString& className, QWidget* parent) const
     {
+        if (className == u"farview::ChiseledTextWidget")
+            return new ChiseledTextWidget(parent);
         if (className == u"farview::FrameContainer")
             return new FrameContainer(parent);
         if (className == u"farview::PopUpWidget")
@@ -38,10 +45,20 @@ private:
             return new SheetWidget(parent);
         if (className == u"farview::SpinnerWidget")
             return new SpinnerWidget(parent);
+        if (className == u"QLabel")
+            return new TextLabel(parent);
         if (className == u"farview::SwitchWidget")
-            return new SwitchWidget(parent);
+            return makeSwitch(parent);
         return nullptr;
     }
+    QWidget* makeSwitch(QWidget* parent) const
+    {
+        auto* widget = new SwitchWidget(parent);
+        widget->setImageSource({&mBundle, std::make_shared<ImageFiles>()});
+        return widget;
+    }
+
+    const Bundle& mBundle;
 };
 
 /// Answers with the bundle's texts. Installed only while a form is read.
@@ -66,11 +83,11 @@ private:
 };
 
 /// The form loader loads every designer plug-in below the library paths when it is made.
-std::unique_ptr<QUiLoader> makeLoader()
+std::unique_ptr<QUiLoader> makeLoader(const Bundle& bundle)
 {
     const QStringList paths = QCoreApplication::libraryPaths();
     QCoreApplication::setLibraryPaths({});
-    auto loader = std::make_unique<Loader>();
+    auto loader = std::make_unique<Loader>(bundle);
     QCoreApplication::setLibraryPaths(paths);
     return loader;
 }
@@ -90,7 +107,7 @@ void scaleFonts(QWidget& form)
 
 } // namespace
 
-FormLoader::FormLoader(const Bundle& bundle) : mBundle(bundle), mLoader(makeLoader()) {}
+FormLoader::FormLoader(const Bundle& bundle) : mBundle(bundle), mLoader(makeLoader(bundle)) {}
 
 FormLoader::~FormLoader() = default;
 

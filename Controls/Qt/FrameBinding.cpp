@@ -1,6 +1,7 @@
 #include "Controls/Qt/FrameBinding.h"
 
 #include "Controls/Qt/FrameContainer.h"
+#include "Controls/Qt/WidgetAnimator.h"
 
 #include <QStyle>
 
@@ -26,7 +27,7 @@ FrameBinding::FrameBinding(std::shared_ptr<View> view, QWidget* widget, FrameCon
     : QObject(widget), mView(std::move(view)), mWidget(widget), mContainer(container),
       mAnimation(widget, "geometry")
 {
-    mAnimation.setEasingCurve(QEasingCurve::InOutQuad);
+    mAnimation.setEasingCurve(easingCurve(Animation{}));
     mView->setFrame(frameOf(widget->geometry()), false);
     mSubscription = mView->observe([this](Change change) {
         if (change == Change::frame)

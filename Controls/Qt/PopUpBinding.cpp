@@ -42,8 +42,12 @@ void PopUpBinding::open()
     auto* menu = new QMenu(mPopUp);
     QAction* current = nullptr;
     const auto selected = mButton->selectedItem();
+    const bool someIsMarked = someEntryIsMarked();
     for (const auto& item : mButton->menu()->items()) {
         QAction* entry = addEntry(menu, item);
+        const bool isMarked = someIsMarked ? item->state == 1 : item == selected;
+        entry->setCheckable(isMarked);
+        entry->setChecked(isMarked);
         if (item == selected)
             current = entry;
     }
@@ -54,20 +58,16 @@ QAction* PopUpBinding::addEntry(QMenu* menu, const std::shared_ptr<MenuItem>& it
 {
     QAction* entry = menu->addAction(plainMenuText(item->title));
     entry->setEnabled(item->canBeChosen());
-    if (isMarked(*item)) {
-        entry->setCheckable(true);
-        entry->setChecked(true);
-    }
     connect(entry, &QAction::triggered, this, [this, item] { choose(item); });
     return entry;
 }
 
-bool PopUpBinding::isMarked(const MenuItem& item) const
+// The choice in force marks its entry itself; without one the selected entry bears the mark.
+bool PopUpBinding::someEntryIsMarked() const
 {
     const auto& items = mButton->menu()->items();
-    const bool someIsMarked =
-        std::any_of(items.begin(), items.end(), [](const auto& each) { return each->state == 1; });
-    return someIsMarked ? item.state == 1 : mButton->selectedItem().get() == &item;
+    return std::any_of(items.begin(), items.end(),
+                       [](const auto& each) { return each->state == 1; });
 }
 
 void PopUpBinding::choose(const std::shared_ptr<MenuItem>& item)

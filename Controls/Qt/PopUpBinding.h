@@ -27,7 +27,7 @@ private:
     void open();
     void choose(const std::shared_ptr<MenuItem>& item);
     QAction* addEntry(QMenu* menu, const std::shared_ptr<MenuItem>& item);
-    bool isMarked(const MenuItem& item) const;
+    bool someEntryIsMarked() const;
 
     std::shared_ptr<PopUpButton> mButton;
     PopUpWidget* mPopUp;

@@ -1,6 +1,7 @@
 #include "Controls/Qt/SheetWidget.h"
 
 #include <QAbstractButton>
+#include <QCloseEvent>
 #include <QLayout>
 
 #include <algorithm>
@@ -12,11 +13,41 @@ void SheetWidget::openOn(QWidget* window)
 {
     if (isVisible())
         return;
+    prepare(window);
+    open();
+}
+
+void SheetWidget::openBeside(QWidget* window)
+{
+    prepare(window);
+    show();
+    raise();
+    activateWindow();
+}
+
+void SheetWidget::prepare(QWidget* window)
+{
     if (parentWidget() != window)
         setParent(window, windowFlags());
     growToFit();
     focusFirstTabStop();
-    open();
+}
+
+void SheetWidget::closeEvent(QCloseEvent* event)
+{
+    if (isModal())
+        return QDialog::closeEvent(event);
+    event->accept();
+    Q_EMIT closedByUser();
+}
+
+bool SheetWidget::event(QEvent* event)
+{
+    const bool handled = QDialog::event(event);
+    // A text that comes while it is open may need more room.
+    if (event->type() == QEvent::LayoutRequest && isVisible())
+        growToFit();
+    return handled;
 }
 
 void SheetWidget::growToFit()
@@ -31,7 +62,9 @@ void SheetWidget::growToFit()
 void SheetWidget::focusFirstTabStop()
 {
     for (QWidget* each = nextInFocusChain(); each != this; each = each->nextInFocusChain()) {
-        if (isAncestorOf(each) && each->isEnabled() && each->focusPolicy() & Qt::TabFocus) {
+        const bool cancels = each->property("cancels").toBool();
+        if (isAncestorOf(each) && !cancels && each->isEnabled() &&
+            each->focusPolicy() & Qt::TabFocus) {
             each->setFocus();
             return;
         }

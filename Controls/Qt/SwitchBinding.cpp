@@ -1,6 +1,7 @@
 #include "Controls/Qt/SwitchBinding.h"
 
 #include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/WidgetAnimator.h"
 
 namespace farview
 {
@@ -8,26 +9,30 @@ namespace farview
 SwitchBinding::SwitchBinding(std::shared_ptr<QLNOnOffView> view, SwitchWidget* widget)
     : Binding(view, widget), mOnOff(std::move(view)), mSwitch(widget)
 {
-    connect(widget, &SwitchWidget::movedTo, this, [this](bool on) {
-        userDid([this, on] {
-            const auto slider = mOnOff->slider();
-            on ? slider->moveRight(nullptr) : slider->moveLeft(nullptr);
-        });
-    });
+}
+
+SwitchBinding::~SwitchBinding()
+{
+    // The switch may outlive its window, and the pictures' bundle.
+    mOnOff->slider()->setAnimator(nullptr);
+    mOnOff->setImageSource({});
 }
 
 void SwitchBinding::adopt()
 {
     if (mSwitch->testAttribute(Qt::WA_ForceDisabled))
         mOnOff->setEnabled(false);
+    mOnOff->setImageSource(mSwitch->imageSource());
+    mOnOff->initWithFrame({{double(mSwitch->x()), double(mSwitch->y())}, {}});
+    mOnOff->slider()->setAnimator(std::make_shared<WidgetAnimator>(mSwitch));
+    mSwitch->setSlider(mOnOff->slider());
     mSliderSubscription = mOnOff->slider()->observe([this](Change change) { refresh(change); });
 }
 
 void SwitchBinding::show(Change /*change*/)
 {
     mSwitch->setEnabled(mOnOff->isEnabled());
-    mSwitch->setPosition(mOnOff->slider()->doubleValue());
-    mSwitch->setOn(mOnOff->slider()->onOffValue() == 1.0);
+    mSwitch->refresh();
 }
 
 } // namespace farview

@@ -8,13 +8,14 @@ namespace farview
 
 class SwitchWidget;
 
-/// The on/off switch. The user's moves go to its slider, as the arrow keys' do.
+/// The on/off switch. The widget hands the user's moves to the slider itself.
 class SwitchBinding : public Binding
 {
     Q_OBJECT
 
 public:
     SwitchBinding(std::shared_ptr<QLNOnOffView> view, SwitchWidget* widget);
+    ~SwitchBinding() override;
 
 protected:
     void adopt() override;

@@ -1,100 +1,167 @@
 #include "Controls/Qt/SwitchWidget.h"
 
-#include <QAccessible>
-#include <QKeyEvent>
-#include <QPainter>
-#include <QStyle>
-#include <QStyleOptionFocusRect>
+#include "Controls/Qt/ImageCanvas.h"
 
-#include <algorithm>
+#include <QAccessible>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <utility>
 
 namespace farview
 {
 namespace
 {
 
-constexpr double trackRatio = 1.9; // width to height
-constexpr int focusMargin = 3;
-constexpr int knobMargin = 2;
+constexpr double ringWidth = 2.0;
+constexpr double ringRadius = 10.0;
 
-QColor mixed(const QColor& first, const QColor& second, double share)
+void drawFocusRing(QPainter& painter, const QRectF& area, const QColor& color)
 {
-    return QColor::fromRgbF(first.redF() + (second.redF() - first.redF()) * share,
-                            first.greenF() + (second.greenF() - first.greenF()) * share,
-                            first.blueF() + (second.blueF() - first.blueF()) * share);
+    constexpr double inset = 1.0 + ringWidth / 2;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, ringWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(area.adjusted(inset, inset, -inset, -inset), ringRadius, ringRadius);
 }
 
 } // namespace
 
-SwitchWidget::SwitchWidget(QWidget* parent) : QAbstractButton(parent)
+SwitchWidget::SwitchWidget(QWidget* parent) : QWidget(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    connect(this, &QAbstractButton::clicked, this, [this] { emit movedTo(!mOn); });
 }
 
-void SwitchWidget::setPosition(double position)
+void SwitchWidget::setSlider(std::shared_ptr<QLNOnOff> slider)
 {
-    mPosition = std::clamp(position, 0.0, 1.0);
+    mSlider = std::move(slider);
+    mAnnouncedOn = isOn();
+    updateGeometry();
     update();
 }
 
-void SwitchWidget::setOn(bool on)
+void SwitchWidget::refresh()
 {
-    if (mOn == on)
+    update();
+    if (std::exchange(mAnnouncedOn, isOn()) == isOn())
         return;
-    mOn = on;
     QAccessible::State changedState;
     changedState.checked = true;
     QAccessibleStateChangeEvent changed(this, changedState);
     QAccessible::updateAccessibility(&changed);
 }
 
+void SwitchWidget::click()
+{
+    if (const auto slider = mSlider)
+        slider->performClick(nullptr);
+}
+
 QSize SwitchWidget::sizeHint() const
 {
-    const int height = fontMetrics().height() + 6;
-    return {static_cast<int>(height * trackRatio) + 2 * focusMargin, height + 2 * focusMargin};
+    const Size size = mSlider ? mSlider->bounds().size : Size{};
+    return QSize(static_cast<int>(size.width), static_cast<int>(size.height)) +
+           QSize(2 * margin, 2 * margin);
 }
 
-QRectF SwitchWidget::knob(const QRectF& track) const
+// --- what the user does ---
+
+Point SwitchWidget::sliderPoint(const QMouseEvent& event) const
 {
-    const QRectF inside = track.adjusted(knobMargin, knobMargin, -knobMargin, -knobMargin);
-    const double travel = inside.width() - inside.height();
-    const double place = isRightToLeft() ? 1.0 - mPosition : mPosition;
-    return {inside.left() + travel * place, inside.top(), inside.height(), inside.height()};
+    const Size size = mSlider->bounds().size;
+    const double x = event.position().x() - margin;
+    return {isRightToLeft() ? size.width - x : x, size.height - (event.position().y() - margin)};
 }
 
-void SwitchWidget::paintEvent(QPaintEvent* /*event*/)
+void SwitchWidget::mousePressEvent(QMouseEvent* event)
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const auto group = isEnabled() ? QPalette::Active : QPalette::Disabled;
-    const QColor text = palette().color(group, QPalette::WindowText);
-    const QColor off = mixed(palette().color(group, QPalette::Window), text, 0.28);
-    const QColor on = palette().color(group, QPalette::Highlight);
-    const QRectF track =
-        QRectF(rect()).adjusted(focusMargin, focusMargin, -focusMargin, -focusMargin);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(mixed(off, on, mPosition));
-    painter.drawRoundedRect(track, track.height() / 2, track.height() / 2);
-    painter.setBrush(isEnabled() ? Qt::white : palette().color(group, QPalette::Light));
-    painter.drawEllipse(knob(track));
-    if (hasFocus()) {
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 1.5));
-        const QRectF ring = QRectF(rect()).adjusted(1, 1, -1, -1);
-        painter.drawRoundedRect(ring, ring.height() / 2, ring.height() / 2);
-    }
+    if (const auto slider = mSlider; slider && event->button() == Qt::LeftButton)
+        slider->mouseDown(sliderPoint(*event));
+    update();
+}
+
+void SwitchWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    if (const auto slider = mSlider; slider && (event->buttons() & Qt::LeftButton))
+        slider->mouseDragged(sliderPoint(*event));
+}
+
+void SwitchWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    update();
+    if (const auto slider = mSlider; slider && event->button() == Qt::LeftButton)
+        slider->mouseUp(sliderPoint(*event));
 }
 
 void SwitchWidget::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Left)
-        emit movedTo(isRightToLeft());
-    else if (event->key() == Qt::Key_Right)
-        emit movedTo(!isRightToLeft());
+    const auto slider = mSlider;
+    const int towardsOn = isRightToLeft() ? Qt::Key_Left : Qt::Key_Right;
+    if (!slider)
+        QWidget::keyPressEvent(event);
+    else if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)
+        event->key() == towardsOn ? slider->moveRight(nullptr) : slider->moveLeft(nullptr);
+    else if (event->key() == Qt::Key_Space)
+        event->isAutoRepeat() ? void() : slider->performClick(nullptr);
     else
-        QAbstractButton::keyPressEvent(event);
+        QWidget::keyPressEvent(event);
+}
+
+bool SwitchWidget::event(QEvent* event)
+{
+    if (event->type() == QEvent::UngrabMouse)
+        cancelTracking();
+    return QWidget::event(event);
+}
+
+void SwitchWidget::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::EnabledChange)
+        cancelTracking();
+    QWidget::changeEvent(event);
+}
+
+void SwitchWidget::hideEvent(QHideEvent* event)
+{
+    cancelTracking();
+    QWidget::hideEvent(event);
+}
+
+void SwitchWidget::cancelTracking()
+{
+    if (const auto slider = mSlider)
+        slider->cancelTracking();
+    update();
+}
+
+// --- how it looks ---
+
+QImage SwitchWidget::composed(double pixelsPerPoint) const
+{
+    ImageCanvas canvas(sizeHint(), {margin, margin}, ImageCanvas::ratioFor(pixelsPerPoint),
+                       palette().color(QPalette::Window));
+    mSlider->cell()->setShowsFirstResponder(hasFocus());
+    mSlider->cell()->drawWithFrame(mSlider->bounds(), *mSlider, canvas);
+    return canvas.image();
+}
+
+void SwitchWidget::paintEvent(QPaintEvent* /*event*/)
+{
+    if (!mSlider || !mSlider->cell())
+        return;
+    QPainter painter(this);
+    // Where it is painted counts, which may be a picture of the window.
+    const QImage image = composed(painter.deviceTransform().m11());
+    const QRectF area(QPointF(0, 0), sizeHint());
+    if (hasFocus())
+        drawFocusRing(painter, area, palette().color(QPalette::Highlight));
+    if (isRightToLeft()) {
+        painter.translate(area.width(), 0);
+        painter.scale(-1, 1);
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(area, image, image.rect());
 }
 
 } // namespace farview

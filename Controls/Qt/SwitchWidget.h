@@ -1,40 +1,61 @@
 #pragma once
 
-#include <QAbstractButton>
+#include "Common/QLNOnOffView.h"
+
+#include <QWidget>
+
+class QMouseEvent;
 
 namespace farview
 {
 
-/// A two-position switch. It only reports what the user wants; where the knob is, is told to it.
-class SwitchWidget : public QAbstractButton
+/// Shows the slider of a switch and hands it what mouse, fingers and keys do. Read from right to
+/// left it is the mirror image, so that on is still where the word is. Empty without a slider.
+class SwitchWidget : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit SwitchWidget(QWidget* parent);
 
+    /// The pictures for the slider that will be shown here.
+    const QLNImageSource& imageSource() const { return mImageSource; }
+    void setImageSource(QLNImageSource source) { mImageSource = std::move(source); }
+
+    void setSlider(std::shared_ptr<QLNOnOff> slider);
+    /// Shows what the slider is now, and tells assistive technology when on became off or off on.
+    void refresh();
+
     /// Where the knob is drawn, 0.0 (off) to 1.0 (on).
-    double position() const { return mPosition; }
-    void setPosition(double position);
+    double position() const { return mSlider ? mSlider->doubleValue() : 0.0; }
     /// What the switch is announced as.
-    bool isOn() const { return mOn; }
-    void setOn(bool on);
+    bool isOn() const { return mSlider && mSlider->onOffValue() == 1.0; }
+    /// What a click does, wherever.
+    void click();
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
-
-signals:
-    void movedTo(bool on);
+    /// Around the slider, in points: for the knob, which reaches over the ends, and the focus ring.
+    static constexpr int margin = 4;
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
-    QRectF knob(const QRectF& track) const;
+    Point sliderPoint(const QMouseEvent& event) const;
+    void cancelTracking();
+    QImage composed(double pixelsPerPoint) const;
 
-    double mPosition = 0.0;
-    bool mOn = false;
+    QLNImageSource mImageSource;
+    std::shared_ptr<QLNOnOff> mSlider;
+    bool mAnnouncedOn = false;
 };
 
 } // namespace farview

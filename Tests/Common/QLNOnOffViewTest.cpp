@@ -1,48 +1,92 @@
-#include "Common/QLNOnOffView.h"
+#include "Tests/Common/SwitchFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+namespace farview::test
+{
 namespace
 {
 
-class Target : public farview::Responder
+class QLNOnOffViewTest : public SwitchFixture
 {
-public:
-    static constexpr farview::Selector pressed{"onOffSliderPressed:"};
-
-    bool respondsTo(farview::Selector selector) const override { return selector == pressed; }
-    bool perform(farview::Selector selector, farview::Object* sender) override
-    {
-        if (!respondsTo(selector))
-            return false;
-        senders.push_back(sender);
-        return true;
-    }
-
-    std::vector<farview::Object*> senders;
 };
 
-class QLNOnOffViewTest : public testing::Test
+TEST_F(QLNOnOffViewTest, IsAsLargeAsTheOverlayWhereverItsFrameBegins)
 {
-protected:
-    QLNOnOffViewTest()
-    {
-        view->setTarget(target);
-        view->setAction(Target::pressed);
-    }
+    EXPECT_EQ(view->frame(), (Rect{{7, 9}, {100, 30}}));
+    EXPECT_EQ(slider->frame(), (Rect{{0, 0}, {100, 30}}));
+    EXPECT_EQ(slider->bounds(), (Rect{{0, 0}, {100, 30}}));
+}
 
-    std::shared_ptr<Target> target = std::make_shared<Target>();
-    std::shared_ptr<QLNOnOffView> view = std::make_shared<QLNOnOffView>();
-};
+TEST_F(QLNOnOffViewTest, SetsItsSliderUp)
+{
+    EXPECT_EQ(slider->doubleValue(), 0.0);
+    EXPECT_EQ(slider->minValue(), 0.0);
+    EXPECT_EQ(slider->maxValue(), 1.0);
+    EXPECT_FALSE(slider->isContinuous());
+    EXPECT_TRUE(view->wantsLayer());
+    EXPECT_NE(cell, nullptr);
+}
+
+TEST_F(QLNOnOffViewTest, WithoutItsPicturesItHasNoSize)
+{
+    QLNOnOffView bare;
+    bare.initWithFrame({{1, 2}, {50, 50}});
+    EXPECT_EQ(bare.frame(), (Rect{{1, 2}, {0, 0}}));
+    images->files.clear();
+    bare.setImageSource({&bundle, images});
+    bare.initWithFrame({{1, 2}, {50, 50}});
+    EXPECT_EQ(bare.frame(), (Rect{{1, 2}, {0, 0}}));
+}
+
+TEST_F(QLNOnOffViewTest, SettingTheStateItHasMovesNothing)
+{
+    view->setState(0);
+    view->setState(0, true);
+    EXPECT_EQ(animator->movements, 0);
+    view->setState(1);
+    EXPECT_EQ(animator->movements, 1);
+    view->setState(1);
+    view->setState(1, false);
+    EXPECT_EQ(animator->movements, 1);
+    EXPECT_TRUE(animator->isPlaying()) << "not even when it is still on its way";
+}
+
+TEST_F(QLNOnOffViewTest, TwoMovesItOff)
+{
+    view->setState(1, false);
+    view->setState(2);
+    EXPECT_EQ(slider->onOffValue(), 0.0);
+    EXPECT_TRUE(animator->isPlaying());
+}
+
+TEST_F(QLNOnOffViewTest, WhatItDoesNotKnowGoesToItsSlider)
+{
+    for (const Selector each : {Selector{"moveRight:"}, Selector{"moveLeft:"}})
+        EXPECT_TRUE(view->respondsTo(each));
+    EXPECT_TRUE(view->perform({"moveRight:"}, nullptr));
+    EXPECT_EQ(view->state(), 1);
+    EXPECT_TRUE(view->perform({"moveLeft:"}, nullptr));
+    EXPECT_EQ(view->state(), 0);
+    EXPECT_TRUE(view->perform({"performClick:"}, nullptr));
+    EXPECT_EQ(view->state(), 1);
+    EXPECT_THAT(target->senders, ElementsAre(slider.get(), slider.get(), slider.get()));
+}
+
+TEST_F(QLNOnOffViewTest, WhatItsSliderDoesNotKnowEitherIsRefused)
+{
+    EXPECT_FALSE(view->respondsTo({"onOffSliderPressed:"}));
+    EXPECT_FALSE(view->perform({"onOffSliderPressed:"}, nullptr));
+    EXPECT_FALSE(view->respondsTo({""}));
+}
 
 TEST_F(QLNOnOffViewTest, BeginsOffAndEnabled)
 {
     EXPECT_EQ(view->state(), 0);
-    EXPECT_EQ(view->slider()->onOffValue(), 0.0);
+    EXPECT_EQ(slider->onOffValue(), 0.0);
     EXPECT_TRUE(view->isEnabled());
 }
 
@@ -58,7 +102,7 @@ TEST_F(QLNOnOffViewTest, OneIsOnAndEveryOtherStateIsOff)
 
 TEST_F(QLNOnOffViewTest, IsMixedWhileTheValueIsNeitherEnd)
 {
-    view->slider()->setDoubleValue(0.5, false);
+    slider->setDoubleValue(0.5, false);
     EXPECT_EQ(view->state(), -1);
     view->setState(0, false);
     EXPECT_EQ(view->state(), 0);
@@ -68,7 +112,7 @@ TEST_F(QLNOnOffViewTest, SettingTheStateItHasDoesNothing)
 {
     int told = 0;
     view->setState(1);
-    const auto subscription = view->slider()->observe([&](farview::Change) { ++told; });
+    const auto subscription = slider->observe([&](Change) { ++told; });
     view->setState(1);
     view->setState(1, false);
     EXPECT_EQ(told, 0);
@@ -79,7 +123,7 @@ TEST_F(QLNOnOffViewTest, SettingTheStateItHasDoesNothing)
 TEST_F(QLNOnOffViewTest, TheDestinationIsKnownAtOnce)
 {
     view->setState(1, true);
-    EXPECT_EQ(view->slider()->onOffValue(), 1.0);
+    EXPECT_EQ(slider->onOffValue(), 1.0);
 }
 
 TEST_F(QLNOnOffViewTest, SettingTheStateSendsNoAction)
@@ -90,35 +134,36 @@ TEST_F(QLNOnOffViewTest, SettingTheStateSendsNoAction)
 
 TEST_F(QLNOnOffViewTest, AnArrowKeyMovesToItsEndAndSendsTheActionWithTheSliderAsSender)
 {
-    view->slider()->moveRight(nullptr);
+    slider->moveRight(nullptr);
     EXPECT_EQ(view->state(), 1);
-    view->slider()->moveLeft(nullptr);
+    slider->moveLeft(nullptr);
     EXPECT_EQ(view->state(), 0);
-    EXPECT_THAT(target->senders, ElementsAre(view->slider().get(), view->slider().get()));
+    EXPECT_THAT(target->senders, ElementsAre(slider.get(), slider.get()));
 }
 
 TEST_F(QLNOnOffViewTest, AnArrowKeySendsTheActionEvenWhenItWasThereAlready)
 {
     view->setState(1);
-    view->slider()->moveRight(nullptr);
+    slider->moveRight(nullptr);
     EXPECT_EQ(target->senders.size(), 1U);
 }
 
 TEST_F(QLNOnOffViewTest, ADisabledSwitchIgnoresTheArrowKeys)
 {
     view->setEnabled(false);
-    EXPECT_FALSE(view->slider()->isEnabled());
-    view->slider()->moveRight(nullptr);
+    EXPECT_FALSE(slider->isEnabled());
+    slider->moveRight(nullptr);
     EXPECT_EQ(view->state(), 0);
     EXPECT_THAT(target->senders, IsEmpty());
 }
 
 TEST_F(QLNOnOffViewTest, HandsTargetAndActionToItsSlider)
 {
-    EXPECT_EQ(view->slider()->target().lock(), target);
+    EXPECT_EQ(slider->target().lock(), target);
     EXPECT_EQ(view->target().lock(), target);
-    EXPECT_EQ(view->slider()->action(), Target::pressed);
-    EXPECT_EQ(view->action(), Target::pressed);
+    EXPECT_EQ(slider->action(), SwitchTarget::pressed);
+    EXPECT_EQ(view->action(), SwitchTarget::pressed);
 }
 
 } // namespace
+} // namespace farview::test

@@ -35,12 +35,13 @@ protected:
     }
 
     farview::FakeRegistry registry;
-    QLNRegistryExplorer explorer{registry};
+    farview::FakeText caseOfText;
+    QLNRegistryExplorer explorer{registry, caseOfText};
 };
 
 TEST_F(QLNRegistryExplorerTest, HasNoPlaneUntilOneIsSet)
 {
-    EXPECT_EQ(QLNRegistryExplorer(registry).currentPlane(), std::nullopt);
+    EXPECT_EQ(QLNRegistryExplorer(registry, caseOfText).currentPlane(), std::nullopt);
     EXPECT_EQ(explorer.currentPlane(), "IOService");
 }
 
@@ -111,6 +112,124 @@ TEST_F(QLNRegistryExplorerTest, InheritanceIsTheChainOfClassesRootFirst)
     registry.setSuperclass("B", "A");
     EXPECT_EQ(explorer.createInheritanceStringForIORegistryClassName("C"), "A : B : C");
     EXPECT_EQ(explorer.createInheritanceStringForIORegistryClassName("A"), "A");
+}
+
+TEST_F(QLNRegistryExplorerTest, AChainOfClassesThatNeverEndsIsCut)
+{
+    registry.setSuperclass("A", "B");
+    registry.setSuperclass("B", "A");
+    EXPECT_LT(explorer.createInheritanceStringForIORegistryClassName("A").size(), 1000u);
+}
+
+TEST_F(QLNRegistryExplorerTest, BytesThatAreNoTextAreCutToTheBufferToo)
+{
+    EXPECT_EQ(nameOf({.name = std::string(300, '\x80')}), std::string(127, '\x80'));
+}
+
+TEST_F(QLNRegistryExplorerTest, ThePlaneIsGivenInASCIIOnly)
+{
+    EXPECT_STREQ(explorer.currentPlaneCString(), "IOService");
+    explorer.setCurrentPlane("Ebene-Ä");
+    EXPECT_EQ(explorer.currentPlaneCString(), nullptr);
+    registry.add(registry.rootEntry(), {"Child"});
+    EXPECT_THAT(childNames(explorer.dictForIterated(registry.rootEntry())), ElementsAre());
+    explorer.setCurrentPlane(std::nullopt);
+    EXPECT_EQ(explorer.currentPlaneCString(), nullptr);
+    EXPECT_THAT(childNames(explorer.dictForIterated(registry.rootEntry())), ElementsAre());
+}
+
+TEST_F(QLNRegistryExplorerTest, AServicesNameIsASCIIAndEndsWithItsFirstNUL)
+{
+    registry.publish("nö");
+    registry.publish("QLExGFX");
+    EXPECT_EQ(explorer.findNamedIORegistryService("nö"), std::nullopt);
+    EXPECT_TRUE(explorer.findNamedIORegistryService(std::string("QLExGFX\0more", 12)));
+}
+
+TEST_F(QLNRegistryExplorerTest, NothingIsThereBeforeTheFirstBuild)
+{
+    explorer.init();
+    EXPECT_EQ(explorer.registryDictionary(), PropertyList(PropertyList::Dictionary{}));
+    EXPECT_THAT(explorer.searchResultsForText("root", true, true), ElementsAre());
+}
+
+TEST_F(QLNRegistryExplorerTest, AFullBuildReplacesWhatWasBuiltBefore)
+{
+    explorer.init();
+    const auto first = registry.add(registry.rootEntry(), {"First"});
+    explorer.buildFullRegistryDictionary();
+    EXPECT_EQ(text(explorer.registryDictionary(), "name"), "Root");
+    EXPECT_THAT(childNames(explorer.registryDictionary()), ElementsAre("First"));
+    registry.remove(first);
+    registry.add(registry.rootEntry(), {"Second"});
+    EXPECT_THAT(childNames(explorer.registryDictionary()), ElementsAre("First"));
+    explorer.buildFullRegistryDictionary();
+    EXPECT_THAT(childNames(explorer.registryDictionary()), ElementsAre("Second"));
+    explorer.setRegistryDictionary(PropertyList::Dictionary{{"name", "Mine"}});
+    EXPECT_EQ(text(explorer.registryDictionary(), "name"), "Mine");
+}
+
+/// A registry whose every entry has itself, its parent and two others below it.
+class EndlessRegistry final : public farview::IORegistry
+{
+public:
+    Entry rootEntry() override { return 1; }
+    std::vector<Entry> childEntries(Entry entry, const std::string& /*plane*/) override
+    {
+        ++questions;
+        return isBranching ? std::vector<Entry>{entry, 1, entry % 4 + 1}
+                           : std::vector<Entry>{entry + 1};
+    }
+    std::string nameInPlane(Entry /*entry*/, const std::string& /*plane*/) override { return "x"; }
+    std::optional<std::string> locationInPlane(Entry, const std::string&) override { return {}; }
+    std::string className(Entry /*entry*/) override { return "X"; }
+    std::optional<std::string> superclassOf(const std::string& className) override
+    {
+        return className;
+    }
+    Entry entryFromPath(const std::string& /*path*/) override { return 1; }
+
+    bool isBranching = false;
+    int questions = 0;
+};
+
+TEST(QLNRegistryExplorerOnAnEndlessRegistry, LeavesOutAnEntryThatIsBelowItself)
+{
+    EndlessRegistry endless;
+    endless.isBranching = true;
+    const farview::FakeText caseOfText;
+    QLNRegistryExplorer explorer(endless, caseOfText);
+    explorer.init();
+    explorer.setCurrentPlane("IOService");
+    explorer.buildFullRegistryDictionary();
+    EXPECT_EQ(endless.questions, 4) << "1, 2, 3 and 4, each once";
+}
+
+TEST(QLNRegistryExplorerOnAnEndlessRegistry, GoesDownAsFarAsAMachineCanGo)
+{
+    EndlessRegistry endless;
+    const farview::FakeText caseOfText;
+    QLNRegistryExplorer explorer(endless, caseOfText);
+    explorer.init();
+    explorer.setCurrentPlane("IOService");
+    explorer.buildFullRegistryDictionary();
+    EXPECT_GT(endless.questions, 100);
+    EXPECT_LT(endless.questions, 1000);
+    EXPECT_EQ(explorer.searchResultsForText("X", true, false).size(),
+              static_cast<std::size_t>(endless.questions + 1));
+}
+
+TEST(ComputerModel, IsTheNameOfTheRootsFirstChildWhateverTheExplorersPlane)
+{
+    farview::FakePlatform fake;
+    const farview::Platform::Scope scope(fake.platform());
+    EXPECT_EQ(QLNRegistryExplorer::computerModel(), "") << "the root has no child";
+    fake.registry.add(fake.registry.rootEntry(), {.name = "Elsewhere", .plane = "IOUSB"});
+    fake.registry.add(fake.registry.rootEntry(), {.name = "MacBookPro6,2", .location = "0"});
+    fake.registry.publish("QLExGFX");
+    QLNRegistryExplorer::sharedExplorer().setCurrentPlane("IOUSB");
+    EXPECT_EQ(QLNRegistryExplorer::computerModel(), "MacBookPro6,2");
+    EXPECT_EQ(QLNRegistryExplorer::sharedExplorer().currentPlane(), "IOUSB");
 }
 
 TEST(SharedExplorer, IsOneForAsLongAsThePlatformStaysAndFollowsIt)

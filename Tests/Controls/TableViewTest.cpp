@@ -101,6 +101,38 @@ TEST(TableView, ARowIsMovedByTheSameRulesAsADraggedOne)
     EXPECT_EQ(rows->moves.size(), 1u);
 }
 
+TEST(TableView, ARowThatWasPickedUpFromAnOlderStateIsNotPutDown)
+{
+    const auto table = std::make_shared<TableView>();
+    const auto rows = std::make_shared<Rows>();
+    table->setDataSource(rows);
+    for (const bool number : {false, true}) {
+        const auto drag = table->userDrags(0);
+        ASSERT_TRUE(drag);
+        EXPECT_TRUE(table->mayDrop(*drag, 2));
+        number ? table->noteNumberOfRowsChanged() : table->reloadData();
+        EXPECT_FALSE(table->mayDrop(*drag, 2));
+        EXPECT_FALSE(table->userDrops(*drag, 2));
+    }
+    EXPECT_TRUE(rows->moves.empty());
+    EXPECT_TRUE(table->userMovesRow(0, 2)) << "the next one is of today's rows";
+}
+
+TEST(TableView, WhatIsPickedUpIsNotPutDownOnATableThatIsDisabledOrAlone)
+{
+    const auto table = std::make_shared<TableView>();
+    auto rows = std::make_shared<Rows>();
+    table->setDataSource(rows);
+    const auto drag = table->userDrags(0);
+    ASSERT_TRUE(drag);
+    table->setEnabled(false);
+    EXPECT_FALSE(table->mayDrop(*drag, 2));
+    table->setEnabled(true);
+    rows.reset();
+    EXPECT_FALSE(table->userDrops(*drag, 2));
+    EXPECT_FALSE(table->userDrags(0));
+}
+
 TEST(TableView, AsksWhetherARowStaysSelected)
 {
     const auto table = std::make_shared<TableView>();
@@ -121,6 +153,7 @@ TEST(Pasteboard, CarriesOnlyWhatWasDeclared)
     EXPECT_EQ(pasteboard.propertyListForType("row"), std::nullopt);
     EXPECT_TRUE(pasteboard.setPropertyList("x", "row"));
     EXPECT_EQ(pasteboard.propertyListForType("row"), PropertyList("x"));
+    EXPECT_THAT(pasteboard.types(), ElementsAre("row"));
     pasteboard.declareTypes({"other"});
     EXPECT_EQ(pasteboard.propertyListForType("row"), std::nullopt);
 }

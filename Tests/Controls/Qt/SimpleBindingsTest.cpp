@@ -1,12 +1,7 @@
-#include "Common/QLNOnOffView.h"
-#include "Controls/Qt/AccessibleWidgets.h"
 #include "Controls/Qt/SpinnerWidget.h"
-#include "Controls/Qt/SwitchWidget.h"
 #include "Controls/TabView.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
-#include <QAccessible>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QTabWidget>
 
@@ -44,6 +39,20 @@ TEST(BoundTextField, AToolTipIsPlainText)
     ASSERT_TRUE(bindToWidget(field, &label));
     field->setToolTip("<img src=x>");
     EXPECT_EQ(label.toolTip(), QStringLiteral("<qt>&lt;img src=x&gt;</qt>"));
+}
+
+TEST(BoundTextField, TheFilesToolTipStaysUntilOneIsSetAndASetOneCanGo)
+{
+    QLabel label;
+    label.setToolTip(QStringLiteral("from the file"));
+    const auto field = std::make_shared<TextField>();
+    ASSERT_TRUE(bindToWidget(field, &label));
+    field->setStringValue("text");
+    EXPECT_EQ(label.toolTip(), QStringLiteral("from the file"));
+    field->setToolTip("another");
+    EXPECT_TRUE(label.toolTip().contains(QStringLiteral("another")));
+    field->setToolTip("");
+    EXPECT_EQ(label.toolTip(), QString());
 }
 
 TEST(BoundImageView, TheSignIsLoadedWhenItIsFirstSeen)
@@ -106,82 +115,6 @@ TEST_F(BoundTabs, TheUsersChoiceReachesTheControl)
 {
     widget.setCurrentIndex(1);
     EXPECT_EQ(tabs->selectedIdentifier(), "Settings");
-}
-
-struct BoundSwitch : testing::Test {
-    BoundSwitch()
-    {
-        installAccessibleWidgets();
-        widget.setAccessibleName(QStringLiteral("Farview"));
-        view->setTarget(target);
-        view->setAction({"press:"});
-        EXPECT_TRUE(bindToWidget(view, &widget));
-    }
-    void press(int key)
-    {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-        QApplication::sendEvent(&widget, &event);
-    }
-
-    std::shared_ptr<RecordingTarget> target = std::make_shared<RecordingTarget>();
-    SwitchWidget widget{nullptr};
-    std::shared_ptr<QLNOnOffView> view = std::make_shared<QLNOnOffView>();
-};
-
-TEST_F(BoundSwitch, AClickMovesItToTheOtherSideAndSendsTheAction)
-{
-    widget.click();
-    EXPECT_EQ(view->slider()->onOffValue(), 1.0);
-    EXPECT_EQ(target->calls["press:"], 1);
-    EXPECT_EQ(target->sender, view->slider().get());
-    widget.click();
-    EXPECT_EQ(view->slider()->onOffValue(), 0.0);
-}
-
-TEST_F(BoundSwitch, ArrowKeysMoveItAndSendTheActionAlsoAtTheEnd)
-{
-    press(Qt::Key_Right);
-    press(Qt::Key_Right);
-    EXPECT_EQ(view->slider()->onOffValue(), 1.0);
-    EXPECT_EQ(target->calls["press:"], 2);
-    press(Qt::Key_Left);
-    EXPECT_EQ(view->slider()->onOffValue(), 0.0);
-}
-
-TEST_F(BoundSwitch, ReadFromRightToLeftTheArrowsFollowTheEyes)
-{
-    widget.setLayoutDirection(Qt::RightToLeft);
-    press(Qt::Key_Left);
-    EXPECT_EQ(view->slider()->onOffValue(), 1.0);
-}
-
-TEST_F(BoundSwitch, AProgrammaticMoveShowsAndSendsNothing)
-{
-    view->setState(1, false);
-    EXPECT_TRUE(widget.isOn());
-    EXPECT_EQ(widget.position(), 1.0);
-    EXPECT_TRUE(target->calls.empty());
-}
-
-TEST_F(BoundSwitch, DisablingItReachesTheWidget)
-{
-    view->setEnabled(false);
-    EXPECT_FALSE(widget.isEnabled());
-    view->setHidden(true);
-    EXPECT_TRUE(widget.isHidden());
-}
-
-TEST_F(BoundSwitch, AssistiveTechnologyKnowsItAsACheckBoxWithAState)
-{
-    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&widget);
-    ASSERT_NE(accessible, nullptr);
-    EXPECT_EQ(accessible->role(), QAccessible::CheckBox);
-    EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Farview"));
-    EXPECT_TRUE(accessible->state().checkable);
-    EXPECT_FALSE(accessible->state().checked);
-    accessible->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-    EXPECT_TRUE(accessible->state().checked);
-    EXPECT_EQ(target->calls["press:"], 1);
 }
 
 } // namespace

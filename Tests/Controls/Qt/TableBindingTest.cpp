@@ -1,7 +1,10 @@
 #include "Controls/TableView.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
+#include <QAccessible>
+#include <QDropEvent>
 #include <QHeaderView>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QtTest/QTest>
@@ -18,6 +21,7 @@ public:
     CellValue objectValueForTableColumn(TableView&, std::string_view column, int row) override
     {
         const auto index = static_cast<std::size_t>(row);
+        ++asked;
         if (column == "AutoConnectFlag")
             return bool(flags.at(index));
         if (column == "DeviceName")
@@ -46,8 +50,14 @@ public:
         table.reloadData();
         return true;
     }
+    std::string remarkOnRow(TableView&, int row) override
+    {
+        return row == remarkable ? "Not here, <b>seen</b> before" : "";
+    }
     void tableViewSelectionIsChanging(const Notification&) override {}
 
+    int remarkable = -1;
+    int asked = 0;
     std::vector<int> drops;
     std::vector<std::string> names = {"Tablet", "<b>Phone</b>\t"};
     std::vector<bool> flags = {true, false};
@@ -60,6 +70,8 @@ struct BoundTable : testing::Test {
     {
         widget.setProperty("column1", "AutoConnectFlag");
         widget.setProperty("columnTitle1", "Connect");
+        widget.setProperty("columnTicked1", "ticked");
+        widget.setProperty("columnNotTicked1", "not ticked");
         widget.setProperty("column2", "DeviceName");
         widget.setProperty("columnTitle2", "Device");
         EXPECT_TRUE(bindToWidget(table, &widget));
@@ -90,6 +102,61 @@ TEST_F(BoundTable, HostileNamesAreShownAsText)
 {
     EXPECT_EQ(cell(1, 1, Qt::DisplayRole).toString(), QString::fromUtf8("<b>Phone</b>␉"));
     EXPECT_TRUE(cell(1, 1, Qt::ToolTipRole).toString().contains(QStringLiteral("&lt;b&gt;")));
+}
+
+TEST_F(BoundTable, AssistiveTechnologyHearsWhetherABoxIsTicked)
+{
+    const auto described = [this](int row) {
+        const auto* cells = QAccessible::queryAccessibleInterface(&widget)->tableInterface();
+        return cells->cellAt(row, 0)->text(QAccessible::Description);
+    };
+    EXPECT_EQ(described(0), QStringLiteral("ticked"));
+    EXPECT_EQ(described(1), QStringLiteral("not ticked"));
+}
+
+TEST_F(BoundTable, ARowWithARemarkStandsBackForEyeAndEar)
+{
+    rows->remarkable = 1;
+    EXPECT_EQ(cell(1, 1, Qt::AccessibleDescriptionRole).toString(),
+              QStringLiteral("Not here, <b>seen</b> before"));
+    EXPECT_TRUE(cell(1, 1, Qt::ToolTipRole)
+                    .toString()
+                    .endsWith(QStringLiteral("\nNot here, &lt;b&gt;seen&lt;/b&gt; before</qt>")));
+    EXPECT_TRUE(cell(1, 1, Qt::FontRole).value<QFont>().italic());
+    EXPECT_EQ(cell(1, 1, Qt::ForegroundRole).value<QBrush>(),
+              QGuiApplication::palette().brush(QPalette::PlaceholderText));
+    for (const int role : {Qt::AccessibleDescriptionRole, Qt::FontRole, Qt::ForegroundRole})
+        EXPECT_FALSE(cell(0, 1, role).isValid()) << "no remark on this one";
+}
+
+TEST_F(BoundTable, WhatDoesNotComeFromItsOwnDragIsRefused)
+{
+    table->registerForDraggedTypes({"row"});
+    for (const char* type : {"row", "text/plain", "application/x-qabstractitemmodeldatalist"}) {
+        QMimeData content;
+        content.setData(QString::fromLatin1(type), QByteArray(10'000'000, 'x'));
+        const QPoint place = widget.viewport()->rect().center();
+        QDragEnterEvent enter(place, Qt::MoveAction | Qt::CopyAction, &content, Qt::LeftButton, {});
+        enter.accept();
+        QCoreApplication::sendEvent(widget.viewport(), &enter);
+        EXPECT_FALSE(enter.isAccepted()) << type;
+        QDropEvent drop(place, Qt::MoveAction | Qt::CopyAction, &content, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(widget.viewport(), &drop);
+    }
+    EXPECT_TRUE(rows->drops.empty());
+}
+
+TEST_F(BoundTable, MeasuringALongListLooksAtFewOfItsRows)
+{
+    rows->names.assign(10'000, "Device");
+    rows->flags.assign(10'000, false);
+    rows->asked = 0;
+    widget.resize(300, 300);
+    widget.show();
+    table->reloadData();
+    turn();
+    EXPECT_GT(rows->asked, 0);
+    EXPECT_LT(rows->asked, 2'000);
 }
 
 TEST_F(BoundTable, ATickReachesTheSourceAndTextCannotBeEdited)

@@ -1,0 +1,172 @@
+#include "Common/FVELogging.h"
+
+#include "Platform/Clock.h"
+#include "Platform/FileManager.h"
+#include "Platform/Log.h"
+#include "Platform/Platform.h"
+#include "Platform/SearchPaths.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <random>
+
+using farview::Platform;
+
+namespace
+{
+
+struct EncodingNames {
+    const char* name;
+    const char* extension;
+};
+
+constexpr std::array<EncodingNames, 5> encodings = {{
+    {"QLScreenEncodingLibz", "bits"},
+    {"QLScreenEncodingCopyRect", "rect"},
+    {"QLScreenEncodingMousePos", "mpos"},
+    {"QLScreenEncodingMouseCursor", "cursor"},
+    {"QLScreenEncodingJPG", "jpeg"},
+}};
+constexpr EncodingNames undefinedEncoding = {"Undefined encoding", "undefined"};
+
+bool isLogging = false;
+std::optional<std::string> loggingFolder;
+
+const EncodingNames& namesOf(std::uint8_t encoding)
+{
+    return encoding < encodings.size() ? encodings[encoding] : undefinedEncoding;
+}
+
+std::string pair(const std::string& first, const std::string& second)
+{
+    return "{ " + first + ", " + second + " }";
+}
+
+std::string pair(int first, int second)
+{
+    return pair(std::to_string(first), std::to_string(second));
+}
+
+void logLine(const std::string& line)
+{
+    Platform::current().log->write(farview::LogLevel::info, line);
+}
+
+/// "2026-01-02 03:04:05 +0000"
+std::string description(std::chrono::system_clock::time_point date)
+{
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(date);
+    const auto days = std::chrono::floor<std::chrono::days>(seconds);
+    const std::chrono::year_month_day day(days);
+    const std::chrono::hh_mm_ss time(seconds - days);
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d +0000",
+                  static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
+                  static_cast<unsigned>(day.day()), static_cast<int>(time.hours().count()),
+                  static_cast<int>(time.minutes().count()),
+                  static_cast<int>(time.seconds().count()));
+    return text.data();
+}
+
+/// A random one (version 4), in capitals.
+std::string freshUUIDString()
+{
+    std::random_device random;
+    std::array<std::uint32_t, 4> words = {random(), random(), random(), random()};
+    words[1] = (words[1] & 0xFFFF0FFF) | 0x00004000;
+    words[2] = (words[2] & 0x3FFFFFFF) | 0x80000000;
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%08X-%04X-%04X-%04X-%04X%08X", words[0],
+                  words[1] >> 16, words[1] & 0xFFFF, words[2] >> 16, words[2] & 0xFFFF, words[3]);
+    return text.data();
+}
+
+std::string freshFolderPath()
+{
+    auto& platform = Platform::current();
+    return platform.searchPaths->homeDirectory() + "/FarviewLogging (" +
+           description(platform.clock->date()) + ")";
+}
+
+void writeData(std::uint8_t encoding, std::span<const std::uint8_t> data)
+{
+    const auto name = freshUUIDString() + "." + NSStringExtensionFromEncoding(encoding);
+    Platform::current().fileManager->writeData(data, loggingFolder.value_or("") + "/" + name);
+    logLine("screenRectangle has buffer of size " + std::to_string(data.size()) + ", written to " +
+            name);
+}
+
+/// One field of a packed header: the fields lie at odd places, so they are copied byte by byte.
+template <typename Field> Field fieldAt(const std::uint8_t* bytes)
+{
+    Field field;
+    std::memcpy(&field, bytes, sizeof field);
+    return field;
+}
+
+} // namespace
+
+QLPackedScreenRectangleHeader packedScreenRectangleHeader(const QLScreenRectangleHeader& header)
+{
+    const auto& rect = header.rectangle;
+    QLPackedScreenRectangleHeader packed{};
+    std::uint8_t* end = packed.data();
+    for (const std::int16_t number : {rect.x, rect.y, rect.width, rect.height}) {
+        std::memcpy(end, &number, sizeof number);
+        end += sizeof number;
+    }
+    *end++ = header.encoding;
+    std::memcpy(end, &header.dataSize, sizeof header.dataSize);
+    return packed;
+}
+
+QLScreenRectangleHeader unpackedScreenRectangleHeader(const std::uint8_t* packed)
+{
+    const QLSimpleRect rectangle = {
+        fieldAt<std::int16_t>(packed), fieldAt<std::int16_t>(packed + 2),
+        fieldAt<std::int16_t>(packed + 4), fieldAt<std::int16_t>(packed + 6)};
+    return {rectangle, packed[8], fieldAt<std::uint32_t>(packed + 9)};
+}
+
+void EnableLoggingScreenRectangleLogging()
+{
+    auto& files = *Platform::current().fileManager;
+    const auto path = freshFolderPath();
+    if (files.fileExistsAtPath(path) || files.createDirectoryAtPath(path))
+        isLogging = true;
+    else if (!isLogging)
+        return;
+    logLine("Logging screen packets to " + path);
+    // Also when it could not be made: then nothing more goes to the earlier folder.
+    loggingFolder = path;
+}
+
+bool IsEnableLoggingScreenRectangleLogging() { return isLogging; }
+
+std::string NSStringFromEncoding(std::uint8_t encoding) { return namesOf(encoding).name; }
+
+std::string NSStringExtensionFromEncoding(std::uint8_t encoding)
+{
+    return namesOf(encoding).extension;
+}
+
+std::string NSStringFromQLSimplePoint(const QLSimplePoint& point) { return pair(point.x, point.y); }
+
+std::string NSStringFromQLSimpleRect(const QLSimpleRect& rect)
+{
+    return pair(pair(rect.x, rect.y), pair(rect.width, rect.height));
+}
+
+void NSLogScreenRectangle(const std::uint8_t* header, const std::uint8_t* data, std::int64_t length)
+{
+    if (!header || !isLogging)
+        return;
+    const auto values = unpackedScreenRectangleHeader(header);
+    logLine("screenRectangle = " + NSStringFromQLSimpleRect(values.rectangle) +
+            ", encoding: " + NSStringFromEncoding(values.encoding) +
+            ", dataSize: " + std::to_string(static_cast<std::int32_t>(values.dataSize)));
+    if (data && length > 0)
+        writeData(values.encoding, {data, static_cast<std::size_t>(length)});
+}

@@ -1,0 +1,154 @@
+#include "Applications/Doctor/DesktopProbes.h"
+
+#include "Platform/Accessibility.h"
+#include "Platform/Desktop/RandrConnection.h"
+#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/SessionKind.h"
+#include "Platform/Platform.h"
+
+#include <QDBusReply>
+#include <QDBusVariant>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+constexpr unsigned virtualSources = 4;
+
+Finding finding(Area area, Severity severity, const char* name, Sentence text,
+                const char* advice = "")
+{
+    return {area, severity, name, std::move(text), {advice}};
+}
+
+/// A property of a service that runs already: asking is no reason to start one.
+QVariant property(SessionBus& bus, const QString& service, const QString& path,
+                  const QString& interface, const QString& name)
+{
+    auto call = QDBusMessage::createMethodCall(
+        service, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    call << interface << name;
+    call.setAutoStartService(false);
+    const QDBusReply<QDBusVariant> reply =
+        bus.connection().call(call, QDBus::Block, SessionBus::blockingLimit);
+    return reply.isValid() ? reply.value().variant() : QVariant();
+}
+
+/// In at most half a second: an X server may hang like anything else.
+std::optional<X11Outputs> x11Outputs()
+{
+    using Layout = std::optional<RandrLayout>;
+    const auto answer = RandrConnection::ask<Layout>(
+        std::chrono::milliseconds(500), [](RandrConnection& server) { return server.layout(); });
+    if (!answer || !*answer)
+        return std::nullopt;
+    const RandrLayout& layout = **answer;
+    const auto isSpare = [](const RandrOutput& output) {
+        return output.crtc == 0 && !output.crtcs.empty() && !output.modes.empty();
+    };
+    const auto& outputs = layout.outputs;
+    return X11Outputs{onlineOutputs(layout).size(), static_cast<std::size_t>(std::count_if(
+                                                        outputs.begin(), outputs.end(), isSpare))};
+}
+
+Finding aboutX11Outputs(const X11Outputs& outputs)
+{
+    const std::string online = std::to_string(outputs.online);
+    if (outputs.spare == 0)
+        return finding(Area::display, Severity::note, "x11-fixed",
+                       {"The X server shows %@ outputs and has none to spare for a virtual "
+                        "monitor.",
+                        {online}});
+    return finding(Area::display, Severity::ok, "x11-virtual",
+                   {"The X server shows %@ outputs; %@ more could be virtual monitors.",
+                    {online, std::to_string(outputs.spare)}});
+}
+
+Findings aboutVirtualMonitors(const DisplayFacts& facts)
+{
+    Findings findings;
+    if (facts.mutterScreenCast > 0)
+        findings.push_back(finding(Area::display, Severity::ok, "mutter-virtual",
+                                   {"GNOME offers virtual monitors (screen casts, version %@).",
+                                    {std::to_string(facts.mutterScreenCast)}}));
+    if ((facts.portalSourceTypes & virtualSources) != 0)
+        findings.push_back(finding(Area::display, Severity::ok, "portal-virtual",
+                                   {"The desktop's portal offers virtual monitors."}));
+    if (facts.hasSway)
+        findings.push_back(
+            finding(Area::display, Severity::ok, "sway-virtual", {"sway offers virtual outputs."}));
+    if (facts.x11Outputs)
+        findings.push_back(aboutX11Outputs(*facts.x11Outputs));
+    if (findings.empty())
+        findings.push_back(finding(Area::display, Severity::note, "virtual-unknown",
+                                   {"It could not be found out whether this desktop offers virtual "
+                                    "monitors."}));
+    return findings;
+}
+
+} // namespace
+
+AccessibilityFacts accessibilityFacts(const Platform& platform)
+{
+    return {platform.accessibility->isEnabled()};
+}
+
+Findings findingsAboutAccessibility(const AccessibilityFacts& facts)
+{
+    if (facts.isEnabled)
+        return {finding(Area::accessibility, Severity::ok, "on",
+                        {"The desktop lets Farview move windows."})};
+    return {finding(Area::accessibility, Severity::note, "off",
+                    {"The desktop does not let Farview move windows: they stay where they are "
+                     "when a device's screen goes away."},
+                    "Switch the desktop's accessibility on.")};
+}
+
+DisplayFacts displayFacts(SessionBus& bus)
+{
+    DisplayFacts facts;
+    facts.x11 = qEnvironmentVariable("DISPLAY").toStdString();
+    facts.wayland = qEnvironmentVariable("WAYLAND_DISPLAY").toStdString();
+    facts.desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP").toStdString();
+    facts.hasSway = !qEnvironmentVariableIsEmpty("SWAYSOCK");
+    if (isX11Session())
+        facts.x11Outputs = x11Outputs();
+    if (!bus.isConnected())
+        return facts;
+    facts.mutterScreenCast =
+        property(bus, QStringLiteral("org.gnome.Mutter.ScreenCast"),
+                 QStringLiteral("/org/gnome/Mutter/ScreenCast"),
+                 QStringLiteral("org.gnome.Mutter.ScreenCast"), QStringLiteral("Version"))
+            .toInt();
+    facts.portalSourceTypes = property(bus, QStringLiteral("org.freedesktop.portal.Desktop"),
+                                       QStringLiteral("/org/freedesktop/portal/desktop"),
+                                       QStringLiteral("org.freedesktop.portal.ScreenCast"),
+                                       QStringLiteral("AvailableSourceTypes"))
+                                  .toUInt();
+    return facts;
+}
+
+Findings findingsAboutDisplay(const DisplayFacts& facts)
+{
+    Findings findings;
+    if (!facts.wayland.empty())
+        findings.push_back(finding(Area::display, Severity::ok, "wayland",
+                                   {"Wayland display %@ (%@)", {facts.wayland, facts.desktop}}));
+    if (!facts.x11.empty())
+        findings.push_back(finding(Area::display, Severity::ok, "x11",
+                                   {"X11 display %@ (%@)", {facts.x11, facts.desktop}}));
+    if (findings.empty())
+        return {finding(Area::display, Severity::note, "none",
+                        {"There is no display here: neither X11 nor Wayland."},
+                        "Start the diagnosis in the desktop session to learn of its display.")};
+    for (auto& each : aboutVirtualMonitors(facts))
+        findings.push_back(std::move(each));
+    return findings;
+}
+
+} // namespace farview

@@ -1,0 +1,65 @@
+#include "Applications/Doctor/DoctorProgram.h"
+
+#include "Applications/OwnPane.h"
+#include "Common/FVEConstants.h"
+#include "Common/NSString_Additions.h"
+#include "Platform/Bundle.h"
+#include "Platform/Posix/PosixSearchPaths.h"
+
+#include <QDateTime>
+
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+constexpr const char* noBus = "unix:path=/nonexistent";
+
+std::string now() { return QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toStdString(); }
+
+std::unique_ptr<Notebook> emptyNotebook()
+{
+    return std::make_unique<Notebook>(FARVIEW_VERSION, now());
+}
+
+} // namespace
+
+BusFacts knockAtBuses()
+{
+    BusFacts facts = busFacts();
+    if (facts.session == BusAnswer::silent)
+        qputenv("DBUS_SESSION_BUS_ADDRESS", noBus);
+    if (facts.system == BusAnswer::silent)
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", noBus);
+    return facts;
+}
+
+DoctorProgram::DoctorProgram(BusFacts buses)
+    : mBuses(std::move(buses)), mDesktop({.isSilent = true}), mInstalled(mDesktop.platform()),
+      mPane(ownPane(mDesktop.platform())), mNotebook(emptyNotebook())
+{
+    // Reads the catalogue, so that from now on looking up a text changes nothing.
+    translated("OK");
+}
+
+std::string DoctorProgram::translated(const std::string& text) const
+{
+    return mPane && !text.empty() ? mPane->localizedString(text, "", "") : text;
+}
+
+void DoctorProgram::examine(std::function<void(Area)> areaBegun, std::function<void()> ended)
+{
+    mExamination.reset();
+    mNotebook = emptyNotebook();
+    const PosixSearchPaths paths(EnvironmentUse::honoured);
+    mExamination = std::make_shared<Examination>(
+        Patient{mDesktop.platform(), mDesktop.sessionBus(), mBuses, mPane, paths.extensionFolders(),
+                applicationSupportPath() + "/" + kFVEApplicationSupportFolderName + "/" +
+                    kSeenDevicesForAutoConnectTableFilename},
+        *mNotebook, DevicesProbe::Times{});
+    mExamination->start(std::move(areaBegun), std::move(ended));
+}
+
+} // namespace farview

@@ -1,0 +1,37 @@
+#include "Applications/Doctor/DoctorProgram.h"
+#include "Applications/FarviewDoctor/DoctorWindow.h"
+#include "Applications/TerminationSignals.h"
+
+#include <QApplication>
+
+namespace
+{
+
+using namespace farview;
+
+int run(const BusFacts& buses)
+{
+    DoctorProgram program(buses);
+    std::function<void()> examine;
+    DoctorWindow window({[&](const std::string& text) { return program.translated(text); },
+                         [&] { examine(); }, [] { QApplication::quit(); }});
+    examine = [&] {
+        program.examine([&](Area area) { window.showArea(area); },
+                        [&] { window.showReport(program.notebook().report()); });
+    };
+    const TerminationSignals termination([&] { window.close(); });
+    window.show();
+    examine();
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // Before the toolkit, which would wait for a bus that does not answer.
+    const BusFacts buses = knockAtBuses();
+    const QApplication application(argc, argv);
+    QGuiApplication::setDesktopFileName(QStringLiteral("farview-preferences"));
+    return run(buses);
+}

@@ -1,16 +1,11 @@
 # Lays the applications that the pane starts out as bundles in its resources:
-# Contents/Resources/NAME.app/Contents/{Info.plist,Linux/NAME}
+# Contents/Resources/NAME.app/Contents/{Info.plist,Linux/NAME}; with RESOURCES also what lies in the build tree's share/.
 function(farview_embed_application NAME)
   if(NOT TARGET ${NAME})
     return()
   endif()
   set(contents "${CMAKE_BINARY_DIR}/Farview Preferences.prefPane/Contents/Resources/${NAME}.app/Contents")
-  set(info "${CMAKE_SOURCE_DIR}/Applications/${NAME}/Info.plist")
-  if(EXISTS "${info}.in")
-    configure_file("${info}.in" "${contents}/Info.plist" @ONLY)
-  else()
-    configure_file("${info}" "${contents}/Info.plist" COPYONLY)
-  endif()
+  configure_file("${CMAKE_SOURCE_DIR}/Applications/${NAME}/Info.plist.in" "${contents}/Info.plist" @ONLY)
   set(copy "${contents}/Linux/${NAME}")
   add_custom_command(OUTPUT "${copy}"
     COMMAND ${CMAKE_COMMAND} -E make_directory "${contents}/Linux"
@@ -18,6 +13,11 @@ function(farview_embed_application NAME)
     COMMAND ${CMAKE_COMMAND} -E rm -f "${copy}"
     COMMAND ${CMAKE_COMMAND} -E copy "$<TARGET_FILE:${NAME}>" "${copy}"
     DEPENDS ${NAME} VERBATIM)
+  if("RESOURCES" IN_LIST ARGN)
+    add_custom_command(OUTPUT "${copy}" APPEND
+      COMMAND ${CMAKE_COMMAND} -E copy_directory "${CMAKE_BINARY_DIR}/share" "${contents}/Resources"
+      DEPENDS icons)
+  endif()
   add_custom_target(${NAME}Application DEPENDS "${copy}")
   add_dependencies(FarviewPreferences ${NAME}Application)
 endfunction()

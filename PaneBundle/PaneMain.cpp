@@ -1,4 +1,5 @@
 #include "Applications/Preferences/PaneInterface.h"
+#include "Controls/Qt/AlertBoxes.h"
 #include "Controls/Qt/BundleInterfaceLoader.h"
 #include "Controls/Qt/InterfaceFile.h"
 #include "PaneBundle/TrayHint.h"
@@ -44,7 +45,7 @@ public:
     bool initWithBundle(const QString& bundlePath, QString* error) override;
     QWidget* loadMainView(QString* error) override;
     void mainViewDidLoad() override;
-    void willSelect() override { mPane->willSelect(); }
+    void willSelect() override;
     void didSelect() override { mPane->didSelect(); }
     void willUnselect() override { mPane->willUnselect(); }
     void applicationDidBecomeActive() override;
@@ -74,6 +75,7 @@ bool FarviewPane::initWithBundle(const QString& bundlePath, QString* error)
     mPane = std::make_shared<FVEPreferencePane>(platform());
     if (mPane->initWithBundle(mBundle)) {
         mPane->setInterfaceLoader(std::make_shared<farview::BundleInterfaceLoader>(mBundle));
+        mPane->setAlertPresenter(std::make_shared<farview::AlertBoxes>());
         return true;
     }
     *error = QStringLiteral("it cannot be opened.");
@@ -96,6 +98,12 @@ void FarviewPane::mainViewDidLoad()
                       mBundle->localizedString("This desktop has no place for status icons. The "
                                                "icon appears as soon as it has one.",
                                                "", ""));
+}
+
+void FarviewPane::willSelect()
+{
+    mPane->willSelect();
+    mTrayHint->refresh();
 }
 
 void FarviewPane::applicationDidBecomeActive()

@@ -3,18 +3,17 @@
 #include "Common/FVEConstants.h"
 #include "Common/FVEDistributedNotifications.h"
 #include "Common/FVEPreferences.h"
-#include "Common/NSApplication_Additions.h"
 #include "Common/Registry/QLNRegistryExplorer.h"
 #include "Platform/Accessibility.h"
 #include "Platform/Bundle.h"
 #include "Platform/Log.h"
 #include "Platform/LoginItem.h"
 #include "Platform/Platform.h"
+#include "Platform/RunLoop.h"
 #include "Platform/Workspace.h"
 #include "Source/DevicesTable.h"
 #include "Source/FVEConnectToOtherSheetController.h"
-
-#include <cstdint>
+#include "Source/FVEEnableHiDPIController.h"
 
 using farview::DistributedNotificationCenter;
 using farview::Object;
@@ -24,7 +23,9 @@ using farview::Workspace;
 namespace
 {
 
-constexpr std::uint32_t lastSystemWithoutHiDPI = 0x000A06FF;
+/// The window is on the screen by then.
+constexpr farview::Duration modelCheckDelay{0.5};
+
 // Each goes on announcing to the pane what it finds, so a pane shown hundreds of times must not
 // keep hundreds of them.
 constexpr std::size_t mostEarlierBrowsers = 4;
@@ -63,7 +64,10 @@ void FVEPreferencePane::mainViewDidLoad()
     findResources();
     determineComponenVersionNumber();
     launchWatchdogTimer();
-    needsWarningMessageFor9400_9600_And_LionProblem();
+    // Nobody waits for what this reads.
+    mPlatform.runLoop->performAfterDelay(modelCheckDelay, weak_from_this(), [this] {
+        needsWarningMessageFor9400_9600_And_LionProblem();
+    });
 }
 
 void FVEPreferencePane::makeConnectToOtherSheetController()
@@ -88,7 +92,7 @@ void FVEPreferencePane::willSelect()
     enableHiDPIResolutions()->setState(preferences.enableHiDPIResolutions() ? 1 : 0);
     startAtLoginCheckbox()->setState(mPlatform.loginItem->isEnabled() ? 1 : 0);
     enableRetinaResolutions()->setState(preferences.areRetinaResolutionsEnabled() ? 1 : 0);
-    enableHiDPIResolutions()->setEnabled(BCDSystemVersionFunction() > lastSystemWithoutHiDPI);
+    enableHiDPIBox();
     makeBrowser();
     preferences.setupDefaultValues();
     autoUpdateCheckbox()->setState(preferences.autoUpdateOption() ? 1 : 0);
@@ -115,6 +119,9 @@ void FVEPreferencePane::willUnselect()
 {
     if (connectToOtherSheetController())
         connectToOtherSheetController()->cancelButtonPressed(this);
+    cancelAXPermissionRequest();
+    mDiagnosisAlert.end();
+    closeHiDPIWindow();
     mOnShow = false;
     removeObservers();
     writeDeviceList();
@@ -145,6 +152,7 @@ void FVEPreferencePane::releaseOutlets()
     setVirtualScreenSelectionPopup(nullptr);
     setAutoConnect(nullptr);
     setAutoConnectTable(nullptr);
+    setOrderHintLabel(nullptr);
     setAutoConnectDevices({});
     setAutoMoveWindowsBack(nullptr);
     setEnableHiDPIResolutions(nullptr);
@@ -186,9 +194,7 @@ void FVEPreferencePane::findResources()
     setStatusItemApplication(location(kFVEMenuExtraApplicationName, "app"));
     setDocumentation(location(kFVEDocumentationName, "pdf"));
 
-    const auto installer =
-        mBundle ? mBundle->objectForInfoDictionaryKey("QLNInstallerURL") : std::nullopt;
-    const auto* address = installer ? installer->get<std::string>() : nullptr;
+    const auto address = infoText("QLNInstallerURL");
     setInstallerURL(address ? URL::URLWithString(*address) : std::nullopt);
 
     if (auto tool = helperToolURL(kFVEDisplayResolutionsOnApplicationName))
@@ -276,13 +282,15 @@ void FVEPreferencePane::followPreferences()
 void FVEPreferencePane::startServerProcess() { launch(screenServerApplication()); }
 void FVEPreferencePane::startStatusItemProcess() { launch(statusItemApplication()); }
 
-void FVEPreferencePane::launch(const OptionalURL& application)
+bool FVEPreferencePane::launch(const OptionalURL& application)
 {
     constexpr unsigned options = Workspace::launchAsync | Workspace::launchWithoutActivation |
                                  Workspace::launchWithoutAddingToRecents;
     const URL url = application.value_or(URL());
-    if (!mPlatform.workspace->launchApplicationAtURL(url, options))
+    const bool started = mPlatform.workspace->launchApplicationAtURL(url, options);
+    if (!started)
         log("Cannot start the application at \"" + url.path() + "\"");
+    return started;
 }
 
 void FVEPreferencePane::killServerProcess() { command(kTerminateScreenServer, {}); }

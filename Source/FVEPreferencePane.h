@@ -2,18 +2,24 @@
 
 #include "Common/Rules/DeviceMenu.h"
 #include "Common/Rules/StatusDisplay.h"
+#include "Platform/Authorization.h"
 #include "Platform/NotificationCenter.h"
 #include "Source/FVEPreferencePaneProperties.h"
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace farview
 {
+class AlertPresenter;
 class Bundle;
+struct Alert;
 struct Platform;
 } // namespace farview
+
+class FVEEnableHiDPIController;
 
 /// The panel: switches the system on and off, lets the user choose a device and follows the
 /// connection to it. Made with `std::make_shared`; main thread only. The host calls
@@ -49,6 +55,11 @@ public:
     void setInterfaceLoader(std::shared_ptr<farview::InterfaceLoader> loader)
     {
         mInterfaceLoader = std::move(loader);
+    }
+    /// Shows the pane's questions; without one each is taken for declined.
+    void setAlertPresenter(std::shared_ptr<farview::AlertPresenter> presenter)
+    {
+        mAlertPresenter = std::move(presenter);
     }
     /// That text in the user's language.
     std::string localized(const std::string& text) const;
@@ -120,6 +131,7 @@ public:
                                         farview::DropOperation operation) override;
     bool acceptDrop(farview::TableView& table, const farview::DraggingInfo& info, int row,
                     farview::DropOperation operation) override;
+    std::string remarkOnRow(farview::TableView& table, int row) override;
     void tableViewSelectionIsChanging(const farview::Notification& notification) override;
 
     // Options, help and updates.
@@ -128,9 +140,21 @@ public:
     void enableTouchDisplayPressed(farview::Object* sender);
     void enableRetinaPressed(farview::Object* sender);
     void enableHiDPIPressed(farview::Object* sender);
+    /// Asks for an administrator's rights and runs the tool with them, while everything else goes
+    /// on. Always false, and `error` stays as it was: how it ends is in the log.
+    bool authExecuteHelperWithToolURL(const OptionalURL& tool, std::string* error);
+    /// The window that asks whether to change the setting; null while there is none.
+    const std::shared_ptr<FVEEnableHiDPIController>& enableHiDPIController() const
+    {
+        return mEnableHiDPIController;
+    }
     void autoMoveWindowsBackPressed(farview::Object* sender);
+    /// The user's answer to the question for accessibility, which `autoMoveWindowsBack` needs.
+    void requestAXPermissionDidEnd(const farview::Alert& alert, int returnCode, void* contextInfo);
     void reinstallDriversPressed(farview::Object* sender);
     void helpPressed(farview::Object* sender);
+    /// Starts the diagnosis in a window of its own.
+    void diagnosePressed(farview::Object* sender);
     void checkNowForUpdatePressed(farview::Object* sender);
     void autoUpdatePressed(farview::Object* sender);
     void willInstallUpdate(farview::Object* updater, farview::Object* item);
@@ -145,14 +169,23 @@ private:
     void makeConnectToOtherSheetController();
     void showSwitchState();
     void showAutoConnectTable(bool shown);
+    void showWhetherOrderIsStored();
     bool isChosenRow(std::int64_t row) const;
+    void requestAXPermission();
+    /// Takes the question off the screen, as its second button does.
+    void cancelAXPermissionRequest();
     void findResources();
     OptionalURL helperToolURL(const char* name) const;
+    std::optional<std::string> infoText(const char* key) const;
+    std::optional<std::string> applicationVersion(const OptionalURL& application);
+    std::optional<std::string> extensionVersion(const char* name);
+    std::string instructionsText(const std::string& text) const;
     void addObservers();
     void removeObservers();
     void observeLosses();
     void makeBrowser();
-    void launch(const OptionalURL& application);
+    /// False when it cannot be started.
+    bool launch(const OptionalURL& application);
     void followPreferences();
     void queryConnectedHost();
     void releaseOutlets();
@@ -169,6 +202,16 @@ private:
     void showDriverMissing();
     void updateDeviceHint();
 
+    void enableHiDPIBox();
+    OptionalURL hiDPITool() const;
+    void describeHiDPI(FVEEnableHiDPIController& controller);
+    std::string textForObstacle(const farview::Authorization::Obstacle& obstacle) const;
+    void hiDPIWindowWasAnswered(bool confirmed);
+    void closeHiDPIWindow();
+    void authorizationWasCreated(farview::AuthorizationStatus status, const farview::URL& tool);
+    void helperHasEnded(farview::AuthorizationStatus status);
+    void authorizationHasEnded();
+
     bool isAcceptable(const farview::Notification& notification);
     void followConnectionByAddress(const farview::Notification& notification);
     void followConnectionToDevice(const std::string* hostName);
@@ -182,11 +225,16 @@ private:
     farview::Platform& mPlatform;
     std::shared_ptr<farview::Bundle> mBundle;
     std::shared_ptr<farview::InterfaceLoader> mInterfaceLoader;
+    std::shared_ptr<farview::AlertPresenter> mAlertPresenter;
+    std::optional<farview::Subscription> mAXPermissionRequest;
+    farview::Subscription mDiagnosisAlert;
     std::shared_ptr<farview::NetService> mSelectedNetService;
     /// Browsers of earlier showings: they go on searching, the latest few of them.
     std::deque<std::shared_ptr<QLNBonjourBrowser>> mEarlierBrowsers;
     farview::Subscription mReconnection;
     farview::Subscription mDiscoveryCondition;
+    std::shared_ptr<FVEEnableHiDPIController> mEnableHiDPIController;
+    bool mAuthorizationIsUnderWay = false;
     int mQueryResultsWaiting = 0;
     bool mListWasBuilt = false;
     bool mOnShow = false;

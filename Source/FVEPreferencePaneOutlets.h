@@ -37,6 +37,7 @@ class FVEConnectToOtherSheetController;
     OUTLET(farview::Button, autoMoveWindowsBack, setAutoMoveWindowsBack, makeCheckBox)             \
     OUTLET(farview::Button, autoConnect, setAutoConnect, makeCheckBox)                             \
     OUTLET(farview::TableView, autoConnectTable, setAutoConnectTable, make)                        \
+    OUTLET(farview::TextField, orderHintLabel, setOrderHintLabel, make)                            \
     OUTLET(farview::View, placeholderForFullPopupSize, setPlaceholderForFullPopupSize, make)       \
     OUTLET(farview::View, placeholderForReducedPopupSize, setPlaceholderForReducedPopupSize, make) \
     OUTLET(farview::ProgressIndicator, waitingForServerIndicator, setWaitingForServerIndicator,    \

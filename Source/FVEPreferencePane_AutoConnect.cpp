@@ -29,7 +29,7 @@ std::string shownName(const PropertyList& name)
 
 std::string FVEPreferencePane::applicationSupportFolder()
 {
-    return applicationSupportPath() + "/Farview";
+    return applicationSupportPath() + "/" + kFVEApplicationSupportFolderName;
 }
 
 std::string FVEPreferencePane::seenDevicesFilename() const
@@ -55,6 +55,7 @@ void FVEPreferencePane::buildDeviceList()
         farview::autoConnectRows(chosen, found, seen ? *seen : PropertyList::Array{}));
     mListWasBuilt = true;
     autoConnectTable()->reloadData();
+    showWhetherOrderIsStored();
 }
 
 void FVEPreferencePane::writeDeviceList()
@@ -66,6 +67,7 @@ void FVEPreferencePane::writeDeviceList()
     mPlatform.fileManager->createDirectoryAtPath(applicationSupportFolder());
     mPlatform.fileManager->writePropertyList(stored.seen, seenDevicesFilename());
     FVEPreferences::sharedAppPrefs().setAutoConnectDevices(stored.chosen);
+    showWhetherOrderIsStored();
 }
 
 bool FVEPreferencePane::determineIfNoDevicesSelectedEnabled()
@@ -95,6 +97,7 @@ void FVEPreferencePane::showAutoConnectTable(bool shown)
     autoConnectTable()->setEnabled(shown);
     autoConnectTable()->enclosingScrollView().setHidden(!shown);
     autoConnectTable()->setHidden(!shown);
+    showWhetherOrderIsStored();
 }
 
 int FVEPreferencePane::numberOfRowsInTableView(TableView& /*table*/)
@@ -115,6 +118,18 @@ CellValue FVEPreferencePane::objectValueForTableColumn(TableView& /*table*/,
     if (column == kDevicesTableDeviceName)
         return shownName(device.name);
     return {};
+}
+
+std::string FVEPreferencePane::remarkOnRow(TableView& /*table*/, int row)
+{
+    if (row < 0 || static_cast<std::size_t>(row) >= autoConnectDevices().size())
+        return {};
+    const auto& device = autoConnectDevices()[static_cast<std::size_t>(row)];
+    if (device.onNetwork)
+        return {};
+    return localized(device.orderKind == farview::DeviceOrderKind::seen
+                         ? "Seen before, not on the network now"
+                         : "Not on the network now");
 }
 
 void FVEPreferencePane::setObjectValue(TableView& table, const CellValue& value,

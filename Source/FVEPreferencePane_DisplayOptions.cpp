@@ -50,15 +50,12 @@ void FVEPreferencePane::enableRetinaPressed(Object* sender)
     FVEPreferences::sharedAppPrefs().setRetinaResolutionsEnabled(isOn(sender));
 }
 
-void FVEPreferencePane::enableHiDPIPressed(Object* /*sender*/) {}
-
 void FVEPreferencePane::autoMoveWindowsBackPressed(Object* sender)
 {
-    if (isOn(sender) && !mPlatform.accessibility->isEnabled()) {
-        autoMoveWindowsBack()->setState(0);
-        return;
-    }
-    FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(isOn(sender));
+    if (isOn(sender) && !mPlatform.accessibility->isEnabled())
+        requestAXPermission();
+    else
+        FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(isOn(sender));
 }
 
 void FVEPreferencePane::reinstallDriversPressed(Object* /*sender*/)

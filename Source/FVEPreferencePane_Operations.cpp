@@ -46,6 +46,7 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     action<&Pane::autoMoveWindowsBackPressed>("autoMoveWindowsBackPressed:"),
     action<&Pane::reinstallDriversPressed>("reinstallDriversPressed:"),
     action<&Pane::helpPressed>("helpPressed:"),
+    action<&Pane::diagnosePressed>("diagnosePressed:"),
     action<&Pane::checkNowForUpdatePressed>("checkNowForUpdatePressed:"),
     action<&Pane::autoUpdatePressed>("autoUpdatePressed:"),
     observer<&Pane::prefsChanged>("prefsChanged:"),

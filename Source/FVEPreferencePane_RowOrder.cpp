@@ -1,3 +1,4 @@
+#include "Common/FVEPreferences.h"
 #include "Common/Rules/RowOrder.h"
 #include "Source/DevicesTable.h"
 #include "Source/FVEPreferencePane.h"
@@ -49,7 +50,17 @@ bool FVEPreferencePane::acceptDrop(TableView& table, const DraggingInfo& info, i
     setAutoConnectDevices(std::move(*moved));
     table.noteNumberOfRowsChanged();
     table.reloadData();
+    showWhetherOrderIsStored();
     return true;
+}
+
+void FVEPreferencePane::showWhetherOrderIsStored()
+{
+    const bool unstored =
+        mListWasBuilt &&
+        farview::orderIsUnstored(autoConnectDevices(),
+                                 FVEPreferences::sharedAppPrefs().autoConnectDevices());
+    orderHintLabel()->setHidden(!unstored || autoConnectTable()->isHidden());
 }
 
 void FVEPreferencePane::tableViewSelectionIsChanging(const farview::Notification& notification)

@@ -1,6 +1,7 @@
 #include "Source/FVEPreferencePane.h"
 
 #include "Common/FVEPreferences.h"
+#include "Common/Rules/FilledText.h"
 #include "Platform/Platform.h"
 
 using farview::PopUpDisplay;
@@ -88,10 +89,17 @@ void FVEPreferencePane::enableSelectedEntry()
     virtualScreenSelectionPopup()->itemChanged();
 }
 
+std::string FVEPreferencePane::instructionsText(const std::string& text) const
+{
+    if (videoDriverInstalled())
+        return localized(text);
+    return farview::filledText(localized(text), farview::textOrNull(infoText("QLNSupportURL")));
+}
+
 void FVEPreferencePane::showInstructions(const farview::StatusDisplay& display)
 {
     if (display.instructions)
-        instructionsLabel()->setStringValue(localized(*display.instructions));
+        instructionsLabel()->setStringValue(instructionsText(*display.instructions));
     if (display.warningShown)
         warningImage()->setHidden(!*display.warningShown);
     if (!videoDriverInstalled())

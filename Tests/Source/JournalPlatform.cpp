@@ -209,6 +209,11 @@ public:
         mJournal.add("write " + path);
         return mInner.writePropertyList(list, path);
     }
+    bool writeData(std::span<const std::uint8_t> bytes, const std::string& path) override
+    {
+        mJournal.add("write " + path);
+        return mInner.writeData(bytes, path);
+    }
 
 private:
     FileManager& mInner;

@@ -204,6 +204,80 @@ TEST_F(PaneAutoConnect, NamesThatAreNoTextsAreKeptAsTheyAre)
     EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(odd));
 }
 
+TEST_F(PaneAutoConnect, TenThousandNamesAreBuiltWrittenAndBuiltAgain)
+{
+    Array chosen;
+    Array remembered;
+    for (int number = 0; number < 10'000; ++number) {
+        chosen.push_back("chosen " + std::to_string(number));
+        remembered.push_back("seen " + std::to_string(number));
+    }
+    chosen.push_back("chosen 1"); // twice
+    chosen.push_back(7);
+    remembered.push_back(PropertyList::Dictionary{{"k", 1}});
+    setStored(kAutoConnectDevices, chosen);
+    fake.fileManager.putPropertyList(pane->seenDevicesFilename(), remembered);
+    showWithState(1);
+    announce({device("Pad", "pad.local")});
+    const std::size_t before = pane->autoConnectDevices().size();
+    EXPECT_EQ(before, 20'004u);
+    EXPECT_EQ(pane->countOfCheckedDevices(), 10'002);
+    hide();
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(chosen));
+    show();
+    EXPECT_EQ(pane->autoConnectDevices().size(), before);
+    tick(0, false);
+    EXPECT_EQ(pane->countOfCheckedDevices(), 10'001);
+    EXPECT_EQ(pane->autoConnectDevices().size(), before);
+}
+
+TEST_F(PaneAutoConnect, UntickingOneOfTwoEqualNamesLeavesTheOther)
+{
+    setStored(kAutoConnectDevices, Array{"A", "B", "A"});
+    showWithState(1);
+    tick(0, false);
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"B", "A"}));
+    EXPECT_EQ(rows(), (Texts{"*B", "*A"}));
+    EXPECT_EQ(seenDevices(), Texts{}) << "a name that is chosen anywhere is only chosen";
+}
+
+TEST_F(PaneAutoConnect, TickingOneOfTwoDevicesOfOneNameTicksTheName)
+{
+    showWithState(1);
+    setStored(kAutoConnectDevices, Array{});
+    announce({device("C", "c.local"), device("C", "c2.local")});
+    ASSERT_EQ(rows(), (Texts{"C", "C"}));
+    tick(1, true);
+    EXPECT_EQ(rows(), Texts{"*C"});
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"C"}));
+    tick(0, false);
+    EXPECT_EQ(rows(), (Texts{"C", "C"}));
+}
+
+TEST_F(PaneAutoConnect, ADeviceRenamedWhileConnectedKeepsItsTickUnderTheOldNameOnly)
+{
+    setStored(kAutoConnectDevices, Array{"Pad"});
+    showConnectedToPad();
+    ASSERT_EQ(rows(), (Texts{"*Pad", "Slab"}));
+    EXPECT_EQ(pane->remarkOnRow(table(), 0), "");
+    fake.discovery.remove({"Pad"});
+    fake.runLoop.runUntilIdle();
+    announce({device("Easel", "pad.local")});
+    EXPECT_EQ(rows(), (Texts{"*Pad", "Slab", "Easel"}));
+    EXPECT_EQ(pane->remarkOnRow(table(), 0), "Not on the network now");
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"Pad"}));
+}
+
+TEST_F(PaneAutoConnect, RowsOfDevicesThatAreAwayAreRemarkedOn)
+{
+    showExample();
+    Texts remarks;
+    for (int row = -1; row <= 5; ++row)
+        remarks.push_back(pane->remarkOnRow(table(), row));
+    EXPECT_EQ(remarks, (Texts{"", "Not on the network now", "", "", "",
+                              "Seen before, not on the network now", ""}));
+}
+
 TEST_F(PaneAutoConnect, LeavingThePaneWritesItsList)
 {
     showExample();

@@ -39,6 +39,7 @@ const std::set<std::string_view> outletNames = {
     "waitingForServerIndicator",
     "versionNumberLabel",
     "deviceHintLabel",
+    "orderHintLabel",
 };
 
 TEST_F(PaneOutlets, AreTheseAndNoOthers)

@@ -44,6 +44,7 @@ protected:
         pasteboard->setPropertyList(std::move(archive), kDeviceNameTableViewDataType);
         return pasteboard;
     }
+    bool isShownAsUnsaved() const { return !pane->orderHintLabel()->isHidden(); }
     bool drop(const std::shared_ptr<Pasteboard>& pasteboard, int row,
               DropOperation operation = DropOperation::above)
     {
@@ -117,6 +118,54 @@ TEST_F(PaneRowOrder, ADeviceThatComesBeforeThatLosesTheNewOrder)
     EXPECT_EQ(rows(), (Texts{"*A", "*B", "*C", "D", "E"}));
 }
 
+TEST_F(PaneRowOrder, AnOrderThatIsNotStoredIsShownAsSuchUntilItIsWritten)
+{
+    showExample();
+    EXPECT_FALSE(isShownAsUnsaved());
+    ASSERT_TRUE(table().userMovesRow(0, 2));
+    EXPECT_TRUE(isShownAsUnsaved());
+    hide();
+    EXPECT_FALSE(isShownAsUnsaved());
+}
+
+TEST_F(PaneRowOrder, ATickStoresTheNewOrderToo)
+{
+    showExample();
+    ASSERT_TRUE(drop(dragged(0), 3));
+    EXPECT_TRUE(isShownAsUnsaved());
+    pane->setObjectValue(table(), true, kDevicesTableAutoConnectFlag, 3);
+    EXPECT_FALSE(isShownAsUnsaved());
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"B", "C", "A", "D"}));
+}
+
+TEST_F(PaneRowOrder, ARebuiltListIsNotShownAsUnsaved)
+{
+    showExample();
+    ASSERT_TRUE(drop(dragged(0), 3));
+    announce({device("E", "e.local")});
+    EXPECT_FALSE(isShownAsUnsaved());
+}
+
+TEST_F(PaneRowOrder, ARowCarriedBackToItsPlaceLeavesNothingToSave)
+{
+    showExample();
+    ASSERT_TRUE(drop(dragged(0), 3));
+    ASSERT_TRUE(drop(dragged(2), 0));
+    EXPECT_FALSE(isShownAsUnsaved());
+    ASSERT_TRUE(drop(dragged(1), 1));
+    EXPECT_FALSE(isShownAsUnsaved()) << "it stayed where it was";
+}
+
+TEST_F(PaneRowOrder, WithTheTableFoldedAwayNothingIsSaidOfItsOrder)
+{
+    showExample();
+    ASSERT_TRUE(drop(dragged(0), 3));
+    pane->autoConnect()->performClick(nullptr);
+    EXPECT_FALSE(isShownAsUnsaved());
+    pane->autoConnect()->performClick(nullptr);
+    EXPECT_TRUE(isShownAsUnsaved());
+}
+
 TEST_F(PaneRowOrder, TheKeyboardMovesARowByTheSameRules)
 {
     showExample();
@@ -144,6 +193,17 @@ TEST_F(PaneRowOrder, AHostileDropChangesNothing)
     EXPECT_FALSE(drop(
         carrying(farview::archivedIndexes(IndexSet(std::numeric_limits<std::int64_t>::min()))), 0));
     EXPECT_EQ(rows(), before);
+}
+
+TEST_F(PaneRowOrder, ARowDraggedWhileTheListIsRebuiltIsNotDropped)
+{
+    showExample();
+    const auto drag = table().userDrags(2);
+    ASSERT_TRUE(drag);
+    announce({device("E", "e.local")});
+    EXPECT_FALSE(table().mayDrop(*drag, 0));
+    EXPECT_FALSE(table().userDrops(*drag, 0));
+    EXPECT_EQ(rows(), (Texts{"*A", "*B", "*C", "D", "E"}));
 }
 
 TEST_F(PaneRowOrder, ARowThatIsUntickedWhileItIsDraggedIsNotDropped)

@@ -1,0 +1,3 @@
+#include "Applications/PrivilegedHelpers/DisplayResolutions.h"
+
+int main(int argc, char** /*argv*/) { return storeDisplayResolutions(false, argc); }

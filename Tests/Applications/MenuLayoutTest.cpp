@@ -1,4 +1,5 @@
 #include "Applications/FarviewStatusItem/MenuLayout.h"
+#include "Tests/Support/MenuTarget.h"
 
 #include <gtest/gtest.h>
 
@@ -7,28 +8,12 @@ using namespace farview;
 namespace
 {
 
-class Target final : public Object, public Responder
-{
-public:
-    bool respondsTo(Selector) const override { return answers; }
-    bool perform(Selector, Object* sender) override
-    {
-        chosen = dynamic_cast<MenuItem*>(sender)->title;
-        return true;
-    }
-    bool answers = true;
-    std::string chosen;
-};
-
 class MenuLayoutTest : public testing::Test
 {
 protected:
     std::shared_ptr<MenuItem> item(const std::string& title, Represented represented = {})
     {
-        auto made = std::make_shared<MenuItem>();
-        made->title = title;
-        made->action = {"take:"};
-        made->target = target;
+        auto made = target->entry(title);
         made->representedObject = std::move(represented);
         return made;
     }
@@ -48,7 +33,7 @@ protected:
         return -1;
     }
 
-    std::shared_ptr<Target> target = std::make_shared<Target>();
+    std::shared_ptr<MenuTarget> target = std::make_shared<MenuTarget>();
     MenuLayout layout;
 };
 
@@ -80,7 +65,7 @@ TEST_F(MenuLayoutTest, ANumberNeverMeansAnotherEntry)
     set({item("b", "host-b")});
     EXPECT_NE(idOf("b"), a);
     EXPECT_FALSE(layout.choose(a));
-    EXPECT_EQ(target->chosen, "");
+    EXPECT_TRUE(target->chosen.empty());
 }
 
 TEST_F(MenuLayoutTest, TwoEntriesOfOneNameHaveTheirOwnNumbers)
@@ -94,7 +79,7 @@ TEST_F(MenuLayoutTest, AChosenEntryIsAskedOnceMore)
 {
     set({item("a")});
     EXPECT_TRUE(layout.choose(idOf("a")));
-    EXPECT_EQ(target->chosen, "a");
+    EXPECT_EQ(target->chosen, std::vector<std::string>{"a"});
     target->chosen.clear();
     target->answers = false;
     EXPECT_FALSE(layout.choose(idOf("a")));

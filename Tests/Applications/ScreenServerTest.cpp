@@ -32,6 +32,7 @@ protected:
 
     void start()
     {
+        server->listen();
         server->start();
         fake.runLoop.runUntilIdle();
         center.forgetPosts();
@@ -106,6 +107,42 @@ TEST_F(ScreenServerTest, SaysThatNothingIsConnectedWhenItStarts)
     server->start();
     EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
     EXPECT_EQ(center.posts().front().options, 3U);
+}
+
+TEST_F(ScreenServerTest, KeepsTheLatestRequestUntilItsTurnComes)
+{
+    server->listen();
+    announceDevice("Desk", kDesk);
+    requestTicket("10.0.0.7");
+    requestHost(kDesk);
+    EXPECT_THAT(reports(), IsEmpty());
+    EXPECT_THAT(link.attempts, IsEmpty()) << "another server may still use the device";
+    server->start();
+    settle();
+    ASSERT_THAT(link.attempts, SizeIs(1));
+    EXPECT_THAT(link.attempts.front().endpoints, ElementsAre(kDeskEndpoint));
+}
+
+TEST_F(ScreenServerTest, ForgetsAWaitingRequestThatIsTakenBack)
+{
+    server->listen();
+    requestTicket("10.0.0.7");
+    request(kDisconnectCurrentServerFromHost);
+    server->start();
+    settle();
+    EXPECT_THAT(link.attempts, IsEmpty());
+}
+
+TEST_F(ScreenServerTest, DoesNotStartWhenToldToQuitBefore)
+{
+    server->listen();
+    requestTicket("10.0.0.7");
+    request(kTerminateScreenServer);
+    EXPECT_EQ(quitting, 1);
+    server->start();
+    fake.runLoop.advance(Duration(1));
+    EXPECT_EQ(finished, 1);
+    EXPECT_THAT(link.attempts, IsEmpty());
 }
 
 TEST_F(ScreenServerTest, ConnectsToNothingByItself)

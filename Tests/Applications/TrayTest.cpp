@@ -1,45 +1,28 @@
 #include "Applications/FarviewStatusItem/Tray.h"
 
 #include "Platform/Fake/FakeLog.h"
+#include "Tests/Support/MenuTarget.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/StatusNotifierWatcher.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+
 #include <algorithm>
 #include <optional>
+#include <set>
 
 using namespace farview;
 
 namespace
 {
 
-class Target final : public Object, public Responder
-{
-public:
-    bool respondsTo(Selector) const override { return true; }
-    bool perform(Selector, Object* sender) override
-    {
-        chosen.push_back(dynamic_cast<MenuItem*>(sender)->title);
-        return true;
-    }
-    std::vector<std::string> chosen;
-};
-
 /// The tray side of the status item, in this process, on a private bus.
 class TrayTest : public testing::Test
 {
 protected:
-    std::shared_ptr<MenuItem> entry(const std::string& title, bool canBeChosen = true)
-    {
-        auto item = std::make_shared<MenuItem>();
-        item->title = title;
-        item->action = {"take:"};
-        if (canBeChosen)
-            item->target = target;
-        return item;
-    }
     StatusItemDisplay display(StatusIcon icon, std::vector<std::shared_ptr<MenuItem>> items)
     {
         auto menu = std::make_shared<Menu>();
@@ -50,7 +33,8 @@ protected:
     void start()
     {
         tray.emplace(session, log, [this] { ++activations; });
-        tray->show(display(StatusIcon::on, {entry("Pad"), entry("Slab", false)}));
+        tray->show(
+            display(StatusIcon::on, {target->entry("Pad"), MenuTarget::entryForNobody("Slab")}));
     }
     /// A tray that has the item on its list.
     bool startWatcher()
@@ -64,7 +48,7 @@ protected:
     SessionBusScope scope{bus.address()};
     FakeLog log;
     SessionBus session{log};
-    std::shared_ptr<Target> target = std::make_shared<Target>();
+    std::shared_ptr<MenuTarget> target = std::make_shared<MenuTarget>();
     int activations = 0;
     std::optional<StatusNotifierWatcher> watcher;
     std::optional<Tray> tray;
@@ -113,7 +97,7 @@ TEST_F(TrayTest, TellsWhatATrayNeeds)
     EXPECT_EQ(all.value("Category"), "Hardware");
     EXPECT_EQ(all.value("Status"), "Active");
     EXPECT_EQ(all.value("Title"), "Farview");
-    EXPECT_EQ(all.value("IconName"), "video-display");
+    EXPECT_EQ(all.value("IconName"), "farview-on-symbolic");
     EXPECT_EQ(all.value("ItemIsMenu"), true);
     EXPECT_EQ(all.value("Menu").value<QDBusObjectPath>().path(), "/MenuBar");
     const auto toolTip = qdbus_cast<DBusToolTip>(all.value("ToolTip"));
@@ -126,25 +110,58 @@ TEST_F(TrayTest, TheIconFollowsTheStateAndSaysSoOnlyWhenItChanges)
     start();
     ASSERT_TRUE(startWatcher());
     const int before = watcher->newIcons();
-    tray->show(display(StatusIcon::on, {entry("Pad")}));
-    tray->show(display(StatusIcon::off, {entry("Pad")}));
+    tray->show(display(StatusIcon::on, {target->entry("Pad")}));
+    tray->show(display(StatusIcon::off, {target->entry("Pad")}));
     ASSERT_TRUE(waitUntil([&] { return watcher->newIcons() > before; }));
-    EXPECT_EQ(watcher->property(item(), "IconName"), "user-offline");
+    EXPECT_EQ(watcher->property(item(), "IconName"), "farview-off-symbolic");
     EXPECT_EQ(watcher->newIcons(), before + 1);
     tray->show(display(StatusIcon::connected, {}));
-    EXPECT_EQ(watcher->property(item(), "IconName"), "network-transmit-receive");
+    EXPECT_EQ(watcher->property(item(), "IconName"), "farview-connected-symbolic");
     tray->show(display(StatusIcon::trouble, {}));
-    EXPECT_EQ(watcher->property(item(), "IconName"), "dialog-warning");
+    EXPECT_EQ(watcher->property(item(), "IconName"), "farview-trouble-symbolic");
+}
+
+TEST_F(TrayTest, EveryStateHasAnIconWhereTheTrayIsToldToLook)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    const QString theme = watcher->property(item(), "IconThemePath").toString();
+    for (const StatusIcon icon :
+         {StatusIcon::off, StatusIcon::on, StatusIcon::connected, StatusIcon::trouble}) {
+        tray->show(display(icon, {}));
+        const QString name = watcher->property(item(), "IconName").toString();
+        EXPECT_TRUE(QFile::exists(theme + u"/hicolor/symbolic/status/"_qs + name + u".svg"_qs))
+            << name.toStdString();
+    }
+}
+
+TEST_F(TrayTest, ATrayThatDoesNotKnowTheNameGetsPicturesThatDifferByState)
+{
+    start();
+    ASSERT_TRUE(startWatcher());
+    std::set<QByteArray> pictures;
+    for (const StatusIcon icon :
+         {StatusIcon::off, StatusIcon::on, StatusIcon::connected, StatusIcon::trouble}) {
+        tray->show(display(icon, {}));
+        const auto icons = qdbus_cast<DBusIcons>(watcher->property(item(), "IconPixmap"));
+        ASSERT_EQ(icons.size(), 2);
+        EXPECT_EQ(icons[0].width, 22);
+        EXPECT_EQ(icons[1].height, 44);
+        EXPECT_EQ(icons[1].bytes.size(), 44 * 44 * 4);
+        EXPECT_NE(icons[1].bytes.count('\0'), icons[1].bytes.size()) << "nothing to see";
+        pictures.insert(icons[1].bytes);
+    }
+    EXPECT_EQ(pictures.size(), 4u);
 }
 
 TEST_F(TrayTest, TheMenuShowsMarksAndWhatCannotBeChosen)
 {
     start();
     ASSERT_TRUE(startWatcher());
-    auto marked = entry("Marked");
+    auto marked = target->entry("Marked");
     marked->state = 1;
-    tray->show(
-        display(StatusIcon::on, {marked, std::make_shared<MenuItem>(), entry("Busy", false)}));
+    tray->show(display(StatusIcon::on,
+                       {marked, std::make_shared<MenuItem>(), MenuTarget::entryForNobody("Busy")}));
     const auto menu = watcher->menu(item());
     ASSERT_EQ(menu.size(), 3);
     EXPECT_TRUE(menu[0].isMarked());
@@ -176,7 +193,7 @@ TEST_F(TrayTest, AClickOnAnEntryThatHasGoneDoesNothing)
     ASSERT_TRUE(startWatcher());
     const int stale = watcher->entry(item(), "Pad").id;
     const int updates = watcher->layoutUpdates();
-    tray->show(display(StatusIcon::on, {entry("Tablet")}));
+    tray->show(display(StatusIcon::on, {target->entry("Tablet")}));
     ASSERT_TRUE(waitUntil([&] { return watcher->layoutUpdates() > updates; }));
     watcher->click(item(), stale);
     EXPECT_TRUE(target->chosen.empty());
@@ -195,8 +212,9 @@ TEST_F(TrayTest, ForeignNamesArePlainText)
     start();
     ASSERT_TRUE(startWatcher());
     auto hostile = display(StatusIcon::connected,
-                           {entry("_a&b__c"), entry("<b>x</b>\n\x1b[31m"),
-                            entry("\xE2\x80\xAEreversed"), entry("\xff\xfe"), entry("")});
+                           {target->entry("_a&b__c"), target->entry("<b>x</b>\n\x1b[31m"),
+                            target->entry("\xE2\x80\xAEreversed"), target->entry("\xff\xfe"),
+                            target->entry("")});
     hostile.headline = "Connected to <b>x</b>\n";
     tray->show(hostile);
     const auto menu = watcher->menu(item());
@@ -236,7 +254,7 @@ TEST_F(TrayTest, FiveHundredDevicesReachTheTray)
     ASSERT_TRUE(startWatcher());
     std::vector<std::shared_ptr<MenuItem>> many;
     for (int i = 0; i < 500; ++i)
-        many.push_back(entry("Device " + std::to_string(i)));
+        many.push_back(target->entry("Device " + std::to_string(i)));
     tray->show(display(StatusIcon::on, many));
     EXPECT_EQ(watcher->menu(item()).size(), 500);
 }

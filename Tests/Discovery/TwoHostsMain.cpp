@@ -9,13 +9,13 @@
 #include <unistd.h>
 #include <vector>
 
-// The program starts itself anew on host A of a network of its own, so that its tests see no
-// daemon, no bus and no device but theirs, and nobody sees them.
+// The program starts itself anew on a computer or a network of its own, which a script makes, so
+// that its tests see no daemon, no bus and no device but theirs, and nobody sees them.
 
 namespace
 {
 
-const char* const script = FARVIEW_SOURCE_DIR "/Tests/Integration/two-hosts";
+const char* const script = FARVIEW_TEST_SCRIPT;
 
 std::string reasonAgainstNamespaces()
 {
@@ -25,7 +25,7 @@ std::string reasonAgainstNamespaces()
     for (char buffer[256]; pipe && std::fgets(buffer, sizeof buffer, pipe);)
         output += buffer;
     const int status = pipe ? ::pclose(pipe) : -1;
-    return status == 0 ? std::string() : "no network of its own: " + output;
+    return status == 0 ? std::string() : "no computer of its own: " + output;
 }
 
 bool onlyListsTests(int argc, char** argv)
@@ -37,7 +37,7 @@ bool onlyListsTests(int argc, char** argv)
     return false;
 }
 
-void startAnewOnHostA(int argc, char** argv)
+void startAnewInside(int argc, char** argv)
 {
     std::vector<char*> arguments{const_cast<char*>(script)};
     arguments.insert(arguments.end(), argv, argv + argc);
@@ -49,11 +49,11 @@ void startAnewOnHostA(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    const bool isOnHostA = ::getenv("FARVIEW_TWO_HOSTS") != nullptr;
-    if (!isOnHostA && !onlyListsTests(argc, argv)) {
+    const bool isInside = ::getenv(FARVIEW_TEST_MARK) != nullptr;
+    if (!isInside && !onlyListsTests(argc, argv)) {
         const auto reason = reasonAgainstNamespaces();
         if (reason.empty())
-            startAnewOnHostA(argc, argv);
+            startAnewInside(argc, argv);
         // The line by which ctest knows a skipped test.
         std::cout << "[  SKIPPED ] " << (reason.empty() ? "cannot run the script" : reason) << "\n";
         return 0;

@@ -2,6 +2,11 @@
 
 #include "Tests/Integration/PaneSystem.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+
+#include <csignal>
+
 namespace farview
 {
 namespace
@@ -11,6 +16,13 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 using PaneAndServer = PaneSystem;
+
+/// The server that is known as the running one on the bus; 0 for none.
+pid_t runningServer()
+{
+    const auto* bus = QDBusConnection::sessionBus().interface();
+    return pid_t(bus->servicePid(QStringLiteral("com.quillon.ScreenCapture")).value());
+}
 
 TEST_F(PaneAndServer, AChosenDeviceIsConnectedAndOffFreesIt)
 {
@@ -76,6 +88,22 @@ TEST_F(PaneAndServer, OffAndOnInQuickSuccessionEndsWithOneServer)
     EXPECT_EQ(servers().size(), 1u);
     pane->watchdogTimerOperation(nullptr);
     EXPECT_EQ(switchState(), 1);
+}
+
+TEST_F(PaneAndServer, APickWhileTheLastServerSaysGoodbyeIsKept)
+{
+    showConnectedToDesk();
+    const pid_t last = runningServer();
+    ASSERT_NE(last, 0);
+    // A device that does not answer holds up the goodbye.
+    device->sendSignal(SIGSTOP);
+    pane->offTextPressed(nullptr);
+    pane->onTextPressed(nullptr);
+    ASSERT_TRUE(waitUntil([last] { return runningServer() != 0 && runningServer() != last; }));
+    ASSERT_TRUE(choose("Desk"));
+    device->sendSignal(SIGCONT);
+    EXPECT_TRUE(selects("Desk")) << text("device.log");
+    EXPECT_TRUE(serversAre(1));
 }
 
 TEST_F(PaneAndServer, OnAndOffInQuickSuccessionEndsWithoutAServer)

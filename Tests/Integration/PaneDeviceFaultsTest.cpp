@@ -137,6 +137,36 @@ TEST_F(PaneDeviceFaults, OneThatVanishesWithoutAGoodbyeLeavesAndCanBeChosenWhenI
     EXPECT_TRUE(selects("Desk")) << text("device.log");
 }
 
+TEST_F(PaneDeviceFaults, OneThatReturnsOnAnotherPortIsFoundThere)
+{
+    showConnectedToDesk();
+    device->kill();
+    EXPECT_TRUE(selectsNothing(seconds(6)));
+    ASSERT_TRUE(choose("Desk"));
+    EXPECT_TRUE(showsError(errorLimit));
+    EXPECT_TRUE(unlists("Desk"));
+
+    startDesk({"--port", "6011"});
+    ASSERT_TRUE(lists("Desk")) << text("device.log");
+    ASSERT_TRUE(choose("Desk"));
+    EXPECT_TRUE(selects("Desk")) << text("device.log");
+}
+
+TEST_F(PaneDeviceFaults, OneThatQuicklyReturnsOnAnotherPortIsFoundThereByTheSecondPick)
+{
+    showConnectedToDesk();
+    device->kill();
+    startDesk({"--port", "6011"});
+    EXPECT_TRUE(selectsNothing(seconds(6)));
+    ASSERT_TRUE(deviceSays("Announced as \"Desk\", port 6011")) << text("device.log");
+    // Nobody missed it, so nobody asked where it is now.
+    ASSERT_TRUE(choose("Desk"));
+    ASSERT_TRUE(showsError(errorLimit));
+    runLoopFor(seconds(1));
+    ASSERT_TRUE(choose("Desk"));
+    EXPECT_TRUE(selects("Desk")) << text("device.log");
+}
+
 TEST_F(PaneDeviceFaults, OneThatSaysGoodbyeLeavesTheMenuAtOnce)
 {
     showConnectedToDesk();

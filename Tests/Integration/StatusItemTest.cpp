@@ -107,7 +107,7 @@ TEST_F(StatusItemProgram, AppearsWithItsMenuAndEndsByTheTerminateNotification)
 {
     const auto process = start();
     ASSERT_TRUE(appears()) << said();
-    EXPECT_EQ(watcher.property(item(), "IconName"), "user-offline");
+    EXPECT_EQ(watcher.property(item(), "IconName"), "farview-off-symbolic");
     EXPECT_NE(watcher.entry(item(), "Turn Farview On").id, 0);
     EXPECT_NE(watcher.entry(item(), "No device selected").id, 0);
     EXPECT_NE(watcher.entry(item(), "Quit").id, 0);
@@ -125,7 +125,7 @@ TEST_F(StatusItemProgram, TurnsTheSystemOnAndOff)
     EXPECT_TRUE(waitUntil([this] { return preferences.currentState() == 1; }));
     EXPECT_TRUE(waitUntil([this] { return serverRuns(); })) << said();
     ASSERT_TRUE(waitUntil([this] { return watcher.entry(item(), "Turn Farview Off").id != 0; }));
-    EXPECT_EQ(watcher.property(item(), "IconName"), "video-display");
+    EXPECT_EQ(watcher.property(item(), "IconName"), "farview-on-symbolic");
     watcher.click(item(), watcher.entry(item(), "Turn Farview Off").id);
     EXPECT_TRUE(waitUntil([this] { return preferences.currentState() == 0; }));
     EXPECT_TRUE(waitUntil([this] { return !serverRuns(); }));

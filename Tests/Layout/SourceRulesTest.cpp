@@ -20,6 +20,7 @@ bool mentions(const SourceFile& file, const std::regex& pattern)
 // Functions whose fixed name leaves no parameter for the platform live in these files; what
 // composes a program installs it.
 const std::set<std::string> filesThatFindThePlatform = {
+    "Common/FVELogging.cpp",
     "Common/FVEPreferences.cpp",
     "Common/GetPID.cpp",
     "Common/NSApplication_Additions.cpp",
@@ -27,6 +28,7 @@ const std::set<std::string> filesThatFindThePlatform = {
     "Common/NSURL_Additions.cpp",
     "Common/Registry/QLNRegistryExplorer.cpp",
     "Platform/Platform.cpp",
+    "Source/FVEDisplay.cpp",
 };
 
 TEST(SourceRules, OnlyTheNamedFilesFindThePlatformByThemselves)
@@ -40,18 +42,24 @@ TEST(SourceRules, OnlyTheNamedFilesFindThePlatformByThemselves)
     }
 }
 
+// The toolkit offers no drag without a loop of its own. This one is entered with nothing of ours
+// below it that could be gone when it returns (docs/decisions/130).
+const std::string dragLoop = "Controls/Qt/RunningDrag.cpp:        mDrag->exec(Qt::MoveAction);";
+
 TEST(SourceRules, NoLoopRunsInsideALoop)
 {
+    std::vector<std::string> loops;
     const std::regex nested(R"((->|\.)exec\s*\(|processEvents\s*\(|QEventLoop|waitFor\w+\s*\()");
     const std::regex application(
         R"((application|app|QApplication|QCoreApplication)(\.|->|::)exec\s*\()");
     for (const auto& file : productSources()) {
         for (const auto& line : file.lines) {
             const auto code = withoutComment(line);
-            EXPECT_FALSE(std::regex_search(code, nested) && !std::regex_search(code, application))
-                << file.path << ": " << line;
+            if (std::regex_search(code, nested) && !std::regex_search(code, application))
+                loops.push_back(file.path + ":" + code);
         }
     }
+    EXPECT_EQ(loops, std::vector<std::string>{dragLoop});
 }
 
 TEST(SourceRules, ThePlatformIsAskedAboutOnlyInItsOwnRooms)

@@ -45,6 +45,10 @@ QList<StatusNotifierWatcher::Entry> readChildren(const QDBusArgument& argument)
         const auto fields = child.variant().value<QDBusArgument>();
         fields.beginStructure();
         children.append(readEntry(fields));
+        // The entry's own children: menus below menus are not used here.
+        fields.beginArray();
+        fields.endArray();
+        fields.endStructure();
     }
     argument.endArray();
     argument.endStructure();
@@ -83,6 +87,12 @@ void StatusNotifierWatcher::addHost()
 {
     mHasHost = true;
     Q_EMIT StatusNotifierHostRegistered();
+}
+
+void StatusNotifierWatcher::removeHost()
+{
+    mHasHost = false;
+    Q_EMIT StatusNotifierHostUnregistered();
 }
 
 bool StatusNotifierWatcher::isAlive(const QString& item)

@@ -58,6 +58,7 @@ public:
 
     bool hasHost() const { return mHasHost; }
     void addHost();
+    void removeHost();
     int protocolVersion() const { return 0; }
 
 public Q_SLOTS:
@@ -65,6 +66,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     Q_SCRIPTABLE void StatusNotifierHostRegistered();
+    Q_SCRIPTABLE void StatusNotifierHostUnregistered();
 
 private Q_SLOTS:
     void layoutUpdated() { ++mLayoutUpdates; }

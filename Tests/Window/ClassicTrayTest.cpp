@@ -2,6 +2,7 @@
 
 #include "Applications/FarviewStatusItem/ClassicTray.h"
 #include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/MenuTarget.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <QProcess>
@@ -15,35 +16,14 @@ using namespace farview;
 namespace
 {
 
-class Target final : public Object, public Responder
-{
-public:
-    bool respondsTo(Selector) const override { return true; }
-    bool perform(Selector, Object* sender) override
-    {
-        chosen.push_back(dynamic_cast<MenuItem*>(sender)->title);
-        return true;
-    }
-    std::vector<std::string> chosen;
-};
-
 class ClassicTrayTest : public testing::Test
 {
 protected:
-    std::shared_ptr<MenuItem> entry(const std::string& title, bool canBeChosen)
-    {
-        auto item = std::make_shared<MenuItem>();
-        item->title = title;
-        item->action = {"take:"};
-        if (canBeChosen)
-            item->target = target;
-        return item;
-    }
     StatusItemDisplay display()
     {
         auto menu = std::make_shared<Menu>();
-        menu->insertItem(entry("Busy", false), 0);
-        menu->insertItem(entry("<b>Pad</b> & Co", true), 1);
+        menu->insertItem(MenuTarget::entryForNobody("Busy"), 0);
+        menu->insertItem(target->entry("<b>Pad</b> & Co"), 1);
         return {StatusIcon::on, "Farview: On", "", menu};
     }
     std::unique_ptr<ChildProcess> startTray()
@@ -64,7 +44,7 @@ protected:
         ASSERT_EQ(process.exitCode(), 0);
     }
 
-    std::shared_ptr<Target> target = std::make_shared<Target>();
+    std::shared_ptr<MenuTarget> target = std::make_shared<MenuTarget>();
 };
 
 TEST_F(ClassicTrayTest, AppearsInATrayThatStartsLaterAndInOneThatStartsAgain)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Controls/Qt/AlertBoxes.h"
 #include "Controls/Qt/BundleInterfaceLoader.h"
 #include "Controls/Qt/InterfaceFile.h"
 #include "Platform/Fake/FakePlatform.h"
@@ -48,6 +49,7 @@ protected:
         pane = std::make_shared<FVEPreferencePane>(fake.platform());
         ASSERT_TRUE(pane->initWithBundle(bundle));
         pane->setInterfaceLoader(std::make_shared<BundleInterfaceLoader>(bundle));
+        pane->setAlertPresenter(std::make_shared<AlertBoxes>());
         std::string error;
         view = InterfaceFile(*bundle, pane->mainNibName()).load(pane, error);
         ASSERT_NE(view, nullptr) << error;

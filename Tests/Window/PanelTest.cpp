@@ -1,7 +1,9 @@
 #include "Applications/Preferences/HostWindow.h"
+#include "Controls/Qt/PlainTiff.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
+#include "Tests/Window/EveryLanguage.h"
 #include "Tests/Window/PanelFixture.h"
 
 #include <QAbstractButton>
@@ -29,6 +31,7 @@ protected:
     PopUpWidget* popUp() const { return find<PopUpWidget>("virtualScreenSelectionPopup"); }
     void turnOn()
     {
+        pane->onOffSwitch()->slider()->setAnimator(nullptr); // pictures are of what stands still
         tabs()->setCurrentIndex(0);
         find<QAbstractButton>("onTextButton")->click();
         settle();
@@ -87,6 +90,47 @@ TEST_F(Panel, TheSwitchTurnsOnAndTheHintTellsWhatToDoNext)
     EXPECT_EQ(find<QLabel>("statusLabel")->text(), QStringLiteral("On"));
     EXPECT_TRUE(find<QLabel>("deviceHintLabel")->text().startsWith(u"No device yet?"_qs));
     picture("on-without-device");
+}
+
+TEST_F(Panel, TheSwitchHasItsPicturesInBothSizesAndTheirShadowsAreTransparent)
+{
+    load();
+    const auto read = [this](const std::string& name) {
+        const auto path = bundle->pathForResource(name, "tiff");
+        return path ? QImage(QString::fromStdString(*path)) : QImage();
+    };
+    const QSize whole = read("OverlayMask").size();
+    EXPECT_EQ(find<SwitchWidget>("onOffSwitch")->sizeHint(),
+              whole + QSize(2 * SwitchWidget::margin, 2 * SwitchWidget::margin));
+    for (const std::string name : {"OverlayMask", "SliderWell", "SliderKnob", "SliderKnobDown"}) {
+        const QImage image = read(name);
+        EXPECT_FALSE(image.isNull()) << name;
+        EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << name;
+        EXPECT_EQ(read(name + "@2x").size(), image.size() * 2) << name;
+    }
+    EXPECT_EQ(read("SliderWell").size(), whole - QSize(0, 1));
+    EXPECT_EQ(read("SliderKnob").height(), whole.height() + 4);
+    EXPECT_GT(read("SliderKnob").width(), whole.width() / 2)
+        << "it covers the border of the halves";
+    EXPECT_EQ(read("SliderKnobDown").size(), read("SliderKnob").size());
+}
+
+TEST_F(Panel, ThePicturesNeedNoLibraryAndReadAsTheToolkitReadsThem)
+{
+    load();
+    for (const std::string name : {"OverlayMask", "SliderWell", "SliderKnob", "SliderKnobDown"}) {
+        for (const std::string suffix : {"", "@2x"}) {
+            const auto path = bundle->pathForResource(name + suffix, "tiff");
+            ASSERT_TRUE(path) << name;
+            QFile file(QString::fromStdString(*path));
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            const auto plain = PlainTiff::parse(file.readAll());
+            ASSERT_TRUE(plain) << name << suffix;
+            EXPECT_EQ(plain->image(),
+                      QImage(file.fileName()).convertToFormat(QImage::Format_ARGB32_Premultiplied))
+                << name << suffix;
+        }
+    }
 }
 
 TEST_F(Panel, ADeviceCanBeChosenAndTheSpinnerTurnsBesideTheNarrowedPopUp)
@@ -168,8 +212,7 @@ TEST_F(Panel, ItsTextsAreInTheUsersLanguage)
     EXPECT_TRUE(find<QLabel>("statusExplanationLabel")->text().startsWith(u"Farview ist aus"_qs));
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, PanelInEachLanguage, testing::Values("en", "de"),
-                         [](const auto& each) { return std::string(each.param); });
+INSTANTIATE_TEST_SUITE_P(Languages, PanelInEachLanguage, everyLanguage, nameOfLanguage);
 
 TEST_P(PanelInEachLanguage, ItFitsTheSmallestScreen)
 {

@@ -2,61 +2,38 @@
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
 #include "Source/FVEConnectToOtherSheetController.h"
-#include "Tests/Support/WaitUntil.h"
-#include "Tests/Window/PanelFixture.h"
+#include "Tests/Window/RealPanel.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProcess>
-#include <QTabWidget>
 
 namespace farview::test
 {
 namespace
 {
 
-/// The panel on a real display, with a real mouse and a real keyboard.
-class RealInput : public PanelFixture
+class RealInput : public RealPanel
 {
 protected:
     void open(bool on)
     {
-        load();
-        if (on)
-            fake.preferences.setAppValue("currentState", 1, "com.quillon.Farview");
-        show();
-        find<QTabWidget>("tabView")->setCurrentIndex(0);
+        RealPanel::open(on, 0);
         announceAll();
-        view->activateWindow();
-        ASSERT_TRUE(waitUntil([&] { return view->isActiveWindow(); }));
-        runLoopFor(std::chrono::milliseconds(50));
+        bringToFront();
     }
     void announceAll()
     {
         announce("<b>Kitchen</b> & Co", "kitchen.local.");
         announce("Living Room", "living.local.");
     }
-    static void xdotool(const QStringList& words)
-    {
-        QProcess process;
-        process.start(u"xdotool"_qs, words);
-        ASSERT_TRUE(process.waitForFinished());
-        ASSERT_EQ(process.exitCode(), 0);
-    }
-    static void click(const QPoint& place, int button = 1)
-    {
-        xdotool({u"mousemove"_qs, QString::number(place.x()), QString::number(place.y()),
-                 u"click"_qs, QString::number(button)});
-    }
-    static void click(QWidget* widget) { click(widget->mapToGlobal(widget->rect().center())); }
     void clickEntry(int index)
     {
         QMenu* menu = popUp()->openMenu();
         const QRect place = menu->actionGeometry(menu->actions().at(index));
         click(menu->mapToGlobal(place.center()));
     }
-    static void key(const char* name) { xdotool({u"key"_qs, QString::fromLatin1(name)}); }
 
     PopUpWidget* popUp() const { return find<PopUpWidget>("virtualScreenSelectionPopup"); }
     bool isOpen() const { return popUp()->openMenu() && popUp()->openMenu()->isVisible(); }
@@ -160,6 +137,45 @@ TEST_F(RealInput, TheMouseMovesTheSwitch)
     EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"On"_qs; }));
     click(find<QAbstractButton>("offTextButton"));
     EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"Off"_qs; }));
+}
+
+TEST_F(RealInput, TheMouseDragsTheKnobOfTheSwitch)
+{
+    open(false);
+    auto* onOff = find<SwitchWidget>("onOffSwitch");
+    const auto knob = onOff->mapToGlobal(onOff->rect().center() - QPoint(20, 0));
+    const auto drag = [&](const char* by) {
+        xdotool({u"mousemove"_qs, QString::number(knob.x()), QString::number(knob.y()),
+                 u"mousedown"_qs, u"1"_qs, u"mousemove_relative"_qs, u"--"_qs, u"2"_qs, u"0"_qs,
+                 u"mousemove_relative"_qs, u"--"_qs, QString::fromLatin1(by), u"0"_qs,
+                 u"mouseup"_qs, u"1"_qs});
+    };
+    drag("2");
+    runLoopFor(std::chrono::milliseconds(300)); // until it has snapped back
+    EXPECT_FALSE(onOff->isOn());
+    drag("20");
+    EXPECT_TRUE(waitUntil([&] { return onOff->isOn() && onOff->position() == 1.0; }));
+}
+
+TEST_F(RealInput, AssistiveTechnologyIsToldOfEachChangeOfTheSwitchOnce)
+{
+    open(false);
+    static int told;
+    told = 0;
+    ASSERT_TRUE(QAccessible::isActive());
+    const auto before = QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+        if (event->type() == QAccessible::StateChanged &&
+            static_cast<QAccessibleStateChangeEvent*>(event)->changedStates().checked)
+            ++told;
+    });
+    pane->onOffSwitch()->setState(1);
+    EXPECT_EQ(told, 1) << "when the knob sets out";
+    EXPECT_TRUE(waitUntil([&] { return !pane->onOffSwitch()->slider()->animating(); }));
+    pane->onOffSwitch()->setState(1, false);
+    EXPECT_EQ(told, 1);
+    pane->onOffSwitch()->setState(0, false);
+    EXPECT_EQ(told, 2);
+    QAccessible::installUpdateHandler(before);
 }
 
 TEST_F(RealInput, AnAddressIsTypedIntoTheSheetAndSentWithReturn)

@@ -29,6 +29,22 @@ TEST(TrayHint, TheBoxSaysThatThereIsNoTrayForAsLongAsThatIsSo)
     EXPECT_TRUE(waitUntil([&] { return box->toolTip() == "no tray"; }));
 }
 
+TEST(TrayHint, AListOfIconsThatNobodyShowsIsNoTray)
+{
+    PrivateBus bus;
+    const SessionBusScope scope(bus.address());
+    farview::FakeLog log;
+    farview::SessionBus session(log);
+    const auto box = std::make_shared<farview::Button>();
+    StatusNotifierWatcher tray(bus.address(), false);
+    const farview::TrayHint hint(session, box, "no tray");
+    EXPECT_TRUE(waitUntil([&] { return box->toolTip() == "no tray"; }));
+    tray.addHost();
+    EXPECT_TRUE(waitUntil([&] { return box->toolTip().empty(); }));
+    tray.removeHost();
+    EXPECT_TRUE(waitUntil([&] { return box->toolTip() == "no tray"; }));
+}
+
 TEST(TrayHint, OutlivesItsBox)
 {
     PrivateBus bus;

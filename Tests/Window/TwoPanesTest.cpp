@@ -6,6 +6,7 @@
 
 #include <QLabel>
 #include <QMessageBox>
+#include <QToolButton>
 
 namespace
 {
@@ -35,6 +36,41 @@ TEST_F(TwoPanes, LiveInOneHostWithoutMeetingEachOther)
     EXPECT_TRUE(firstPane->view()->isVisible());
     EXPECT_NE(firstPane->view()->findChild<QLabel*>("statusLabel")->text(), u"second"_qs);
     runLoopFor(std::chrono::milliseconds(50));
+}
+
+TEST_F(TwoPanes, FromTheOneOpenedOverTheOtherAButtonLeadsBack)
+{
+    const QString first = copyOfBundle("First.prefPane");
+    const QString second = copyOfBundle("Second.prefPane");
+    PreferencesHost host(PaneLoader(bundles, true));
+    ASSERT_EQ(host.open(first).status, HostStatus::success);
+    const LoadedPane* firstPane = host.selected();
+    auto* back = host.window().findChild<QToolButton*>("backButton");
+    EXPECT_FALSE(back->isVisible());
+    ASSERT_EQ(host.open(second).status, HostStatus::success);
+    EXPECT_TRUE(back->isVisible());
+    EXPECT_EQ(back->text(), firstPane->title());
+    EXPECT_EQ(back->shortcut(), QKeySequence(Qt::ALT | Qt::Key_Left));
+    back->click();
+    EXPECT_EQ(host.selected(), firstPane);
+    EXPECT_TRUE(firstPane->view()->isVisible());
+    EXPECT_FALSE(back->isVisible());
+}
+
+TEST_F(TwoPanes, TheWayBackHasEachPaneOnceAndEndsWithTheWindow)
+{
+    const QString first = copyOfBundle("First.prefPane");
+    const QString second = copyOfBundle("Second.prefPane");
+    PreferencesHost host(PaneLoader(bundles, true));
+    for (const QString& each : {first, second, first, second})
+        ASSERT_EQ(host.open(each).status, HostStatus::success);
+    auto* back = host.window().findChild<QToolButton*>("backButton");
+    back->click();
+    EXPECT_FALSE(back->isVisible()) << "once there and back again, not twice";
+    ASSERT_EQ(host.open(second).status, HostStatus::success);
+    host.window().close();
+    ASSERT_EQ(host.open(first).status, HostStatus::success);
+    EXPECT_FALSE(back->isVisible());
 }
 
 TEST_F(TwoPanes, ABrokenOneIsExplainedInTheWindowAndTheOtherStays)

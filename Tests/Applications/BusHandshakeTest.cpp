@@ -1,0 +1,120 @@
+#include "Applications/Doctor/BusHandshake.h"
+
+#include "Tests/Support/PrivateBus.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace farview;
+using std::chrono::milliseconds;
+
+namespace
+{
+
+constexpr milliseconds patience{300};
+
+/// A local socket on which somebody listens.
+class Listener
+{
+public:
+    Listener() : mDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0))
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, path().c_str(), sizeof address.sun_path - 1);
+        EXPECT_EQ(::bind(mDescriptor, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+        EXPECT_EQ(::listen(mDescriptor, 4), 0);
+    }
+    ~Listener()
+    {
+        ::close(mDescriptor);
+        if (mAnswerer.joinable())
+            mAnswerer.join();
+    }
+    /// Answers the first who knocks with those words, and hangs up.
+    void answerWith(const std::string& words)
+    {
+        mAnswerer = std::thread([this, words] {
+            const int guest = ::accept(mDescriptor, nullptr, nullptr);
+            char heard[64];
+            if (::recv(guest, heard, sizeof heard, 0) > 0 && !words.empty())
+                ::send(guest, words.data(), words.size(), MSG_NOSIGNAL);
+            ::close(guest);
+        });
+    }
+    std::string path() const { return mFolder.path("bus"); }
+    std::string address() const { return "unix:path=" + path(); }
+
+private:
+    TemporaryFolder mFolder;
+    int mDescriptor;
+    std::thread mAnswerer;
+};
+
+TEST(BusHandshake, IsAnsweredByARealBus)
+{
+    const PrivateBus bus;
+    EXPECT_EQ(knockAtBus(bus.address(), patience), BusAnswer::answers);
+    EXPECT_EQ(knockAtBus("unix:path=/nonexistent/bus;" + bus.address(), patience),
+              BusAnswer::answers)
+        << "the second address counts when the first is dead";
+}
+
+TEST(BusHandshake, NoticesABusThatStopped)
+{
+    PrivateBus bus;
+    bus.process().sendSignal(SIGSTOP);
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(knockAtBus(bus.address(), patience), BusAnswer::silent);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 3 * patience);
+    bus.process().sendSignal(SIGCONT);
+}
+
+TEST(BusHandshake, NoticesThatNobodyListens)
+{
+    PrivateBus bus;
+    bus.stop();
+    EXPECT_EQ(knockAtBus(bus.address(), patience), BusAnswer::refused);
+    EXPECT_EQ(knockAtBus("unix:path=/nonexistent/bus", patience), BusAnswer::refused);
+    EXPECT_EQ(knockAtBus("unix:path=/" + std::string(500, 'x'), patience), BusAnswer::answers)
+        << "a path that no socket can have is left to the library";
+}
+
+TEST(BusHandshake, TellsNoAddressFromAnAddressOfAnotherKind)
+{
+    EXPECT_EQ(knockAtBus("", patience), BusAnswer::noAddress);
+    EXPECT_EQ(knockAtBus("tcp:host=localhost,port=1", patience), BusAnswer::answers);
+    EXPECT_EQ(knockAtBus("unix:", patience), BusAnswer::answers);
+}
+
+TEST(BusHandshake, NoticesThatThisUserIsNotLetIn)
+{
+    Listener strict;
+    strict.answerWith("REJECTED EXTERNAL\r\n");
+    EXPECT_EQ(knockAtBus(strict.address(), patience), BusAnswer::rejects);
+}
+
+TEST(BusHandshake, TakesAHangUpForSilence)
+{
+    Listener rude;
+    rude.answerWith("");
+    EXPECT_EQ(knockAtBus(rude.address(), patience), BusAnswer::silent);
+}
+
+TEST(BusHandshake, ReadsEncodedPaths)
+{
+    const PrivateBus bus;
+    std::string encoded = bus.address();
+    const auto slash = encoded.rfind('/');
+    encoded.replace(slash, 1, "%2f");
+    EXPECT_EQ(knockAtBus(encoded, patience), BusAnswer::answers);
+}
+
+} // namespace

@@ -3,17 +3,16 @@
 // usage: process-lookup [PROCESSES] [ROUNDS]        (in a process table of its own)
 
 #include "Benchmarks/Figures.h"
+#include "Benchmarks/SleepingProcesses.h"
 #include "Common/FVEConstants.h"
 #include "Common/GetPID.h"
 #include "Platform/Platform.h"
 #include "Platform/Posix/PosixProcessTable.h"
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -21,58 +20,6 @@
 
 namespace
 {
-
-/// Processes that do nothing, and one more with the name of the screen server. They end with the
-/// object.
-class SleepingProcesses
-{
-public:
-    explicit SleepingProcesses(int count)
-    {
-        // Each child holds the writing end until it sleeps.
-        int ends[2];
-        mIsComplete = pipe(ends) == 0;
-        for (int index = 0; index < count && mIsComplete; ++index)
-            add("sleeper", ends[1]);
-        add(kFVEScreenServerApplicationNameCString, ends[1]);
-        close(ends[1]);
-        char nothing;
-        mIsComplete = read(ends[0], &nothing, 1) == 0 && mIsComplete;
-        close(ends[0]);
-    }
-    ~SleepingProcesses()
-    {
-        for (const pid_t pid : mPids)
-            kill(pid, SIGKILL);
-        for (const pid_t pid : mPids)
-            waitpid(pid, nullptr, 0);
-    }
-    SleepingProcesses(const SleepingProcesses&) = delete;
-    SleepingProcesses& operator=(const SleepingProcesses&) = delete;
-
-    bool isComplete() const { return mIsComplete; }
-    pid_t last() const { return mPids.back(); }
-
-private:
-    void add(const char* name, int awake)
-    {
-        prctl(PR_SET_NAME, name);
-        const pid_t pid = fork();
-        if (pid == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            close(awake);
-            for (;;)
-                pause();
-        }
-        mIsComplete = mIsComplete && pid > 0;
-        if (pid > 0)
-            mPids.push_back(pid);
-        prctl(PR_SET_NAME, "process-lookup");
-    }
-
-    std::vector<pid_t> mPids;
-    bool mIsComplete = true;
-};
 
 /// What one way has taken in all rounds, in microseconds.
 struct Times {

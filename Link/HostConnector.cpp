@@ -13,8 +13,7 @@ HostConnector::HostConnector(ConnectorTimes times)
 {
     mDeadline.setSingleShot(true);
     mStagger.setSingleShot(true);
-    QObject::connect(&mDeadline, &QTimer::timeout, &mContext,
-                     [this] { fail("The device did not answer in time."); });
+    QObject::connect(&mDeadline, &QTimer::timeout, &mContext, [this] { timeIsOver(); });
     QObject::connect(&mStagger, &QTimer::timeout, &mContext, [this] { tryNext(); });
 }
 
@@ -73,8 +72,15 @@ void HostConnector::attemptFailed(QTcpSocket* socket)
     if (found == mAttempts.end())
         return;
     mLastError = socket->errorString().toStdString();
+    mError = socket->error();
     mAttempts.erase(found);
     tryNext();
+}
+
+void HostConnector::timeIsOver()
+{
+    mError = QAbstractSocket::SocketTimeoutError;
+    fail("The device did not answer in time.");
 }
 
 void HostConnector::fail(std::string why)

@@ -35,6 +35,10 @@ public:
     HostConnector(const HostConnector&) = delete;
     HostConnector& operator=(const HostConnector&) = delete;
 
+    /// What the last attempt met; `SocketTimeoutError` when the time was over. To be asked inside
+    /// the report of a failure.
+    QAbstractSocket::SocketError error() const { return mError; }
+
     /// Begins, once. Exactly one of the two is called, from the event loop, never inside this call.
     /// The connector may be destroyed from inside it.
     void start(std::vector<LinkCandidate> candidates, Connected connected, Failed failed);
@@ -43,6 +47,7 @@ private:
     void tryNext();
     void attemptSucceeded(QTcpSocket* socket);
     void attemptFailed(QTcpSocket* socket);
+    void timeIsOver();
     void fail(std::string why);
     void stop();
 
@@ -53,6 +58,7 @@ private:
     std::size_t mNext = 0;
     std::vector<std::unique_ptr<QTcpSocket>> mAttempts;
     std::string mLastError;
+    QAbstractSocket::SocketError mError = QAbstractSocket::UnknownSocketError;
     QTimer mDeadline;
     QTimer mStagger;
     QObject mContext;

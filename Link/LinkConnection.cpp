@@ -139,9 +139,11 @@ std::size_t LinkConnection::processGreeting(ByteView bytes)
         peerBrokeRule();
     if (decoded.status != DecodeStatus::complete)
         return 0;
-    const LinkAnswer answer = agreementBetween(decoded.value, mSpeaks);
+    const LinkAnswer answer = answerTo(decoded.value);
     if (const auto* refusal = std::get_if<LinkRefusal>(&answer)) {
-        leave(encodeAnswer(answer), {LinkEndReason::noAgreement, refusal->text});
+        const bool disagree = refusal->code == LinkRefusalCode::noAgreement;
+        leave(encodeAnswer(answer),
+              {disagree ? LinkEndReason::noAgreement : LinkEndReason::closedHere, refusal->text});
         return decoded.consumed;
     }
     mAgreement = std::get<LinkAgreement>(answer);
@@ -149,6 +151,17 @@ std::size_t LinkConnection::processGreeting(ByteView bytes)
     if (const auto delegate = mDelegate.lock())
         delegate->linkDidGreet(*this);
     return decoded.consumed;
+}
+
+/// A host that only asks hears what any host would hear now; else that it cannot be served so.
+LinkAnswer LinkConnection::answerTo(const LinkGreeting& host)
+{
+    const auto delegate = mDelegate.lock();
+    if (delegate && isProbing(host)) {
+        if (const auto refusal = delegate->linkWouldRefuse(*this))
+            return *refusal;
+    }
+    return agreementBetween(host, mSpeaks);
 }
 
 std::size_t LinkConnection::processAnswer(ByteView bytes)
@@ -175,7 +188,8 @@ void LinkConnection::take(const LinkAnswer& answer)
 {
     if (const auto* refusal = std::get_if<LinkRefusal>(&answer)) {
         const bool noAgreement = refusal->code == LinkRefusalCode::noAgreement;
-        end({noAgreement ? LinkEndReason::noAgreement : LinkEndReason::refused, refusal->text});
+        end({noAgreement ? LinkEndReason::noAgreement : LinkEndReason::refused, refusal->text,
+             refusal->code});
         return;
     }
     const auto& agreement = std::get<LinkAgreement>(answer);

@@ -33,6 +33,9 @@ public:
     virtual ~LinkConnectionDelegate() = default;
     /// Device side only: a host greeted and both could speak. `accept` or `refuse` it.
     virtual void linkDidGreet(LinkConnection&) {}
+    /// Device side only: a host asks, without wanting to connect, whether it would be served. The
+    /// refusal that it would meet now; nothing when it would be served.
+    virtual std::optional<LinkRefusal> linkWouldRefuse(LinkConnection&) { return std::nullopt; }
     /// Both sides agreed. Frames may be sent from now on.
     virtual void linkDidOpen(LinkConnection& connection) = 0;
     /// Options or a screen rectangle; signs of life and goodbyes are kept by the connection.
@@ -87,6 +90,7 @@ private:
     bool wasDropped() const;
     std::size_t processNext(ByteView bytes);
     std::size_t processGreeting(ByteView bytes);
+    LinkAnswer answerTo(const LinkGreeting& host);
     std::size_t processAnswer(ByteView bytes);
     std::size_t processFrame(ByteView bytes);
     void take(const LinkAnswer& answer);

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Link/LinkGreeting.h"
+
+#include <optional>
 #include <string>
 
 namespace farview
@@ -20,6 +23,8 @@ enum class LinkEndReason {
 struct LinkEnd {
     LinkEndReason reason = LinkEndReason::lost;
     std::string text;
+    /// What the device said, on the host's side, when it refused.
+    std::optional<LinkRefusalCode> refusal{};
 };
 
 } // namespace farview

@@ -37,6 +37,23 @@ bool LinkAgreement::has(const std::string& feature) const
 
 LinkGreeting ownGreeting() { return {}; }
 
+LinkGreeting probingGreeting()
+{
+    LinkGreeting greeting = ownGreeting();
+    const LinkFeature probe{kLinkProbeFeature, true};
+    auto& features = greeting.features;
+    features.insert(std::upper_bound(features.begin(), features.end(), probe,
+                                     [](const auto& a, const auto& b) { return a.name < b.name; }),
+                    probe);
+    return greeting;
+}
+
+bool isProbing(const LinkGreeting& host)
+{
+    const LinkFeature probe{kLinkProbeFeature, true};
+    return std::find(host.features.begin(), host.features.end(), probe) != host.features.end();
+}
+
 LinkAnswer agreementBetween(const LinkGreeting& host, const LinkGreeting& device)
 {
     LinkAgreement agreement;

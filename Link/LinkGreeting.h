@@ -57,6 +57,15 @@ using LinkAnswer = std::variant<LinkAgreement, LinkRefusal>;
 /// What the programs of this version speak.
 LinkGreeting ownGreeting();
 
+/// The feature that no device ever offers: a host that requires it asks whether it would be served,
+/// and is refused in any case.
+inline constexpr const char* kLinkProbeFeature = "probe";
+
+/// The greeting of a host that only asks.
+LinkGreeting probingGreeting();
+/// Whether a host greets only to ask.
+bool isProbing(const LinkGreeting& host);
+
 /// The device's answer to a host's greeting: the highest common version and the common features, or
 /// the refusal when there is none or when a required feature is missing.
 LinkAnswer agreementBetween(const LinkGreeting& host, const LinkGreeting& device);

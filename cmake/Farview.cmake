@@ -12,6 +12,11 @@ if(FARVIEW_SANITIZE)
                          -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(farview_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(FARVIEW_FUZZERS)
+  target_compile_options(farview_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+                         -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(farview_options INTERFACE -fsanitize=address,undefined)
+endif()
 
 # farview_library(NAME SOURCES ... [LINK ...] [QT])
 function(farview_library NAME)

@@ -170,6 +170,14 @@ void DeviceServer::linkDidGreet(LinkConnection& connection)
     connection.accept();
 }
 
+std::optional<LinkRefusal> DeviceServer::linkWouldRefuse(LinkConnection& connection)
+{
+    if (Guest* const known = guest(connection))
+        known->isWaiting = false;
+    mLog.write(LogLevel::info, connection.peerAddress() + " asks whether it would be served");
+    return reasonToRefuse();
+}
+
 // --- while it is used ------------------------------------------------------------------------
 
 void DeviceServer::linkDidOpen(LinkConnection& connection)

@@ -72,6 +72,7 @@ public:
     void setObserver(std::function<void()> changed) { mChanged = std::move(changed); }
 
     void linkDidGreet(LinkConnection& connection) override;
+    std::optional<LinkRefusal> linkWouldRefuse(LinkConnection& connection) override;
     void linkDidOpen(LinkConnection& connection) override;
     void linkDidReceive(LinkConnection& connection, const LinkFrame& frame) override;
     void linkDidEnd(LinkConnection& connection, const LinkEnd& end) override;

@@ -2,20 +2,13 @@
 
 #include "Common/Bonjour/DeviceState.h"
 #include "Common/Rules/AutoConnectRows.h"
+#include "Common/Rules/FilledText.h"
 #include "Common/Rules/StatusDisplay.h"
 
 namespace farview
 {
 namespace
 {
-
-constexpr const char* nameInText = "%@";
-
-std::string withName(std::string text, const std::string& name)
-{
-    const auto place = text.find(nameInText);
-    return place == std::string::npos ? text : text.replace(place, 2, name);
-}
 
 void addSeparator(Menu& menu)
 {
@@ -65,7 +58,7 @@ std::string StatusMenu::headline(StatusIcon icon) const
     case StatusIcon::on:
         return localized("Farview: On");
     case StatusIcon::connected:
-        return withName(localized("Connected to %@"), deviceName());
+        return filledText(localized("Connected to %@"), deviceName());
     case StatusIcon::trouble:
         break;
     }

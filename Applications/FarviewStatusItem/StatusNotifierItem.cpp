@@ -2,9 +2,12 @@
 
 #include "Applications/FarviewStatusItem/TrayIcons.h"
 #include "Controls/Qt/PlainText.h"
+#include "Platform/Desktop/TrayWatcher.h"
 
 #include <QCoreApplication>
 #include <QDBusPendingCall>
+#include <QImage>
+#include <QtEndian>
 
 #include <utility>
 
@@ -29,6 +32,27 @@ DBusToolTip toolTipFor(const StatusItemDisplay& display)
             {},
             plainLine(display.headline).toHtmlEscaped(),
             plainText(display.sentence).toHtmlEscaped()};
+}
+
+DBusIcon pictureOf(const QPixmap& pixmap)
+{
+    QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+    DBusIcon icon{image.width(), image.height(), {}};
+    icon.bytes.resize(image.width() * image.height() * 4);
+    auto* place = icon.bytes.data();
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x, place += 4)
+            qToBigEndian<quint32>(image.pixel(x, y), place);
+    }
+    return icon;
+}
+
+DBusIcons picturesOf(const QIcon& icon)
+{
+    DBusIcons pictures;
+    for (const QSize size : icon.availableSizes())
+        pictures.append(pictureOf(icon.pixmap(size, 1.0)));
+    return pictures;
 }
 
 } // namespace
@@ -64,9 +88,10 @@ void StatusNotifierItem::offer()
 
 void StatusNotifierItem::registerWithWatcher()
 {
-    auto call = QDBusMessage::createMethodCall(
-        QString::fromLatin1(watcherName), QStringLiteral("/StatusNotifierWatcher"),
-        QString::fromLatin1(watcherName), QStringLiteral("RegisterStatusNotifierItem"));
+    auto call = QDBusMessage::createMethodCall(QString::fromLatin1(TrayWatcher::watcherName),
+                                               QStringLiteral("/StatusNotifierWatcher"),
+                                               QString::fromLatin1(TrayWatcher::watcherName),
+                                               QStringLiteral("RegisterStatusNotifierItem"));
     call << QString::fromStdString(itemName());
     mBus.connection().asyncCall(call);
 }
@@ -75,13 +100,17 @@ void StatusNotifierItem::show(const StatusItemDisplay& display)
 {
     mMenu->setMenu(*display.menu);
     const QString icon = iconNameFor(display.icon);
-    if (std::exchange(mIconName, icon) != icon)
+    if (std::exchange(mIconName, icon) != icon) {
+        mIcons = picturesOf(iconFor(display.icon));
         Q_EMIT NewIcon();
+    }
     const auto toolTip = toolTipFor(display);
     const auto before = std::exchange(mToolTip, toolTip);
     if (before.title != toolTip.title || before.text != toolTip.text)
         Q_EMIT NewToolTip();
 }
+
+QString StatusNotifierItem::themePath() const { return iconThemePath(); }
 
 QDBusObjectPath StatusNotifierItem::menu() const { return QDBusObjectPath(menuPath); }
 

@@ -24,13 +24,13 @@ class StatusNotifierItem : public QObject
     Q_PROPERTY(QString Status READ status CONSTANT)
     Q_PROPERTY(int WindowId READ windowId CONSTANT)
     Q_PROPERTY(QString IconName READ iconName)
-    Q_PROPERTY(farview::DBusIcons IconPixmap READ noIcons CONSTANT)
+    Q_PROPERTY(farview::DBusIcons IconPixmap READ icons)
     Q_PROPERTY(QString OverlayIconName READ none CONSTANT)
     Q_PROPERTY(farview::DBusIcons OverlayIconPixmap READ noIcons CONSTANT)
     Q_PROPERTY(QString AttentionIconName READ none CONSTANT)
     Q_PROPERTY(farview::DBusIcons AttentionIconPixmap READ noIcons CONSTANT)
     Q_PROPERTY(QString AttentionMovieName READ none CONSTANT)
-    Q_PROPERTY(QString IconThemePath READ none CONSTANT)
+    Q_PROPERTY(QString IconThemePath READ themePath CONSTANT)
     Q_PROPERTY(farview::DBusToolTip ToolTip READ toolTip)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu CONSTANT)
     Q_PROPERTY(QDBusObjectPath Menu READ menu CONSTANT)
@@ -45,14 +45,15 @@ public:
     /// Tells the watcher, which has just come, of the item.
     void registerWithWatcher();
 
-    static constexpr const char* watcherName = "org.kde.StatusNotifierWatcher";
-
     QString category() const { return QStringLiteral("Hardware"); }
     QString id() const { return QStringLiteral("farview"); }
     QString title() const { return QStringLiteral("Farview"); }
     QString status() const { return QStringLiteral("Active"); }
     int windowId() const { return 0; }
     QString iconName() const { return mIconName; }
+    /// For trays that do not find the icon by its name.
+    DBusIcons icons() const { return mIcons; }
+    QString themePath() const;
     DBusToolTip toolTip() const { return mToolTip; }
     bool itemIsMenu() const { return true; }
     QDBusObjectPath menu() const;
@@ -76,6 +77,7 @@ private:
     std::function<void()> mActivated;
     DBusMenu* mMenu;
     QString mIconName;
+    DBusIcons mIcons;
     DBusToolTip mToolTip;
 };
 

@@ -2,13 +2,10 @@
 
 #include "Applications/FarviewStatusItem/ClassicTray.h"
 #include "Applications/FarviewStatusItem/StatusNotifierItem.h"
-#include "Platform/Desktop/BusNameWatcher.h"
+#include "Platform/Desktop/TrayWatcher.h"
 #include "Platform/Log.h"
 
-#include <QObject>
-
 #include <functional>
-#include <memory>
 #include <optional>
 
 namespace farview
@@ -17,34 +14,24 @@ namespace farview
 /// Shows the status item in the desktop's tray, whichever there is and whenever it comes: over the
 /// bus where somebody shows items of the StatusNotifierItem kind, else in a classic tray. While
 /// there is none it waits, and says so once in the log. Main thread only.
-class Tray : public QObject
+class Tray
 {
-    Q_OBJECT
-
 public:
     /// The references must outlive this.
     Tray(SessionBus& bus, Log& log, std::function<void()> activated);
 
     void show(const StatusItemDisplay& display);
 
-private Q_SLOTS:
-    void hostRegistered() { hostsChanged(true); }
-    void hostUnregistered() { askForHosts(); }
-
 private:
-    void watcherChanged(bool isThere);
-    void listenForHosts();
-    void askForHosts();
-    void hostsChanged(bool areThere);
+    void busTrayChanged(BusTray tray);
     void useClassicTray();
 
-    SessionBus& mBus;
     Log& mLog;
     StatusItemDisplay mDisplay;
     StatusNotifierItem mItem;
     std::optional<ClassicTray> mClassic;
-    BusNameWatcher mWatcher;
-    bool mWatcherIsThere = false;
+    BusTray mBusTray = BusTray::none;
+    TrayWatcher mWatcher;
     bool mHasSaidNone = false;
 };
 

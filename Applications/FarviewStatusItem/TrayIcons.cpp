@@ -1,5 +1,7 @@
 #include "Applications/FarviewStatusItem/TrayIcons.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QPainter>
 #include <QPixmap>
 
@@ -8,51 +10,88 @@ namespace farview
 namespace
 {
 
+QString stateName(StatusIcon icon)
+{
+    switch (icon) {
+    case StatusIcon::off:
+        return QStringLiteral("off");
+    case StatusIcon::on:
+        return QStringLiteral("on");
+    case StatusIcon::connected:
+        return QStringLiteral("connected");
+    case StatusIcon::trouble:
+        break;
+    }
+    return QStringLiteral("trouble");
+}
+
 QColor colourFor(StatusIcon icon)
 {
     switch (icon) {
     case StatusIcon::off:
-        return Qt::gray;
+        return QColor(0xB8, 0xBC, 0xC2);
     case StatusIcon::on:
         return Qt::white;
     case StatusIcon::connected:
-        return QColor(0x35, 0x84, 0xE4);
+        return QColor(0x78, 0xB4, 0xFF);
     case StatusIcon::trouble:
         break;
     }
-    return QColor(0xE0, 0x1B, 0x24);
+    return QColor(0xFF, 0x8A, 0x70);
 }
 
-/// A screen on its foot.
-QIcon paintedIcon(StatusIcon icon)
+/// Where the program's bundle, or the build tree, keeps that; empty when neither does.
+QString resourcePath(const QString& name)
 {
-    QPixmap pixmap(44, 44);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setPen(QPen(Qt::darkGray, 3));
-    painter.setBrush(colourFor(icon));
-    painter.drawRect(4, 6, 36, 24);
-    painter.drawLine(14, 39, 30, 39);
-    return QIcon(pixmap);
+    const QDir program(QCoreApplication::applicationDirPath());
+    for (const QString& folder : {u"../Resources/"_qs, u"../share/"_qs}) {
+        if (program.exists(folder + name))
+            return QDir::cleanPath(program.filePath(folder + name));
+    }
+    return {};
+}
+
+QPixmap coloured(const QPixmap& shape, const QColor& colour)
+{
+    QPixmap result = shape;
+    QPainter painter(&result);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(result.rect(), colour);
+    return result;
+}
+
+/// Light, with a dark edge.
+QPixmap readableAnywhere(const QPixmap& shape, const QColor& colour)
+{
+    const QPixmap edge = coloured(shape, QColor(0x20, 0x24, 0x28));
+    QPixmap result(shape.size());
+    result.fill(Qt::transparent);
+    QPainter painter(&result);
+    const int step = shape.width() / 22;
+    for (int x = -step; x <= step; x += step) {
+        for (int y = -step; y <= step; y += step)
+            painter.drawPixmap(x, y, edge);
+    }
+    painter.drawPixmap(0, 0, coloured(shape, colour));
+    return result;
 }
 
 } // namespace
 
-QString iconNameFor(StatusIcon icon)
-{
-    switch (icon) {
-    case StatusIcon::off:
-        return QStringLiteral("user-offline");
-    case StatusIcon::on:
-        return QStringLiteral("video-display");
-    case StatusIcon::connected:
-        return QStringLiteral("network-transmit-receive");
-    case StatusIcon::trouble:
-        break;
-    }
-    return QStringLiteral("dialog-warning");
-}
+QString iconNameFor(StatusIcon icon) { return u"farview-"_qs + stateName(icon) + u"-symbolic"_qs; }
 
-QIcon iconFor(StatusIcon icon) { return QIcon::fromTheme(iconNameFor(icon), paintedIcon(icon)); }
+QString iconThemePath() { return resourcePath(QStringLiteral("icons")); }
+
+QIcon iconFor(StatusIcon icon)
+{
+    QIcon result;
+    for (const int size : {22, 44}) {
+        const QPixmap shape(resourcePath(u"farview/tray/farview-"_qs + stateName(icon) + u'-' +
+                                         QString::number(size) + u".png"_qs));
+        if (!shape.isNull())
+            result.addPixmap(readableAnywhere(shape, colourFor(icon)));
+    }
+    return result;
+}
 
 } // namespace farview

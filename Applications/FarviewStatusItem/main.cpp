@@ -1,9 +1,9 @@
 #include "Applications/FarviewStatusItem/ServerLaunch.h"
 #include "Applications/FarviewStatusItem/StatusMenu.h"
 #include "Applications/FarviewStatusItem/Tray.h"
+#include "Applications/OwnPane.h"
 #include "Applications/TerminationSignals.h"
 #include "Common/FVEConstants.h"
-#include "Common/NSURL_Additions.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/SingleInstance.h"
 #include "Platform/Log.h"
@@ -29,23 +29,12 @@ bool hasDisplay()
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-/// The pane's bundle: the one that this program lies in, else the one that is installed.
-std::shared_ptr<Bundle> findPane(Platform& platform)
-{
-    const std::string program = QCoreApplication::applicationFilePath().toStdString();
-    const auto inside = program.find(std::string(kPrefPaneName) + "/");
-    if (inside != std::string::npos)
-        return platform.bundles->bundleWithPath(program.substr(0, inside) + kPrefPaneName);
-    const auto installed = findPrefPaneLocation(kPrefPaneName);
-    return installed ? platform.bundles->bundleWithPath(installed->path()) : nullptr;
-}
-
 int runStatusItem(QApplication& application, DesktopPlatform& desktop, SingleInstance& instance,
                   FVEPreferences& preferences)
 {
     Platform& platform = desktop.platform();
     const auto menu = std::make_shared<StatusMenu>(
-        StatusMenu::Services{platform, preferences, findPane(platform)}, [&] {
+        StatusMenu::Services{platform, preferences, ownPane(platform)}, [&] {
             instance.release();
             application.quit();
         });
@@ -76,7 +65,7 @@ int run(QApplication& application, bool atLogin)
     FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
     const bool startsServer = atLogin && preferences.currentState() == 1;
     if (startsServer)
-        launchServer(platform, findPane(platform).get());
+        launchServer(platform, ownPane(platform).get());
     SingleInstance instance(desktop.sessionBus(), kFVEMenuExtraBundleID);
     if ((!atLogin || preferences.showInMenuBar()) && instance.acquire())
         return runStatusItem(application, desktop, instance, preferences);

@@ -2,13 +2,42 @@
 
 #include <QCloseEvent>
 #include <QMessageBox>
+#include <QTabWidget>
 #include <QTimer>
 
 #include <algorithm>
 
-HostWindow::HostWindow() : mLayout(new QVBoxLayout(this))
+namespace
+{
+
+/// Tabs do not tell how high their pages must be where texts wrap, so each page is asked.
+int heightForPages(const QTabWidget& tabs, const QWidget& view, int width)
+{
+    QSize largest;
+    for (int i = 0; i < tabs.count(); ++i)
+        largest = largest.expandedTo(tabs.widget(i)->minimumSizeHint());
+    const QSize around = view.minimumSizeHint() - largest;
+    int height = 0;
+    for (int i = 0; i < tabs.count(); ++i) {
+        if (const QLayout* layout = tabs.widget(i)->layout())
+            height = std::max(height, layout->totalMinimumHeightForWidth(width - around.width()));
+    }
+    return height + around.height();
+}
+
+} // namespace
+
+HostWindow::HostWindow() : mLayout(new QVBoxLayout(this)), mBack(new QToolButton(this))
 {
     mLayout->setContentsMargins(0, 0, 0, 0);
+    mLayout->setSpacing(0);
+    mLayout->addWidget(mBack, 0, Qt::AlignLeading);
+    mBack->setObjectName(u"backButton"_qs);
+    mBack->setAutoRaise(true);
+    mBack->setFocusPolicy(Qt::StrongFocus);
+    mBack->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    mBack->hide();
+    connect(mBack, &QToolButton::clicked, this, &HostWindow::goingBack);
 }
 
 QSize HostWindow::firstSize(const QWidget& view)
@@ -16,21 +45,34 @@ QSize HostWindow::firstSize(const QWidget& view)
     QSize size = view.size().expandedTo(view.sizeHint());
     if (const QLayout* layout = view.layout())
         size.setHeight(std::max(view.height(), layout->totalMinimumHeightForWidth(size.width())));
+    for (const auto* tabs : view.findChildren<QTabWidget*>())
+        size.setHeight(std::max(size.height(), heightForPages(*tabs, view, size.width())));
     return size;
 }
 
-void HostWindow::setView(QWidget* view, const QString& title)
+void HostWindow::setView(QWidget* view, const QString& title, const QString& back)
 {
-    while (QLayoutItem* item = mLayout->takeAt(0)) {
-        item->widget()->hide();
-        delete item;
+    if (mView) {
+        mLayout->removeWidget(mView);
+        mView->hide();
     }
-    const QSize wanted = firstSize(*view);
-    mLayout->addWidget(view);
+    mView = view;
+    showBack(back);
+    QSize wanted = firstSize(*view);
+    mLayout->addWidget(view, 1);
     view->show();
     setWindowTitle(title);
-    if (!isVisible())
-        resize(wanted);
+    if (!back.isEmpty())
+        wanted.rheight() += mBack->sizeHint().height();
+    resize(isVisible() ? size().expandedTo(wanted) : wanted);
+}
+
+void HostWindow::showBack(const QString& title)
+{
+    mBack->setText(QString(title).replace(u'&', u"&&"_qs));
+    mBack->setArrowType(isRightToLeft() ? Qt::RightArrow : Qt::LeftArrow);
+    mBack->setShortcut(QKeySequence::Back); // a new text takes the shortcut away
+    mBack->setVisible(!title.isEmpty());
 }
 
 void HostWindow::bringToFront(const QString& activationToken)

@@ -149,5 +149,7 @@ std::unique_ptr<LoadedPane> PaneLoader::makePane(const QString& path, const farv
         return nullptr;
     }
     pane->mainViewDidLoad();
-    return std::make_unique<LoadedPane>(std::move(pane), view, infoText(bundle, "CFBundleName"));
+    const auto title = infoText(bundle, "CFBundleName").toStdString();
+    return std::make_unique<LoadedPane>(
+        std::move(pane), view, QString::fromStdString(bundle.localizedString(title, "", "")));
 }

@@ -6,7 +6,8 @@
 
 PreferencesHost::PreferencesHost(PaneLoader loader) : mLoader(loader)
 {
-    connect(&mWindow, &HostWindow::closing, this, &PreferencesHost::unselect);
+    connect(&mWindow, &HostWindow::closing, this, &PreferencesHost::close);
+    connect(&mWindow, &HostWindow::goingBack, this, &PreferencesHost::goBack);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
             &PreferencesHost::followActivity);
 }
@@ -17,8 +18,12 @@ HostError PreferencesHost::open(const QString& bundlePath)
 {
     HostError error;
     LoadedPane* pane = paneAt(bundlePath, error);
-    if (pane && pane != mSelected)
+    if (pane && pane != mSelected) {
+        if (mSelected)
+            mEarlier.push_back(mSelected);
+        std::erase(mEarlier, pane);
         select(*pane);
+    }
     if (!pane && mWindow.isVisible())
         mWindow.showProblem(error.message);
     return error;
@@ -38,9 +43,25 @@ void PreferencesHost::select(LoadedPane& pane)
     unselect();
     mSelected = &pane;
     pane.pane().willSelect();
-    mWindow.setView(pane.view(), pane.title());
+    mWindow.setView(pane.view(), pane.title(),
+                    mEarlier.empty() ? QString() : mEarlier.back()->title());
     mWindow.show();
     pane.pane().didSelect();
+}
+
+void PreferencesHost::goBack()
+{
+    if (mEarlier.empty())
+        return;
+    LoadedPane* pane = mEarlier.back();
+    mEarlier.pop_back();
+    select(*pane);
+}
+
+void PreferencesHost::close()
+{
+    unselect();
+    mEarlier.clear();
 }
 
 void PreferencesHost::unselect()

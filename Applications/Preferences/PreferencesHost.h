@@ -5,9 +5,11 @@
 
 #include <map>
 #include <memory>
+#include <vector>
 
 /// Drives panes through their lives: each is loaded once, selected when it comes on show, and
-/// unselected when another takes its place or the window closes.
+/// unselected when another takes its place or the window closes. From a pane that was opened over
+/// another one there is a way back.
 class PreferencesHost : public QObject
 {
     Q_OBJECT
@@ -28,11 +30,14 @@ public:
 private:
     LoadedPane* paneAt(const QString& bundlePath, HostError& error);
     void select(LoadedPane& pane);
+    void goBack();
+    void close();
     void followActivity(Qt::ApplicationState state);
 
     PaneLoader mLoader;
     HostWindow mWindow;
     std::map<QString, std::unique_ptr<LoadedPane>> mPanes;
     LoadedPane* mSelected = nullptr;
+    std::vector<LoadedPane*> mEarlier; ///< the way back, each pane once, the latest last
     bool mActive = true;
 };

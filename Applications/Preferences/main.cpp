@@ -1,3 +1,4 @@
+#include "Applications/Preferences/FontReader.h"
 #include "Applications/Preferences/PaneSearch.h"
 #include "Applications/Preferences/PreferencesHost.h"
 #include "Applications/Preferences/SmokeTest.h"
@@ -13,6 +14,7 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <thread>
 
 namespace
 {
@@ -145,7 +147,9 @@ int main(int argc, char* argv[])
     if (!hasDisplay())
         return fail({HostStatus::noDisplay, u"There is no display to open a window on."_qs});
 
+    const FontReader configuration;
     QApplication application(argc, argv);
+    const std::jthread fonts = FontReader::listFonts();
     QApplication::setApplicationName(u"farview-preferences"_qs);
     QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
     QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);

@@ -35,20 +35,61 @@ ScreenServer::ScreenServer(Services services, Ending ending)
 {
 }
 
+void ScreenServer::listen()
+{
+    observeRequest(kConnectServerToHost, &ScreenServer::connectToHost);
+    observeRequest(kConnectServerToTicket, &ScreenServer::connectToTicket);
+    observeRequest(kDisconnectCurrentServerFromHost, &ScreenServer::disconnectFromHost);
+    mServices.center.addObserver(
+        weak_from_this(), [this](const Notification&) { quit(); }, kTerminateScreenServer, "");
+}
+
 void ScreenServer::start()
 {
+    if (mState != State::waiting)
+        return;
+    mState = State::idle;
     mServices.link.setDelegate(weak_from_this());
-    observe(kConnectServerToHost, &ScreenServer::connectToHost);
-    observe(kConnectServerToTicket, &ScreenServer::connectToTicket);
-    observe(kDisconnectCurrentServerFromHost, &ScreenServer::disconnectFromHost);
     observe(kQueryRequestForConnectedHost, &ScreenServer::answerQuery);
-    observe(kTerminateScreenServer, &ScreenServer::terminate);
     observe(kFVEPrefsDidChangeNotification, &ScreenServer::preferencesChanged);
+    observeReconnection();
+    startBrowsing();
+    announceState();
+    std::exchange(mHeldRequest, nullptr)();
+}
+
+void ScreenServer::observe(const char* name, Operation operation)
+{
+    const auto handler = [this, operation](const Notification& notification) {
+        if (mState != State::quitting)
+            (this->*operation)(notification);
+    };
+    mServices.center.addObserver(weak_from_this(), handler, name, "");
+}
+
+void ScreenServer::observeRequest(const char* name, Operation operation)
+{
+    const auto handler = [this, operation](const Notification& notification) {
+        if (mState == State::waiting)
+            mHeldRequest = [this, operation, userInfo = notification.userInfo()] {
+                (this->*operation)(Notification({}, nullptr, userInfo));
+            };
+        else if (mState != State::quitting)
+            (this->*operation)(notification);
+    };
+    mServices.center.addObserver(weak_from_this(), handler, name, "");
+}
+
+void ScreenServer::observeReconnection()
+{
     mReconnection = mServices.center.observeReconnection([this] {
         announceState();
         preferencesChanged(Notification(kFVEPrefsDidChangeNotification, nullptr, {}));
     });
+}
 
+void ScreenServer::startBrowsing()
+{
     QLNBonjourBrowser::setBonjourServiceName(kVirtualScreenServiceName);
     mBrowser = std::make_shared<QLNBonjourBrowser>(mServices.discovery, mServices.runLoop,
                                                    mServices.localCenter);
@@ -60,16 +101,6 @@ void ScreenServer::start()
         *this);
     mBrowser->init();
     mAutoConnector->start(mBrowser);
-    announceState();
-}
-
-void ScreenServer::observe(const char* name, void (ScreenServer::*operation)(const Notification&))
-{
-    const auto handler = [this, operation](const Notification& notification) {
-        if (mState != State::quitting)
-            (this->*operation)(notification);
-    };
-    mServices.center.addObserver(weak_from_this(), handler, name, "");
 }
 
 void ScreenServer::observeBrowser(const char* name)
@@ -145,8 +176,6 @@ void ScreenServer::preferencesChanged(const Notification& /*notification*/)
     mAutoConnector->preferencesChanged();
     sendOptions();
 }
-
-void ScreenServer::terminate(const Notification& /*notification*/) { quit(); }
 
 // --- the road to a device --------------------------------------------------------------------
 

@@ -50,7 +50,12 @@ public:
 
     ScreenServer(Services services, Ending ending);
 
-    /// Begins to listen and to browse, and announces that no device is connected. Called once.
+    /// Begins to listen. Until `start` only the latest request is kept, because an earlier server
+    /// may still be saying goodbye to the device; the request to terminate is followed at once.
+    /// Called once, before `start`.
+    void listen();
+    /// Begins to browse, announces that no device is connected, and does what was asked for
+    /// meanwhile. Called once; nothing happens when the server was asked to quit before.
     void start();
     /// Leaves the device with a goodbye, says so, and finishes. A second call does nothing.
     void quit();
@@ -62,16 +67,19 @@ public:
     void connectByItself(const NetService& service) override;
 
 private:
-    enum class State { idle, searching, connecting, connected, quitting };
+    enum class State { waiting, idle, searching, connecting, connected, quitting };
+    using Operation = void (ScreenServer::*)(const Notification&);
 
-    void observe(const char* name, void (ScreenServer::*operation)(const Notification&));
+    void observe(const char* name, Operation operation);
+    void observeRequest(const char* name, Operation operation);
+    void observeReconnection();
+    void startBrowsing();
     void observeBrowser(const char* name);
     void connectToHost(const Notification& notification);
     void connectToTicket(const Notification& notification);
     void disconnectFromHost(const Notification& notification);
     void answerQuery(const Notification& notification);
     void preferencesChanged(const Notification& notification);
-    void terminate(const Notification& notification);
 
     bool isConnectedTo(const std::string& deviceName, const std::string& address) const;
     bool tookOverAttempt(const std::string& hostName);
@@ -94,7 +102,9 @@ private:
     std::shared_ptr<QLNBonjourBrowser> mBrowser;
     std::shared_ptr<AutoConnector> mAutoConnector;
     Subscription mReconnection;
-    State mState = State::idle;
+    State mState = State::waiting;
+    /// The latest request of the time before the start.
+    std::function<void()> mHeldRequest = [] {};
     /// The device asked for: its host name, or "Other".
     std::string mDeviceName;
     /// Where it is: as typed for "Other", else as it was reached.

@@ -1,6 +1,7 @@
 #include "Applications/ScreenCapture/NetworkDeviceLink.h"
 #include "Applications/ScreenCapture/ScreenServer.h"
 #include "Applications/TerminationSignals.h"
+#include "Common/FVEConstants.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/SingleInstance.h"
 #include "Platform/Desktop/Supervisor.h"
@@ -14,9 +15,6 @@ namespace
 {
 
 using namespace farview;
-
-// As in Info.plist: by it the desktop knows whether the server runs.
-constexpr const char* kBundleIdentifier = "com.quillon.ScreenCapture";
 
 /// After a crash: the user may have switched the system off while no server ran to hear of it.
 bool isStillWanted(FVEPreferences& preferences, Log& log)
@@ -36,10 +34,7 @@ int runServer(int argc, char** argv, unsigned crashes)
     FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
     if (crashes > 0 && !isStillWanted(preferences, *platform.log))
         return 0;
-    SingleInstance instance(desktop.sessionBus(), kBundleIdentifier);
-    if (!instance.acquire())
-        return 0;
-
+    SingleInstance instance(desktop.sessionBus(), kFVEScreenServerBundleID);
     const auto link = std::make_shared<NetworkDeviceLink>();
     const auto server = std::make_shared<ScreenServer>(
         ScreenServer::Services{*platform.discovery, *platform.runLoop, *platform.notificationCenter,
@@ -48,6 +43,10 @@ int runServer(int argc, char** argv, unsigned crashes)
         ScreenServer::Ending{[&] { instance.release(); }, [&] { application.quit(); }});
     const TerminationSignals termination([&] { server->quit(); });
     QObject::connect(&instance, &SingleInstance::replaced, &application, [&] { server->quit(); });
+    // In this order: who sees the server running can rely on being heard.
+    server->listen();
+    if (!instance.acquire())
+        return 0;
     instance.whenItsTurnComes([&] { server->start(); });
     return QCoreApplication::exec();
 }

@@ -1,0 +1,59 @@
+#include "Common/Rules/UpdateChoice.h"
+
+#include <gtest/gtest.h>
+
+namespace farview
+{
+namespace
+{
+
+using Kind = UpdateChoice::Kind;
+
+UpdateItem item(const char* version, const char* minimum = "")
+{
+    UpdateItem item;
+    item.version = version;
+    item.minimumSystemVersion = minimum;
+    return item;
+}
+
+TEST(UpdateChoice, IsTheNewestThatSuits)
+{
+    struct Row {
+        std::vector<UpdateItem> items;
+        Kind kind;
+        const char* offered;
+        const char* found;
+    };
+    const Row rows[] = {
+        {{}, Kind::current, "1.0", ""},
+        {{item("1.0")}, Kind::current, "1.0", ""},
+        {{item("0.9")}, Kind::current, "0.9", ""},
+        {{item("1.0.0")}, Kind::current, "1.0.0", ""},
+        {{item("1.1")}, Kind::found, "1.1", "1.1"},
+        {{item("1.1"), item("1.10"), item("1.9")}, Kind::found, "1.10", "1.10"},
+        {{item("1.1"), item("2.0", "11")}, Kind::found, "2.0", "1.1"},
+        {{item("2.0", "10.9.0")}, Kind::found, "2.0", "2.0"},
+        {{item("2.0", "10.9.1")}, Kind::systemTooOld, "2.0", ""},
+        {{item("2.0", "11"), item("1.0")}, Kind::systemTooOld, "2.0", ""},
+        {{item("0.5", "11")}, Kind::current, "0.5", ""},
+    };
+    for (const auto& row : rows) {
+        const auto choice = chooseUpdate(row.items, "1.0", "10.9.0");
+        EXPECT_EQ(choice.kind, row.kind) << row.offered;
+        EXPECT_EQ(choice.offered, row.offered);
+        EXPECT_EQ(choice.item ? choice.item->version : "", row.found);
+    }
+}
+
+TEST(UpdateChoice, OfTwoItemsWithOneVersionTheFirstCounts)
+{
+    auto first = item("1.1");
+    first.address = "first";
+    auto second = item("1.1.0");
+    second.address = "second";
+    EXPECT_EQ(chooseUpdate({first, second}, "1.0", "10").item->address, "first");
+}
+
+} // namespace
+} // namespace farview

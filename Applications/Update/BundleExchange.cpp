@@ -1,0 +1,109 @@
+#include "Applications/Update/BundleExchange.h"
+
+#include "Platform/Posix/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+
+namespace farview
+{
+namespace
+{
+
+/// Another process that puts the old bundle back when this one is killed between two steps. It
+/// was copied from a process with threads, so it does nothing but call the system.
+class Guard
+{
+public:
+    explicit Guard(const BundleExchange& exchange)
+    {
+        int ends[2];
+        if (::pipe2(ends, O_CLOEXEC) != 0)
+            return;
+        const FileDescriptor awaited(ends[0]);
+        mHeld = FileDescriptor(ends[1]);
+        mProcess = ::fork();
+        if (mProcess == 0)
+            watch(ends, exchange.aside.c_str(), exchange.bundle.c_str());
+    }
+    ~Guard()
+    {
+        mHeld = {};
+        if (mProcess > 0)
+            ::waitpid(mProcess, nullptr, 0);
+    }
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+
+private:
+    [[noreturn]] static void watch(const int* ends, const char* aside, const char* bundle)
+    {
+        // Whatever ends the group of the other process leaves this one.
+        ::setsid();
+        ::close(ends[1]);
+        char unused = 0;
+        while (::read(ends[0], &unused, 1) < 0 && errno == EINTR) {
+        }
+        if (::access(bundle, F_OK) != 0)
+            ::rename(aside, bundle);
+        ::_exit(0);
+    }
+
+    FileDescriptor mHeld;
+    pid_t mProcess = -1;
+};
+
+int synchronize(const std::string& folder, int (*how)(int))
+{
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return descriptor.isOpen() && how(descriptor.get()) == 0 ? 0 : errno;
+}
+
+std::string parentOf(const std::string& path)
+{
+    return std::filesystem::path(path).parent_path().string();
+}
+
+bool isImpossible(int error) { return error == EINVAL || error == ENOSYS || error == ENOTSUP; }
+
+} // namespace
+
+int exchangeNames(const std::string& left, const std::string& right)
+{
+    const bool isDone =
+        ::renameat2(AT_FDCWD, left.c_str(), AT_FDCWD, right.c_str(), RENAME_EXCHANGE) == 0;
+    return isDone ? 0 : errno;
+}
+
+int BundleExchange::replaceInTwoSteps() const
+{
+    const Guard guard(*this);
+    if (::rename(bundle.c_str(), aside.c_str()) != 0)
+        return errno;
+    if (::rename(replacement.c_str(), bundle.c_str()) == 0)
+        return 0;
+    const int error = errno;
+    ::rename(aside.c_str(), bundle.c_str());
+    return error;
+}
+
+std::optional<UpdateFailure> BundleExchange::run(const ExchangeNames& exchange) const
+{
+    // The new files first: a name must not lead to what is not on the disk yet.
+    if (const int error = synchronize(parentOf(replacement), ::syncfs))
+        return writeFailure(error, replacement);
+    int error = exchange(replacement, bundle);
+    if (isImpossible(error))
+        error = replaceInTwoSteps();
+    if (error != 0)
+        return writeFailure(error, bundle);
+    synchronize(parentOf(bundle), ::fsync);
+    return std::nullopt;
+}
+
+} // namespace farview

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Common/Rules/UpdateChoice.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace farview
+{
+
+/// Reads appcasts: RSS 2.0 whose items carry a version, an archive and its signature.
+///
+/// Anyone may have written them: UTF-8 only, no document type (so no declared entities), bounded,
+/// see the limits. An item without a version that can be compared or without an archive's address
+/// is passed over. Never throws; has no state; any thread.
+class FeedReader
+{
+public:
+    static constexpr std::size_t largestSize = 1u << 20;
+    static constexpr std::size_t largestDepth = 32;
+    static constexpr std::size_t mostItems = 200;
+
+    struct Result {
+        std::optional<std::vector<UpdateItem>> items; ///< nothing when it was refused
+        std::string reason;                           ///< why, in a few words for the log
+    };
+
+    static Result read(std::string_view bytes);
+};
+
+} // namespace farview

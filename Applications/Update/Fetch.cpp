@@ -1,0 +1,184 @@
+#include "Applications/Update/Fetch.h"
+
+#include "Applications/Update/NetworkFailure.h"
+#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/WholeFile.h"
+
+#include <QNetworkProxyFactory>
+#include <QSslConfiguration>
+
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+constexpr int mostRedirections = 5;
+constexpr qint64 readAhead = 64 * 1024;
+constexpr int statusOfContents = 200;
+
+/// The authorities of the system; or, as with other programs here, those in the file that the user
+/// names instead. What is fetched counts only when it is signed, whoever vouched for the server.
+QSslConfiguration trust()
+{
+    auto configuration = QSslConfiguration::defaultConfiguration();
+    const QString file = qEnvironmentVariable("SSL_CERT_FILE");
+    if (!file.isEmpty())
+        configuration.setCaCertificates(QSslCertificate::fromPath(file));
+    return configuration;
+}
+
+QNetworkRequest requestFor(const QUrl& address)
+{
+    QNetworkRequest request(address);
+    request.setSslConfiguration(trust());
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::UserVerifiedRedirectPolicy);
+    request.setMaximumRedirectsAllowed(mostRedirections);
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    // Said by us, it also keeps the library from decompressing: bytes are counted as they come.
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("farview-update"));
+    return request;
+}
+
+} // namespace
+
+bool isSecureAddress(const QUrl& address)
+{
+    return address.isValid() &&
+           (address.isLocalFile() ||
+            (address.scheme() == QLatin1String("https") && !address.host().isEmpty()));
+}
+
+void Fetch::EndReply::operator()(QNetworkReply* reply) const
+{
+    reply->abort();
+    // The end may come within one of its own signals.
+    reply->deleteLater();
+}
+
+Fetch::Fetch()
+{
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    mSilence.setSingleShot(true);
+    mDeadline.setSingleShot(true);
+    QObject::connect(&mSilence, &QTimer::timeout, &mSilence, [this] {
+        end(UpdateFailure{UpdateReason::stalled, "the server fell silent"});
+    });
+    QObject::connect(&mDeadline, &QTimer::timeout, &mDeadline, [this] {
+        end(UpdateFailure{UpdateReason::stalled, "the server is too slow"});
+    });
+}
+
+Fetch::~Fetch() { stop(); }
+
+void Fetch::start(const FetchOrder& order, Progress progress, Then then)
+{
+    stop();
+    mOrder = order;
+    mProgress = std::move(progress);
+    mThen = std::move(then);
+    mBytes.clear();
+    if (order.address.isLocalFile())
+        return QTimer::singleShot(0, &mManager, [this] { openFile(); });
+    openAddress();
+}
+
+void Fetch::stop()
+{
+    mThen = nullptr;
+    mListener.reset();
+    mReply.reset();
+    mSilence.stop();
+    mDeadline.stop();
+}
+
+void Fetch::openFile()
+{
+    if (!mThen)
+        return;
+    const std::string path = mOrder.address.toLocalFile().toStdString();
+    WholeFile file = readWholeFile(path, mOrder.largestSize);
+    if (file.status == WholeFile::Status::tooLarge)
+        return end(UpdateFailure{mOrder.beyond, path + " is too large"});
+    if (file.status != WholeFile::Status::read)
+        return end(UpdateFailure{UpdateReason::server, path + ": " + errorText(file.error)});
+    mBytes = std::move(file.bytes);
+    mProgress(mBytes.size());
+    end(std::nullopt);
+}
+
+void Fetch::openAddress()
+{
+    mReply.reset(mManager.get(requestFor(mOrder.address)));
+    mReply->setReadBufferSize(readAhead);
+    connectReply();
+    mSilence.start(mOrder.patience);
+    if (mOrder.deadline.count() > 0)
+        mDeadline.start(mOrder.deadline);
+}
+
+void Fetch::connectReply()
+{
+    mListener = std::make_unique<QObject>();
+    QObject* listener = mListener.get();
+    QNetworkReply* reply = mReply.get();
+    QObject::connect(reply, &QNetworkReply::redirected, listener,
+                     [this](const QUrl& target) { redirect(target); });
+    QObject::connect(reply, &QNetworkReply::metaDataChanged, listener, [this] { announce(); });
+    QObject::connect(reply, &QNetworkReply::readyRead, listener, [this] { receive(); });
+    QObject::connect(reply, &QNetworkReply::finished, listener, [this] { conclude(); });
+}
+
+void Fetch::redirect(const QUrl& target)
+{
+    if (target.scheme() != QLatin1String("https"))
+        return end(UpdateFailure{UpdateReason::insecureAddress,
+                                 "redirected to " + target.toString().toStdString()});
+    mSilence.start();
+    Q_EMIT mReply->redirectAllowed();
+}
+
+void Fetch::announce()
+{
+    mSilence.start();
+    const auto length = mReply->header(QNetworkRequest::ContentLengthHeader);
+    if (length.isValid() && length.toULongLong() > mOrder.largestSize)
+        end(UpdateFailure{mOrder.beyond, "the server announces more than may come"});
+}
+
+void Fetch::receive()
+{
+    if (!mReply || mReply->error() != QNetworkReply::NoError)
+        return;
+    mSilence.start();
+    const QByteArray bytes = mReply->readAll();
+    if (mBytes.size() + static_cast<std::size_t>(bytes.size()) > mOrder.largestSize)
+        return end(UpdateFailure{mOrder.beyond, "the server sends more than may come"});
+    mBytes.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    mProgress(mBytes.size());
+}
+
+void Fetch::conclude()
+{
+    if (mReply->error() != QNetworkReply::NoError)
+        return end(networkFailure(mReply->error(), mReply->errorString()));
+    const int status = mReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (status != statusOfContents)
+        return end(UpdateFailure{UpdateReason::server, "status " + std::to_string(status)});
+    receive();
+    end(std::nullopt);
+}
+
+void Fetch::end(std::optional<UpdateFailure> failure)
+{
+    const Then then = std::exchange(mThen, nullptr);
+    stop();
+    if (then)
+        then(failure ? std::string() : std::move(mBytes), std::move(failure));
+}
+
+} // namespace farview

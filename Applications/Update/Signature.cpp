@@ -1,0 +1,96 @@
+#include "Applications/Update/Signature.h"
+
+#include "Platform/Posix/PropertyListScalars.h"
+
+#include <sodium.h>
+
+namespace farview
+{
+namespace
+{
+
+using Bytes = std::string;
+
+const unsigned char* unsignedBytes(std::string_view bytes)
+{
+    return reinterpret_cast<const unsigned char*>(bytes.data());
+}
+
+unsigned char* unsignedBytes(Bytes& bytes)
+{
+    return reinterpret_cast<unsigned char*>(bytes.data());
+}
+
+/// The bytes of a Base64 text, when there are that many; else none.
+Bytes decoded(std::string_view text, std::size_t size)
+{
+    const auto data = dataFromBase64(text);
+    return data && data->size() == size ? data->text() : Bytes();
+}
+
+std::string encoded(std::string_view bytes) { return base64FromData(Data::fromText(bytes)); }
+
+struct Pair {
+    Bytes publicKey = Bytes(crypto_sign_PUBLICKEYBYTES, '\0');
+    Bytes secretKey = Bytes(crypto_sign_SECRETKEYBYTES, '\0');
+
+    explicit Pair(const Bytes& seed)
+    {
+        crypto_sign_seed_keypair(unsignedBytes(publicKey), unsignedBytes(secretKey),
+                                 unsignedBytes(std::string_view(seed)));
+    }
+    ~Pair() { sodium_memzero(secretKey.data(), secretKey.size()); }
+    Pair(const Pair&) = delete;
+    Pair& operator=(const Pair&) = delete;
+};
+
+} // namespace
+
+std::optional<SigningKey> SigningKey::generated()
+{
+    if (sodium_init() < 0)
+        return std::nullopt;
+    Bytes seed(crypto_sign_SEEDBYTES, '\0');
+    randombytes_buf(seed.data(), seed.size());
+    return SigningKey(std::move(seed));
+}
+
+std::optional<SigningKey> SigningKey::fromText(std::string_view text)
+{
+    Bytes seed = decoded(text, crypto_sign_SEEDBYTES);
+    if (sodium_init() < 0 || seed.empty())
+        return std::nullopt;
+    return SigningKey(std::move(seed));
+}
+
+SigningKey::~SigningKey() { sodium_memzero(mSeed.data(), mSeed.size()); }
+
+std::string SigningKey::text() const { return encoded(mSeed); }
+
+std::string SigningKey::publicKey() const { return encoded(Pair(mSeed).publicKey); }
+
+std::string SigningKey::signatureOf(std::string_view bytes) const
+{
+    const Pair pair(mSeed);
+    Bytes signature(crypto_sign_BYTES, '\0');
+    crypto_sign_detached(unsignedBytes(signature), nullptr, unsignedBytes(bytes), bytes.size(),
+                         unsignedBytes(std::string_view(pair.secretKey)));
+    return encoded(signature);
+}
+
+bool isPublicKey(std::string_view publicKey)
+{
+    return !decoded(publicKey, crypto_sign_PUBLICKEYBYTES).empty();
+}
+
+bool isSigned(std::string_view bytes, std::string_view signature, std::string_view publicKey)
+{
+    const Bytes key = decoded(publicKey, crypto_sign_PUBLICKEYBYTES);
+    const Bytes mark = decoded(signature, crypto_sign_BYTES);
+    if (sodium_init() < 0 || key.empty() || mark.empty())
+        return false;
+    return crypto_sign_verify_detached(unsignedBytes(std::string_view(mark)), unsignedBytes(bytes),
+                                       bytes.size(), unsignedBytes(std::string_view(key))) == 0;
+}
+
+} // namespace farview

@@ -1,0 +1,126 @@
+#include "Applications/Update/Staging.h"
+
+#include "Platform/Posix/FolderListing.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+constexpr mode_t ownerOnly = S_IRWXU;
+/// Each further attempt means that another run ended just then.
+constexpr int mostAttempts = 10;
+
+std::string stagingPathFor(const std::filesystem::path& bundle)
+{
+    return (bundle.parent_path() / ("." + bundle.filename().string() + ".update")).string();
+}
+
+bool exists(const std::string& path)
+{
+    struct stat status {
+    };
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+} // namespace
+
+Staging::Staging(std::string bundle) : mBundle(std::move(bundle)), mPath(stagingPathFor(mBundle)) {}
+
+Staging::~Staging() { release(); }
+
+std::optional<UpdateFailure> Staging::openOwn()
+{
+    if (::mkdir(mPath.c_str(), ownerOnly) != 0 && errno != EEXIST)
+        return writeFailure(errno, mPath);
+    mFolder =
+        FileDescriptor(::open(mPath.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!mFolder.isOpen())
+        return errno == ENOENT ? std::nullopt : std::optional(writeFailure(errno, mPath));
+    struct stat status {
+    };
+    // A folder that somebody else laid there is not used.
+    if (::fstat(mFolder.get(), &status) != 0 || status.st_uid != ::geteuid() ||
+        (status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        return UpdateFailure{UpdateReason::write, mPath + " is not private"};
+    return std::nullopt;
+}
+
+/// Whether the path still leads to the folder that is locked: who had it before removed it.
+bool Staging::isStillThere() const
+{
+    struct stat held {
+    };
+    struct stat named {
+    };
+    return ::fstat(mFolder.get(), &held) == 0 && ::lstat(mPath.c_str(), &named) == 0 &&
+           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+}
+
+std::optional<UpdateFailure> Staging::lock()
+{
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        if (auto failure = openOwn())
+            return failure;
+        if (!mFolder.isOpen())
+            continue;
+        if (::flock(mFolder.get(), LOCK_EX | LOCK_NB) != 0)
+            break;
+        if (isStillThere())
+            return std::nullopt;
+    }
+    return UpdateFailure{UpdateReason::busy, "another update of this bundle is running"};
+}
+
+std::optional<UpdateFailure> Staging::acquire()
+{
+    auto failure = lock();
+    if (!failure)
+        failure = empty();
+    if (failure)
+        mFolder = {};
+    return failure;
+}
+
+std::optional<UpdateFailure> Staging::empty()
+{
+    if (!exists(mBundle) && exists(asidePath()) &&
+        ::rename(asidePath().c_str(), mBundle.c_str()) != 0)
+        return writeFailure(errno, mBundle);
+    for (const auto& name : namesInFolder(mPath)) {
+        std::error_code error;
+        std::filesystem::remove_all(mPath + "/" + name, error);
+        if (error)
+            return writeFailure(error.value(), mPath + "/" + name);
+    }
+    return std::nullopt;
+}
+
+std::optional<UpdateFailure> Staging::tidy()
+{
+    if (!exists(mPath))
+        return std::nullopt;
+    auto failure = acquire();
+    release();
+    return failure;
+}
+
+void Staging::release()
+{
+    if (!mFolder.isOpen())
+        return;
+    // Another process takes the folder for its own only once it is unlocked or gone.
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
+    mFolder = {};
+}
+
+} // namespace farview

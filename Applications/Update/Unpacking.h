@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Applications/Update/UpdateFailure.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace farview
+{
+
+/// How much an archive may hold.
+struct UnpackLimits {
+    std::uint64_t bytes = 512u << 20; ///< of all files together
+    std::size_t entries = 10000;
+    std::size_t pathLength = 512;
+};
+
+/// Unpacks a compressed tar archive that holds one folder and in it files and folders only.
+///
+/// Refused as a whole, with what was written until then left to the caller: links of both kinds,
+/// devices and all else that is no file or folder; absolute paths, "..", empty parts of a path; a
+/// path twice; more than one folder at the top; more than the limits. Modes become 0755 or 0644.
+class Unpacking
+{
+public:
+    /// Into `folder`, which is empty and private to this process. `isBrokenOff` is asked
+    /// now and then.
+    Unpacking(std::string folder, UnpackLimits limits, std::function<bool()> isBrokenOff);
+
+    /// Nothing when all was unpacked; after a break-off, a failure that nobody needs to hear of.
+    std::optional<UpdateFailure> unpack(std::string_view archive);
+    /// The folder at the top, within `folder`.
+    const std::string& top() const { return mTop; }
+
+private:
+    class Reader;
+
+    std::optional<UpdateFailure> unpackEntry(Reader& reader);
+    std::optional<UpdateFailure> unpackFile(Reader& reader, const std::string& path);
+    std::optional<UpdateFailure> copy(Reader& reader, int descriptor, const std::string& path);
+    std::optional<UpdateFailure> count(const Reader& reader);
+    bool takeTop(const std::string& path);
+
+    std::string mFolder;
+    UnpackLimits mLimits;
+    std::function<bool()> mIsBrokenOff;
+    std::string mTop;
+    std::uint64_t mBytes = 0;
+    std::size_t mEntries = 0;
+};
+
+/// The path of an entry without a slash at its end, when it leads nowhere but down from where it is
+/// unpacked; else nothing.
+std::optional<std::string> innerPath(std::string_view path);
+
+} // namespace farview

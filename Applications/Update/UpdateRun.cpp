@@ -1,0 +1,63 @@
+#include "Applications/Update/UpdateRun.h"
+
+#include <utility>
+
+namespace farview
+{
+UpdateRun::UpdateRun(UpdateArguments arguments, UpdateEvents& events,
+                     std::function<void(int)> ended)
+    : mArguments(std::move(arguments)), mEvents(events), mEnded(std::move(ended)),
+      mBundle(ownPath(mArguments.bundle)), mStaging(mBundle)
+{
+}
+
+void UpdateRun::take(UpdateCommand command)
+{
+    if (command == UpdateCommand::download)
+        mMayDownload = true;
+    else if (command == UpdateCommand::install)
+        mMayInstall = true;
+    else if (!mMayInstall)
+        mIsCancelled = true;
+    proceed();
+}
+
+void UpdateRun::proceed()
+{
+    if (mStep == Step::ended || mStep == Step::working)
+        return;
+    if (mIsCancelled) {
+        mStaging.release();
+        mEvents.cancelled();
+        end(0);
+    } else if (mStep == Step::offered && mMayDownload) {
+        download();
+    } else if (mStep == Step::ready && mMayInstall) {
+        install();
+    }
+}
+
+bool UpdateRun::isBrokenOff()
+{
+    mListen();
+    return mIsCancelled;
+}
+
+void UpdateRun::conclude(std::optional<UpdateFailure> failure)
+{
+    mStaging.release();
+    if (failure) {
+        mEvents.failed(*failure);
+        end(1);
+    }
+}
+
+void UpdateRun::end(int status)
+{
+    mStep = Step::ended;
+    mFetch.stop();
+    mTrial.stop();
+    mEnded(status);
+}
+
+} // namespace farview

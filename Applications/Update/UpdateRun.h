@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Applications/Update/BundleFacts.h"
+#include "Applications/Update/Fetch.h"
+#include "Applications/Update/Staging.h"
+#include "Applications/Update/TrialRun.h"
+#include "Applications/Update/UpdateArguments.h"
+#include "Applications/Update/UpdateCommands.h"
+#include "Applications/Update/UpdateEvents.h"
+
+#include <QElapsedTimer>
+#include <QUrl>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace farview
+{
+
+/// One update of one bundle, from the look at the feed to the exchange. Until the exchange nothing
+/// of the bundle is touched, and whatever fails, or is broken off, leaves no trace. Main thread.
+class UpdateRun
+{
+public:
+    /// `ended` is called once, with the exit status. `events` is used, not owned.
+    UpdateRun(UpdateArguments arguments, UpdateEvents& events, std::function<void(int)> ended);
+
+    void start();
+    void take(UpdateCommand command);
+    /// Called now and then by steps that take long on their own, to hear of a cancellation.
+    void setListen(std::function<void()> listen) { mListen = std::move(listen); }
+
+private:
+    enum class Step { checking, offered, downloading, working, trying, ready, ended };
+
+    std::optional<UpdateFailure> look();
+    void takeFeed(const std::string& bytes);
+    void offer(const UpdateItem& item);
+    std::optional<UpdateFailure> refusalOf(const UpdateItem& item);
+
+    void proceed();
+    void download();
+    std::optional<UpdateFailure> makeRoom();
+    void takeProgress(std::uint64_t received);
+    void takeArchive(const std::string& bytes);
+    std::optional<UpdateFailure> prepare(const std::string& archive);
+    std::optional<UpdateFailure> compare() const;
+    void tryOut();
+
+    void install();
+    std::optional<UpdateFailure> exchange();
+
+    bool isBrokenOff();
+    void conclude(std::optional<UpdateFailure> failure);
+    void end(int status);
+
+    UpdateArguments mArguments;
+    UpdateEvents& mEvents;
+    std::function<void(int)> mEnded;
+    std::function<void()> mListen = [] {};
+    Step mStep = Step::checking;
+    bool mMayDownload = false;
+    bool mMayInstall = false;
+    bool mIsCancelled = false;
+
+    std::string mBundle; ///< its own path
+    BundleFacts mFacts;
+    QUrl mFeed;
+    UpdateItem mItem; ///< what is offered
+    QUrl mArchive;
+    std::string mReplacement; ///< the new bundle, in the staging folder
+    QElapsedTimer mSinceProgress;
+
+    Staging mStaging;
+    Fetch mFetch;
+    TrialRun mTrial;
+};
+
+} // namespace farview

@@ -1,0 +1,121 @@
+// The feed, and whether what it offers can be had.
+
+#include "Applications/Update/FeedReader.h"
+#include "Applications/Update/Signature.h"
+#include "Applications/Update/UpdateRun.h"
+#include "Platform/Posix/PosixSystemVersion.h"
+
+#include <sys/stat.h>
+
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+/// It is held in memory until it is verified.
+constexpr std::uint64_t largestArchive = 100u << 20;
+constexpr std::chrono::seconds longestFeed{60};
+
+std::string systemVersion()
+{
+    PosixSystemVersion system;
+    const auto number = [&](SystemVersionQuery query) {
+        return std::to_string(system.gestalt(query).value_or(0));
+    };
+    return number(SystemVersionQuery::major) + "." + number(SystemVersionQuery::minor) + "." +
+           number(SystemVersionQuery::bugFix);
+}
+
+bool exists(const std::string& path)
+{
+    struct stat status {
+    };
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+QUrl addressFrom(const std::string& text)
+{
+    return QUrl(QString::fromStdString(text), QUrl::StrictMode);
+}
+
+} // namespace
+
+void UpdateRun::start()
+{
+    mEvents.checking();
+    if (auto failure = look())
+        return conclude(std::move(failure));
+    const FetchOrder order{mFeed, FeedReader::largestSize, UpdateReason::tooLarge,
+                           mArguments.patience, longestFeed};
+    mFetch.start(
+        order, [](std::uint64_t) {},
+        [this](const std::string& bytes, std::optional<UpdateFailure> failure) {
+            failure ? conclude(std::move(failure)) : takeFeed(bytes);
+        });
+}
+
+/// What can be said before anything is asked of the network.
+std::optional<UpdateFailure> UpdateRun::look()
+{
+    if (exists(mBundle) && !mayReplaceBundle(mBundle))
+        return UpdateFailure{UpdateReason::managed, mBundle + " may not be written"};
+    if (auto failure = mStaging.tidy())
+        return failure;
+    const auto facts = readBundleFacts(mBundle);
+    if (!facts)
+        return UpdateFailure{UpdateReason::internal, "no bundle at " + mBundle};
+    mFacts = *facts;
+    if (mFacts.version.empty() || mFacts.feed.empty() || !isPublicKey(mFacts.publicKey))
+        return UpdateFailure{UpdateReason::notConfigured,
+                             "version, SUFeedURL or SUPublicEDKey is missing in the Info.plist"};
+    mFeed = addressFrom(mFacts.feed);
+    if (!isSecureAddress(mFeed))
+        return UpdateFailure{UpdateReason::insecureAddress, mFacts.feed};
+    return std::nullopt;
+}
+
+void UpdateRun::takeFeed(const std::string& bytes)
+{
+    const auto feed = FeedReader::read(bytes);
+    if (!feed.items)
+        return conclude(UpdateFailure{UpdateReason::feedUnreadable, feed.reason});
+    const auto choice = chooseUpdate(*feed.items, mFacts.version, systemVersion());
+    if (choice.kind == UpdateChoice::Kind::systemTooOld)
+        return conclude(UpdateFailure{UpdateReason::systemTooOld, choice.offered});
+    if (choice.kind == UpdateChoice::Kind::found)
+        return offer(*choice.item);
+    mEvents.current(mFacts.version, choice.offered);
+    end(0);
+}
+
+/// Nothing is offered that is known to fail later.
+std::optional<UpdateFailure> UpdateRun::refusalOf(const UpdateItem& item)
+{
+    mArchive = mFeed.resolved(addressFrom(item.address));
+    if (!isSecureAddress(mArchive) || (mArchive.isLocalFile() && !mFeed.isLocalFile()))
+        return UpdateFailure{UpdateReason::insecureAddress, item.address};
+    if (item.length == 0)
+        return UpdateFailure{UpdateReason::wrongLength, "the feed says no length"};
+    if (item.length > largestArchive)
+        return UpdateFailure{UpdateReason::tooLarge,
+                             std::to_string(item.length) + " bytes are announced"};
+    if (item.signature.empty())
+        return UpdateFailure{UpdateReason::wrongSignature, "the archive is not signed"};
+    return std::nullopt;
+}
+
+void UpdateRun::offer(const UpdateItem& item)
+{
+    if (auto failure = refusalOf(item))
+        return conclude(std::move(failure));
+    mItem = item;
+    mEvents.found(mItem);
+    if (mArguments.onlyChecks)
+        return end(0);
+    mStep = Step::offered;
+    proceed();
+}
+
+} // namespace farview

@@ -1,0 +1,126 @@
+// The archive: got, verified, unpacked and tried, all of it before the bundle is touched.
+
+#include "Applications/Update/Signature.h"
+#include "Applications/Update/Unpacking.h"
+#include "Applications/Update/UpdateRun.h"
+#include "Common/Rules/VersionOrder.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+/// So many times its own length an archive takes when it is unpacked, with some to spare.
+constexpr std::uint64_t expansion = 6;
+constexpr int millisecondsBetweenReports = 100;
+
+std::optional<UpdateFailure> makePrivateFolder(const std::string& path)
+{
+    return ::mkdir(path.c_str(), S_IRWXU) == 0 ? std::nullopt
+                                               : std::optional(writeFailure(errno, path));
+}
+
+} // namespace
+
+void UpdateRun::download()
+{
+    mStep = Step::downloading;
+    if (auto failure = makeRoom())
+        return conclude(std::move(failure));
+    mSinceProgress.start();
+    const FetchOrder order{
+        mArchive, mItem.length, UpdateReason::wrongLength, mArguments.patience, {}};
+    mFetch.start(
+        order, [this](std::uint64_t received) { takeProgress(received); },
+        [this](const std::string& bytes, std::optional<UpdateFailure> failure) {
+            failure ? conclude(std::move(failure)) : takeArchive(bytes);
+        });
+}
+
+std::optional<UpdateFailure> UpdateRun::makeRoom()
+{
+    if (auto failure = mStaging.acquire())
+        return failure;
+    struct statvfs disk {
+    };
+    if (::statvfs(mStaging.path().c_str(), &disk) != 0)
+        return writeFailure(errno, mStaging.path());
+    if (std::uint64_t{disk.f_bavail} * disk.f_frsize < expansion * mItem.length)
+        return UpdateFailure{UpdateReason::noSpace, "too little is free"};
+    return std::nullopt;
+}
+
+void UpdateRun::takeProgress(std::uint64_t received)
+{
+    const bool isComplete = received == mItem.length;
+    if (!isComplete && mSinceProgress.elapsed() < millisecondsBetweenReports)
+        return;
+    mSinceProgress.start();
+    mEvents.downloading(received, mItem.length);
+}
+
+void UpdateRun::takeArchive(const std::string& bytes)
+{
+    mStep = Step::working;
+    mEvents.verifying();
+    auto failure = prepare(bytes);
+    mStep = Step::trying;
+    if (mIsCancelled)
+        return proceed();
+    failure ? conclude(std::move(failure)) : tryOut();
+}
+
+/// The bytes that are unpacked are those that were verified: they never leave the memory between.
+std::optional<UpdateFailure> UpdateRun::prepare(const std::string& archive)
+{
+    if (archive.size() != mItem.length)
+        return UpdateFailure{UpdateReason::wrongLength,
+                             std::to_string(archive.size()) + " bytes came"};
+    if (!isSigned(archive, mItem.signature, mFacts.publicKey))
+        return UpdateFailure{UpdateReason::wrongSignature, "not signed with the bundle's key"};
+    const std::string folder = mStaging.path() + "/new";
+    if (auto failure = makePrivateFolder(folder))
+        return failure;
+    Unpacking unpacking(folder, UnpackLimits{}, [this] { return isBrokenOff(); });
+    if (auto failure = unpacking.unpack(archive))
+        return failure;
+    mReplacement = folder + "/" + unpacking.top();
+    return compare();
+}
+
+/// A signature says who made the archive, not which one was asked for.
+std::optional<UpdateFailure> UpdateRun::compare() const
+{
+    const auto facts = readBundleFacts(mReplacement);
+    if (!facts || facts->identifier != mFacts.identifier || facts->version.empty())
+        return UpdateFailure{UpdateReason::archive, "it holds no bundle of this identifier"};
+    if (compareVersions(facts->version, mFacts.version) <= 0)
+        return UpdateFailure{UpdateReason::downgrade, "it holds version " + facts->version};
+    if (compareVersions(facts->version, mItem.version) != 0)
+        return UpdateFailure{UpdateReason::wrongVersion, "it holds version " + facts->version};
+    return std::nullopt;
+}
+
+void UpdateRun::tryOut()
+{
+    const std::string folder = mStaging.path() + "/home";
+    if (auto failure = makePrivateFolder(folder))
+        return conclude(std::move(failure));
+    mTrial.start(mArguments.host, mReplacement, folder,
+                 [this](std::optional<UpdateFailure> failure) {
+                     if (failure)
+                         return conclude(std::move(failure));
+                     mStep = Step::ready;
+                     mEvents.ready(mItem.version);
+                     proceed();
+                 });
+}
+
+} // namespace farview

@@ -1,0 +1,32 @@
+// The exchange.
+
+#include "Applications/Update/BundleExchange.h"
+#include "Applications/Update/UpdateRun.h"
+
+#include <utility>
+
+namespace farview
+{
+
+void UpdateRun::install()
+{
+    mStep = Step::working;
+    mEvents.installing();
+    if (auto failure = exchange())
+        return conclude(std::move(failure));
+    // With it goes the old bundle.
+    mStaging.release();
+    mEvents.installed(mItem.version);
+    end(0);
+}
+
+std::optional<UpdateFailure> UpdateRun::exchange()
+{
+    // Much time may have passed since the user was asked.
+    const auto facts = readBundleFacts(mBundle);
+    if (!facts || facts->version != mFacts.version)
+        return UpdateFailure{UpdateReason::downgrade, "the bundle was replaced by another"};
+    return BundleExchange{mBundle, mReplacement, mStaging.asidePath()}.run();
+}
+
+} // namespace farview

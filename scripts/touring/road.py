@@ -1,0 +1,314 @@
+#!/usr/bin/python3
+"""The road that a tour takes, inside a private desktop that scripts/tour has made.
+
+usage: road.py FOLDER LOOK NAME
+"""
+import os
+import subprocess
+import sys
+import time
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
+
+import pyatspi  # noqa: E402
+
+from touring import looks  # noqa: E402
+from touring.desk import (  # noqa: E402
+    children, click, click_at, drag, enabled, failures, find, FOLDER, LOOK, place_of, press, ROOT, running,
+    SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND, windows_of, WORDS,
+    write_steps)
+
+OFF = "Farview is currently turned off."
+ON = "Farview is currently on."
+ERROR = "There was a problem connecting to a device."
+HINT = "No device yet?"
+BUTTON = ("push button", "button", "check box", "toggle button", "switch")
+MENU_ENTRY = ("menu item", "check menu item", "radio menu item")
+DEVICE = "Living Room Tablet"
+REFUSING = "Kitchen Laptop"
+OTHER = "Connect To Other..."
+WHEEL = "Connecting"
+ACCESS = "Enable access for assistive devices"
+TAB = ("page tab",)
+CELL = ("table cell",)
+AUTO_CONNECT = "Connect automatically"
+DOCTOR = "FarviewDoctor"
+STATUS_ICON = "Show the Farview status icon"
+
+
+def says(beginning):
+    return lambda: any(map(WORDS.matcher(beginning), texts()))
+
+
+def device_menu():
+    return next((node for node in showing() if WORDS.matcher("Virtual screen")(node.description)), None)
+
+
+def open_menu(entry):
+    """Opens the device menu and gives the entry; opens it again until the device is there."""
+    end = time.monotonic() + 10
+    while time.monotonic() < end:
+        click(wait("the device menu can be opened", device_menu))
+        found = wait_quietly(lambda: find(MENU_ENTRY, entry), 0.5)
+        if found:
+            return found
+        press("Escape")  # an open menu stays as it was
+        time.sleep(0.2)
+    failures.append(f"the menu has the entry {entry}")
+    return None
+
+
+def main():
+    panel = start("farview-preferences")
+    wait("the panel's window", lambda: find(BUTTON, "Choose a Device"))
+    step("The panel opens, the first time on its settings", "first-showing")
+
+    click(find(BUTTON, "Choose a Device"))
+    wait("the main tab says that Farview is off", says(OFF))
+    step("One click leads to the device list; Farview is off", "off")
+
+    click(find(BUTTON, "On"))
+    wait("the main tab says that Farview is on", says(ON))
+    wait("the hint that no device is there yet", says(HINT))
+    wait("the screen server runs", lambda: running("ScreenCapture"))
+    step("Switched on; no device is there yet", "on-without-device")
+
+    device = start("farview-device", "--name", DEVICE, "--headless")
+    wait("the hint goes when a device is there", lambda: not says(HINT)())
+    entry = open_menu(DEVICE)
+    step("A device announced itself and stands in the menu", "menu")
+
+    click(entry)
+    time.sleep(0.05)
+    wait("the device is the selected one", lambda: device_menu().name == DEVICE)
+    wait("the device is in use", lambda: is_in_use(0))
+    let_the_wheel_stop()
+    step("Picked: the device is connected", "connected")
+
+    refusing = start("farview-device", "--name", REFUSING, "--headless", "--port", "0",
+                     "--refuse", "Closed for maintenance")
+    entry = open_menu(REFUSING)
+    click(entry)
+    wait("the error text", says(ERROR), 17)
+    let_the_wheel_stop()
+    step("A device that refuses: the error text and the warning sign", "refused")
+
+    click(open_menu(OTHER))
+    field = wait("the sheet for an address", lambda: find(("text",), ""))
+    click(field)
+    type_text("10.77.0.1")
+    ok = wait("OK can be pressed", lambda: enabled(find(BUTTON, "OK")))
+    step("Connect To Other...: the sheet checks the address", "sheet")
+    click(ok)
+    wait("the address is the selected entry", lambda: device_menu().name == "10.77.0.1")
+    step("Connected by its address", "by-address")
+
+    click(find(BUTTON, "Off"))
+    wait("the main tab says that Farview is off", says(OFF))
+    wait("the screen server ended", lambda: not running("ScreenCapture"))
+    step("Switched off; the server has ended", "off-again")
+
+    show_settings()
+    show_diagnosis()
+    show_status_item()
+    if stop(panel) != 0:
+        failures.append("the panel ends cleanly")
+    panel = start("farview-preferences")
+    wait("the panel is as it was left", says(OFF))
+    step("Closed and opened again: everything as it was", "reopened")
+
+    if stop(panel) != 0:
+        failures.append("the panel ends cleanly")
+    panel = ask_for_accessibility()
+
+    for child in (panel, refusing, device):
+        if stop(child) != 0:
+            failures.append("a program ends cleanly")
+    show_device()
+
+
+def let_the_wheel_stop():
+    """It turns for up to 15 seconds, also when the device answered at once. A reader of the manual does not see it end."""
+    if looks.is_for_readers(LOOK) and wait("the turning wheel", says(WHEEL), 2):
+        wait("the turning wheel has gone", lambda: not says(WHEEL)(), 17)
+
+
+def show_settings():
+    click(wait("the tab of the settings", lambda: find(TAB, "Settings")))
+    turn_on(AUTO_CONNECT)
+    for device in (REFUSING, DEVICE):
+        tick(device)
+    wait("the devices are ticked in this order", lambda: rows() == [REFUSING, DEVICE])
+    step("Settings: the ticked devices are connected to by themselves, in this order", "auto-connect")
+
+    drag(find(CELL, DEVICE), find(CELL, REFUSING), 0.2)
+    wait("the other device is the first", lambda: rows() == [DEVICE, REFUSING])
+    step("A row dragged to the top", "dragged")
+
+    click(find(BUTTON, "Offer HiDPI resolutions"))
+    wait("the window that asks", says("HiDPI resolutions are off."))
+    wait("what is missing to ask for an administrator", says("The system cannot be asked"))
+    step("HiDPI resolutions: what it takes is said before anything is asked", "hidpi")
+    click(find(BUTTON, "Cancel"))
+    wait("the window has gone", lambda: not says("HiDPI resolutions are off.")())
+
+
+def show_diagnosis():
+    click(find(BUTTON, "Diagnose…"))
+    wait("the diagnosis has ended", lambda: enabled(find(BUTTON, "Again", DOCTOR)), 20)
+    step("The diagnosis says what is in the way", "diagnosis", DOCTOR)
+    report = find(("text",), "Report", DOCTOR).queryText()
+    report.setCaretOffset(report.characterCount)
+    step("The end of its report: the devices", "diagnosis-end", DOCTOR)
+    click(find(BUTTON, "Close", DOCTOR))
+    wait("its window has gone", lambda: not find(BUTTON, "Close", DOCTOR))
+
+
+def show_device():
+    device = start("farview-device", "--name", DEVICE)
+    wait("the window of the device", lambda: DEVICE in texts("farview-device"))
+    step("The window of a device", "device", "farview-device")
+    if stop(device) != 0:
+        failures.append("a device ends cleanly")
+
+
+def turn_on(box):
+    wait(f"the box \"{box}\"", lambda: find(BUTTON, box))
+    if not is_ticked(find(BUTTON, box)):
+        click(find(BUTTON, box))
+    wait(f"\"{box}\" is ticked", lambda: is_ticked(find(BUTTON, box)))
+
+
+def is_ticked(node):
+    return node.getState().contains(pyatspi.STATE_CHECKED)
+
+
+def rows():
+    """The devices of the table, from top to bottom."""
+    names = [node for node in showing() if node.getRoleName() in CELL and node.name in (DEVICE, REFUSING)]
+    return [node.name for node in sorted(names, key=lambda node: place_of(node)[1])]
+
+
+def box_of(device):
+    """The box in the row of the device."""
+    height = place_of(find(CELL, device))[1]
+    return next(node for node in showing() if node.getRoleName() in CELL and place_of(node)[1] == height
+                and any(WORDS.matcher(state)(node.description) for state in ("ticked", "not ticked")))
+
+
+def tick(device):
+    box = wait(f"a row for {device}", lambda: box_of(device))
+    if box is None:
+        return
+    middle, height = place_of(box)
+    # The box stands at the beginning of its cell.
+    width = box.queryComponent().getExtents(pyatspi.DESKTOP_COORDS).width
+    click_at(middle - SHARPNESS * (width // 2 - 12), height)
+    wait(f"{device} is ticked", lambda: WORDS.matcher("ticked")(box_of(device).description))
+
+
+def show_status_item():
+    if WAYLAND:
+        print("          This compositor has no tray: the status icon is shown on the X display only", flush=True)
+        return
+    tray = start("/usr/bin/trayer", "--edge", "bottom", "--align", "right")
+    turn_on(STATUS_ICON)
+    icon = wait("the status icon is in the tray", place_of_status_icon)
+    if icon:
+        click_at(*icon)
+        wait("its menu", menu_of_status_icon)
+    step("The status icon offers the same in its menu", "status-menu", "FarviewStatusItem")
+    subprocess.run(["xdotool", "key", "Down", "Return"], check=True)
+    wait("its first entry turned Farview on", lambda: running("ScreenCapture"))
+    wait("the first free device is connected to by itself", lambda: is_in_use(0))
+    if icon:
+        click_at(*icon)
+        wait("its menu", menu_of_status_icon)
+    step("Its first entry turned Farview on; a ticked device was connected to by itself", "status-menu-on", "FarviewStatusItem")
+    press("Escape")
+    click(find(BUTTON, STATUS_ICON))
+    wait("the status icon's program ended", lambda: not running("FarviewStatusItem"))
+    stop(tray)
+    click(find(TAB, "Virtual Screen"))
+    click(wait("the word that turns Farview off", lambda: find(BUTTON, "Off")))
+    wait("the screen server ended", lambda: not running("ScreenCapture"))
+
+
+def menu_of_status_icon():
+    return next((place for place in windows_of("FarviewStatusItem") if place[3] > 100), None)
+
+
+def place_of_status_icon():
+    for left, top, width, height in windows_of("FarviewStatusItem"):
+        if width > 4:
+            return left + width // 2, top + height // 2
+    return None
+
+
+def ask_for_accessibility():
+    """As on a desktop that keeps programs from moving each other's windows: from the box over the question and the
+    other pane back to the box."""
+    switch_accessibility_off()
+    panel = start("farview-preferences", XDG_CURRENT_DESKTOP="GNOME", QT_QPA_PLATFORM="" if WAYLAND else "xcb",
+                  WAYLAND_DISPLAY=os.environ.get("WAYLAND_DISPLAY", "none"))
+    wait("the panel's window", device_menu)
+    click(wait("the tab of the settings", lambda: find(TAB, "Settings")))
+    click(wait("the box for moving windows back", lambda: find(BUTTON, "Move windows back")))
+    wait("the question for accessibility", says("This Feature Requires Accessibility"))
+    step("Moving windows back needs accessibility: the panel asks for it", "accessibility")
+    click(find(BUTTON, "OK"))
+    click(wait("the switch for accessibility", lambda: enabled(find(BUTTON, ACCESS))))
+    wait("accessibility is on", checked(ACCESS))
+    step("OK leads to the accessibility pane; switched on there", "accessibility-pane")
+    click(find(BUTTON, "Farview"))
+    click(wait("the tab of the settings", lambda: find(TAB, "Settings")))
+    click(wait("the box for moving windows back", lambda: find(BUTTON, "Move windows back")))
+    wait("the box is ticked", checked("Move windows back"))
+    step("Back in the panel the box can be ticked", "windows-back")
+    return panel
+
+
+def checked(name):
+    return lambda: (node := find(BUTTON, name)) is not None and node.getState().contains(pyatspi.STATE_CHECKED)
+
+
+def switch_accessibility_off():
+    subprocess.run(["dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus",
+                    "org.freedesktop.DBus.Properties.Set", "string:org.a11y.Status", "string:IsEnabled",
+                    "variant:boolean:false"], check=True, stdout=subprocess.DEVNULL)
+
+
+def is_in_use(number):
+    """Whether the device that was started as the first, the second, ... says so."""
+    logs = sorted(name for name in os.listdir(FOLDER) if name.startswith("farview-device"))
+    with open(os.path.join(FOLDER, logs[number])) as log:
+        said = log.read()
+    return said.count("Connected to the host") > said.count("The host is gone")
+
+
+def prefer_dark_windows():
+    portal = subprocess.Popen([sys.executable, os.path.join(ROOT, "scripts", "touring", "portal.py"), "dark"],
+                              stdin=subprocess.DEVNULL)
+    children.append(portal)
+    ask = ["gdbus", "call", "--session", "--dest", "org.freedesktop.portal.Desktop", "--object-path",
+           "/org/freedesktop/portal/desktop", "--method", "org.freedesktop.portal.Settings.Read",
+           "org.freedesktop.appearance", "color-scheme"]
+    wait("the desktop prefers dark windows", lambda: subprocess.run(ask, capture_output=True).returncode == 0)
+
+
+os.environ.update(looks.environment(LOOK))
+try:
+    if looks.is_dark(LOOK):
+        prefer_dark_windows()
+    main()
+finally:
+    for child in children:
+        if child.poll() is None:
+            child.kill()
+    write_steps()
+
+if failures:
+    print("The tour failed: " + "; ".join(failures))
+    sys.exit(1)
+print(f"The tour is complete: {len(steps)} steps")

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Applications/Doctor/BusHandshake.h"
 #include "Applications/Doctor/Finding.h"
+#include "Platform/Desktop/BusHandshake.h"
 
 #include <string>
 

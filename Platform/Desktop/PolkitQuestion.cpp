@@ -6,7 +6,6 @@
 #include <QDBusVariant>
 #include <QFile>
 #include <QMap>
-#include <QTimer>
 
 #include <limits>
 #include <unistd.h>
@@ -18,6 +17,7 @@ namespace
 
 constexpr int noLimit = std::numeric_limits<int>::max();
 constexpr quint32 askTheUser = 1;
+constexpr std::chrono::seconds patienceWithBus{2};
 const QString service = QStringLiteral("org.freedesktop.PolicyKit1");
 
 /// When this process started, in the kernel's own count: with its number, it names the process.
@@ -110,9 +110,9 @@ QString sessionOfDisplay(const QDBusMessage& reply)
 } // namespace
 
 PolkitQuestion::PolkitQuestion(const QString& busAddress, QObject* parent)
-    : QObject(parent),
+    : QObject(parent), mBusAddress(busAddress),
       mName(QStringLiteral("farview-polkit-%1").arg(reinterpret_cast<quintptr>(this))),
-      mConnection(QDBusConnection::connectToBus(busAddress, mName))
+      mConnection(mName)
 {
 }
 
@@ -121,28 +121,48 @@ PolkitQuestion::~PolkitQuestion() { QDBusConnection::disconnectFromBus(mName); }
 void PolkitQuestion::ask(const QString& action, Answer answer)
 {
     mAnswer = std::move(answer);
-    check(action, askTheUser,
-          [this](const QDBusMessage& reply) { answerNow(statusOfResult(reply)); });
+    reachBus([this, action] {
+        check(action, askTheUser,
+              [this](const QDBusMessage& reply) { answerNow(statusOfResult(reply)); });
+    });
 }
 
 void PolkitQuestion::foresee(const QString& action, Answer answer)
 {
     mAnswer = std::move(answer);
-    check(action, 0, [this](const QDBusMessage& reply) {
-        const auto status = statusOfResult(reply);
-        if (status != AuthorizationStatus::interactionNotAllowed)
-            return answerNow(status);
-        // A password is needed. Who asks for it serves this process alone, or its whole session.
-        const auto none = [this] { answerNow(AuthorizationStatus::interactionNotAllowed); };
-        lookForAgentOf(thisProcess(), [this, none] {
-            findSession([this, none](const QString& identifier) {
-                if (identifier.isEmpty())
-                    none();
-                else
-                    lookForAgentOf(session(identifier), none);
-            });
+    reachBus([this, action] {
+        check(action, 0, [this](const QDBusMessage& reply) { foretell(statusOfResult(reply)); });
+    });
+}
+
+void PolkitQuestion::foretell(AuthorizationStatus status)
+{
+    if (status != AuthorizationStatus::interactionNotAllowed)
+        return answerNow(status);
+    // A password is needed. Who asks for it serves this process alone, or its whole session.
+    const auto none = [this] { answerNow(AuthorizationStatus::interactionNotAllowed); };
+    lookForAgentOf(thisProcess(), [this, none] {
+        findSession([this, none](const QString& identifier) {
+            if (identifier.isEmpty())
+                none();
+            else
+                lookForAgentOf(session(identifier), none);
         });
     });
+}
+
+void PolkitQuestion::reachBus(std::function<void()> reached)
+{
+    // The library's way onto a bus waits for it; one that stopped would hold the window.
+    mKnock = std::make_unique<BusKnock>(
+        mBusAddress.toStdString(), patienceWithBus, [this, reached](BusAnswer answer) {
+            if (answer == BusAnswer::answers)
+                mConnection = QDBusConnection::connectToBus(mBusAddress, mName);
+            if (mConnection.isConnected())
+                reached();
+            else
+                answerNow(AuthorizationStatus::internal);
+        });
 }
 
 void PolkitQuestion::findSession(const std::function<void(const QString&)>& found)
@@ -182,8 +202,6 @@ void PolkitQuestion::check(const QString& action, quint32 flags, Reply reply)
 
 void PolkitQuestion::call(const QString& member, const QVariantList& arguments, Reply reply)
 {
-    if (!mConnection.isConnected())
-        return answerLater(AuthorizationStatus::internal);
     auto message = QDBusMessage::createMethodCall(
         service, QStringLiteral("/org/freedesktop/PolicyKit1/Authority"),
         service + QStringLiteral(".Authority"), member);
@@ -198,11 +216,6 @@ void PolkitQuestion::send(const QDBusMessage& message, Reply reply)
         watcher->deleteLater();
         reply(watcher->reply());
     });
-}
-
-void PolkitQuestion::answerLater(AuthorizationStatus status)
-{
-    QTimer::singleShot(0, this, [this, status] { answerNow(status); });
 }
 
 void PolkitQuestion::answerNow(AuthorizationStatus status)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/BusHandshake.h"
 #include "Platform/Types/AuthorizationStatus.h"
 
 #include <QDBusConnection>
@@ -7,13 +8,15 @@
 #include <QObject>
 
 #include <functional>
+#include <memory>
 
 namespace farview
 {
 
 /// One question to polkit about what this process may have done, on a connection of its own to the
 /// system bus. Ending the object ends the connection, and polkit then takes back what it is asking
-/// the user. Nothing waits for people: an answer may take for ever. Main thread only.
+/// the user. Nothing waits for people, and nothing for a bus that stands still: an answer may take
+/// for ever. Main thread only.
 class PolkitQuestion : public QObject
 {
     Q_OBJECT
@@ -32,15 +35,18 @@ public:
 private:
     using Reply = std::function<void(const QDBusMessage&)>;
 
+    void foretell(AuthorizationStatus status);
+    void reachBus(std::function<void()> reached);
     void check(const QString& action, quint32 flags, Reply reply);
     void call(const QString& member, const QVariantList& arguments, Reply reply);
     void send(const QDBusMessage& message, Reply reply);
     void findSession(const std::function<void(const QString&)>& found);
     void lookForAgentOf(const QVariant& subject, const std::function<void()>& none);
-    void answerLater(AuthorizationStatus status);
     void answerNow(AuthorizationStatus status);
 
+    QString mBusAddress;
     QString mName;
+    std::unique_ptr<BusKnock> mKnock;
     QDBusConnection mConnection;
     Answer mAnswer;
 };

@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -77,6 +79,18 @@ TEST(PolkitPlaces, AreWhereTheSystemHasThemWhateverTheEnvironmentSays)
     const ScopedEnvironment misleading("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/tmp/elsewhere");
     EXPECT_EQ(PolkitPlaces{}.busAddress, u"unix:path=/run/dbus/system_bus_socket"_qs);
     EXPECT_EQ(PolkitPlaces{}.pkexec, u"/usr/bin/pkexec"_qs);
+}
+
+TEST_F(PolkitAuthorizationTest, ABusThatStandsStillIsGivenUpWithoutWaitingForIt)
+{
+    bus.process().sendSignal(SIGSTOP);
+    const auto begun = std::chrono::steady_clock::now();
+    authorization->create("right", tool, target, noting());
+    authorization->foresee(tool, target, noting());
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(1))
+        << "a library's call waits 25 s";
+    EXPECT_EQ(answered(), Status::internal);
+    bus.process().sendSignal(SIGCONT);
 }
 
 TEST_F(PolkitAuthorizationTest, AsksForThisProcessAndForTheActionOfTheToolsName)

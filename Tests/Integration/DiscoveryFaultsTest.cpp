@@ -134,6 +134,24 @@ TEST_F(LosingTheDaemon, AStoppedDaemonDoesNotHoldUpTheNextProgram)
     mHere->process().sendSignal(SIGCONT);
 }
 
+TEST_F(LosingTheDaemon, AStoppedBusDoesNotHoldUpTheNextProgram)
+{
+    ASSERT_TRUE(mPublisher.publish({"one"}));
+    mHere->bus().process().sendSignal(SIGSTOP);
+    const auto begin = std::chrono::steady_clock::now();
+    const auto browser = search(mRecorder);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s) << "a library's call waits 25 s";
+    // By itself; and with the daemon for the next program, once the bus goes on.
+    EXPECT_TRUE(waitFor(1));
+    mHere->bus().process().sendSignal(SIGCONT);
+    DesktopDiscovery later(mLog);
+    const auto finder = std::make_shared<DiscoveryRecorder>();
+    const auto laterBrowser = later.makeBrowser();
+    laterBrowser->setDelegate(finder);
+    laterBrowser->searchForServicesOfType(deviceType, localDomain);
+    EXPECT_TRUE(waitUntil([&] { return finder->present.size() == 1; }));
+}
+
 class WithoutADaemon : public TwoHosts
 {
 protected:

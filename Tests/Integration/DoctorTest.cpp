@@ -44,6 +44,14 @@ struct User final : LinkConnectionDelegate {
     void linkDidEnd(LinkConnection& /*connection*/, const LinkEnd& /*end*/) override {}
 };
 
+/// Notices when the network knows of the test's own device.
+struct Announcement final : NetServicePublisherDelegate {
+    bool isOnTheNetwork = false;
+    void didPublish(const std::string& /*name*/) override { isOnTheNetwork = true; }
+    void willRename(const std::string& /*name*/) override {}
+    void didNotPublish(const std::string& reason) override { ADD_FAILURE() << reason; }
+};
+
 class Doctor : public ServerAndDevice
 {
 protected:
@@ -78,9 +86,9 @@ protected:
     void announce(std::uint16_t port)
     {
         publisher = std::make_unique<DesktopNetServicePublisher>(log);
+        publisher->setDelegate(announcement);
         publisher->publish({"Desk", "_qlexvscreen._udp", port, {}, "desk-8"});
-        // Until it is known to the network.
-        runLoopFor(milliseconds(1500));
+        ASSERT_TRUE(waitUntil([this] { return announcement->isOnTheNetwork; }));
     }
     /// Every file of the user's, with its contents.
     std::map<std::string, std::string> files() const
@@ -100,6 +108,7 @@ protected:
     }
 
     std::string root = home.path("root");
+    std::shared_ptr<Announcement> announcement = std::make_shared<Announcement>();
     std::unique_ptr<DesktopNetServicePublisher> publisher;
 };
 

@@ -71,6 +71,22 @@ TEST_F(HiDPIRights, WithoutALocalSessionThePolicyItselfDenies)
     expectRefusal("-60005");
 }
 
+TEST_F(HiDPIRights, ASystemBusThatStandsStillDoesNotHoldThePanel)
+{
+    start("YES");
+    openPanel();
+    bus->sendSignal(SIGSTOP);
+    // The panel obeys on, and says before long what it knows.
+    EXPECT_THAT(tell("press"), HasSubstr("box on enabled, window"));
+    EXPECT_TRUE(sees("The system cannot be asked for administrator rights.")) << panelLog();
+    tell("ok");
+    EXPECT_TRUE(sees("enabled, no window")) << panelLog();
+    expectRefusal("-60008");
+    bus->sendSignal(SIGCONT);
+    clickAndConfirm();
+    EXPECT_EQ(settingFor("fvother"), "offered") << panelLog();
+}
+
 TEST_F(HiDPIRights, DismissedNothingChanges)
 {
     start("AUTH_ADMIN_KEEP");

@@ -62,6 +62,7 @@ protected:
     std::string selectedTitle() const;
     bool selects(const std::string& title, Limit limit = std::chrono::seconds(15)) const;
     bool selectsNothing(Limit limit = std::chrono::seconds(15)) const;
+    bool isConnecting() const { return !pane->waitingForServerIndicator()->isHidden(); }
     bool errorShows() const;
     bool showsError(Limit limit) const
     {

@@ -47,14 +47,24 @@ QString AvahiDaemonLink::systemBusAddress()
 
 void AvahiDaemonLink::look()
 {
-    if (!mConnection)
+    if (!mConnection && !mKnock)
         tryToConnect();
 }
 
 void AvahiDaemonLink::tryToConnect()
 {
     mRetry.stop();
-    if (openConnection()) {
+    // The library's way onto a bus waits for it; one that stopped would hold the window.
+    mKnock = std::make_unique<BusKnock>(systemBusAddress().toStdString(),
+                                        std::chrono::milliseconds(patience),
+                                        [this](BusAnswer answer) { handleKnock(answer); });
+}
+
+void AvahiDaemonLink::handleKnock(BusAnswer answer)
+{
+    // It is still telling.
+    mKnock.release()->deleteLater();
+    if (answer == BusAnswer::answers && openConnection()) {
         mPause.reset();
         askDaemon();
         return;

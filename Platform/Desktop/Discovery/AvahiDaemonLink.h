@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/BusHandshake.h"
 #include "Platform/Desktop/GrowingPause.h"
 #include "Platform/Log.h"
 #include "Platform/Types/Subscription.h"
@@ -12,6 +13,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -64,6 +66,7 @@ private Q_SLOTS:
 
 private:
     void tryToConnect();
+    void handleKnock(BusAnswer answer);
     bool openConnection();
     void closeConnection();
     void askDaemon();
@@ -75,6 +78,7 @@ private:
     void ask(const QDBusMessage& message, const Answer& answer);
 
     Log& mLog;
+    std::unique_ptr<BusKnock> mKnock;
     std::optional<QDBusConnection> mConnection;
     QString mOwner;
     Presence mPresence = Presence::unknown;

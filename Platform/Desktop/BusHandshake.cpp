@@ -1,4 +1,4 @@
-#include "Applications/Doctor/BusHandshake.h"
+#include "Platform/Desktop/BusHandshake.h"
 
 #include "Platform/Posix/FileDescriptor.h"
 
@@ -14,6 +14,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 
 namespace farview
 {
@@ -84,14 +85,38 @@ QByteArray opening()
            "\r\n";
 }
 
-BusAnswer talk(int socket, std::chrono::milliseconds limit)
+bool knock(int socket)
 {
-    const auto deadline = Clock::now() + limit;
     const QByteArray words = opening();
-    if (::send(socket, words.constData(), static_cast<std::size_t>(words.size()), MSG_NOSIGNAL) !=
-            words.size() ||
-        !becomesReady(socket, POLLIN, deadline))
-        return BusAnswer::silent;
+    return ::send(socket, words.constData(), static_cast<std::size_t>(words.size()),
+                  MSG_NOSIGNAL) == words.size();
+}
+
+/// A socket on which somebody was knocked for; without one, what that means.
+struct Door {
+    FileDescriptor socket;
+    BusAnswer closed;
+};
+
+Door doorOf(const std::string& address)
+{
+    if (address.empty())
+        return {{}, BusAnswer::noAddress};
+    bool isLocal = true;
+    for (const QByteArray& each : QByteArray::fromStdString(address).split(';')) {
+        const auto name = socketNameIn(each);
+        isLocal = isLocal && (name || each.isEmpty());
+        FileDescriptor socket = name ? connectedSocket(*name) : FileDescriptor();
+        if (socket.isOpen() && !knock(socket.get()))
+            return {{}, BusAnswer::silent};
+        if (socket.isOpen())
+            return {std::move(socket), BusAnswer::silent};
+    }
+    return {{}, isLocal ? BusAnswer::refused : BusAnswer::answers};
+}
+
+BusAnswer answerAt(int socket)
+{
     std::array<char, 64> answer{};
     const auto count = ::recv(socket, answer.data(), answer.size(), 0);
     if (count <= 0)
@@ -104,17 +129,36 @@ BusAnswer talk(int socket, std::chrono::milliseconds limit)
 
 BusAnswer knockAtBus(const std::string& address, std::chrono::milliseconds limit)
 {
-    if (address.empty())
-        return BusAnswer::noAddress;
-    bool isLocal = true;
-    for (const QByteArray& each : QByteArray::fromStdString(address).split(';')) {
-        const auto name = socketNameIn(each);
-        isLocal = isLocal && (name || each.isEmpty());
-        const FileDescriptor descriptor = name ? connectedSocket(*name) : FileDescriptor();
-        if (descriptor.isOpen())
-            return talk(descriptor.get(), limit);
+    const auto deadline = Clock::now() + limit;
+    const Door door = doorOf(address);
+    if (!door.socket.isOpen() || !becomesReady(door.socket.get(), POLLIN, deadline))
+        return door.closed;
+    return answerAt(door.socket.get());
+}
+
+BusKnock::BusKnock(const std::string& address, std::chrono::milliseconds limit, Heard heard)
+    : mHeard(std::move(heard))
+{
+    Door door = doorOf(address);
+    mSocket = std::move(door.socket);
+    mLimit.setSingleShot(true);
+    connect(&mLimit, &QTimer::timeout, this, [this, closed = door.closed] { end(closed); });
+    if (!mSocket.isOpen()) {
+        mLimit.start(0);
+        return;
     }
-    return isLocal ? BusAnswer::refused : BusAnswer::answers;
+    mLimit.start(limit);
+    mNotifier = std::make_unique<QSocketNotifier>(mSocket.get(), QSocketNotifier::Read);
+    connect(mNotifier.get(), &QSocketNotifier::activated, this,
+            [this] { end(answerAt(mSocket.get())); });
+}
+
+void BusKnock::end(BusAnswer answer)
+{
+    mLimit.stop();
+    if (mNotifier)
+        mNotifier->setEnabled(false);
+    std::exchange(mHeard, nullptr)(answer);
 }
 
 } // namespace farview

@@ -1,6 +1,14 @@
 #pragma once
 
+#include "Platform/Posix/FileDescriptor.h"
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <QTimer>
+
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <string>
 
 namespace farview
@@ -19,5 +27,24 @@ enum class BusAnswer {
 /// hangs up again, in at most `limit`. A bus that stopped would hold a library's call for 25
 /// seconds. Only local sockets are knocked at; an address of another kind counts as answering.
 BusAnswer knockAtBus(const std::string& address, std::chrono::milliseconds limit);
+
+/// The same for who must not wait: knocks at once and answers once, on a later turn of the loop and
+/// at the latest after `limit`. Nothing is heard of it after its end, which
+/// must not come from within `heard` (deleteLater may). Main thread only.
+class BusKnock final : public QObject
+{
+public:
+    using Heard = std::function<void(BusAnswer)>;
+
+    BusKnock(const std::string& address, std::chrono::milliseconds limit, Heard heard);
+
+private:
+    void end(BusAnswer answer);
+
+    FileDescriptor mSocket;
+    std::unique_ptr<QSocketNotifier> mNotifier;
+    QTimer mLimit;
+    Heard mHeard;
+};
 
 } // namespace farview

@@ -1,12 +1,15 @@
-#include "Applications/Doctor/BusHandshake.h"
+#include "Platform/Desktop/BusHandshake.h"
 
 #include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <memory>
+#include <optional>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <thread>
@@ -115,6 +118,62 @@ TEST(BusHandshake, ReadsEncodedPaths)
     const auto slash = encoded.rfind('/');
     encoded.replace(slash, 1, "%2f");
     EXPECT_EQ(knockAtBus(encoded, patience), BusAnswer::answers);
+}
+
+/// A knock that is not waited for, and what was heard of it.
+class Knocking : public testing::Test
+{
+protected:
+    void knock(const std::string& address, milliseconds limit = patience)
+    {
+        knocking = std::make_unique<BusKnock>(address, limit,
+                                              [this](BusAnswer answer) { heard = answer; });
+    }
+    std::optional<BusAnswer> answer()
+    {
+        waitUntil([this] { return heard.has_value(); });
+        return std::exchange(heard, std::nullopt);
+    }
+
+    PrivateBus bus;
+    std::unique_ptr<BusKnock> knocking;
+    std::optional<BusAnswer> heard;
+};
+
+TEST_F(Knocking, IsAnsweredOnALaterTurnAndOnce)
+{
+    knock(bus.address());
+    EXPECT_EQ(heard, std::nullopt);
+    EXPECT_EQ(answer(), BusAnswer::answers);
+    runLoopFor(2 * patience);
+    EXPECT_EQ(heard, std::nullopt);
+}
+
+TEST_F(Knocking, SaysTheSameAsWhoWaits)
+{
+    for (const std::string address : {"", "unix:path=/nonexistent/bus", "tcp:host=localhost"}) {
+        knock(address);
+        EXPECT_EQ(heard, std::nullopt) << address;
+        EXPECT_EQ(answer(), knockAtBus(address, patience)) << address;
+    }
+}
+
+TEST_F(Knocking, GivesAStoppedBusUpAfterItsLimitAndNotBefore)
+{
+    bus.process().sendSignal(SIGSTOP);
+    const auto begun = std::chrono::steady_clock::now();
+    knock(bus.address());
+    EXPECT_EQ(answer(), BusAnswer::silent);
+    EXPECT_GE(std::chrono::steady_clock::now() - begun, patience / 2);
+    bus.process().sendSignal(SIGCONT);
+}
+
+TEST_F(Knocking, IsNotHeardOfAfterItsEnd)
+{
+    knock(bus.address());
+    knocking.reset();
+    runLoopFor(2 * patience);
+    EXPECT_EQ(heard, std::nullopt);
 }
 
 } // namespace

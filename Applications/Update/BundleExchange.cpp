@@ -73,33 +73,37 @@ bool isImpossible(int error) { return error == EINVAL || error == ENOSYS || erro
 
 } // namespace
 
-int exchangeNames(const std::string& left, const std::string& right)
+NameChanges::NameChanges()
+    : exchange([](const std::string& from, const std::string& to) {
+          const int result =
+              ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE);
+          return result == 0 ? 0 : errno;
+      }),
+      rename([](const std::string& from, const std::string& to) {
+          return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+      })
 {
-    const bool isDone =
-        ::renameat2(AT_FDCWD, left.c_str(), AT_FDCWD, right.c_str(), RENAME_EXCHANGE) == 0;
-    return isDone ? 0 : errno;
 }
 
-int BundleExchange::replaceInTwoSteps() const
+int BundleExchange::replaceInTwoSteps(const NameChanges& changes) const
 {
     const Guard guard(*this);
-    if (::rename(bundle.c_str(), aside.c_str()) != 0)
-        return errno;
-    if (::rename(replacement.c_str(), bundle.c_str()) == 0)
-        return 0;
-    const int error = errno;
-    ::rename(aside.c_str(), bundle.c_str());
+    if (const int error = changes.rename(bundle, aside))
+        return error;
+    const int error = changes.rename(replacement, bundle);
+    if (error != 0)
+        changes.rename(aside, bundle);
     return error;
 }
 
-std::optional<UpdateFailure> BundleExchange::run(const ExchangeNames& exchange) const
+std::optional<UpdateFailure> BundleExchange::run(const NameChanges& changes) const
 {
     // The new files first: a name must not lead to what is not on the disk yet.
     if (const int error = synchronize(parentOf(replacement), ::syncfs))
         return writeFailure(error, replacement);
-    int error = exchange(replacement, bundle);
+    int error = changes.exchange(replacement, bundle);
     if (isImpossible(error))
-        error = replaceInTwoSteps();
+        error = replaceInTwoSteps(changes);
     if (error != 0)
         return writeFailure(error, bundle);
     synchronize(parentOf(bundle), ::fsync);

@@ -26,7 +26,7 @@ std::optional<UpdateFailure> UpdateRun::exchange()
     const auto facts = readBundleFacts(mBundle);
     if (!facts || facts->version != mFacts.version)
         return UpdateFailure{UpdateReason::downgrade, "the bundle was replaced by another"};
-    return BundleExchange{mBundle, mReplacement, mStaging.asidePath()}.run();
+    return BundleExchange{mBundle, mReplacement, mStaging.asidePath()}.run(NameChanges());
 }
 
 } // namespace farview

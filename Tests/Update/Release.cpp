@@ -121,7 +121,7 @@ std::string packed(const std::vector<ArchiveEntry>& entries)
     archive* writer = archive_write_new();
     archive_write_set_format_pax_restricted(writer);
     archive_write_add_filter_xz(writer);
-    archive_write_set_filter_option(writer, "xz", "compression-level", "1");
+    archive_write_set_filter_option(writer, "xz", "compression-level", "0");
     archive_write_open(writer, &bytes, nullptr, append, nullptr);
     for (const auto& entry : entries) {
         archive_entry* header = archive_entry_new();

@@ -60,13 +60,13 @@ UpdateServer::UpdateServer()
     mServer.setSslConfiguration(configuration);
     QObject::connect(&mServer, &QTcpServer::pendingConnectionAvailable, &mServer,
                      [this] { accept(); });
-    if (!mServer.listen(QHostAddress::LocalHost))
+    if (!mServer.listen(QHostAddress::AnyIPv4))
         throw std::runtime_error("cannot listen");
 }
 
-std::string UpdateServer::address(const std::string& path) const
+std::string UpdateServer::address(const std::string& host, const std::string& path) const
 {
-    return "https://127.0.0.1:" + std::to_string(mServer.serverPort()) + "/" + path;
+    return "https://" + host + ":" + std::to_string(mServer.serverPort()) + "/" + path;
 }
 
 void UpdateServer::accept()

@@ -41,7 +41,9 @@ public:
     UpdateServer();
 
     /// "https://127.0.0.1:PORT/" and the path.
-    std::string address(const std::string& path) const;
+    std::string address(const std::string& path) const { return address("127.0.0.1", path); }
+    /// The same place by another name of this computer.
+    std::string address(const std::string& host, const std::string& path) const;
     const TestAuthority& authority() const { return mAuthority; }
 
     /// What is answered from now on; other paths are not found.

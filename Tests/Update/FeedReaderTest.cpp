@@ -1,0 +1,113 @@
+#include "Applications/Update/FeedReader.h"
+#include "Tests/Update/Release.h"
+
+#include <gtest/gtest.h>
+
+namespace farview
+{
+namespace
+{
+
+std::string feedWith(const std::string& items)
+{
+    return "<rss xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel>" +
+           items + "</channel></rss>";
+}
+
+std::vector<UpdateItem> itemsOf(const std::string& feed)
+{
+    const auto result = FeedReader::read(feed);
+    EXPECT_TRUE(result.items) << result.reason;
+    return result.items.value_or(std::vector<UpdateItem>());
+}
+
+TEST(FeedReader, ReadsAnItem)
+{
+    const auto items = itemsOf(
+        feedWith("<title>Updates</title><item><title>1.1</title>"
+                 "<sparkle:version> 1.1\n</sparkle:version>"
+                 "<sparkle:minimumSystemVersion>10.9</sparkle:minimumSystemVersion>"
+                 "<description><![CDATA[<p>Faster &amp; <b>better</b></p>]]></description>"
+                 "<enclosure url=\"https://example.org/a.tar.xz?x=1&amp;y=2\" length=\"123\" "
+                 "type=\"application/octet-stream\" sparkle:edSignature=\"c2ln\"/></item>"));
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_EQ(items[0].version, "1.1");
+    EXPECT_EQ(items[0].minimumSystemVersion, "10.9");
+    EXPECT_EQ(items[0].notes, "Faster & better");
+    EXPECT_EQ(items[0].address, "https://example.org/a.tar.xz?x=1&y=2");
+    EXPECT_EQ(items[0].length, 123u);
+    EXPECT_EQ(items[0].signature, "c2ln");
+}
+
+TEST(FeedReader, TakesTheVersionFromTheEnclosureWhereItStandsThere)
+{
+    const auto items = itemsOf(
+        feedWith("<item><enclosure url=\"a\" sparkle:version=\"1.2\" length=\"1\"/></item>"));
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_EQ(items[0].version, "1.2");
+}
+
+TEST(FeedReader, PassesOverWhatCannotBeAnUpdate)
+{
+    for (const char* item :
+         {"<item/>", "<item><enclosure url=\"a\"/></item>",
+          "<item><sparkle:version>1.1</sparkle:version></item>",
+          "<item><sparkle:version>1.1b2</sparkle:version><enclosure url=\"a\"/></item>",
+          "<item><version>1.1</version><enclosure url=\"a\"/></item>",
+          "<item><sparkle:version>1</sparkle:version><sparkle:minimumSystemVersion>new"
+          "</sparkle:minimumSystemVersion><enclosure url=\"a\"/></item>",
+          "<other><sparkle:version>1.1</sparkle:version><enclosure url=\"a\"/></other>",
+          "<item><x><sparkle:version>1.1</sparkle:version><enclosure url=\"a\"/></x></item>"})
+        EXPECT_EQ(itemsOf(feedWith(item)).size(), 0u) << item;
+}
+
+TEST(FeedReader, ALengthIsANumberOrNothing)
+{
+    struct Row {
+        const char* text;
+        std::uint64_t length;
+    };
+    const Row rows[] = {{"0", 0},  {"12", 12},  {" 12 ", 12},
+                        {"-1", 0}, {"1e9", 0},  {"5000000000", 5'000'000'000},
+                        {"", 0},   {"0x10", 0}, {"99999999999999999999999", ~std::uint64_t{0}}};
+    for (const auto& row : rows) {
+        const auto items = itemsOf(feedWith("<item><sparkle:version>1</sparkle:version>"
+                                            "<enclosure url=\"a\" length=\"" +
+                                            std::string(row.text) + "\"/></item>"));
+        ASSERT_EQ(items.size(), 1u);
+        EXPECT_EQ(items[0].length, row.length) << row.text;
+    }
+}
+
+TEST(FeedReader, RefusesWhatIsNoFeed)
+{
+    const std::string item =
+        "<item><sparkle:version>1</sparkle:version><enclosure url=\"a\"/></item>";
+    std::string deep;
+    for (int index = 0; index < 40; ++index)
+        deep += "<x>";
+    std::string many;
+    for (int index = 0; index < 201; ++index)
+        many += item;
+    for (const std::string& feed :
+         {std::string(), std::string("text"), std::string("<html/>"), std::string("<rss>"),
+          std::string("<rss/><rss/>"), "<!DOCTYPE rss>" + feedWith(item),
+          "<!DOCTYPE rss [<!ENTITY x \"y\">]>" + feedWith(item), feedWith("&x;"),
+          "<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + feedWith(item),
+          "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + feedWith(item),
+          feedWith("<item>\xFF</item>"), feedWith(std::string(1, '\0')), feedWith(deep),
+          feedWith(many), feedWith(std::string(1u << 20, ' '))}) {
+        const auto result = FeedReader::read(feed);
+        EXPECT_FALSE(result.items) << feed.substr(0, 100);
+        EXPECT_FALSE(result.reason.empty()) << feed.substr(0, 100);
+    }
+}
+
+TEST(FeedReader, AFeedWithoutItemsIsAFeed)
+{
+    EXPECT_TRUE(itemsOf("<rss version=\"2.0\"/>").empty());
+    EXPECT_TRUE(itemsOf("<?xml version=\"1.0\" encoding=\"utf-8\"?>" + feedWith("")).empty());
+}
+
+} // namespace
+} // namespace farview

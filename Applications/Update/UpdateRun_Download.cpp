@@ -18,7 +18,7 @@ namespace
 {
 
 /// So many times its own length an archive takes when it is unpacked, with some to spare.
-constexpr std::uint64_t expansion = 6;
+constexpr std::uint64_t expansion = 10;
 constexpr int millisecondsBetweenReports = 100;
 
 std::optional<UpdateFailure> makePrivateFolder(const std::string& path)

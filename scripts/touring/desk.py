@@ -14,16 +14,17 @@ import gi
 gi.require_version("Atspi", "2.0")
 import pyatspi  # noqa: E402
 
-from touring import looks  # noqa: E402
+from touring import looks, pseudo  # noqa: E402
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
 WAYLAND = "WAYLAND_DISPLAY" in os.environ
-BIN = os.path.join(ROOT, "build", "bin")
 FOLDER, LOOK, NAME = sys.argv[1:]
-RESOURCES = os.path.join(ROOT, "build", "Farview Preferences.prefPane"), os.path.join(ROOT, "build", "UniversalAccessPref.prefPane")
+BUILD = os.path.join(ROOT, "build")
+if looks.language(LOOK) in pseudo.ALPHABETS:
+    BUILD = pseudo.copy_that_speaks(BUILD, looks.language(LOOK))
 # Programs tell places in points, of which a sharp screen has fewer than dots.
 SHARPNESS = int(looks.environment(LOOK).get("QT_SCALE_FACTOR", "1"))
-WORDS = looks.Words(RESOURCES, looks.language(LOOK))
+WORDS = looks.Words([os.path.join(BUILD, pane) for pane in pseudo.PANES], looks.language(LOOK))
 begin = time.monotonic()
 failures = []
 children = []
@@ -256,7 +257,7 @@ def write_steps():
 
 def start(*command, **environment):
     log = open(os.path.join(FOLDER, os.path.basename(command[0]) + f"-{len(children)}.log"), "w")
-    child = subprocess.Popen([os.path.join(BIN, command[0]), *command[1:]], stdout=log, stderr=log,
+    child = subprocess.Popen([os.path.join(BUILD, "bin", command[0]), *command[1:]], stdout=log, stderr=log,
                              stdin=subprocess.DEVNULL, env={**os.environ, **environment})
     children.append(child)
     return child

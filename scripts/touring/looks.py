@@ -8,6 +8,8 @@ LOOKS = {
     "dark": ("The desktop prefers dark windows", "1280x800", "en", {}),
     "2x": ("A screen of twice the sharpness", "2560x1600", "en", {"QT_SCALE_FACTOR": "2"}),
     "large-text": ("Texts half as large again", "1280x800", "en", {"QT_FONT_DPI": "144", "QT_ENABLE_HIGHDPI_SCALING": "0"}),
+    "pseudo": ("In longer words than any language has", "1280x800", "en-XA", {"LANG": "en_XA.UTF-8"}),
+    "right-to-left": ("Written from right to left", "1280x800", "ar-XB", {"LANG": "ar_XB.UTF-8"}),
     "german": ("In German", "1280x800", "de", {"LANG": "de_DE.UTF-8", "LANGUAGE": "de"}),
 }
 NORMAL = "light"
@@ -77,5 +79,5 @@ class Words:
 def as_shown(text):
     """Without escapes, and without marks of shortcuts."""
     text = text.replace('\\"', '"').replace("\\n", "\n").replace("\\\\", "\\")
-    text = re.sub(r"\(&.\)", "", text)
+    text = re.sub(r" ?\(&.\)", "", text)
     return re.sub("&(.)", r"\1", text)

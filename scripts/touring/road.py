@@ -61,7 +61,8 @@ def open_menu(entry):
 
 def main():
     panel = start("farview-preferences")
-    wait("the panel's window", lambda: find(BUTTON, "Choose a Device"))
+    if not wait("the panel's window", lambda: find(BUTTON, "Choose a Device")):
+        return
     step("The panel opens, the first time on its settings", "first-showing")
 
     click(find(BUTTON, "Choose a Device"))
@@ -148,7 +149,8 @@ def show_settings():
 
     click(find(BUTTON, "Offer HiDPI resolutions"))
     wait("the window that asks", says("HiDPI resolutions are off."))
-    wait("what is missing to ask for an administrator", says("The system cannot be asked"))
+    wait("what is missing to ask for an administrator",
+         lambda: says("The system cannot be asked")() or says("This cannot work here: users")())
     step("HiDPI resolutions: what it takes is said before anything is asked", "hidpi")
     click(find(BUTTON, "Cancel"))
     wait("the window has gone", lambda: not says("HiDPI resolutions are off.")())
@@ -202,9 +204,10 @@ def tick(device):
     if box is None:
         return
     middle, height = place_of(box)
-    # The box stands at the beginning of its cell.
-    width = box.queryComponent().getExtents(pyatspi.DESKTOP_COORDS).width
-    click_at(middle - SHARPNESS * (width // 2 - 12), height)
+    # The box stands at the beginning of its cell, on the side away from the name.
+    to_the_beginning = SHARPNESS * (box.queryComponent().getExtents(pyatspi.DESKTOP_COORDS).width // 2 - 12)
+    is_mirrored = middle > place_of(find(CELL, device))[0]
+    click_at(middle + (to_the_beginning if is_mirrored else -to_the_beginning), height)
     wait(f"{device} is ticked", lambda: WORDS.matcher("ticked")(box_of(device).description))
 
 

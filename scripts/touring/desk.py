@@ -241,13 +241,17 @@ def box_of_windows(program):
 steps = []
 
 
+def say(text):
+    print(f"{time.monotonic() - begin:7.2f} s  {text}", flush=True)
+
+
 def step(title, name, program="farview-preferences"):
     """Takes a picture; the program is the one whose windows matter in it."""
     time.sleep(0.4)  # let animations end: for the picture only
     file = f"{len(steps) + 1:02d}-{name}.png"
     take_picture(os.path.join(FOLDER, file))
     steps.append({"name": name, "title": title, "file": file, "box": box_of_windows(program)})
-    print(f"{time.monotonic() - begin:7.2f} s  {title}  [build/tour/{NAME}/{file}]", flush=True)
+    say(f"{title}  [build/tour/{NAME}/{file}]")
 
 
 def write_steps():

@@ -7,6 +7,7 @@ import os
 import subprocess
 import sys
 import time
+import urllib.parse
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
@@ -15,10 +16,11 @@ import pyatspi  # noqa: E402
 
 from touring import looks  # noqa: E402
 from touring.desk import (  # noqa: E402
-    children, click, click_at, drag, enabled, failures, find, FOLDER, LOOK, place_of, press, ROOT, running,
+    children, click, click_at, drag, enabled, failures, find, FOLDER, LOOK, place_of, press, ROOT, running, say,
     SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND, windows_of, WORDS,
     write_steps)
 
+HOME = os.environ["HOME"]
 OFF = "Farview is currently turned off."
 ON = "Farview is currently on."
 ERROR = "There was a problem connecting to a device."
@@ -112,6 +114,7 @@ def main():
 
     show_settings()
     show_diagnosis()
+    open_the_manual()
     show_status_item()
     if stop(panel) != 0:
         failures.append("the panel ends cleanly")
@@ -165,6 +168,23 @@ def show_diagnosis():
     step("The end of its report: the devices", "diagnosis-end", DOCTOR)
     click(find(BUTTON, "Close", DOCTOR))
     wait("its window has gone", lambda: not find(BUTTON, "Close", DOCTOR))
+
+
+def open_the_manual():
+    """No program for PDF is needed: the one that opens documents for the desktop only notes what it was asked for."""
+    opener, note = os.path.join(HOME, "bin", "xdg-open"), os.path.join(HOME, "opened")
+    os.makedirs(os.path.dirname(opener))
+    with open(opener, "w") as file:
+        file.write(f'#!/bin/sh\necho "$1" >"{note}.new"; mv "{note}.new" "{note}"\n')
+    os.chmod(opener, 0o755)
+    click(find(BUTTON, "Help"))
+    wait("the manual is opened", lambda: os.path.exists(note))
+    with open(note) as file:
+        path = urllib.parse.unquote(file.read().strip().removeprefix("file://"))
+    with open(path, "rb") as file:
+        if not file.read(5) == b"%PDF-":
+            failures.append("what Help opens is a PDF")
+    say("Help opens the manual")
 
 
 def show_device():
@@ -300,7 +320,7 @@ def prefer_dark_windows():
     wait("the desktop prefers dark windows", lambda: subprocess.run(ask, capture_output=True).returncode == 0)
 
 
-os.environ.update(looks.environment(LOOK))
+os.environ.update(looks.environment(LOOK), PATH=os.path.join(HOME, "bin") + ":" + os.environ["PATH"])
 try:
     if looks.is_dark(LOOK):
         prefer_dark_windows()

@@ -55,9 +55,11 @@ bool isSecureAddress(const QUrl& address)
 
 void Fetch::EndReply::operator()(QNetworkReply* reply) const
 {
-    reply->abort();
-    // The end may come within one of its own signals.
-    reply->deleteLater();
+    // The end may come within one of its own signals, where it is not ready for that.
+    QTimer::singleShot(0, reply, [reply] {
+        reply->abort();
+        reply->deleteLater();
+    });
 }
 
 Fetch::Fetch()

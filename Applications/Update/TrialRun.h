@@ -3,9 +3,9 @@
 #include "Applications/Update/UpdateFailure.h"
 
 #include <QProcess>
+#include <QString>
 #include <QTimer>
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,7 +15,8 @@ namespace farview
 {
 
 /// Lets the host go through a bundle's whole life, cut off from the user's own: with folders and a
-/// message bus of its own, and without a display. Main thread.
+/// message bus of its own that starts no services, and without a display. What runs for it ends
+/// with this object, and when this process is killed. Main thread.
 class TrialRun
 {
 public:
@@ -27,19 +28,29 @@ public:
     TrialRun(const TrialRun&) = delete;
     TrialRun& operator=(const TrialRun&) = delete;
 
-    /// `folder` is private and exists; the programs keep there what they would keep at home.
+    /// `folder` is private, empty and exists; the programs keep there what they would keep at home.
     void start(const std::string& host, const std::string& bundle, const std::string& folder,
                Then then);
     /// Ends what is under way; nothing more is called.
     void stop();
 
 private:
+    std::unique_ptr<QProcess> newProcess();
+    void startBus();
+    void startHost();
     void conclude();
     void end(std::optional<UpdateFailure> failure);
+    void settle();
 
-    std::unique_ptr<QProcess> mProcess;
-    QTimer mLimit;
+    QString mHostPath;
+    QString mBundle;
+    QString mFolder;
     Then mThen;
+    std::unique_ptr<QProcess> mBus;
+    std::unique_ptr<QProcess> mHost;
+    QTimer mLimit;
+    bool mIsOver = true;
+    std::optional<UpdateFailure> mFailure; ///< the outcome, once it is over
 };
 
 } // namespace farview

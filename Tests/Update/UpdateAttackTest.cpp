@@ -218,6 +218,14 @@ TEST_F(UpdateAttack, ABundleThatDoesNotWork)
     EXPECT_TRUE(isUntouched());
 }
 
+TEST_F(UpdateAttack, ABundleThatCannotBeTried)
+{
+    publish(packed(release("1.1")));
+    host = folder.path("no host");
+    EXPECT_EQ(update(), "internal") << printed;
+    EXPECT_TRUE(isUntouched());
+}
+
 // The way.
 
 TEST_F(UpdateAttack, ARedirectionAwayFromHTTPS)

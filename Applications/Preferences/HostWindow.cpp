@@ -1,5 +1,7 @@
 #include "Applications/Preferences/HostWindow.h"
 
+#include <QAccessibleWidget>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QMessageBox>
 #include <QTabWidget>
@@ -25,10 +27,18 @@ int heightForPages(const QTabWidget& tabs, const QWidget& view, int width)
     return height + around.height();
 }
 
+/// The toolkit tells assistive technology that a window without a frame of its kinds is nothing.
+QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object)
+{
+    auto* window = qobject_cast<HostWindow*>(object);
+    return window ? new QAccessibleWidget(window, QAccessible::Window) : nullptr;
+}
+
 } // namespace
 
 HostWindow::HostWindow() : mLayout(new QVBoxLayout(this)), mBack(new QToolButton(this))
 {
+    QAccessible::installFactory(makeAccessible);
     mLayout->setContentsMargins(0, 0, 0, 0);
     mLayout->setSpacing(0);
     mLayout->addWidget(mBack, 0, Qt::AlignLeading);
@@ -57,6 +67,9 @@ void HostWindow::setView(QWidget* view, const QString& title, const QString& bac
         mView->hide();
     }
     mView = view;
+    // A pane whose language is written the other way turns the window around it.
+    const bool hasDirection = view->testAttribute(Qt::WA_SetLayoutDirection);
+    setLayoutDirection(hasDirection ? view->layoutDirection() : QApplication::layoutDirection());
     showBack(back);
     QSize wanted = firstSize(*view);
     mLayout->addWidget(view, 1);

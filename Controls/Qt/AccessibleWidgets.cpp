@@ -1,10 +1,13 @@
 #include "Controls/Qt/AccessibleWidgets.h"
 
+#include "Controls/Qt/AccessibleTable.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/TableWidget.h"
 
 #include <QAccessibleWidget>
+#include <QFrame>
 
 namespace farview
 {
@@ -24,6 +27,7 @@ public:
         QAccessible::State state = QAccessibleWidget::state();
         state.checkable = true;
         state.checked = mSwitch->isOn();
+        state.busy = mSwitch->isMoving();
         return state;
     }
     QStringList actionNames() const override
@@ -83,7 +87,9 @@ public:
     {
         if (name != pressAction())
             QAccessibleWidget::doAction(name);
-        else if (mPopUp->isEnabled() && !mPopUp->openMenu())
+        else if (QMenu* menu = mPopUp->openMenu())
+            menu->close();
+        else if (mPopUp->isEnabled())
             emit mPopUp->openRequested();
     }
 
@@ -99,6 +105,11 @@ QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* obje
         return new AccessiblePopUp(widget);
     if (auto* widget = qobject_cast<SpinnerWidget*>(object))
         return new QAccessibleWidget(widget, QAccessible::Animation);
+    if (auto* widget = qobject_cast<TableWidget*>(object))
+        return new AccessibleTable(widget);
+    // The toolkit calls a line between groups a frame, which on the bus is a window.
+    if (auto* frame = qobject_cast<QFrame*>(object); frame && frame->frameShape() == QFrame::HLine)
+        return new QAccessibleWidget(frame, QAccessible::Separator);
     return nullptr;
 }
 

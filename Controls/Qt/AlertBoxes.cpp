@@ -43,6 +43,8 @@ QMessageBox* makeBox(const Alert& alert, QWidget* window)
     auto* box = new QMessageBox(iconFor(alert.style), window ? window->windowTitle() : QString(),
                                 plainText(alert.messageText), QMessageBox::NoButton, window);
     box->setAttribute(Qt::WA_DeleteOnClose);
+    if (window)
+        box->setLayoutDirection(window->layoutDirection());
     box->setInformativeText(plainText(alert.informativeText));
     addButtons(*box, alert.buttons);
     for (auto* label : box->findChildren<QLabel*>())

@@ -79,6 +79,7 @@ void Binding::adoptCommon()
     if (auto* control = dynamic_cast<Control*>(mView.get());
         control && mWidget->testAttribute(Qt::WA_ForceDisabled))
         control->setEnabled(false);
+    mIsDescribedByFile = !mWidget->accessibleDescription().isEmpty();
 }
 
 void Binding::showCommon()
@@ -86,10 +87,34 @@ void Binding::showCommon()
     if (mWidget->isHidden() != isHidden())
         mWidget->setHidden(isHidden());
     if (const auto* control = dynamic_cast<const Control*>(mView.get()))
-        mWidget->setEnabled(control->isEnabled());
+        showEnabled(control->isEnabled());
     // The file's own tool tip stays until another one is set.
     if (std::exchange(mShownToolTip, mView->toolTip()) != mView->toolTip())
-        mWidget->setToolTip(plainToolTip(mView->toolTip()));
+        showToolTip();
+}
+
+// A control that is out of use for a moment loses the keyboard to its neighbour. It gets it back,
+// unless the user has gone elsewhere meanwhile.
+void Binding::showEnabled(bool enabled)
+{
+    const QWidget* window = mWidget->window();
+    const bool hadKeyboard = window->focusWidget() == mWidget;
+    mWidget->setEnabled(enabled);
+    if (!enabled && hadKeyboard)
+        mHasKeyboardMeanwhile = window->focusWidget();
+    if (!enabled)
+        return;
+    if (mHasKeyboardMeanwhile && window->focusWidget() == mHasKeyboardMeanwhile)
+        mWidget->setFocus();
+    mHasKeyboardMeanwhile = nullptr;
+}
+
+void Binding::showToolTip()
+{
+    mWidget->setToolTip(plainToolTip(mShownToolTip));
+    // Without a description the tool tip is read out, with the marks that are not for people.
+    if (!mIsDescribedByFile)
+        mWidget->setAccessibleDescription(plainText(mShownToolTip));
 }
 
 } // namespace farview

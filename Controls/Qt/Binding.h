@@ -61,11 +61,15 @@ protected:
 private:
     void adoptCommon();
     void showCommon();
+    void showEnabled(bool enabled);
+    void showToolTip();
 
     std::shared_ptr<View> mView;
     QWidget* mWidget;
     Subscription mSubscription;
     std::string mShownToolTip;
+    QPointer<QWidget> mHasKeyboardMeanwhile;
+    bool mIsDescribedByFile = false;
     int mShowing = 0;
 };
 

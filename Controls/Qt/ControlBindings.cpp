@@ -23,8 +23,12 @@ QColor errorColor(const QPalette& palette)
 ButtonBinding::ButtonBinding(std::shared_ptr<Button> button, QAbstractButton* widget)
     : Binding(button, widget), mButton(std::move(button)), mButtonWidget(widget)
 {
-    connect(widget, &QAbstractButton::clicked, this,
-            [this] { userDid([this] { mButton->performClick(nullptr); }); });
+    const auto click = [this] { userDid([this] { mButton->performClick(nullptr); }); };
+    // Assistive technology ticks a box without a click.
+    if (widget->isCheckable())
+        connect(widget, &QAbstractButton::toggled, this, click);
+    else
+        connect(widget, &QAbstractButton::clicked, this, click);
 }
 
 void ButtonBinding::adopt()

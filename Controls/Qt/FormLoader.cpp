@@ -7,10 +7,14 @@
 #include "Controls/Qt/SheetWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/TableWidget.h"
 #include "Controls/Qt/TextLabel.h"
 #include "Platform/Bundle.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
 #include <QTranslator>
 
 namespace farview
@@ -49,6 +53,8 @@ private:
             return new TextLabel(parent);
         if (className == u"farview::SwitchWidget")
             return makeSwitch(parent);
+        if (className == u"farview::TableWidget")
+            return new TableWidget(parent);
         return nullptr;
     }
     QWidget* makeSwitch(QWidget* parent) const
@@ -105,6 +111,16 @@ void scaleFonts(QWidget& form)
     }
 }
 
+/// Whether the language of the bundle's texts is. The folder of the catalogue in force names it.
+bool isWrittenFromRightToLeft(const Bundle& bundle)
+{
+    const auto catalogue = bundle.pathForResource("Localizable", "strings");
+    if (!catalogue)
+        return false;
+    const QString folder = QFileInfo(QString::fromStdString(*catalogue)).dir().dirName();
+    return QLocale(folder.section(u'.', 0, 0)).textDirection() == Qt::RightToLeft;
+}
+
 } // namespace
 
 FormLoader::FormLoader(const Bundle& bundle) : mBundle(bundle), mLoader(makeLoader(bundle)) {}
@@ -115,8 +131,11 @@ std::unique_ptr<QWidget> FormLoader::loadForm(QIODevice& file)
 {
     const BundleTranslator translator(mBundle);
     std::unique_ptr<QWidget> form(mLoader->load(&file));
-    if (form)
-        scaleFonts(*form);
+    if (!form)
+        return nullptr;
+    scaleFonts(*form);
+    if (isWrittenFromRightToLeft(mBundle))
+        form->setLayoutDirection(Qt::RightToLeft);
     return form;
 }
 

@@ -12,7 +12,8 @@ namespace farview
 class Bundle;
 
 /// Reads a form without looking for designer plug-ins on the machine; knows our own widgets, and
-/// shows each text in the user's language as the bundle has it.
+/// shows each text in the user's language as the bundle has it, from right to left where that is
+/// how the language is written.
 class FormLoader
 {
 public:

@@ -8,7 +8,10 @@ namespace farview
 LineEditBinding::LineEditBinding(std::shared_ptr<TextField> field, QLineEdit* lineEdit)
     : Binding(field, lineEdit), mField(std::move(field)), mLineEdit(lineEdit)
 {
-    connect(lineEdit, &QLineEdit::textEdited, this, [this](const QString& text) {
+    connect(lineEdit, &QLineEdit::textChanged, this, [this](const QString& text) {
+        // Assistive technology sets the text instead of typing it.
+        if (isShowing())
+            return;
         // What was typed is on show already: setting it again would move the cursor.
         mShownText = text.toStdString();
         userDid([this] { mField->userTyped(mShownText); });

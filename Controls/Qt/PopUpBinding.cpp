@@ -59,6 +59,8 @@ QAction* PopUpBinding::addEntry(QMenu* menu, const std::shared_ptr<MenuItem>& it
     QAction* entry = menu->addAction(plainMenuText(item->title));
     entry->setEnabled(item->canBeChosen());
     connect(entry, &QAction::triggered, this, [this, item] { choose(item); });
+    // Assistive technology chooses an entry without closing the menu.
+    connect(entry, &QAction::triggered, menu, &QWidget::close, Qt::QueuedConnection);
     return entry;
 }
 

@@ -35,6 +35,9 @@ void PopUpWidget::open(QMenu* menu, QAction* current)
 {
     menu->setParent(this, menu->windowFlags());
     menu->setMinimumWidth(width());
+    menu->setAccessibleName(accessibleName());
+    // A window of its own does not take it over by itself.
+    menu->setLayoutDirection(layoutDirection());
     // Else the click that closes the menu would open it again.
     menu->setAttribute(Qt::WA_NoMouseReplay);
     connect(menu, &QMenu::aboutToHide, this, [this, menu] {

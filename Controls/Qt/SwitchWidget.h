@@ -30,6 +30,8 @@ public:
     double position() const { return mSlider ? mSlider->doubleValue() : 0.0; }
     /// What the switch is announced as.
     bool isOn() const { return mSlider && mSlider->onOffValue() == 1.0; }
+    /// Whether the knob is on its way; clicks are refused meanwhile.
+    bool isMoving() const { return mSlider && mSlider->animating(); }
     /// What a click does, wherever.
     void click();
 

@@ -89,10 +89,7 @@ bool TableBinding::eventFilter(QObject* watched, QEvent* event)
 void TableBinding::moveCurrentRow(int step)
 {
     const QModelIndex current = mTableWidget->currentIndex();
-    // The gap above the row before, or the one below the row after.
-    const int gap = step < 0 ? current.row() - 1 : current.row() + 2;
-    const auto drag = mModel->dragRow(current.row());
-    if (!drag || !mModel->drop(*drag, gap))
+    if (!mModel->moveRow(current.row(), step))
         return;
     mTableWidget->setCurrentIndex(mModel->index(current.row() + step, current.column()));
 }

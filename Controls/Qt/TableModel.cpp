@@ -61,6 +61,14 @@ bool TableModel::drop(const RowDrag& drag, int gap)
     return dropped;
 }
 
+bool TableModel::moveRow(int row, int step)
+{
+    // The gap above the row before, or the one below the row after.
+    const int gap = step < 0 ? row - 1 : row + 2;
+    const auto drag = dragRow(row);
+    return drag && drop(*drag, gap);
+}
+
 int TableModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : mRows; }
 
 int TableModel::columnCount(const QModelIndex& parent) const

@@ -37,6 +37,8 @@ public:
     std::optional<RowDrag> dragRow(int row);
     bool mayDrop(const RowDrag& drag, int gap);
     bool drop(const RowDrag& drag, int gap);
+    /// The row changes places with the one above (-1) or below (1). False when it may not.
+    bool moveRow(int row, int step);
 
     int rowCount(const QModelIndex& parent) const override;
     int columnCount(const QModelIndex& parent) const override;

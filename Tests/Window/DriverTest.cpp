@@ -48,11 +48,6 @@ protected:
     {
         mFolder.write("sys/devices/virtual/dmi/id/product_name", model + "\n");
     }
-    void close()
-    {
-        pane.reset();
-        view.reset();
-    }
     /// A new start of the panel, on the tab with the switch.
     void start(const char* language = "en")
     {

@@ -39,12 +39,12 @@ protected:
         qunsetenv("LANG");
     }
 
-    void load(const char* language = "en")
+    void load(const char* language = "en", const std::string& path = FARVIEW_PANE_BUNDLE)
     {
         // A language beyond "C" must be in force before the list of languages counts.
         qputenv("LANG", "en_US.UTF-8");
         qputenv("LANGUAGE", language);
-        bundle = PosixBundles(EnvironmentUse::honoured, mLog).bundleWithPath(FARVIEW_PANE_BUNDLE);
+        bundle = PosixBundles(EnvironmentUse::honoured, mLog).bundleWithPath(path);
         ASSERT_NE(bundle, nullptr);
         pane = std::make_shared<FVEPreferencePane>(fake.platform());
         ASSERT_TRUE(pane->initWithBundle(bundle));
@@ -61,6 +61,12 @@ protected:
         view->show();
         pane->didSelect();
         settle();
+    }
+    /// As when the panel is closed for good.
+    void close()
+    {
+        pane.reset();
+        view.reset();
     }
     /// Lets the scripted machine and the window catch up.
     void settle()
@@ -79,10 +85,12 @@ protected:
         fake.discovery.announce({FakeDevice{name, hostName}});
         settle();
     }
-    void useLargeFont()
+    void useLargeFont() { useFontScale(1.5); }
+    /// Type of that size, in relation to the desktop's.
+    void useFontScale(double scale)
     {
-        QFont font = QApplication::font();
-        font.setPointSizeF(font.pointSizeF() * 1.5);
+        QFont font = mFont;
+        font.setPointSizeF(font.pointSizeF() * scale);
         QApplication::setFont(font);
     }
     void useDarkColors()

@@ -1,6 +1,7 @@
 #include "Common/FVEChiseledTextButton.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QPushButton>
 
@@ -124,6 +125,23 @@ TEST_F(BoundButton, AWidgetThatCannotShowTheControlIsRefused)
 {
     QWidget plain;
     EXPECT_FALSE(bindToWidget(std::make_shared<Button>(), &plain));
+}
+
+TEST_F(BoundButton, ABoxThatAssistiveTechnologyTicksSendsTheAction)
+{
+    show<QCheckBox>("Option");
+    auto* action = QAccessible::queryAccessibleInterface(widget.get())->actionInterface();
+    action->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_EQ(button->state(), 1);
+    EXPECT_EQ(target->calls["press:"], 1);
+}
+
+TEST_F(BoundButton, AToolTipIsReadOutWithoutItsMarkup)
+{
+    show<QPushButton>("Go");
+    button->setToolTip("R&D <now>");
+    const auto* accessible = QAccessible::queryAccessibleInterface(widget.get());
+    EXPECT_EQ(accessible->text(QAccessible::Description), u"R&D <now>"_qs);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -62,6 +63,13 @@ TEST_F(BoundLineEdit, AReadOnlyFieldTakesNoTyping)
     EXPECT_TRUE(lineEdit.isReadOnly());
     QTest::keyClicks(&lineEdit, u"1"_qs);
     EXPECT_EQ(field->stringValue(), "");
+}
+
+TEST_F(BoundLineEdit, WhatAssistiveTechnologyPutsInCountsAsTyped)
+{
+    auto* accessible = QAccessible::queryAccessibleInterface(&lineEdit);
+    accessible->editableTextInterface()->replaceText(0, 0, u"10.0.0.5"_qs);
+    EXPECT_EQ(field->stringValue(), "10.0.0.5");
 }
 
 TEST(BoundTextRole, AnErrorIsRedOnLightAndOnDarkAndTheDesktopsColourAfterwards)

@@ -88,7 +88,7 @@ TEST_F(UpdateAttack, FiveGigabytesAnnounced)
         publish(archive, offered);
         EXPECT_EQ(update(), "too-large") << printed;
     }
-    EXPECT_EQ(server.requests(), (std::vector<std::string>{"updates.xml", "updates.xml"}));
+    EXPECT_FALSE(server.wasAskedFor("archive.tar.xz"));
     EXPECT_TRUE(isUntouched());
 }
 
@@ -248,7 +248,7 @@ TEST_F(UpdateAttack, RedirectionsWithoutAnEnd)
 {
     server.redirect("updates.xml", server.address("updates.xml"));
     EXPECT_EQ(update(), "server") << printed;
-    EXPECT_LT(server.requests().size(), 10u);
+    EXPECT_LT(server.requests().size(), 30u);
     EXPECT_TRUE(isUntouched());
 }
 
@@ -356,14 +356,14 @@ TEST_F(UpdateAttack, ADiskThatIsFull)
     entries.push_back({"Example Pane.prefPane/noise", Kind::file, noise, 0644, 0});
     publish(packed(entries));
     EXPECT_EQ(update(), "no-space") << printed;
-    EXPECT_EQ(server.requests().size(), 1u);
+    EXPECT_FALSE(server.wasAskedFor("archive.tar.xz"));
     EXPECT_EQ(snapshot(place), installed);
 
     // What shows when it is unpacked.
     entries.back() = {"Example Pane.prefPane/zeros", Kind::file, "", 0644, 4u << 20};
     publish(packed(entries));
     EXPECT_EQ(update(), "no-space") << printed;
-    EXPECT_EQ(server.requests().size(), 3u);
+    EXPECT_TRUE(server.wasAskedFor("archive.tar.xz"));
     EXPECT_EQ(snapshot(place), installed);
     EXPECT_EQ(std::system(("umount " + place).c_str()), 0);
 }

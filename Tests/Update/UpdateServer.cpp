@@ -7,6 +7,7 @@
 #include <QSslKey>
 #include <QTcpSocket>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -67,6 +68,11 @@ UpdateServer::UpdateServer()
 std::string UpdateServer::address(const std::string& host, const std::string& path) const
 {
     return "https://" + host + ":" + std::to_string(mServer.serverPort()) + "/" + path;
+}
+
+bool UpdateServer::wasAskedFor(const std::string& path) const
+{
+    return std::find(mRequests.begin(), mRequests.end(), path) != mRequests.end();
 }
 
 void UpdateServer::accept()

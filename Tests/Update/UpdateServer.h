@@ -56,8 +56,10 @@ public:
     {
         serve(path, Answer{302, {}, target, {}, {}});
     }
-    /// The paths that were asked for, in order.
+    /// The paths that were asked for, in order. A client may ask twice when a connection ends on
+    /// it.
     const std::vector<std::string>& requests() const { return mRequests; }
+    bool wasAskedFor(const std::string& path) const;
 
 private:
     void accept();

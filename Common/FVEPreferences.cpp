@@ -206,11 +206,46 @@ void FVEPreferences::setOpenPrefsInSettingsPane(bool flag)
     setBoolean(kOpenPrefsInSettingsPane, flag);
 }
 
-bool FVEPreferences::debuggingDontSendKBEvents()
+bool FVEPreferences::booleanDefaultingToNo(const char* key)
 {
-    const auto value = mPreferences.copyAppValue(kDebuggingDontSendKBEvents, kApplicationID);
+    const auto value = mPreferences.copyAppValue(key, kApplicationID);
     const auto* flag = value ? value->get<bool>() : nullptr;
     return flag && *flag;
+}
+
+bool FVEPreferences::debuggingDontSendKBEvents()
+{
+    return booleanDefaultingToNo(kDebuggingDontSendKBEvents);
+}
+
+bool FVEPreferences::autoUpdateOptionShown()
+{
+    return booleanDefaultingToNo(kAutoUpdateOptionShown);
+}
+void FVEPreferences::setAutoUpdateOptionShown(bool flag)
+{
+    setBoolean(kAutoUpdateOptionShown, flag);
+}
+
+std::optional<farview::Date> FVEPreferences::lastUpdateCheck()
+{
+    const auto value = mPreferences.copyAppValue(kLastUpdateCheck, kApplicationID);
+    const auto* date = value ? value->get<farview::Date>() : nullptr;
+    return date ? std::optional(*date) : std::nullopt;
+}
+
+std::string FVEPreferences::lastUpdateOutcome()
+{
+    const auto value = mPreferences.copyAppValue(kLastUpdateOutcome, kApplicationID);
+    const auto* word = value ? value->get<std::string>() : nullptr;
+    return word ? *word : std::string();
+}
+
+void FVEPreferences::setLastUpdateCheck(farview::Date date, const std::string& outcome)
+{
+    mPreferences.setAppValue(kLastUpdateCheck, PropertyList(date), kApplicationID);
+    mPreferences.setAppValue(kLastUpdateOutcome, PropertyList(outcome), kApplicationID);
+    synchronizeWithNotification();
 }
 
 bool FVEPreferences::enableHiDPIResolutions()

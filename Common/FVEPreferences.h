@@ -3,6 +3,7 @@
 #include "Platform/Types/PropertyList.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 inline constexpr const char* kCurrentState = "currentState";
@@ -17,6 +18,9 @@ inline constexpr const char* kAutoConnectDevices = "autoConnectDevices";
 inline constexpr const char* kLastOtherDeviceName = "lastOtherDeviceName";
 inline constexpr const char* kFirstRun = "firstRun";
 inline constexpr const char* kOpenPrefsInSettingsPane = "openPrefsInSettingsPane";
+inline constexpr const char* kAutoUpdateOptionShown = "autoUpdateOptionShown";
+inline constexpr const char* kLastUpdateCheck = "lastUpdateCheck";
+inline constexpr const char* kLastUpdateOutcome = "lastUpdateOutcome";
 inline constexpr const char* kDebuggingDontSendKBEvents = "QLNDebuggingDontSendKBEvents";
 
 namespace farview
@@ -69,6 +73,15 @@ public:
     void setFirstRun(bool flag);
     bool openPrefsInSettingsPane();
     void setOpenPrefsInSettingsPane(bool flag);
+    /// Whether the user has had the chance to see the option for updates. Until it is set, no.
+    bool autoUpdateOptionShown();
+    void setAutoUpdateOptionShown(bool flag);
+    /// When updates were looked for last; nothing when never.
+    std::optional<farview::Date> lastUpdateCheck();
+    /// What that came to, in a word; "" when never.
+    std::string lastUpdateOutcome();
+    /// Stores both at once.
+    void setLastUpdateCheck(farview::Date date, const std::string& outcome);
     bool debuggingDontSendKBEvents();
 
     /// The window server's setting, which holds for all users of this computer.
@@ -83,6 +96,8 @@ public:
 
 private:
     bool booleanDefaultingToYes(const char* key);
+    /// Writes nothing.
+    bool booleanDefaultingToNo(const char* key);
     void setBoolean(const char* key, bool flag);
     std::string text(const char* key);
     void setText(const char* key, const std::string& value);

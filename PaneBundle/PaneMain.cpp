@@ -9,7 +9,9 @@
 #include "Platform/Workspace.h"
 #include "Source/FVEPreferencePane.h"
 
+#include <QCoreApplication>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include <optional>
@@ -30,6 +32,12 @@ public:
             return false;
         mView->window()->raise();
         mView->window()->activateWindow();
+        return true;
+    }
+    bool reopen() override
+    {
+        // Not now: this may be the answer to a click in a window that goes.
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(exitToStartAnew); });
         return true;
     }
 

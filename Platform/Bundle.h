@@ -36,6 +36,8 @@ public:
 
     /// The bundle in that folder, or null when it is none (no readable Info.plist).
     virtual std::shared_ptr<Bundle> bundleWithPath(const std::string& path) = 0;
+    /// One that was opened by its path and is in use, with that CFBundleIdentifier; else null.
+    virtual std::shared_ptr<Bundle> bundleWithIdentifier(const std::string& identifier) = 0;
 };
 
 } // namespace farview

@@ -12,6 +12,7 @@
 #include "Platform/Log.h"
 #include "Platform/LoginItem.h"
 #include "Platform/NetService.h"
+#include "Platform/NetworkCondition.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/Preferences.h"
 #include "Platform/ProcessTable.h"
@@ -19,6 +20,7 @@
 #include "Platform/SearchPaths.h"
 #include "Platform/SystemVersion.h"
 #include "Platform/Text.h"
+#include "Platform/Updater.h"
 #include "Platform/Workspace.h"
 
 #include <cerrno>
@@ -36,6 +38,7 @@ class NoAccessibility final : public Accessibility
 class NoApplication final : public Application
 {
     bool activateWithOptions(unsigned) override { return false; }
+    bool reopen() override { return false; }
 };
 
 class NoAuthorization final : public Authorization
@@ -63,6 +66,7 @@ class NoAuthorization final : public Authorization
 class NoBundles final : public Bundles
 {
     std::shared_ptr<Bundle> bundleWithPath(const std::string&) override { return nullptr; }
+    std::shared_ptr<Bundle> bundleWithIdentifier(const std::string&) override { return nullptr; }
 };
 
 class NoClock final : public Clock
@@ -194,6 +198,15 @@ class NoLoginItem final : public LoginItem
     bool disable() override { return true; }
 };
 
+class NoNetworkCondition final : public NetworkCondition
+{
+    void ask(std::weak_ptr<void> target, Answer then) override
+    {
+        if (const auto kept = target.lock())
+            then(NetworkKind::absent);
+    }
+};
+
 class NoPreferences final : public Preferences
 {
     std::optional<PropertyList> copyAppValue(const std::string&, const std::string&) override
@@ -264,6 +277,40 @@ class NoText final : public Text
     std::string uppercase(std::string_view text) const override { return std::string(text); }
 };
 
+/// Finds no place to get updates from.
+class NoUpdater final : public Updater
+{
+    bool automaticallyChecksForUpdates() const override { return mChecks; }
+    void setAutomaticallyChecksForUpdates(bool flag) override { mChecks = flag; }
+    void setDelegate(std::weak_ptr<UpdaterDelegate> delegate) override
+    {
+        mDelegate = std::move(delegate);
+    }
+    const UpdateStatus& status() const override { return mStatus; }
+    void checkForUpdates() override
+    {
+        mStatus.stage = UpdateStatus::Stage::failed;
+        mStatus.problem = UpdateProblem::notConfigured;
+        if (const auto delegate = mDelegate.lock())
+            delegate->didChangeStatus(*this);
+    }
+    void downloadUpdate() override {}
+    void installUpdate() override {}
+    void cancel() override {}
+
+    std::weak_ptr<UpdaterDelegate> mDelegate;
+    UpdateStatus mStatus;
+    bool mChecks = false;
+};
+
+class NoUpdaters final : public Updaters
+{
+    std::shared_ptr<Updater> updaterForBundle(const std::string&) override
+    {
+        return std::make_shared<NoUpdater>();
+    }
+};
+
 class NoWorkspace final : public Workspace
 {
     bool launchApplicationAtURL(const URL&, unsigned) override { return false; }
@@ -284,6 +331,7 @@ struct NothingHere {
     NoRegistry registry;
     NoLog log;
     NoLoginItem loginItem;
+    NoNetworkCondition networkCondition;
     LocalNotificationCenter notificationCenter;
     NoPreferences preferences;
     NoProcessTable processTable;
@@ -291,6 +339,7 @@ struct NothingHere {
     NoSearchPaths searchPaths;
     NoSystemVersion systemVersion;
     NoText text;
+    NoUpdaters updaters;
     NoWorkspace workspace;
 };
 
@@ -317,7 +366,7 @@ Platform::Platform()
       preferences(&nothingHere().preferences), processTable(&nothingHere().processTable),
       runLoop(&nothingHere().runLoop), searchPaths(&nothingHere().searchPaths),
       systemVersion(&nothingHere().systemVersion), text(&nothingHere().text),
-      workspace(&nothingHere().workspace)
+      updaters(&nothingHere().updaters), workspace(&nothingHere().workspace)
 {
 }
 

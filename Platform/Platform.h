@@ -16,6 +16,7 @@ class GraphicsControl;
 class IORegistry;
 class Log;
 class LoginItem;
+class NetworkCondition;
 class NotificationCenter;
 class Preferences;
 class ProcessTable;
@@ -23,6 +24,7 @@ class RunLoop;
 class SearchPaths;
 class SystemVersion;
 class Text;
+class Updaters;
 class Workspace;
 
 /// Everything that the system needs of a desktop. Each reference is preset to a complete body that
@@ -45,6 +47,7 @@ struct Platform {
     IORegistry* registry;
     Log* log;
     LoginItem* loginItem;
+    NetworkCondition* networkCondition;
     NotificationCenter* notificationCenter;
     Preferences* preferences;
     ProcessTable* processTable;
@@ -52,6 +55,7 @@ struct Platform {
     SearchPaths* searchPaths;
     SystemVersion* systemVersion;
     Text* text;
+    Updaters* updaters;
     Workspace* workspace;
 
     /// The one installed in this module; the empty one when none is. Only for functions whose fixed

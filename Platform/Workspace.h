@@ -35,6 +35,9 @@ public:
 
     /// Brings the application to the front.
     virtual bool activateWithOptions(unsigned options) = 0;
+    /// Ends the application and starts it anew, with what is on the disk by then. False when that
+    /// cannot be done; else the end comes on a later turn.
+    virtual bool reopen() = 0;
 };
 
 inline constexpr const char* applicationDidBecomeActiveNotification =

@@ -10,6 +10,10 @@ class QWidget;
 // What host and pane bundle know of each other. Both sides are built apart and replaced apart:
 // nothing else crosses the border, and a change here needs a new interface identifier.
 
+/// With this status a pane ends the application to have it started anew, with the bundle that lies
+/// on the disk by then. A host that does not know of it just ends.
+inline constexpr int exitToStartAnew = 100;
+
 /// A pane on show in a host. The host calls, in this order: `initWithBundle`, `loadMainView`,
 /// `mainViewDidLoad`, then for each showing `willSelect`, `didSelect` and, when the user leaves,
 /// `willUnselect`. Destroyed before the application object ends. Main thread only.

@@ -1,4 +1,5 @@
 #include "Applications/Preferences/FontReader.h"
+#include "Applications/Preferences/PaneInterface.h"
 #include "Applications/Preferences/PaneSearch.h"
 #include "Applications/Preferences/PreferencesHost.h"
 #include "Applications/Preferences/SmokeTest.h"
@@ -14,7 +15,10 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 #include <thread>
+#include <unistd.h>
 
 namespace
 {
@@ -119,6 +123,27 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
     return error.status == HostStatus::success ? QApplication::exec() : fail(error);
 }
 
+int runApplication(int& argc, char** argv, const Options& options, const QString& pane,
+                   farview::Bundles& bundles)
+{
+    const FontReader configuration;
+    QApplication application(argc, argv);
+    const std::jthread fonts = FontReader::listFonts();
+    QApplication::setApplicationName(u"farview-preferences"_qs);
+    QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
+    QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);
+    return options.smokeTest ? runSmokeTest(pane, bundles) : runWindow(pane, options.pane, bundles);
+}
+
+/// In the place of this process, as it was started: its window and its name on the bus have gone.
+int startAnew(char** argv)
+{
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    ::execv(program.c_str(), argv);
+    return fail({HostStatus::usage, u"The program cannot be started anew."_qs});
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -147,12 +172,6 @@ int main(int argc, char* argv[])
     if (!hasDisplay())
         return fail({HostStatus::noDisplay, u"There is no display to open a window on."_qs});
 
-    const FontReader configuration;
-    QApplication application(argc, argv);
-    const std::jthread fonts = FontReader::listFonts();
-    QApplication::setApplicationName(u"farview-preferences"_qs);
-    QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
-    QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);
-    return options->smokeTest ? runSmokeTest(pane, bundles)
-                              : runWindow(pane, options->pane, bundles);
+    status = runApplication(argc, argv, *options, pane, bundles);
+    return status == exitToStartAnew ? startAnew(argv) : status;
 }

@@ -2,9 +2,11 @@
 
 #include "Platform/Desktop/DBusNotificationCenter.h"
 #include "Platform/Desktop/DesktopAccessibility.h"
+#include "Platform/Desktop/DesktopNetworkCondition.h"
 #include "Platform/Desktop/DesktopText.h"
 #include "Platform/Desktop/DesktopWorkspace.h"
 #include "Platform/Desktop/Discovery/DesktopDiscovery.h"
+#include "Platform/Desktop/EngineUpdater.h"
 #include "Platform/Desktop/ForgetfulBodies.h"
 #include "Platform/Desktop/LoopbackNotificationCenter.h"
 #include "Platform/Desktop/PolkitAuthorization.h"
@@ -71,6 +73,8 @@ struct DesktopPlatform::Bodies {
     std::optional<DBusNotificationCenter> distributedCenter;
     std::optional<DesktopWorkspace> workspace;
     std::optional<DesktopDiscovery> discovery;
+    std::optional<DesktopNetworkCondition> networkCondition;
+    std::optional<EngineUpdaters> updaters;
     // these take their places in a smoke test.
     std::optional<LoopbackNotificationCenter> loopbackCenter;
     std::optional<ForgetfulPreferences> forgetfulPreferences;
@@ -114,7 +118,9 @@ void DesktopPlatform::composeForUse()
     mPlatform.fileManager = &own.fileManager;
     mPlatform.graphicsControl = &own.graphicsControl;
     mPlatform.loginItem = &own.loginItem;
+    mPlatform.networkCondition = &own.networkCondition.emplace(NetworkPlaces{});
     mPlatform.preferences = &own.preferences;
+    mPlatform.updaters = &own.updaters.emplace(QCoreApplication::applicationFilePath(), own.log);
     mPlatform.workspace = &own.workspace.emplace(own.bus, own.bundles, own.runLoop, own.log);
 }
 

@@ -65,6 +65,15 @@ std::shared_ptr<Bundle> FakeBundles::bundleWithPath(const std::string& path)
     return found == mBundles.end() ? nullptr : found->second;
 }
 
+std::shared_ptr<Bundle> FakeBundles::bundleWithIdentifier(const std::string& identifier)
+{
+    for (const auto& [path, bundle] : mBundles) {
+        if (bundle->objectForInfoDictionaryKey("CFBundleIdentifier") == PropertyList(identifier))
+            return bundle;
+    }
+    return nullptr;
+}
+
 std::shared_ptr<FakeBundle> FakeBundles::add(const std::string& path)
 {
     auto& bundle = mBundles[path];

@@ -42,6 +42,7 @@ class FakeBundles final : public Bundles
 {
 public:
     std::shared_ptr<Bundle> bundleWithPath(const std::string& path) override;
+    std::shared_ptr<Bundle> bundleWithIdentifier(const std::string& identifier) override;
 
     /// Makes (or finds) the bundle at that path.
     std::shared_ptr<FakeBundle> add(const std::string& path);

@@ -18,6 +18,7 @@ FakePlatform::FakePlatform() : discovery(runLoop), distributedNotificationCenter
     mPlatform.registry = &registry;
     mPlatform.log = &log;
     mPlatform.loginItem = &loginItem;
+    mPlatform.networkCondition = &networkCondition;
     mPlatform.notificationCenter = &notificationCenter;
     mPlatform.preferences = &preferences;
     mPlatform.processTable = &processTable;
@@ -25,6 +26,7 @@ FakePlatform::FakePlatform() : discovery(runLoop), distributedNotificationCenter
     mPlatform.searchPaths = &searchPaths;
     mPlatform.systemVersion = &systemVersion;
     mPlatform.text = &text;
+    mPlatform.updaters = &updaters;
     mPlatform.workspace = &workspace;
 }
 

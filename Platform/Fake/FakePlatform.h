@@ -12,6 +12,7 @@
 #include "Platform/Fake/FakeGraphicsControl.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeLoginItem.h"
+#include "Platform/Fake/FakeNetworkCondition.h"
 #include "Platform/Fake/FakePreferences.h"
 #include "Platform/Fake/FakeProcessTable.h"
 #include "Platform/Fake/FakeRegistry.h"
@@ -19,6 +20,7 @@
 #include "Platform/Fake/FakeSearchPaths.h"
 #include "Platform/Fake/FakeSystemVersion.h"
 #include "Platform/Fake/FakeText.h"
+#include "Platform/Fake/FakeUpdater.h"
 #include "Platform/Fake/FakeWorkspace.h"
 #include "Platform/LocalNotificationCenter.h"
 #include "Platform/Platform.h"
@@ -54,12 +56,14 @@ public:
     FakeRegistry registry;
     FakeLog log;
     FakeLoginItem loginItem;
+    FakeNetworkCondition networkCondition;
     LocalNotificationCenter notificationCenter;
     FakePreferences preferences;
     FakeProcessTable processTable;
     FakeSearchPaths searchPaths;
     FakeSystemVersion systemVersion;
     FakeText text;
+    FakeUpdaters updaters;
     FakeWorkspace workspace;
 
 private:

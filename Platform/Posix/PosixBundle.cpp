@@ -127,8 +127,22 @@ std::shared_ptr<Bundle> PosixBundles::bundleWithPath(const std::string& path)
         mLog.write(LogLevel::warning, "the bundle " + absolute + " is refused: " + info.reason);
     if (!info.list)
         return nullptr;
-    return std::make_shared<PosixBundle>(
+    const auto bundle = std::make_shared<PosixBundle>(
         absolute, std::move(*info.list->get<PropertyList::Dictionary>()), mLanguages, mLog);
+    std::erase_if(mOpened, [](const auto& each) { return each.expired(); });
+    mOpened.push_back(bundle);
+    return bundle;
+}
+
+std::shared_ptr<Bundle> PosixBundles::bundleWithIdentifier(const std::string& identifier)
+{
+    for (const auto& each : mOpened) {
+        const auto bundle = each.lock();
+        if (bundle &&
+            bundle->objectForInfoDictionaryKey("CFBundleIdentifier") == PropertyList(identifier))
+            return bundle;
+    }
+    return nullptr;
 }
 
 } // namespace farview

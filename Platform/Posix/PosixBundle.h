@@ -51,10 +51,12 @@ public:
     PosixBundles(EnvironmentUse use, Log& log);
 
     std::shared_ptr<Bundle> bundleWithPath(const std::string& path) override;
+    std::shared_ptr<Bundle> bundleWithIdentifier(const std::string& identifier) override;
 
 private:
     std::vector<std::string> mLanguages;
     Log& mLog;
+    std::vector<std::weak_ptr<Bundle>> mOpened;
 };
 
 } // namespace farview

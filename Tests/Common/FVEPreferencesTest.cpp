@@ -264,6 +264,31 @@ TEST(FVEPreferencesOrder, AChangeIsStoredBetweenItsTwoAnnouncements)
     EXPECT_THAT(center.found, ElementsAre(std::nullopt, PropertyList(false)));
 }
 
+TEST_F(FVEPreferencesTest, TheLastLookForUpdatesIsNothingUntilItIsStoredWithItsOutcomeAtOnce)
+{
+    EXPECT_EQ(preferences.lastUpdateCheck(), std::nullopt);
+    EXPECT_EQ(preferences.lastUpdateOutcome(), "");
+    EXPECT_FALSE(preferences.autoUpdateOptionShown());
+    EXPECT_EQ(fake.preferences.setCount(), 0) << "asking writes no default";
+    preferences.setLastUpdateCheck({1'800'000'000}, "current");
+    EXPECT_EQ(pairsAnnounced(), 1u);
+    EXPECT_EQ(preferences.lastUpdateCheck(), farview::Date{1'800'000'000});
+    EXPECT_EQ(preferences.lastUpdateOutcome(), "current");
+    preferences.setAutoUpdateOptionShown(true);
+    EXPECT_TRUE(preferences.autoUpdateOptionShown());
+}
+
+TEST_F(FVEPreferencesTest, AWronglyTypedLookForUpdatesIsNoneAndStays)
+{
+    store(kLastUpdateCheck, "yesterday");
+    store(kLastUpdateOutcome, 7);
+    store(kAutoUpdateOptionShown, 1);
+    EXPECT_EQ(preferences.lastUpdateCheck(), std::nullopt);
+    EXPECT_EQ(preferences.lastUpdateOutcome(), "");
+    EXPECT_FALSE(preferences.autoUpdateOptionShown());
+    EXPECT_EQ(stored(kLastUpdateCheck), PropertyList("yesterday"));
+}
+
 TEST_F(FVEPreferencesTest, ASynchronizeCoversThisHostThenTheWholeApplication)
 {
     preferences.synchronize();

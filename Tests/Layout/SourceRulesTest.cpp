@@ -22,6 +22,7 @@ bool mentions(const SourceFile& file, const std::regex& pattern)
 const std::set<std::string> filesThatFindThePlatform = {
     "Common/FVELogging.cpp",
     "Common/FVEPreferences.cpp",
+    "Common/FVEUpdater.cpp",
     "Common/GetPID.cpp",
     "Common/NSApplication_Additions.cpp",
     "Common/NSString_Additions.cpp",

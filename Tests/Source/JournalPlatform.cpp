@@ -229,6 +229,7 @@ public:
         mJournal.add("activate " + std::to_string(options));
         return mInner.activateWithOptions(options);
     }
+    bool reopen() override { return mInner.reopen(); }
 
 private:
     Application& mInner;

@@ -110,6 +110,23 @@ TEST_F(RunningHost, ASecondStartRaisesTheFirstWindowAndEnds)
     EXPECT_EQ(terminate(*first).status, 0);
 }
 
+TEST_F(RunningHost, APaneThatWantsItIsStartedAnewInTheSameProcess)
+{
+    useBus();
+    write(path("calls.anew"), u"now"_qs);
+    const auto host = start({u"--pane"_qs, recordingPane()});
+    const std::string twice = std::string(wholeLife) + " makePane initWithBundle loadMainView "
+                                                       "mainViewDidLoad willSelect didSelect";
+    EXPECT_TRUE(waitUntil([&] { return calls() == twice; }, std::chrono::seconds(20)))
+        << calls() << host->readAllStandardError().toStdString();
+    EXPECT_EQ(host->state(), QProcess::Running);
+    EXPECT_EQ(run({}).status, 0) << "it has the session's window again";
+    EXPECT_EQ(calls(), twice);
+    EXPECT_EQ(QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(host->processId())),
+              QFileInfo(QStringLiteral(FARVIEW_PREFERENCES)).canonicalFilePath());
+    EXPECT_EQ(terminate(*host).status, 0);
+}
+
 TEST_F(RunningHost, ASecondStartHandsItsPaneOver)
 {
     useBus();

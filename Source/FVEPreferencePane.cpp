@@ -14,6 +14,7 @@
 #include "Source/DevicesTable.h"
 #include "Source/FVEConnectToOtherSheetController.h"
 #include "Source/FVEEnableHiDPIController.h"
+#include "Source/SoftwareUpdates.h"
 
 using farview::DistributedNotificationCenter;
 using farview::Object;
@@ -102,6 +103,7 @@ void FVEPreferencePane::willSelect()
     if (preferences.showInMenuBar())
         startStatusItemProcess();
     queryConnectedHost();
+    beginUpdates();
 }
 
 void FVEPreferencePane::didSelect()
@@ -122,6 +124,8 @@ void FVEPreferencePane::willUnselect()
     cancelAXPermissionRequest();
     mDiagnosisAlert.end();
     closeHiDPIWindow();
+    if (mSoftwareUpdates)
+        mSoftwareUpdates->end();
     mOnShow = false;
     removeObservers();
     writeDeviceList();
@@ -163,6 +167,7 @@ void FVEPreferencePane::releaseOutlets()
     setWarningImage(nullptr);
     setAutoUpdateCheckbox(nullptr);
     setCheckNowForUpdateButton(nullptr);
+    setUpdateStatusLabel(nullptr);
     setPlaceholderForFullPopupSize(nullptr);
     setPlaceholderForReducedPopupSize(nullptr);
     setWaitingForServerIndicator(nullptr);
@@ -276,6 +281,8 @@ void FVEPreferencePane::followPreferences()
     showSwitchState();
     if (preferences.autoConnectOption() != (autoConnect()->state() == 1))
         autoConnect()->performClick(this);
+    if (mSoftwareUpdates)
+        mSoftwareUpdates->followOption();
     updateUI();
 }
 

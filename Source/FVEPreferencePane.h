@@ -4,6 +4,7 @@
 #include "Common/Rules/StatusDisplay.h"
 #include "Platform/Authorization.h"
 #include "Platform/NotificationCenter.h"
+#include "Platform/Updater.h"
 #include "Source/FVEPreferencePaneProperties.h"
 
 #include <deque>
@@ -20,6 +21,7 @@ struct Platform;
 } // namespace farview
 
 class FVEEnableHiDPIController;
+class SoftwareUpdates;
 
 /// The panel: switches the system on and off, lets the user choose a device and follows the
 /// connection to it. Made with `std::make_shared`; main thread only. The host calls
@@ -28,6 +30,7 @@ class FVEEnableHiDPIController;
 class FVEPreferencePane : public FVEPreferencePaneProperties,
                           public farview::Object,
                           public farview::TableDataSource,
+                          public farview::UpdaterDelegate,
                           public std::enable_shared_from_this<FVEPreferencePane>
 {
 public:
@@ -157,7 +160,11 @@ public:
     void diagnosePressed(farview::Object* sender);
     void checkNowForUpdatePressed(farview::Object* sender);
     void autoUpdatePressed(farview::Object* sender);
-    void willInstallUpdate(farview::Object* updater, farview::Object* item);
+    void didChangeStatus(farview::Updater& updater) override;
+    void willInstallUpdate(farview::Object* updater, farview::Object* item) override;
+    /// What the pane does about updates; null until it is shown.
+    const std::shared_ptr<SoftwareUpdates>& softwareUpdates() const { return mSoftwareUpdates; }
+    std::string bundleVersion() const { return infoText("CFBundleVersion").value_or(""); }
     void determineComponenVersionNumber();
     bool needsWarningMessageFor9400_9600_And_LionProblem();
 
@@ -189,6 +196,7 @@ private:
     void followPreferences();
     void queryConnectedHost();
     void releaseOutlets();
+    void beginUpdates();
 
     const QLNBonjourBrowser::ServiceList& listedServices() const;
     farview::DeviceMenuInputs deviceMenuInputs();
@@ -234,6 +242,7 @@ private:
     farview::Subscription mReconnection;
     farview::Subscription mDiscoveryCondition;
     std::shared_ptr<FVEEnableHiDPIController> mEnableHiDPIController;
+    std::shared_ptr<SoftwareUpdates> mSoftwareUpdates;
     bool mAuthorizationIsUnderWay = false;
     int mQueryResultsWaiting = 0;
     bool mListWasBuilt = false;

@@ -34,6 +34,7 @@ class FVEConnectToOtherSheetController;
     OUTLET(farview::Button, enableRetinaResolutions, setEnableRetinaResolutions, makeCheckBox)     \
     OUTLET(farview::Button, autoUpdateCheckbox, setAutoUpdateCheckbox, makeCheckBox)               \
     OUTLET(farview::Button, checkNowForUpdateButton, setCheckNowForUpdateButton, make)             \
+    OUTLET(farview::TextField, updateStatusLabel, setUpdateStatusLabel, make)                      \
     OUTLET(farview::Button, autoMoveWindowsBack, setAutoMoveWindowsBack, makeCheckBox)             \
     OUTLET(farview::Button, autoConnect, setAutoConnect, makeCheckBox)                             \
     OUTLET(farview::TableView, autoConnectTable, setAutoConnectTable, make)                        \

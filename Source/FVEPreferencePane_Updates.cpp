@@ -1,15 +1,37 @@
 #include "Source/FVEPreferencePane.h"
 
 #include "Common/FVEPreferences.h"
+#include "Source/SoftwareUpdates.h"
 
 using farview::Object;
 
-void FVEPreferencePane::checkNowForUpdatePressed(Object* /*sender*/) {}
+void FVEPreferencePane::beginUpdates()
+{
+    if (!mSoftwareUpdates)
+        mSoftwareUpdates = std::make_shared<SoftwareUpdates>(mPlatform, weak_from_this());
+    mSoftwareUpdates->begin();
+}
+
+void FVEPreferencePane::checkNowForUpdatePressed(Object* /*sender*/)
+{
+    if (mSoftwareUpdates)
+        mSoftwareUpdates->checkNow();
+}
 
 void FVEPreferencePane::autoUpdatePressed(Object* sender)
 {
-    if (const auto* checkBox = dynamic_cast<farview::Button*>(sender))
-        FVEPreferences::sharedAppPrefs().setAutoUpdateOption(checkBox->state() == 1);
+    const auto* checkBox = dynamic_cast<farview::Button*>(sender);
+    if (!checkBox)
+        return;
+    FVEPreferences::sharedAppPrefs().setAutoUpdateOption(checkBox->state() == 1);
+    if (mSoftwareUpdates)
+        mSoftwareUpdates->followOption();
+}
+
+void FVEPreferencePane::didChangeStatus(farview::Updater& /*updater*/)
+{
+    if (mSoftwareUpdates)
+        mSoftwareUpdates->statusChanged();
 }
 
 void FVEPreferencePane::willInstallUpdate(Object* /*updater*/, Object* /*item*/)

@@ -41,7 +41,7 @@ bool isHiddenByFile(const QWidget* widget)
 Binding::Binding(std::shared_ptr<View> view, QWidget* widget)
     : QObject(widget), mView(std::move(view)), mWidget(widget)
 {
-    setKeepsSpace(widget, true);
+    setKeepsSpace(widget, !widget->property("folds").toBool());
 }
 
 void Binding::letSpaceFold() { setKeepsSpace(mWidget, false); }

@@ -33,7 +33,8 @@ ButtonBinding::ButtonBinding(std::shared_ptr<Button> button, QAbstractButton* wi
 
 void ButtonBinding::adopt()
 {
-    mShownTitle = withoutShortcut(mButtonWidget->text());
+    mFileText = mButtonWidget->text();
+    mShownTitle = withoutShortcut(mFileText);
     mButton->setTitle(mShownTitle);
     mButton->setKind(mButtonWidget->isCheckable() ? Button::Kind::checkBox : Button::Kind::push);
     mButton->setState(mButtonWidget->isChecked() ? 1 : 0);
@@ -41,10 +42,11 @@ void ButtonBinding::adopt()
 
 void ButtonBinding::show(Change /*change*/)
 {
-    // The file's own text carries the shortcut, so it stays until another one is set.
+    // The file's own text carries the shortcut, so it stays until another one is set, and returns.
     if (mButton->title() != mShownTitle) {
         mShownTitle = mButton->title();
-        mButtonWidget->setText(plainMenuText(mShownTitle));
+        const bool isFiles = mShownTitle == withoutShortcut(mFileText);
+        mButtonWidget->setText(isFiles ? mFileText : plainMenuText(mShownTitle));
     }
     if (mButtonWidget->isCheckable())
         mButtonWidget->setChecked(mButton->state() != 0);

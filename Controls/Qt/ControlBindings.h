@@ -29,6 +29,7 @@ protected:
 private:
     std::shared_ptr<Button> mButton;
     QAbstractButton* mButtonWidget;
+    QString mFileText;
     std::string mShownTitle;
 };
 

@@ -63,7 +63,7 @@ void SheetWidget::focusFirstTabStop()
 {
     for (QWidget* each = nextInFocusChain(); each != this; each = each->nextInFocusChain()) {
         const bool cancels = each->property("cancels").toBool();
-        if (isAncestorOf(each) && !cancels && each->isEnabled() &&
+        if (isAncestorOf(each) && !cancels && each->isEnabled() && !each->isHidden() &&
             each->focusPolicy() & Qt::TabFocus) {
             each->setFocus();
             return;

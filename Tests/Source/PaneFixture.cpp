@@ -15,6 +15,7 @@ PaneFixture::PaneFixture()
     bundle->addResource("com.quillon.displayresolutionsoff", "");
     bundle->setInfo("QLNInstallerURL", "https://example.org/install");
     bundle->setInfo("CFBundleVersion", "1.2");
+    bundle->setInfo("CFBundleIdentifier", kFVEPaneBundleID);
     driver = fake.registry.publish("QLExGFX");
     newPane(fake.platform());
 }

@@ -106,19 +106,26 @@ TEST_F(PaneOrder, ShowingGoesThroughItsSteps)
     pane->willSelect();
     const std::string activation = "local observe NSApplicationDidBecomeActiveNotification of one "
                                    "object";
-    EXPECT_EQ(journal.lines(),
-              (Texts{"distributed observe FVEPrefsDidChangeNotification",
-                     "distributed observe ConnectServerToHost",
-                     "distributed observe QueryResultForConnectedHost",
-                     "distributed observe ServerConnectedToDevice",
-                     "distributed observe ServerDisconnectedFromDevice",
-                     "distributed observe RequestingErrorMsgFromPrefPane", activation, activation,
-                     "local observe kQLNBonjourBrowserDidAddService",
-                     "local observe kQLNBonjourBrowserDidRemoveService",
-                     "local observe kQLNBonjourBrowserDidUpdateService", "tabView",
-                     "enableHiDPIResolutions", "enableRetinaResolutions", "make browser",
-                     "statusLabel", "launch ScreenCapture.app", "launch FarviewStatusItem.app",
-                     "post QueryRequestForConnectedHost 2"}));
+    EXPECT_EQ(journal.lines(), (Texts{"distributed observe FVEPrefsDidChangeNotification",
+                                      "distributed observe ConnectServerToHost",
+                                      "distributed observe QueryResultForConnectedHost",
+                                      "distributed observe ServerConnectedToDevice",
+                                      "distributed observe ServerDisconnectedFromDevice",
+                                      "distributed observe RequestingErrorMsgFromPrefPane",
+                                      activation,
+                                      activation,
+                                      "local observe kQLNBonjourBrowserDidAddService",
+                                      "local observe kQLNBonjourBrowserDidRemoveService",
+                                      "local observe kQLNBonjourBrowserDidUpdateService",
+                                      "tabView",
+                                      "enableHiDPIResolutions",
+                                      "enableRetinaResolutions",
+                                      "make browser",
+                                      "statusLabel",
+                                      "launch ScreenCapture.app",
+                                      "launch FarviewStatusItem.app",
+                                      "post QueryRequestForConnectedHost 2",
+                                      "timer 3"}));
 }
 
 TEST_F(PaneOrder, TheFirstShowingForgetsItsFlagBeforeItTurnsToTheSettings)

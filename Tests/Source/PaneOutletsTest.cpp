@@ -31,6 +31,7 @@ const std::set<std::string_view> outletNames = {
     "enableRetinaResolutions",
     "autoUpdateCheckbox",
     "checkNowForUpdateButton",
+    "updateStatusLabel",
     "autoMoveWindowsBack",
     "autoConnect",
     "autoConnectTable",

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Platform/Types/Object.h"
+#include "Platform/Types/UpdateStatus.h"
+#include "Source/FVEUpdateSheetOutlets.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+class FVEPreferencePane;
+
+/// The sheet that tells of an update and asks about it. It hangs on the panel, so nothing starts
+/// the programs of the bundle while the bundle is replaced. Knows nothing of the updater: it shows
+/// a status and tells which button was pressed. Made with `std::make_shared`; main thread only.
+class FVEUpdateSheetController : public FVEUpdateSheetOutlets,
+                                 public farview::Object,
+                                 public std::enable_shared_from_this<FVEUpdateSheetController>
+{
+public:
+    enum class Choice {
+        first, ///< goes on
+        second ///< leaves it
+    };
+    using Handler = std::function<void(Choice)>;
+
+    /// `handler` is called for each press of a button.
+    explicit FVEUpdateSheetController(Handler handler) : mHandler(std::move(handler)) {}
+
+    bool respondsTo(farview::Selector selector) const override;
+    bool perform(farview::Selector selector, farview::Object* argument) override;
+
+    /// Opens the sheet on the pane's window. False when it cannot be loaded; `error` then says why.
+    bool open(const FVEPreferencePane& pane, std::string& error);
+    bool isOpen() const { return updatePanel() && updatePanel()->isSheet(); }
+    void show(const FVEPreferencePane& pane, const farview::UpdateStatus& status,
+              const std::string& ownVersion);
+    void close();
+
+    void firstButtonPressed(farview::Object* sender);
+    void secondButtonPressed(farview::Object* sender);
+
+private:
+    bool loadNib(const FVEPreferencePane& pane, std::string& error);
+    void choose(Choice choice);
+
+    Handler mHandler;
+};

@@ -74,7 +74,7 @@ void PaneSystem::load()
 {
     desktop.emplace(DesktopPlatformOptions{});
     installed.emplace(platform());
-    bundle = platform().bundles->bundleWithPath(FARVIEW_PANE_BUNDLE);
+    bundle = platform().bundles->bundleWithPath(bundlePath);
     ASSERT_NE(bundle, nullptr);
     listenTo(kServerDisconnectedFromDevice);
     listenTo(kQueryResultForConnectedHost);

@@ -88,6 +88,8 @@ protected:
     void post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {});
 
     TemporaryFolder home;
+    /// The pane's bundle: that of the build tree, unless a test takes another before `load`.
+    std::string bundlePath = FARVIEW_PANE_BUNDLE;
     std::vector<std::unique_ptr<ScopedEnvironment>> environment;
     PrivateBus bus;
     FakeLog publisherLog;

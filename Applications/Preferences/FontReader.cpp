@@ -7,14 +7,19 @@
 
 #include <fontconfig/fontconfig.h>
 
-// Whoever initializes it while this goes on gets the same configuration.
 FontReader::FontReader() : mConfiguration([] { FcInit(); }) {}
 
-FontReader::~FontReader() { mConfiguration.join(); }
+FontReader::~FontReader()
+{
+    if (mConfiguration.joinable())
+        mConfiguration.join();
+}
 
 std::jthread FontReader::listFonts()
 {
-    return std::jthread([] {
+    return std::jthread([this] {
+        // The library reads its configuration twice for two who ask for it at once.
+        mConfiguration.join();
         QFontDatabase::families();
         // The first text finds the font's file, and which fonts stand in for what it lacks.
         QFontMetricsF(QFont()).horizontalAdvance(u'x');

@@ -16,8 +16,8 @@ public:
     FontReader& operator=(const FontReader&) = delete;
 
     /// Goes on with the toolkit's list of fonts and its usual font, for which there must be an
-    /// application object; its end must wait for the result's.
-    [[nodiscard]] static std::jthread listFonts();
+    /// application object; its end must wait for the result's. Called once.
+    [[nodiscard]] std::jthread listFonts();
 
 private:
     std::thread mConfiguration;

@@ -126,9 +126,9 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
 int runApplication(int& argc, char** argv, const Options& options, const QString& pane,
                    farview::Bundles& bundles)
 {
-    const FontReader configuration;
+    FontReader fontReader;
     QApplication application(argc, argv);
-    const std::jthread fonts = FontReader::listFonts();
+    const std::jthread fonts = fontReader.listFonts();
     QApplication::setApplicationName(u"farview-preferences"_qs);
     QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
     QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);

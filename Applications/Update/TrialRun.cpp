@@ -107,7 +107,7 @@ void TrialRun::startBus()
     QObject::connect(bus, &QProcess::finished, bus, [this] { settle(); });
     // It prints its address once it can be used.
     QObject::connect(bus, &QProcess::readyReadStandardOutput, bus, [this] {
-        if (!mHost)
+        if (!mHost && !mIsOver)
             startHost();
     });
     bus->start(QStringLiteral("dbus-daemon"),
@@ -165,8 +165,10 @@ void TrialRun::settle()
         return;
     const Then then = std::exchange(mThen, nullptr);
     if (then)
-        then(std::move(mFailure));
+        then(mFailure);
 }
+
+void TrialRun::breakOff() { end(UpdateFailure{UpdateReason::internal, "broken off"}); }
 
 void TrialRun::stop()
 {

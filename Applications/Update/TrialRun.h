@@ -20,8 +20,8 @@ namespace farview
 class TrialRun
 {
 public:
-    /// Called once; with nothing when the bundle passed.
-    using Then = std::function<void(std::optional<UpdateFailure> failure)>;
+    /// Called once, when nothing runs any more; with nothing when the bundle passed.
+    using Then = std::function<void(const std::optional<UpdateFailure>& failure)>;
 
     TrialRun();
     ~TrialRun();
@@ -31,10 +31,11 @@ public:
     /// `folder` is private, empty and exists; the programs keep there what they would keep at home.
     void start(const std::string& host, const std::string& bundle, const std::string& folder,
                Then then);
-    /// Ends what is under way; nothing more is called.
-    void stop();
+    /// Ends what is under way before its time: with a failure.
+    void breakOff();
 
 private:
+    void stop();
     std::unique_ptr<QProcess> newProcess();
     void startBus();
     void startHost();

@@ -26,15 +26,12 @@ void UpdateRun::proceed()
 {
     if (mStep == Step::ended || mStep == Step::working)
         return;
-    if (mIsCancelled) {
-        mStaging.release();
-        mEvents.cancelled();
-        end(0);
-    } else if (mStep == Step::offered && mMayDownload) {
+    if (mIsCancelled)
+        mStep == Step::trying ? mTrial.breakOff() : cancel();
+    else if (mStep == Step::offered && mMayDownload)
         download();
-    } else if (mStep == Step::ready && mMayInstall) {
+    else if (mStep == Step::ready && mMayInstall)
         install();
-    }
 }
 
 bool UpdateRun::isBrokenOff()
@@ -43,20 +40,24 @@ bool UpdateRun::isBrokenOff()
     return mIsCancelled;
 }
 
-void UpdateRun::conclude(std::optional<UpdateFailure> failure)
+void UpdateRun::cancel()
+{
+    mFetch.stop();
+    mStaging.release();
+    mEvents.cancelled();
+    end(0);
+}
+
+void UpdateRun::fail(const UpdateFailure& failure)
 {
     mStaging.release();
-    if (failure) {
-        mEvents.failed(*failure);
-        end(1);
-    }
+    mEvents.failed(failure);
+    end(1);
 }
 
 void UpdateRun::end(int status)
 {
     mStep = Step::ended;
-    mFetch.stop();
-    mTrial.stop();
     mEnded(status);
 }
 

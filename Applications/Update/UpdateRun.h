@@ -47,12 +47,14 @@ private:
     std::optional<UpdateFailure> prepare(const std::string& archive);
     std::optional<UpdateFailure> compare() const;
     void tryOut();
+    void takeVerdict(const std::optional<UpdateFailure>& failure);
 
     void install();
     std::optional<UpdateFailure> exchange();
 
     bool isBrokenOff();
-    void conclude(std::optional<UpdateFailure> failure);
+    void cancel();
+    void fail(const UpdateFailure& failure);
     void end(int status);
 
     UpdateArguments mArguments;

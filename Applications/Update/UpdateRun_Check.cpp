@@ -46,13 +46,13 @@ void UpdateRun::start()
 {
     mEvents.checking();
     if (auto failure = look())
-        return conclude(std::move(failure));
+        return fail(*failure);
     const FetchOrder order{mFeed, FeedReader::largestSize, UpdateReason::tooLarge,
                            mArguments.patience, longestFeed};
     mFetch.start(
         order, [](std::uint64_t) {},
         [this](const std::string& bytes, std::optional<UpdateFailure> failure) {
-            failure ? conclude(std::move(failure)) : takeFeed(bytes);
+            failure ? fail(*failure) : takeFeed(bytes);
         });
 }
 
@@ -80,10 +80,10 @@ void UpdateRun::takeFeed(const std::string& bytes)
 {
     const auto feed = FeedReader::read(bytes);
     if (!feed.items)
-        return conclude(UpdateFailure{UpdateReason::feedUnreadable, feed.reason});
+        return fail(UpdateFailure{UpdateReason::feedUnreadable, feed.reason});
     const auto choice = chooseUpdate(*feed.items, mFacts.version, systemVersion());
     if (choice.kind == UpdateChoice::Kind::systemTooOld)
-        return conclude(UpdateFailure{UpdateReason::systemTooOld, choice.offered});
+        return fail(UpdateFailure{UpdateReason::systemTooOld, choice.offered});
     if (choice.kind == UpdateChoice::Kind::found)
         return offer(*choice.item);
     mEvents.current(mFacts.version, choice.offered);
@@ -109,7 +109,7 @@ std::optional<UpdateFailure> UpdateRun::refusalOf(const UpdateItem& item)
 void UpdateRun::offer(const UpdateItem& item)
 {
     if (auto failure = refusalOf(item))
-        return conclude(std::move(failure));
+        return fail(*failure);
     mItem = item;
     mEvents.found(mItem);
     if (mArguments.onlyChecks)

@@ -33,14 +33,14 @@ void UpdateRun::download()
 {
     mStep = Step::downloading;
     if (auto failure = makeRoom())
-        return conclude(std::move(failure));
+        return fail(*failure);
     mSinceProgress.start();
     const FetchOrder order{
         mArchive, mItem.length, UpdateReason::wrongLength, mArguments.patience, {}};
     mFetch.start(
         order, [this](std::uint64_t received) { takeProgress(received); },
         [this](const std::string& bytes, std::optional<UpdateFailure> failure) {
-            failure ? conclude(std::move(failure)) : takeArchive(bytes);
+            failure ? fail(*failure) : takeArchive(bytes);
         });
 }
 
@@ -70,11 +70,10 @@ void UpdateRun::takeArchive(const std::string& bytes)
 {
     mStep = Step::working;
     mEvents.verifying();
-    auto failure = prepare(bytes);
-    mStep = Step::trying;
+    const auto failure = prepare(bytes);
     if (mIsCancelled)
-        return proceed();
-    failure ? conclude(std::move(failure)) : tryOut();
+        return cancel();
+    failure ? fail(*failure) : tryOut();
 }
 
 /// The bytes that are unpacked are those that were verified: they never leave the memory between.
@@ -111,16 +110,22 @@ std::optional<UpdateFailure> UpdateRun::compare() const
 void UpdateRun::tryOut()
 {
     const std::string folder = mStaging.path() + "/home";
-    if (auto failure = makePrivateFolder(folder))
-        return conclude(std::move(failure));
+    if (const auto failure = makePrivateFolder(folder))
+        return fail(*failure);
+    mStep = Step::trying;
     mTrial.start(mArguments.host, mReplacement, folder,
-                 [this](std::optional<UpdateFailure> failure) {
-                     if (failure)
-                         return conclude(std::move(failure));
-                     mStep = Step::ready;
-                     mEvents.ready(mItem.version);
-                     proceed();
-                 });
+                 [this](const std::optional<UpdateFailure>& failure) { takeVerdict(failure); });
+}
+
+void UpdateRun::takeVerdict(const std::optional<UpdateFailure>& failure)
+{
+    if (mIsCancelled)
+        return cancel();
+    if (failure)
+        return fail(*failure);
+    mStep = Step::ready;
+    mEvents.ready(mItem.version);
+    proceed();
 }
 
 } // namespace farview

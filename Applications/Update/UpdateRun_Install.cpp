@@ -13,7 +13,7 @@ void UpdateRun::install()
     mStep = Step::working;
     mEvents.installing();
     if (auto failure = exchange())
-        return conclude(std::move(failure));
+        return fail(*failure);
     // With it goes the old bundle.
     mStaging.release();
     mEvents.installed(mItem.version);

@@ -22,6 +22,9 @@ EngineRun::EngineRun(const std::vector<std::string>& arguments, const Environmen
                      const std::vector<std::string>& wrapper)
 {
     auto variables = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"http_proxy", "https_proxy", "all_proxy", "HTTP_PROXY", "HTTPS_PROXY",
+                             "ALL_PROXY", "SSL_CERT_FILE"})
+        variables.remove(QLatin1String(name));
     for (const auto& [name, value] : environment)
         variables.insert(QString::fromStdString(name), QString::fromStdString(value));
     QStringList command;

@@ -106,6 +106,19 @@ TEST_F(UpdateEngine, IsBrokenOffWhileItDownloads)
     EXPECT_TRUE(isUntouched());
 }
 
+TEST_F(UpdateEngine, IsBrokenOffWhileTheNewBundleIsTried)
+{
+    publish(packed(release("1.1")));
+    host = folder.write("slow host", "#!/bin/sh\n>'" + folder.path("tried") + "'\nexec sleep 60\n",
+                        true);
+    const auto run = start();
+    run->say("download");
+    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(folder.path("tried")); }));
+    run->say("cancel");
+    EXPECT_EQ(run->outcome(), "cancelled");
+    EXPECT_TRUE(isUntouched());
+}
+
 TEST_F(UpdateEngine, NothingBreaksItOffAfterInstall)
 {
     publish(packed(release("1.1")));

@@ -227,5 +227,24 @@ TEST_P(SoftwareUpdateInEveryLanguage, NothingIsCutInLargeType)
     pictureOfSheet((std::string("update-failed-") + GetParam()).c_str());
 }
 
+TEST_P(SoftwareUpdateInEveryLanguage, TheLineInTheSettingsIsNotCutInALowWindow)
+{
+    load(GetParam());
+    updater = fake.updaters.fakeForBundle(boundPath());
+    show();
+    find<QTabWidget>("tabView")->setCurrentIndex(1);
+    view->resize(640, 480);
+    const auto* line = find<QLabel>("updateStatusLabel");
+    for (const auto& each : updateProblemWords) {
+        updater->checkForUpdates();
+        updater->fail(each.problem);
+        settle();
+        QCoreApplication::processEvents();
+        EXPECT_GE(line->height(), line->heightForWidth(line->width()))
+            << each.word << ": " << line->text().toStdString();
+    }
+    picture((std::string("settings-failed-") + GetParam()).c_str());
+}
+
 } // namespace
 } // namespace farview::test

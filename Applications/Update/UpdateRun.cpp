@@ -4,6 +4,7 @@
 
 namespace farview
 {
+
 UpdateRun::UpdateRun(UpdateArguments arguments, UpdateEvents& events,
                      std::function<void(int)> ended)
     : mArguments(std::move(arguments)), mEvents(events), mEnded(std::move(ended)),

@@ -44,6 +44,9 @@ QUrl addressFrom(const std::string& text)
 
 void UpdateRun::start()
 {
+    // Broken off before it began.
+    if (mStep == Step::ended)
+        return;
     mEvents.checking();
     if (auto failure = look())
         return fail(*failure);

@@ -9,6 +9,9 @@ struct Animation {
 
     Pace pace = Pace::easeInEaseOut;
 
+    /// How long it takes where nobody says otherwise, in seconds.
+    static constexpr double standardTime = 0.25;
+
     bool operator==(const Animation&) const = default;
 };
 

@@ -22,6 +22,7 @@ class MenuItem : public Object
 {
 public:
     std::string title; ///< foreign text where it names a device
+    std::string note;  ///< stands beside the title, for the eye: empty for most
     Selector action;
     std::weak_ptr<Responder> target;
     bool enabled = true; ///< what the builder set; see `canBeChosen`

@@ -6,6 +6,7 @@
 #include "Platform/Clock.h"
 #include "Platform/DisplayConfiguration.h"
 #include "Platform/FileManager.h"
+#include "Platform/Firewall.h"
 #include "Platform/GraphicsControl.h"
 #include "Platform/IORegistry.h"
 #include "Platform/LocalNotificationCenter.h"
@@ -138,6 +139,10 @@ class NoFileManager final : public FileManager
     bool writeData(std::span<const std::uint8_t>, const std::string&) override { return false; }
 };
 
+class NoFirewall final : public Firewall
+{
+    FirewallState state() override { return {}; }
+};
 /// A port to services, of which there are none.
 class NoGraphicsControl final : public GraphicsControl
 {
@@ -327,6 +332,7 @@ struct NothingHere {
     NoDisplayConfiguration displayConfiguration;
     NoDistributedNotificationCenter distributedNotificationCenter;
     NoFileManager fileManager;
+    NoFirewall firewall;
     NoGraphicsControl graphicsControl;
     NoRegistry registry;
     NoLog log;
@@ -360,9 +366,10 @@ Platform::Platform()
       clock(&nothingHere().clock), discovery(&nothingHere().discovery),
       displayConfiguration(&nothingHere().displayConfiguration),
       distributedNotificationCenter(&nothingHere().distributedNotificationCenter),
-      fileManager(&nothingHere().fileManager), graphicsControl(&nothingHere().graphicsControl),
-      registry(&nothingHere().registry), log(&nothingHere().log),
-      loginItem(&nothingHere().loginItem), notificationCenter(&nothingHere().notificationCenter),
+      fileManager(&nothingHere().fileManager), firewall(&nothingHere().firewall),
+      graphicsControl(&nothingHere().graphicsControl), registry(&nothingHere().registry),
+      log(&nothingHere().log), loginItem(&nothingHere().loginItem),
+      notificationCenter(&nothingHere().notificationCenter),
       preferences(&nothingHere().preferences), processTable(&nothingHere().processTable),
       runLoop(&nothingHere().runLoop), searchPaths(&nothingHere().searchPaths),
       systemVersion(&nothingHere().systemVersion), text(&nothingHere().text),

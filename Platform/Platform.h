@@ -12,6 +12,7 @@ class Discovery;
 class DisplayConfiguration;
 class DistributedNotificationCenter;
 class FileManager;
+class Firewall;
 class GraphicsControl;
 class IORegistry;
 class Log;
@@ -43,6 +44,7 @@ struct Platform {
     DisplayConfiguration* displayConfiguration;
     DistributedNotificationCenter* distributedNotificationCenter;
     FileManager* fileManager;
+    Firewall* firewall;
     GraphicsControl* graphicsControl;
     IORegistry* registry;
     Log* log;

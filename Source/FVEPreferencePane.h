@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Common/FVEConstants.h"
 #include "Common/Rules/DeviceMenu.h"
 #include "Common/Rules/StatusDisplay.h"
 #include "Platform/Authorization.h"
@@ -209,6 +210,10 @@ private:
     void showInstructions(const farview::StatusDisplay& display);
     void showDriverMissing();
     void updateDeviceHint();
+    std::string connectedText() const;
+    bool searchesInVain(bool waits);
+    void showConnectionHelp();
+    void hideConnectionHelp();
 
     void enableHiDPIBox();
     OptionalURL hiDPITool() const;
@@ -245,6 +250,8 @@ private:
     std::shared_ptr<SoftwareUpdates> mSoftwareUpdates;
     bool mAuthorizationIsUnderWay = false;
     int mQueryResultsWaiting = 0;
+    std::optional<farview::Duration> mSearchBegan;      ///< nothing while nothing is waited for
+    std::int32_t mRequestedPort = kMainDataTrafficPort; ///< of the device asked for last
     bool mListWasBuilt = false;
     bool mOnShow = false;
 };

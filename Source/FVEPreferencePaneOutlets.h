@@ -44,7 +44,9 @@ class FVEConnectToOtherSheetController;
     OUTLET(farview::ProgressIndicator, waitingForServerIndicator, setWaitingForServerIndicator,    \
            make)                                                                                   \
     OUTLET(farview::TextField, versionNumberLabel, setVersionNumberLabel, make)                    \
-    OUTLET(farview::TextField, deviceHintLabel, setDeviceHintLabel, make)
+    OUTLET(farview::TextField, deviceHintLabel, setDeviceHintLabel, make)                          \
+    OUTLET(farview::TextField, connectionHelpLabel, setConnectionHelpLabel, make)                  \
+    OUTLET(farview::Button, connectionDiagnoseButton, setConnectionDiagnoseButton, make)
 
 /// The pane's outlets. Each is a property, null until the interface file is loaded; the table tells
 /// a loader (and a test) which controls there must be.

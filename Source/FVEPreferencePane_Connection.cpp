@@ -172,6 +172,7 @@ void FVEPreferencePane::checkForConnectionError(Object* /*sender*/)
     setConnectErrorCheckTimer({});
     instructionsLabel()->setStringValue(localized(farview::connectionErrorText));
     warningImage()->setHidden(false);
+    showConnectionHelp();
     setConnectErrorMessageTimer(
         scheduleOnce(errorMessageHold, &FVEPreferencePane::errorMessageCanNowBeCleared));
     // The device may have died without a goodbye.
@@ -187,6 +188,7 @@ void FVEPreferencePane::clearConnectionError()
 {
     instructionsLabel()->setStringValue(localized(farview::instructionsText));
     warningImage()->setHidden(true);
+    hideConnectionHelp();
 }
 
 void FVEPreferencePane::showProgressIndicator()
@@ -242,6 +244,8 @@ void FVEPreferencePane::watchdogTimerOperation(Object* /*sender*/)
     const int state = onOffSwitch()->state();
     if (farview::switchIsOutOfStep(result, state))
         onOffSwitch()->setState(state == 0 ? 1 : 0, false);
+    // Time passed: what the line about devices says may be due to change.
+    updateDeviceHint();
 }
 
 FVEPreferencePane::WeakTimer FVEPreferencePane::scheduleOnce(Duration delay,

@@ -1,8 +1,12 @@
 #include "Source/FVEPreferencePane.h"
 
 #include "Common/FVEConstants.h"
+#include "Common/Rules/FilledText.h"
+#include "Common/Rules/FirewallAdvice.h"
 #include "Controls/Alert.h"
 #include "Platform/Bundle.h"
+#include "Platform/Firewall.h"
+#include "Platform/Platform.h"
 
 using farview::Alert;
 using farview::Object;
@@ -20,4 +24,22 @@ void FVEPreferencePane::diagnosePressed(Object* /*sender*/)
     alert.informativeText = localized("Install Farview again.");
     alert.buttons = {localized("OK")};
     mDiagnosisAlert = mAlertPresenter->beginSheet(alert, tabView(), [](int) {});
+}
+
+// The fixed text of a failed connection speaks of another platform's firewall.
+void FVEPreferencePane::showConnectionHelp()
+{
+    const auto advice = farview::firewallAdvice(mPlatform.firewall->state());
+    std::string text = localized(advice.text);
+    if (!advice.tool.empty())
+        text = farview::filledText(std::move(text), advice.tool);
+    connectionHelpLabel()->setStringValue(
+        farview::filledText(std::move(text), std::to_string(mRequestedPort)));
+    connectionDiagnoseButton()->setHidden(false);
+}
+
+void FVEPreferencePane::hideConnectionHelp()
+{
+    connectionHelpLabel()->setStringValue({});
+    connectionDiagnoseButton()->setHidden(true);
 }

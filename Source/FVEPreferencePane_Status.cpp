@@ -8,6 +8,14 @@ using farview::PopUpDisplay;
 using farview::Represented;
 using farview::SelectedEntry;
 
+namespace
+{
+
+// Devices that are there are found within two seconds.
+constexpr farview::Duration patience{10.0};
+
+} // namespace
+
 void FVEPreferencePane::updateUI()
 {
     auto& preferences = FVEPreferences::sharedAppPrefs();
@@ -102,6 +110,8 @@ void FVEPreferencePane::showInstructions(const farview::StatusDisplay& display)
         instructionsLabel()->setStringValue(instructionsText(*display.instructions));
     if (display.warningShown)
         warningImage()->setHidden(!*display.warningShown);
+    if (display.instructions)
+        hideConnectionHelp();
     if (!videoDriverInstalled())
         reinstallDriversButton()->setHidden(false);
 }
@@ -126,5 +136,26 @@ void FVEPreferencePane::updateDeviceHint()
     inputs.anyDeviceListed = !listedServices().empty();
     inputs.connected = selectedNetService() || connectedToOtherDevice();
     inputs.condition = mPlatform.discovery->condition();
-    deviceHintLabel()->setStringValue(localized(farview::discoveryHint(inputs)));
+    inputs.inVain = searchesInVain(farview::waitsForDevices(inputs));
+    deviceHintLabel()->setStringValue(inputs.on && inputs.connected
+                                          ? connectedText()
+                                          : localized(farview::discoveryHint(inputs)));
+}
+
+std::string FVEPreferencePane::connectedText() const
+{
+    const auto name = selectedNetService() ? std::optional(selectedNetService()->name())
+                                           : connectedToOtherDeviceIPString();
+    return name && !name->empty() ? farview::filledText(localized("Connected to %@"), *name)
+                                  : std::string{};
+}
+
+bool FVEPreferencePane::searchesInVain(bool waits)
+{
+    const auto now = mPlatform.runLoop->now();
+    if (!waits)
+        mSearchBegan.reset();
+    else if (!mSearchBegan)
+        mSearchBegan = now;
+    return mSearchBegan && now - *mSearchBegan >= patience;
 }

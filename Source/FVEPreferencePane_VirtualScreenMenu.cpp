@@ -25,6 +25,12 @@ std::shared_ptr<NetService> serviceOf(const MenuItem& item)
     return object ? std::dynamic_pointer_cast<NetService>(*object) : nullptr;
 }
 
+std::int32_t portOf(const NetService& service)
+{
+    const auto endpoints = service.endpoints();
+    return endpoints.empty() ? kMainDataTrafficPort : endpoints.front().port;
+}
+
 } // namespace
 
 const QLNBonjourBrowser::ServiceList& FVEPreferencePane::listedServices() const
@@ -73,6 +79,8 @@ std::shared_ptr<MenuItem> FVEPreferencePane::menuItem(const MenuEntry& entry)
     case MenuEntryKind::device:
         item->action = {"takeVirtualScreenFrom:"};
         item->representedObject = std::shared_ptr<Object>(listedServices()[entry.device]);
+        if (entry.inUse)
+            item->note = localized("In use");
         break;
     case MenuEntryKind::address:
         item->action = {"takeVirtualScreenFrom:"};
@@ -113,6 +121,7 @@ void FVEPreferencePane::takeVirtualScreenFrom(Object* sender)
 
 void FVEPreferencePane::requestConnection(const NetService& service)
 {
+    mRequestedPort = portOf(service);
     clearConnectionError();
     showProgressIndicator();
     setConnectErrorCheckTimer(

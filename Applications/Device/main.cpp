@@ -4,8 +4,11 @@
 #include "Applications/Device/DeviceWindow.h"
 #include "Applications/Device/OtherDevices.h"
 #include "Applications/TerminationSignals.h"
+#include "Controls/Qt/DesktopLook.h"
+#include "Platform/Desktop/AppearancePortal.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
+#include "Platform/Desktop/SessionBus.h"
 #include "Platform/Posix/MachineIdentifier.h"
 
 #include <QApplication>
@@ -89,6 +92,8 @@ private:
     }
     void showWindow()
     {
+        mPortal.emplace(mDesktop.sessionBus().connection(),
+                        [this](const AppearancePreferences& wanted) { mLook.follow(wanted); });
         mWindow = std::make_unique<DeviceWindow>([this] { quit(); });
         mServer->setObserver([this] { mWindow->showStatus(mServer->status()); });
         mWindow->showStatus(mServer->status());
@@ -99,6 +104,8 @@ private:
     bool mHasWindow;
     DesktopPlatform mDesktop{{}};
     Platform& mPlatform;
+    DesktopLook mLook;
+    std::optional<AppearancePortal> mPortal;
     DesktopNetServicePublisher mPublisher{*mPlatform.log};
     std::shared_ptr<OtherDevices> mOthers;
     std::shared_ptr<DeviceServer> mServer;

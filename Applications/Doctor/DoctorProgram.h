@@ -27,6 +27,7 @@ public:
     std::string translated(const std::string& text) const;
     /// Begins a run, from the beginning; one that is under way is broken off.
     void examine(std::function<void(Area)> areaBegun, std::function<void()> ended);
+    SessionBus& sessionBus() { return mDesktop.sessionBus(); }
     const Notebook& notebook() const { return *mNotebook; }
 
 private:

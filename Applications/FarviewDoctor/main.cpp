@@ -1,6 +1,9 @@
 #include "Applications/Doctor/DoctorProgram.h"
 #include "Applications/FarviewDoctor/DoctorWindow.h"
 #include "Applications/TerminationSignals.h"
+#include "Controls/Qt/DesktopLook.h"
+#include "Platform/Desktop/AppearancePortal.h"
+#include "Platform/Desktop/SessionBus.h"
 
 #include <QApplication>
 
@@ -20,6 +23,9 @@ int run(const BusFacts& buses)
                         [&] { window.showReport(program.notebook().report()); });
     };
     const TerminationSignals termination([&] { window.close(); });
+    DesktopLook look;
+    AppearancePortal portal(program.sessionBus().connection(),
+                            [&](const AppearancePreferences& wanted) { look.follow(wanted); });
     window.show();
     examine();
     return QApplication::exec();

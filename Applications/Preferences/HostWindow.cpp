@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMessageBox>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -11,6 +13,25 @@
 
 namespace
 {
+
+/// What a page needs at that width, the parts included that would scroll for want of room.
+int heightForPage(const QWidget& page, int width)
+{
+    int height = page.minimumSizeHint().height();
+    if (const QLayout* layout = page.layout(); layout && layout->hasHeightForWidth())
+        height = layout->totalMinimumHeightForWidth(width);
+    for (const auto* area : page.findChildren<QScrollArea*>()) {
+        if (!area->widget() || !area->widgetResizable())
+            continue;
+        const QWidget& content = *area->widget();
+        // Layouts inside layouts learn of changes with the next turn only, or now.
+        if (content.layout())
+            content.layout()->activate();
+        const int whole = std::max(content.sizeHint().height(), content.heightForWidth(width));
+        height += std::max(0, whole - area->minimumSizeHint().height());
+    }
+    return height;
+}
 
 /// Tabs do not tell how high their pages must be where texts wrap, so each page is asked.
 int heightForPages(const QTabWidget& tabs, const QWidget& view, int width)
@@ -20,10 +41,8 @@ int heightForPages(const QTabWidget& tabs, const QWidget& view, int width)
         largest = largest.expandedTo(tabs.widget(i)->minimumSizeHint());
     const QSize around = view.minimumSizeHint() - largest;
     int height = 0;
-    for (int i = 0; i < tabs.count(); ++i) {
-        if (const QLayout* layout = tabs.widget(i)->layout())
-            height = std::max(height, layout->totalMinimumHeightForWidth(width - around.width()));
-    }
+    for (int i = 0; i < tabs.count(); ++i)
+        height = std::max(height, heightForPage(*tabs.widget(i), width - around.width()));
     return height + around.height();
 }
 
@@ -77,7 +96,9 @@ void HostWindow::setView(QWidget* view, const QString& title, const QString& bac
     setWindowTitle(title);
     if (!back.isEmpty())
         wanted.rheight() += mBack->sizeHint().height();
-    resize(isVisible() ? size().expandedTo(wanted) : wanted);
+    if (isVisible())
+        wanted = size().expandedTo(wanted);
+    resize(wanted.boundedTo(screen()->availableSize()));
 }
 
 void HostWindow::showBack(const QString& title)

@@ -42,6 +42,7 @@ void PreferencesHost::select(LoadedPane& pane)
 {
     unselect();
     mSelected = &pane;
+    emit showing();
     pane.pane().willSelect();
     mWindow.setView(pane.view(), pane.title(),
                     mEarlier.empty() ? QString() : mEarlier.back()->title());

@@ -27,6 +27,10 @@ public:
     HostWindow& window() { return mWindow; }
     const LoadedPane* selected() const { return mSelected; }
 
+signals:
+    /// A pane is loaded and comes on show next.
+    void showing();
+
 private:
     LoadedPane* paneAt(const QString& bundlePath, HostError& error);
     void select(LoadedPane& pane);

@@ -28,6 +28,8 @@ public:
 
     /// Whether this process is the one with the window. Then later starts call `handler`.
     bool becomeFirst(Handler handler);
+    /// The host's connection to the session bus; an unconnected one where there is no bus.
+    const QDBusConnection& bus() const { return mBus; }
     /// Hands the wish to the first start and waits, some seconds at most, for what it says.
     HostError handOver(const Wish& wish);
 

@@ -6,6 +6,8 @@
 #include "Applications/Preferences/WindowOfTheSession.h"
 #include "Applications/TerminationSignals.h"
 #include "Common/NSURL_Additions.h"
+#include "Controls/Qt/DesktopLook.h"
+#include "Platform/Desktop/AppearancePortal.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PosixSearchPaths.h"
 #include "Platform/Posix/StandardErrorLog.h"
@@ -115,6 +117,11 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
     });
     if (!first)
         return fail(instance.handOver({asked.isEmpty() ? QString() : pane, token}));
+    farview::DesktopLook look;
+    farview::AppearancePortal portal(
+        instance.bus(), [&](const farview::AppearancePreferences& wanted) { look.follow(wanted); });
+    QObject::connect(&host, &PreferencesHost::showing, &portal,
+                     &farview::AppearancePortal::tellWhatIsHere);
     const farview::TerminationSignals termination([&] {
         host.window().close();
         QApplication::quit();

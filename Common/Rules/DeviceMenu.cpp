@@ -14,7 +14,9 @@ MenuEntry noDeviceEntry(bool enabled)
 
 MenuEntry deviceEntry(const ListedDevice& device, std::size_t index)
 {
-    return {MenuEntryKind::device, device.name, !device.busy, !device.busy, false, index};
+    // The device that we are connected to is busy as well: with us.
+    const bool inUse = device.busy && !device.selected;
+    return {MenuEntryKind::device, device.name, !device.busy, !device.busy, false, index, inUse};
 }
 
 /// It has a target and is disabled all the same: menus enable themselves, so it can be chosen.

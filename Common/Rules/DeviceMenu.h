@@ -41,6 +41,7 @@ struct MenuEntry {
     bool enabled = false;
     bool checked = false;
     std::size_t device = 0;
+    bool inUse = false; ///< by another computer, which the entry says beside its title
 
     bool operator==(const MenuEntry&) const = default;
 };

@@ -69,9 +69,14 @@ StatusDisplay statusDisplay(const StatusInputs& inputs)
     return display;
 }
 
+bool waitsForDevices(const DiscoveryHintInputs& inputs)
+{
+    return inputs.on && !inputs.anyDeviceListed && !inputs.connected;
+}
+
 std::string discoveryHint(const DiscoveryHintInputs& inputs)
 {
-    if (!inputs.on || inputs.anyDeviceListed || inputs.connected)
+    if (!waitsForDevices(inputs))
         return {};
     switch (inputs.condition) {
     case DiscoveryCondition::refused:
@@ -81,10 +86,14 @@ std::string discoveryHint(const DiscoveryHintInputs& inputs)
         return "Devices cannot be found: this computer is not on a network. Connect to one, then "
                "open this panel again.";
     case DiscoveryCondition::starting:
+        return "Looking for devices…";
     case DiscoveryCondition::working:
         break;
     }
-    return "No device yet? Start farview-device on another computer.";
+    return inputs.inVain ? "No device yet? Start farview-device on another computer. If it runs "
+                           "there, a firewall may be in the way: UDP port 5353 (mDNS) must be let "
+                           "through."
+                         : "No device yet? Start farview-device on another computer.";
 }
 
 std::optional<int> switchStateForCurrentState(long currentState)

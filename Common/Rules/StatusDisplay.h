@@ -54,8 +54,11 @@ struct DiscoveryHintInputs {
     bool anyDeviceListed = false;
     bool connected = false; ///< to whatever device
     DiscoveryCondition condition = DiscoveryCondition::working;
+    bool inVain = false; ///< nothing was found for so long that something may be in the way
 };
 std::string discoveryHint(const DiscoveryHintInputs& inputs);
+/// Whether the user waits for a first device to show up.
+bool waitsForDevices(const DiscoveryHintInputs& inputs);
 
 /// How the switch follows the stored state: on, off, or (nothing) left as it is.
 std::optional<int> switchStateForCurrentState(long currentState);

@@ -1,25 +1,16 @@
 #include "Controls/Qt/ControlBindings.h"
 
 #include "Controls/Qt/ChiseledTextWidget.h"
-#include "Controls/Qt/Darkness.h"
+#include "Controls/Qt/LabelTint.h"
 #include "Controls/Qt/PlainText.h"
 #include "Controls/Qt/SpinnerWidget.h"
 
 #include <QStyle>
 
+#include <utility>
+
 namespace farview
 {
-namespace
-{
-
-/// A red that can be read on the desktop's own background. Palettes have no word for it.
-QColor errorColor(const QPalette& palette)
-{
-    return isDark(palette) ? QColor(255, 130, 120) : QColor(176, 0, 32);
-}
-
-} // namespace
-
 ButtonBinding::ButtonBinding(std::shared_ptr<Button> button, QAbstractButton* widget)
     : Binding(button, widget), mButton(std::move(button)), mButtonWidget(widget)
 {
@@ -87,13 +78,8 @@ void TextFieldBinding::show(Change /*change*/)
 
 void TextFieldBinding::showRole()
 {
-    if (mField->textRole() == mShownRole)
-        return;
-    mShownRole = mField->textRole();
-    QPalette palette;
-    if (mShownRole == TextField::Role::error)
-        palette.setColor(QPalette::WindowText, errorColor(mLabel->palette()));
-    mLabel->setPalette(palette);
+    if (std::exchange(mShownRole, mField->textRole()) != mField->textRole())
+        LabelTint::of(*mLabel).setError(mShownRole == TextField::Role::error);
 }
 
 ImageViewBinding::ImageViewBinding(std::shared_ptr<ImageView> image, QLabel* label)

@@ -1,8 +1,11 @@
 #include "Controls/Qt/FormLoader.h"
 
+#include "Controls/Qt/Card.h"
 #include "Controls/Qt/ChiseledTextWidget.h"
 #include "Controls/Qt/FrameContainer.h"
 #include "Controls/Qt/ImageFiles.h"
+#include "Controls/Qt/LabelTint.h"
+#include "Controls/Qt/PageScroller.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SheetWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
@@ -39,10 +42,14 @@ public:
 private:
     QWidget* ownWidget(const QString& className, QWidget* parent) const
     {
+        if (className == u"farview::Card")
+            return new Card(parent);
         if (className == u"farview::ChiseledTextWidget")
             return new ChiseledTextWidget(parent);
         if (className == u"farview::FrameContainer")
             return new FrameContainer(parent);
+        if (className == u"farview::PageScroller")
+            return new PageScroller(parent);
         if (className == u"farview::PopUpWidget")
             return new PopUpWidget(parent);
         if (className == u"farview::SheetWidget")
@@ -121,6 +128,15 @@ bool isWrittenFromRightToLeft(const Bundle& bundle)
     return QLocale(folder.section(u'.', 0, 0)).textDirection() == Qt::RightToLeft;
 }
 
+/// A form marks what explains rather than says with the dynamic property "secondary".
+void tintLabels(QWidget& form)
+{
+    for (QLabel* label : form.findChildren<QLabel*>()) {
+        if (label->property("secondary").toBool())
+            LabelTint::of(*label).setSecondary(true);
+    }
+}
+
 } // namespace
 
 FormLoader::FormLoader(const Bundle& bundle) : mBundle(bundle), mLoader(makeLoader(bundle)) {}
@@ -134,6 +150,7 @@ std::unique_ptr<QWidget> FormLoader::loadForm(QIODevice& file)
     if (!form)
         return nullptr;
     scaleFonts(*form);
+    tintLabels(*form);
     if (isWrittenFromRightToLeft(mBundle))
         form->setLayoutDirection(Qt::RightToLeft);
     return form;

@@ -28,6 +28,7 @@ FrameBinding::FrameBinding(std::shared_ptr<View> view, QWidget* widget, FrameCon
       mAnimation(widget, "geometry")
 {
     mAnimation.setEasingCurve(easingCurve(Animation{}));
+    mAnimation.setDuration(rounded(Animation::standardTime * 1000));
     mView->setFrame(frameOf(widget->geometry()), false);
     mSubscription = mView->observe([this](Change change) {
         if (change == Change::frame)
@@ -54,12 +55,10 @@ void FrameBinding::stretch(int byWidth, int height)
 void FrameBinding::place(bool animated)
 {
     mAnimation.stop();
-    const int time = animated && mWidget->isVisible() ? animationTime() : 0;
-    if (time <= 0) {
+    if (!animated || !playsAnimations(*mWidget)) {
         mWidget->setGeometry(destination());
         return;
     }
-    mAnimation.setDuration(time);
     mAnimation.setStartValue(mWidget->geometry());
     mAnimation.setEndValue(destination());
     mAnimation.start();
@@ -72,11 +71,6 @@ QRect FrameBinding::destination() const
                       std::max(0, rounded(frame.size.width)),
                       std::max(0, rounded(frame.size.height)));
     return QStyle::visualRect(mContainer->layoutDirection(), mContainer->rect(), place);
-}
-
-int FrameBinding::animationTime() const
-{
-    return mWidget->style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, mWidget);
 }
 
 } // namespace farview

@@ -23,7 +23,6 @@ private:
     void stretch(int byWidth, int height);
     void place(bool animated);
     QRect destination() const;
-    int animationTime() const;
 
     std::shared_ptr<View> mView;
     QWidget* mWidget;

@@ -34,6 +34,14 @@ QSize FrameContainer::minimumSizeHint() const
     return {size.width() * 2, size.height()};
 }
 
+bool FrameContainer::event(QEvent* event)
+{
+    // What is in it wants another size.
+    if (event->type() == QEvent::LayoutRequest)
+        updateGeometry();
+    return QWidget::event(event);
+}
+
 void FrameContainer::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);

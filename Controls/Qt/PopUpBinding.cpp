@@ -16,6 +16,13 @@ bool meansTheSame(const MenuItem& left, const MenuItem& right)
            representsSame(left.representedObject, right.representedObject);
 }
 
+/// The toolkit sets what follows a tabulator apart, as it does with shortcuts.
+QString menuText(const MenuItem& item)
+{
+    const QString title = plainMenuText(item.title);
+    return item.note.empty() ? title : title + u'\t' + plainMenuText(item.note);
+}
+
 /// The entry of today's menu that the user meant with an entry of yesterday's.
 std::shared_ptr<MenuItem> counterpart(const Menu& menu, const std::shared_ptr<MenuItem>& item)
 {
@@ -56,7 +63,7 @@ void PopUpBinding::open()
 
 QAction* PopUpBinding::addEntry(QMenu* menu, const std::shared_ptr<MenuItem>& item)
 {
-    QAction* entry = menu->addAction(plainMenuText(item->title));
+    QAction* entry = menu->addAction(menuText(*item));
     entry->setEnabled(item->canBeChosen());
     connect(entry, &QAction::triggered, this, [this, item] { choose(item); });
     // Assistive technology chooses an entry without closing the menu.

@@ -133,7 +133,9 @@ QSize PopUpWidget::sizeFor(int textWidth) const
 {
     QStyleOptionComboBox option;
     option.initFrom(this);
-    const QSize text(textWidth, fontMetrics().height() + 2);
+    // A form may give it more room above and below its title, in the property "roomAbove".
+    const int room = 2 * property("roomAbove").toInt();
+    const QSize text(textWidth, fontMetrics().height() + 2 + room);
     return style()->sizeFromContents(QStyle::CT_ComboBox, &option, text, this);
 }
 

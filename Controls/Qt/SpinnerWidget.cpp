@@ -1,5 +1,7 @@
 #include "Controls/Qt/SpinnerWidget.h"
 
+#include "Controls/Qt/WidgetAnimator.h"
+
 #include <QPainter>
 #include <QTimerEvent>
 
@@ -12,9 +14,11 @@ namespace
 {
 
 constexpr int spokes = 12;
-constexpr std::chrono::milliseconds stepTime{83}; // one turn in a second
-constexpr double innerRadius = 0.5;               // of the outer one
-constexpr double strokeWidth = 0.16;              // of the outer radius
+constexpr std::chrono::milliseconds stepTime{83};   // one turn in a second
+constexpr std::chrono::milliseconds pulseTime{900}; // slow enough to be no movement
+constexpr double pulse[] = {0.75, 0.35};
+constexpr double innerRadius = 0.5;  // of the outer one
+constexpr double strokeWidth = 0.16; // of the outer radius
 constexpr double faintest = 0.15;
 
 } // namespace
@@ -39,14 +43,21 @@ void SpinnerWidget::paintEvent(QPaintEvent* /*event*/)
     painter.setRenderHint(QPainter::Antialiasing);
     const double radius = std::min(width(), height()) / 2.0 - 1.0;
     painter.translate(width() / 2.0, height() / 2.0);
-    painter.rotate(360.0 / spokes * mStep);
+    if (wantsMotion(*this))
+        painter.rotate(360.0 / spokes * mStep);
     QColor color = palette().color(QPalette::WindowText);
     for (int spoke = 0; spoke < spokes; ++spoke) {
-        color.setAlphaF(faintest + (1.0 - faintest) * (spoke + 1) / spokes);
+        color.setAlphaF(opacityOf(spoke));
         painter.setPen(QPen(color, radius * strokeWidth, Qt::SolidLine, Qt::RoundCap));
         painter.rotate(360.0 / spokes);
         painter.drawLine(QPointF(0, -radius * innerRadius), QPointF(0, -radius * 0.92));
     }
+}
+
+double SpinnerWidget::opacityOf(int spoke) const
+{
+    return wantsMotion(*this) ? faintest + (1.0 - faintest) * (spoke + 1) / spokes
+                              : pulse[mStep % 2];
 }
 
 void SpinnerWidget::timerEvent(QTimerEvent* event)
@@ -71,13 +82,23 @@ void SpinnerWidget::hideEvent(QHideEvent* event)
     updateTimer();
 }
 
+void SpinnerWidget::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::StyleChange)
+        return;
+    mTimer.stop(); // the other pace
+    updateTimer();
+    update();
+}
+
 void SpinnerWidget::updateTimer()
 {
     const bool turns = mAnimating && isVisible();
     if (!turns)
         mTimer.stop();
     else if (!mTimer.isActive())
-        mTimer.start(static_cast<int>(stepTime.count()), this);
+        mTimer.start(static_cast<int>((wantsMotion(*this) ? stepTime : pulseTime).count()), this);
 }
 
 } // namespace farview

@@ -9,11 +9,12 @@ namespace farview
 
 QEasingCurve easingCurve(const Animation& /*animation*/) { return QEasingCurve::InOutQuad; }
 
-bool playsAnimations(const QWidget& widget)
+bool wantsMotion(const QWidget& widget)
 {
-    return widget.isVisible() &&
-           widget.style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, &widget) > 0;
+    return widget.style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, &widget) > 0;
 }
+
+bool playsAnimations(const QWidget& widget) { return widget.isVisible() && wantsMotion(widget); }
 
 WidgetAnimator::WidgetAnimator(QWidget* widget) : mWidget(widget)
 {

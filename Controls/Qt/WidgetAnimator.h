@@ -11,8 +11,9 @@ namespace farview
 
 QEasingCurve easingCurve(const Animation& animation);
 
-/// Whether things may move on that widget: it is on the screen, and the desktop's style plays
-/// animations.
+/// Whether the widget's style lets things move.
+bool wantsMotion(const QWidget& widget);
+/// The same, of a widget that is on the screen.
 bool playsAnimations(const QWidget& widget);
 
 /// Plays movements on a widget, on the toolkit's clock. Where nothing may move everything is there

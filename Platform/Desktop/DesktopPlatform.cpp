@@ -16,6 +16,7 @@
 #include "Platform/LocalNotificationCenter.h"
 #include "Platform/Posix/AutostartEntry.h"
 #include "Platform/Posix/FilePreferences.h"
+#include "Platform/Posix/InstalledFirewall.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PosixFileManager.h"
 #include "Platform/Posix/PosixProcessTable.h"
@@ -55,6 +56,7 @@ struct DesktopPlatform::Bodies {
     AutostartEntry loginItem{environment};
     PosixBundles bundles{environment, log};
     PosixFileManager fileManager;
+    InstalledFirewall firewall;
     VgaSwitcheroo graphicsControl;
     RandrDisplays displayConfiguration;
     SystemClock clock;
@@ -87,6 +89,7 @@ DesktopPlatform::DesktopPlatform(DesktopPlatformOptions options)
     mPlatform.accessibility = &mBodies->accessibility;
     mPlatform.bundles = &mBodies->bundles;
     mPlatform.clock = &mBodies->clock;
+    mPlatform.firewall = &mBodies->firewall;
     mPlatform.log = &mBodies->log;
     mPlatform.notificationCenter = &mBodies->notificationCenter;
     mPlatform.processTable = &mBodies->processTable;

@@ -14,6 +14,7 @@ FakePlatform::FakePlatform() : discovery(runLoop), distributedNotificationCenter
     mPlatform.displayConfiguration = &displayConfiguration;
     mPlatform.distributedNotificationCenter = &distributedNotificationCenter;
     mPlatform.fileManager = &fileManager;
+    mPlatform.firewall = &firewall;
     mPlatform.graphicsControl = &graphicsControl;
     mPlatform.registry = &registry;
     mPlatform.log = &log;

@@ -9,6 +9,7 @@
 #include "Platform/Fake/FakeDisplayConfiguration.h"
 #include "Platform/Fake/FakeDistributedNotificationCenter.h"
 #include "Platform/Fake/FakeFileManager.h"
+#include "Platform/Fake/FakeFirewall.h"
 #include "Platform/Fake/FakeGraphicsControl.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeLoginItem.h"
@@ -52,6 +53,7 @@ public:
     FakeDisplayConfiguration displayConfiguration;
     FakeDistributedNotificationCenter distributedNotificationCenter;
     FakeFileManager fileManager;
+    FakeFirewall firewall;
     FakeGraphicsControl graphicsControl;
     FakeRegistry registry;
     FakeLog log;

@@ -17,7 +17,7 @@ MenuEntry free(const char* name, std::size_t index)
 
 MenuEntry busy(const char* name, std::size_t index)
 {
-    return {MenuEntryKind::device, name, false, false, false, index};
+    return {MenuEntryKind::device, name, false, false, false, index, true};
 }
 
 MenuEntry address(const char* text) { return {MenuEntryKind::address, text, true, true, true, 0}; }

@@ -149,7 +149,20 @@ TEST(DiscoveryHint, TellsHowToGetADeviceWhileSearchingCanSucceed)
 {
     const std::string text = "No device yet? Start farview-device on another computer.";
     EXPECT_EQ(discoveryHint({true, false, false, DiscoveryCondition::working}), text);
-    EXPECT_EQ(discoveryHint({true, false, false, DiscoveryCondition::starting}), text);
+    EXPECT_EQ(discoveryHint({true, false, false, DiscoveryCondition::starting}),
+              "Looking for devices…");
+}
+
+TEST(DiscoveryHint, SpeaksOfFirewallsOnceNothingWasFoundForLong)
+{
+    const auto text = discoveryHint({true, false, false, DiscoveryCondition::working, true});
+    EXPECT_TRUE(text.starts_with("No device yet? Start farview-device on another computer."));
+    EXPECT_NE(text.find("UDP port 5353"), std::string::npos) << text;
+    EXPECT_EQ(discoveryHint({true, true, false, DiscoveryCondition::working, true}), "");
+    // What is known to be wrong comes before what may be.
+    for (const auto condition : {DiscoveryCondition::refused, DiscoveryCondition::unavailable})
+        EXPECT_EQ(discoveryHint({true, false, false, condition, true}),
+                  discoveryHint({true, false, false, condition, false}));
 }
 
 TEST(DiscoveryHint, TellsWhatIsWrongAndWhatToDoWhenSearchingCannotSucceed)

@@ -25,6 +25,7 @@ protected:
         announce({device("Pad", "pad.local"), device("Slab", "slab.local")});
     }
 
+    std::string help() const { return pane->connectionHelpLabel()->stringValue(); }
     std::string selectedName() const
     {
         return pane->selectedNetService() ? pane->selectedNetService()->name() : "";
@@ -125,6 +126,50 @@ TEST_F(PaneConnection, NoAnswerWithinFifteenSecondsShowsTheError)
     EXPECT_EQ(pane->connectErrorCheckTimer().lock(), nullptr);
     EXPECT_EQ(selectedName(), "") << "the selection is not changed";
     EXPECT_FALSE(spinnerShows()) << "taken down by its own timer of the same length";
+}
+
+TEST_F(PaneConnection, BesideTheErrorStandsWhereThisComputersFirewallIs)
+{
+    fake.firewall.setState({farview::FirewallKind::ufw, true, true});
+    showWithTwoDevices();
+    EXPECT_EQ(help(), "");
+    EXPECT_TRUE(pane->connectionDiagnoseButton()->isHidden());
+    serverPosts(kRequestingErrorMsgFromPrefPane);
+    EXPECT_EQ(instructions(), errorText) << "the fixed text stays as it is";
+    EXPECT_TRUE(help().starts_with("The firewall of this computer is set in the program Gufw."))
+        << help();
+    EXPECT_NE(help().find("TCP port 6001"), std::string::npos) << help();
+    EXPECT_FALSE(pane->connectionDiagnoseButton()->isHidden());
+}
+
+TEST_F(PaneConnection, TheHelpStaysAndGoesWithTheError)
+{
+    showWithTwoDevices();
+    serverPosts(kRequestingErrorMsgFromPrefPane);
+    const auto said = help();
+    EXPECT_TRUE(said.starts_with("A firewall may be in the way")) << said;
+    after(4);
+    pane->updateUI();
+    EXPECT_EQ(help(), said);
+    after(2);
+    pane->updateUI();
+    EXPECT_EQ(help(), "");
+    EXPECT_TRUE(pane->connectionDiagnoseButton()->isHidden());
+    serverPosts(kRequestingErrorMsgFromPrefPane);
+    EXPECT_EQ(help(), said);
+    ASSERT_TRUE(choose("Pad"));
+    EXPECT_EQ(help(), "") << "a new attempt begins without the old complaint";
+}
+
+TEST_F(PaneConnection, TheHelpNamesThePortOfTheDeviceThatWasAskedFor)
+{
+    auto other = device("Board", "board.local");
+    other.endpoints = {{"192.168.1.30", 7123, 0}};
+    showWithTwoDevices();
+    announce({other});
+    ASSERT_TRUE(choose("Board"));
+    after(16);
+    EXPECT_NE(help().find("TCP port 7123"), std::string::npos) << help();
 }
 
 TEST_F(PaneConnection, AnErrorAskedForByTheServerShowsAtOnceAndLeavesTheSpinner)

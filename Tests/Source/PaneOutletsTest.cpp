@@ -40,6 +40,8 @@ const std::set<std::string_view> outletNames = {
     "waitingForServerIndicator",
     "versionNumberLabel",
     "deviceHintLabel",
+    "connectionHelpLabel",
+    "connectionDiagnoseButton",
     "orderHintLabel",
 };
 

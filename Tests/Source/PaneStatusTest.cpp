@@ -196,6 +196,8 @@ TEST_F(PaneStatus, ABusyDeviceThatIsTheCurrentChoiceIsEnabled)
     EXPECT_TRUE(entry("Pad")->canBeChosen());
     EXPECT_FALSE(entry("Slab")->enabled);
     EXPECT_FALSE(entry("Slab")->canBeChosen());
+    EXPECT_EQ(entry("Slab")->note, "In use") << "by somebody else";
+    EXPECT_EQ(entry("Pad")->note, "") << "it is in use by us";
 }
 
 TEST_F(PaneStatus, BoxesFollowTheStoredSettings)
@@ -226,6 +228,41 @@ TEST_F(PaneStatus, HintTellsHowToGetADevice)
     EXPECT_EQ(hint(), "No device yet? Start farview-device on another computer.");
     announce({device("Pad", "pad.local")});
     EXPECT_EQ(hint(), "");
+}
+
+TEST_F(PaneStatus, HintSpeaksOfFirewallsOnceNothingWasFoundForTenSeconds)
+{
+    showWithState(1);
+    const auto first = hint();
+    after(9.5);
+    EXPECT_EQ(hint(), first);
+    after(1);
+    EXPECT_NE(hint().find("UDP port 5353"), std::string::npos) << hint();
+    announce({device("Pad", "pad.local")});
+    EXPECT_EQ(hint(), "");
+}
+
+TEST_F(PaneStatus, HintBeginsAnewWithEachSearch)
+{
+    showWithState(1);
+    const auto first = hint();
+    after(8);
+    announce({device("Pad", "pad.local")});
+    fake.discovery.remove({"Pad"});
+    after(1);
+    EXPECT_EQ(hint(), first);
+    after(8);
+    EXPECT_EQ(hint(), first) << "the time of the search before does not count";
+    after(15);
+    EXPECT_NE(hint(), first);
+}
+
+TEST_F(PaneStatus, HintOfAPaneThatIsGoneDisturbsNobody)
+{
+    showWithState(1);
+    hide();
+    pane.reset();
+    after(20);
 }
 
 TEST_F(PaneStatus, HintIsEmptyWhileOffOrWithoutDriver)

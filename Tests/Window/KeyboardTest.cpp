@@ -1,5 +1,6 @@
 // The panel with nothing but a keyboard: every key goes to the window, which hands it on.
 
+#include "Applications/Preferences/HostWindow.h"
 #include "Common/FVEDistributedNotifications.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SheetWidget.h"
@@ -30,6 +31,8 @@ protected:
         if (on)
             fake.preferences.setAppValue("currentState", 1, "com.quillon.Farview");
         show();
+        // Whether it is reached in reading order is judged by places: nothing may scroll away.
+        view->resize(HostWindow::firstSize(*view));
         announce("Desk", "desk.local.");
         announce("Sofa", "sofa.local.");
         activate();

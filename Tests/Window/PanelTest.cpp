@@ -1,4 +1,5 @@
 #include "Applications/Preferences/HostWindow.h"
+#include "Controls/Qt/PageScroller.h"
 #include "Controls/Qt/PlainTiff.h"
 #include "Controls/Qt/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
@@ -12,6 +13,7 @@
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QLabel>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTableView>
 #include <QXmlStreamReader>
@@ -238,6 +240,29 @@ TEST_P(PanelInEachLanguage, ItIsReadableWithLargeType)
     picture((std::string("large-main-") + GetParam()).c_str());
     expectNothingIsCut(1);
     picture((std::string("large-settings-") + GetParam()).c_str());
+}
+
+TEST_P(PanelInEachLanguage, AtItsFirstSizeNothingScrolls)
+{
+    for (const bool isLarge : {false, true}) {
+        if (isLarge)
+            useLargeFont();
+        load(GetParam());
+        // As the host does it.
+        pane->willSelect();
+        view->resize(HostWindow::firstSize(*view));
+        view->show();
+        pane->didSelect();
+        settle();
+        turnOn();
+        for (int index = 0; index < tabs()->count(); ++index) {
+            tabs()->setCurrentIndex(index);
+            QCoreApplication::processEvents();
+            for (const auto* area : page(index)->findChildren<PageScroller*>())
+                EXPECT_EQ(area->verticalScrollBar()->maximum(), 0)
+                    << area->objectName().toStdString() << (isLarge ? " in large type" : "");
+        }
+    }
 }
 
 TEST_P(PanelInEachLanguage, NoShortcutIsGivenTwiceOnOnePage)

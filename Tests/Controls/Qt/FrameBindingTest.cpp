@@ -1,4 +1,5 @@
 #include "Controls/Qt/FrameContainer.h"
+#include "Tests/Controls/Qt/HandDrivenAnimations.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QProxyStyle>
@@ -8,7 +9,7 @@ namespace farview::test
 namespace
 {
 
-/// The time that an animation takes, whatever the machine's desktop says.
+/// Lets things move or not, whatever the machine's desktop says.
 class TimedStyle : public QProxyStyle
 {
 public:
@@ -49,6 +50,7 @@ struct FramedViews : testing::Test {
         popUp->setFrame(frame, animated);
     }
 
+    HandDrivenAnimations animations;
     TimedStyle noTime{0};
     TimedStyle someTime{80};
     FrameContainer container{nullptr};
@@ -86,11 +88,36 @@ TEST_F(FramedViews, AnAnimatedChangeIsPlayedAndEndsAtItsDestination)
     popUpWidget->setStyle(&someTime);
     show(400);
     narrow(true);
-    EXPECT_EQ(popUp->frame().size.width, 364);
-    EXPECT_GT(popUpWidget->width(), 364);
-    EXPECT_TRUE(
-        waitUntil([&] { return popUpWidget->width() < 400 && popUpWidget->width() > 364; }));
-    EXPECT_TRUE(waitUntil([&] { return popUpWidget->width() == 364; }));
+    EXPECT_EQ(popUp->frame().size.width, 364) << "the destination holds at once";
+    EXPECT_EQ(popUpWidget->width(), 400);
+    animations.pass(125);
+    EXPECT_EQ(popUpWidget->width(), 382) << "slow, fast, slow: half the way in half the time";
+    animations.pass(124);
+    EXPECT_GT(popUpWidget->width(), 363);
+    animations.pass(1);
+    EXPECT_EQ(popUpWidget->width(), 364) << "a quarter of a second in all";
+}
+
+TEST_F(FramedViews, WhereNothingMayMoveTheDestinationIsThereAtOnce)
+{
+    popUpWidget->setStyle(&noTime);
+    show(400);
+    narrow(true);
+    EXPECT_EQ(popUpWidget->width(), 364);
+}
+
+TEST_F(FramedViews, AMoveThatIsTurnedRoundBeginsWhereItWas)
+{
+    popUpWidget->setStyle(&someTime);
+    show(400);
+    narrow(true);
+    animations.pass(125);
+    Rect frame = popUp->frame();
+    frame.size.width = 400;
+    popUp->setFrame(frame, true);
+    EXPECT_EQ(popUpWidget->width(), 382);
+    animations.pass(250);
+    EXPECT_EQ(popUpWidget->width(), 400);
 }
 
 TEST_F(FramedViews, AContainerThatGrowsDuringTheAnimationLeavesNoStrayFrame)
@@ -100,10 +127,8 @@ TEST_F(FramedViews, AContainerThatGrowsDuringTheAnimationLeavesNoStrayFrame)
     narrow(true);
     container.resize(500, 30);
     EXPECT_EQ(popUpWidget->geometry(), QRect(0, 0, 464, 30));
-    // Longer than the animation would have taken.
-    const QDeadlineTimer later(160);
-    while (!later.hasExpired()) {
-        turn();
+    for (int i = 0; i < 10; ++i) {
+        animations.pass(50);
         ASSERT_EQ(popUpWidget->width(), 464);
     }
 }

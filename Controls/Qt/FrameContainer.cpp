@@ -36,8 +36,8 @@ QSize FrameContainer::minimumSizeHint() const
 
 bool FrameContainer::event(QEvent* event)
 {
-    // What is in it wants another size.
-    if (event->type() == QEvent::LayoutRequest)
+    // What is in it wants another size; what it wanted on a page in the back was told to nobody.
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show)
         updateGeometry();
     return QWidget::event(event);
 }

@@ -1,6 +1,7 @@
 #include "Controls/Qt/TableModel.h"
 
 #include "Controls/Qt/PlainText.h"
+#include "Controls/Qt/TextColors.h"
 
 #include <QFont>
 #include <QGuiApplication>
@@ -129,7 +130,7 @@ QVariant TableModel::lookOf(const QModelIndex& index, int role) const
     if (role == Qt::AccessibleDescriptionRole)
         return plainLine(told);
     if (role == Qt::ForegroundRole)
-        return QGuiApplication::palette().brush(QPalette::PlaceholderText);
+        return secondaryText(QGuiApplication::palette());
     QFont slanted;
     slanted.setItalic(true);
     return slanted;

@@ -36,10 +36,18 @@ QColor mixed(const QColor& text, const QColor& ground, double part)
                             channel(text.blueF(), ground.blueF()));
 }
 
+/// The toolkit paints the pages of tabs lighter than a dark palette's buttons.
+QColor pageColor(const QPalette& palette)
+{
+    const QColor button = palette.color(QPalette::Active, QPalette::Button);
+    return isDark(palette) ? button.lighter(140) : button;
+}
+
 double lowestContrast(const QColor& text, const QPalette& palette)
 {
-    return std::min(contrast(text, palette.color(QPalette::Active, QPalette::Window)),
-                    contrast(text, palette.color(QPalette::Active, QPalette::Base)));
+    return std::min({contrast(text, palette.color(QPalette::Active, QPalette::Window)),
+                     contrast(text, palette.color(QPalette::Active, QPalette::Base)),
+                     contrast(text, pageColor(palette))});
 }
 
 } // namespace

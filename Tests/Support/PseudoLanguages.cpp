@@ -51,7 +51,7 @@ std::string padding(const std::string& text, const Alphabet& alphabet)
     return more;
 }
 
-std::string inAlphabet(const std::string& text, const Alphabet& alphabet)
+std::string inAlphabet(const std::string& text, const Alphabet& alphabet, const std::string& more)
 {
     const std::string inner = withoutBlanks(text);
     if (inner.empty())
@@ -63,7 +63,7 @@ std::string inAlphabet(const std::string& text, const Alphabet& alphabet)
         result += letters(std::string(end, (*each)[0].first), alphabet) + each->str();
         end = (*each)[0].second;
     }
-    return result + letters(std::string(end, inner.end()), alphabet) + padding(inner, alphabet) +
+    return result + letters(std::string(end, inner.end()), alphabet) + more +
            text.substr(text.find(inner) + inner.size());
 }
 
@@ -113,10 +113,10 @@ PseudoLanguages::PseudoLanguages(const std::string& bundle)
 
 std::string PseudoLanguages::accented(const std::string& text)
 {
-    return inAlphabet(text, accentedLetters);
+    return inAlphabet(text, accentedLetters, padding(text, accentedLetters));
 }
 
 std::string PseudoLanguages::fromRightToLeft(const std::string& text)
 {
-    return inAlphabet(text, arabicLetters);
+    return inAlphabet(text, arabicLetters, "");
 }

@@ -5,7 +5,7 @@
 #include <string>
 
 /// A bundle that speaks two languages more, made from its English texts: "en-XA", accented and
-/// longer than any language that there is, and "ar-XB", as long and written from right to left. So
+/// longer by a third, and "ar-XB", written from right to left. So
 /// a text that is cut, or a corner that was forgotten, is found before a translator meets it. The
 /// bundle itself stays as it is: this one refers to its contents.
 class PseudoLanguages

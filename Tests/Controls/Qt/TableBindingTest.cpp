@@ -1,3 +1,4 @@
+#include "Controls/Qt/TextColors.h"
 #include "Controls/TableView.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
@@ -123,8 +124,8 @@ TEST_F(BoundTable, ARowWithARemarkStandsBackForEyeAndEar)
                     .toString()
                     .endsWith(QStringLiteral("\nNot here, &lt;b&gt;seen&lt;/b&gt; before</qt>")));
     EXPECT_TRUE(cell(1, 1, Qt::FontRole).value<QFont>().italic());
-    EXPECT_EQ(cell(1, 1, Qt::ForegroundRole).value<QBrush>(),
-              QGuiApplication::palette().brush(QPalette::PlaceholderText));
+    EXPECT_EQ(cell(1, 1, Qt::ForegroundRole).value<QColor>(),
+              secondaryText(QGuiApplication::palette()));
     for (const int role : {Qt::AccessibleDescriptionRole, Qt::FontRole, Qt::ForegroundRole})
         EXPECT_FALSE(cell(0, 1, role).isValid()) << "no remark on this one";
 }

@@ -14,7 +14,24 @@ void SheetWidget::openOn(QWidget* window)
     if (isVisible())
         return;
     prepare(window);
+    if (window)
+        window->window()->installEventFilter(this);
     open();
+}
+
+bool SheetWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    // Where no window manager sees to it, a click makes the window behind active, which takes no
+    // input: the keyboard would lead nowhere.
+    if (event->type() == QEvent::WindowActivate && isVisible() && isModal())
+        QMetaObject::invokeMethod(this, &SheetWidget::takeKeyboard, Qt::QueuedConnection);
+    return QDialog::eventFilter(watched, event);
+}
+
+void SheetWidget::takeKeyboard()
+{
+    if (isVisible())
+        activateWindow();
 }
 
 void SheetWidget::openBeside(QWidget* window)

@@ -30,10 +30,12 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent* event) override;
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void prepare(QWidget* window);
     void growToFit();
+    void takeKeyboard();
     void focusFirstTabStop();
 };
 

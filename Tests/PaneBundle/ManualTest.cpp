@@ -139,8 +139,9 @@ TEST(Manual, EveryPageIsAChapterOfTheIndex)
     EXPECT_GE(listed.size(), 10u);
     for (const auto& page : allPages()) {
         const auto name = page.filename().string();
-        if (languageOf(page) == "en" && name != "index.html")
+        if (languageOf(page) == "en" && name != "index.html") {
             EXPECT_EQ(std::count(listed.begin(), listed.end(), name), 1) << name;
+        }
     }
 }
 

@@ -26,6 +26,15 @@ protected:
         tell("ok");
         EXPECT_TRUE(sees("enabled, no window")) << panelLog();
     }
+    void askForAPasswordThatNobodyTypes()
+    {
+        start("AUTH_ADMIN_KEEP");
+        openPanel();
+        startAgent("wait");
+        tell("press");
+        tell("ok");
+        ASSERT_TRUE(waitFor([this] { return agentSays("asked"); }));
+    }
     void expectNothingHasChanged()
     {
         EXPECT_FALSE(fs::exists("/etc/farview"));
@@ -189,12 +198,7 @@ TEST_F(HiDPIRights, WhileThePasswordIsAwaitedThePanelGoesOnAndTheBoxIsDisabled)
 
 TEST_F(HiDPIRights, APanelThatGoesTakesItsQuestionBack)
 {
-    start("AUTH_ADMIN_KEEP");
-    openPanel();
-    startAgent("wait");
-    tell("press");
-    tell("ok");
-    ASSERT_TRUE(waitFor([this] { return agentSays("asked"); }));
+    ASSERT_NO_FATAL_FAILURE(askForAPasswordThatNobodyTypes());
     tell("drop");
     EXPECT_TRUE(panel->isRunning());
     panel->kill();
@@ -204,12 +208,7 @@ TEST_F(HiDPIRights, APanelThatGoesTakesItsQuestionBack)
 
 TEST_F(HiDPIRights, PolkitThatEndsWhileThePasswordIsAwaitedIsNoPolkit)
 {
-    start("AUTH_ADMIN_KEEP");
-    openPanel();
-    startAgent("wait");
-    tell("press");
-    tell("ok");
-    ASSERT_TRUE(waitFor([this] { return agentSays("asked"); }));
+    ASSERT_NO_FATAL_FAILURE(askForAPasswordThatNobodyTypes());
     polkit->kill();
     EXPECT_TRUE(sees("enabled, no window"));
     expectRefusal("-60008");
@@ -217,12 +216,7 @@ TEST_F(HiDPIRights, PolkitThatEndsWhileThePasswordIsAwaitedIsNoPolkit)
 
 TEST_F(HiDPIRights, ASystemBusThatEndsWhileThePasswordIsAwaitedIsNoPolkit)
 {
-    start("AUTH_ADMIN_KEEP");
-    openPanel();
-    startAgent("wait");
-    tell("press");
-    tell("ok");
-    ASSERT_TRUE(waitFor([this] { return agentSays("asked"); }));
+    ASSERT_NO_FATAL_FAILURE(askForAPasswordThatNobodyTypes());
     bus->kill();
     EXPECT_TRUE(sees("enabled, no window"));
     expectRefusal("-60008");

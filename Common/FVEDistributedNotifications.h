@@ -19,7 +19,8 @@ inline constexpr const char* kQueryResultForConnectedHost =
 /// Server: a connection is up; "DeviceName" and "DeviceAddress".
 inline constexpr const char* kServerConnectedToDevice =
     "com.quillon.Farview.ServerConnectedToDevice";
-/// Server: there is no connection (any more).
+/// Server: there is no connection (any more). With `kAwaitsRequestKey` when the server has just
+/// begun and was asked for nothing: what was asked for before was not heard.
 inline constexpr const char* kServerDisconnectedFromDevice =
     "com.quillon.Farview.ServerDisconnectedFromDevice";
 /// Server: the device could not be reached; the panel is to show its error text.
@@ -47,6 +48,7 @@ inline constexpr const char* kBatteryLevelKey = "BatteryLevel";
 
 inline constexpr const char* kDeviceNameKey = "DeviceName";
 inline constexpr const char* kDeviceAddressKey = "DeviceAddress";
+inline constexpr const char* kAwaitsRequestKey = "AwaitsRequest";
 inline constexpr const char* kConnectToHostNameKey = "connectToHostName";
 inline constexpr const char* kConnectUsingTicketKey = "connectUsingTicket";
 

@@ -248,6 +248,7 @@ void FVEPreferencePane::offTextPressed(Object* /*sender*/)
     auto& preferences = FVEPreferences::sharedAppPrefs();
     if (preferences.currentState() == 0)
         return;
+    mUnansweredRequest.reset();
     preferences.setCurrentState(0);
     onOffSwitch()->setState(0);
     killServerProcess();

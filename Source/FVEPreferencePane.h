@@ -229,6 +229,8 @@ private:
     void followConnectionByAddress(const farview::Notification& notification);
     void followConnectionToDevice(const std::string* hostName);
     void selectDeviceOfHost(const std::string* hostName);
+    void askForHost(const std::string& hostName);
+    void repeatUnansweredRequest();
     void queryResultLater(const farview::Notification& notification);
     void setPopUpWidth(const farview::View& placeholder);
     WeakTimer scheduleOnce(farview::Duration delay, void (FVEPreferencePane::*operation)());
@@ -252,6 +254,8 @@ private:
     int mQueryResultsWaiting = 0;
     std::optional<farview::Duration> mSearchBegan;      ///< nothing while nothing is waited for
     std::int32_t mRequestedPort = kMainDataTrafficPort; ///< of the device asked for last
+    /// The host asked for, until the server reports or the user wants something else.
+    std::optional<std::string> mUnansweredRequest;
     bool mListWasBuilt = false;
     bool mOnShow = false;
 };

@@ -64,6 +64,7 @@ void FVEPreferencePane::serverConnectedToDeviceNotification(const Notification& 
 {
     if (!isAcceptable(notification))
         return;
+    mUnansweredRequest.reset();
     const auto* name = notification.text(kDeviceNameKey);
     if (name && *name == kOtherDeviceName)
         followConnectionByAddress(notification);
@@ -149,11 +150,13 @@ void FVEPreferencePane::queryResultLater(const Notification& notification)
     mPlatform.runLoop->performAfterDelay(queryResultRetryDelay, weak_from_this(), again);
 }
 
-void FVEPreferencePane::serverDisconnectedFromDeviceNotification(const Notification&)
+void FVEPreferencePane::serverDisconnectedFromDeviceNotification(const Notification& notification)
 {
     setSelectedNetService(nullptr);
     setConnectedToOtherDevice(false);
     updateUI();
+    if (notification.text(kAwaitsRequestKey))
+        repeatUnansweredRequest();
 }
 
 void FVEPreferencePane::serverRespondedToConnectRequest(const Notification&)
@@ -169,6 +172,7 @@ void FVEPreferencePane::requestingErrorMsgFromPrefPane(const Notification&)
 
 void FVEPreferencePane::checkForConnectionError(Object* /*sender*/)
 {
+    mUnansweredRequest.reset();
     setConnectErrorCheckTimer({});
     instructionsLabel()->setStringValue(localized(farview::connectionErrorText));
     warningImage()->setHidden(false);

@@ -6,6 +6,8 @@
 #include "Platform/Platform.h"
 #include "Source/FVEConnectToOtherSheetController.h"
 
+#include <utility>
+
 using farview::ListedDevice;
 using farview::MenuEntry;
 using farview::MenuEntryKind;
@@ -122,17 +124,34 @@ void FVEPreferencePane::takeVirtualScreenFrom(Object* sender)
 void FVEPreferencePane::requestConnection(const NetService& service)
 {
     mRequestedPort = portOf(service);
+    mUnansweredRequest = service.hostName();
     clearConnectionError();
     showProgressIndicator();
     setConnectErrorCheckTimer(
         scheduleOnce(connectErrorCheckDelay, &FVEPreferencePane::checkForConnectionError));
     // Without a host name there is nobody to name; the check tells the user when its time is over.
-    if (const auto hostName = service.hostName())
-        command(kConnectServerToHost, {{kConnectToHostNameKey, *hostName}});
+    if (mUnansweredRequest)
+        askForHost(*mUnansweredRequest);
+}
+
+void FVEPreferencePane::askForHost(const std::string& hostName)
+{
+    command(kConnectServerToHost, {{kConnectToHostNameKey, hostName}});
+}
+
+/// Once for each choice: a server that came to an end over it is not asked a third time.
+void FVEPreferencePane::repeatUnansweredRequest()
+{
+    const auto hostName = std::exchange(mUnansweredRequest, std::nullopt);
+    if (!hostName)
+        return;
+    showProgressIndicator();
+    askForHost(*hostName);
 }
 
 void FVEPreferencePane::takeNoVirtualScreenFrom(Object* /*sender*/)
 {
+    mUnansweredRequest.reset();
     setSelectedNetService(nullptr);
     setConnectedToOtherDeviceIPString(std::nullopt);
     setConnectedToOtherDevice(false);

@@ -54,8 +54,13 @@ void ScreenServer::start()
     observe(kFVEPrefsDidChangeNotification, &ScreenServer::preferencesChanged);
     observeReconnection();
     startBrowsing();
-    announceState();
-    std::exchange(mHeldRequest, nullptr)();
+    if (mHeldRequest) {
+        announceState();
+        std::exchange(mHeldRequest, nullptr)();
+    } else {
+        // Whoever asked while this process was still coming up is to ask again.
+        post(kServerDisconnectedFromDevice, {{kAwaitsRequestKey, "YES"}});
+    }
 }
 
 void ScreenServer::observe(const char* name, Operation operation)
@@ -325,16 +330,14 @@ void ScreenServer::announceState()
         post(kServerDisconnectedFromDevice);
 }
 
-void ScreenServer::post(const char* name)
+void ScreenServer::post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo)
 {
-    mServices.center.postNotificationName(name, "", {}, kToAllAtOnce);
+    mServices.center.postNotificationName(name, "", std::move(userInfo), kToAllAtOnce);
 }
 
 void ScreenServer::postDevice(const char* name)
 {
-    mServices.center.postNotificationName(
-        name, "", {{kDeviceNameKey, mDeviceName}, {kDeviceAddressKey, mDeviceAddress}},
-        kToAllAtOnce);
+    post(name, {{kDeviceNameKey, mDeviceName}, {kDeviceAddressKey, mDeviceAddress}});
 }
 
 // --- the end ---------------------------------------------------------------------------------

@@ -55,7 +55,7 @@ public:
     /// Called once, before `start`.
     void listen();
     /// Begins to browse, announces that no device is connected, and does what was asked for
-    /// meanwhile. Called once; nothing happens when the server was asked to quit before.
+    /// meanwhile, or asks for a request that was posted before anybody listened. Called once; nothing happens when the server was asked to quit before.
     void start();
     /// Leaves the device with a goodbye, says so, and finishes. A second call does nothing.
     void quit();
@@ -90,7 +90,7 @@ private:
     void connect(const std::vector<Endpoint>& endpoints);
     void giveUp(const std::string& why);
     void announceState();
-    void post(const char* name);
+    void post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {});
     void postDevice(const char* name);
     void finishWhenSaid();
     LinkOptions options();
@@ -103,8 +103,8 @@ private:
     std::shared_ptr<AutoConnector> mAutoConnector;
     Subscription mReconnection;
     State mState = State::waiting;
-    /// The latest request of the time before the start.
-    std::function<void()> mHeldRequest = [] {};
+    /// The latest request of the time before the start, if any.
+    std::function<void()> mHeldRequest;
     /// The device asked for: its host name, or "Other".
     std::string mDeviceName;
     /// Where it is: as typed for "Other", else as it was reached.

@@ -91,6 +91,13 @@ protected:
         EXPECT_EQ(posts.front().object, "");
     }
 
+    void expectDisconnected(const DistributedNotificationCenter::TextUserInfo& userInfo)
+    {
+        const auto posts = center.postsNamed(kServerDisconnectedFromDevice);
+        ASSERT_THAT(posts, SizeIs(1));
+        EXPECT_EQ(posts.front().userInfo, userInfo);
+    }
+
     FakePlatform fake;
     FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
     FVEPreferences preferences;
@@ -107,6 +114,24 @@ TEST_F(ScreenServerTest, SaysThatNothingIsConnectedWhenItStarts)
     server->start();
     EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
     EXPECT_EQ(center.posts().front().options, 3U);
+}
+
+TEST_F(ScreenServerTest, AsksAtTheStartForARequestThatItCouldNotHear)
+{
+    server->listen();
+    server->start();
+    expectDisconnected({{kAwaitsRequestKey, "YES"}});
+    center.forgetPosts();
+    request(kQueryRequestForConnectedHost);
+    expectDisconnected({});
+}
+
+TEST_F(ScreenServerTest, AsksForNoRequestWhenItHeardOneBeforeTheStart)
+{
+    server->listen();
+    requestTicket("10.0.0.7");
+    server->start();
+    expectDisconnected({});
 }
 
 TEST_F(ScreenServerTest, KeepsTheLatestRequestUntilItsTurnComes)

@@ -87,6 +87,7 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(KeysOfNotifications, FrozenText,
                          testing::Values(FROZEN(kDeviceNameKey, "DeviceName"),
                                          FROZEN(kDeviceAddressKey, "DeviceAddress"),
+                                         FROZEN(kAwaitsRequestKey, "AwaitsRequest"),
                                          FROZEN(kConnectToHostNameKey, "connectToHostName"),
                                          FROZEN(kConnectUsingTicketKey, "connectUsingTicket"),
                                          FROZEN(kOtherDeviceName, "Other"),

@@ -25,6 +25,13 @@ protected:
         announce({device("Pad", "pad.local"), device("Slab", "slab.local")});
     }
 
+    /// A server that has just begun, and was asked for nothing since.
+    void serverBegins()
+    {
+        serverPosts(kServerDisconnectedFromDevice, {{kAwaitsRequestKey, "YES"}});
+    }
+    int requests() const { return fake.distributedNotificationCenter.countOf(kConnectServerToHost); }
+
     std::string help() const { return pane->connectionHelpLabel()->stringValue(); }
     std::string selectedName() const
     {
@@ -111,6 +118,62 @@ TEST_F(PaneConnection, ConnectedBeforeTheSpinnerAppearedItStillAppearsAndGoesWit
     EXPECT_FALSE(spinnerShows());
     EXPECT_EQ(popUpWidth(), fullWidth);
     EXPECT_FALSE(warningShows()) << "the error check was called off";
+}
+
+TEST_F(PaneConnection, AServerThatBeginsAfterTheChoiceIsAskedAgain)
+{
+    showWithTwoDevices();
+    ASSERT_TRUE(choose("Pad"));
+    after(1);
+    ASSERT_EQ(requests(), 1);
+    serverBegins();
+    ASSERT_EQ(requests(), 2);
+    const auto repeated = fake.distributedNotificationCenter.postsNamed(kConnectServerToHost).back();
+    EXPECT_EQ(repeated.userInfo.at(kConnectToHostNameKey), "pad.local");
+    after(0.3);
+    EXPECT_TRUE(spinnerShows()) << "the echo takes it down, and it comes back";
+    after(13.5);
+    EXPECT_FALSE(warningShows());
+    after(0.3);
+    EXPECT_TRUE(warningShows()) << "fifteen seconds count from the choice";
+}
+
+TEST_F(PaneConnection, AServerThatBeginsIsAskedAgainOnlyOnce)
+{
+    showWithTwoDevices();
+    ASSERT_TRUE(choose("Pad"));
+    serverBegins();
+    serverBegins();
+    EXPECT_EQ(requests(), 2);
+    ASSERT_TRUE(choose("Slab"));
+    serverBegins();
+    EXPECT_EQ(requests(), 4) << "a new choice is a new request";
+}
+
+TEST_F(PaneConnection, AServerThatBeginsIsAskedForNothingThatIsSettled)
+{
+    showWithTwoDevices();
+    serverBegins();
+    EXPECT_EQ(requests(), 0) << "nothing was chosen";
+    ASSERT_TRUE(choose("Pad"));
+    serverPosts(kServerDisconnectedFromDevice);
+    EXPECT_EQ(requests(), 1) << "this server heard it";
+    serverConnectedTo("pad.local");
+    serverBegins();
+    EXPECT_EQ(requests(), 1) << "connected";
+    ASSERT_TRUE(choose("Slab"));
+    serverPosts(kRequestingErrorMsgFromPrefPane);
+    serverBegins();
+    EXPECT_EQ(requests(), 2) << "failed";
+    ASSERT_TRUE(choose("Slab"));
+    pane->takeNoVirtualScreenFrom(nullptr);
+    serverBegins();
+    EXPECT_EQ(requests(), 3) << "no device is wanted any more";
+    ASSERT_TRUE(choose("Slab"));
+    pane->offTextPressed(nullptr);
+    pane->onTextPressed(nullptr);
+    serverBegins();
+    EXPECT_EQ(requests(), 4) << "switched off";
 }
 
 TEST_F(PaneConnection, NoAnswerWithinFifteenSecondsShowsTheError)

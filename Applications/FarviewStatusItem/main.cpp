@@ -5,6 +5,7 @@
 #include "Applications/TerminationSignals.h"
 #include "Common/FVEConstants.h"
 #include "Platform/Desktop/DesktopPlatform.h"
+#include "Platform/Desktop/DetachedProcess.h"
 #include "Platform/Desktop/SingleInstance.h"
 #include "Platform/Log.h"
 #include "Platform/RunLoop.h"
@@ -43,7 +44,13 @@ int runStatusItem(QApplication& application, DesktopPlatform& desktop, SingleIns
     menu->setChanged([&] { tray.show(menu->display()); });
     const TerminationSignals termination([&] { menu->quit(); });
     QObject::connect(&instance, &SingleInstance::replaced, &application, [&] { menu->quit(); });
-    instance.whenItsTurnComes([&] { menu->start(); });
+    instance.whenItsTurnComes([&] {
+        menu->start();
+        // It may have been switched off before anybody listened.
+        preferences.synchronize();
+        if (wasStartedDetached() && !preferences.showInMenuBar())
+            menu->quit();
+    });
     const int status = QApplication::exec();
     menu->setChanged([] {});
     return status;

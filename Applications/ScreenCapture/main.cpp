@@ -3,6 +3,7 @@
 #include "Applications/TerminationSignals.h"
 #include "Common/FVEConstants.h"
 #include "Platform/Desktop/DesktopPlatform.h"
+#include "Platform/Desktop/DetachedProcess.h"
 #include "Platform/Desktop/SingleInstance.h"
 #include "Platform/Desktop/Supervisor.h"
 #include "Platform/Platform.h"
@@ -23,6 +24,14 @@ bool isStillWanted(FVEPreferences& preferences, Log& log)
     log.write(LogLevel::error, wanted ? "Started again after a crash"
                                       : "Not started again after a crash: Farview is off");
     return wanted;
+}
+
+/// Whether Farview was switched off between the launch and now, so that the request to quit was
+/// posted before anybody listened. Who starts a server by hand wants one, whatever is stored.
+bool wasSwitchedOffMeanwhile(FVEPreferences& preferences)
+{
+    preferences.synchronize();
+    return wasStartedDetached() && preferences.currentState() == 0;
 }
 
 int runServer(int argc, char** argv, unsigned crashes)
@@ -48,6 +57,9 @@ int runServer(int argc, char** argv, unsigned crashes)
     if (!instance.acquire())
         return 0;
     instance.whenItsTurnComes([&] { server->start(); });
+    // Only now: what is switched off later is heard.
+    if (wasSwitchedOffMeanwhile(preferences))
+        server->quit();
     return QCoreApplication::exec();
 }
 

@@ -38,9 +38,8 @@ ApplicationLauncher::ApplicationLauncher(SessionBus& bus, Bundles& bundles, cons
     mNameWatcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     connect(&mNameWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString& name, const QString&, const QString& owner) {
-                const auto found = mStarts.find(name);
-                if (found != mStarts.end() && found->second.pid > 0 && !owner.isEmpty())
-                    mStarts.erase(found);
+                if (!owner.isEmpty())
+                    isUp(name);
             });
     connect(&mBus, &SessionBus::connected, this,
             [this] { mNameWatcher.setConnection(mBus.connection()); });
@@ -55,7 +54,7 @@ bool ApplicationLauncher::launch(const std::string& bundlePath)
     if (isUnderWay(application->busName))
         return true;
     mNameWatcher.addWatchedService(application->busName);
-    mStarts[application->busName] = {0, mClock.now(), false};
+    mStarts[application->busName] = {*application, 0, mClock.now(), false};
     if (mBus.isConnected())
         askRunningOne(*application);
     else
@@ -86,7 +85,7 @@ bool ApplicationLauncher::isUnderWay(const QString& busName)
     if (found == mStarts.end())
         return false;
     auto& start = found->second;
-    start.isWantedAgain = start.pid == 0;
+    start.isWantedAgain = true;
     const bool isGone = start.pid > 0 && ::kill(static_cast<pid_t>(start.pid), 0) != 0;
     // Without a bus no name ever tells that it runs; that its process lives has to do.
     return !isGone && (!mBus.isConnected() || mClock.now() - start.begun < longestStart);
@@ -120,11 +119,27 @@ void ApplicationLauncher::useAnswer(const Application& application, bool runs)
         start(application);
         return;
     }
-    // It may have been asked to quit between the question and the launch that came after it.
-    if (std::exchange(mStarts[application.busName].isWantedAgain, false))
-        askRunningOne(application);
+    finish(application.busName);
+}
+
+/// The application has taken its name.
+void ApplicationLauncher::isUp(const QString& busName)
+{
+    const auto found = mStarts.find(busName);
+    if (found == mStarts.end() || found->second.pid == 0)
+        return;
+    found->second.pid = 0;
+    finish(busName);
+}
+
+/// The application runs. It may have been asked to quit before a launch that came meanwhile.
+void ApplicationLauncher::finish(const QString& busName)
+{
+    auto& start = mStarts[busName];
+    if (std::exchange(start.isWantedAgain, false))
+        askRunningOne(start.application);
     else
-        mStarts.erase(application.busName);
+        mStarts.erase(busName);
 }
 
 /// Without a bus nobody can be asked. One that runs cannot be told to quit either, so it stays.
@@ -140,7 +155,7 @@ void ApplicationLauncher::start(const Application& application)
 {
     const qint64 pid = startDetached(application.executable, {});
     if (pid > 0) {
-        mStarts[application.busName] = {pid, mClock.now(), false};
+        mStarts[application.busName] = {application, pid, mClock.now(), false};
         return;
     }
     mStarts.erase(application.busName);

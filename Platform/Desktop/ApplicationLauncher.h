@@ -21,7 +21,7 @@ class SessionBus;
 /// An application that runs and stays is not started again; one that has been asked to quit is, and
 /// so is one that has died. The running one is asked itself, over the bus, so a request to quit
 /// that was posted before counts. Between the start and the moment the application takes its bus
-/// name, further launches do nothing.
+/// name, further launches start nothing; it is asked as soon as it has its name.
 class ApplicationLauncher : public QObject
 {
     Q_OBJECT
@@ -41,15 +41,18 @@ private:
     };
     /// A start that is under way.
     struct Start {
-        qint64 pid = 0; ///< 0 while the running one is still being asked
+        Application application;
+        qint64 pid = 0; ///< 0 while the running one is being asked
         Duration begun{};
-        bool isWantedAgain = false; ///< another launch came while asking
+        bool isWantedAgain = false; ///< another launch came meanwhile
     };
 
     std::optional<Application> applicationAt(const std::string& bundlePath) const;
     bool isUnderWay(const QString& busName);
     void askRunningOne(const Application& application);
     bool hasOwner(const QString& busName);
+    void isUp(const QString& busName);
+    void finish(const QString& busName);
     void useAnswer(const Application& application, bool runs);
     void startUnlessItRuns(const Application& application);
     void start(const Application& application);

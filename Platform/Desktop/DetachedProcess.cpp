@@ -16,6 +16,8 @@ namespace farview
 namespace
 {
 
+constexpr const char* startedDetachedMark = "FARVIEW_STARTED_DETACHED";
+
 bool isOurs(const std::string& folder)
 {
     struct stat status {
@@ -45,10 +47,13 @@ qint64 startDetached(const QString& program, const QStringList& arguments)
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("XDG_ACTIVATION_TOKEN"));
     environment.remove(QStringLiteral("DESKTOP_STARTUP_ID"));
+    environment.insert(QString::fromLatin1(startedDetachedMark), QStringLiteral("1"));
     process.setProcessEnvironment(environment);
     qint64 pid = 0;
     return process.startDetached(&pid) ? pid : 0;
 }
+
+bool wasStartedDetached() { return qEnvironmentVariableIsSet(startedDetachedMark); }
 
 bool isRunningDetached(const QString& program)
 {

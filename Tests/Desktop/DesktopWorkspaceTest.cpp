@@ -12,8 +12,10 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -85,6 +87,13 @@ protected:
             observer, [&](const Notification&) { ready = true; }, "Ready", "");
         ASSERT_TRUE(launch(mWorkspace));
         ASSERT_TRUE(waitUntil([&] { return ready; }));
+    }
+    static bool waitWithoutLoop(const std::function<bool()>& condition)
+    {
+        const auto end = std::chrono::steady_clock::now() + 10s;
+        while (!condition() && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(1ms);
+        return condition();
     }
     void askToQuit() { mCenter.postNotificationName("Quit", "", {}, 3); }
 
@@ -167,6 +176,19 @@ TEST_F(LaunchOnABusTest, OffAndOnRightAfterAnotherLaunchStartsANewOneToo)
     askToQuit();
     EXPECT_TRUE(launch(mWorkspace));
     EXPECT_TRUE(waitUntil([&] { return countOf("started") == 2; }));
+}
+
+TEST_F(LaunchOnABusTest, OffAndOnWhileItIsStillComingUpStartsANewOneToo)
+{
+    EXPECT_TRUE(launch(mWorkspace));
+    ASSERT_TRUE(waitUntil([&] { return !mApplications.running().empty(); }));
+    // Without the loop: who launches has not heard yet that it is up.
+    ASSERT_TRUE(waitWithoutLoop([&] { return countOf("turn") == 1; }));
+    askToQuit();
+    EXPECT_TRUE(launch(mWorkspace));
+    EXPECT_TRUE(waitUntil([&] { return countOf("started") == 2; }));
+    runLoopFor(300ms);
+    EXPECT_EQ(mApplications.running().size(), 1u);
 }
 
 TEST_F(LaunchOnABusTest, AnApplicationThatCrashedIsStartedAgain)

@@ -242,6 +242,13 @@ TEST_F(ServerAndDevice, StayAwayAfterACrashWhenFarviewIsOff)
     EXPECT_THAT(serverLog(), HasSubstr("Farview is off"));
 }
 
+TEST_F(ServerAndDevice, EndAtOnceWhenFarviewWasSwitchedOffWhileTheServerCameUp)
+{
+    environment.emplace("FARVIEW_STARTED_DETACHED", "1");
+    server = start("ScreenCapture", {}, "server.log");
+    EXPECT_TRUE(serverEnded(seconds(10))) << serverLog();
+}
+
 TEST_F(ServerAndDevice, FreeTheDeviceWhenTheServerIsStopped)
 {
     startDevice();

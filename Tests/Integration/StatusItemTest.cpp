@@ -143,6 +143,18 @@ TEST_F(StatusItemProgram, QuitEndsItAndUnticksTheBox)
     EXPECT_FALSE(preferences.showInMenuBar());
 }
 
+TEST_F(StatusItemProgram, EndsAtOnceWhenTheBoxWasUntickedWhileItCameUp)
+{
+    preferences.setShowInMenuBar(false);
+    const auto byHand = start();
+    ASSERT_TRUE(appears()) << said();
+    byHand->sendSignal(SIGTERM);
+    EXPECT_TRUE(ended(*byHand));
+    environment.emplace("FARVIEW_STARTED_DETACHED", "1");
+    const auto byThePanel = start();
+    EXPECT_TRUE(ended(*byThePanel)) << said();
+}
+
 TEST_F(StatusItemProgram, IsThereOnce)
 {
     const auto first = start();

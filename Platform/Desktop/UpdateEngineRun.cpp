@@ -3,6 +3,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <set>
 #include <unistd.h>
 #include <utility>
 
@@ -13,6 +14,14 @@ namespace
 
 constexpr std::chrono::seconds patienceWithGivingUp{10};
 constexpr qsizetype chunk = 64 * 1024;
+
+/// Every run of this process. One that goes on when the process ends is not deleted, because that
+/// would end its engine; from here it can still be reached, so that it does not count as lost.
+std::set<UpdateEngineRun*>& allRuns()
+{
+    static auto* runs = new std::set<UpdateEngineRun*>();
+    return *runs;
+}
 
 QString howItEnded(int exitCode, QProcess::ExitStatus exitStatus)
 {
@@ -25,6 +34,7 @@ QString howItEnded(int exitCode, QProcess::ExitStatus exitStatus)
 
 UpdateEngineRun::UpdateEngineRun(const QString& program, const QStringList& arguments)
 {
+    allRuns().insert(this);
     mProcess.setWorkingDirectory(QStringLiteral("/"));
     mProcess.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // What ends the panel's terminal or its process group must not end an installation.
@@ -41,6 +51,8 @@ UpdateEngineRun::UpdateEngineRun(const QString& program, const QStringList& argu
     });
     mProcess.start(program, arguments);
 }
+
+UpdateEngineRun::~UpdateEngineRun() { allRuns().erase(this); }
 
 void UpdateEngineRun::send(const char* word)
 {

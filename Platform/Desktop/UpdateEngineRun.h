@@ -18,6 +18,7 @@ public:
     static constexpr qsizetype longestLine = 256 * 1024;
 
     UpdateEngineRun(const QString& program, const QStringList& arguments);
+    ~UpdateEngineRun() override;
 
     void send(const char* word);
     /// From now on it runs to its end, whatever becomes of this process.

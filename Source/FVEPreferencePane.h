@@ -203,6 +203,7 @@ private:
     farview::DeviceMenuInputs deviceMenuInputs();
     std::shared_ptr<farview::MenuItem> menuItem(const farview::MenuEntry& entry);
     void requestConnection(const farview::NetService& service);
+    void repeatUnansweredRequest();
 
     void showPopUp(farview::PopUpDisplay display);
     void selectEntryInForce();
@@ -229,8 +230,6 @@ private:
     void followConnectionByAddress(const farview::Notification& notification);
     void followConnectionToDevice(const std::string* hostName);
     void selectDeviceOfHost(const std::string* hostName);
-    void askForHost(const std::string& hostName);
-    void repeatUnansweredRequest();
     void queryResultLater(const farview::Notification& notification);
     void setPopUpWidth(const farview::View& placeholder);
     WeakTimer scheduleOnce(farview::Duration delay, void (FVEPreferencePane::*operation)());

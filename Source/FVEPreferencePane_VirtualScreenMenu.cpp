@@ -131,12 +131,7 @@ void FVEPreferencePane::requestConnection(const NetService& service)
         scheduleOnce(connectErrorCheckDelay, &FVEPreferencePane::checkForConnectionError));
     // Without a host name there is nobody to name; the check tells the user when its time is over.
     if (mUnansweredRequest)
-        askForHost(*mUnansweredRequest);
-}
-
-void FVEPreferencePane::askForHost(const std::string& hostName)
-{
-    command(kConnectServerToHost, {{kConnectToHostNameKey, hostName}});
+        command(kConnectServerToHost, {{kConnectToHostNameKey, *mUnansweredRequest}});
 }
 
 /// Once for each choice: a server that came to an end over it is not asked a third time.
@@ -146,7 +141,7 @@ void FVEPreferencePane::repeatUnansweredRequest()
     if (!hostName)
         return;
     showProgressIndicator();
-    askForHost(*hostName);
+    command(kConnectServerToHost, {{kConnectToHostNameKey, *hostName}});
 }
 
 void FVEPreferencePane::takeNoVirtualScreenFrom(Object* /*sender*/)

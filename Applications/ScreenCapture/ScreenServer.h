@@ -55,7 +55,8 @@ public:
     /// Called once, before `start`.
     void listen();
     /// Begins to browse, announces that no device is connected, and does what was asked for
-    /// meanwhile, or asks for a request that was posted before anybody listened. Called once; nothing happens when the server was asked to quit before.
+    /// meanwhile, or asks for a request that was posted before anybody listened. Called once;
+    /// nothing happens when the server was asked to quit before.
     void start();
     /// Leaves the device with a goodbye, says so, and finishes. A second call does nothing.
     void quit();

@@ -30,7 +30,10 @@ protected:
     {
         serverPosts(kServerDisconnectedFromDevice, {{kAwaitsRequestKey, "YES"}});
     }
-    int requests() const { return fake.distributedNotificationCenter.countOf(kConnectServerToHost); }
+    int requests() const
+    {
+        return fake.distributedNotificationCenter.countOf(kConnectServerToHost);
+    }
 
     std::string help() const { return pane->connectionHelpLabel()->stringValue(); }
     std::string selectedName() const
@@ -128,7 +131,8 @@ TEST_F(PaneConnection, AServerThatBeginsAfterTheChoiceIsAskedAgain)
     ASSERT_EQ(requests(), 1);
     serverBegins();
     ASSERT_EQ(requests(), 2);
-    const auto repeated = fake.distributedNotificationCenter.postsNamed(kConnectServerToHost).back();
+    const auto repeated =
+        fake.distributedNotificationCenter.postsNamed(kConnectServerToHost).back();
     EXPECT_EQ(repeated.userInfo.at(kConnectToHostNameKey), "pad.local");
     after(0.3);
     EXPECT_TRUE(spinnerShows()) << "the echo takes it down, and it comes back";

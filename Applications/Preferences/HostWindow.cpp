@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QScreen>
 #include <QScrollArea>
+#include <QStackedWidget>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -13,6 +14,16 @@
 
 namespace
 {
+
+/// Forgets what a layout knows of its parts. Those inside it learn of changes with the next turn
+/// only; to activate it would lay everything out, at a size that it never has.
+void forgetHints(QLayoutItem& item)
+{
+    item.invalidate();
+    QLayout* layout = item.layout();
+    for (int i = 0; layout && i < layout->count(); ++i)
+        forgetHints(*layout->itemAt(i));
+}
 
 /// What a page needs at that width, the parts included that would scroll for want of room.
 int heightForPage(const QWidget& page, int width)
@@ -24,9 +35,8 @@ int heightForPage(const QWidget& page, int width)
         if (!area->widget() || !area->widgetResizable())
             continue;
         const QWidget& content = *area->widget();
-        // Layouts inside layouts learn of changes with the next turn only, or now.
         if (content.layout())
-            content.layout()->activate();
+            forgetHints(*content.layout());
         const int whole = std::max(content.sizeHint().height(), content.heightForWidth(width));
         height += std::max(0, whole - area->minimumSizeHint().height());
     }
@@ -44,6 +54,17 @@ int heightForPages(const QTabWidget& tabs, const QWidget& view, int width)
     for (int i = 0; i < tabs.count(); ++i)
         height = std::max(height, heightForPage(*tabs.widget(i), width - around.width()));
     return height + around.height();
+}
+
+/// Gives tab pages the room that they will have. The toolkit gives it only once they are on the
+/// screen, and would lay everything out for their earlier sizes first.
+void giveRoomToPages(const QWidget& view, QSize size)
+{
+    for (auto* tabs : view.findChildren<QTabWidget*>()) {
+        auto* pages = tabs->findChild<QStackedWidget*>({}, Qt::FindDirectChildrenOnly);
+        if (pages)
+            pages->resize(size - (view.minimumSizeHint() - pages->minimumSizeHint()));
+    }
 }
 
 /// The toolkit tells assistive technology that a window without a frame of its kinds is nothing.
@@ -98,7 +119,10 @@ void HostWindow::setView(QWidget* view, const QString& title, const QString& bac
         wanted.rheight() += mBack->sizeHint().height();
     if (isVisible())
         wanted = size().expandedTo(wanted);
-    resize(wanted.boundedTo(screen()->availableSize()));
+    wanted = wanted.boundedTo(screen()->availableSize());
+    resize(wanted);
+    if (!isVisible())
+        giveRoomToPages(*view, wanted);
 }
 
 void HostWindow::showBack(const QString& title)

@@ -28,6 +28,11 @@ QString infoText(const farview::Bundle& bundle, const std::string& key)
     return text ? QString::fromStdString(*text) : QString();
 }
 
+QString libraryPath(const QString& bundlePath, const QString& executable)
+{
+    return bundlePath + u"/Contents/Linux/"_qs + QFileInfo(executable).fileName();
+}
+
 /// The number behind "com.quillon.PreferencePane/"; nothing when that is not what it is.
 std::optional<int> interfaceVersion(const QString& identifier)
 {
@@ -40,9 +45,9 @@ std::optional<int> interfaceVersion(const QString& identifier)
     return version;
 }
 
-bool speaksOurInterface(const QString& library, const QString& identifier, HostError& error)
+bool speaksOurInterface(const QPluginLoader& loader, const QString& library, HostError& error)
 {
-    const auto version = interfaceVersion(identifier);
+    const auto version = interfaceVersion(loader.metaData().value(u"IID"_qs).toString());
     const int ours = *interfaceVersion(QStringLiteral(FARVIEW_PANE_INTERFACE_ID));
     if (!version) {
         error = {HostStatus::libraryDoesNotLoad,
@@ -85,9 +90,18 @@ std::unique_ptr<LoadedPane> PaneLoader::load(const QString& path, HostError& err
                  sentence("\"%1\" does not say which class its pane is (NSPrincipalClass).", path)};
         return nullptr;
     }
-    const QString executable = QFileInfo(infoText(*bundle, "CFBundleExecutable")).fileName();
-    auto* factory = loadFactory(path + u"/Contents/Linux/"_qs + executable, error);
+    const QString executable = infoText(*bundle, "CFBundleExecutable");
+    auto* factory = loadFactory(libraryPath(path, executable), error);
     return factory ? makePane(path, *bundle, *factory, error) : nullptr;
+}
+
+void PaneLoader::loadLibraryAhead(const QString& path, const QString& executable)
+{
+    const QString library = libraryPath(path, executable);
+    QPluginLoader loader(library);
+    HostError toldLater;
+    if (speaksOurInterface(loader, library, toldLater))
+        loader.load();
 }
 
 std::shared_ptr<farview::Bundle> PaneLoader::openBundle(const QString& path, HostError& error) const
@@ -116,8 +130,7 @@ PaneFactory* PaneLoader::loadFactory(const QString& libraryPath, HostError& erro
                  sentence("The library \"%1\" is missing.", libraryPath)};
         return nullptr;
     }
-    const QString identifier = loader.metaData().value(u"IID"_qs).toString();
-    if (!speaksOurInterface(libraryPath, identifier, error))
+    if (!speaksOurInterface(loader, libraryPath, error))
         return nullptr;
     auto* factory = qobject_cast<PaneFactory*>(loader.instance());
     if (!factory)

@@ -1,4 +1,4 @@
-#include "Applications/Preferences/FontReader.h"
+#include "Applications/Preferences/HeadStart.h"
 #include "Applications/Preferences/PaneInterface.h"
 #include "Applications/Preferences/PaneSearch.h"
 #include "Applications/Preferences/PreferencesHost.h"
@@ -133,9 +133,9 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
 int runApplication(int& argc, char** argv, const Options& options, const QString& pane,
                    farview::Bundles& bundles)
 {
-    FontReader fontReader;
+    HeadStart headStart(pane);
     QApplication application(argc, argv);
-    const std::jthread fonts = fontReader.listFonts();
+    const std::jthread rest = headStart.goOn();
     QApplication::setApplicationName(u"farview-preferences"_qs);
     QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
     QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);

@@ -1,6 +1,7 @@
 #include "Controls/Qt/TextLabel.h"
 
 #include <QEvent>
+#include <QTimer>
 
 #include <utility>
 
@@ -40,6 +41,13 @@ bool TextLabel::event(QEvent* event)
         break;
     }
     return QLabel::event(event);
+}
+
+void TextLabel::showEvent(QShowEvent* event)
+{
+    QLabel::showEvent(event);
+    if (property("selectable").toBool())
+        QTimer::singleShot(0, this, [this] { setTextInteractionFlags(Qt::TextSelectableByMouse); });
 }
 
 } // namespace farview

@@ -10,6 +10,9 @@ namespace farview
 
 /// A label that remembers how high it is at a width. Layouts inside layouts ask for that again and
 /// again, and each answer lays the text out anew: a quarter of the window's start.
+///
+/// A label with the dynamic property "selectable" can be selected with the mouse once it has been
+/// shown: the toolkit makes a whole document of such a text, which nobody needs before.
 class TextLabel final : public QLabel
 {
 public:
@@ -19,6 +22,7 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     /// What the heights were measured for, besides the width.

@@ -160,7 +160,9 @@ TEST_F(Panel, ADeviceCanBeChosenAndTheSpinnerTurnsBesideTheNarrowedPopUp)
     fake.runLoop.advance(Duration(16.0));
     QCoreApplication::processEvents();
     EXPECT_FALSE(find<QLabel>("warningImage")->isHidden());
-    EXPECT_TRUE(find<QLabel>("instructionsLabel")->text().startsWith(u"There was a problem"_qs));
+    const auto* instructions = find<QLabel>("instructionsLabel");
+    EXPECT_TRUE(instructions->text().startsWith(u"There was a problem"_qs));
+    EXPECT_EQ(instructions->textInteractionFlags(), Qt::TextSelectableByMouse) << "for a report";
     picture("error");
 }
 

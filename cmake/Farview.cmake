@@ -56,6 +56,10 @@ function(farview_test NAME)
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 60)
   endif()
+  if(FARVIEW_SANITIZE)
+    # Programs are ten times as large then, and slower: some tests copy, pack and start them.
+    math(EXPR ARG_TIMEOUT "3 * ${ARG_TIMEOUT}")
+  endif()
   gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${NAME}."
                        PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
 endfunction()

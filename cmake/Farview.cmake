@@ -58,7 +58,7 @@ function(farview_test NAME)
   endif()
   if(FARVIEW_SANITIZE)
     # Programs are ten times as large then, and slower: some tests copy, pack and start them.
-    math(EXPR ARG_TIMEOUT "3 * ${ARG_TIMEOUT}")
+    math(EXPR ARG_TIMEOUT "5 * ${ARG_TIMEOUT}")
   endif()
   gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${NAME}."
                        PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")

@@ -99,16 +99,20 @@ def wait(what, condition, limit=10.0):
 
 # --- hands and eyes -------------------------------------------------------------------------------------------
 
-def focused_window_origin():
-    """On Wayland a program knows places only relative to its own window."""
+def windows_of_compositor():
     tree = json.loads(subprocess.run(["swaymsg", "-t", "get_tree"], check=True, capture_output=True).stdout)
     waiting = [tree]
     while waiting:
         node = waiting.pop()
-        if node.get("focused") and node.get("pid"):
-            return node["rect"]["x"], node["rect"]["y"]
+        if node.get("pid"):
+            yield node
         waiting += node.get("nodes", []) + node.get("floating_nodes", [])
-    return 0, 0
+
+
+def focused_window_origin():
+    """On Wayland a program knows places only relative to its own window."""
+    return next(((window["rect"]["x"], window["rect"]["y"]) for window in windows_of_compositor() if window["focused"]),
+                (0, 0))
 
 
 def place_of(node, down=0.5):
@@ -224,6 +228,13 @@ def windows_of(program):
         shell = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True).stdout
         values = dict(line.split("=") for line in shell.split())
         yield tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+
+def number_of_windows(program="farview-preferences"):
+    """As the display has them: what assistive technology no longer sees may still be there, and take a click."""
+    if WAYLAND:
+        return sum(window["app_id"] == program for window in windows_of_compositor())
+    return len(list(windows_of(program)))
 
 
 def box_of_windows(program):

@@ -16,9 +16,9 @@ import pyatspi  # noqa: E402
 
 from touring import looks  # noqa: E402
 from touring.desk import (  # noqa: E402
-    children, click, click_at, drag, enabled, failures, find, FOLDER, LOOK, place_of, press, ROOT, running, say,
-    SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND, windows_of, WORDS,
-    write_steps)
+    children, click, click_at, drag, enabled, failures, find, FOLDER, LOOK, number_of_windows, place_of, press, ROOT,
+    running, say, SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND, windows_of,
+    WORDS, write_steps)
 
 HOME = os.environ["HOME"]
 OFF = "Farview is currently turned off."
@@ -97,6 +97,7 @@ def main():
     let_the_wheel_stop()
     step("A device that refuses: the error text and the warning sign", "refused")
 
+    windows_before = number_of_windows()
     click(open_menu(OTHER))
     field = wait("the sheet for an address", lambda: find(("text",), ""))
     click(field)
@@ -104,6 +105,7 @@ def main():
     ok = wait("OK can be pressed", lambda: enabled(find(BUTTON, "OK")))
     step("Connect To Other...: the sheet checks the address", "sheet")
     click(ok)
+    wait("the sheet has gone", lambda: number_of_windows() <= windows_before)
     wait("the address is the selected entry", lambda: device_menu().name == "10.77.0.1")
     step("Connected by its address", "by-address")
 
@@ -150,13 +152,15 @@ def show_settings():
     wait("the other device is the first", lambda: rows() == [DEVICE, REFUSING])
     step("A row dragged to the top", "dragged")
 
+    windows_before = number_of_windows()
     click(find(BUTTON, "Offer HiDPI resolutions"))
     wait("the window that asks", says("HiDPI resolutions are off."))
     wait("what is missing to ask for an administrator",
          lambda: says("The system cannot be asked")() or says("This cannot work here: users")())
     step("HiDPI resolutions: what it takes is said before anything is asked", "hidpi")
     click(find(BUTTON, "Cancel"))
-    wait("the window has gone", lambda: not says("HiDPI resolutions are off.")())
+    wait("the window has gone",
+         lambda: number_of_windows() <= windows_before and not says("HiDPI resolutions are off.")())
 
 
 def show_diagnosis():
@@ -167,7 +171,7 @@ def show_diagnosis():
     report.setCaretOffset(report.characterCount)
     step("The end of its report: the devices", "diagnosis-end", DOCTOR)
     click(find(BUTTON, "Close", DOCTOR))
-    wait("its window has gone", lambda: not find(BUTTON, "Close", DOCTOR))
+    wait("its window has gone", lambda: number_of_windows(DOCTOR) == 0)
 
 
 def open_the_manual():
@@ -178,7 +182,8 @@ def open_the_manual():
         file.write(f'#!/bin/sh\necho "$1" >"{note}.new"; mv "{note}.new" "{note}"\n')
     os.chmod(opener, 0o755)
     click(find(BUTTON, "Help"))
-    wait("the manual is opened", lambda: os.path.exists(note))
+    if not wait("the manual is opened", lambda: os.path.exists(note)):
+        return
     with open(note) as file:
         path = urllib.parse.unquote(file.read().strip().removeprefix("file://"))
     with open(path, "rb") as file:
@@ -250,6 +255,7 @@ def show_status_item():
         wait("its menu", menu_of_status_icon)
     step("Its first entry turned Farview on; a ticked device was connected to by itself", "status-menu-on", "FarviewStatusItem")
     press("Escape")
+    wait("its menu has gone", lambda: not menu_of_status_icon())
     click(find(BUTTON, STATUS_ICON))
     wait("the status icon's program ended", lambda: not running("FarviewStatusItem"))
     stop(tray)
@@ -277,10 +283,12 @@ def ask_for_accessibility():
                   WAYLAND_DISPLAY=os.environ.get("WAYLAND_DISPLAY", "none"))
     wait("the panel's window", device_menu)
     click(wait("the tab of the settings", lambda: find(TAB, "Settings")))
+    windows_before = number_of_windows()
     click(wait("the box for moving windows back", lambda: find(BUTTON, "Move windows back")))
     wait("the question for accessibility", says("This Feature Requires Accessibility"))
     step("Moving windows back needs accessibility: the panel asks for it", "accessibility")
     click(find(BUTTON, "OK"))
+    wait("the question has gone", lambda: number_of_windows() <= windows_before)
     click(wait("the switch for accessibility", lambda: enabled(find(BUTTON, ACCESS))))
     wait("accessibility is on", checked(ACCESS))
     step("OK leads to the accessibility pane; switched on there", "accessibility-pane")

@@ -1,12 +1,13 @@
 #include "Applications/Preferences/WindowOfTheSession.h"
 
+#include "Applications/Preferences/PaneInterface.h"
+#include "Platform/Desktop/SessionBus.h"
+
 #include <QDBusMessage>
 
 namespace
 {
 
-// A connection of the host's own: panes bring theirs.
-constexpr auto connectionName = "farview-preferences host";
 constexpr auto objectPath = "/com/quillon/FarviewPreferences";
 constexpr auto interfaceName = "com.quillon.FarviewPreferences";
 constexpr int longestWait = 5'000; // milliseconds
@@ -14,14 +15,13 @@ constexpr int longestWait = 5'000; // milliseconds
 } // namespace
 
 WindowOfTheSession::WindowOfTheSession()
-    : mBus(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
-                                         QString::fromLatin1(connectionName)))
+    : mBus(farview::SessionBus::lend(QString::fromLatin1(hostBusConnection)))
 {
 }
 
 WindowOfTheSession::~WindowOfTheSession()
 {
-    QDBusConnection::disconnectFromBus(QString::fromLatin1(connectionName));
+    QDBusConnection::disconnectFromBus(QString::fromLatin1(hostBusConnection));
 }
 
 QString WindowOfTheSession::serviceName() const

@@ -49,7 +49,11 @@ std::string programName()
 } // namespace
 
 struct DesktopPlatform::Bodies {
-    explicit Bodies(int logDescriptor) : log(programName(), logDescriptor) {}
+    explicit Bodies(const DesktopPlatformOptions& options)
+        : log(programName(), options.isSilent ? nowhere : standardError),
+          bus(log, QString::fromStdString(options.lentBus))
+    {
+    }
 
     StandardErrorLog log;
     LocalNotificationCenter notificationCenter;
@@ -67,7 +71,7 @@ struct DesktopPlatform::Bodies {
     SysfsRegistry registry{DriverExtensions(searchPaths.extensionFolders())};
     DesktopText text;
     QtRunLoop runLoop;
-    SessionBus bus{log};
+    SessionBus bus;
     DesktopAccessibility accessibility{bus};
 
     // These reach beyond the process, and are made only for use,
@@ -83,8 +87,8 @@ struct DesktopPlatform::Bodies {
     std::optional<ForgetfulFileManager> forgetfulFileManager;
 };
 
-DesktopPlatform::DesktopPlatform(DesktopPlatformOptions options)
-    : mBodies(std::make_unique<Bodies>(options.isSilent ? nowhere : standardError))
+DesktopPlatform::DesktopPlatform(const DesktopPlatformOptions& options)
+    : mBodies(std::make_unique<Bodies>(options))
 {
     mPlatform.accessibility = &mBodies->accessibility;
     mPlatform.bundles = &mBodies->bundles;

@@ -3,6 +3,7 @@
 #include "Platform/Platform.h"
 
 #include <memory>
+#include <string>
 
 namespace farview
 {
@@ -16,6 +17,8 @@ struct DesktopPlatformOptions {
     bool isSmokeTest = false;
     /// Nothing is written on standard error.
     bool isSilent = false;
+    /// The connection to the session bus to begin with, lent by another module (`SessionBus`).
+    std::string lentBus = {};
 };
 
 /// The real bodies of every interface, composed: what each program's composition root makes first
@@ -25,7 +28,7 @@ struct DesktopPlatformOptions {
 class DesktopPlatform
 {
 public:
-    explicit DesktopPlatform(DesktopPlatformOptions options);
+    explicit DesktopPlatform(const DesktopPlatformOptions& options);
     ~DesktopPlatform();
 
     /// To be installed with `Platform::Scope`. Its references may be replaced by a program.

@@ -31,13 +31,33 @@ QString freshConnectionName()
     return QStringLiteral("farview-%1-%2").arg(quintptr(&count), 0, 16).arg(++count);
 }
 
+/// Nothing where no bus is known.
+std::optional<QDBusConnection> connectToBus(const QString& name)
+{
+    const QString where = SessionBus::address();
+    if (where.isEmpty())
+        return std::nullopt;
+    return QDBusConnection::connectToBus(where, name);
+}
+
+bool runsAsThisUser(const QDBusConnection& bus)
+{
+    auto call = SessionBus::busCall(QStringLiteral("GetConnectionUnixUser"));
+    call << busService;
+    const QDBusReply<uint> owner = bus.call(call, QDBus::Block, SessionBus::blockingLimit);
+    return owner.isValid() && owner.value() == geteuid();
+}
+
 } // namespace
 
-SessionBus::SessionBus(Log& log) : mLog(log), mPause(firstPause, longestPause)
+SessionBus::SessionBus(Log& log) : SessionBus(log, {}) {}
+
+SessionBus::SessionBus(Log& log, const QString& lent) : mLog(log), mPause(firstPause, longestPause)
 {
     mRetry.setSingleShot(true);
     connect(&mRetry, &QTimer::timeout, this, &SessionBus::tryToConnect);
-    tryToConnect();
+    if (lent.isEmpty() || !beginWith(lent))
+        tryToConnect();
 }
 
 SessionBus::~SessionBus() { closeConnection(); }
@@ -98,9 +118,19 @@ QString SessionBus::address()
     return folder.isEmpty() ? QString() : QStringLiteral("unix:path=%1/bus").arg(folder);
 }
 
+QDBusConnection SessionBus::lend(const QString& name)
+{
+    if (const QDBusConnection opened(name); opened.isConnected())
+        return opened;
+    const auto connection = connectToBus(name);
+    if (connection && connection->isConnected() && !runsAsThisUser(*connection))
+        QDBusConnection::disconnectFromBus(name);
+    return QDBusConnection(name);
+}
+
 void SessionBus::tryToConnect()
 {
-    if (!openConnection() || !isOurOwnBus()) {
+    if (!openConnection()) {
         closeConnection();
         retryLater();
         return;
@@ -109,27 +139,32 @@ void SessionBus::tryToConnect()
     Q_EMIT connected(std::exchange(mWasMissing, false));
 }
 
-bool SessionBus::openConnection()
+/// Whoever lends a connection has asked whose bus it is.
+bool SessionBus::beginWith(const QString& lent)
 {
-    const QString where = address();
-    if (where.isEmpty())
-        return false;
-    mConnection = QDBusConnection::connectToBus(where, freshConnectionName());
-    return mConnection->isConnected() &&
-           mConnection->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                                QStringLiteral("org.freedesktop.DBus.Local"),
-                                QStringLiteral("Disconnected"), this, SLOT(noticeDisconnection()));
+    mConnection.emplace(lent);
+    mIsLent = mConnection->isConnected() && listenForLoss();
+    if (!mIsLent)
+        mConnection.reset();
+    return mIsLent;
 }
 
-bool SessionBus::isOurOwnBus()
+bool SessionBus::openConnection()
 {
-    auto call = busCall(QStringLiteral("GetConnectionUnixUser"));
-    call << busService;
-    const QDBusReply<uint> owner = mConnection->call(call, QDBus::Block, blockingLimit);
-    if (owner.isValid() && owner.value() == geteuid())
+    mConnection = connectToBus(freshConnectionName());
+    if (!mConnection || !mConnection->isConnected() || !listenForLoss())
+        return false;
+    if (runsAsThisUser(*mConnection))
         return true;
     mLog.write(LogLevel::warning, "The session bus does not run as this user; not using it");
     return false;
+}
+
+bool SessionBus::listenForLoss()
+{
+    return mConnection->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                QStringLiteral("org.freedesktop.DBus.Local"),
+                                QStringLiteral("Disconnected"), this, SLOT(noticeDisconnection()));
 }
 
 void SessionBus::closeConnection()
@@ -138,7 +173,8 @@ void SessionBus::closeConnection()
         return;
     const QString name = mConnection->name();
     mConnection.reset();
-    QDBusConnection::disconnectFromBus(name);
+    if (!std::exchange(mIsLent, false))
+        QDBusConnection::disconnectFromBus(name);
 }
 
 void SessionBus::noticeDisconnection()

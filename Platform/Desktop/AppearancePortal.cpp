@@ -67,10 +67,15 @@ AppearancePortal::AppearancePortal(const QDBusConnection& bus, Changed changed)
     // Subscribed before the question is asked, so no change falls in between. From whomever it
     // comes: naming the sender would mean to wait for the bus, and what counts is only the answer
     // of the portal itself.
-    for (const QString& area : {shared, gnomes})
-        mBus.connect(QString(), portalPath, settings, QStringLiteral("SettingChanged"), {area},
-                     QStringLiteral("ssv"), this, SLOT(ask()));
+    mBus.connect(QString(), portalPath, settings, QStringLiteral("SettingChanged"), {},
+                 QStringLiteral("ssv"), this, SLOT(noticeChange(QString)));
     ask();
+}
+
+void AppearancePortal::noticeChange(const QString& area)
+{
+    if (area == shared || area == gnomes)
+        ask();
 }
 
 void AppearancePortal::ask()

@@ -30,9 +30,10 @@ public:
     void tellWhatIsHere();
 
 private Q_SLOTS:
-    void ask();
+    void noticeChange(const QString& area);
 
 private:
+    void ask();
     void takeAnswer();
     void tell(const AppearancePreferences& preferences);
 

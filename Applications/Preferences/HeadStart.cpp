@@ -8,6 +8,7 @@
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QStringList>
+#include <QThread>
 
 #include <fontconfig/fontconfig.h>
 
@@ -30,12 +31,14 @@ QString executableOf(const QString& bundlePath)
 } // namespace
 
 HeadStart::HeadStart(const QString& bundlePath)
-    : mFirst([bundlePath] {
-          FcInit();
-          if (const QString executable = executableOf(bundlePath); !executable.isEmpty())
-              PaneLoader::loadLibraryAhead(bundlePath, executable);
-      })
 {
+    // The toolkit takes the first thread that it meets for the main one.
+    QThread::currentThread();
+    mFirst = std::thread([bundlePath] {
+        FcInit();
+        if (const QString executable = executableOf(bundlePath); !executable.isEmpty())
+            PaneLoader::loadLibraryAhead(bundlePath, executable);
+    });
 }
 
 HeadStart::~HeadStart()

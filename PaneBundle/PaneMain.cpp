@@ -52,15 +52,16 @@ public:
 
     bool initWithBundle(const QString& bundlePath, QString* error) override;
     QWidget* loadMainView(QString* error) override;
-    void mainViewDidLoad() override;
-    void willSelect() override;
-    void didSelect() override { mPane->didSelect(); }
+    void mainViewDidLoad() override { mPane->mainViewDidLoad(); }
+    void willSelect() override { mPane->willSelect(); }
+    void didSelect() override;
     void willUnselect() override { mPane->willUnselect(); }
     void applicationDidBecomeActive() override;
     void applicationDidResignActive() override;
 
 private:
     Platform& platform() { return mDesktop.platform(); }
+    void hintAtTray();
 
     farview::DesktopPlatform mDesktop;
     std::shared_ptr<HostApplication> mApplication = std::make_shared<HostApplication>();
@@ -72,7 +73,8 @@ private:
 };
 
 FarviewPane::FarviewPane(bool smokeTest)
-    : mDesktop({.isSmokeTest = smokeTest}), mInstalled(mDesktop.platform())
+    : mDesktop({.isSmokeTest = smokeTest, .lentBus = hostBusConnection}),
+      mInstalled(mDesktop.platform())
 {
     platform().application = mApplication.get();
 }
@@ -99,19 +101,22 @@ QWidget* FarviewPane::loadMainView(QString* error)
     return mView.get();
 }
 
-void FarviewPane::mainViewDidLoad()
+void FarviewPane::didSelect()
 {
-    mPane->mainViewDidLoad();
-    mTrayHint.emplace(mDesktop.sessionBus(), mPane->menuExtraCheckbox(),
-                      mBundle->localizedString("This desktop has no place for status icons. The "
-                                               "icon appears as soon as it has one.",
-                                               "", ""));
+    mPane->didSelect();
+    // The toolkit waits for answers when it is asked about trays: once the window is there.
+    QTimer::singleShot(0, mView.get(), [this] { hintAtTray(); });
 }
 
-void FarviewPane::willSelect()
+void FarviewPane::hintAtTray()
 {
-    mPane->willSelect();
-    mTrayHint->refresh();
+    if (mTrayHint)
+        mTrayHint->refresh();
+    else
+        mTrayHint.emplace(mDesktop.sessionBus(), mPane->menuExtraCheckbox(),
+                          mBundle->localizedString("This desktop has no place for status icons. "
+                                                   "The icon appears as soon as it has one.",
+                                                   "", ""));
 }
 
 void FarviewPane::applicationDidBecomeActive()

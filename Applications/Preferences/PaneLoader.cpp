@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QJsonObject>
 #include <QPluginLoader>
+#include <QWidget>
 
 #include <optional>
 
@@ -60,6 +61,15 @@ bool speaksOurInterface(const QPluginLoader& loader, const QString& library, Hos
                  sentence("\"%1\" needs a newer version of this program.", library)};
     }
     return version == ours;
+}
+
+/// The view's own title is in the user's language already.
+QString titleOf(const QWidget& view, const farview::Bundle& bundle)
+{
+    const std::string name = infoText(bundle, "CFBundleName").toStdString();
+    return view.windowTitle().isEmpty()
+               ? QString::fromStdString(bundle.localizedString(name, "", ""))
+               : view.windowTitle();
 }
 
 } // namespace
@@ -162,7 +172,6 @@ std::unique_ptr<LoadedPane> PaneLoader::makePane(const QString& path, const farv
         return nullptr;
     }
     pane->mainViewDidLoad();
-    const auto title = infoText(bundle, "CFBundleName").toStdString();
-    return std::make_unique<LoadedPane>(
-        std::move(pane), view, QString::fromStdString(bundle.localizedString(title, "", "")));
+    const QString title = titleOf(*view, bundle);
+    return std::make_unique<LoadedPane>(std::move(pane), view, title);
 }

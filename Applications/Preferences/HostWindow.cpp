@@ -32,7 +32,7 @@ int heightForPage(const QWidget& page, int width)
     if (const QLayout* layout = page.layout(); layout && layout->hasHeightForWidth())
         height = layout->totalMinimumHeightForWidth(width);
     for (const auto* area : page.findChildren<QScrollArea*>()) {
-        if (!area->widget() || !area->widgetResizable())
+        if (!area->widget())
             continue;
         const QWidget& content = *area->widget();
         if (content.layout())
@@ -43,17 +43,24 @@ int heightForPage(const QWidget& page, int width)
     return height;
 }
 
-/// Tabs do not tell how high their pages must be where texts wrap, so each page is asked.
+/// Tabs do not tell how high their pages must be where texts wrap, so the one in front is asked.
 int heightForPages(const QTabWidget& tabs, const QWidget& view, int width)
 {
     QSize largest;
     for (int i = 0; i < tabs.count(); ++i)
         largest = largest.expandedTo(tabs.widget(i)->minimumSizeHint());
     const QSize around = view.minimumSizeHint() - largest;
-    int height = 0;
-    for (int i = 0; i < tabs.count(); ++i)
-        height = std::max(height, heightForPage(*tabs.widget(i), width - around.width()));
-    return height + around.height();
+    const QWidget* front = tabs.currentWidget();
+    return (front ? heightForPage(*front, width - around.width()) : 0) + around.height();
+}
+
+/// What a view needs at that width.
+int heightAt(const QWidget& view, int width)
+{
+    int height = view.layout() ? view.layout()->totalMinimumHeightForWidth(width) : 0;
+    for (const auto* tabs : view.findChildren<QTabWidget*>())
+        height = std::max(height, heightForPages(*tabs, view, width));
+    return height;
 }
 
 /// Gives tab pages the room that they will have. The toolkit gives it only once they are on the
@@ -92,12 +99,8 @@ HostWindow::HostWindow() : mLayout(new QVBoxLayout(this)), mBack(new QToolButton
 
 QSize HostWindow::firstSize(const QWidget& view)
 {
-    QSize size = view.size().expandedTo(view.sizeHint());
-    if (const QLayout* layout = view.layout())
-        size.setHeight(std::max(view.height(), layout->totalMinimumHeightForWidth(size.width())));
-    for (const auto* tabs : view.findChildren<QTabWidget*>())
-        size.setHeight(std::max(size.height(), heightForPages(*tabs, view, size.width())));
-    return size;
+    const int width = std::max(view.width(), view.sizeHint().width());
+    return {width, std::max({view.height(), view.sizeHint().height(), heightAt(view, width)})};
 }
 
 void HostWindow::setView(QWidget* view, const QString& title, const QString& back)
@@ -117,12 +120,29 @@ void HostWindow::setView(QWidget* view, const QString& title, const QString& bac
     setWindowTitle(title);
     if (!back.isEmpty())
         wanted.rheight() += mBack->sizeHint().height();
-    if (isVisible())
-        wanted = size().expandedTo(wanted);
-    wanted = wanted.boundedTo(screen()->availableSize());
-    resize(wanted);
+    giveRoom(isVisible() ? size().expandedTo(wanted) : wanted);
     if (!isVisible())
-        giveRoomToPages(*view, wanted);
+        giveRoomToPages(*view, size());
+    for (const auto* tabs : view->findChildren<QTabWidget*>())
+        connect(tabs, &QTabWidget::currentChanged, this, &HostWindow::makeRoomForPage,
+                Qt::ConnectionType(Qt::QueuedConnection | Qt::UniqueConnection));
+}
+
+void HostWindow::giveRoom(QSize wanted)
+{
+    resize(wanted.boundedTo(screen()->availableSize()));
+    mGivenHeight = height();
+}
+
+void HostWindow::makeRoomForPage()
+{
+    // Whoever gave the window another height wants that one.
+    if (!mView || !isVisible() || height() != mGivenHeight)
+        return;
+    const int width = std::min(std::max(mView->width(), mView->sizeHint().width()),
+                               screen()->availableSize().width());
+    const QSize needed(width, heightAt(*mView, width));
+    giveRoom(size().expandedTo(needed + (size() - mView->size())));
 }
 
 void HostWindow::showBack(const QString& title)

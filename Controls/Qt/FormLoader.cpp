@@ -7,6 +7,7 @@
 #include "Controls/Qt/LabelTint.h"
 #include "Controls/Qt/PageScroller.h"
 #include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/ScrolledPage.h"
 #include "Controls/Qt/SheetWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/SwitchWidget.h"
@@ -52,6 +53,8 @@ private:
             return new PageScroller(parent);
         if (className == u"farview::PopUpWidget")
             return new PopUpWidget(parent);
+        if (className == u"farview::ScrolledPage")
+            return new ScrolledPage(parent);
         if (className == u"farview::SheetWidget")
             return new SheetWidget(parent);
         if (className == u"farview::SpinnerWidget")

@@ -244,27 +244,48 @@ TEST_P(PanelInEachLanguage, ItIsReadableWithLargeType)
     picture((std::string("large-settings-") + GetParam()).c_str());
 }
 
-TEST_P(PanelInEachLanguage, AtItsFirstSizeNothingScrolls)
+TEST_P(PanelInEachLanguage, InTheRoomThatItsWindowGivesNothingScrolls)
 {
     for (const bool isLarge : {false, true}) {
         if (isLarge)
             useLargeFont();
         load(GetParam());
-        // As the host does it.
+        HostWindow window;
         pane->willSelect();
-        view->resize(HostWindow::firstSize(*view));
-        view->show();
+        window.setView(view.get(), {}, {});
+        window.show();
         pane->didSelect();
         settle();
         turnOn();
         for (int index = 0; index < tabs()->count(); ++index) {
             tabs()->setCurrentIndex(index);
-            QCoreApplication::processEvents();
+            settle();
             for (const auto* area : page(index)->findChildren<PageScroller*>())
                 EXPECT_EQ(area->verticalScrollBar()->maximum(), 0)
                     << area->objectName().toStdString() << (isLarge ? " in large type" : "");
         }
+        view->setParent(nullptr);
     }
+}
+
+TEST_F(Panel, AWindowWhoseHeightSomebodyChoseKeepsItWhenAnotherPageNeedsMore)
+{
+    load();
+    show(); // the next showing begins with the devices
+    load();
+    HostWindow window;
+    pane->willSelect();
+    window.setView(view.get(), {}, {});
+    window.show();
+    pane->didSelect();
+    settle();
+    ASSERT_EQ(tabs()->currentIndex(), 0);
+    window.resize(window.width(), 300);
+    tabs()->setCurrentIndex(1);
+    settle();
+    EXPECT_EQ(window.height(), 300);
+    EXPECT_GT(page(1)->findChild<PageScroller*>()->verticalScrollBar()->maximum(), 0);
+    view->setParent(nullptr);
 }
 
 TEST_P(PanelInEachLanguage, NoShortcutIsGivenTwiceOnOnePage)

@@ -97,6 +97,11 @@ def wait(what, condition, limit=10.0):
     return found
 
 
+def seen(role, beginning, program="farview-preferences"):
+    """The same, waited for: while a program leaves, the list of programs may lack another one for a moment."""
+    return wait(f"\"{beginning}\" is there", lambda: find(role, beginning, program))
+
+
 # --- hands and eyes -------------------------------------------------------------------------------------------
 
 def windows_of_compositor():

@@ -16,9 +16,9 @@ import pyatspi  # noqa: E402
 
 from touring import looks  # noqa: E402
 from touring.desk import (  # noqa: E402
-    click, click_at, drag, enabled, failures, find, FOLDER, LOOK, number_of_windows, place_of, press, ROOT, running,
-    say, seen, SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND, windows_of,
-    WORDS, write_steps)
+    children, click, click_at, drag, enabled, failures, find, FOLDER, LOOK, number_of_windows, place_of, press, ROOT,
+    running, say, seen, SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND,
+    windows_of, WORDS, write_steps)
 
 HOME = os.environ["HOME"]
 OFF = "Farview is currently turned off."

@@ -38,6 +38,21 @@ protected:
         find<QAbstractButton>("onTextButton")->click();
         settle();
     }
+    /// The view in the host's window, which gives it back when it goes, however the test ends.
+    auto showInHost()
+    {
+        const auto giveBack = [this](HostWindow* window) {
+            view->setParent(nullptr);
+            delete window;
+        };
+        std::unique_ptr<HostWindow, decltype(giveBack)> window(new HostWindow, giveBack);
+        pane->willSelect();
+        window->setView(view.get(), {}, {});
+        window->show();
+        pane->didSelect();
+        settle();
+        return window;
+    }
     /// Whether everything on that page has the room it needs.
     void expectNothingIsCut(int index)
     {
@@ -250,12 +265,7 @@ TEST_P(PanelInEachLanguage, InTheRoomThatItsWindowGivesNothingScrolls)
         if (isLarge)
             useLargeFont();
         load(GetParam());
-        HostWindow window;
-        pane->willSelect();
-        window.setView(view.get(), {}, {});
-        window.show();
-        pane->didSelect();
-        settle();
+        const auto window = showInHost();
         turnOn();
         for (int index = 0; index < tabs()->count(); ++index) {
             tabs()->setCurrentIndex(index);
@@ -264,7 +274,6 @@ TEST_P(PanelInEachLanguage, InTheRoomThatItsWindowGivesNothingScrolls)
                 EXPECT_EQ(area->verticalScrollBar()->maximum(), 0)
                     << area->objectName().toStdString() << (isLarge ? " in large type" : "");
         }
-        view->setParent(nullptr);
     }
 }
 
@@ -273,19 +282,13 @@ TEST_F(Panel, AWindowWhoseHeightSomebodyChoseKeepsItWhenAnotherPageNeedsMore)
     load();
     show(); // the next showing begins with the devices
     load();
-    HostWindow window;
-    pane->willSelect();
-    window.setView(view.get(), {}, {});
-    window.show();
-    pane->didSelect();
-    settle();
+    const auto window = showInHost();
     ASSERT_EQ(tabs()->currentIndex(), 0);
-    window.resize(window.width(), 300);
+    window->resize(window->width(), 300);
     tabs()->setCurrentIndex(1);
     settle();
-    EXPECT_EQ(window.height(), 300);
+    EXPECT_EQ(window->height(), 300);
     EXPECT_GT(page(1)->findChild<PageScroller*>()->verticalScrollBar()->maximum(), 0);
-    view->setParent(nullptr);
 }
 
 TEST_P(PanelInEachLanguage, NoShortcutIsGivenTwiceOnOnePage)

@@ -7,7 +7,7 @@ namespace farview
 {
 
 /// The in-process centre. It needs nothing of the desktop, so every platform has this one body.
-class LocalNotificationCenter final : public NotificationCenter
+class LocalNotificationCenter : public NotificationCenter
 {
 public:
     void addObserver(std::weak_ptr<void> observer, NotificationHandler handler, std::string name,

@@ -31,18 +31,21 @@ namespace farview
 namespace
 {
 
-class NoAccessibility final : public Accessibility
+/// The body of an interface that does nothing and finds nothing.
+template <typename Interface> class No;
+
+template <> class No<Accessibility> final : public Accessibility
 {
     bool isEnabled() const override { return false; }
 };
 
-class NoApplication final : public Application
+template <> class No<Application> final : public Application
 {
     bool activateWithOptions(unsigned) override { return false; }
     bool reopen() override { return false; }
 };
 
-class NoAuthorization final : public Authorization
+template <> class No<Authorization> final : public Authorization
 {
     Obstacle obstacleOf(const URL& tool) override { return {Obstacle::Kind::missing, tool.path()}; }
     void foresee(const URL&, std::weak_ptr<void> target, Answer then) override
@@ -64,13 +67,13 @@ class NoAuthorization final : public Authorization
     }
 };
 
-class NoBundles final : public Bundles
+template <> class No<Bundles> final : public Bundles
 {
     std::shared_ptr<Bundle> bundleWithPath(const std::string&) override { return nullptr; }
     std::shared_ptr<Bundle> bundleWithIdentifier(const std::string&) override { return nullptr; }
 };
 
-class NoClock final : public Clock
+template <> class No<Clock> final : public Clock
 {
     std::chrono::system_clock::time_point date() override { return {}; }
 };
@@ -82,7 +85,7 @@ class NoBrowser final : public NetServiceBrowser
     void stop() override {}
 };
 
-class NoDiscovery final : public Discovery
+template <> class No<Discovery> final : public Discovery
 {
     std::shared_ptr<NetServiceBrowser> makeBrowser() override
     {
@@ -93,7 +96,7 @@ class NoDiscovery final : public Discovery
     Subscription observeCondition(std::function<void()>) override { return {}; }
 };
 
-class NoDisplayConfiguration final : public DisplayConfiguration
+template <> class No<DisplayConfiguration> final : public DisplayConfiguration
 {
     Error onlineDisplayList(std::span<Display>, std::uint32_t&) override
     {
@@ -112,7 +115,7 @@ class NoDisplayConfiguration final : public DisplayConfiguration
     Error completeConfiguration(Transaction, std::uint32_t) override { return invalidConnection; }
 };
 
-class NoDistributedNotificationCenter final : public DistributedNotificationCenter
+template <> class No<DistributedNotificationCenter> final : public DistributedNotificationCenter
 {
     void addObserver(std::weak_ptr<void>, NotificationHandler, std::string, std::string) override {}
     void removeObserver(const std::weak_ptr<void>&) override {}
@@ -127,7 +130,7 @@ class NoDistributedNotificationCenter final : public DistributedNotificationCent
     Subscription observeReconnection(std::function<void()>) override { return {}; }
 };
 
-class NoFileManager final : public FileManager
+template <> class No<FileManager> final : public FileManager
 {
     bool fileExistsAtPath(const std::string&) override { return false; }
     bool createDirectoryAtPath(const std::string&) override { return false; }
@@ -139,12 +142,12 @@ class NoFileManager final : public FileManager
     bool writeData(std::span<const std::uint8_t>, const std::string&) override { return false; }
 };
 
-class NoFirewall final : public Firewall
+template <> class No<Firewall> final : public Firewall
 {
     FirewallState state() override { return {}; }
 };
 /// A port to services, of which there are none.
-class NoGraphicsControl final : public GraphicsControl
+template <> class No<GraphicsControl> final : public GraphicsControl
 {
     Result masterPort(Object& port) override
     {
@@ -177,7 +180,7 @@ class NoGraphicsControl final : public GraphicsControl
     }
 };
 
-class NoRegistry final : public IORegistry
+template <> class No<IORegistry> final : public IORegistry
 {
     Entry rootEntry() override { return 0; }
     std::vector<Entry> childEntries(Entry, const std::string&) override { return {}; }
@@ -191,19 +194,19 @@ class NoRegistry final : public IORegistry
     Entry entryFromPath(const std::string&) override { return 0; }
 };
 
-class NoLog final : public Log
+template <> class No<Log> final : public Log
 {
     void write(LogLevel, std::string_view) override {}
 };
 
-class NoLoginItem final : public LoginItem
+template <> class No<LoginItem> final : public LoginItem
 {
     bool isEnabled() override { return false; }
     bool enable(const Command&) override { return false; }
     bool disable() override { return true; }
 };
 
-class NoNetworkCondition final : public NetworkCondition
+template <> class No<NetworkCondition> final : public NetworkCondition
 {
     void ask(std::weak_ptr<void> target, Answer then) override
     {
@@ -212,7 +215,7 @@ class NoNetworkCondition final : public NetworkCondition
     }
 };
 
-class NoPreferences final : public Preferences
+template <> class No<Preferences> final : public Preferences
 {
     std::optional<PropertyList> copyAppValue(const std::string&, const std::string&) override
     {
@@ -233,7 +236,7 @@ class NoPreferences final : public Preferences
     bool appSynchronize(const std::string&) override { return false; }
 };
 
-class NoProcessTable final : public ProcessTable
+template <> class No<ProcessTable> final : public ProcessTable
 {
     int size(std::size_t&) override { return ENOSYS; }
     int contents(std::span<ProcessRecord>, std::size_t&) override { return ENOSYS; }
@@ -250,7 +253,7 @@ class SpentWait final : public RunLoop::Wait
     void stop() override {}
 };
 
-class NoRunLoop final : public RunLoop
+template <> class No<RunLoop> final : public RunLoop
 {
     std::shared_ptr<Timer> scheduledTimer(Duration, bool, std::weak_ptr<void>, Action) override
     {
@@ -264,19 +267,19 @@ class NoRunLoop final : public RunLoop
     Duration now() const override { return Duration::zero(); }
 };
 
-class NoSearchPaths final : public SearchPaths
+template <> class No<SearchPaths> final : public SearchPaths
 {
     std::vector<std::string> directories(SearchPathDirectory, unsigned) override { return {}; }
     std::string located(const std::string& path) override { return path; }
     std::string homeDirectory() override { return {}; }
 };
 
-class NoSystemVersion final : public SystemVersion
+template <> class No<SystemVersion> final : public SystemVersion
 {
     std::optional<std::int32_t> gestalt(SystemVersionQuery) override { return std::nullopt; }
 };
 
-class NoText final : public Text
+template <> class No<Text> final : public Text
 {
     std::string lowercase(std::string_view text) const override { return std::string(text); }
     std::string uppercase(std::string_view text) const override { return std::string(text); }
@@ -308,7 +311,7 @@ class NoUpdater final : public Updater
     bool mChecks = false;
 };
 
-class NoUpdaters final : public Updaters
+template <> class No<Updaters> final : public Updaters
 {
     std::shared_ptr<Updater> updaterForBundle(const std::string&) override
     {
@@ -316,66 +319,51 @@ class NoUpdaters final : public Updaters
     }
 };
 
-class NoWorkspace final : public Workspace
+template <> class No<Workspace> final : public Workspace
 {
     bool launchApplicationAtURL(const URL&, unsigned) override { return false; }
     bool openURL(const URL&) override { return false; }
 };
 
-struct NothingHere {
-    NoAccessibility accessibility;
-    NoApplication application;
-    NoAuthorization authorization;
-    NoBundles bundles;
-    NoClock clock;
-    NoDiscovery discovery;
-    NoDisplayConfiguration displayConfiguration;
-    NoDistributedNotificationCenter distributedNotificationCenter;
-    NoFileManager fileManager;
-    NoFirewall firewall;
-    NoGraphicsControl graphicsControl;
-    NoRegistry registry;
-    NoLog log;
-    NoLoginItem loginItem;
-    NoNetworkCondition networkCondition;
-    LocalNotificationCenter notificationCenter;
-    NoPreferences preferences;
-    NoProcessTable processTable;
-    NoRunLoop runLoop;
-    NoSearchPaths searchPaths;
-    NoSystemVersion systemVersion;
-    NoText text;
-    NoUpdaters updaters;
-    NoWorkspace workspace;
-};
-
-NothingHere& nothingHere()
+template <> class No<NotificationCenter> final : public LocalNotificationCenter
 {
-    static NothingHere bodies;
-    return bodies;
-}
+};
 
 Platform* installed = nullptr;
 unsigned installations = 0;
 
 } // namespace
 
-Platform::Platform()
-    : accessibility(&nothingHere().accessibility), application(&nothingHere().application),
-      authorization(&nothingHere().authorization), bundles(&nothingHere().bundles),
-      clock(&nothingHere().clock), discovery(&nothingHere().discovery),
-      displayConfiguration(&nothingHere().displayConfiguration),
-      distributedNotificationCenter(&nothingHere().distributedNotificationCenter),
-      fileManager(&nothingHere().fileManager), firewall(&nothingHere().firewall),
-      graphicsControl(&nothingHere().graphicsControl), registry(&nothingHere().registry),
-      log(&nothingHere().log), loginItem(&nothingHere().loginItem),
-      notificationCenter(&nothingHere().notificationCenter),
-      preferences(&nothingHere().preferences), processTable(&nothingHere().processTable),
-      runLoop(&nothingHere().runLoop), searchPaths(&nothingHere().searchPaths),
-      systemVersion(&nothingHere().systemVersion), text(&nothingHere().text),
-      updaters(&nothingHere().updaters), workspace(&nothingHere().workspace)
+template <typename Interface> Interface* nothingHere()
 {
+    static No<Interface> body;
+    return &body;
 }
+
+template Accessibility* nothingHere();
+template Application* nothingHere();
+template Authorization* nothingHere();
+template Bundles* nothingHere();
+template Clock* nothingHere();
+template Discovery* nothingHere();
+template DisplayConfiguration* nothingHere();
+template DistributedNotificationCenter* nothingHere();
+template FileManager* nothingHere();
+template Firewall* nothingHere();
+template GraphicsControl* nothingHere();
+template IORegistry* nothingHere();
+template Log* nothingHere();
+template LoginItem* nothingHere();
+template NetworkCondition* nothingHere();
+template NotificationCenter* nothingHere();
+template Preferences* nothingHere();
+template ProcessTable* nothingHere();
+template RunLoop* nothingHere();
+template SearchPaths* nothingHere();
+template SystemVersion* nothingHere();
+template Text* nothingHere();
+template Updaters* nothingHere();
+template Workspace* nothingHere();
 
 Platform& Platform::current()
 {

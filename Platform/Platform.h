@@ -28,37 +28,55 @@ class Text;
 class Updaters;
 class Workspace;
 
-/// Everything that the system needs of a desktop. Each reference is preset to a complete body that
-/// does nothing and finds nothing, so a program only fills in what it uses. Does not own the
-/// bodies.
-struct Platform {
-    /// Preset to the empty bodies.
-    Platform();
+/// The complete body of an interface that does nothing and finds nothing. Defined for each
+/// interface that `Platform` names; one that is missing does not link.
+template <typename Interface> Interface* nothingHere();
 
-    Accessibility* accessibility;
-    Application* application;
-    Authorization* authorization;
-    Bundles* bundles;
-    Clock* clock;
-    Discovery* discovery;
-    DisplayConfiguration* displayConfiguration;
-    DistributedNotificationCenter* distributedNotificationCenter;
-    FileManager* fileManager;
-    Firewall* firewall;
-    GraphicsControl* graphicsControl;
-    IORegistry* registry;
-    Log* log;
-    LoginItem* loginItem;
-    NetworkCondition* networkCondition;
-    NotificationCenter* notificationCenter;
-    Preferences* preferences;
-    ProcessTable* processTable;
-    RunLoop* runLoop;
-    SearchPaths* searchPaths;
-    SystemVersion* systemVersion;
-    Text* text;
-    Updaters* updaters;
-    Workspace* workspace;
+/// A pointer to the body of an interface, never null: preset to the one that does nothing. Does not
+/// own it.
+template <typename Interface> class Body
+{
+public:
+    Body() = default;
+    Body& operator=(Interface* body)
+    {
+        mBody = body;
+        return *this;
+    }
+    Interface* operator->() const { return mBody; }
+    Interface& operator*() const { return *mBody; }
+    operator Interface*() const { return mBody; }
+
+private:
+    Interface* mBody = nothingHere<Interface>();
+};
+
+/// Everything that the system needs of a desktop. A program only fills in what it uses.
+struct Platform {
+    Body<Accessibility> accessibility;
+    Body<Application> application;
+    Body<Authorization> authorization;
+    Body<Bundles> bundles;
+    Body<Clock> clock;
+    Body<Discovery> discovery;
+    Body<DisplayConfiguration> displayConfiguration;
+    Body<DistributedNotificationCenter> distributedNotificationCenter;
+    Body<FileManager> fileManager;
+    Body<Firewall> firewall;
+    Body<GraphicsControl> graphicsControl;
+    Body<IORegistry> registry;
+    Body<Log> log;
+    Body<LoginItem> loginItem;
+    Body<NetworkCondition> networkCondition;
+    Body<NotificationCenter> notificationCenter;
+    Body<Preferences> preferences;
+    Body<ProcessTable> processTable;
+    Body<RunLoop> runLoop;
+    Body<SearchPaths> searchPaths;
+    Body<SystemVersion> systemVersion;
+    Body<Text> text;
+    Body<Updaters> updaters;
+    Body<Workspace> workspace;
 
     /// The one installed in this module; the empty one when none is. Only for functions whose fixed
     /// name leaves no parameter for it.

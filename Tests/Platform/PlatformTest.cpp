@@ -4,6 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <new>
+
 using farview::FakePlatform;
 using farview::Platform;
 
@@ -25,6 +30,21 @@ TEST(Platform, IsEmptyAndSafeToCallUntilOneIsInstalled)
     EXPECT_FALSE(empty.runLoop->scheduledTimer({}, true, target, [] {})->isValid());
     empty.runLoop->run({}, target, [] {})->stop();
     empty.discovery->makeBrowser()->searchForServicesOfType("_type._udp", "local.");
+}
+
+TEST(Platform, KnowsABodyOfEveryInterfaceBeforeAnythingIsFilledIn)
+{
+    // Memory that was used before: a pointer that nobody set would keep these bytes.
+    alignas(Platform) std::array<std::byte, sizeof(Platform)> memory;
+    memory.fill(std::byte{0xa5});
+    const auto* made = new (memory.data()) Platform;
+    const auto& empty = Platform::current();
+    EXPECT_EQ(made->networkCondition, empty.networkCondition);
+    EXPECT_EQ(std::memcmp(made, &empty, sizeof(Platform)), 0);
+    auto answer = farview::NetworkKind::metered;
+    const auto target = std::make_shared<int>();
+    made->networkCondition->ask(target, [&](farview::NetworkKind kind) { answer = kind; });
+    EXPECT_EQ(answer, farview::NetworkKind::absent);
 }
 
 TEST(Platform, AScopeInstallsAndRestores)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Platform/Desktop/DBusNotificationCenter.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/SessionBus.h"
 #include "Platform/Log.h"
 
 #include <QDBusConnection>

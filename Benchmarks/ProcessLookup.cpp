@@ -7,7 +7,7 @@
 #include "Common/FVEConstants.h"
 #include "Common/GetPID.h"
 #include "Platform/Platform.h"
-#include "Platform/Posix/PosixProcessTable.h"
+#include "Platform/Posix/Processes/PosixProcessTable.h"
 
 #include <cstdio>
 #include <cstdlib>

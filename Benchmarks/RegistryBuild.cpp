@@ -5,7 +5,7 @@
 
 #include "Benchmarks/Figures.h"
 #include "Common/Registry/QLNRegistryExplorer.h"
-#include "Platform/Posix/SysfsRegistry.h"
+#include "Platform/Posix/Registry/SysfsRegistry.h"
 #include "Platform/Text.h"
 
 #include <cstdio>

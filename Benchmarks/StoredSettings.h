@@ -2,7 +2,7 @@
 
 #include "Common/FVEPreferences.h"
 #include "Platform/Log.h"
-#include "Platform/Posix/FilePreferences.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <string>

@@ -5,7 +5,7 @@
 
 #include "Benchmarks/Figures.h"
 #include "Benchmarks/SleepingProcesses.h"
-#include "Platform/Posix/PosixProcessTable.h"
+#include "Platform/Posix/Processes/PosixProcessTable.h"
 #include "Tests/Source/PaneFixture.h"
 
 #include <array>

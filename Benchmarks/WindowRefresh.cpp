@@ -4,7 +4,7 @@
 // usage: window-refresh BUNDLE [Google Benchmark's options]
 
 #include "Benchmarks/DisplayRefresh.h"
-#include "Controls/Qt/InterfaceFile.h"
+#include "Controls/Qt/Forms/InterfaceFile.h"
 
 #include <QApplication>
 

@@ -26,6 +26,7 @@ endfunction()
 function(farview_pane_library TARGET CONTENTS)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_library(${TARGET} MODULE ${ARG_SOURCES})
+  set_property(GLOBAL APPEND PROPERTY FARVIEW_PRODUCT_TARGETS ${TARGET})
   target_link_libraries(${TARGET} PRIVATE farview_options ${ARG_LINK})
   # Of everything linked in, other modules see only what makes it a plug-in.
   set(exported "${CMAKE_SOURCE_DIR}/PaneBundle/ExportedSymbols.map")

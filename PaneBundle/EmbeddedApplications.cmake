@@ -5,7 +5,8 @@ function(farview_embed_application NAME)
     return()
   endif()
   set(contents "${CMAKE_BINARY_DIR}/Farview Preferences.prefPane/Contents/Resources/${NAME}.app/Contents")
-  configure_file("${CMAKE_SOURCE_DIR}/Applications/${NAME}/Info.plist.in" "${contents}/Info.plist" @ONLY)
+  get_target_property(folder ${NAME} SOURCE_DIR)
+  configure_file("${folder}/Info.plist.in" "${contents}/Info.plist" @ONLY)
   set(copy "${contents}/Linux/${NAME}")
   add_custom_command(OUTPUT "${copy}"
     COMMAND ${CMAKE_COMMAND} -E make_directory "${contents}/Linux"

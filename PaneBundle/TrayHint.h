@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Controls/Control.h"
-#include "Platform/Desktop/TrayWatcher.h"
+#include "Platform/Desktop/Looks/TrayWatcher.h"
 
 #include <memory>
 #include <string>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Common/FVEChiseledTextButton.h"
-#include "Common/QLNOnOffView.h"
 #include "Controls/InterfaceOwner.h"
 #include "Controls/Menu.h"
+#include "Controls/Switch/FVEChiseledTextButton.h"
+#include "Controls/Switch/QLNOnOffView.h"
 #include "Controls/TabView.h"
 #include "Controls/TableView.h"
 

@@ -5,11 +5,11 @@
 #include "Applications/Device/OtherDevices.h"
 #include "Applications/TerminationSignals.h"
 #include "Controls/Qt/DesktopLook.h"
-#include "Platform/Desktop/AppearancePortal.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
-#include "Platform/Desktop/SessionBus.h"
-#include "Platform/Posix/MachineIdentifier.h"
+#include "Platform/Desktop/Looks/AppearancePortal.h"
+#include "Platform/Posix/Settings/MachineIdentifier.h"
 
 #include <QApplication>
 #include <QSysInfo>

@@ -1,8 +1,8 @@
 #include "Applications/Doctor/BusProbe.h"
 
+#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/Discovery/AvahiDaemonLink.h"
-#include "Platform/Desktop/PolkitAuthorization.h"
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Rights/PolkitAuthorization.h"
 
 namespace farview
 {
@@ -72,11 +72,11 @@ BusFacts busFacts()
 {
     BusFacts facts;
     facts.sessionAddress = SessionBus::address().toStdString();
-    facts.session = knockAtBus(facts.sessionAddress, patience);
+    facts.session = checkBus(facts.sessionAddress, patience);
     facts.systemAddress = AvahiDaemonLink::systemBusAddress().toStdString();
-    facts.system = knockAtBus(facts.systemAddress, patience);
+    facts.system = checkBus(facts.systemAddress, patience);
     const auto fixed = PolkitPlaces().busAddress.toStdString();
-    facts.polkit = fixed == facts.systemAddress ? facts.system : knockAtBus(fixed, patience);
+    facts.polkit = fixed == facts.systemAddress ? facts.system : checkBus(fixed, patience);
     return facts;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Applications/Doctor/Finding.h"
-#include "Platform/Desktop/BusHandshake.h"
+#include "Platform/Desktop/Bus/BusHandshake.h"
 
 #include <string>
 
@@ -20,7 +20,7 @@ struct BusFacts {
     bool isSessionUsed = false;
 };
 
-/// Knocks at both buses, for at most a second. `isSessionUsed` is left to who has a connection.
+/// Checks both buses, for at most a second. `isSessionUsed` is left to who has a connection.
 BusFacts busFacts();
 Findings findingsAboutBus(const BusFacts& facts);
 

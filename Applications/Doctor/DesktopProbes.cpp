@@ -1,10 +1,10 @@
 #include "Applications/Doctor/DesktopProbes.h"
 
 #include "Platform/Accessibility.h"
-#include "Platform/Desktop/RandrConnection.h"
-#include "Platform/Desktop/SessionBus.h"
-#include "Platform/Desktop/SessionKind.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Screens/X11/RandrConnection.h"
 #include "Platform/Platform.h"
+#include "Platform/Posix/Environment.h"
 
 #include <QDBusReply>
 #include <QDBusVariant>

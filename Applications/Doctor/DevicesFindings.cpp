@@ -3,7 +3,7 @@
 #include "Common/FVEConstants.h"
 #include "Common/FVEPreferences.h"
 #include "Platform/Platform.h"
-#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
 #include "Platform/Preferences.h"
 
 #include <algorithm>

@@ -26,7 +26,7 @@ std::unique_ptr<Notebook> emptyNotebook()
 
 } // namespace
 
-BusFacts knockAtBuses()
+BusFacts checkBuses()
 {
     BusFacts facts = busFacts();
     if (facts.session == BusAnswer::silent)
@@ -55,9 +55,10 @@ void DoctorProgram::examine(std::function<void(Area)> areaBegun, std::function<v
     mNotebook = emptyNotebook();
     const PosixSearchPaths paths(EnvironmentUse::honoured);
     mExamination = std::make_shared<Examination>(
-        Patient{mDesktop.platform(), mDesktop.sessionBus(), mBuses, mPane, paths.extensionFolders(),
-                applicationSupportPath() + "/" + kFVEApplicationSupportFolderName + "/" +
-                    kSeenDevicesForAutoConnectTableFilename},
+        DiagnosisContext{mDesktop.platform(), mDesktop.sessionBus(), mBuses, mPane,
+                         paths.extensionFolders(),
+                         applicationSupportPath() + "/" + kFVEApplicationSupportFolderName + "/" +
+                             kSeenDevicesForAutoConnectTableFilename},
         *mNotebook, DevicesProbe::Times{});
     mExamination->start(std::move(areaBegun), std::move(ended));
 }

@@ -12,15 +12,15 @@ namespace farview
 
 class Bundle;
 
-/// To be called before the application object is made and any bus is used: knocks at both buses,
+/// To be called before the application object is made and any bus is used: checks both buses,
 /// and for this process takes one that does not answer for absent, so that nothing waits for it.
-BusFacts knockAtBuses();
+BusFacts checkBuses();
 
 /// The composition of an examination: the platform with its real bodies, and the pane's bundle.
 class DoctorProgram
 {
 public:
-    /// `buses` is what `knockAtBuses` found.
+    /// `buses` is what `checkBuses` found.
     explicit DoctorProgram(BusFacts buses);
 
     /// The text in the user's language, from the pane's catalogues; itself where there is none.

@@ -4,8 +4,8 @@
 #include "Common/Registry/QLNRegistryExplorer.h"
 #include "Platform/Bundle.h"
 #include "Platform/Platform.h"
-#include "Platform/Posix/DriverExtensions.h"
 #include "Platform/Posix/FolderListing.h"
+#include "Platform/Posix/Registry/DriverExtensions.h"
 
 #include <algorithm>
 #include <utility>

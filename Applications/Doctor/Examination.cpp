@@ -5,9 +5,9 @@
 #include "Applications/Doctor/PreferencesProbe.h"
 #include "Applications/Doctor/ProcessesProbe.h"
 #include "Applications/Doctor/VersionsProbe.h"
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Platform.h"
-#include "Platform/Posix/PreferencesLocations.h"
+#include "Platform/Posix/Settings/PreferencesLocations.h"
 
 #include <utility>
 
@@ -24,8 +24,8 @@ const std::vector<Examination::QuickProbe> Examination::quickProbes = {
     {Area::display, &Examination::examineDisplay},
 };
 
-Examination::Examination(Patient patient, Notebook& notebook, DevicesProbe::Times times)
-    : mPatient(std::move(patient)), mNotebook(notebook), mTimes(times)
+Examination::Examination(DiagnosisContext context, Notebook& notebook, DevicesProbe::Times times)
+    : mContext(std::move(context)), mNotebook(notebook), mTimes(times)
 {
 }
 
@@ -35,7 +35,7 @@ void Examination::start(std::function<void(Area)> areaBegun, std::function<void(
 {
     mAreaBegun = std::move(areaBegun);
     mEnded = std::move(ended);
-    auto& loop = *mPatient.platform.runLoop;
+    auto& loop = *mContext.platform.runLoop;
     loop.performAfterDelay(Duration(0), weak_from_this(), [this] { examineNext(); });
     loop.performAfterDelay(limit, weak_from_this(), [this] {
         end(mDevices ? mDevices->devices() : std::vector<DeviceFact>{}, 0, false);
@@ -51,53 +51,53 @@ void Examination::examineNext()
     const QuickProbe& probe = quickProbes[mNext++];
     mAreaBegun(probe.area);
     mNotebook.add((this->*probe.step)());
-    mPatient.platform.runLoop->performAfterDelay(Duration(0), weak_from_this(),
+    mContext.platform.runLoop->performAfterDelay(Duration(0), weak_from_this(),
                                                  [this] { examineNext(); });
 }
 
 Findings Examination::examineVersions()
 {
-    return findingsAboutVersions(versionFacts(mPatient.platform, mPatient.pane.get()));
+    return findingsAboutVersions(versionFacts(mContext.platform, mContext.pane.get()));
 }
 
 Findings Examination::examineBus()
 {
-    mPatient.busFacts.isSessionUsed = mPatient.bus.isConnected();
-    return findingsAboutBus(mPatient.busFacts);
+    mContext.busFacts.isSessionUsed = mContext.bus.isConnected();
+    return findingsAboutBus(mContext.busFacts);
 }
 
 Findings Examination::examineDriver()
 {
-    return findingsAboutDriver(driverFacts(mPatient.platform, mPatient.extensionFolders));
+    return findingsAboutDriver(driverFacts(mContext.platform, mContext.extensionFolders));
 }
 
 Findings Examination::examineProcesses()
 {
-    return findingsAboutProcesses(processFacts(mPatient.platform, mPatient.bus));
+    return findingsAboutProcesses(processFacts(mContext.platform, mContext.bus));
 }
 
 Findings Examination::examinePreferences()
 {
     return findingsAboutPreferences(
-        preferencesFacts(PreferencesLocations(EnvironmentUse::honoured), mPatient.seenDevicesFile));
+        preferencesFacts(PreferencesLocations(EnvironmentUse::honoured), mContext.seenDevicesFile));
 }
 
 Findings Examination::examineAccessibility()
 {
-    return findingsAboutAccessibility(accessibilityFacts(mPatient.platform));
+    return findingsAboutAccessibility(accessibilityFacts(mContext.platform));
 }
 
-Findings Examination::examineDisplay() { return findingsAboutDisplay(displayFacts(mPatient.bus)); }
+Findings Examination::examineDisplay() { return findingsAboutDisplay(displayFacts(mContext.bus)); }
 
 void Examination::lookForDevices()
 {
     askForRights();
     mAreaBegun(Area::devices);
     // Which way devices are found is asked beside the search, which does not tell.
-    mDaemon = std::make_unique<AvahiDaemonLink>(*mPatient.platform.log);
+    mDaemon = std::make_unique<AvahiDaemonLink>(*mContext.platform.log);
     mDaemon->look();
-    mDevices = std::make_shared<DevicesProbe>(*mPatient.platform.discovery,
-                                              *mPatient.platform.runLoop, mTimes);
+    mDevices = std::make_shared<DevicesProbe>(*mContext.platform.discovery,
+                                              *mContext.platform.runLoop, mTimes);
     mDevices->start([this](std::vector<DeviceFact> devices, std::size_t more) {
         end(std::move(devices), more, true);
     });
@@ -106,16 +106,16 @@ void Examination::lookForDevices()
 /// Answered while devices are looked for, or not at all.
 void Examination::askForRights()
 {
-    mRights = polkitFacts(mPatient.platform, mPatient.pane.get());
-    if (mPatient.busFacts.polkit != BusAnswer::silent)
-        askForPolkitFacts(mPatient.platform, mPatient.pane.get(), weak_from_this(),
+    mRights = polkitFacts(mContext.platform, mContext.pane.get());
+    if (mContext.busFacts.polkit != BusAnswer::silent)
+        askForPolkitFacts(mContext.platform, mContext.pane.get(), weak_from_this(),
                           [this](const PolkitFacts& facts) { mRights = facts; });
 }
 
 DiscoveryFacts Examination::discoveryFacts() const
 {
     return {mDaemon && mDaemon->presence() == AvahiDaemonLink::Presence::present,
-            mPatient.platform.discovery->condition(), interfaceFacts()};
+            mContext.platform.discovery->condition(), interfaceFacts()};
 }
 
 void Examination::end(std::vector<DeviceFact> devices, std::size_t more, bool isComplete)
@@ -127,7 +127,7 @@ void Examination::end(std::vector<DeviceFact> devices, std::size_t more, bool is
     mNotebook.add(findingsAboutDiscovery(discoveryFacts()));
     mNotebook.add(
         findingsAboutDevices({std::move(devices), more,
-                              rememberedDevices(mPatient.platform, mPatient.seenDevicesFile)}));
+                              rememberedDevices(mContext.platform, mContext.seenDevicesFile)}));
     if (isComplete)
         mNotebook.setComplete();
     ended();

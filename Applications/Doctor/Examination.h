@@ -20,7 +20,7 @@ class SessionBus;
 struct Platform;
 
 /// What an examination looks at, beside the environment.
-struct Patient {
+struct DiagnosisContext {
     Platform& platform;
     SessionBus& bus;
     BusFacts busFacts; ///< found out before anything used a bus
@@ -38,7 +38,7 @@ public:
     /// Before this is over the run has ended, complete or not.
     static constexpr Duration limit{9.0};
 
-    Examination(Patient patient, Notebook& notebook, DevicesProbe::Times times);
+    Examination(DiagnosisContext context, Notebook& notebook, DevicesProbe::Times times);
     ~Examination();
 
     /// Begins, once. `areaBegun` is called before each area is examined, `ended` at the end, both
@@ -66,7 +66,7 @@ private:
     void end(std::vector<DeviceFact> devices, std::size_t more, bool isComplete);
     DiscoveryFacts discoveryFacts() const;
 
-    Patient mPatient;
+    DiagnosisContext mContext;
     Notebook& mNotebook;
     DevicesProbe::Times mTimes;
     std::size_t mNext = 0;

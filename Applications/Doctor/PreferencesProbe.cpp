@@ -2,8 +2,8 @@
 
 #include "Common/FVEConstants.h"
 #include "Platform/Posix/FolderListing.h"
-#include "Platform/Posix/PreferencesLocations.h"
-#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
+#include "Platform/Posix/Settings/PreferencesLocations.h"
 
 #include <unistd.h>
 

@@ -3,9 +3,9 @@
 #include "Common/FVEConstants.h"
 #include "Common/FVEPreferences.h"
 #include "Common/GetPID.h"
-#include "Platform/Desktop/ForgetfulBodies.h"
-#include "Platform/Desktop/SessionBus.h"
-#include "Platform/Desktop/SingleInstance.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Bus/SingleInstance.h"
+#include "Platform/Desktop/OverlayBodies.h"
 #include "Platform/Platform.h"
 
 #include <array>
@@ -53,7 +53,7 @@ bool readProgram(const char* name, ProgramFact& program)
 void readSettings(Platform& platform, ProcessFacts& facts)
 {
     const Platform nowhere;
-    ForgetfulPreferences stored(*platform.preferences);
+    OverlayPreferences stored(*platform.preferences);
     FVEPreferences settings(stored, *nowhere.distributedNotificationCenter);
     facts.isSwitchedOn = settings.currentState() == 1;
     facts.showsStatusItem = settings.showInMenuBar();

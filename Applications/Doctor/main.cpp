@@ -1,6 +1,6 @@
 #include "Applications/Doctor/DoctorArguments.h"
 #include "Applications/Doctor/DoctorProgram.h"
-#include "Applications/Doctor/LastResort.h"
+#include "Applications/Doctor/HangWatchdog.h"
 #include "Applications/Doctor/Report.h"
 
 #include <QCoreApplication>
@@ -33,10 +33,10 @@ int conclude(const DoctorProgram& program, bool asJSON)
 
 int run(int argc, char** argv, bool asJSON)
 {
-    const BusFacts buses = knockAtBuses();
+    const BusFacts buses = checkBuses();
     const QCoreApplication application(argc, argv);
     DoctorProgram program(buses);
-    const LastResort lastResort(hangLimit, [&] { return conclude(program, asJSON); });
+    const HangWatchdog watchdog(hangLimit, [&] { return conclude(program, asJSON); });
     program.examine([](Area) {}, [] { QCoreApplication::quit(); });
     QCoreApplication::exec();
     return conclude(program, asJSON);

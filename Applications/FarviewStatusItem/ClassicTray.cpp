@@ -2,7 +2,7 @@
 
 #include "Applications/FarviewStatusItem/MenuLayout.h"
 #include "Applications/FarviewStatusItem/TrayIcons.h"
-#include "Controls/Qt/PlainText.h"
+#include "Controls/Qt/Text/PlainText.h"
 
 #include <QCursor>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 #include "Applications/FarviewStatusItem/DBusMenu.h"
 
 #include "Applications/FarviewStatusItem/StatusMenu.h"
-#include "Controls/Qt/PlainText.h"
+#include "Controls/Qt/Text/PlainText.h"
 
 #include <QGuiApplication>
 

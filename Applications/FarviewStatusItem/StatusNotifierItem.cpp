@@ -1,8 +1,8 @@
 #include "Applications/FarviewStatusItem/StatusNotifierItem.h"
 
 #include "Applications/FarviewStatusItem/TrayIcons.h"
-#include "Controls/Qt/PlainText.h"
-#include "Platform/Desktop/TrayWatcher.h"
+#include "Controls/Qt/Text/PlainText.h"
+#include "Platform/Desktop/Looks/TrayWatcher.h"
 
 #include <QCoreApplication>
 #include <QDBusPendingCall>

@@ -2,7 +2,7 @@
 
 #include "Applications/FarviewStatusItem/DBusMenu.h"
 #include "Applications/FarviewStatusItem/StatusMenu.h"
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 
 #include <QDBusObjectPath>
 #include <QObject>

@@ -2,7 +2,7 @@
 
 #include "Applications/FarviewStatusItem/ClassicTray.h"
 #include "Applications/FarviewStatusItem/StatusNotifierItem.h"
-#include "Platform/Desktop/TrayWatcher.h"
+#include "Platform/Desktop/Looks/TrayWatcher.h"
 #include "Platform/Log.h"
 
 #include <functional>

@@ -4,9 +4,9 @@
 #include "Applications/OwnPane.h"
 #include "Applications/TerminationSignals.h"
 #include "Common/FVEConstants.h"
+#include "Platform/Desktop/Bus/SingleInstance.h"
 #include "Platform/Desktop/DesktopPlatform.h"
-#include "Platform/Desktop/DetachedProcess.h"
-#include "Platform/Desktop/SingleInstance.h"
+#include "Platform/Desktop/Programs/DetachedProcess.h"
 #include "Platform/Log.h"
 #include "Platform/RunLoop.h"
 

@@ -1,7 +1,7 @@
 #include "Applications/Preferences/HeadStart.h"
 
 #include "Applications/Preferences/PaneLoader.h"
-#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
 
 #include <QDBusConnection>
 #include <QFont>

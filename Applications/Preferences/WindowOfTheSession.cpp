@@ -1,7 +1,7 @@
 #include "Applications/Preferences/WindowOfTheSession.h"
 
 #include "Applications/Preferences/PaneInterface.h"
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 
 #include <QDBusMessage>
 

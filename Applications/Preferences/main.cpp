@@ -7,7 +7,7 @@
 #include "Applications/TerminationSignals.h"
 #include "Common/NSURL_Additions.h"
 #include "Controls/Qt/DesktopLook.h"
-#include "Platform/Desktop/AppearancePortal.h"
+#include "Platform/Desktop/Looks/AppearancePortal.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PosixSearchPaths.h"
 #include "Platform/Posix/StandardErrorLog.h"

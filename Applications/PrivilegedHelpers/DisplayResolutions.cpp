@@ -1,7 +1,7 @@
 #include "Applications/PrivilegedHelpers/DisplayResolutions.h"
 
 #include "Common/FVEConstants.h"
-#include "Platform/Posix/PreferencesMerge.h"
+#include "Platform/Posix/Settings/PreferencesMerge.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -4,7 +4,7 @@
 #include "Common/Bonjour/QLNBonjourBrowser.h"
 #include "Common/FVEPreferences.h"
 #include "Common/Rules/AutoConnectChoice.h"
-#include "Platform/Desktop/GrowingPause.h"
+#include "Platform/Desktop/Bus/GrowingPause.h"
 #include "Platform/NetService.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/RunLoop.h"

@@ -2,10 +2,10 @@
 #include "Applications/ScreenCapture/ScreenServer.h"
 #include "Applications/TerminationSignals.h"
 #include "Common/FVEConstants.h"
+#include "Platform/Desktop/Bus/SingleInstance.h"
 #include "Platform/Desktop/DesktopPlatform.h"
-#include "Platform/Desktop/DetachedProcess.h"
-#include "Platform/Desktop/SingleInstance.h"
-#include "Platform/Desktop/Supervisor.h"
+#include "Platform/Desktop/Programs/DetachedProcess.h"
+#include "Platform/Desktop/Programs/Supervisor.h"
 #include "Platform/Platform.h"
 
 #include <QCoreApplication>

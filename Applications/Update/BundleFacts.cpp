@@ -1,7 +1,7 @@
 #include "Applications/Update/BundleFacts.h"
 
 #include "Common/Rules/VersionOrder.h"
-#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

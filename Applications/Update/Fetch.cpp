@@ -1,7 +1,7 @@
 #include "Applications/Update/Fetch.h"
 
 #include "Applications/Update/NetworkFailure.h"
-#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
 #include "Platform/Posix/WholeFile.h"
 
 #include <QNetworkProxyFactory>

@@ -1,7 +1,7 @@
 // The tool of the person who releases: makes keys, and signs archives.
 
 #include "Applications/Update/Signature.h"
-#include "Platform/Posix/PropertyListScalars.h"
+#include "Platform/Posix/PropertyLists/PropertyListScalars.h"
 #include "Platform/Posix/WholeFile.h"
 
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 #include "Applications/Update/Signature.h"
 
-#include "Platform/Posix/PropertyListScalars.h"
+#include "Platform/Posix/PropertyLists/PropertyListScalars.h"
 
 #include <sodium.h>
 

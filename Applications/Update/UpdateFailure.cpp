@@ -1,6 +1,6 @@
 #include "Applications/Update/UpdateFailure.h"
 
-#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
 
 #include <cerrno>
 

@@ -1,7 +1,7 @@
 #include "Controls/Qt/AlertBoxes.h"
 
 #include "Controls/Qt/Binding.h"
-#include "Controls/Qt/PlainText.h"
+#include "Controls/Qt/Text/PlainText.h"
 
 #include <QLabel>
 #include <QMessageBox>

@@ -1,6 +1,6 @@
 #include "Controls/Qt/Binding.h"
 
-#include "Controls/Qt/PlainText.h"
+#include "Controls/Qt/Text/PlainText.h"
 
 #include <QApplication>
 

@@ -1,9 +1,9 @@
 #include "Controls/Qt/ControlBindings.h"
 
-#include "Controls/Qt/ChiseledTextWidget.h"
-#include "Controls/Qt/LabelTint.h"
-#include "Controls/Qt/PlainText.h"
 #include "Controls/Qt/SpinnerWidget.h"
+#include "Controls/Qt/Text/ChiseledTextWidget.h"
+#include "Controls/Qt/Text/LabelTint.h"
+#include "Controls/Qt/Text/PlainText.h"
 
 #include <QStyle>
 

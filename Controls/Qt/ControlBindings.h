@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Common/FVEChiseledTextButton.h"
 #include "Controls/Qt/Binding.h"
+#include "Controls/Switch/FVEChiseledTextButton.h"
 #include "Controls/TabView.h"
 
 #include <QAbstractButton>

@@ -3,7 +3,7 @@
 #include "Common/Rules/Appearance.h"
 #include "Controls/Qt/DarkPalette.h"
 #include "Controls/Qt/Darkness.h"
-#include "Controls/Qt/StillStyle.h"
+#include "Controls/Qt/ReducedMotionStyle.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -51,7 +51,7 @@ void DesktopLook::followMotion(bool still)
     if (mStyle)
         mStyle->setStill(still);
     else if (still)
-        QApplication::setStyle(mStyle = new StillStyle(QApplication::style()->name()));
+        QApplication::setStyle(mStyle = new ReducedMotionStyle(QApplication::style()->name()));
 }
 
 } // namespace farview

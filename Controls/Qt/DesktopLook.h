@@ -8,7 +8,7 @@
 namespace farview
 {
 
-class StillStyle;
+class ReducedMotionStyle;
 
 /// Gives all windows of the program the colours and the stillness that the user asked for of the
 /// whole desktop. One per program; the application object must exist. Main thread only.
@@ -24,7 +24,7 @@ private:
 
     bool mIsOwnDark = false;
     QPalette mTheme; ///< what the theme's colours were, while ours are on
-    QPointer<StillStyle> mStyle;
+    QPointer<ReducedMotionStyle> mStyle;
 };
 
 } // namespace farview

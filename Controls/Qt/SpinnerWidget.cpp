@@ -1,6 +1,6 @@
 #include "Controls/Qt/SpinnerWidget.h"
 
-#include "Controls/Qt/WidgetAnimator.h"
+#include "Controls/Qt/Switch/WidgetAnimator.h"
 
 #include <QPainter>
 #include <QTimerEvent>

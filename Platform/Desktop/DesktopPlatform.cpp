@@ -1,31 +1,29 @@
 #include "Platform/Desktop/DesktopPlatform.h"
 
-#include "Platform/Desktop/DBusNotificationCenter.h"
-#include "Platform/Desktop/DesktopAccessibility.h"
-#include "Platform/Desktop/DesktopNetworkCondition.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/DesktopText.h"
-#include "Platform/Desktop/DesktopWorkspace.h"
 #include "Platform/Desktop/Discovery/DesktopDiscovery.h"
-#include "Platform/Desktop/EngineUpdater.h"
-#include "Platform/Desktop/ForgetfulBodies.h"
-#include "Platform/Desktop/LoopbackNotificationCenter.h"
-#include "Platform/Desktop/PolkitAuthorization.h"
+#include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
+#include "Platform/Desktop/Notifications/LoopbackNotificationCenter.h"
+#include "Platform/Desktop/OverlayBodies.h"
+#include "Platform/Desktop/Programs/DesktopWorkspace.h"
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/RandrDisplays.h"
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Rights/DesktopAccessibility.h"
+#include "Platform/Desktop/Rights/PolkitAuthorization.h"
+#include "Platform/Desktop/Updates/DesktopNetworkCondition.h"
+#include "Platform/Desktop/Updates/EngineUpdater.h"
 #include "Platform/LocalNotificationCenter.h"
 #include "Platform/Posix/AutostartEntry.h"
-#include "Platform/Posix/FilePreferences.h"
 #include "Platform/Posix/InstalledFirewall.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PosixFileManager.h"
-#include "Platform/Posix/PosixProcessTable.h"
 #include "Platform/Posix/PosixSearchPaths.h"
 #include "Platform/Posix/PosixSystemVersion.h"
+#include "Platform/Posix/Processes/PosixProcessTable.h"
+#include "Platform/Posix/Registry/SysfsRegistry.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
 #include "Platform/Posix/StandardErrorLog.h"
-#include "Platform/Posix/SysfsRegistry.h"
 #include "Platform/Posix/SystemClock.h"
-#include "Platform/Posix/VgaSwitcheroo.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -61,8 +59,6 @@ struct DesktopPlatform::Bodies {
     PosixBundles bundles{environment, log};
     PosixFileManager fileManager;
     InstalledFirewall firewall;
-    VgaSwitcheroo graphicsControl;
-    RandrDisplays displayConfiguration;
     SystemClock clock;
     FilePreferences preferences{PreferencesLocations(environment), log};
     PosixProcessTable processTable;
@@ -83,8 +79,8 @@ struct DesktopPlatform::Bodies {
     std::optional<EngineUpdaters> updaters;
     // these take their places in a smoke test.
     std::optional<LoopbackNotificationCenter> loopbackCenter;
-    std::optional<ForgetfulPreferences> forgetfulPreferences;
-    std::optional<ForgetfulFileManager> forgetfulFileManager;
+    std::optional<OverlayPreferences> overlayPreferences;
+    std::optional<OverlayFileManager> overlayFileManager;
 };
 
 DesktopPlatform::DesktopPlatform(const DesktopPlatformOptions& options)
@@ -121,9 +117,7 @@ void DesktopPlatform::composeForUse()
     mPlatform.discovery = &own.discovery.emplace(own.log);
     mPlatform.distributedNotificationCenter =
         &own.distributedCenter.emplace(own.bus, own.runLoop, own.log);
-    mPlatform.displayConfiguration = &own.displayConfiguration;
     mPlatform.fileManager = &own.fileManager;
-    mPlatform.graphicsControl = &own.graphicsControl;
     mPlatform.loginItem = &own.loginItem;
     mPlatform.networkCondition = &own.networkCondition.emplace(NetworkPlaces{});
     mPlatform.preferences = &own.preferences;
@@ -135,8 +129,8 @@ void DesktopPlatform::composeForSmokeTest()
 {
     auto& own = *mBodies;
     mPlatform.distributedNotificationCenter = &own.loopbackCenter.emplace(own.runLoop);
-    mPlatform.fileManager = &own.forgetfulFileManager.emplace(own.fileManager);
-    mPlatform.preferences = &own.forgetfulPreferences.emplace(own.preferences);
+    mPlatform.fileManager = &own.overlayFileManager.emplace(own.fileManager);
+    mPlatform.preferences = &own.overlayPreferences.emplace(own.preferences);
 }
 
 } // namespace farview

@@ -24,7 +24,8 @@ struct DesktopPlatformOptions {
 /// The real bodies of every interface, composed: what each program's composition root makes first
 /// and destroys last. The application object must exist before it and outlive it. Main thread only.
 ///
-/// `Platform::application` is left empty: the application itself is the host's.
+/// Left empty: `application`, which is the host's, and displays and graphics processors, which no
+/// program changes yet.
 class DesktopPlatform
 {
 public:

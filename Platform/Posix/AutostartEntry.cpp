@@ -1,6 +1,6 @@
 #include "Platform/Posix/AutostartEntry.h"
 
-#include "Platform/Posix/FileReplacement.h"
+#include "Platform/Posix/Settings/FileReplacement.h"
 #include "Platform/Posix/WholeFile.h"
 
 #include <unistd.h>

@@ -51,4 +51,10 @@ std::string Environment::dataHome() const
     return chosen.empty() ? homeFolder() + "/.local/share" : chosen;
 }
 
+bool isX11Session()
+{
+    const Environment environment(EnvironmentUse::honoured);
+    return environment.value("WAYLAND_DISPLAY").empty() && !environment.value("DISPLAY").empty();
+}
+
 } // namespace farview

@@ -9,6 +9,10 @@ namespace farview
 /// its caller ignores them: the caller chose them.
 enum class EnvironmentUse { honoured, ignored };
 
+/// Whether the windows of this session are the X server's own affair: not so where it only serves
+/// the older programs of another display server.
+bool isX11Session();
+
 /// What a process is told from outside about where its user's folders are.
 class Environment
 {

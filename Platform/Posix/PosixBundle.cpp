@@ -2,8 +2,8 @@
 
 #include "Platform/Log.h"
 #include "Platform/Posix/Languages.h"
-#include "Platform/Posix/PropertyListFile.h"
-#include "Platform/Posix/StringsFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/StringsFile.h"
 #include "Platform/Posix/WholeFile.h"
 
 #include <climits>

@@ -1,8 +1,8 @@
 #include "Platform/Posix/PosixFileManager.h"
 
-#include "Platform/Posix/FileReplacement.h"
-#include "Platform/Posix/PropertyListFile.h"
-#include "Platform/Posix/PropertyListWriter.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListWriter.h"
+#include "Platform/Posix/Settings/FileReplacement.h"
 
 #include <unistd.h>
 

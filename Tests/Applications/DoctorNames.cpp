@@ -1,6 +1,6 @@
 #include "Tests/Applications/DoctorNames.h"
 
-#include "Platform/Posix/StringsFile.h"
+#include "Platform/Posix/PropertyLists/StringsFile.h"
 
 #include <gtest/gtest.h>
 

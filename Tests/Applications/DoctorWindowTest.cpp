@@ -1,4 +1,4 @@
-#include "Applications/FarviewDoctor/DoctorWindow.h"
+#include "Applications/Doctor/Window/DoctorWindow.h"
 
 #include <QApplication>
 #include <QClipboard>

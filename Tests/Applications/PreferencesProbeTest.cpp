@@ -1,6 +1,6 @@
 #include "Applications/Doctor/PreferencesProbe.h"
 
-#include "Platform/Posix/PreferencesLocations.h"
+#include "Platform/Posix/Settings/PreferencesLocations.h"
 #include "Tests/Applications/DoctorNames.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "Common/FVEChiseledTextButton.h"
+#include "Controls/Switch/FVEChiseledTextButton.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Common/QLNOnOffView.h"
+#include "Controls/Switch/QLNOnOffView.h"
 #include "Platform/Fake/FakeBundle.h"
 
 #include <gtest/gtest.h>

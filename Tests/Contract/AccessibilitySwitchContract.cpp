@@ -1,5 +1,5 @@
-#include "Platform/Desktop/DesktopAccessibilitySwitch.h"
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Rights/DesktopAccessibilitySwitch.h"
 #include "Platform/Fake/FakeAccessibilitySwitch.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/RandrDisplays.h"
+#include "Platform/Desktop/Screens/X11/RandrDisplays.h"
 #include "Platform/Fake/FakeDisplayConfiguration.h"
 #include "Tests/Support/PrivateXServer.h"
 

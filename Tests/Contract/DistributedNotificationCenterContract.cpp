@@ -1,5 +1,5 @@
-#include "Platform/Desktop/DBusNotificationCenter.h"
-#include "Platform/Desktop/LoopbackNotificationCenter.h"
+#include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
+#include "Platform/Desktop/Notifications/LoopbackNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Fake/FakeDistributedNotificationCenter.h"
 #include "Platform/Fake/FakeLog.h"

@@ -1,5 +1,5 @@
 #include "Platform/Fake/FakeGraphicsControl.h"
-#include "Platform/Posix/VgaSwitcheroo.h"
+#include "Platform/Posix/Registry/VgaSwitcheroo.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

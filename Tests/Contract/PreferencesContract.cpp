@@ -1,6 +1,6 @@
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakePreferences.h"
-#include "Platform/Posix/FilePreferences.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

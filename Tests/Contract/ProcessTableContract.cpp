@@ -1,5 +1,5 @@
 #include "Platform/Fake/FakeProcessTable.h"
-#include "Platform/Posix/PosixProcessTable.h"
+#include "Platform/Posix/Processes/PosixProcessTable.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

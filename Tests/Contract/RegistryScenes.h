@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Fake/FakeRegistry.h"
-#include "Platform/Posix/SysfsRegistry.h"
+#include "Platform/Posix/Registry/SysfsRegistry.h"
 #include "Tests/Support/Fixture.h"
 #include "Tests/Support/TemporaryFolder.h"
 

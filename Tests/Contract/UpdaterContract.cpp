@@ -1,4 +1,4 @@
-#include "Platform/Desktop/EngineUpdater.h"
+#include "Platform/Desktop/Updates/EngineUpdater.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeUpdater.h"
 #include "Tests/Support/ScriptedUpdateEngine.h"

@@ -1,6 +1,6 @@
-#include "Platform/Desktop/DesktopWorkspace.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Programs/DesktopWorkspace.h"
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/SessionBus.h"
 #include "Platform/Fake/FakeBundle.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeWorkspace.h"

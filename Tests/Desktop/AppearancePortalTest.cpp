@@ -1,4 +1,4 @@
-#include "Platform/Desktop/AppearancePortal.h"
+#include "Platform/Desktop/Looks/AppearancePortal.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/ScriptedPortal.h"
 #include "Tests/Support/WaitUntil.h"

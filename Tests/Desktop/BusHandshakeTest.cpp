@@ -1,4 +1,4 @@
-#include "Platform/Desktop/BusHandshake.h"
+#include "Platform/Desktop/Bus/BusHandshake.h"
 
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/WaitUntil.h"
@@ -41,7 +41,7 @@ public:
         if (mAnswerer.joinable())
             mAnswerer.join();
     }
-    /// Answers the first who knocks with those words, and hangs up.
+    /// Answers the first that connects with those words, and hangs up.
     void answerWith(const std::string& words)
     {
         mAnswerer = std::thread([this, words] {
@@ -64,9 +64,8 @@ private:
 TEST(BusHandshake, IsAnsweredByARealBus)
 {
     const PrivateBus bus;
-    EXPECT_EQ(knockAtBus(bus.address(), patience), BusAnswer::answers);
-    EXPECT_EQ(knockAtBus("unix:path=/nonexistent/bus;" + bus.address(), patience),
-              BusAnswer::answers)
+    EXPECT_EQ(checkBus(bus.address(), patience), BusAnswer::answers);
+    EXPECT_EQ(checkBus("unix:path=/nonexistent/bus;" + bus.address(), patience), BusAnswer::answers)
         << "the second address counts when the first is dead";
 }
 
@@ -75,7 +74,7 @@ TEST(BusHandshake, NoticesABusThatStopped)
     PrivateBus bus;
     bus.process().sendSignal(SIGSTOP);
     const auto begun = std::chrono::steady_clock::now();
-    EXPECT_EQ(knockAtBus(bus.address(), patience), BusAnswer::silent);
+    EXPECT_EQ(checkBus(bus.address(), patience), BusAnswer::silent);
     EXPECT_LT(std::chrono::steady_clock::now() - begun, 3 * patience);
     bus.process().sendSignal(SIGCONT);
 }
@@ -84,31 +83,31 @@ TEST(BusHandshake, NoticesThatNobodyListens)
 {
     PrivateBus bus;
     bus.stop();
-    EXPECT_EQ(knockAtBus(bus.address(), patience), BusAnswer::refused);
-    EXPECT_EQ(knockAtBus("unix:path=/nonexistent/bus", patience), BusAnswer::refused);
-    EXPECT_EQ(knockAtBus("unix:path=/" + std::string(500, 'x'), patience), BusAnswer::answers)
+    EXPECT_EQ(checkBus(bus.address(), patience), BusAnswer::refused);
+    EXPECT_EQ(checkBus("unix:path=/nonexistent/bus", patience), BusAnswer::refused);
+    EXPECT_EQ(checkBus("unix:path=/" + std::string(500, 'x'), patience), BusAnswer::answers)
         << "a path that no socket can have is left to the library";
 }
 
 TEST(BusHandshake, TellsNoAddressFromAnAddressOfAnotherKind)
 {
-    EXPECT_EQ(knockAtBus("", patience), BusAnswer::noAddress);
-    EXPECT_EQ(knockAtBus("tcp:host=localhost,port=1", patience), BusAnswer::answers);
-    EXPECT_EQ(knockAtBus("unix:", patience), BusAnswer::answers);
+    EXPECT_EQ(checkBus("", patience), BusAnswer::noAddress);
+    EXPECT_EQ(checkBus("tcp:host=localhost,port=1", patience), BusAnswer::answers);
+    EXPECT_EQ(checkBus("unix:", patience), BusAnswer::answers);
 }
 
 TEST(BusHandshake, NoticesThatThisUserIsNotLetIn)
 {
     Listener strict;
     strict.answerWith("REJECTED EXTERNAL\r\n");
-    EXPECT_EQ(knockAtBus(strict.address(), patience), BusAnswer::rejects);
+    EXPECT_EQ(checkBus(strict.address(), patience), BusAnswer::rejects);
 }
 
 TEST(BusHandshake, TakesAHangUpForSilence)
 {
     Listener rude;
     rude.answerWith("");
-    EXPECT_EQ(knockAtBus(rude.address(), patience), BusAnswer::silent);
+    EXPECT_EQ(checkBus(rude.address(), patience), BusAnswer::silent);
 }
 
 TEST(BusHandshake, ReadsEncodedPaths)
@@ -117,16 +116,16 @@ TEST(BusHandshake, ReadsEncodedPaths)
     std::string encoded = bus.address();
     const auto slash = encoded.rfind('/');
     encoded.replace(slash, 1, "%2f");
-    EXPECT_EQ(knockAtBus(encoded, patience), BusAnswer::answers);
+    EXPECT_EQ(checkBus(encoded, patience), BusAnswer::answers);
 }
 
-/// A knock that is not waited for, and what was heard of it.
-class Knocking : public testing::Test
+/// A check that is not waited for, and what was heard of it.
+class CheckingABus : public testing::Test
 {
 protected:
-    void knock(const std::string& address, milliseconds limit = patience)
+    void check(const std::string& address, milliseconds limit = patience)
     {
-        knocking = std::make_unique<BusKnock>(address, limit,
+        checking = std::make_unique<BusCheck>(address, limit,
                                               [this](BusAnswer answer) { heard = answer; });
     }
     std::optional<BusAnswer> answer()
@@ -136,42 +135,42 @@ protected:
     }
 
     PrivateBus bus;
-    std::unique_ptr<BusKnock> knocking;
+    std::unique_ptr<BusCheck> checking;
     std::optional<BusAnswer> heard;
 };
 
-TEST_F(Knocking, IsAnsweredOnALaterTurnAndOnce)
+TEST_F(CheckingABus, IsAnsweredOnALaterTurnAndOnce)
 {
-    knock(bus.address());
+    check(bus.address());
     EXPECT_EQ(heard, std::nullopt);
     EXPECT_EQ(answer(), BusAnswer::answers);
     runLoopFor(2 * patience);
     EXPECT_EQ(heard, std::nullopt);
 }
 
-TEST_F(Knocking, SaysTheSameAsWhoWaits)
+TEST_F(CheckingABus, SaysTheSameAsWhoWaits)
 {
     for (const std::string address : {"", "unix:path=/nonexistent/bus", "tcp:host=localhost"}) {
-        knock(address);
+        check(address);
         EXPECT_EQ(heard, std::nullopt) << address;
-        EXPECT_EQ(answer(), knockAtBus(address, patience)) << address;
+        EXPECT_EQ(answer(), checkBus(address, patience)) << address;
     }
 }
 
-TEST_F(Knocking, GivesAStoppedBusUpAfterItsLimitAndNotBefore)
+TEST_F(CheckingABus, GivesAStoppedBusUpAfterItsLimitAndNotBefore)
 {
     bus.process().sendSignal(SIGSTOP);
     const auto begun = std::chrono::steady_clock::now();
-    knock(bus.address());
+    check(bus.address());
     EXPECT_EQ(answer(), BusAnswer::silent);
     EXPECT_GE(std::chrono::steady_clock::now() - begun, patience / 2);
     bus.process().sendSignal(SIGCONT);
 }
 
-TEST_F(Knocking, IsNotHeardOfAfterItsEnd)
+TEST_F(CheckingABus, IsNotHeardOfAfterItsEnd)
 {
-    knock(bus.address());
-    knocking.reset();
+    check(bus.address());
+    checking.reset();
     runLoopFor(2 * patience);
     EXPECT_EQ(heard, std::nullopt);
 }

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/DBusNotificationCenter.h"
+#include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"

@@ -1,6 +1,6 @@
-#include "Platform/Desktop/DesktopAccessibilitySwitch.h"
+#include "Platform/Desktop/Rights/DesktopAccessibilitySwitch.h"
 
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/TemporaryFolder.h"

@@ -1,5 +1,5 @@
-#include "Platform/Desktop/DesktopAccessibility.h"
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Rights/DesktopAccessibility.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/WaitUntil.h"

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/DesktopNetworkCondition.h"
+#include "Platform/Desktop/Updates/DesktopNetworkCondition.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/WaitUntil.h"
 

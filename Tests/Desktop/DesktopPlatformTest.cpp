@@ -1,7 +1,7 @@
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Accessibility.h"
 #include "Platform/Bundle.h"
-#include "Platform/Desktop/SessionBus.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/FileManager.h"
 #include "Platform/Log.h"
 #include "Platform/NetService.h"

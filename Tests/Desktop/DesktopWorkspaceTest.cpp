@@ -1,5 +1,5 @@
-#include "Platform/Desktop/DesktopWorkspace.h"
-#include "Platform/Desktop/DBusNotificationCenter.h"
+#include "Platform/Desktop/Programs/DesktopWorkspace.h"
+#include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Fake/FakeBundle.h"
 #include "Platform/Fake/FakeLog.h"

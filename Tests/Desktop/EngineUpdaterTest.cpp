@@ -1,6 +1,6 @@
 // What the updater of programs makes of an engine that does not behave.
 
-#include "Platform/Desktop/EngineUpdater.h"
+#include "Platform/Desktop/Updates/EngineUpdater.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/ScriptedUpdateEngine.h"
 #include "Tests/Support/UpdateRecorder.h"

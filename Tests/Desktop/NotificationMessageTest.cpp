@@ -1,4 +1,4 @@
-#include "Platform/Desktop/NotificationMessage.h"
+#include "Platform/Desktop/Notifications/NotificationMessage.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/PolkitAuthorization.h"
+#include "Platform/Desktop/Rights/PolkitAuthorization.h"
 
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/ScriptedPolkit.h"

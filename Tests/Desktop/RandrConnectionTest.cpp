@@ -1,6 +1,6 @@
-#include "Platform/Desktop/RandrConnection.h"
+#include "Platform/Desktop/Screens/X11/RandrConnection.h"
 
-#include "Platform/Desktop/RandrDisplays.h"
+#include "Platform/Desktop/Screens/X11/RandrDisplays.h"
 #include "Tests/Desktop/ScriptedXServer.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/RandrDisplays.h"
+#include "Platform/Desktop/Screens/X11/RandrDisplays.h"
 
 #include "Platform/Platform.h"
 #include "Source/FVEDisplay.h"

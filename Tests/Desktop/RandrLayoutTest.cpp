@@ -1,4 +1,4 @@
-#include "Platform/Desktop/RandrLayout.h"
+#include "Platform/Desktop/Screens/X11/RandrLayout.h"
 
 #include <gtest/gtest.h>
 

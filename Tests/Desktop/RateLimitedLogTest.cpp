@@ -1,4 +1,4 @@
-#include "Platform/Desktop/RateLimitedLog.h"
+#include "Platform/Desktop/Bus/RateLimitedLog.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeRunLoop.h"
 

@@ -1,5 +1,5 @@
-#include "Platform/Desktop/SessionBus.h"
-#include "Platform/Desktop/BusNameWatcher.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Bus/BusNameWatcher.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/WaitUntil.h"

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/SingleInstance.h"
+#include "Platform/Desktop/Bus/SingleInstance.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/WaitUntil.h"

@@ -1,5 +1,5 @@
-#include "Platform/Desktop/Supervisor.h"
-#include "Platform/Desktop/GrowingPause.h"
+#include "Platform/Desktop/Programs/Supervisor.h"
+#include "Platform/Desktop/Bus/GrowingPause.h"
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/WaitUntil.h"

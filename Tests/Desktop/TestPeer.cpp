@@ -1,10 +1,10 @@
 // Another process for the tests: "TestPeer ROLE ...". It prints nothing; what it did is seen on the
 // bus or in files.
 
-#include "Platform/Desktop/DBusNotificationCenter.h"
+#include "Platform/Desktop/Bus/SingleInstance.h"
+#include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
+#include "Platform/Desktop/Programs/Supervisor.h"
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/SingleInstance.h"
-#include "Platform/Desktop/Supervisor.h"
 #include "Platform/Log.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/UpdateReport.h"
+#include "Platform/Desktop/Updates/UpdateReport.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Property lists, as a file of any origin may hold them.
 
-#include "Platform/Posix/PropertyListReader.h"
-#include "Platform/Posix/PropertyListWriter.h"
+#include "Platform/Posix/PropertyLists/PropertyListReader.h"
+#include "Platform/Posix/PropertyLists/PropertyListWriter.h"
 #include "Tests/Fuzz/Expect.h"
 
 using farview::PropertyListReader;

@@ -1,7 +1,7 @@
 // The whole panel, operated by another program that has nothing but the accessibility bus: no
 // mouse, no keyboard, no picture.
 
-#include "Platform/Posix/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
 #include "Tests/Support/AssistiveTechnology.h"
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/TemporaryFolder.h"

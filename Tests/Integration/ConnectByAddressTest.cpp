@@ -1,8 +1,8 @@
 // The panel's sheet, the real screen server and the real device, on a private bus and network.
 
-#include "Platform/Desktop/DBusNotificationCenter.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/SessionBus.h"
 #include "Tests/Source/SheetFixture.h"
 #include "Tests/Support/Isolation.h"
 #include "Tests/Support/PrivateBus.h"

@@ -1,7 +1,7 @@
 // The helpers by themselves, run by root on a computer of its own.
 
-#include "Platform/Posix/PropertyListFile.h"
-#include "Platform/Posix/ToolTrust.h"
+#include "Platform/Posix/Processes/ToolTrust.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
 #include "Tests/Integration/OwnComputer.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "Tests/Integration/OwnComputer.h"
 
-#include "Platform/Posix/PreferencesLocations.h"
+#include "Platform/Posix/Settings/PreferencesLocations.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <cstdio>

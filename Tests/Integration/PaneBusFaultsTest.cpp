@@ -1,7 +1,7 @@
 // The panel and its server when the bus between them goes, comes, or carries nonsense.
 
-#include "Platform/Desktop/SessionBus.h"
-#include "Platform/Posix/FilePreferences.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
 #include "Tests/Integration/PaneSystem.h"
 
 #include <QDBusArgument>

@@ -1,6 +1,6 @@
 // A panel on show whose settings cannot be stored, or are stored by many at once.
 
-#include "Platform/Posix/FilePreferences.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
 #include "Tests/Integration/PaneSystem.h"
 #include "Tests/Support/ForkedProcess.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "Common/FVEDistributedNotifications.h"
-#include "Platform/Desktop/DBusNotificationCenter.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/SessionBus.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/WaitUntil.h"
 

@@ -3,7 +3,7 @@
 // of its own.
 
 #include "Platform/Bundle.h"
-#include "Platform/Desktop/EngineUpdater.h"
+#include "Platform/Desktop/Updates/EngineUpdater.h"
 #include "Source/SoftwareUpdates.h"
 #include "Tests/Integration/PaneSystem.h"
 #include "Tests/Support/Isolation.h"

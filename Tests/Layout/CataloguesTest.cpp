@@ -1,4 +1,4 @@
-#include "Platform/Posix/StringsFile.h"
+#include "Platform/Posix/PropertyLists/StringsFile.h"
 #include "Tests/Layout/SourceTexts.h"
 #include "Tests/Layout/SourceTree.h"
 
@@ -31,7 +31,7 @@ const std::vector<std::string> rooms = {"Source",
                                         "Common",
                                         "PaneBundle",
                                         "Applications/Doctor",
-                                        "Applications/FarviewDoctor",
+                                        "Applications/Doctor/Window",
                                         "Applications/FarviewStatusItem"};
 
 // Lines of the log, which stay as they are.

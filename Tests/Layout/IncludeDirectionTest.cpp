@@ -2,126 +2,121 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <regex>
 #include <set>
+#include <sstream>
 
 namespace
 {
 
+const std::filesystem::path root = FARVIEW_SOURCE_DIR;
+
 /// What one room of the house may include, besides its own files and the C++ standard library.
 struct Room {
-    std::string folder;
-    std::vector<std::string> allowed; ///< prefixes of paths in the project
-    bool core;                        ///< the standard library (and the socket headers) only
+    std::set<std::string> rooms; ///< or single headers
+    std::set<std::string> libraries;
 };
+using Rooms = std::map<std::string, Room>;
 
-// The most particular folder first: the first that fits a file is its room.
-const std::vector<Room> rooms = {
-    {"Platform/Types/", {}, true},
-    {"Platform/Posix/", {"Platform/"}, false},
-    {"Platform/Desktop/", {"Platform/"}, false},
-    {"Platform/Fake/", {"Platform/"}, true},
-    {"Platform/", {"Platform/Types/"}, true},
-    {"Controls/Qt/", {"Controls/", "Common/", "Platform/"}, false},
-    {"Controls/", {"Platform/Types/"}, true},
-    {"Common/Rules/", {"Platform/Types/"}, true},
-    {"Common/", {"Common/Rules/", "Platform/", "Controls/"}, true},
-    {"Source/", {"Common/", "Controls/", "Platform/"}, true},
-    {"Link/", {"Platform/", "Common/"}, false},
-    {"PaneBundle/",
-     {"Source/", "Controls/", "Common/", "Platform/", "Applications/Preferences/PaneInterface.h"},
-     false},
-    {"Applications/Preferences/",
-     {"Applications/TerminationSignals.h", "Platform/", "Common/", "Controls/"},
-     false},
-    {"Applications/", {"Platform/", "Common/", "Controls/", "Link/"}, false},
-};
-
-// The bodies that only their own rooms, composition roots and tests may know.
-const std::vector<std::string> bodies = {"Platform/Posix/", "Platform/Desktop/", "Platform/Fake/",
-                                         "Controls/Qt/"};
-
-const std::set<std::string> standardHeaders = {"algorithm",     "any",
-                                               "array",         "atomic",
-                                               "bit",           "cctype",
-                                               "cerrno",        "charconv",
-                                               "chrono",        "clocale",
-                                               "cmath",         "compare",
-                                               "concepts",      "condition_variable",
-                                               "csignal",       "cstddef",
-                                               "cstdint",       "cstdio",
-                                               "cstdlib",       "cstring",
-                                               "ctime",         "cwchar",
-                                               "cwctype",       "deque",
-                                               "exception",     "filesystem",
-                                               "forward_list",  "fstream",
-                                               "functional",    "initializer_list",
-                                               "iomanip",       "ios",
-                                               "iosfwd",        "iostream",
-                                               "istream",       "iterator",
-                                               "limits",        "list",
-                                               "locale",        "map",
-                                               "memory",        "mutex",
-                                               "new",           "numeric",
-                                               "optional",      "ostream",
-                                               "queue",         "random",
-                                               "ranges",        "ratio",
-                                               "regex",         "set",
-                                               "span",          "sstream",
-                                               "stack",         "stdexcept",
-                                               "streambuf",     "string",
-                                               "string_view",   "system_error",
-                                               "thread",        "tuple",
-                                               "type_traits",   "typeindex",
-                                               "typeinfo",      "unordered_map",
-                                               "unordered_set", "utility",
-                                               "variant",       "vector"};
-const std::set<std::string> socketHeaders = {"arpa/inet.h", "netinet/in.h", "sys/socket.h"};
-
-bool startsWithAny(const std::string& text, const std::vector<std::string>& prefixes)
+std::set<std::string> wordsOf(std::string text)
 {
-    return std::any_of(prefixes.begin(), prefixes.end(),
-                       [&](const auto& prefix) { return text.starts_with(prefix); });
+    std::erase(text, '`');
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
 }
 
-const Room* roomOf(const std::string& path)
+/// The table that the page for developers shows.
+Rooms readRooms()
 {
-    const auto found = std::find_if(rooms.begin(), rooms.end(), [&](const Room& room) {
-        return path.starts_with(room.folder);
-    });
-    return found == rooms.end() ? nullptr : &*found;
+    static const std::regex row(R"(^\| `([^`]+)` \|([^|]*)\|([^|]*)\|$)");
+    std::ifstream page(root / "docs/architecture.md");
+    Rooms rooms;
+    bool isInTable = false;
+    for (std::string line; std::getline(page, line);) {
+        if (line.starts_with("## "))
+            isInTable = line == "## What may include what";
+        std::smatch match;
+        if (isInTable && std::regex_match(line, match, row))
+            rooms[match[1]] = {wordsOf(match[2]), wordsOf(match[3])};
+    }
+    return rooms;
 }
 
-bool mayIncludeProjectFile(const Room& room, const std::string& include)
+const Rooms& rooms()
 {
-    if (roomOf(include) == &room)
-        return true;
-    if (!startsWithAny(include, room.allowed))
-        return false;
-    return !(room.core && startsWithAny(include, bodies));
+    static const Rooms all = readRooms();
+    return all;
 }
 
-bool mayIncludeSystemHeader(const Room& room, const std::string& include)
+/// The room with the longest name that holds the file; empty: none does.
+std::string roomOf(const std::string& path)
 {
-    return !room.core || standardHeaders.contains(include) || socketHeaders.contains(include);
+    std::string found;
+    for (const auto& [name, room] : rooms()) {
+        if (path.starts_with(name + "/") && name.size() > found.size())
+            found = name;
+    }
+    return found;
 }
 
-bool isFakeForAProduct(const Room& room, const std::string& include)
+bool isOf(const std::string& header, const std::set<std::string>& headers)
 {
-    return include.starts_with("Platform/Fake/") && room.folder != "Platform/Fake/";
+    return headers.contains(header);
 }
 
-/// Generated files have no folder; anything else is written from the root.
-bool isGenerated(const std::string& include)
+/// Which library a header in angle brackets belongs to, in the words of the table; empty: the C++
+/// standard library.
+std::string libraryOf(const std::string& header)
 {
-    return include.ends_with(".moc") || include.starts_with("ui_") || include.starts_with("moc_");
+    static const std::set<std::string> sockets = {"arpa/inet.h", "netinet/in.h", "sys/socket.h"};
+    static const std::filesystem::path toolkit = FARVIEW_QT_HEADERS;
+    for (const char* module :
+         {"QtCore", "QtDBus", "QtGui", "QtNetwork", "QtUiTools", "QtWidgets"}) {
+        if (header.starts_with(std::string(module) + "/") ||
+            std::filesystem::exists(toolkit / module / header))
+            return module;
+    }
+    if (isOf(header, sockets))
+        return "sockets";
+    if (!header.ends_with(".h"))
+        return header.starts_with("Q") ? "an unknown module" : "";
+    for (const char* library : {"avahi-common", "avahi-core", "xcb"}) {
+        if (header.starts_with(std::string(library) + "/"))
+            return library;
+    }
+    for (const char* library : {"archive", "expat", "sodium"}) {
+        if (header.starts_with(library))
+            return library;
+    }
+    static const std::set<std::string> system = {"dirent.h", "fcntl.h", "ifaddrs.h",
+                                                 "poll.h",   "pwd.h",   "unistd.h"};
+    static const std::regex systemFolders("(linux|net|netinet|sys)/.*");
+    return isOf(header, system) || std::regex_match(header, systemFolders) ? "system" : header;
 }
+
+bool mayInclude(const std::string& room, const std::string& include)
+{
+    const auto other = roomOf(include);
+    const auto& allowed = rooms().at(room).rooms;
+    return other == room || allowed.contains(other) || allowed.contains(include);
+}
+
+bool mayIncludeLibrary(const std::string& room, const std::string& library)
+{
+    const auto& allowed = rooms().at(room).libraries;
+    return library.empty() || allowed.contains(library) ||
+           (library == "sockets" && allowed.contains("system"));
+}
+
+/// Made by the build from sources of the same room.
+bool isGenerated(const std::string& include) { return include.ends_with(".moc"); }
 
 std::vector<std::string> violations(const SourceFile& file)
 {
     static const std::regex includeLine(R"(^\s*#\s*include\s*([<"])([^>"]+)[>"])");
-    const Room* room = roomOf(file.path);
-    if (!room)
+    const auto room = roomOf(file.path);
+    if (room.empty())
         return {file.path + " belongs to no room"};
     std::vector<std::string> found;
     for (const auto& line : file.lines) {
@@ -129,18 +124,15 @@ std::vector<std::string> violations(const SourceFile& file)
         if (!std::regex_search(line, match, includeLine))
             continue;
         const std::string include = match[2];
-        const bool quoted = match[1] == "\"";
-        const bool allowed = quoted
-                                 ? isGenerated(include) || (mayIncludeProjectFile(*room, include) &&
-                                                            !isFakeForAProduct(*room, include))
-                                 : mayIncludeSystemHeader(*room, include);
+        const bool allowed = match[1] == "\"" ? isGenerated(include) || mayInclude(room, include)
+                                              : mayIncludeLibrary(room, libraryOf(include));
         if (!allowed)
             found.push_back(file.path + " must not include " + include);
     }
     return found;
 }
 
-TEST(IncludeDirection, EveryIncludePointsDown)
+TEST(IncludeDirection, EveryIncludeStandsInTheTable)
 {
     const auto files = productSources();
     ASSERT_GT(files.size(), 30u);
@@ -150,20 +142,89 @@ TEST(IncludeDirection, EveryIncludePointsDown)
     }
 }
 
-TEST(IncludeDirection, AToolkitHeaderInTheCoreIsFound)
+TEST(IncludeDirection, TheTableNamesOnlyWhatIsThere)
 {
-    EXPECT_EQ(violations({"Common/Example.cpp", {"#include <QString>"}}).size(), 1u);
-    EXPECT_EQ(violations({"Source/Example.cpp", {"#include <unistd.h>"}}).size(), 1u);
-    EXPECT_EQ(violations({"Common/Example.cpp", {"#include <arpa/inet.h>"}}).size(), 0u);
+    for (const auto& [name, room] : rooms()) {
+        EXPECT_TRUE(std::filesystem::is_directory(root / name)) << name;
+        for (const auto& other : room.rooms)
+            EXPECT_TRUE(rooms().contains(other) || std::filesystem::is_regular_file(root / other))
+                << name << " may include " << other;
+    }
 }
 
-TEST(IncludeDirection, AnArrowThatPointsUpIsFound)
+/// Room by room, all the rooms that can be reached from it.
+void collectBelow(const std::string& name, std::set<std::string>& below)
 {
-    EXPECT_EQ(violations({"Common/Example.cpp", {"#include \"Source/FVEDisplay.h\""}}).size(), 1u);
-    EXPECT_EQ(violations({"Controls/Example.h", {"#include \"Platform/RunLoop.h\""}}).size(), 1u);
-    EXPECT_EQ(violations({"Link/Example.h", {"#include \"Platform/Fake/FakeLog.h\""}}).size(), 1u);
-    EXPECT_EQ(violations({"Source/E.cpp", {"#include \"Platform/Posix/PosixBundle.h\""}}).size(),
-              1u);
+    for (const auto& other : rooms().at(name).rooms) {
+        if (rooms().contains(other) && below.insert(other).second)
+            collectBelow(other, below);
+    }
+}
+
+TEST(IncludeDirection, NoRoomIsBelowItself)
+{
+    for (const auto& [name, room] : rooms()) {
+        std::set<std::string> below;
+        collectBelow(name, below);
+        EXPECT_FALSE(below.contains(name)) << name;
+    }
+}
+
+TEST(IncludeDirection, EveryRoomSaysWhatItIs)
+{
+    std::set<std::string> folders = {"Tests", "Benchmarks"};
+    for (const auto& [name, room] : rooms())
+        folders.insert(name);
+    for (const auto& folder : folders) {
+        std::ifstream readme(root / folder / "README.md");
+        EXPECT_TRUE(readme.good()) << folder << " has no README.md";
+        const auto lines = std::count(std::istreambuf_iterator<char>(readme), {}, '\n');
+        EXPECT_LE(lines, 8) << folder << "/README.md is longer than it may be";
+    }
+}
+
+struct Forbidden {
+    const char* path;
+    const char* line;
+};
+
+class AForbiddenInclude : public testing::TestWithParam<Forbidden>
+{
+};
+
+TEST_P(AForbiddenInclude, IsFound)
+{
+    EXPECT_EQ(violations({GetParam().path, {GetParam().line}}).size(), 1u)
+        << GetParam().path << ": " << GetParam().line;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    IncludeDirection, AForbiddenInclude,
+    testing::Values(
+        Forbidden{"Common/Example.cpp", "#include <QString>"},
+        Forbidden{"Source/Example.cpp", "#include <unistd.h>"},
+        Forbidden{"Common/Example.cpp", "#include \"Source/FVEDisplay.h\""},
+        Forbidden{"Controls/Example.h", "#include \"Platform/RunLoop.h\""},
+        Forbidden{"Link/Example.h", "#include \"Platform/Fake/FakeLog.h\""},
+        Forbidden{"Source/Example.cpp", "#include \"Platform/Posix/PosixBundle.h\""},
+        Forbidden{"Platform/Posix/Example.cpp", "#include <QString>"},
+        Forbidden{"Platform/Posix/Example.cpp", "#include \"Platform/Desktop/QtRunLoop.h\""},
+        Forbidden{"Platform/Desktop/Example.cpp", "#include <QWidget>"},
+        Forbidden{"Platform/Desktop/Example.cpp", "#include <xcb/xcb.h>"},
+        Forbidden{"Link/Example.cpp", "#include <QWidget>"},
+        Forbidden{"Link/Example.cpp", "#include <QtWidgets/QWidget>"},
+        Forbidden{"Controls/Qt/Example.cpp", "#include \"Common/FVEPreferences.h\""},
+        Forbidden{"Controls/Qt/Example.cpp", "#include <QDBusMessage>"},
+        Forbidden{"Applications/PrivilegedHelpers/Example.cpp",
+                  "#include \"Controls/Qt/DesktopLook.h\""},
+        Forbidden{"Applications/Update/Example.cpp", "#include \"Source/FVEDisplay.h\""},
+        Forbidden{"Elsewhere/Example.cpp", ""}));
+
+TEST(IncludeDirection, AllowedIncludesAreNotReported)
+{
+    EXPECT_EQ(violations({"Common/Example.cpp", {"#include <arpa/inet.h>"}}).size(), 0u);
+    EXPECT_EQ(violations({"Link/Example.cpp", {"#include <QTcpSocket>"}}).size(), 0u);
+    EXPECT_EQ(violations({"Source/Example.cpp", {"#include \"Controls/Menu.h\""}}).size(), 0u);
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Posix/PosixBundle.h"
-#include "Platform/Posix/StringsFile.h"
+#include "Platform/Posix/PropertyLists/StringsFile.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

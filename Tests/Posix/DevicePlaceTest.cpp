@@ -1,4 +1,4 @@
-#include "Platform/Posix/DevicePlace.h"
+#include "Platform/Posix/Registry/DevicePlace.h"
 
 #include <gtest/gtest.h>
 

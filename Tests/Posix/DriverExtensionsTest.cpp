@@ -1,4 +1,4 @@
-#include "Platform/Posix/DriverExtensions.h"
+#include "Platform/Posix/Registry/DriverExtensions.h"
 
 #include "Tests/Support/LesserRights.h"
 #include "Tests/Support/TemporaryFolder.h"

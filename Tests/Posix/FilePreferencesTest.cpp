@@ -1,4 +1,4 @@
-#include "Platform/Posix/MachineIdentifier.h"
+#include "Platform/Posix/Settings/MachineIdentifier.h"
 #include "Tests/Posix/PreferencesFixture.h"
 
 #include <chrono>

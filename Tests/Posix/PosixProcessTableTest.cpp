@@ -1,4 +1,4 @@
-#include "Platform/Posix/PosixProcessTable.h"
+#include "Platform/Posix/Processes/PosixProcessTable.h"
 
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TemporaryFolder.h"

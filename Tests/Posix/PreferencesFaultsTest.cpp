@@ -1,5 +1,5 @@
-#include "Platform/Posix/LockFile.h"
-#include "Platform/Posix/PropertyListReader.h"
+#include "Platform/Posix/PropertyLists/PropertyListReader.h"
+#include "Platform/Posix/Settings/LockFile.h"
 #include "Tests/Posix/PreferencesFixture.h"
 #include "Tests/Support/ForkedProcess.h"
 

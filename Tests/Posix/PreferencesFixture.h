@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Fake/FakeLog.h"
-#include "Platform/Posix/FilePreferences.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

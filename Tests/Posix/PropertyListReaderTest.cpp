@@ -1,6 +1,6 @@
-#include "Platform/Posix/PropertyListReader.h"
+#include "Platform/Posix/PropertyLists/PropertyListReader.h"
 
-#include "Platform/Posix/PropertyListWriter.h"
+#include "Platform/Posix/PropertyLists/PropertyListWriter.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

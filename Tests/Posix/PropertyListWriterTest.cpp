@@ -1,6 +1,6 @@
-#include "Platform/Posix/PropertyListWriter.h"
+#include "Platform/Posix/PropertyLists/PropertyListWriter.h"
 
-#include "Platform/Posix/PropertyListReader.h"
+#include "Platform/Posix/PropertyLists/PropertyListReader.h"
 
 #include <gtest/gtest.h>
 

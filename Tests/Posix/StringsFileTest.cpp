@@ -1,4 +1,4 @@
-#include "Platform/Posix/StringsFile.h"
+#include "Platform/Posix/PropertyLists/StringsFile.h"
 
 #include <gtest/gtest.h>
 

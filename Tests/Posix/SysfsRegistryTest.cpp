@@ -1,4 +1,4 @@
-#include "Platform/Posix/SysfsRegistry.h"
+#include "Platform/Posix/Registry/SysfsRegistry.h"
 
 #include "Tests/Support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "Platform/Posix/ToolTrust.h"
+#include "Platform/Posix/Processes/ToolTrust.h"
 
 #include "Tests/Support/TemporaryFolder.h"
 

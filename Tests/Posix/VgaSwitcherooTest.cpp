@@ -1,4 +1,4 @@
-#include "Platform/Posix/VgaSwitcheroo.h"
+#include "Platform/Posix/Registry/VgaSwitcheroo.h"
 #include "Tests/Posix/PreferencesFixture.h"
 
 namespace farview

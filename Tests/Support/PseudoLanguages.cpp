@@ -1,6 +1,6 @@
 #include "Tests/Support/PseudoLanguages.h"
 
-#include "Platform/Posix/StringsFile.h"
+#include "Platform/Posix/PropertyLists/StringsFile.h"
 
 #include <filesystem>
 #include <fstream>

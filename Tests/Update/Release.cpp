@@ -1,7 +1,7 @@
 #include "Tests/Update/Release.h"
 
-#include "Platform/Posix/PropertyListFile.h"
-#include "Platform/Posix/PropertyListWriter.h"
+#include "Platform/Posix/PropertyLists/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListWriter.h"
 
 #include <archive.h>
 #include <archive_entry.h>

@@ -1,5 +1,5 @@
 #include "Applications/Preferences/HostWindow.h"
-#include "Controls/Qt/InterfaceFile.h"
+#include "Controls/Qt/Forms/InterfaceFile.h"
 #include "Platform/Fake/FakeAccessibility.h"
 #include "Platform/Fake/FakeAccessibilitySwitch.h"
 #include "Platform/Posix/PosixBundle.h"

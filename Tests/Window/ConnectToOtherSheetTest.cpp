@@ -1,7 +1,7 @@
 #include "Common/FVEDistributedNotifications.h"
 #include "Common/FVEPreferences.h"
-#include "Controls/Qt/PopUpWidget.h"
-#include "Controls/Qt/SheetWidget.h"
+#include "Controls/Qt/Forms/SheetWidget.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Source/FVEConnectToOtherSheetController.h"
 #include "Tests/Window/PanelFixture.h"
 

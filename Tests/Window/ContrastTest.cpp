@@ -1,10 +1,10 @@
 // How far texts stand out from what they stand on, in light and in dark, measured on what is
 // painted.
 
-#include "Controls/Qt/ChiseledTextWidget.h"
 #include "Controls/Qt/DarkPalette.h"
-#include "Controls/Qt/PopUpWidget.h"
-#include "Controls/Qt/SheetWidget.h"
+#include "Controls/Qt/Forms/SheetWidget.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/Text/ChiseledTextWidget.h"
 #include "Tests/Window/PanelFixture.h"
 
 #include <QCheckBox>

@@ -1,10 +1,10 @@
 // The panel on the installed driver extensions, from their bundles to the window.
 
 #include "Common/Registry/QLNRegistryExplorer.h"
-#include "Controls/Qt/PopUpWidget.h"
-#include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Platform/Posix/PosixSearchPaths.h"
-#include "Platform/Posix/SysfsRegistry.h"
+#include "Platform/Posix/Registry/SysfsRegistry.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Window/PanelFixture.h"
 

@@ -1,5 +1,5 @@
 #include "Common/FVEConstants.h"
-#include "Controls/Qt/SheetWidget.h"
+#include "Controls/Qt/Forms/SheetWidget.h"
 #include "Source/FVEEnableHiDPIController.h"
 #include "Tests/Window/PanelFixture.h"
 

@@ -2,9 +2,9 @@
 
 #include "Applications/Preferences/HostWindow.h"
 #include "Common/FVEDistributedNotifications.h"
-#include "Controls/Qt/PopUpWidget.h"
-#include "Controls/Qt/SheetWidget.h"
-#include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/Forms/SheetWidget.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Tests/Window/PanelFixture.h"
 
 #include <QAbstractButton>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Controls/Qt/AlertBoxes.h"
-#include "Controls/Qt/BundleInterfaceLoader.h"
-#include "Controls/Qt/InterfaceFile.h"
+#include "Controls/Qt/Forms/BundleInterfaceLoader.h"
+#include "Controls/Qt/Forms/InterfaceFile.h"
 #include "Platform/Fake/FakePlatform.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/StandardErrorLog.h"

@@ -1,9 +1,9 @@
 #include "Applications/Preferences/HostWindow.h"
-#include "Controls/Qt/PageScroller.h"
-#include "Controls/Qt/PlainTiff.h"
-#include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/Forms/PageScroller.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
-#include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/Switch/PlainTiff.h"
+#include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Tests/Window/EveryLanguage.h"
 #include "Tests/Window/PanelFixture.h"
 

@@ -1,6 +1,6 @@
 #include "Common/FVEDistributedNotifications.h"
-#include "Controls/Qt/PopUpWidget.h"
-#include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Source/FVEConnectToOtherSheetController.h"
 #include "Tests/Window/RealPanel.h"
 

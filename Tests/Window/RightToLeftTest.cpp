@@ -1,10 +1,10 @@
 // The panel in a language that is written from right to left.
 
-#include "Controls/Qt/FrameContainer.h"
-#include "Controls/Qt/PopUpWidget.h"
-#include "Controls/Qt/SheetWidget.h"
+#include "Controls/Qt/Forms/FrameContainer.h"
+#include "Controls/Qt/Forms/SheetWidget.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
-#include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Tests/Support/PseudoLanguages.h"
 #include "Tests/Support/WaitUntil.h"
 #include "Tests/Window/PanelFixture.h"

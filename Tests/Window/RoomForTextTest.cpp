@@ -2,10 +2,10 @@
 // type. The program runs once for each ratio of pixels to points, which its environment tells.
 
 #include "Common/FVEDistributedNotifications.h"
-#include "Controls/Qt/PopUpWidget.h"
-#include "Controls/Qt/SheetWidget.h"
-#include "Controls/Qt/StillStyle.h"
-#include "Platform/Posix/StringsFile.h"
+#include "Controls/Qt/Forms/SheetWidget.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/ReducedMotionStyle.h"
+#include "Platform/Posix/PropertyLists/StringsFile.h"
 #include "Tests/Support/PseudoLanguages.h"
 #include "Tests/Window/PanelFixture.h"
 #include "Tests/Window/TextFaults.h"
@@ -40,7 +40,7 @@ protected:
         const double ratio = qEnvironmentVariable("FARVIEW_TEST_PIXEL_RATIO", u"1"_qs).toDouble();
         ASSERT_EQ(qGuiApp->devicePixelRatio(), ratio);
         // What is on its way is not where it belongs.
-        QApplication::setStyle(new StillStyle(u"Fusion"_qs));
+        QApplication::setStyle(new ReducedMotionStyle(u"Fusion"_qs));
     }
     void TearDown() override { QApplication::setStyle(u"Fusion"_qs); }
 

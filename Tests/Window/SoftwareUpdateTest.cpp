@@ -1,4 +1,4 @@
-#include "Controls/Qt/SheetWidget.h"
+#include "Controls/Qt/Forms/SheetWidget.h"
 #include "Platform/Types/UpdateProblemWords.h"
 #include "Tests/Window/EveryLanguage.h"
 #include "Tests/Window/PanelFixture.h"

@@ -1,8 +1,8 @@
 #include "Tests/Window/TextFaults.h"
 
-#include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
-#include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/Switch/SwitchWidget.h"
 
 #include <QAbstractScrollArea>
 #include <QHeaderView>

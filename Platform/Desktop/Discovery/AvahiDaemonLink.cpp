@@ -47,7 +47,7 @@ QString AvahiDaemonLink::systemBusAddress()
 
 void AvahiDaemonLink::look()
 {
-    if (!mConnection && !mKnock)
+    if (!mConnection && !mBusCheck)
         tryToConnect();
 }
 
@@ -55,15 +55,15 @@ void AvahiDaemonLink::tryToConnect()
 {
     mRetry.stop();
     // The library's way onto a bus waits for it; one that stopped would hold the window.
-    mKnock = std::make_unique<BusKnock>(systemBusAddress().toStdString(),
-                                        std::chrono::milliseconds(patience),
-                                        [this](BusAnswer answer) { handleKnock(answer); });
+    mBusCheck = std::make_unique<BusCheck>(systemBusAddress().toStdString(),
+                                           std::chrono::milliseconds(patience),
+                                           [this](BusAnswer answer) { handleBusAnswer(answer); });
 }
 
-void AvahiDaemonLink::handleKnock(BusAnswer answer)
+void AvahiDaemonLink::handleBusAnswer(BusAnswer answer)
 {
     // It is still telling.
-    mKnock.release()->deleteLater();
+    mBusCheck.release()->deleteLater();
     if (answer == BusAnswer::answers && openConnection()) {
         mPause.reset();
         askDaemon();

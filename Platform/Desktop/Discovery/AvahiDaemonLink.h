@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Desktop/BusHandshake.h"
-#include "Platform/Desktop/GrowingPause.h"
+#include "Platform/Desktop/Bus/BusHandshake.h"
+#include "Platform/Desktop/Bus/GrowingPause.h"
 #include "Platform/Log.h"
 #include "Platform/Types/Subscription.h"
 
@@ -66,7 +66,7 @@ private Q_SLOTS:
 
 private:
     void tryToConnect();
-    void handleKnock(BusAnswer answer);
+    void handleBusAnswer(BusAnswer answer);
     bool openConnection();
     void closeConnection();
     void askDaemon();
@@ -78,7 +78,7 @@ private:
     void ask(const QDBusMessage& message, const Answer& answer);
 
     Log& mLog;
-    std::unique_ptr<BusKnock> mKnock;
+    std::unique_ptr<BusCheck> mBusCheck;
     std::optional<QDBusConnection> mConnection;
     QString mOwner;
     Presence mPresence = Presence::unknown;

@@ -1,5 +1,5 @@
-#include "Controls/Qt/AccessibleWidgets.h"
-#include "Controls/Qt/TableWidget.h"
+#include "Controls/Qt/Accessible/AccessibleWidgets.h"
+#include "Controls/Qt/Table/TableWidget.h"
 #include "Controls/TableView.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 

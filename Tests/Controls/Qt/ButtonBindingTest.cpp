@@ -1,4 +1,4 @@
-#include "Common/FVEChiseledTextButton.h"
+#include "Controls/Switch/FVEChiseledTextButton.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QAccessible>

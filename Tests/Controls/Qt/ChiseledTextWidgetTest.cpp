@@ -1,5 +1,5 @@
-#include "Controls/Qt/ChiseledTextWidget.h"
-#include "Controls/Qt/WidgetTextCanvas.h"
+#include "Controls/Qt/Text/ChiseledTextWidget.h"
+#include "Controls/Qt/Text/WidgetTextCanvas.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QPainter>

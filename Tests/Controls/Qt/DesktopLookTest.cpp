@@ -2,7 +2,7 @@
 #include "Controls/Qt/DarkPalette.h"
 #include "Controls/Qt/Darkness.h"
 #include "Controls/Qt/SpinnerWidget.h"
-#include "Controls/Qt/WidgetAnimator.h"
+#include "Controls/Qt/Switch/WidgetAnimator.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QStyle>

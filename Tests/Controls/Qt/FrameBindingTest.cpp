@@ -1,4 +1,4 @@
-#include "Controls/Qt/FrameContainer.h"
+#include "Controls/Qt/Forms/FrameContainer.h"
 #include "Tests/Controls/Qt/HandDrivenAnimations.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 

@@ -1,4 +1,4 @@
-#include "Controls/Qt/ImageCanvas.h"
+#include "Controls/Qt/Switch/ImageCanvas.h"
 #include "Tests/Controls/Qt/SwitchSupport.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "Controls/Qt/InterfaceFile.h"
+#include "Controls/Qt/Forms/InterfaceFile.h"
 
 #include "Platform/Fake/FakeBundle.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"

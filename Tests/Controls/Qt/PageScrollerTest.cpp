@@ -1,5 +1,5 @@
-#include "Controls/Qt/PageScroller.h"
-#include "Controls/Qt/ScrolledPage.h"
+#include "Controls/Qt/Forms/PageScroller.h"
+#include "Controls/Qt/Forms/ScrolledPage.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QLabel>

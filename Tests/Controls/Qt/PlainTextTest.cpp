@@ -1,4 +1,4 @@
-#include "Controls/Qt/PlainText.h"
+#include "Controls/Qt/Text/PlainText.h"
 
 #include <gtest/gtest.h>
 

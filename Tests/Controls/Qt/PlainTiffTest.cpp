@@ -1,4 +1,4 @@
-#include "Controls/Qt/PlainTiff.h"
+#include "Controls/Qt/Switch/PlainTiff.h"
 
 #include <QBuffer>
 #include <QtEndian>

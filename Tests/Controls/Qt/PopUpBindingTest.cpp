@@ -1,6 +1,6 @@
 #include "Controls/Menu.h"
-#include "Controls/Qt/AccessibleWidgets.h"
-#include "Controls/Qt/PopUpWidget.h"
+#include "Controls/Qt/Accessible/AccessibleWidgets.h"
+#include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QAccessible>

@@ -1,5 +1,5 @@
 #include "Controls/Panel.h"
-#include "Controls/Qt/SheetWidget.h"
+#include "Controls/Qt/Forms/SheetWidget.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QLineEdit>

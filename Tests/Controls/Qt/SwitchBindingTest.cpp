@@ -1,4 +1,4 @@
-#include "Controls/Qt/AccessibleWidgets.h"
+#include "Controls/Qt/Accessible/AccessibleWidgets.h"
 #include "Tests/Controls/Qt/SwitchSupport.h"
 
 #include <QAccessible>

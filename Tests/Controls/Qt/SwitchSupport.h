@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Common/QLNOnOffView.h"
-#include "Controls/Qt/ImageFiles.h"
-#include "Controls/Qt/SwitchWidget.h"
+#include "Controls/Qt/Switch/ImageFiles.h"
+#include "Controls/Qt/Switch/SwitchWidget.h"
+#include "Controls/Switch/QLNOnOffView.h"
 #include "Platform/Fake/FakeBundle.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 

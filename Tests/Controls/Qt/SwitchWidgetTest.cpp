@@ -13,7 +13,7 @@ namespace
 constexpr int margin = SwitchWidget::margin;
 
 /// A style of a desktop on which nothing moves.
-class StillStyle final : public QProxyStyle
+class ReducedMotionStyle final : public QProxyStyle
 {
 public:
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
@@ -161,7 +161,7 @@ TEST_F(ShownSwitch, HiddenUnderTheHandItLetsGo)
 
 TEST_F(ShownSwitch, WhereNothingMayMoveTheKnobIsThereAtOnce)
 {
-    StillStyle still;
+    ReducedMotionStyle still;
     widget->setStyle(&still);
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(80));
     EXPECT_EQ(widget->position(), 1.0);

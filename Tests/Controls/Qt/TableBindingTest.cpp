@@ -1,4 +1,4 @@
-#include "Controls/Qt/TextColors.h"
+#include "Controls/Qt/Text/TextColors.h"
 #include "Controls/TableView.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 

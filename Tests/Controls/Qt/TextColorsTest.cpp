@@ -1,6 +1,6 @@
-#include "Controls/Qt/TextColors.h"
+#include "Controls/Qt/Text/TextColors.h"
 #include "Controls/Qt/DarkPalette.h"
-#include "Controls/Qt/LabelTint.h"
+#include "Controls/Qt/Text/LabelTint.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QLabel>

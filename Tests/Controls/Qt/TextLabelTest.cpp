@@ -1,4 +1,4 @@
-#include "Controls/Qt/TextLabel.h"
+#include "Controls/Qt/Text/TextLabel.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,53 @@
+#include "Platform/Desktop/Bus/BusNameWatcher.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+#include <utility>
+
+namespace farview
+{
+
+BusNameWatcher::BusNameWatcher(SessionBus& bus, const std::string& name, Changed changed)
+    : mBus(bus), mName(QString::fromStdString(name)), mChanged(std::move(changed))
+{
+    mWatcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    mWatcher.addWatchedService(mName);
+    connect(&mWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) {
+                mHeardOfAChange = true;
+                tell(!owner.isEmpty());
+            });
+    connect(&mBus, &SessionBus::connected, this, &BusNameWatcher::watch);
+    connect(&mBus, &SessionBus::disconnected, this, [this] { tell(false); });
+    if (mBus.isConnected())
+        watch();
+    else
+        QMetaObject::invokeMethod(
+            this, [this] { tell(mIsOwned.value_or(false)); }, Qt::QueuedConnection);
+}
+
+void BusNameWatcher::watch()
+{
+    // Subscribed before the question is asked, so no change can fall in between.
+    mWatcher.setConnection(mBus.connection());
+    mHeardOfAChange = false;
+    auto call = SessionBus::busCall(QStringLiteral("NameHasOwner"));
+    call << mName;
+    auto* watcher = new QDBusPendingCallWatcher(mBus.connection().asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        const QDBusPendingReply<bool> reply = *watcher;
+        watcher->deleteLater();
+        // Answer and change come by different ways: the answer may be the older one.
+        if (!mHeardOfAChange)
+            tell(!reply.isError() && reply.value());
+    });
+}
+
+void BusNameWatcher::tell(bool isOwned)
+{
+    if (std::exchange(mIsOwned, isOwned) != isOwned)
+        mChanged(isOwned);
+}
+
+} // namespace farview

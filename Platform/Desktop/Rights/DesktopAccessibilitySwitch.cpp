@@ -1,0 +1,163 @@
+#include "Platform/Desktop/Rights/DesktopAccessibilitySwitch.h"
+
+#include <QDBusError>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QPointer>
+
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+using Problem = AccessibilitySwitch::Problem;
+
+constexpr auto serviceName = "org.a11y.Bus";
+const QString statusInterface = QStringLiteral("org.a11y.Status");
+const QString property = QStringLiteral("IsEnabled");
+const QString path = QStringLiteral("/org/a11y/bus");
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+constexpr int limit = 5000; // milliseconds; the service may have to be started
+
+QDBusMessage propertyCall(const char* member)
+{
+    return QDBusMessage::createMethodCall(QString::fromLatin1(serviceName), path,
+                                          propertiesInterface, QString::fromLatin1(member))
+           << statusInterface << property;
+}
+
+Problem problemOf(const QDBusError& error)
+{
+    if (!error.isValid())
+        return Problem::none;
+    const bool nobody = error.type() == QDBusError::ServiceUnknown ||
+                        error.type() == QDBusError::Disconnected ||
+                        error.name() == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
+    return nobody ? Problem::noService : Problem::noAnswer;
+}
+
+} // namespace
+
+DesktopAccessibilitySwitch::DesktopAccessibilitySwitch(SessionBus& bus) : mBus(bus)
+{
+    connect(&mBus, &SessionBus::connected, this, &DesktopAccessibilitySwitch::listen);
+    if (mBus.isConnected())
+        listen();
+}
+
+void DesktopAccessibilitySwitch::listen()
+{
+    mBus.connection().connect(QString::fromLatin1(serviceName), path, propertiesInterface,
+                              QStringLiteral("PropertiesChanged"), this,
+                              SLOT(propertiesChanged(QString)));
+}
+
+Subscription DesktopAccessibilitySwitch::observe(Observer observer)
+{
+    mObserver = std::move(observer);
+    mIsKnown = false;
+    mService.emplace(mBus, serviceName, [this](bool isThere) { serviceChanged(isThere); });
+    mSetting.isThere(
+        [this](bool isThere) { learnLifetime(isThere ? Lifetime::kept : Lifetime::session); });
+    return Subscription([self = QPointer(this), observation = ++mObservation] {
+        if (!self || self->mObservation != observation)
+            return;
+        self->mObserver = nullptr;
+        self->mService.reset();
+    });
+}
+
+void DesktopAccessibilitySwitch::serviceChanged(bool isThere)
+{
+    // A service that went is not started again: one that crashes would do so for ever.
+    if (isThere || !mIsKnown)
+        read([] {});
+    else
+        tell({std::nullopt, Problem::noService, mState.lifetime});
+}
+
+void DesktopAccessibilitySwitch::propertiesChanged(const QString& interface)
+{
+    if (interface == statusInterface && mObserver)
+        read([] {});
+}
+
+void DesktopAccessibilitySwitch::read(Then then)
+{
+    const auto call = mBus.connection().asyncCall(propertyCall("Get"), limit);
+    whenFinished(call, [this, then = std::move(then)](QDBusPendingCallWatcher& answer) {
+        const QDBusPendingReply<QDBusVariant> reply = answer;
+        State state{std::nullopt, problemOf(reply.error()), mState.lifetime};
+        if (!reply.isError())
+            state.isOn = reply.value().variant().toBool();
+        tell(state);
+        then();
+    });
+}
+
+void DesktopAccessibilitySwitch::set(bool on, Done done)
+{
+    if (mState.lifetime == Lifetime::session) {
+        setOnBus(on, done);
+        return;
+    }
+    mSetting.store(on, [this, on, done = std::move(done)](bool isStored) {
+        if (!isStored)
+            learnLifetime(Lifetime::session);
+        setOnBus(on, done);
+    });
+}
+
+void DesktopAccessibilitySwitch::setOnBus(bool on, const Done& done)
+{
+    auto message = propertyCall("Set");
+    message << QVariant::fromValue(QDBusVariant(on));
+    const auto call = mBus.connection().asyncCall(message, limit);
+    whenFinished(call, [this, on, done](QDBusPendingCallWatcher& answer) {
+        if (const auto problem = problemOf(answer.error()); problem != Problem::none)
+            done(problem);
+        else
+            read([this, on, done] { finish(on, done); });
+    });
+}
+
+void DesktopAccessibilitySwitch::finish(bool on, const Done& done)
+{
+    if (mState.problem != Problem::none)
+        done(mState.problem);
+    else
+        done(mState.isOn == on ? Problem::none : Problem::notTaken);
+}
+
+void DesktopAccessibilitySwitch::whenFinished(const QDBusPendingCall& call,
+                                              std::function<void(QDBusPendingCallWatcher&)> then)
+{
+    auto* watcher = new QDBusPendingCallWatcher(call, this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, then = std::move(then)] {
+        watcher->deleteLater();
+        then(*watcher);
+    });
+}
+
+void DesktopAccessibilitySwitch::learnLifetime(Lifetime lifetime)
+{
+    State state = mState;
+    state.lifetime = lifetime;
+    if (mIsKnown)
+        tell(state);
+    else
+        mState = state;
+}
+
+void DesktopAccessibilitySwitch::tell(const State& state)
+{
+    const bool isNews = !std::exchange(mIsKnown, true) || state != mState;
+    mState = state;
+    if (isNews && mObserver)
+        mObserver(mState);
+}
+
+} // namespace farview

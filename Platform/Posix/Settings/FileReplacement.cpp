@@ -1,0 +1,146 @@
+#include "Platform/Posix/Settings/FileReplacement.h"
+
+#include "Platform/Posix/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+
+namespace farview
+{
+namespace
+{
+
+std::string parentOf(const std::string& path)
+{
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+bool isFolder(const std::string& path)
+{
+    struct stat status {
+    };
+    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+int synchronizeFolder(const std::string& path)
+{
+    const FileDescriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen())
+        return errno;
+    // Some file systems cannot synchronize a folder; they have nothing to lose there.
+    return ::fsync(folder.get()) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno;
+}
+
+int writeAll(int descriptor, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const auto count = ::write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR)
+            return errno;
+        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    return 0;
+}
+
+/// A second name, or, where the file system or its rules know no second names, a new name. Never
+/// takes the place of a file.
+int nameAside(const std::string& path, const std::string& aside)
+{
+    if (::link(path.c_str(), aside.c_str()) == 0)
+        return 0;
+    if (errno == EEXIST)
+        return EEXIST;
+    const int result =
+        ::renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE);
+    return result == 0 ? 0 : errno;
+}
+
+} // namespace
+
+std::string resolvedLink(const std::string& path)
+{
+    constexpr int mostLinks = 40;
+    std::string current = path;
+    for (int links = 0; links < mostLinks; ++links) {
+        std::array<char, PATH_MAX> target{};
+        const auto length = ::readlink(current.c_str(), target.data(), target.size());
+        if (length < 0)
+            return current;
+        const std::string next(target.data(), static_cast<std::size_t>(length));
+        current = next.starts_with('/') ? next : parentOf(current).append("/").append(next);
+    }
+    return {};
+}
+
+int makeFolders(const std::string& path, mode_t mode)
+{
+    if (isFolder(path))
+        return 0;
+    const auto parent = parentOf(path);
+    if (parent != path) {
+        if (const int error = makeFolders(parent, mode))
+            return error;
+    }
+    if (::mkdir(path.c_str(), mode) != 0)
+        return errno == EEXIST && isFolder(path) ? 0 : errno;
+    if (::chmod(path.c_str(), mode) != 0)
+        return errno;
+    return synchronizeFolder(parent);
+}
+
+int setAsideFile(const std::string& path, std::string& asidePath)
+{
+    constexpr int mostAsides = 10000;
+    for (int number = 1; number <= mostAsides; ++number) {
+        asidePath = path + ".broken-" + std::to_string(number);
+        const int error = nameAside(path, asidePath);
+        if (error != EEXIST)
+            return error;
+    }
+    return EEXIST;
+}
+
+FileReplacement::FileReplacement(std::string path, std::string temporaryPath)
+    : mPath(std::move(path)), mTemporaryPath(std::move(temporaryPath))
+{
+}
+
+FileReplacement::~FileReplacement()
+{
+    if (mHasTemporary)
+        ::unlink(mTemporaryPath.c_str());
+}
+
+int FileReplacement::write(std::string_view bytes, mode_t mode)
+{
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    ::unlink(mTemporaryPath.c_str());
+    const FileDescriptor file(::open(mTemporaryPath.c_str(), flags, S_IRUSR | S_IWUSR));
+    if (!file.isOpen())
+        return errno;
+    mHasTemporary = true;
+    if (::fchmod(file.get(), mode) != 0)
+        return errno;
+    if (const int error = writeAll(file.get(), bytes))
+        return error;
+    return ::fsync(file.get()) == 0 ? 0 : errno;
+}
+
+int FileReplacement::commit()
+{
+    if (::rename(mTemporaryPath.c_str(), mPath.c_str()) != 0)
+        return errno;
+    mHasTemporary = false;
+    return synchronizeFolder(parentOf(mPath));
+}
+
+} // namespace farview

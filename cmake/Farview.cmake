@@ -112,10 +112,11 @@ function(farview_program NAME)
   endif()
 endfunction()
 
-# farview_test(NAME SOURCES ... [LINK ...] [LABELS ...] [TIMEOUT seconds] [QT] [OWN_MAIN])
-# A GoogleTest program; each of its tests becomes one of ctest's. OWN_MAIN: the sources bring a main().
+# farview_test(NAME SOURCES ... [LINK ...] [LABELS ...] [TIMEOUT seconds] [QT] [OWN_MAIN] [SEPARATELY])
+# A GoogleTest program; each of its tests becomes one of ctest's. OWN_MAIN: the sources bring a main(). SEPARATELY: they
+# use the same names for different things, and are compiled one by one.
 function(farview_test NAME)
-  cmake_parse_arguments(ARG "QT;OWN_MAIN" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "QT;OWN_MAIN;SEPARATELY" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
   add_executable(${NAME} ${ARG_SOURCES})
   set_property(GLOBAL APPEND PROPERTY FARVIEW_TEST_TARGETS ${NAME})
   target_link_libraries(${NAME} PRIVATE farview_options ${ARG_LINK} GTest::gmock)
@@ -123,6 +124,10 @@ function(farview_test NAME)
     target_link_libraries(${NAME} PRIVATE GTest::gtest_main)
   endif()
   set_target_properties(${NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  # Several files at a time: they share most of what they include.
+  if(NOT ARG_SEPARATELY)
+    set_target_properties(${NAME} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  endif()
   # The code under test is built as users get it; optimising the tests themselves only costs time.
   target_compile_options(${NAME} PRIVATE -O0)
   if(ARG_QT)

@@ -18,7 +18,7 @@ namespace
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 using Entry = IORegistry::Entry;
-const std::string plane = "IOService";
+const std::string servicePlane = "IOService";
 
 class SysfsRegistryFaults : public testing::Test
 {
@@ -37,23 +37,23 @@ protected:
         fs::remove_all(mFolder.path("sys/devices/" + path));
     }
     Entry at(const std::string& path) { return mRegistry.entryFromPath(path); }
-    std::string model() { return mRegistry.nameInPlane(machine(), plane); }
-    Entry machine() { return mRegistry.childEntries(mRegistry.rootEntry(), plane).front(); }
+    std::string model() { return mRegistry.nameInPlane(machine(), servicePlane); }
+    Entry machine() { return mRegistry.childEntries(mRegistry.rootEntry(), servicePlane).front(); }
     Names namesBelow(Entry entry)
     {
         Names names;
-        for (const auto each : mRegistry.childEntries(entry, plane))
-            names.push_back(mRegistry.nameInPlane(each, plane));
+        for (const auto each : mRegistry.childEntries(entry, servicePlane))
+            names.push_back(mRegistry.nameInPlane(each, servicePlane));
         return names;
     }
     /// All entries below that one, and itself, asked everything that a walk asks.
     std::set<Entry> walk(Entry entry)
     {
         std::set<Entry> seen{entry};
-        mRegistry.nameInPlane(entry, plane);
-        mRegistry.locationInPlane(entry, plane);
+        mRegistry.nameInPlane(entry, servicePlane);
+        mRegistry.locationInPlane(entry, servicePlane);
         mRegistry.className(entry);
-        for (const auto child : mRegistry.childEntries(entry, plane))
+        for (const auto child : mRegistry.childEntries(entry, servicePlane))
             seen.merge(walk(child));
         return seen;
     }

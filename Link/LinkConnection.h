@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 #include "Link/LinkEnd.h"
 
 #include <QByteArray>

@@ -221,7 +221,7 @@ TEST_F(LinkConnectionTest, CarriesScreenRectanglesWhereThatWasAgreed)
     const LinkGreeting speaks{1, 1, {{kLinkScreenFeature, false}}};
     begin(speaks, speaks);
     ASSERT_TRUE(waitUntil([&] { return atHost->opened && atDevice->opened; }));
-    const LinkScreenRectangle sent{1, 2, 3, 4, 0, Bytes(300000, 7)};
+    const LinkScreenRectangle sent{{1, 2, 3, 4}, 0, Bytes(300000, 7)};
     host->send(sent);
     ASSERT_TRUE(waitUntil([&] { return !atDevice->frames.empty(); }));
     EXPECT_EQ(atDevice->frames.front(), LinkFrame(sent));

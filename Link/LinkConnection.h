@@ -107,10 +107,9 @@ private:
     void processInbox();
     bool wasDropped() const;
     std::size_t processNext(ByteView bytes);
-    std::size_t processGreeting(ByteView bytes);
+    template <typename Value> std::size_t process(const Decoded<Value>& decoded);
     LinkAnswer answerTo(const LinkGreeting& host);
-    std::size_t processAnswer(ByteView bytes);
-    std::size_t processFrame(ByteView bytes);
+    void take(const LinkGreeting& greeting);
     void take(const LinkAnswer& answer);
     void take(const LinkFrame& frame);
     bool isAllowed(const LinkFrame& frame) const;

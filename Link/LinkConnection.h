@@ -128,7 +128,7 @@ private:
     LinkGreeting mSpeaks;
     LinkTimes mTimes;
     std::weak_ptr<LinkConnectionDelegate> mDelegate;
-    /// What the socket reads from; it goes before them.
+    /// What the socket reads from, so that it is destroyed first.
     std::deque<Bytes> mUnsent;
     std::size_t mUnsentSize = 0; ///< of all of `mUnsent`
     bool mRoomIsAwaited = false;

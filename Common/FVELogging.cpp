@@ -6,11 +6,12 @@
 #include "Platform/Platform.h"
 #include "Platform/SearchPaths.h"
 
+#include <array>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 #include <random>
+#include <span>
 
 using farview::Platform;
 
@@ -98,37 +99,7 @@ void writeData(std::uint8_t encoding, std::span<const std::uint8_t> data)
             name);
 }
 
-/// One field of a packed header: the fields lie at odd places, so they are copied byte by byte.
-template <typename Field> Field fieldAt(const std::uint8_t* bytes)
-{
-    Field field;
-    std::memcpy(&field, bytes, sizeof field);
-    return field;
-}
-
 } // namespace
-
-QLPackedScreenRectangleHeader packedScreenRectangleHeader(const QLScreenRectangleHeader& header)
-{
-    const auto& rect = header.rectangle;
-    QLPackedScreenRectangleHeader packed{};
-    std::uint8_t* end = packed.data();
-    for (const std::int16_t number : {rect.x, rect.y, rect.width, rect.height}) {
-        std::memcpy(end, &number, sizeof number);
-        end += sizeof number;
-    }
-    *end++ = header.encoding;
-    std::memcpy(end, &header.dataSize, sizeof header.dataSize);
-    return packed;
-}
-
-QLScreenRectangleHeader unpackedScreenRectangleHeader(const std::uint8_t* packed)
-{
-    const QLSimpleRect rectangle = {
-        fieldAt<std::int16_t>(packed), fieldAt<std::int16_t>(packed + 2),
-        fieldAt<std::int16_t>(packed + 4), fieldAt<std::int16_t>(packed + 6)};
-    return {rectangle, packed[8], fieldAt<std::uint32_t>(packed + 9)};
-}
 
 void EnableLoggingScreenRectangleLogging()
 {
@@ -163,7 +134,8 @@ void NSLogScreenRectangle(const std::uint8_t* header, const std::uint8_t* data, 
 {
     if (!header || !isLogging)
         return;
-    const auto values = unpackedScreenRectangleHeader(header);
+    farview::ByteReader reader({header, farview::kScreenPacketHeaderSize});
+    const auto values = farview::readScreenPacketHeader(reader);
     logLine("screenRectangle = " + NSStringFromQLSimpleRect(values.rectangle) +
             ", encoding: " + NSStringFromEncoding(values.encoding) +
             ", dataSize: " + std::to_string(static_cast<std::int32_t>(values.dataSize)));

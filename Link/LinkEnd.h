@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Link/LinkGreeting.h"
+#include "Link/Wire/LinkGreeting.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 #include "Applications/Device/DeviceArguments.h"
 
 #include "Applications/Device/DeviceNames.h"
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 
 #include <charconv>
 #include <functional>

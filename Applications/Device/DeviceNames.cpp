@@ -1,6 +1,6 @@
 #include "Applications/Device/DeviceNames.h"
 
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Link/LinkEnd.h"
-#include "Link/LinkFrame.h"
+#include "Link/Wire/LinkFrame.h"
 #include "Platform/NetService.h"
 
 #include <functional>

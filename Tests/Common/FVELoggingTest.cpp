@@ -1,13 +1,11 @@
 #include "Common/FVELogging.h"
 
+#include "Link/Wire/LinkCodec.h"
 #include "Platform/Fake/FakePlatform.h"
 #include "Tests/Support/ForkedProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <bit>
-#include <cstring>
 
 using farview::Data;
 using farview::inItsOwnProcess;
@@ -22,6 +20,13 @@ namespace
 const std::string uuid = "[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}";
 const std::string firstFolder = "/home/user/FarviewLogging (2026-01-02 03:04:05 +0000)";
 const std::string secondFolder = "/home/user/FarviewLogging (2026-01-02 03:04:06 +0000)";
+
+farview::Bytes bytesOf(const farview::ScreenPacketHeader& header)
+{
+    farview::Bytes bytes;
+    farview::appendScreenPacketHeader(bytes, header);
+    return bytes;
+}
 
 // Logging is switched on for the life of a process, so each of these tests has one of its own.
 class FVELoggingTest : public testing::Test
@@ -50,8 +55,7 @@ protected:
 
     farview::FakePlatform fake;
     farview::Platform::Scope scope{fake.platform()};
-    QLPackedScreenRectangleHeader header =
-        packedScreenRectangleHeader({{-1, 2, 300, -4}, QLScreenEncodingJPG, 4});
+    farview::Bytes header = bytesOf({{-1, 2, 300, -4}, QLScreenEncodingJPG, 4});
 };
 
 TEST_F(FVELoggingTest, LoggingIsOffAndThenNothingIsLogged)
@@ -144,6 +148,20 @@ TEST_F(FVELoggingTest, APacketIsLoggedAndItsDataWrittenToAFileOfItsOwn)
     });
 }
 
+TEST_F(FVELoggingTest, WhatTravelsOnTheLinkIsLoggedAsItTravels)
+{
+    inItsOwnProcess([this] {
+        EnableLoggingScreenRectangleLogging();
+        const auto frame =
+            encodeFrame(farview::LinkScreenRectangle{{-1, 2, 300, -4}, QLScreenEncodingLibz, {9}});
+        const auto* packet = frame.data() + farview::kLinkFrameHeaderSize;
+        NSLogScreenRectangle(packet, packet + farview::kScreenPacketHeaderSize, 1);
+        EXPECT_EQ(lines()[1], "screenRectangle = { { -1, 2 }, { 300, -4 } }, encoding: "
+                              "QLScreenEncodingLibz, dataSize: 1");
+        EXPECT_EQ(fake.fileManager.data().begin()->second, Data::fromText("\t"));
+    });
+}
+
 TEST_F(FVELoggingTest, WithoutDataThereIsOnlyALine)
 {
     inItsOwnProcess([this] {
@@ -185,7 +203,7 @@ TEST_F(FVELoggingTest, ASizeThatIsTooLargePrintsAsASignedNumber)
 {
     inItsOwnProcess([this] {
         EnableLoggingScreenRectangleLogging();
-        header = packedScreenRectangleHeader({{}, 5, 0xFFFFFFFE});
+        header = bytesOf({{}, 5, 0xFFFFFFFE});
         NSLogScreenRectangle(header.data(), nullptr, 0);
         EXPECT_EQ(lines().back(), "screenRectangle = { { 0, 0 }, { 0, 0 } }, encoding: Undefined "
                                   "encoding, dataSize: -2");
@@ -217,37 +235,6 @@ TEST(QLSimpleGeometry, PrintsAsPairsInBraces)
 {
     EXPECT_EQ(NSStringFromQLSimplePoint({-32768, 32767}), "{ -32768, 32767 }");
     EXPECT_EQ(NSStringFromQLSimpleRect({-1, 2, 300, -4}), "{ { -1, 2 }, { 300, -4 } }");
-}
-
-TEST(QLSimpleGeometry, TheFirstNumberLiesInTheLowestBits)
-{
-    if constexpr (std::endian::native == std::endian::little) {
-        EXPECT_EQ(std::bit_cast<std::uint32_t>(QLSimplePoint{1, 2}), 0x00020001U);
-        EXPECT_EQ(std::bit_cast<std::uint64_t>(QLSimpleRect{1, 2, 3, 4}), 0x0004000300020001U);
-    }
-    EXPECT_EQ(sizeof(QLSimplePoint), 4U);
-    EXPECT_EQ(sizeof(QLSimpleRect), 8U);
-}
-
-TEST(QLScreenRectangleHeader, LiesInThirteenBytesWithoutGaps)
-{
-    const QLScreenRectangleHeader header{{0x0102, -2, 300, -32768}, 4, 0x0A0B0C0D};
-    const auto packed = packedScreenRectangleHeader(header);
-    EXPECT_EQ(packed.size(), 13U);
-    EXPECT_EQ(std::memcmp(packed.data(), &header.rectangle, 8), 0);
-    EXPECT_EQ(packed[8], 4);
-    EXPECT_EQ(std::memcmp(packed.data() + 9, &header.dataSize, 4), 0);
-}
-
-TEST(QLScreenRectangleHeader, IsReadFromAnyPlace)
-{
-    const QLScreenRectangleHeader header{{-1, 2, 300, -4}, 255, 0xFFFFFFFF};
-    const auto packed = packedScreenRectangleHeader(header);
-    for (std::size_t place = 0; place < 8; ++place) {
-        std::array<std::uint8_t, 21> packet{};
-        std::copy(packed.begin(), packed.end(), packet.begin() + place);
-        EXPECT_EQ(unpackedScreenRectangleHeader(packet.data() + place), header);
-    }
 }
 
 } // namespace

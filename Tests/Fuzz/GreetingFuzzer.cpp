@@ -1,6 +1,6 @@
 // Greetings of hosts and answers of devices: the first bytes between strangers.
 
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 #include "Tests/Fuzz/Expect.h"
 
 using farview::ByteView;

@@ -1,7 +1,7 @@
 // Headers of screen packets, alone and in the frames of the link.
 
 #include "Common/FVELogging.h"
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 #include "Tests/Fuzz/Expect.h"
 
 #include <algorithm>
@@ -9,11 +9,13 @@
 namespace
 {
 
-void readHeader(const std::uint8_t* bytes)
+void readHeader(farview::ByteView bytes)
 {
-    const auto header = unpackedScreenRectangleHeader(bytes);
-    const auto again = packedScreenRectangleHeader(header);
-    expect(std::equal(again.begin(), again.end(), bytes), "a header is packed as it was");
+    farview::ByteReader reader(bytes);
+    const auto header = farview::readScreenPacketHeader(reader);
+    farview::Bytes again;
+    farview::appendScreenPacketHeader(again, header);
+    expect(std::equal(again.begin(), again.end(), bytes.begin()), "a header is packed as it was");
     expect(!NSStringFromQLSimpleRect(header.rectangle).empty(), "a rectangle has a text");
     expect(!NSStringFromEncoding(header.encoding).empty(), "an encoding has a name");
     expect(!NSStringExtensionFromEncoding(header.encoding).empty(), "and an extension");
@@ -35,8 +37,8 @@ void readFrame(farview::ByteView bytes)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
-    if (size >= kQLScreenRectangleHeaderSize)
-        readHeader(bytes);
+    if (size >= farview::kScreenPacketHeaderSize)
+        readHeader({bytes, size});
     readFrame({bytes, size});
     return 0;
 }

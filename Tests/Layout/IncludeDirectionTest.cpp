@@ -69,7 +69,8 @@ bool isOf(const std::string& header, const std::set<std::string>& headers)
 /// standard library.
 std::string libraryOf(const std::string& header)
 {
-    static const std::set<std::string> sockets = {"arpa/inet.h", "netinet/in.h", "sys/socket.h"};
+    static const std::set<std::string> sockets = {"arpa/inet.h", "netinet/in.h", "netinet/tcp.h",
+                                                  "sys/socket.h"};
     static const std::filesystem::path toolkit = FARVIEW_QT_HEADERS;
     for (const char* module :
          {"QtCore", "QtDBus", "QtGui", "QtNetwork", "QtUiTools", "QtWidgets"}) {
@@ -212,6 +213,8 @@ INSTANTIATE_TEST_SUITE_P(
         Forbidden{"Platform/Desktop/Example.cpp", "#include <QWidget>"},
         Forbidden{"Platform/Desktop/Example.cpp", "#include <xcb/xcb.h>"},
         Forbidden{"Link/Example.cpp", "#include <QWidget>"},
+        Forbidden{"Link/Wire/Example.h", "#include <QByteArray>"},
+        Forbidden{"Link/Wire/Example.h", "#include \"Common/FVELogging.h\""},
         Forbidden{"Link/Example.cpp", "#include <QtWidgets/QWidget>"},
         Forbidden{"Controls/Qt/Example.cpp", "#include \"Common/FVEPreferences.h\""},
         Forbidden{"Controls/Qt/Example.cpp", "#include <QDBusMessage>"},

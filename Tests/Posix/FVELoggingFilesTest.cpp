@@ -36,7 +36,8 @@ TEST_F(FVELoggingFilesTest, PacketsLieInAFolderThatOnlyTheUserEnters)
 {
     // Logging is never switched off again.
     inItsOwnProcess([] {
-        const auto header = packedScreenRectangleHeader({{}, QLScreenEncodingLibz, 5});
+        farview::Bytes header;
+        farview::appendScreenPacketHeader(header, {{}, QLScreenEncodingLibz, 5});
         EnableLoggingScreenRectangleLogging();
         for (const char* data : {"first", "other"})
             NSLogScreenRectangle(header.data(), reinterpret_cast<const std::uint8_t*>(data), 5);

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Link/Wire/ByteReader.h"
+#include "Link/Wire/ScreenPacket.h"
+#include "Platform/Types/PixelRect.h"
+
 #include <cstdint>
 #include <string>
 #include <variant>
-#include <vector>
 
 namespace farview
 {
@@ -33,15 +36,11 @@ struct LinkGoodbye {
     bool operator==(const LinkGoodbye&) const = default;
 };
 
-/// One update of the screen. Its 13-byte header travels as rectangle, encoding and data size; the
-/// size is that of `data`.
+/// One update of the screen: a screen packet, whose header says the size of `data` too.
 struct LinkScreenRectangle {
-    std::int16_t x = 0;
-    std::int16_t y = 0;
-    std::int16_t width = 0;
-    std::int16_t height = 0;
-    std::uint8_t encoding = 0;
-    std::vector<std::uint8_t> data;
+    PixelRect rectangle;
+    std::uint8_t encoding = QLScreenEncodingLibz; ///< any byte, as in the header
+    Bytes data;
 
     bool operator==(const LinkScreenRectangle&) const = default;
 };

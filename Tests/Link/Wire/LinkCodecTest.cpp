@@ -1,4 +1,4 @@
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -59,7 +59,7 @@ std::vector<LinkFrame> everyFrame()
             LinkKeepAlive{},
             LinkGoodbye{LinkGoodbyeCode::quitting, "See you"},
             LinkGoodbye{LinkGoodbyeCode::brokenRule, ""},
-            LinkScreenRectangle{-1, 2, 300, -4, 4, {9, 8, 7}},
+            LinkScreenRectangle{{-1, 2, 300, -4}, 4, {9, 8, 7}},
             LinkScreenRectangle{}};
 }
 
@@ -208,9 +208,19 @@ TEST(FrameCodec, WritesTheBytesOfTheDocument)
     EXPECT_THAT(encodeFrame(LinkOptions{true, false, false, true}),
                 ElementsAre(1, 0, 0, 0, 4, 0, 0, 0, 9, 0, 0, 0));
     EXPECT_THAT(encodeFrame(LinkKeepAlive{}), ElementsAre(2, 0, 0, 0, 0, 0, 0, 0));
-    EXPECT_THAT(encodeFrame(LinkScreenRectangle{-1, 2, 300, -4, 4, {0xAB}}),
+    EXPECT_THAT(encodeFrame(LinkScreenRectangle{{-1, 2, 300, -4}, 4, {0xAB}}),
                 ElementsAre(16, 0, 0, 0, 14, 0, 0, 0, 0xFF, 0xFF, 2, 0, 0x2C, 1, 0xFC, 0xFF, 4, 1,
                             0, 0, 0, 0xAB));
+}
+
+TEST(FrameCodec, WritesTheHeadOfAFrameWithoutAPicturesData)
+{
+    for (const LinkFrame& frame : everyFrame()) {
+        const auto* picture = std::get_if<LinkScreenRectangle>(&frame);
+        Bytes head = encodeFrame(frame);
+        head.resize(head.size() - (picture ? picture->data.size() : 0));
+        EXPECT_EQ(encodeFrameHead(frame), head);
+    }
 }
 
 TEST(FrameCodec, ReadsBackEveryFrameWhateverThePieces)
@@ -261,7 +271,7 @@ TEST(FrameCodec, RefusesWhatWasNotAgreed)
 
 TEST(FrameCodec, RefusesAScreenHeaderThatDisagreesWithItsFrame)
 {
-    Bytes bytes = encodeFrame(LinkScreenRectangle{0, 0, 1, 1, 0, {1, 2, 3}});
+    Bytes bytes = encodeFrame(LinkScreenRectangle{{0, 0, 1, 1}, 0, {1, 2, 3}});
     bytes[8 + 9] = 2;
     EXPECT_EQ(frameStatus(bytes), DecodeStatus::malformed) << "a byte behind the data";
     bytes[8 + 9] = 4;

@@ -1,4 +1,4 @@
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 
 #include <gtest/gtest.h>
 

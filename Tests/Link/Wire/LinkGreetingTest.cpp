@@ -1,4 +1,4 @@
-#include "Link/LinkGreeting.h"
+#include "Link/Wire/LinkGreeting.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,6 @@
-#include "Link/ByteReader.h"
+#include "Link/Wire/ByteReader.h"
+
+#include "Link/Wire/LinkCodec.h"
 
 namespace farview
 {

@@ -1,20 +1,15 @@
 #pragma once
 
-#include "Link/LinkFrame.h"
-#include "Link/LinkGreeting.h"
+#include "Link/Wire/ByteReader.h"
+#include "Link/Wire/LinkFrame.h"
+#include "Link/Wire/LinkGreeting.h"
 
 #include <cstddef>
-#include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace farview
 {
-
-using Bytes = std::vector<std::uint8_t>;
-using ByteView = std::span<const std::uint8_t>;
 
 /// Bounds of the wire format.
 inline constexpr std::size_t kLinkGreetingLimit = 512;
@@ -22,7 +17,6 @@ inline constexpr std::size_t kLinkTextLimit = 200;
 inline constexpr std::size_t kLinkFeatureLimit = 16;
 inline constexpr std::size_t kLinkFeatureNameLimit = 24;
 inline constexpr std::size_t kLinkFrameHeaderSize = 8;
-inline constexpr std::size_t kLinkScreenHeaderSize = 13;
 inline constexpr std::size_t kLinkScreenDataLimit = std::size_t{16} << 20;
 
 enum class DecodeStatus {
@@ -43,6 +37,9 @@ template <typename Value> struct Decoded {
 Bytes encodeGreeting(const LinkGreeting& greeting);
 Bytes encodeAnswer(const LinkAnswer& answer);
 Bytes encodeFrame(const LinkFrame& frame);
+/// The frame without the data of a screen rectangle, which follow as they are: whoever sends them
+/// need not copy them.
+Bytes encodeFrameHead(const LinkFrame& frame);
 
 /// Bytes to values. Looks at nothing behind the first value. A wrong beginning, and a size
 /// beyond its limit, is noticed before the bytes it announces.

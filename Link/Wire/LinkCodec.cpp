@@ -1,6 +1,7 @@
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 
-#include "Link/ByteReader.h"
+#include "Link/Wire/ByteReader.h"
+#include "Link/Wire/ScreenPacket.h"
 
 namespace farview
 {
@@ -18,6 +19,7 @@ constexpr std::uint32_t kWindowsMoveBackBit = 8;
 struct FrameBody {
     FrameKind kind;
     Bytes payload;
+    std::size_t dataSize = 0; ///< of what follows the payload as it is
 };
 
 FrameBody body(const LinkOptions& value)
@@ -42,12 +44,9 @@ FrameBody body(const LinkGoodbye& value)
 
 FrameBody body(const LinkScreenRectangle& value)
 {
-    FrameBody result{FrameKind::screenRectangle, {}};
-    for (const std::int16_t number : {value.x, value.y, value.width, value.height})
-        appendNumber(result.payload, static_cast<std::uint16_t>(number), 2);
-    appendNumber(result.payload, value.encoding, 1);
-    appendNumber(result.payload, static_cast<std::uint32_t>(value.data.size()), 4);
-    result.payload.insert(result.payload.end(), value.data.begin(), value.data.end());
+    FrameBody result{FrameKind::screenRectangle, {}, value.data.size()};
+    appendScreenPacketHeader(result.payload, {value.rectangle, value.encoding,
+                                              static_cast<std::uint32_t>(value.data.size())});
     return result;
 }
 
@@ -62,8 +61,8 @@ bool sizeFits(std::uint32_t kind, std::size_t size)
     case FrameKind::goodbye:
         return size >= 2 && size <= 2 + kLinkTextLimit;
     case FrameKind::screenRectangle:
-        return size >= kLinkScreenHeaderSize &&
-               size <= kLinkScreenHeaderSize + kLinkScreenDataLimit;
+        return size >= kScreenPacketHeaderSize &&
+               size <= kScreenPacketHeaderSize + kLinkScreenDataLimit;
     default:
         return false;
     }
@@ -91,13 +90,9 @@ std::optional<LinkFrame> readGoodbye(ByteReader& reader)
 
 std::optional<LinkFrame> readScreenRectangle(ByteReader& reader)
 {
-    LinkScreenRectangle value;
-    for (std::int16_t* number : {&value.x, &value.y, &value.width, &value.height})
-        *number = static_cast<std::int16_t>(reader.number(2));
-    value.encoding = static_cast<std::uint8_t>(reader.number(1));
-    const ByteView data = reader.bytes(reader.number(4));
-    value.data.assign(data.begin(), data.end());
-    return value;
+    const ScreenPacketHeader header = readScreenPacketHeader(reader);
+    const ByteView data = reader.bytes(header.dataSize);
+    return LinkScreenRectangle{header.rectangle, header.encoding, {data.begin(), data.end()}};
 }
 
 std::optional<LinkFrame> readFrame(std::uint32_t kind, ByteReader& reader)
@@ -116,13 +111,22 @@ std::optional<LinkFrame> readFrame(std::uint32_t kind, ByteReader& reader)
 
 } // namespace
 
+Bytes encodeFrameHead(const LinkFrame& frame)
+{
+    const auto [kind, payload, dataSize] =
+        std::visit([](const auto& value) { return body(value); }, frame);
+    Bytes bytes;
+    appendNumber(bytes, kind, 4);
+    appendNumber(bytes, static_cast<std::uint32_t>(payload.size() + dataSize), 4);
+    bytes.insert(bytes.end(), payload.begin(), payload.end());
+    return bytes;
+}
+
 Bytes encodeFrame(const LinkFrame& frame)
 {
-    const FrameBody frameBody = std::visit([](const auto& value) { return body(value); }, frame);
-    Bytes bytes;
-    appendNumber(bytes, frameBody.kind, 4);
-    appendNumber(bytes, static_cast<std::uint32_t>(frameBody.payload.size()), 4);
-    bytes.insert(bytes.end(), frameBody.payload.begin(), frameBody.payload.end());
+    Bytes bytes = encodeFrameHead(frame);
+    if (const auto* rectangle = std::get_if<LinkScreenRectangle>(&frame))
+        bytes.insert(bytes.end(), rectangle->data.begin(), rectangle->data.end());
     return bytes;
 }
 

@@ -1,11 +1,17 @@
 #pragma once
 
-#include "Link/LinkCodec.h"
-
+#include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace farview
 {
+
+using Bytes = std::vector<std::uint8_t>;
+using ByteView = std::span<const std::uint8_t>;
 
 /// Reads a piece of known size from its beginning. Reading past the end gives zeroes and is
 /// remembered, so a caller checks once, at the end.

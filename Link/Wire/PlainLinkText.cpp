@@ -1,4 +1,4 @@
-#include "Link/LinkCodec.h"
+#include "Link/Wire/LinkCodec.h"
 
 namespace farview
 {

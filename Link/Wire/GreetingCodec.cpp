@@ -1,5 +1,5 @@
-#include "Link/ByteReader.h"
-#include "Link/LinkCodec.h"
+#include "Link/Wire/ByteReader.h"
+#include "Link/Wire/LinkCodec.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,3 @@
-#include "Applications/Preferences/HeadStart.h"
 #include "Applications/Preferences/PaneInterface.h"
 #include "Applications/Preferences/PaneSearch.h"
 #include "Applications/Preferences/PreferencesHost.h"
@@ -19,7 +18,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
 
 namespace
@@ -133,9 +131,7 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
 int runApplication(int& argc, char** argv, const Options& options, const QString& pane,
                    farview::Bundles& bundles)
 {
-    HeadStart headStart(pane);
     QApplication application(argc, argv);
-    const std::jthread rest = headStart.goOn();
     QApplication::setApplicationName(u"farview-preferences"_qs);
     QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
     QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);

@@ -71,7 +71,8 @@ HostWindow::HostWindow() : mLayout(new QVBoxLayout(this)), mBack(new QToolButton
 
 QSize HostWindow::firstSize(const QWidget& view)
 {
-    QSize size = view.size().expandedTo(view.sizeHint());
+    const QSize available = view.screen()->availableSize();
+    const QSize size = view.size().expandedTo(view.sizeHint()).boundedTo(available);
     int height = view.layout() ? view.layout()->totalMinimumHeightForWidth(size.width()) : 0;
     for (const auto* tabs : view.findChildren<QTabWidget*>())
         height = std::max(height, heightForPages(*tabs, view, size.width()));

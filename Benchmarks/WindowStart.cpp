@@ -1,9 +1,9 @@
-// Starts a program again and again and measures the time until its first window is on the screen,
-// and the memory it holds a second later. Compares it with the empty window in the same run,
-// alternating.
+// Starts programs in turn, again and again, and measures the time until their first window is on
+// the screen, and the memory that they hold a second later. Compares the first with the fastest
+// other.
 //
-// usage: window-start COUNT YARDSTICK -- PROGRAM [ARGUMENT...]      (on an X display without other
-// clients)
+// usage: window-start COUNT PROGRAM [ARGUMENT...] -- PEER [ARGUMENT...] [-- PEER...]
+// (on an X display without other clients)
 
 #include <xcb/xcb.h>
 
@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fstream>
 #include <memory>
 #include <poll.h>
@@ -26,81 +27,90 @@ namespace
 {
 
 using Clock = std::chrono::steady_clock;
+using Command = std::vector<std::string>;
+
+constexpr double mostOfThePeersTime = 0.7;
+constexpr int smallestSide = 100; // in pixels; toolkits map smaller windows of their own
 
 struct Sample {
     double milliseconds = 0;
-    double resident = 0;     ///< all memory in use, in MB
-    double proportional = 0; ///< the process's own and its fair share of what is shared, in MB
+    double megabytes = 0; ///< all memory that is resident
+};
+
+struct Program {
+    Command command;
+    std::vector<Sample> samples = {};
 };
 
 struct FreeDeleter {
     void operator()(void* memory) const { std::free(memory); }
 };
+template <typename Type> using Reply = std::unique_ptr<Type, FreeDeleter>;
 
-void measureMemory(pid_t pid, Sample& sample)
+double residentMegabytes(pid_t pid)
 {
     std::ifstream rollup("/proc/" + std::to_string(pid) + "/smaps_rollup");
+    double kilobytes = 0;
     for (std::string word; rollup >> word;) {
-        double kilobytes = 0;
         if (word == "Rss:" && rollup >> kilobytes)
-            sample.resident = kilobytes / 1024;
-        else if (word == "Pss:" && rollup >> kilobytes)
-            sample.proportional = kilobytes / 1024;
+            break;
     }
+    return kilobytes / 1024;
 }
 
-/// Empties the file cache, so that the next start reads everything from the disk.
-bool forgetFiles()
-{
-    sync();
-    std::ofstream control("/proc/sys/vm/drop_caches");
-    control << "3" << std::flush;
-    return control.good();
-}
-
-pid_t start(const std::vector<std::string>& command)
+pid_t start(const Command& command)
 {
     const pid_t pid = fork();
     if (pid != 0)
         return pid;
+    const int nowhere = open("/dev/null", O_WRONLY);
+    dup2(nowhere, STDOUT_FILENO);
+    dup2(nowhere, STDERR_FILENO);
     std::vector<char*> arguments;
     for (const auto& word : command)
         arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
-    execv(arguments[0], arguments.data());
+    execvp(arguments[0], arguments.data());
     _exit(127);
 }
 
-/// Waits for the next window that is mapped directly on the root and is larger than a helper
-/// window.
+bool isWindowOfAProgram(xcb_connection_t* display, const xcb_generic_event_t& event)
+{
+    if ((event.response_type & 0x7f) != XCB_MAP_NOTIFY)
+        return false;
+    const auto& mapped = reinterpret_cast<const xcb_map_notify_event_t&>(event);
+    const Reply<xcb_get_geometry_reply_t> geometry{
+        xcb_get_geometry_reply(display, xcb_get_geometry(display, mapped.window), nullptr)};
+    return geometry && geometry->width >= smallestSide && geometry->height >= smallestSide;
+}
+
+/// Waits for the next window that is mapped directly on the root.
 bool waitForWindow(xcb_connection_t* display, Clock::time_point deadline)
 {
     while (Clock::now() < deadline) {
         pollfd descriptor{xcb_get_file_descriptor(display), POLLIN, 0};
         poll(&descriptor, 1, 50);
-        while (
-            std::unique_ptr<xcb_generic_event_t, FreeDeleter> event{xcb_poll_for_event(display)}) {
-            if ((event->response_type & 0x7f) == XCB_MAP_NOTIFY)
+        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(display)}) {
+            if (isWindowOfAProgram(display, *event))
                 return true;
         }
     }
     return false;
 }
 
-Sample measure(xcb_connection_t* display, const std::vector<std::string>& command)
+Sample measure(xcb_connection_t* display, const Command& command)
 {
-    while (std::unique_ptr<xcb_generic_event_t, FreeDeleter> stale{xcb_poll_for_event(display)}) {
+    while (const Reply<xcb_generic_event_t> stale{xcb_poll_for_event(display)}) {
     }
     const auto begin = Clock::now();
     const pid_t pid = start(command);
-    Sample sample;
     if (!waitForWindow(display, begin + std::chrono::seconds(20))) {
         std::fprintf(stderr, "%s showed no window\n", command[0].c_str());
         std::exit(1);
     }
-    sample.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+    const std::chrono::duration<double, std::milli> span = Clock::now() - begin;
     std::this_thread::sleep_for(std::chrono::seconds(1));
-    measureMemory(pid, sample);
+    const Sample sample{span.count(), residentMegabytes(pid)};
     kill(pid, SIGTERM);
     waitpid(pid, nullptr, 0);
     return sample;
@@ -110,66 +120,78 @@ Sample median(std::vector<Sample> samples)
 {
     const auto middle = samples.size() / 2;
     const auto by = [&](auto member) {
-        std::sort(samples.begin(), samples.end(), [&](const Sample& left, const Sample& right) {
-            return left.*member < right.*member;
-        });
+        std::ranges::sort(samples, {}, member);
         return samples[middle].*member;
     };
-    return {by(&Sample::milliseconds), by(&Sample::resident), by(&Sample::proportional)};
+    return {by(&Sample::milliseconds), by(&Sample::megabytes)};
 }
 
-void printLine(const char* start, const char* what, double program, double yardstick,
-               const char* unit, double limit)
+/// Nothing when the arguments are wrong.
+std::vector<Program> parse(const Command& arguments)
 {
-    const double ratio = program / yardstick;
-    std::printf("%s, %s: %.1f %s against %.1f %s of an empty window: %.2fx; at most %gx: %s\n",
-                start, what, program, unit, yardstick, unit, ratio, limit,
-                ratio <= limit ? "holds" : "MISSED");
+    std::vector<Program> programs(1);
+    for (const auto& word : arguments) {
+        if (word == "--")
+            programs.emplace_back();
+        else
+            programs.back().command.push_back(word);
+    }
+    const bool complete = std::ranges::none_of(
+        programs, [](const Program& program) { return program.command.empty(); });
+    return complete && programs.size() > 1 ? programs : std::vector<Program>();
 }
 
-void print(const char* start, const Sample& program, const Sample& yardstick)
+xcb_connection_t* watchDisplay()
 {
-    printLine(start, "window on screen", program.milliseconds, yardstick.milliseconds, "ms", 2);
-    printLine(start, "resident memory", program.resident, yardstick.resident, "MB", 1.5);
-    std::printf("  with shared memory shared out among those who use it: %.1f MB against %.1f MB\n",
-                program.proportional, yardstick.proportional);
+    xcb_connection_t* display = xcb_connect(nullptr, nullptr);
+    if (xcb_connection_has_error(display))
+        std::exit(1);
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(display)).data->root;
+    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(display, root, XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(display);
+    return display;
+}
+
+void print(const std::vector<Program>& programs)
+{
+    for (const Program& each : programs) {
+        const Sample middle = median(each.samples);
+        std::printf("  %s: window on screen after %.0f ms, %.1f MB resident\n",
+                    each.command[0].c_str(), middle.milliseconds, middle.megabytes);
+    }
+    const auto time = [](const Program& each) { return median(each.samples).milliseconds; };
+    const Sample ours = median(programs[0].samples);
+    const Sample peer =
+        median(std::ranges::min_element(programs.begin() + 1, programs.end(), {}, time)->samples);
+    const double ratio = ours.milliseconds / peer.milliseconds;
+    std::printf("%.2fx the time of the fastest peer; at most %gx: %s\n", ratio, mostOfThePeersTime,
+                ratio <= mostOfThePeersTime ? "holds" : "MISSED");
+    std::printf("%.2fx its memory; less than 1x: %s\n", ours.megabytes / peer.megabytes,
+                ours.megabytes < peer.megabytes ? "holds" : "MISSED");
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc < 5 || std::string(argv[3]) != "--") {
-        std::fprintf(stderr, "usage: %s COUNT YARDSTICK -- PROGRAM [ARGUMENT...]\n", argv[0]);
+    const Command words(argv, argv + argc);
+    const int count = argc > 1 ? std::atoi(argv[1]) : 0;
+    auto programs = parse({words.begin() + std::min(argc, 2), words.end()});
+    if (count < 1 || programs.empty()) {
+        std::fprintf(stderr, "usage: %s COUNT PROGRAM [ARGUMENT...] -- PEER [ARGUMENT...]...\n",
+                     argv[0]);
         return 2;
     }
-    const int count = std::atoi(argv[1]);
-    const std::vector<std::string> yardstick{argv[2]};
-    const std::vector<std::string> program(argv + 4, argv + argc);
-    xcb_connection_t* display = xcb_connect(nullptr, nullptr);
-    if (xcb_connection_has_error(display))
-        return 1;
-    const auto root = xcb_setup_roots_iterator(xcb_get_setup(display)).data->root;
-    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    xcb_change_window_attributes(display, root, XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(display);
-
-    if (forgetFiles()) {
-        // The display server has to read its own files again too: the first start pays for it.
-        measure(display, yardstick);
-        forgetFiles();
-        const Sample firstYardstick = measure(display, yardstick);
-        forgetFiles();
-        print("first start", measure(display, program), firstYardstick);
-    } else {
-        std::printf("first start: not measured, only the administrator can empty the file cache\n");
-    }
-    std::vector<Sample> programs, yardsticks;
+    xcb_connection_t* display = watchDisplay();
+    // The first start of each reads its files from the disk.
+    for (Program& each : programs)
+        measure(display, each.command);
     for (int round = 0; round < count; ++round) {
-        yardsticks.push_back(measure(display, yardstick));
-        programs.push_back(measure(display, program));
+        for (Program& each : programs)
+            each.samples.push_back(measure(display, each.command));
     }
-    print("later starts", median(programs), median(yardsticks));
+    print(programs);
     xcb_disconnect(display);
     return 0;
 }

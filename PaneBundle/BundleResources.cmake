@@ -3,20 +3,15 @@ set(FARVIEW_LANGUAGES de en es fr it pt-BR ja zh-Hans)
 set(FARVIEW_CATALOGUES ${FARVIEW_LANGUAGES})
 list(TRANSFORM FARVIEW_CATALOGUES APPEND ".lproj/Localizable.strings")
 
-# A target that copies files of this folder into the resources of a bundle whenever they changed; forms without what
-# only their authors read.
+# A target that copies files of this folder into the resources of a bundle whenever they changed.
 function(farview_bundle_resources TARGET CONTENTS)
-  set(compact "${CMAKE_SOURCE_DIR}/PaneBundle/CompactForm.cmake")
   set(copies)
   foreach(resource ${ARGN})
     set(file "${CMAKE_CURRENT_SOURCE_DIR}/${resource}")
     set(copy "${CONTENTS}/Resources/${resource}")
-    if(resource MATCHES "\\.ui$")
-      set(command ${CMAKE_COMMAND} "-DFORM=${file}" "-DCOPY=${copy}" -P "${compact}")
-    else()
-      set(command ${CMAKE_COMMAND} -E copy "${file}" "${copy}")
-    endif()
-    add_custom_command(OUTPUT "${copy}" COMMAND ${command} DEPENDS ${resource} "${compact}" VERBATIM)
+    add_custom_command(OUTPUT "${copy}"
+      COMMAND ${CMAKE_COMMAND} -E copy "${file}" "${copy}"
+      DEPENDS ${resource} VERBATIM)
     list(APPEND copies "${copy}")
   endforeach()
   add_custom_target(${TARGET} DEPENDS ${copies})

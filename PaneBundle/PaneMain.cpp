@@ -52,16 +52,15 @@ public:
 
     bool initWithBundle(const QString& bundlePath, QString* error) override;
     QWidget* loadMainView(QString* error) override;
-    void mainViewDidLoad() override { mPane->mainViewDidLoad(); }
-    void willSelect() override { mPane->willSelect(); }
-    void didSelect() override;
+    void mainViewDidLoad() override;
+    void willSelect() override;
+    void didSelect() override { mPane->didSelect(); }
     void willUnselect() override { mPane->willUnselect(); }
     void applicationDidBecomeActive() override;
     void applicationDidResignActive() override;
 
 private:
     Platform& platform() { return mDesktop.platform(); }
-    void hintAtTray();
 
     farview::DesktopPlatform mDesktop;
     std::shared_ptr<HostApplication> mApplication = std::make_shared<HostApplication>();
@@ -73,8 +72,7 @@ private:
 };
 
 FarviewPane::FarviewPane(bool smokeTest)
-    : mDesktop({.isSmokeTest = smokeTest, .lentBus = hostBusConnection}),
-      mInstalled(mDesktop.platform())
+    : mDesktop({.isSmokeTest = smokeTest}), mInstalled(mDesktop.platform())
 {
     platform().application = mApplication.get();
 }
@@ -101,22 +99,19 @@ QWidget* FarviewPane::loadMainView(QString* error)
     return mView.get();
 }
 
-void FarviewPane::didSelect()
+void FarviewPane::mainViewDidLoad()
 {
-    mPane->didSelect();
-    // The toolkit waits for answers when it is asked about trays: once the window is there.
-    QTimer::singleShot(0, mView.get(), [this] { hintAtTray(); });
+    mPane->mainViewDidLoad();
+    mTrayHint.emplace(mDesktop.sessionBus(), mPane->menuExtraCheckbox(),
+                      mBundle->localizedString("This desktop has no place for status icons. The "
+                                               "icon appears as soon as it has one.",
+                                               "", ""));
 }
 
-void FarviewPane::hintAtTray()
+void FarviewPane::willSelect()
 {
-    if (mTrayHint)
-        mTrayHint->refresh();
-    else
-        mTrayHint.emplace(mDesktop.sessionBus(), mPane->menuExtraCheckbox(),
-                          mBundle->localizedString("This desktop has no place for status icons. "
-                                                   "The icon appears as soon as it has one.",
-                                                   "", ""));
+    mPane->willSelect();
+    mTrayHint->refresh();
 }
 
 void FarviewPane::applicationDidBecomeActive()

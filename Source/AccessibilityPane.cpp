@@ -19,21 +19,11 @@ constexpr auto operations = std::to_array<Operation<Pane>>({
     action<&Pane::accessibilityPressed, Pane>("accessibilityPressed:"),
 });
 
-template <auto outlet> constexpr Outlet row(std::string_view name)
-{
-    return {name, [](InterfaceOwner& owner) -> std::shared_ptr<View> {
-                auto& stored = static_cast<Pane&>(owner).*outlet;
-                stored = std::make_shared<
-                    typename std::remove_reference_t<decltype(stored)>::element_type>();
-                return stored;
-            }};
-}
-
 constexpr auto outletTable = std::to_array<Outlet>({
-    row<&Pane::accessibilityCheckbox>("accessibilityCheckbox"),
-    row<&Pane::lifetimeLabel>("lifetimeLabel"),
-    row<&Pane::windowsLabel>("windowsLabel"),
-    row<&Pane::problemLabel>("problemLabel"),
+    outlet<&Pane::accessibilityCheckbox>("accessibilityCheckbox"),
+    outlet<&Pane::lifetimeLabel>("lifetimeLabel"),
+    outlet<&Pane::windowsLabel>("windowsLabel"),
+    outlet<&Pane::problemLabel>("problemLabel"),
 });
 
 const char* lifetimeText(std::optional<Lifetime> lifetime)
@@ -104,8 +94,8 @@ void AccessibilityPane::accessibilityPressed(Object* /*sender*/)
 {
     mIsBeingSet = true;
     mProblem = Problem::none;
-    accessibilityCheckbox->setEnabled(false);
-    mSwitch.set(accessibilityCheckbox->state() == 1, [weak = weak_from_this()](Problem problem) {
+    accessibilityCheckbox()->setEnabled(false);
+    mSwitch.set(accessibilityCheckbox()->state() == 1, [weak = weak_from_this()](Problem problem) {
         if (const auto pane = weak.lock())
             pane->wasSet(problem);
     });
@@ -122,14 +112,14 @@ void AccessibilityPane::show()
 {
     // While a change is under way the box shows what was asked for.
     if (!mIsBeingSet) {
-        accessibilityCheckbox->setState(mState.isOn.value_or(false) ? 1 : 0);
-        accessibilityCheckbox->setEnabled(mState.isOn.has_value());
+        accessibilityCheckbox()->setState(mState.isOn.value_or(false) ? 1 : 0);
+        accessibilityCheckbox()->setEnabled(mState.isOn.has_value());
     }
-    lifetimeLabel->setStringValue(localized(mState.isOn ? lifetimeText(mState.lifetime) : ""));
-    windowsLabel->setStringValue(localized(windowsText()));
+    lifetimeLabel()->setStringValue(localized(mState.isOn ? lifetimeText(mState.lifetime) : ""));
+    windowsLabel()->setStringValue(localized(windowsText()));
     const auto problem = mProblem == Problem::none ? mState.problem : mProblem;
-    problemLabel->setTextRole(TextField::Role::error);
-    problemLabel->setStringValue(localized(problemText(problem)));
+    problemLabel()->setTextRole(TextField::Role::error);
+    problemLabel()->setStringValue(localized(problemText(problem)));
 }
 
 std::string AccessibilityPane::windowsText() const

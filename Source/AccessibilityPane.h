@@ -35,10 +35,10 @@ public:
     void accessibilityPressed(Object* sender);
 
     // Outlets, null until the interface file is loaded.
-    std::shared_ptr<Button> accessibilityCheckbox;
-    std::shared_ptr<TextField> lifetimeLabel; ///< how long the choice holds
-    std::shared_ptr<TextField> windowsLabel;  ///< what it means for Farview
-    std::shared_ptr<TextField> problemLabel;
+    OutletProperty<Button> accessibilityCheckbox;
+    OutletProperty<TextField> lifetimeLabel; ///< how long the choice holds
+    OutletProperty<TextField> windowsLabel;  ///< what it means for Farview
+    OutletProperty<TextField> problemLabel;
 
 private:
     using State = AccessibilitySwitch::State;

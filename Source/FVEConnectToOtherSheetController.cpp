@@ -47,6 +47,14 @@ constexpr auto operations = std::to_array<farview::Operation<Sheet>>({
     observer<&Sheet::serverConnectedToDeviceNotification>("serverConnectedToDeviceNotification:"),
 });
 
+constexpr auto outletTable = std::to_array<farview::Outlet>({
+    farview::outlet<&Sheet::otherDevicePanel>("otherDevicePanel"),
+    farview::outlet<&Sheet::otherTextField>("otherTextField"),
+    farview::outlet<&Sheet::connectToOtherExplanationText>("connectToOtherExplanationText"),
+    farview::outlet<&Sheet::connectToOtherOKButton>("connectToOtherOKButton"),
+    farview::outlet<&Sheet::connectToOtherProgress>("connectToOtherProgress"),
+});
+
 struct Registration {
     const char* name;
     Selector selector;
@@ -68,6 +76,11 @@ FVEConnectToOtherSheetController::FVEConnectToOtherSheetController(farview::Plat
 FVEConnectToOtherSheetController::~FVEConnectToOtherSheetController()
 {
     setConnectionAttemptTimoutTimer({});
+}
+
+std::span<const farview::Outlet> FVEConnectToOtherSheetController::outlets() const
+{
+    return outletTable;
 }
 
 bool FVEConnectToOtherSheetController::respondsTo(Selector selector) const

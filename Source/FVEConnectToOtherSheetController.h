@@ -1,11 +1,13 @@
 #pragma once
 
+#include "Controls/InterfaceOwner.h"
+#include "Controls/Panel.h"
 #include "Platform/Types/Notification.h"
 #include "Platform/Types/Subscription.h"
-#include "Source/FVEConnectToOtherSheetOutlets.h"
 #include "Source/WeakTimer.h"
 
 #include <memory>
+#include <span>
 #include <string>
 
 class FVEPreferencePane;
@@ -23,7 +25,7 @@ inline constexpr const char* kControlTextDidChangeNotification =
 /// waits for the server to connect to it. While it is up, reports of the server reach the sheet and
 /// not the pane. Made with `std::make_shared`; main thread only; `platform` outlives it.
 class FVEConnectToOtherSheetController
-    : public FVEConnectToOtherSheetOutlets,
+    : public farview::InterfaceOwner,
       public farview::Object,
       public std::enable_shared_from_this<FVEConnectToOtherSheetController>
 {
@@ -31,6 +33,7 @@ public:
     explicit FVEConnectToOtherSheetController(farview::Platform& platform);
     ~FVEConnectToOtherSheetController() override;
 
+    std::span<const farview::Outlet> outlets() const override;
     bool respondsTo(farview::Selector selector) const override;
     bool perform(farview::Selector selector, farview::Object* argument) override;
 
@@ -60,6 +63,18 @@ public:
     void connectionAttemptTimoutTimerOperation(farview::Object* sender);
     /// Ends the sheet and gives the pane the server's reports back; a closed sheet ignores it.
     void dismissSheetWithButton(int returnCode);
+
+    // Outlets.
+    farview::OutletProperty<farview::Panel> otherDevicePanel;
+    farview::OutletProperty<farview::TextField> otherTextField;
+    farview::OutletProperty<farview::TextField> connectToOtherExplanationText;
+    farview::OutletProperty<farview::Button> connectToOtherOKButton;
+    farview::OutletProperty<farview::TextField> connectToOtherProgress;
+    void setOtherDevicePanel(auto view) { otherDevicePanel.set(view); }
+    void setOtherTextField(auto view) { otherTextField.set(view); }
+    void setConnectToOtherExplanationText(auto view) { connectToOtherExplanationText.set(view); }
+    void setConnectToOtherOKButton(auto view) { connectToOtherOKButton.set(view); }
+    void setConnectToOtherProgress(auto view) { connectToOtherProgress.set(view); }
 
 private:
     /// One opening of the sheet. What is to happen later to it is bound to it.

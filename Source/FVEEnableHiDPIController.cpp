@@ -26,6 +26,14 @@ constexpr auto operations = std::to_array<farview::Operation<Controller>>({
     action<&Controller::windowWillClose>("windowWillClose:"),
 });
 
+constexpr auto outletTable = std::to_array<farview::Outlet>({
+    farview::outlet<&Controller::window>("window"),
+    farview::outlet<&Controller::explanationText>("explanationText"),
+    farview::outlet<&Controller::progressText>("progressText"),
+    farview::outlet<&Controller::okButton>("okButton"),
+    farview::outlet<&Controller::cancelButton>("cancelButton"),
+});
+
 } // namespace
 
 FVEEnableHiDPIController::~FVEEnableHiDPIController()
@@ -34,6 +42,8 @@ FVEEnableHiDPIController::~FVEEnableHiDPIController()
     setCancelButton(nullptr);
     setHandlerBlock(nullptr);
 }
+
+std::span<const farview::Outlet> FVEEnableHiDPIController::outlets() const { return outletTable; }
 
 bool FVEEnableHiDPIController::respondsTo(Selector selector) const
 {
@@ -61,7 +71,7 @@ bool FVEEnableHiDPIController::loadWindow(Object* sender)
     if (!loader || !loader->loadNibNamed(mWindowNibName, shared_from_this(), error)) {
         mPlatform.log->write(farview::LogLevel::warning,
                              "Cannot open the window for HiDPI resolutions: " + error);
-        setWindow(nullptr);
+        window.set(nullptr);
         return false;
     }
     windowDidLoad();

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Controls/InterfaceOwner.h"
+#include "Controls/Window.h"
 #include "Platform/Types/Object.h"
-#include "Source/FVEEnableHiDPIOutlets.h"
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace farview
@@ -14,7 +16,7 @@ struct Platform;
 
 /// The window in which the user confirms that HiDPI resolutions are turned on or off for all users.
 /// One for each opening, made with `std::make_shared`; main thread only; `platform` outlives it.
-class FVEEnableHiDPIController : public FVEEnableHiDPIOutlets,
+class FVEEnableHiDPIController : public farview::InterfaceOwner,
                                  public farview::Object,
                                  public std::enable_shared_from_this<FVEEnableHiDPIController>
 {
@@ -25,6 +27,7 @@ public:
     explicit FVEEnableHiDPIController(farview::Platform& platform) : mPlatform(platform) {}
     ~FVEEnableHiDPIController() override;
 
+    std::span<const farview::Outlet> outlets() const override;
     bool respondsTo(farview::Selector selector) const override;
     bool perform(farview::Selector selector, farview::Object* argument) override;
 
@@ -47,6 +50,15 @@ public:
     void showProgress(const std::string& text, farview::TextField::Role role);
     /// Whether the user can do anything in it.
     void setEnabled(bool enabled);
+
+    // Outlets.
+    farview::OutletProperty<farview::Window> window;
+    farview::OutletProperty<farview::TextField> explanationText;
+    farview::OutletProperty<farview::TextField> progressText;
+    farview::OutletProperty<farview::Button> okButton;
+    farview::OutletProperty<farview::Button> cancelButton;
+    void setOkButton(auto view) { okButton.set(view); }
+    void setCancelButton(auto view) { cancelButton.set(view); }
 
 private:
     bool loadWindow(farview::Object* sender);

@@ -24,9 +24,6 @@ using farview::Workspace;
 namespace
 {
 
-/// The window is on the screen by then.
-constexpr farview::Duration modelCheckDelay{0.5};
-
 // Each goes on announcing to the pane what it finds, so a pane shown hundreds of times must not
 // keep hundreds of them.
 constexpr std::size_t mostEarlierBrowsers = 4;
@@ -65,10 +62,7 @@ void FVEPreferencePane::mainViewDidLoad()
     findResources();
     determineComponenVersionNumber();
     launchWatchdogTimer();
-    // Nobody waits for what this reads.
-    mPlatform.runLoop->performAfterDelay(modelCheckDelay, weak_from_this(), [this] {
-        needsWarningMessageFor9400_9600_And_LionProblem();
-    });
+    needsWarningMessageFor9400_9600_And_LionProblem(); // leaves the registry's snapshot behind
 }
 
 void FVEPreferencePane::makeConnectToOtherSheetController()
@@ -156,7 +150,6 @@ void FVEPreferencePane::releaseOutlets()
     setVirtualScreenSelectionPopup(nullptr);
     setAutoConnect(nullptr);
     setAutoConnectTable(nullptr);
-    setOrderHintLabel(nullptr);
     setAutoConnectDevices({});
     setAutoMoveWindowsBack(nullptr);
     setEnableHiDPIResolutions(nullptr);
@@ -167,7 +160,6 @@ void FVEPreferencePane::releaseOutlets()
     setWarningImage(nullptr);
     setAutoUpdateCheckbox(nullptr);
     setCheckNowForUpdateButton(nullptr);
-    setUpdateStatusLabel(nullptr);
     setPlaceholderForFullPopupSize(nullptr);
     setPlaceholderForReducedPopupSize(nullptr);
     setWaitingForServerIndicator(nullptr);

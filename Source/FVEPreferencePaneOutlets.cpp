@@ -4,28 +4,54 @@
 
 using farview::InterfaceOwner;
 using farview::Outlet;
+using farview::outlet;
 using farview::View;
 
 namespace
 {
 
-template <typename Control> std::shared_ptr<Control> make() { return std::make_shared<Control>(); }
+using Pane = FVEPreferencePaneOutlets;
 
-template <typename Control> std::shared_ptr<Control> makeCheckBox()
+template <auto property> constexpr Outlet checkBox(std::string_view name)
 {
-    auto checkBox = std::make_shared<Control>();
-    checkBox->setKind(farview::Button::Kind::checkBox);
-    return checkBox;
+    return {name, [](InterfaceOwner& owner) -> std::shared_ptr<View> {
+                const auto box = farview::connectOutlet(owner, property);
+                box->setKind(farview::Button::Kind::checkBox);
+                return box;
+            }};
 }
 
-#define FVE_OUTLET_ROW(Type, name, setName, maker)                                                 \
-    Outlet{#name, [](InterfaceOwner& owner) -> std::shared_ptr<View> {                             \
-               auto control = maker<Type>();                                                       \
-               static_cast<FVEPreferencePaneOutlets&>(owner).setName(control);                     \
-               return control;                                                                     \
-           }},
-constexpr auto outletTable = std::to_array<Outlet>({FVE_PREFERENCE_PANE_OUTLETS(FVE_OUTLET_ROW)});
-#undef FVE_OUTLET_ROW
+constexpr auto outletTable = std::to_array<Outlet>({
+    outlet<&Pane::offTextButton>("offTextButton"),
+    outlet<&Pane::onOffSwitch>("onOffSwitch"),
+    outlet<&Pane::onTextButton>("onTextButton"),
+    outlet<&Pane::tabView>("tabView"),
+    outlet<&Pane::statusLabel>("statusLabel"),
+    outlet<&Pane::statusExplanationLabel>("statusExplanationLabel"),
+    outlet<&Pane::virtualScreenSelectionPopup>("virtualScreenSelectionPopup"),
+    outlet<&Pane::instructionsLabel>("instructionsLabel"),
+    checkBox<&Pane::menuExtraCheckbox>("menuExtraCheckbox"),
+    checkBox<&Pane::startAtLoginCheckbox>("startAtLoginCheckbox"),
+    outlet<&Pane::warningImage>("warningImage"),
+    outlet<&Pane::reinstallDriversButton>("reinstallDriversButton"),
+    checkBox<&Pane::enableHiDPIResolutions>("enableHiDPIResolutions"),
+    checkBox<&Pane::enableTouchDisplay>("enableTouchDisplay"),
+    checkBox<&Pane::enableRetinaResolutions>("enableRetinaResolutions"),
+    checkBox<&Pane::autoUpdateCheckbox>("autoUpdateCheckbox"),
+    outlet<&Pane::checkNowForUpdateButton>("checkNowForUpdateButton"),
+    outlet<&Pane::updateStatusLabel>("updateStatusLabel"),
+    checkBox<&Pane::autoMoveWindowsBack>("autoMoveWindowsBack"),
+    checkBox<&Pane::autoConnect>("autoConnect"),
+    outlet<&Pane::autoConnectTable>("autoConnectTable"),
+    outlet<&Pane::orderHintLabel>("orderHintLabel"),
+    outlet<&Pane::placeholderForFullPopupSize>("placeholderForFullPopupSize"),
+    outlet<&Pane::placeholderForReducedPopupSize>("placeholderForReducedPopupSize"),
+    outlet<&Pane::waitingForServerIndicator>("waitingForServerIndicator"),
+    outlet<&Pane::versionNumberLabel>("versionNumberLabel"),
+    outlet<&Pane::deviceHintLabel>("deviceHintLabel"),
+    outlet<&Pane::connectionHelpLabel>("connectionHelpLabel"),
+    outlet<&Pane::connectionDiagnoseButton>("connectionDiagnoseButton"),
+});
 
 } // namespace
 

@@ -13,53 +13,68 @@
 
 class FVEConnectToOtherSheetController;
 
-// Every control that the pane's interface file must hold: its type, the outlet's name (which is the
-// object name in the file too), its setter, and how it is made.
-#define FVE_PREFERENCE_PANE_OUTLETS(OUTLET)                                                        \
-    OUTLET(FVEChiseledTextButton, offTextButton, setOffTextButton, make)                           \
-    OUTLET(QLNOnOffView, onOffSwitch, setOnOffSwitch, make)                                        \
-    OUTLET(FVEChiseledTextButton, onTextButton, setOnTextButton, make)                             \
-    OUTLET(farview::TabView, tabView, setTabView, make)                                            \
-    OUTLET(farview::TextField, statusLabel, setStatusLabel, make)                                  \
-    OUTLET(farview::TextField, statusExplanationLabel, setStatusExplanationLabel, make)            \
-    OUTLET(farview::PopUpButton, virtualScreenSelectionPopup, setVirtualScreenSelectionPopup,      \
-           make)                                                                                   \
-    OUTLET(farview::TextField, instructionsLabel, setInstructionsLabel, make)                      \
-    OUTLET(farview::Button, menuExtraCheckbox, setMenuExtraCheckbox, makeCheckBox)                 \
-    OUTLET(farview::Button, startAtLoginCheckbox, setStartAtLoginCheckbox, makeCheckBox)           \
-    OUTLET(farview::ImageView, warningImage, setWarningImage, make)                                \
-    OUTLET(farview::Button, reinstallDriversButton, setReinstallDriversButton, make)               \
-    OUTLET(farview::Button, enableHiDPIResolutions, setEnableHiDPIResolutions, makeCheckBox)       \
-    OUTLET(farview::Button, enableTouchDisplay, setEnableTouchDisplay, makeCheckBox)               \
-    OUTLET(farview::Button, enableRetinaResolutions, setEnableRetinaResolutions, makeCheckBox)     \
-    OUTLET(farview::Button, autoUpdateCheckbox, setAutoUpdateCheckbox, makeCheckBox)               \
-    OUTLET(farview::Button, checkNowForUpdateButton, setCheckNowForUpdateButton, make)             \
-    OUTLET(farview::TextField, updateStatusLabel, setUpdateStatusLabel, make)                      \
-    OUTLET(farview::Button, autoMoveWindowsBack, setAutoMoveWindowsBack, makeCheckBox)             \
-    OUTLET(farview::Button, autoConnect, setAutoConnect, makeCheckBox)                             \
-    OUTLET(farview::TableView, autoConnectTable, setAutoConnectTable, make)                        \
-    OUTLET(farview::TextField, orderHintLabel, setOrderHintLabel, make)                            \
-    OUTLET(farview::View, placeholderForFullPopupSize, setPlaceholderForFullPopupSize, make)       \
-    OUTLET(farview::View, placeholderForReducedPopupSize, setPlaceholderForReducedPopupSize, make) \
-    OUTLET(farview::ProgressIndicator, waitingForServerIndicator, setWaitingForServerIndicator,    \
-           make)                                                                                   \
-    OUTLET(farview::TextField, versionNumberLabel, setVersionNumberLabel, make)                    \
-    OUTLET(farview::TextField, deviceHintLabel, setDeviceHintLabel, make)                          \
-    OUTLET(farview::TextField, connectionHelpLabel, setConnectionHelpLabel, make)                  \
-    OUTLET(farview::Button, connectionDiagnoseButton, setConnectionDiagnoseButton, make)
-
-/// The pane's outlets. Each is a property, null until the interface file is loaded; the table tells
-/// a loader (and a test) which controls there must be.
+/// The controls that the pane's interface file must hold. Each is a property of the object's name
+/// in the file; the table of `outlets` tells a loader (and a test) which there must be.
 class FVEPreferencePaneOutlets : public farview::InterfaceOwner
 {
+    template <typename Kind> using Outlet = farview::OutletProperty<Kind>;
+
 public:
     std::span<const farview::Outlet> outlets() const override;
 
-#define FVE_DECLARE_OUTLET(Type, name, setName, maker)                                             \
-    const std::shared_ptr<Type>& name() const { return mOutlet_##name; }                           \
-    void setName(std::shared_ptr<Type> control) { mOutlet_##name = std::move(control); }
-    FVE_PREFERENCE_PANE_OUTLETS(FVE_DECLARE_OUTLET)
-#undef FVE_DECLARE_OUTLET
+    Outlet<FVEChiseledTextButton> offTextButton;
+    Outlet<QLNOnOffView> onOffSwitch;
+    Outlet<FVEChiseledTextButton> onTextButton;
+    Outlet<farview::TabView> tabView;
+    Outlet<farview::TextField> statusLabel;
+    Outlet<farview::TextField> statusExplanationLabel;
+    Outlet<farview::PopUpButton> virtualScreenSelectionPopup;
+    Outlet<farview::TextField> instructionsLabel;
+    Outlet<farview::Button> menuExtraCheckbox;
+    Outlet<farview::Button> startAtLoginCheckbox;
+    Outlet<farview::ImageView> warningImage;
+    Outlet<farview::Button> reinstallDriversButton;
+    Outlet<farview::Button> enableHiDPIResolutions;
+    Outlet<farview::Button> enableTouchDisplay;
+    Outlet<farview::Button> enableRetinaResolutions;
+    Outlet<farview::Button> autoUpdateCheckbox;
+    Outlet<farview::Button> checkNowForUpdateButton;
+    Outlet<farview::TextField> updateStatusLabel;
+    Outlet<farview::Button> autoMoveWindowsBack;
+    Outlet<farview::Button> autoConnect;
+    Outlet<farview::TableView> autoConnectTable;
+    Outlet<farview::TextField> orderHintLabel;
+    Outlet<farview::View> placeholderForFullPopupSize;
+    Outlet<farview::View> placeholderForReducedPopupSize;
+    Outlet<farview::ProgressIndicator> waitingForServerIndicator;
+    Outlet<farview::TextField> versionNumberLabel;
+    Outlet<farview::TextField> deviceHintLabel;
+    Outlet<farview::TextField> connectionHelpLabel;
+    Outlet<farview::Button> connectionDiagnoseButton;
+
+    void setOffTextButton(auto view) { offTextButton.set(view); }
+    void setOnOffSwitch(auto view) { onOffSwitch.set(view); }
+    void setOnTextButton(auto view) { onTextButton.set(view); }
+    void setTabView(auto view) { tabView.set(view); }
+    void setStatusLabel(auto view) { statusLabel.set(view); }
+    void setStatusExplanationLabel(auto view) { statusExplanationLabel.set(view); }
+    void setVirtualScreenSelectionPopup(auto view) { virtualScreenSelectionPopup.set(view); }
+    void setInstructionsLabel(auto view) { instructionsLabel.set(view); }
+    void setMenuExtraCheckbox(auto view) { menuExtraCheckbox.set(view); }
+    void setWarningImage(auto view) { warningImage.set(view); }
+    void setReinstallDriversButton(auto view) { reinstallDriversButton.set(view); }
+    void setEnableHiDPIResolutions(auto view) { enableHiDPIResolutions.set(view); }
+    void setEnableTouchDisplay(auto view) { enableTouchDisplay.set(view); }
+    void setEnableRetinaResolutions(auto view) { enableRetinaResolutions.set(view); }
+    void setAutoUpdateCheckbox(auto view) { autoUpdateCheckbox.set(view); }
+    void setCheckNowForUpdateButton(auto view) { checkNowForUpdateButton.set(view); }
+    void setAutoMoveWindowsBack(auto view) { autoMoveWindowsBack.set(view); }
+    void setAutoConnect(auto view) { autoConnect.set(view); }
+    void setAutoConnectTable(auto view) { autoConnectTable.set(view); }
+    void setPlaceholderForFullPopupSize(auto view) { placeholderForFullPopupSize.set(view); }
+    void setPlaceholderForReducedPopupSize(auto view) { placeholderForReducedPopupSize.set(view); }
+    void setWaitingForServerIndicator(auto view) { waitingForServerIndicator.set(view); }
+    void setVersionNumberLabel(auto view) { versionNumberLabel.set(view); }
 
     /// The sheet for connecting by address: an object, not a control, so no row of the table. The
     /// pane makes it when its view was loaded and nobody else had set one.
@@ -74,8 +89,5 @@ public:
     }
 
 private:
-#define FVE_STORE_OUTLET(Type, name, setName, maker) std::shared_ptr<Type> mOutlet_##name;
-    FVE_PREFERENCE_PANE_OUTLETS(FVE_STORE_OUTLET)
-#undef FVE_STORE_OUTLET
     std::shared_ptr<FVEConnectToOtherSheetController> mConnectToOtherSheetController;
 };

@@ -23,6 +23,17 @@ constexpr auto operations = std::to_array<farview::Operation<Sheet>>({
     farview::action<&Sheet::secondButtonPressed, Sheet>("secondButtonPressed:"),
 });
 
+constexpr auto outletTable = std::to_array<farview::Outlet>({
+    farview::outlet<&Sheet::updatePanel>("updatePanel"),
+    farview::outlet<&Sheet::headlineText>("headlineText"),
+    farview::outlet<&Sheet::detailText>("detailText"),
+    farview::outlet<&Sheet::notesArea>("notesArea"),
+    farview::outlet<&Sheet::notesText>("notesText"),
+    farview::outlet<&Sheet::updateProgress>("updateProgress"),
+    farview::outlet<&Sheet::firstButton>("firstButton"),
+    farview::outlet<&Sheet::secondButton>("secondButton"),
+});
+
 std::string inWords(const FVEPreferencePane& pane, const farview::TextWithValue& text)
 {
     return farview::filledText(pane.localized(text.text), text.value);
@@ -36,6 +47,8 @@ void showButton(const FVEPreferencePane& pane, Button& button, const std::string
 }
 
 } // namespace
+
+std::span<const farview::Outlet> FVEUpdateSheetController::outlets() const { return outletTable; }
 
 bool FVEUpdateSheetController::respondsTo(Selector selector) const
 {
@@ -59,7 +72,7 @@ bool FVEUpdateSheetController::loadNib(const FVEPreferencePane& pane, std::strin
     const auto& loader = pane.interfaceLoader();
     if (loader && loader->loadNibNamed("SoftwareUpdate", shared_from_this(), error))
         return true;
-    setUpdatePanel(nullptr);
+    updatePanel.set(nullptr);
     return false;
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "Controls/InterfaceOwner.h"
+#include "Controls/Panel.h"
 #include "Platform/Types/Object.h"
 #include "Platform/Types/UpdateStatus.h"
-#include "Source/FVEUpdateSheetOutlets.h"
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 class FVEPreferencePane;
@@ -13,7 +15,7 @@ class FVEPreferencePane;
 /// The sheet that tells of an update and asks about it. It hangs on the panel, so nothing starts
 /// the programs of the bundle while the bundle is replaced. Knows nothing of the updater: it shows
 /// a status and tells which button was pressed. Made with `std::make_shared`; main thread only.
-class FVEUpdateSheetController : public FVEUpdateSheetOutlets,
+class FVEUpdateSheetController : public farview::InterfaceOwner,
                                  public farview::Object,
                                  public std::enable_shared_from_this<FVEUpdateSheetController>
 {
@@ -27,6 +29,7 @@ public:
     /// `handler` is called for each press of a button.
     explicit FVEUpdateSheetController(Handler handler) : mHandler(std::move(handler)) {}
 
+    std::span<const farview::Outlet> outlets() const override;
     bool respondsTo(farview::Selector selector) const override;
     bool perform(farview::Selector selector, farview::Object* argument) override;
 
@@ -39,6 +42,16 @@ public:
 
     void firstButtonPressed(farview::Object* sender);
     void secondButtonPressed(farview::Object* sender);
+
+    // Outlets.
+    farview::OutletProperty<farview::Panel> updatePanel;
+    farview::OutletProperty<farview::TextField> headlineText;
+    farview::OutletProperty<farview::TextField> detailText;
+    farview::OutletProperty<farview::View> notesArea;
+    farview::OutletProperty<farview::TextField> notesText;
+    farview::OutletProperty<farview::ProgressIndicator> updateProgress;
+    farview::OutletProperty<farview::Button> firstButton;
+    farview::OutletProperty<farview::Button> secondButton;
 
 private:
     bool loadNib(const FVEPreferencePane& pane, std::string& error);

@@ -22,7 +22,6 @@ namespace
 
 using namespace farview;
 
-constexpr int kWrongUse = 2;
 constexpr int kNoPort = 3;
 
 /// Whether there is a display to show a window on.
@@ -120,30 +119,13 @@ int run(const DeviceArguments& arguments, bool hasWindow)
     return QCoreApplication::exec();
 }
 
-/// Answers what needs no program; nothing when the program is to run.
-std::optional<int> answerOnly(const DeviceArguments& arguments)
-{
-    if (!arguments.mistake.empty()) {
-        std::fprintf(stderr, "farview-device: %s (see farview-device --help)\n",
-                     arguments.mistake.c_str());
-        return kWrongUse;
-    }
-    if (arguments.wantsHelp)
-        std::fputs(deviceUsage, stdout);
-    else if (arguments.wantsVersion)
-        std::puts("farview-device " FARVIEW_VERSION);
-    else
-        return std::nullopt;
-    return 0;
-}
-
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const DeviceArguments arguments = readDeviceArguments({argv + 1, argv + argc});
-    if (const auto status = answerOnly(arguments))
-        return *status;
+    const DeviceArguments arguments = readDeviceArguments(CommandLine::words(argc, argv));
+    if (arguments.answer)
+        return print(*arguments.answer);
     if (arguments.isHeadless || !hasDisplay()) {
         const QCoreApplication application(argc, argv);
         return run(arguments, false);

@@ -1,4 +1,4 @@
-#include "Applications/Doctor/DoctorArguments.h"
+#include "Applications/CommandLine.h"
 #include "Applications/Doctor/DoctorProgram.h"
 #include "Applications/Doctor/HangWatchdog.h"
 #include "Applications/Doctor/Report.h"
@@ -14,6 +14,20 @@ using namespace farview;
 
 /// Later than any run that goes on, and within the time that --help promises.
 constexpr std::chrono::milliseconds hangLimit{9500};
+
+const auto purpose = QStringLiteral(R"(
+Looks at everything that Farview needs, and prints what it found: versions,
+message bus, network, driver, programs, settings, desktop, and the devices that
+are announced. Changes nothing, and does not connect to a device as a screen
+would. Takes at most 10 seconds.
+)");
+
+const auto exitStatuses = QStringLiteral(R"(
+Exit status:
+   0  a device can be used: nothing was found that is in the way of it
+   1  no device can be used; the lines marked "Problem" say why
+   2  wrong use
+   3  unknown: time was over before everything had answered)");
 
 std::string rendered(const Report& report, const DoctorProgram& program, bool asJSON)
 {
@@ -46,20 +60,9 @@ int run(int argc, char** argv, bool asJSON)
 
 int main(int argc, char** argv)
 {
-    const DoctorArguments arguments = readDoctorArguments({argv + 1, argv + argc});
-    switch (arguments.wish) {
-    case DoctorArguments::Wish::help:
-        std::fputs(doctorUsage, stdout);
-        return 0;
-    case DoctorArguments::Wish::version:
-        std::puts("farview-doctor " FARVIEW_VERSION);
-        return 0;
-    case DoctorArguments::Wish::none:
-        std::fprintf(stderr, "farview-doctor: %s (see farview-doctor --help)\n",
-                     arguments.mistake.c_str());
-        return wrongUseOfDoctor;
-    case DoctorArguments::Wish::examine:
-        break;
-    }
-    return run(argc, argv, arguments.asJSON);
+    const CommandLine line(CommandLine::words(argc, argv), purpose,
+                           {{u"json"_qs, u"Print the report for programs, as JSON with English "
+                                         "texts"_qs}},
+                           exitStatuses);
+    return line.answer() ? print(*line.answer()) : run(argc, argv, line.has("json"));
 }

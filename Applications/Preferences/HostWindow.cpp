@@ -6,7 +6,6 @@
 #include <QMessageBox>
 #include <QScreen>
 #include <QScrollArea>
-#include <QStackedWidget>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -14,16 +13,6 @@
 
 namespace
 {
-
-/// Forgets what a layout knows of its parts. Those inside it learn of changes with the next turn
-/// only; to activate it would lay everything out, at a size that it never has.
-void forgetHints(QLayoutItem& item)
-{
-    item.invalidate();
-    QLayout* layout = item.layout();
-    for (int i = 0; layout && i < layout->count(); ++i)
-        forgetHints(*layout->itemAt(i));
-}
 
 /// What a page needs at that width, the parts included that would scroll for want of room.
 int heightForPage(const QWidget& page, int width)
@@ -35,43 +24,26 @@ int heightForPage(const QWidget& page, int width)
         if (!area->widget())
             continue;
         const QWidget& content = *area->widget();
+        // Layouts inside layouts learn of changes with the next turn only, or now.
         if (content.layout())
-            forgetHints(*content.layout());
+            content.layout()->activate();
         const int whole = std::max(content.sizeHint().height(), content.heightForWidth(width));
         height += std::max(0, whole - area->minimumSizeHint().height());
     }
     return height;
 }
 
-/// Tabs do not tell how high their pages must be where texts wrap, so the one in front is asked.
+/// Tabs do not tell how high their pages must be where texts wrap, so each page is asked.
 int heightForPages(const QTabWidget& tabs, const QWidget& view, int width)
 {
     QSize largest;
     for (int i = 0; i < tabs.count(); ++i)
         largest = largest.expandedTo(tabs.widget(i)->minimumSizeHint());
     const QSize around = view.minimumSizeHint() - largest;
-    const QWidget* front = tabs.currentWidget();
-    return (front ? heightForPage(*front, width - around.width()) : 0) + around.height();
-}
-
-/// What a view needs at that width.
-int heightAt(const QWidget& view, int width)
-{
-    int height = view.layout() ? view.layout()->totalMinimumHeightForWidth(width) : 0;
-    for (const auto* tabs : view.findChildren<QTabWidget*>())
-        height = std::max(height, heightForPages(*tabs, view, width));
-    return height;
-}
-
-/// Gives tab pages the room that they will have. The toolkit gives it only once they are on the
-/// screen, and would lay everything out for their earlier sizes first.
-void giveRoomToPages(const QWidget& view, QSize size)
-{
-    for (auto* tabs : view.findChildren<QTabWidget*>()) {
-        auto* pages = tabs->findChild<QStackedWidget*>({}, Qt::FindDirectChildrenOnly);
-        if (pages)
-            pages->resize(size - (view.minimumSizeHint() - pages->minimumSizeHint()));
-    }
+    int height = 0;
+    for (int i = 0; i < tabs.count(); ++i)
+        height = std::max(height, heightForPage(*tabs.widget(i), width - around.width()));
+    return height + around.height();
 }
 
 /// The toolkit tells assistive technology that a window without a frame of its kinds is nothing.
@@ -99,8 +71,12 @@ HostWindow::HostWindow() : mLayout(new QVBoxLayout(this)), mBack(new QToolButton
 
 QSize HostWindow::firstSize(const QWidget& view)
 {
-    const int width = std::max(view.width(), view.sizeHint().width());
-    return {width, std::max({view.height(), view.sizeHint().height(), heightAt(view, width)})};
+    const QSize available = view.screen()->availableSize();
+    const QSize size = view.size().expandedTo(view.sizeHint()).boundedTo(available);
+    int height = view.layout() ? view.layout()->totalMinimumHeightForWidth(size.width()) : 0;
+    for (const auto* tabs : view.findChildren<QTabWidget*>())
+        height = std::max(height, heightForPages(*tabs, view, size.width()));
+    return size.expandedTo({0, height});
 }
 
 void HostWindow::setView(QWidget* view, const QString& title, const QString& back)
@@ -120,29 +96,9 @@ void HostWindow::setView(QWidget* view, const QString& title, const QString& bac
     setWindowTitle(title);
     if (!back.isEmpty())
         wanted.rheight() += mBack->sizeHint().height();
-    giveRoom(isVisible() ? size().expandedTo(wanted) : wanted);
-    if (!isVisible())
-        giveRoomToPages(*view, size());
-    for (const auto* tabs : view->findChildren<QTabWidget*>())
-        connect(tabs, &QTabWidget::currentChanged, this, &HostWindow::makeRoomForPage,
-                Qt::ConnectionType(Qt::QueuedConnection | Qt::UniqueConnection));
-}
-
-void HostWindow::giveRoom(QSize wanted)
-{
+    if (isVisible())
+        wanted = size().expandedTo(wanted);
     resize(wanted.boundedTo(screen()->availableSize()));
-    mGivenHeight = height();
-}
-
-void HostWindow::makeRoomForPage()
-{
-    // Whoever gave the window another height wants that one.
-    if (!mView || !isVisible() || height() != mGivenHeight)
-        return;
-    const int width = std::min(std::max(mView->width(), mView->sizeHint().width()),
-                               screen()->availableSize().width());
-    const QSize needed(width, heightAt(*mView, width));
-    giveRoom(size().expandedTo(needed + (size() - mView->size())));
 }
 
 void HostWindow::showBack(const QString& title)

@@ -13,8 +13,7 @@ class HostWindow : public QWidget
 public:
     HostWindow();
 
-    /// The size at which a view is shown first: the file's, or more where its texts need more. Of
-    /// tabs the one in front counts; another one makes room for itself when it comes to the front.
+    /// The size at which a view is shown first: the file's, or more where its texts need more.
     static QSize firstSize(const QWidget& view);
     /// Shows that view instead of the one before, which stays its owner's. `back`: the title of the
     /// pane that the button above the view leads to; without one there is no button.
@@ -35,11 +34,8 @@ protected:
 
 private:
     void showBack(const QString& title);
-    void giveRoom(QSize wanted);
-    void makeRoomForPage();
 
     QVBoxLayout* mLayout;
     QToolButton* mBack;
     QPointer<QWidget> mView;
-    int mGivenHeight = 0; ///< what this class gave the window last
 };

@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <QJsonObject>
 #include <QPluginLoader>
-#include <QWidget>
 
 #include <optional>
 
@@ -27,11 +26,6 @@ QString infoText(const farview::Bundle& bundle, const std::string& key)
     const auto value = bundle.objectForInfoDictionaryKey(key);
     const auto* text = value ? value->get<std::string>() : nullptr;
     return text ? QString::fromStdString(*text) : QString();
-}
-
-QString libraryPath(const QString& bundlePath, const QString& executable)
-{
-    return bundlePath + u"/Contents/Linux/"_qs + QFileInfo(executable).fileName();
 }
 
 /// The number behind "com.quillon.PreferencePane/"; nothing when that is not what it is.
@@ -63,15 +57,6 @@ bool speaksOurInterface(const QPluginLoader& loader, const QString& library, Hos
     return version == ours;
 }
 
-/// The view's own title is in the user's language already.
-QString titleOf(const QWidget& view, const farview::Bundle& bundle)
-{
-    const std::string name = infoText(bundle, "CFBundleName").toStdString();
-    return view.windowTitle().isEmpty()
-               ? QString::fromStdString(bundle.localizedString(name, "", ""))
-               : view.windowTitle();
-}
-
 } // namespace
 
 LoadedPane::LoadedPane(std::unique_ptr<HostedPane> pane, QWidget* view, QString title)
@@ -100,18 +85,9 @@ std::unique_ptr<LoadedPane> PaneLoader::load(const QString& path, HostError& err
                  sentence("\"%1\" does not say which class its pane is (NSPrincipalClass).", path)};
         return nullptr;
     }
-    const QString executable = infoText(*bundle, "CFBundleExecutable");
-    auto* factory = loadFactory(libraryPath(path, executable), error);
+    const QString executable = QFileInfo(infoText(*bundle, "CFBundleExecutable")).fileName();
+    auto* factory = loadFactory(path + u"/Contents/Linux/"_qs + executable, error);
     return factory ? makePane(path, *bundle, *factory, error) : nullptr;
-}
-
-void PaneLoader::loadLibraryAhead(const QString& path, const QString& executable)
-{
-    const QString library = libraryPath(path, executable);
-    QPluginLoader loader(library);
-    HostError toldLater;
-    if (speaksOurInterface(loader, library, toldLater))
-        loader.load();
 }
 
 std::shared_ptr<farview::Bundle> PaneLoader::openBundle(const QString& path, HostError& error) const
@@ -172,6 +148,7 @@ std::unique_ptr<LoadedPane> PaneLoader::makePane(const QString& path, const farv
         return nullptr;
     }
     pane->mainViewDidLoad();
-    const QString title = titleOf(*view, bundle);
-    return std::make_unique<LoadedPane>(std::move(pane), view, title);
+    const auto name = infoText(bundle, "CFBundleName").toStdString();
+    return std::make_unique<LoadedPane>(
+        std::move(pane), view, QString::fromStdString(bundle.localizedString(name, "", "")));
 }

@@ -42,10 +42,6 @@ public:
     /// `path`: a bundle's folder, absolute. Null with `error` filled in when it cannot be used.
     std::unique_ptr<LoadedPane> load(const QString& path, HostError& error) const;
 
-    /// Loads the library `executable` of the bundle at `path` before it is asked for, if it speaks
-    /// this host's interface; nothing else of the bundle is looked at. For any thread.
-    static void loadLibraryAhead(const QString& path, const QString& executable);
-
 private:
     std::shared_ptr<farview::Bundle> openBundle(const QString& path, HostError& error) const;
     PaneFactory* loadFactory(const QString& libraryPath, HostError& error) const;

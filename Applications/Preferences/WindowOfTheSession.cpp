@@ -1,6 +1,5 @@
 #include "Applications/Preferences/WindowOfTheSession.h"
 
-#include "Applications/Preferences/PaneInterface.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
 
 #include <QDBusMessage>
@@ -8,6 +7,8 @@
 namespace
 {
 
+// A connection of the host's own: panes bring theirs.
+constexpr auto connectionName = "farview-preferences host";
 constexpr auto objectPath = "/com/quillon/FarviewPreferences";
 constexpr auto interfaceName = "com.quillon.FarviewPreferences";
 constexpr int longestWait = 5'000; // milliseconds
@@ -15,13 +16,13 @@ constexpr int longestWait = 5'000; // milliseconds
 } // namespace
 
 WindowOfTheSession::WindowOfTheSession()
-    : mBus(farview::SessionBus::lend(QString::fromLatin1(hostBusConnection)))
+    : mBus(farview::SessionBus::open(QString::fromLatin1(connectionName)))
 {
 }
 
 WindowOfTheSession::~WindowOfTheSession()
 {
-    QDBusConnection::disconnectFromBus(QString::fromLatin1(hostBusConnection));
+    QDBusConnection::disconnectFromBus(QString::fromLatin1(connectionName));
 }
 
 QString WindowOfTheSession::serviceName() const

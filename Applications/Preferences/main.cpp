@@ -1,4 +1,4 @@
-#include "Applications/Preferences/HeadStart.h"
+#include "Applications/CommandLine.h"
 #include "Applications/Preferences/PaneInterface.h"
 #include "Applications/Preferences/PaneSearch.h"
 #include "Applications/Preferences/PreferencesHost.h"
@@ -13,19 +13,17 @@
 #include "Platform/Posix/StandardErrorLog.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QTextStream>
 
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
 
 namespace
 {
 
-constexpr auto exitStatuses = R"(
+const auto exitStatuses = QStringLiteral(R"(
 Exit status:
    0  done; also when the window of an earlier start was brought to the front
    2  wrong use
@@ -39,13 +37,7 @@ Exit status:
   10  its interface file is missing, damaged, or lacks something
   11  the pane does not accept its bundle
   12  the window of an earlier start does not answer
-  13  there is no display)";
-
-struct Options {
-    QString pane;
-    bool list = false;
-    bool smokeTest = false;
-};
+  13  there is no display)");
 
 void print(std::FILE* file, const QString& text) { QTextStream(file) << text << Qt::endl; }
 
@@ -56,37 +48,15 @@ int fail(const HostError& error)
     return static_cast<int>(error.status);
 }
 
-QString helpText(const QCommandLineParser& parser)
+const farview::CommandLine::Options& options()
 {
-    // The parser knows the program's name only where there is an application object.
-    return parser.helpText().replace(u"<executable_name>"_qs, u"farview-preferences"_qs) +
-           QString::fromLatin1(exitStatuses);
-}
-
-/// Nothing when the program ends here; `status` then says how.
-std::optional<Options> parse(const QStringList& arguments, int& status)
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(u"Shows a preference pane in a window."_qs);
-    parser.addOption({u"pane"_qs, u"The bundle to show instead of Farview's own."_qs, u"PATH"_qs});
-    parser.addOption({u"list"_qs, u"Print the panes that were found, and end."_qs});
-    parser.addOption({u"smoke-test"_qs, u"Go through a pane's whole life without starting "
-                                        "programs or talking to any, and end."_qs});
-    parser.addOption({{u"h"_qs, u"help"_qs}, u"Print this help."_qs});
-    parser.addOption({{u"v"_qs, u"version"_qs}, u"Print the version."_qs});
-    const bool parsed = parser.parse(arguments) && parser.positionalArguments().isEmpty();
-    status = static_cast<int>(parsed ? HostStatus::success : HostStatus::usage);
-    if (!parsed)
-        print(stderr, parser.positionalArguments().isEmpty() ? parser.errorText()
-                                                             : u"Unexpected argument."_qs);
-    else if (parser.isSet(u"help"_qs))
-        print(stdout, helpText(parser));
-    else if (parser.isSet(u"version"_qs))
-        print(stdout, QStringLiteral("farview-preferences " FARVIEW_VERSION));
-    else
-        return Options{parser.value(u"pane"_qs), parser.isSet(u"list"_qs),
-                       parser.isSet(u"smoke-test"_qs)};
-    return std::nullopt;
+    static const farview::CommandLine::Options list{
+        {u"pane"_qs, u"The bundle to show instead of Farview's own"_qs, u"PATH"_qs},
+        {u"list"_qs, u"Print the panes that were found, and end"_qs},
+        {u"smoke-test"_qs, u"Go through a pane's whole life without starting programs or talking "
+                           "to any, and end"_qs},
+    };
+    return list;
 }
 
 bool hasDisplay()
@@ -130,16 +100,15 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
     return error.status == HostStatus::success ? QApplication::exec() : fail(error);
 }
 
-int runApplication(int& argc, char** argv, const Options& options, const QString& pane,
+int runApplication(int argc, char** argv, const farview::CommandLine& line, const QString& pane,
                    farview::Bundles& bundles)
 {
-    HeadStart headStart(pane);
-    QApplication application(argc, argv);
-    const std::jthread rest = headStart.goOn();
+    const QApplication application(argc, argv);
     QApplication::setApplicationName(u"farview-preferences"_qs);
     QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
     QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);
-    return options.smokeTest ? runSmokeTest(pane, bundles) : runWindow(pane, options.pane, bundles);
+    return line.has("smoke-test") ? runSmokeTest(pane, bundles)
+                                  : runWindow(pane, line.value("pane"), bundles);
 }
 
 /// In the place of this process, as it was started: its window and its name on the bus have gone.
@@ -155,30 +124,29 @@ int startAnew(char** argv)
 
 int main(int argc, char* argv[])
 {
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments += QString::fromLocal8Bit(argv[i]);
-    int status = 0;
-    const auto options = parse(arguments, status);
-    if (!options)
-        return status;
+    const farview::CommandLine line(farview::CommandLine::words(argc, argv),
+                                    u"Shows a preference pane in a window."_qs, options(),
+                                    exitStatuses);
+    if (line.answer())
+        return print(*line.answer());
 
     farview::StandardErrorLog log("farview-preferences");
     farview::PosixSearchPaths searchPaths(farview::EnvironmentUse::honoured);
     farview::PosixBundles bundles(farview::EnvironmentUse::honoured, log);
-    if (options->list) {
+    if (line.has("list")) {
         for (const QString& each : findPanes(searchPaths))
             print(stdout, each);
-        return status;
+        return 0;
     }
-    const QString pane = paneToOpen(options->pane, QString::fromLatin1(kPrefPaneName), searchPaths);
+    const QString pane =
+        paneToOpen(line.value("pane"), QString::fromLatin1(kPrefPaneName), searchPaths);
     if (pane.isEmpty())
         return fail({HostStatus::paneNotFound, u"No Farview preference pane is installed."_qs});
-    if (options->smokeTest && !hasDisplay())
+    if (line.has("smoke-test") && !hasDisplay())
         qputenv("QT_QPA_PLATFORM", "offscreen");
     if (!hasDisplay())
         return fail({HostStatus::noDisplay, u"There is no display to open a window on."_qs});
 
-    status = runApplication(argc, argv, *options, pane, bundles);
+    const int status = runApplication(argc, argv, line, pane, bundles);
     return status == exitToStartAnew ? startAnew(argv) : status;
 }

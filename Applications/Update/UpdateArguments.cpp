@@ -1,92 +1,55 @@
 #include "Applications/Update/UpdateArguments.h"
 
-#include "Platform/Posix/StandardErrorLog.h"
-
-#include <charconv>
-
 namespace farview
 {
-
-const char* const updateUsage =
-    R"(Usage: farview-update --bundle PATH --host PATH [--check-only] [--patience SECONDS]
-
-Updates a pane's bundle from the feed that its Info.plist names. Reads "download", "install" and
-"cancel" from standard input, one word per line, and prints what happens as JSON, one object per
-line. The end of the input before "install" is "cancel". The panel is what usually runs it.
-
-  --bundle PATH       the bundle to update
-  --host PATH         the farview-preferences that tries the new bundle
-  --check-only        only look whether there is something newer
-  --patience SECONDS  how long a server may be silent, 1 to 600 (30 when not said)
-  --help              print this help
-  --version           print the version
-
-Exit status:
-   0  nothing newer, installed, cancelled, or found with --check-only
-   1  failed; the last line says why
-   2  wrong use
-)";
-
 namespace
 {
 
-using Wish = UpdateArguments::Wish;
+const auto purpose = QStringLiteral(R"(
+Updates a pane's bundle from the feed that its Info.plist names. Reads "download",
+"install" and "cancel" from standard input, one word per line, and prints what
+happens as JSON, one object per line. The end of the input before "install" is
+"cancel". The panel is what usually runs it.
+)");
 
-constexpr std::size_t longestShownArgument = 200;
+const auto exitStatuses = QStringLiteral(R"(
+Exit status:
+   0  nothing newer, installed, cancelled, or found with --check-only
+   1  failed; the last line says why
+   2  wrong use)");
 
-UpdateArguments mistake(const std::string& text)
+const CommandLine::Options& options()
 {
-    UpdateArguments arguments;
-    arguments.wish = Wish::none;
-    arguments.mistake = text;
-    return arguments;
+    static const CommandLine::Options list{
+        {u"bundle"_qs, u"The bundle to update"_qs, u"PATH"_qs},
+        {u"host"_qs, u"The farview-preferences that tries the new bundle"_qs, u"PATH"_qs},
+        {u"check-only"_qs, u"Only look whether there is something newer"_qs},
+        {u"patience"_qs, u"How long a server may be silent, 1 to 600 (30 when not said)"_qs,
+         u"SECONDS"_qs},
+    };
+    return list;
 }
 
 bool readPatience(const std::string& text, std::chrono::seconds& patience)
 {
     constexpr int most = 600;
     int seconds = 0;
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, seconds);
+    const bool fits = readNumber(text, seconds) && seconds >= 1 && seconds <= most;
     patience = std::chrono::seconds(seconds);
-    return result.ec == std::errc() && result.ptr == end && seconds >= 1 && seconds <= most;
-}
-
-/// Whether the option is known and its value fits.
-bool takeValue(UpdateArguments& arguments, const std::string& option, const std::string& value)
-{
-    if (option == "--bundle")
-        arguments.bundle = value;
-    else if (option == "--host")
-        arguments.host = value;
-    else
-        return option == "--patience" && readPatience(value, arguments.patience);
-    return !value.empty();
+    return fits;
 }
 
 } // namespace
 
-UpdateArguments readUpdateArguments(const std::vector<std::string>& arguments)
+UpdateArguments readUpdateArguments(const QStringList& words)
 {
-    UpdateArguments result;
-    for (std::size_t index = 0; index < arguments.size(); ++index) {
-        const auto& argument = arguments[index];
-        if (argument == "--help" || argument == "-h") {
-            result.wish = Wish::help;
-            return result;
-        }
-        if (argument == "--version" || argument == "-v") {
-            result.wish = Wish::version;
-            return result;
-        }
-        if (argument == "--check-only")
-            result.onlyChecks = true;
-        else if (index + 1 == arguments.size() || !takeValue(result, argument, arguments[++index]))
-            return mistake("unexpected argument, or its value is missing or wrong: " +
-                           printableText(argument, longestShownArgument));
-    }
+    CommandLine line(words, purpose, options(), exitStatuses);
+    UpdateArguments result{line.value("bundle").toStdString(), line.value("host").toStdString(),
+                           line.has("check-only")};
+    line.read("patience", [&](const auto& value) { return readPatience(value, result.patience); });
     if (result.bundle.empty() || result.host.empty())
-        return mistake("--bundle and --host are needed");
+        line.refuse(u"--bundle and --host are needed."_qs);
+    result.answer = line.answer();
     return result;
 }
 

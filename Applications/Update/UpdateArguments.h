@@ -1,28 +1,25 @@
 #pragma once
 
+#include "Applications/CommandLine.h"
+
 #include <chrono>
+#include <optional>
 #include <string>
-#include <vector>
 
 namespace farview
 {
 
-inline constexpr int wrongUseOfUpdate = 2;
-
+/// What the command line of farview-update says.
 struct UpdateArguments {
-    enum class Wish { update, help, version, none };
-
-    Wish wish = Wish::update;
     std::string bundle;
     std::string host;
     bool onlyChecks = false;
     std::chrono::seconds patience{30}; ///< with a server that is silent
-    std::string mistake;               ///< of `none`, printable
+    /// What to say instead of updating.
+    std::optional<CommandLineAnswer> answer;
 };
 
-UpdateArguments readUpdateArguments(const std::vector<std::string>& arguments);
-
-/// What --help prints.
-extern const char* const updateUsage;
+/// `words` begin with the program's name.
+UpdateArguments readUpdateArguments(const QStringList& words);
 
 } // namespace farview

@@ -61,20 +61,6 @@ int update(int argc, char** argv, const UpdateArguments& arguments)
 
 int main(int argc, char** argv)
 {
-    const auto arguments = readUpdateArguments({argv + 1, argv + argc});
-    switch (arguments.wish) {
-    case UpdateArguments::Wish::help:
-        std::fputs(updateUsage, stdout);
-        return 0;
-    case UpdateArguments::Wish::version:
-        std::puts("farview-update " FARVIEW_VERSION);
-        return 0;
-    case UpdateArguments::Wish::none:
-        std::fprintf(stderr, "farview-update: %s (see farview-update --help)\n",
-                     arguments.mistake.c_str());
-        return wrongUseOfUpdate;
-    case UpdateArguments::Wish::update:
-        break;
-    }
-    return update(argc, argv, arguments);
+    const auto arguments = readUpdateArguments(CommandLine::words(argc, argv));
+    return arguments.answer ? print(*arguments.answer) : update(argc, argv, arguments);
 }

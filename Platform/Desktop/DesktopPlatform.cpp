@@ -47,11 +47,7 @@ std::string programName()
 } // namespace
 
 struct DesktopPlatform::Bodies {
-    explicit Bodies(const DesktopPlatformOptions& options)
-        : log(programName(), options.isSilent ? nowhere : standardError),
-          bus(log, QString::fromStdString(options.lentBus))
-    {
-    }
+    explicit Bodies(int logDescriptor) : log(programName(), logDescriptor) {}
 
     StandardErrorLog log;
     LocalNotificationCenter notificationCenter;
@@ -67,7 +63,7 @@ struct DesktopPlatform::Bodies {
     SysfsRegistry registry{DriverExtensions(searchPaths.extensionFolders())};
     DesktopText text;
     QtRunLoop runLoop;
-    SessionBus bus;
+    SessionBus bus{log};
     DesktopAccessibility accessibility{bus};
 
     // These reach beyond the process, and are made only for use,
@@ -83,8 +79,8 @@ struct DesktopPlatform::Bodies {
     std::optional<OverlayFileManager> overlayFileManager;
 };
 
-DesktopPlatform::DesktopPlatform(const DesktopPlatformOptions& options)
-    : mBodies(std::make_unique<Bodies>(options))
+DesktopPlatform::DesktopPlatform(DesktopPlatformOptions options)
+    : mBodies(std::make_unique<Bodies>(options.isSilent ? nowhere : standardError))
 {
     mPlatform.accessibility = &mBodies->accessibility;
     mPlatform.bundles = &mBodies->bundles;

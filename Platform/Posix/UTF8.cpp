@@ -1,7 +1,5 @@
 #include "Platform/Posix/UTF8.h"
 
-#include <algorithm>
-
 namespace farview
 {
 namespace
@@ -71,18 +69,13 @@ void appendUTF8(std::string& text, char32_t character)
 
 bool isValidUTF8(std::string_view text)
 {
-    const auto isBeyondASCII = [](char each) { return static_cast<unsigned char>(each) >= 0x80; };
-    while (true) {
-        // Most texts are ASCII for the most part, which needs no decoding.
-        const auto found = std::find_if(text.begin(), text.end(), isBeyondASCII);
-        text.remove_prefix(static_cast<std::size_t>(found - text.begin()));
-        if (text.empty())
-            return true;
+    while (!text.empty()) {
         const auto character = decodeCharacter(text);
         if (!character.value)
             return false;
         text.remove_prefix(character.length);
     }
+    return true;
 }
 
 std::string validUTF8(std::string text)

@@ -110,69 +110,20 @@ TEST(SessionBus, AConnectionThatEndsLeavesNoNameBehind)
     EXPECT_TRUE(waitUntil([&] { return other.nameOwner(name).isEmpty(); }));
 }
 
-/// A connection as the host has it for its panes.
-struct LentBus {
-    ~LentBus() { QDBusConnection::disconnectFromBus(name); }
-
-    const QString name = QStringLiteral("lent");
-    QDBusConnection connection = SessionBus::lend(name);
-};
-
-TEST(SessionBus, BeginsWithAConnectionThatIsLentAndDoesNotCloseIt)
-{
-    PrivateBus privateBus;
-    const SessionBusScope scope(privateBus.address());
-    FakeLog log;
-    LentBus lent;
-    {
-        SessionBus bus(log, lent.name);
-        ASSERT_TRUE(bus.isConnected());
-        EXPECT_EQ(bus.uniqueName(), lent.connection.baseService());
-    }
-    EXPECT_TRUE(lent.connection.isConnected());
-    EXPECT_EQ(SessionBus::lend(lent.name).baseService(), lent.connection.baseService());
-}
-
-TEST(SessionBus, MakesItsOwnConnectionWhereTheLentOneIsMissing)
-{
-    PrivateBus privateBus;
-    const SessionBusScope scope(privateBus.address());
-    FakeLog log;
-    SessionBus bus(log, QStringLiteral("nobody lends this"));
-    EXPECT_TRUE(bus.isConnected());
-}
-
-TEST(SessionBus, MakesItsOwnConnectionOnceTheLentOneIsLost)
-{
-    PrivateBus privateBus;
-    const SessionBusScope scope(privateBus.address());
-    FakeLog log;
-    LentBus lent;
-    SessionBus bus(log, lent.name);
-    ASSERT_EQ(bus.uniqueName(), lent.connection.baseService());
-    privateBus.stop();
-    ASSERT_TRUE(waitUntil([&] { return !bus.isConnected(); }));
-    privateBus.start();
-    ASSERT_TRUE(waitUntil([&] { return bus.isConnected(); }));
-    EXPECT_TRUE(bus.requestName(name));
-    EXPECT_FALSE(lent.connection.isConnected());
-}
-
-TEST(SessionBus, ABusOfAnotherUserIsNotLent)
+TEST(SessionBus, ABusOfAnotherUserIsNotOpened)
 {
     if (::geteuid() != 0)
         GTEST_SKIP() << "only root can run a bus as another user";
     PrivateBus privateBus(PrivateBus::Guests::everyone, PrivateBus::Owner::nobody);
     const SessionBusScope scope(privateBus.address());
-    const LentBus lent;
-    EXPECT_FALSE(lent.connection.isConnected());
+    EXPECT_FALSE(SessionBus::open(QStringLiteral("another's")).isConnected());
 }
 
-TEST(SessionBus, WithoutABusNothingIsLent)
+TEST(SessionBus, WithoutABusNothingIsOpened)
 {
     const SessionBusScope scope("unix:path=/nowhere/at/all");
-    const LentBus lent;
-    EXPECT_FALSE(lent.connection.isConnected());
+    EXPECT_FALSE(SessionBus::open(QStringLiteral("none")).isConnected());
+    QDBusConnection::disconnectFromBus(QStringLiteral("none"));
 }
 
 TEST(BusNameWatcher, TellsWhatHoldsAndWhatChangesAcrossALossOfTheBus)

@@ -316,6 +316,8 @@ TEST_F(Doctor, RefusesArgumentsThatItDoesNotKnow)
 {
     EXPECT_EQ(examine({"--something"}).status(), 2);
     EXPECT_EQ(examine({"--help"}).status(), 0);
+    for (const char* line : {"\n   0  ", "\n   1  ", "\n   2  ", "\n   3  "})
+        EXPECT_THAT(examine({"--help"}).output(), HasSubstr(line));
     EXPECT_THAT(examine({"--version"}).output(), HasSubstr("farview-doctor "));
 }
 

@@ -20,9 +20,9 @@ protected:
     {
         for (const auto& outlet : pane->outlets())
             outlet.connect(*pane);
-        pane->accessibilityCheckbox->setKind(Button::Kind::checkBox);
-        pane->accessibilityCheckbox->setTarget(pane);
-        pane->accessibilityCheckbox->setAction({"accessibilityPressed:"});
+        pane->accessibilityCheckbox()->setKind(Button::Kind::checkBox);
+        pane->accessibilityCheckbox()->setTarget(pane);
+        pane->accessibilityCheckbox()->setAction({"accessibilityPressed:"});
     }
     void showWith(AccessibilitySwitch::State state)
     {
@@ -30,12 +30,12 @@ protected:
         pane->willSelect();
         desktop.deliver();
     }
-    void click() { pane->accessibilityCheckbox->performClick(nullptr); }
-    int box() const { return pane->accessibilityCheckbox->state(); }
-    bool canBeClicked() const { return pane->accessibilityCheckbox->isEnabled(); }
-    std::string lifetime() const { return pane->lifetimeLabel->stringValue(); }
-    std::string windows() const { return pane->windowsLabel->stringValue(); }
-    std::string problem() const { return pane->problemLabel->stringValue(); }
+    void click() { pane->accessibilityCheckbox()->performClick(nullptr); }
+    int box() const { return pane->accessibilityCheckbox()->state(); }
+    bool canBeClicked() const { return pane->accessibilityCheckbox()->isEnabled(); }
+    std::string lifetime() const { return pane->lifetimeLabel()->stringValue(); }
+    std::string windows() const { return pane->windowsLabel()->stringValue(); }
+    std::string problem() const { return pane->problemLabel()->stringValue(); }
 
     FakeAccessibility accessibility;
     FakeAccessibilitySwitch desktop;
@@ -90,7 +90,7 @@ TEST_F(AccessibilityPaneTest, AFailedChangeIsToldInWordsAndTheBoxShowsWhatHolds)
         EXPECT_EQ(box(), 0);
         EXPECT_TRUE(canBeClicked()) << "it can be tried again";
         EXPECT_NE(problem(), "");
-        EXPECT_EQ(pane->problemLabel->textRole(), TextField::Role::error);
+        EXPECT_EQ(pane->problemLabel()->textRole(), TextField::Role::error);
     }
     desktop.setProblem(Problem::none);
     click();

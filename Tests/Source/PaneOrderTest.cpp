@@ -83,15 +83,7 @@ TEST_F(PaneOrder, LoadingGoesThroughItsSteps)
                      "resource FarviewStatusItem|app", "resource Farview Documentation|pdf",
                      "info QLNInstallerURL", "resource com.quillon.displayresolutionson|",
                      "resource com.quillon.displayresolutionsoff|", "info CFBundleVersion",
-                     "versionNumberLabel", "timer 10 repeating", "perform after 500 ms"}));
-}
-
-TEST_F(PaneOrder, TheModelIsAskedForWhenTheWindowIsThere)
-{
-    load();
-    journal.forget();
-    fake.runLoop.advance(farview::Duration(0.5));
-    EXPECT_EQ(lines(), Texts{"info incompatibleModels"});
+                     "versionNumberLabel", "timer 10 repeating", "info incompatibleModels"}));
 }
 
 TEST_F(PaneOrder, ShowingGoesThroughItsSteps)

@@ -162,7 +162,6 @@ TEST_F(PaneGraphicsCheck, LoadingLeavesTheWholeRegistryBehind)
 {
     useMachine("MacBook5,1");
     load();
-    fake.runLoop.advance(farview::Duration(0.5));
     auto& explorer = QLNRegistryExplorer::sharedExplorer();
     EXPECT_EQ(explorer.currentPlane(), "IOService");
     EXPECT_EQ(explorer.searchResultsForText("book", true, false),

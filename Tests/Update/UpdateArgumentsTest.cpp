@@ -7,25 +7,28 @@ namespace farview
 namespace
 {
 
-using Wish = UpdateArguments::Wish;
+UpdateArguments read(const std::vector<std::string>& arguments)
+{
+    QStringList words(u"farview-update"_qs);
+    for (const auto& argument : arguments)
+        words += QString::fromStdString(argument);
+    return readUpdateArguments(words);
+}
 
 TEST(UpdateArguments, AreRead)
 {
-    const auto arguments = readUpdateArguments({"--bundle", "B", "--host", "H"});
-    EXPECT_EQ(arguments.wish, Wish::update);
+    const auto arguments = read({"--bundle", "B", "--host", "H"});
+    EXPECT_FALSE(arguments.answer);
     EXPECT_EQ(arguments.bundle, "B");
     EXPECT_EQ(arguments.host, "H");
     EXPECT_FALSE(arguments.onlyChecks);
     EXPECT_EQ(arguments.patience, std::chrono::seconds(30));
-    const auto more =
-        readUpdateArguments({"--check-only", "--patience", "5", "--host", "H", "--bundle", "B"});
+    const auto more = read({"--check-only", "--patience", "5", "--host", "H", "--bundle", "B"});
     EXPECT_TRUE(more.onlyChecks);
     EXPECT_EQ(more.patience, std::chrono::seconds(5));
-    EXPECT_EQ(readUpdateArguments({"--help"}).wish, Wish::help);
-    EXPECT_EQ(readUpdateArguments({"-v"}).wish, Wish::version);
 }
 
-TEST(UpdateArguments, MistakesAreSaidInPrintableWords)
+TEST(UpdateArguments, MistakesAreRefused)
 {
     const std::vector<std::vector<std::string>> mistakes = {
         {},
@@ -40,10 +43,9 @@ TEST(UpdateArguments, MistakesAreSaidInPrintableWords)
         {"--bundle", "B", "--host", "H", "\x1B[2J"},
     };
     for (const auto& mistake : mistakes) {
-        const auto arguments = readUpdateArguments(mistake);
-        EXPECT_EQ(arguments.wish, Wish::none);
-        EXPECT_FALSE(arguments.mistake.empty());
-        EXPECT_EQ(arguments.mistake.find('\x1B'), std::string::npos);
+        const auto arguments = read(mistake);
+        ASSERT_TRUE(arguments.answer);
+        EXPECT_EQ(arguments.answer->status, CommandLine::wrongUse);
     }
 }
 

@@ -2,7 +2,6 @@
 #include "Controls/Qt/Forms/PageScroller.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
-#include "Controls/Qt/Switch/PlainTiff.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Tests/Window/EveryLanguage.h"
 #include "Tests/Window/PanelFixture.h"
@@ -132,24 +131,6 @@ TEST_F(Panel, TheSwitchHasItsPicturesInBothSizesAndTheirShadowsAreTransparent)
     EXPECT_EQ(read("SliderKnobDown").size(), read("SliderKnob").size());
 }
 
-TEST_F(Panel, ThePicturesNeedNoLibraryAndReadAsTheToolkitReadsThem)
-{
-    load();
-    for (const std::string name : {"OverlayMask", "SliderWell", "SliderKnob", "SliderKnobDown"}) {
-        for (const std::string suffix : {"", "@2x"}) {
-            const auto path = bundle->pathForResource(name + suffix, "tiff");
-            ASSERT_TRUE(path) << name;
-            QFile file(QString::fromStdString(*path));
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-            const auto plain = PlainTiff::parse(file.readAll());
-            ASSERT_TRUE(plain) << name << suffix;
-            EXPECT_EQ(plain->image(),
-                      QImage(file.fileName()).convertToFormat(QImage::Format_ARGB32_Premultiplied))
-                << name << suffix;
-        }
-    }
-}
-
 TEST_F(Panel, ADeviceCanBeChosenAndTheSpinnerTurnsBesideTheNarrowedPopUp)
 {
     load();
@@ -275,20 +256,6 @@ TEST_P(PanelInEachLanguage, InTheRoomThatItsWindowGivesNothingScrolls)
                     << area->objectName().toStdString() << (isLarge ? " in large type" : "");
         }
     }
-}
-
-TEST_F(Panel, AWindowWhoseHeightSomebodyChoseKeepsItWhenAnotherPageNeedsMore)
-{
-    load();
-    show(); // the next showing begins with the devices
-    load();
-    const auto window = showInHost();
-    ASSERT_EQ(tabs()->currentIndex(), 0);
-    window->resize(window->width(), 300);
-    tabs()->setCurrentIndex(1);
-    settle();
-    EXPECT_EQ(window->height(), 300);
-    EXPECT_GT(page(1)->findChild<PageScroller*>()->verticalScrollBar()->maximum(), 0);
 }
 
 TEST_P(PanelInEachLanguage, NoShortcutIsGivenTwiceOnOnePage)

@@ -3,7 +3,6 @@
 #include "Controls/Qt/Forms/Card.h"
 #include "Controls/Qt/Forms/FrameContainer.h"
 #include "Controls/Qt/Forms/PageScroller.h"
-#include "Controls/Qt/Forms/ScrolledPage.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
@@ -12,7 +11,6 @@
 #include "Controls/Qt/Table/TableWidget.h"
 #include "Controls/Qt/Text/ChiseledTextWidget.h"
 #include "Controls/Qt/Text/LabelTint.h"
-#include "Controls/Qt/Text/TextLabel.h"
 #include "Platform/Bundle.h"
 
 #include <QCoreApplication>
@@ -53,14 +51,10 @@ private:
             return new PageScroller(parent);
         if (className == u"farview::PopUpWidget")
             return new PopUpWidget(parent);
-        if (className == u"farview::ScrolledPage")
-            return new ScrolledPage(parent);
         if (className == u"farview::SheetWidget")
             return new SheetWidget(parent);
         if (className == u"farview::SpinnerWidget")
             return new SpinnerWidget(parent);
-        if (className == u"QLabel")
-            return new TextLabel(parent);
         if (className == u"farview::SwitchWidget")
             return makeSwitch(parent);
         if (className == u"farview::TableWidget")

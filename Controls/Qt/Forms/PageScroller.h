@@ -7,9 +7,6 @@ namespace farview
 
 /// A page that scrolls up and down where the window is too low for it. It looks as if it were not
 /// there: no frame, no ground of its own, no place in the order of the tab key.
-///
-/// With a `ScrolledPage` in it, it asks for no room before it comes to the front of its tabs for
-/// the first time.
 class PageScroller : public QScrollArea
 {
     Q_OBJECT
@@ -22,12 +19,7 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
-
-private:
-    bool letPageTakeRoom() const;
-    void fitPage();
 };
 
 } // namespace farview

@@ -1,8 +1,5 @@
 #include "Controls/Qt/Switch/ImageFiles.h"
 
-#include "Controls/Qt/Switch/PlainTiff.h"
-
-#include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 
@@ -12,7 +9,6 @@ namespace
 {
 
 constexpr int largestSide = 4096;
-constexpr qint64 largestFile = 64 * 1024 * 1024;
 
 QDateTime modificationOf(const QString& path) { return QFileInfo(path).lastModified(); }
 
@@ -27,23 +23,8 @@ bool isReasonable(QSize size)
     return !size.isEmpty() && size.width() <= largestSide && size.height() <= largestSide;
 }
 
-std::optional<PlainTiff> readPlain(const QString& path)
-{
-    QFile file(path);
-    const bool readable = file.open(QIODevice::ReadOnly) && file.size() <= largestFile;
-    return readable ? PlainTiff::parse(file.readAll()) : std::nullopt;
-}
-
-QSize readSize(const QString& path)
-{
-    const auto plain = readPlain(path);
-    return plain ? plain->size() : QImageReader(path).size();
-}
-
 QImage read(const QString& path)
 {
-    if (const auto plain = readPlain(path))
-        return plain->image();
     QImageReader reader(path);
     if (!isReasonable(reader.size()))
         return {};
@@ -54,7 +35,7 @@ QImage read(const QString& path)
 
 ImageFile::ImageFile(const QString& path) : mPath(path), mModified(modificationOf(path))
 {
-    const QSize size = readSize(path);
+    const QSize size = QImageReader(path).size();
     if (isReasonable(size))
         mSize = size;
 }

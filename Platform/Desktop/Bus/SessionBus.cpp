@@ -50,14 +50,11 @@ bool runsAsThisUser(const QDBusConnection& bus)
 
 } // namespace
 
-SessionBus::SessionBus(Log& log) : SessionBus(log, {}) {}
-
-SessionBus::SessionBus(Log& log, const QString& lent) : mLog(log), mPause(firstPause, longestPause)
+SessionBus::SessionBus(Log& log) : mLog(log), mPause(firstPause, longestPause)
 {
     mRetry.setSingleShot(true);
     connect(&mRetry, &QTimer::timeout, this, &SessionBus::tryToConnect);
-    if (lent.isEmpty() || !beginWith(lent))
-        tryToConnect();
+    tryToConnect();
 }
 
 SessionBus::~SessionBus() { closeConnection(); }
@@ -118,10 +115,8 @@ QString SessionBus::address()
     return folder.isEmpty() ? QString() : QStringLiteral("unix:path=%1/bus").arg(folder);
 }
 
-QDBusConnection SessionBus::lend(const QString& name)
+QDBusConnection SessionBus::open(const QString& name)
 {
-    if (const QDBusConnection opened(name); opened.isConnected())
-        return opened;
     const auto connection = connectToBus(name);
     if (connection && connection->isConnected() && !runsAsThisUser(*connection))
         QDBusConnection::disconnectFromBus(name);
@@ -137,16 +132,6 @@ void SessionBus::tryToConnect()
     }
     mPause.reset();
     Q_EMIT connected(std::exchange(mWasMissing, false));
-}
-
-/// Whoever lends a connection has asked whose bus it is.
-bool SessionBus::beginWith(const QString& lent)
-{
-    mConnection.emplace(lent);
-    mIsLent = mConnection->isConnected() && listenForLoss();
-    if (!mIsLent)
-        mConnection.reset();
-    return mIsLent;
 }
 
 bool SessionBus::openConnection()
@@ -173,8 +158,7 @@ void SessionBus::closeConnection()
         return;
     const QString name = mConnection->name();
     mConnection.reset();
-    if (!std::exchange(mIsLent, false))
-        QDBusConnection::disconnectFromBus(name);
+    QDBusConnection::disconnectFromBus(name);
 }
 
 void SessionBus::noticeDisconnection()

@@ -25,9 +25,6 @@ class SessionBus : public QObject
 
 public:
     explicit SessionBus(Log& log);
-    /// Begins with a connection that another module of the process has lent under that name. Where
-    /// there is none, or once it is lost, it makes connections of its own.
-    SessionBus(Log& log, const QString& lent);
     ~SessionBus() override;
 
     bool isConnected() const { return mConnection.has_value(); }
@@ -55,11 +52,9 @@ public:
     /// empty when neither is known.
     static QString address();
 
-    /// A connection that modules loaded later may begin with: the one of that name, opened now
-    /// where there is none yet. Unconnected where there is no bus or it is another user's. Who
-    /// opens it closes it, after those. Any thread; needs no application object; blocks as a
-    /// connection of its own does.
-    static QDBusConnection lend(const QString& name);
+    /// A connection under that name, for a module that needs no second one when it is lost; who
+    /// opens it closes it. Unconnected where there is no bus or it is another user's. Blocks.
+    static QDBusConnection open(const QString& name);
 
     /// The limit of every call that blocks, in milliseconds.
     static constexpr int blockingLimit = 250;
@@ -74,7 +69,6 @@ private Q_SLOTS:
 
 private:
     void tryToConnect();
-    bool beginWith(const QString& lent);
     bool openConnection();
     bool listenForLoss();
     void closeConnection();
@@ -82,7 +76,6 @@ private:
 
     Log& mLog;
     std::optional<QDBusConnection> mConnection;
-    bool mIsLent = false;
     QTimer mRetry;
     GrowingPause mPause;
     bool mWasMissing = false;

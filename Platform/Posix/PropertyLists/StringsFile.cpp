@@ -119,13 +119,12 @@ bool Parser::text(std::string& output)
     if (!token('"'))
         return false;
     while (true) {
-        const auto end = std::find_if(mRest.begin(), mRest.end(),
-                                      [](char each) { return each == '"' || each == '\\'; });
-        if (end == mRest.end())
+        const auto end = mRest.find_first_of("\"\\");
+        if (end == std::string_view::npos)
             return refuse("a text without an end");
-        const bool isEnd = *end == '"';
-        output.append(mRest.begin(), end);
-        mRest.remove_prefix(static_cast<std::size_t>(end - mRest.begin()) + 1);
+        const bool isEnd = mRest[end] == '"';
+        output.append(mRest.substr(0, end));
+        mRest.remove_prefix(end + 1);
         if (isEnd)
             return true;
         if (!escape(output))

@@ -1,11 +1,8 @@
 #include "Controls/Qt/Forms/PageScroller.h"
-#include "Controls/Qt/Forms/ScrolledPage.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
-#include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QTabWidget>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -71,60 +68,6 @@ TEST_F(ScrolledPage, HasNoGroundOfItsOwnAndNoPlaceForTheFocus)
     EXPECT_FALSE(scroller.viewport()->autoFillBackground());
     EXPECT_FALSE(scroller.widget()->autoFillBackground());
     EXPECT_EQ(scroller.focusPolicy(), Qt::NoFocus);
-}
-
-struct ScrolledPageBehindATab : testing::Test {
-    ScrolledPageBehindATab()
-    {
-        auto* front = new QWidget;
-        front->resize(300, 200);
-        tabs.addTab(front, QStringLiteral("front"));
-        auto* layout = new QVBoxLayout(page);
-        label->setWordWrap(true);
-        layout->addWidget(label);
-        scroller->setWidget(page);
-        tabs.addTab(scroller, QStringLiteral("behind"));
-    }
-
-    QTabWidget tabs;
-    PageScroller* scroller = new PageScroller(nullptr);
-    farview::ScrolledPage* page = new farview::ScrolledPage(scroller);
-    QLabel* label = new QLabel(QStringLiteral("A text in many words ").repeated(60));
-};
-
-TEST_F(ScrolledPageBehindATab, TakesNoRoomBeforeItComesToTheFront)
-{
-    EXPECT_EQ(scroller->sizeHint().height(), 0);
-    tabs.show();
-    turn();
-    EXPECT_EQ(scroller->sizeHint().height(), 0);
-    EXPECT_FALSE(page->isVisible());
-}
-
-TEST_F(ScrolledPageBehindATab, IsLaidOutWhenItComesToTheFrontAndKeepsItsRoomBehind)
-{
-    tabs.resize(300, 200);
-    tabs.show();
-    turn();
-    tabs.setCurrentIndex(1);
-    turn();
-    EXPECT_TRUE(label->isVisible());
-    EXPECT_GE(label->height(), label->heightForWidth(label->width()));
-    EXPECT_GT(scroller->verticalScrollBar()->maximum(), 0);
-    const int height = scroller->sizeHint().height();
-    EXPECT_GT(height, 0);
-    tabs.setCurrentIndex(0);
-    turn();
-    EXPECT_EQ(scroller->sizeHint().height(), height);
-}
-
-TEST_F(ScrolledPageBehindATab, TakesItsRoomAtOnceWhereItIsInFrontBeforeTheWindowIsShown)
-{
-    tabs.setCurrentIndex(1);
-    EXPECT_GT(scroller->sizeHint().height(), 0);
-    tabs.show();
-    turn();
-    EXPECT_TRUE(label->isVisible());
 }
 
 } // namespace

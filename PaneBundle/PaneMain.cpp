@@ -73,8 +73,7 @@ private:
 };
 
 FarviewPane::FarviewPane(bool smokeTest)
-    : mDesktop({.isSmokeTest = smokeTest, .lentBus = hostBusConnection}),
-      mInstalled(mDesktop.platform())
+    : mDesktop({.isSmokeTest = smokeTest}), mInstalled(mDesktop.platform())
 {
     platform().application = mApplication.get();
 }

@@ -14,10 +14,6 @@ class QWidget;
 /// on the disk by then. A host that does not know of it just ends.
 inline constexpr int exitToStartAnew = 100;
 
-/// The name of the host's connection to the session bus among the toolkit's, where the host has one
-/// and the bus runs as this user. A pane may use it as long as it lives, and does not close it.
-inline constexpr auto hostBusConnection = "farview-preferences host";
-
 /// A pane on show in a host. The host calls, in this order: `initWithBundle`, `loadMainView`,
 /// `mainViewDidLoad`, then for each showing `willSelect`, `didSelect` and, when the user leaves,
 /// `willUnselect`. Destroyed before the application object ends. Main thread only.

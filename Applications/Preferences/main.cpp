@@ -104,19 +104,39 @@ int runSmokeTest(const QString& pane, farview::Bundles& bundles)
     return error.status == HostStatus::success ? QApplication::exec() : fail(error);
 }
 
-int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundles)
+/// Whether this start is the one with the window. Else `error` is what the one with it has said.
+bool becomeFirst(WindowOfTheSession& instance, PreferencesHost& host, const QString& wanted,
+                 HostError& error)
 {
     const QString token =
         qEnvironmentVariable("XDG_ACTIVATION_TOKEN", qEnvironmentVariable("DESKTOP_STARTUP_ID"));
-    WindowOfTheSession instance;
-    PreferencesHost host(PaneLoader(bundles, false));
-    const bool first = instance.becomeFirst([&](const WindowOfTheSession::Wish& wish) {
+    const auto show = [&host](const WindowOfTheSession::Wish& wish) {
         // First to the front, so that what may have to be said stands before it.
         host.window().bringToFront(wish.activationToken);
         return wish.pane.isEmpty() ? HostError{} : host.open(wish.pane);
+    };
+    bool first = false;
+    instance.becomeFirst(show, [&](bool isFirst) {
+        first = isFirst;
+        if (isFirst)
+            return QApplication::exit();
+        instance.handOver({wanted, token}, [&](const HostError& said) {
+            error = said;
+            QApplication::exit();
+        });
     });
-    if (!first)
-        return fail(instance.handOver({asked.isEmpty() ? QString() : pane, token}));
+    QApplication::exec();
+    return first;
+}
+
+int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundles,
+              farview::Log& log)
+{
+    WindowOfTheSession instance(log);
+    PreferencesHost host(PaneLoader(bundles, false));
+    HostError error;
+    if (!becomeFirst(instance, host, asked.isEmpty() ? QString() : pane, error))
+        return fail(error);
     farview::DesktopLook look;
     farview::AppearancePortal portal(
         instance.bus(), [&](const farview::AppearancePreferences& wanted) { look.follow(wanted); });
@@ -126,12 +146,12 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
         host.window().close();
         QApplication::quit();
     });
-    const HostError error = host.open(pane);
+    error = host.open(pane);
     return error.status == HostStatus::success ? QApplication::exec() : fail(error);
 }
 
 int runApplication(int& argc, char** argv, const Options& options, const QString& pane,
-                   farview::Bundles& bundles)
+                   farview::Bundles& bundles, farview::Log& log)
 {
     HeadStart headStart(pane);
     QApplication application(argc, argv);
@@ -139,7 +159,8 @@ int runApplication(int& argc, char** argv, const Options& options, const QString
     QApplication::setApplicationName(u"farview-preferences"_qs);
     QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
     QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);
-    return options.smokeTest ? runSmokeTest(pane, bundles) : runWindow(pane, options.pane, bundles);
+    return options.smokeTest ? runSmokeTest(pane, bundles)
+                             : runWindow(pane, options.pane, bundles, log);
 }
 
 /// In the place of this process, as it was started: its window and its name on the bus have gone.
@@ -179,6 +200,6 @@ int main(int argc, char* argv[])
     if (!hasDisplay())
         return fail({HostStatus::noDisplay, u"There is no display to open a window on."_qs});
 
-    status = runApplication(argc, argv, *options, pane, bundles);
+    status = runApplication(argc, argv, *options, pane, bundles, log);
     return status == exitToStartAnew ? startAnew(argv) : status;
 }

@@ -48,26 +48,25 @@ std::string programName()
 
 struct DesktopPlatform::Bodies {
     explicit Bodies(const DesktopPlatformOptions& options)
-        : log(programName(), options.isSilent ? nowhere : standardError),
-          bus(log, QString::fromStdString(options.lentBus))
+        : log(programName(), options.isSilent ? nowhere : standardError)
     {
     }
 
     StandardErrorLog log;
+    QtRunLoop runLoop;
     LocalNotificationCenter notificationCenter;
     AutostartEntry loginItem{environment};
     PosixBundles bundles{environment, log};
     PosixFileManager fileManager;
     InstalledFirewall firewall;
     SystemClock clock;
-    FilePreferences preferences{PreferencesLocations(environment), log};
+    FilePreferences preferences{PreferencesLocations(environment), log, &runLoop};
     PosixProcessTable processTable;
     PosixSearchPaths searchPaths{environment};
     PosixSystemVersion systemVersion;
     SysfsRegistry registry{DriverExtensions(searchPaths.extensionFolders())};
     DesktopText text;
-    QtRunLoop runLoop;
-    SessionBus bus;
+    SessionBus bus{log};
     DesktopAccessibility accessibility{bus};
 
     // These reach beyond the process, and are made only for use,

@@ -3,7 +3,6 @@
 #include "Platform/Platform.h"
 
 #include <memory>
-#include <string>
 
 namespace farview
 {
@@ -17,8 +16,6 @@ struct DesktopPlatformOptions {
     bool isSmokeTest = false;
     /// Nothing is written on standard error.
     bool isSilent = false;
-    /// The connection to the session bus to begin with, lent by another module (`SessionBus`).
-    std::string lentBus = {};
 };
 
 /// The real bodies of every interface, composed: what each program's composition root makes first

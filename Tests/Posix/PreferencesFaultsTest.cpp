@@ -1,3 +1,4 @@
+#include "Platform/Fake/FakeRunLoop.h"
 #include "Platform/Posix/PropertyLists/PropertyListReader.h"
 #include "Platform/Posix/Settings/LockFile.h"
 #include "Tests/Posix/PreferencesFixture.h"
@@ -7,6 +8,7 @@
 #include <array>
 #include <chrono>
 #include <fcntl.h>
+#include <optional>
 #include <sched.h>
 #include <sys/mount.h>
 
@@ -118,6 +120,66 @@ TEST_F(PreferencesFaults, AShortHoldOfTheLockIsWaitedFor)
     EXPECT_EQ(holder.wait(), 0);
     ::close(ready[0]);
     ::close(ready[1]);
+}
+
+/// A program with a loop, and another one that writes for as long as the test wants.
+class PreferencesOnALoop : public PreferencesFixture
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(store("old"));
+        mOther.emplace();
+        ASSERT_EQ(mOther->acquire(path() + ".lock", 1s), 0);
+        mProgram.emplace(locations(), mLog, &mLoop);
+        mProgram->setAppValue("key", PropertyList("new"), domain);
+        EXPECT_FALSE(mProgram->appSynchronize(domain));
+    }
+    std::optional<PropertyList> stored() { return make()->copyAppValue("key", domain); }
+
+    FakeRunLoop mLoop;
+    std::optional<LockFile> mOther;
+    std::optional<FilePreferences> mProgram;
+    int mLateWrites = 0;
+};
+
+TEST_F(PreferencesOnALoop, WhatAnotherWriterHeldUpIsWrittenByTheLoopAndTold)
+{
+    auto late = mProgram->observeLateWrites([this] { ++mLateWrites; });
+    EXPECT_EQ(mProgram->copyAppValue("key", domain), PropertyList("new"));
+    mLoop.advance(Duration{0.1});
+    EXPECT_EQ(stored(), PropertyList("old"));
+    EXPECT_EQ(mLateWrites, 0);
+    mOther.reset();
+    mLoop.advance(Duration{1.0});
+    EXPECT_EQ(stored(), PropertyList("new"));
+    EXPECT_EQ(mLateWrites, 1);
+    mLoop.advance(Duration{10.0});
+    EXPECT_EQ(mLateWrites, 1) << "once";
+    late.end();
+}
+
+TEST_F(PreferencesOnALoop, WhatASynchronizeWroteMeanwhileIsNotToldAgain)
+{
+    const auto late = mProgram->observeLateWrites([this] { ++mLateWrites; });
+    mOther.reset();
+    EXPECT_TRUE(mProgram->appSynchronize(domain));
+    mLoop.advance(Duration{10.0});
+    EXPECT_EQ(mLateWrites, 0);
+}
+
+TEST_F(PreferencesOnALoop, AWriterThatStandsStillIsWorthOneLine)
+{
+    EXPECT_TRUE(mLog.lines().empty());
+    mLoop.advance(Duration{60.0});
+    EXPECT_EQ(mLog.lines().size(), 1u);
+}
+
+TEST_F(PreferencesOnALoop, AtItsEndItWritesWhatWasHeldUp)
+{
+    mOther.reset();
+    mProgram.reset();
+    EXPECT_EQ(stored(), PropertyList("new"));
 }
 
 TEST_F(PreferencesFaults, ALockFileThatWasCleanedAwayIsMadeAnew)

@@ -49,7 +49,7 @@ public:
                                    : QVariant();
             self->take(fact, value.value<Value>());
         };
-        mBus.call(call, &mBus, use, limit);
+        mBus.ask(call, &mBus, use, limit);
     }
     void askWhetherWindowsMayBeMoved(Accessibility& accessibility)
     {

@@ -51,7 +51,7 @@ void WindowOfTheSession::handOver(const Wish& wish, std::function<void(const Hos
             then({HostStatus::noAnswer,
                   u"Farview Preferences is open already, but does not answer."_qs});
     };
-    mBus.call(call, this, tell, longestWait);
+    mBus.ask(call, this, tell, longestWait);
 }
 
 int WindowOfTheSession::Show(const QString& pane, const QString& activationToken, QString& message)

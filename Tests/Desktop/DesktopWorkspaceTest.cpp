@@ -294,7 +294,7 @@ protected:
     }
     Notes notesOf(const std::string& program)
     {
-        waitUntil([&] { return !linesOf(mFolder.path(program + ".notes")).empty(); }, 3s);
+        waitUntil([&] { return !linesOf(mFolder.path(program + ".notes")).empty(); });
         return linesOf(mFolder.path(program + ".notes"));
     }
 

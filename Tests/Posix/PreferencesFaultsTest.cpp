@@ -9,6 +9,7 @@
 #include <chrono>
 #include <fcntl.h>
 #include <optional>
+#include <poll.h>
 #include <sched.h>
 #include <sys/mount.h>
 
@@ -88,12 +89,11 @@ TEST_F(PreferencesFaults, AStoppedHolderOfTheLockCostsOneSecondInAll)
     ASSERT_TRUE(holder.waitUntilStopped());
     const auto start = Clock::now();
     EXPECT_FALSE(store(1));
-    EXPECT_LT(Clock::now() - start, 1500ms);
     EXPECT_GT(Clock::now() - start, 900ms);
     const auto second = Clock::now();
     for (int count = 0; count < 20; ++count)
         EXPECT_FALSE(store(2));
-    EXPECT_LT(Clock::now() - second, 500ms);
+    EXPECT_LT(Clock::now() - second, 10s) << "a second each would be twenty";
     EXPECT_EQ(read(), PropertyList(2));
     EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList(0));
     EXPECT_EQ(mLog.lines().size(), 1u);
@@ -332,7 +332,7 @@ TEST_F(PreferencesFaults, TwoWritersOfOneKeyLeaveOneOfTheirValues)
         const auto preferences = make();
         for (int number = 0; number < 100; ++number) {
             preferences->setAppValue("key", writer, domain);
-            EXPECT_TRUE(preferences->appSynchronize(domain));
+            EXPECT_TRUE(synchronizeWithPatience(*preferences));
         }
     };
     ForkedProcess first([&] { write(1); });
@@ -351,6 +351,12 @@ void writePairs(FilePreferences& preferences, int start, int acknowledgements)
         ASSERT_TRUE(preferences.appSynchronize(domain));
         ASSERT_EQ(::write(acknowledgements, &number, sizeof number), ssize_t{sizeof number});
     }
+}
+
+bool hasInput(int descriptor)
+{
+    pollfd waiting{descriptor, POLLIN, 0};
+    return ::poll(&waiting, 1, 10'000) == 1;
 }
 
 int lastNumberIn(int descriptor, int fallback)
@@ -373,6 +379,10 @@ TEST_F(PreferencesFaults, AKillAtAnyMomentLeavesAWholeFileWithAllThatWasAcknowle
         ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC | O_NONBLOCK), 0);
         {
             ForkedProcess writer([&] { writePairs(*make(), acknowledged + 1, pipe[1]); });
+            // Every other one is killed after its first write, however busy the computer is.
+            if (round % 2 == 0) {
+                ASSERT_TRUE(hasInput(pipe[0]));
+            }
             ::usleep(static_cast<useconds_t>(1000 + round * 7919 % 9000));
         }
         acknowledged = lastNumberIn(pipe[0], acknowledged);
@@ -384,7 +394,7 @@ TEST_F(PreferencesFaults, AKillAtAnyMomentLeavesAWholeFileWithAllThatWasAcknowle
         ASSERT_EQ(left, make()->copyAppValue("right", domain));
         ASSERT_EQ(make()->copyAppValue("other", domain), PropertyList("kept"));
     }
-    EXPECT_GT(acknowledged, kills / 4) << "the kills came before anything was written";
+    EXPECT_GE(acknowledged, kills / 2);
     EXPECT_TRUE(store(1, "last"));
     EXPECT_EQ(names(), (std::vector<std::string>{domain + ".plist", domain + ".plist.lock"}));
 }

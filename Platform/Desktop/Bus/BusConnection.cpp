@@ -157,12 +157,12 @@ void BusConnection::settle(State state)
         waiting();
 }
 
-void BusConnection::call(const QDBusMessage& message, QObject* asker, Answer answer, int limit)
+void BusConnection::ask(const QDBusMessage& message, QObject* asker, Answer answer, int limit)
 {
     if (mState == State::unknown) {
         mWaiting.push_back([=, this, asker = QPointer(asker)] {
             if (asker)
-                call(message, asker, answer, limit);
+                ask(message, asker, answer, limit);
         });
         return;
     }

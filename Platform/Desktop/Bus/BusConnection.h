@@ -50,7 +50,7 @@ public:
     /// Sends a call; `answer` hears the reply or the error on a later turn, unless `asker` is gone
     /// by then. Until the first attempt to connect is over, calls wait for its end. `limit` is in
     /// milliseconds.
-    void call(const QDBusMessage& message, QObject* asker, Answer answer, int limit = 5000);
+    void ask(const QDBusMessage& message, QObject* asker, Answer answer, int limit = 5000);
     /// The same for a signal, or a call whose answer is of no interest. Lost while there is no bus.
     void send(const QDBusMessage& message);
 

@@ -35,7 +35,7 @@ void SessionBus::requestName(const std::string& name, QObject* asker,
 {
     const auto request = busCall(QStringLiteral("RequestName"))
                          << QString::fromStdString(name) << doNotQueue;
-    call(request, asker, [then = std::move(then)](const QDBusMessage& reply) {
+    ask(request, asker, [then = std::move(then)](const QDBusMessage& reply) {
         const unsigned result = reply.signature() == u"u" ? reply.arguments().at(0).toUInt() : 0;
         then(result == nowPrimaryOwner || result == alreadyOwner);
     });
@@ -49,10 +49,10 @@ void SessionBus::releaseName(const std::string& name)
 void SessionBus::askForOwner(const QString& name, QObject* asker,
                              std::function<void(bool isOwned)> then)
 {
-    call(busCall(QStringLiteral("NameHasOwner")) << name, asker,
-         [then = std::move(then)](const QDBusMessage& reply) {
-             then(reply.signature() == u"b" && reply.arguments().at(0).toBool());
-         });
+    ask(busCall(QStringLiteral("NameHasOwner")) << name, asker,
+        [then = std::move(then)](const QDBusMessage& reply) {
+            then(reply.signature() == u"b" && reply.arguments().at(0).toBool());
+        });
 }
 
 QString SessionBus::address()

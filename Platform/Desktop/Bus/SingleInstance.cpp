@@ -102,8 +102,8 @@ bool SingleInstance::isStaying(const QDBusMessage& call)
     // What was posted before this call may still wait for an answer of the bus about its sender.
     // The answer to a question of our own comes after that one.
     call.setDelayedReply(true);
-    mBus.call(SessionBus::busCall(QStringLiteral("GetId")), this,
-              [this, call](const QDBusMessage&) { mBus.send(call.createReply(mIsWanted)); });
+    mBus.ask(SessionBus::busCall(QStringLiteral("GetId")), this,
+             [this, call](const QDBusMessage&) { mBus.send(call.createReply(mIsWanted)); });
     return mIsWanted;
 }
 
@@ -144,7 +144,7 @@ void SingleInstance::queueForTurn()
 {
     auto call = SessionBus::busCall(QStringLiteral("RequestName"));
     call << QString::fromStdString(mTurnName) << 0u;
-    mBus.call(call, this, [this](const QDBusMessage& reply) {
+    mBus.ask(call, this, [this](const QDBusMessage& reply) {
         const unsigned result = reply.signature() == u"u" ? reply.arguments().at(0).toUInt() : 0;
         const bool isQueued = result != 0 && result != nowPrimaryOwner && result != alreadyOwner;
         if (mWaitsForTurn && !isQueued)

@@ -65,7 +65,7 @@ void AvahiDaemonLink::noticeOwner(const QDBusMessage& message)
 
 void AvahiDaemonLink::askDaemon()
 {
-    mBus.call(
+    mBus.ask(
         serverCall(QStringLiteral("GetState")), this,
         [this, question = ++mQuestion](const QDBusMessage& reply) {
             if (question == mQuestion && mBus.isConnected())
@@ -140,7 +140,7 @@ void AvahiDaemonLink::sendWaiting()
 void AvahiDaemonLink::ask(const QDBusMessage& message, const Answer& answer)
 {
     ++mOpenCalls;
-    mBus.call(
+    mBus.ask(
         message, this,
         [this, answer](const QDBusMessage& reply) {
             --mOpenCalls;

@@ -49,7 +49,7 @@ void TrayWatcher::askForHosts()
                                                QStringLiteral("org.freedesktop.DBus.Properties"),
                                                QStringLiteral("Get"));
     call << nameOfWatcher() << QStringLiteral("IsStatusNotifierHostRegistered");
-    mBus.call(call, this, [this](const QDBusMessage& reply) {
+    mBus.ask(call, this, [this](const QDBusMessage& reply) {
         // One that cannot tell is taken for one that shows.
         const bool isShown = reply.signature() != u"v" ||
                              reply.arguments().at(0).value<QDBusVariant>().variant().toBool();

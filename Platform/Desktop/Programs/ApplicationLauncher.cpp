@@ -93,7 +93,7 @@ void ApplicationLauncher::askRunningOne(const Application& application)
         QDBusMessage::createMethodCall(application.busName, SingleInstance::objectPath,
                                        SingleInstance::interfaceName, QStringLiteral("isStaying"));
     call.setAutoStartService(false);
-    mBus.call(
+    mBus.ask(
         call, this,
         [this, application](const QDBusMessage& reply) {
             if (reply.signature() == u"b")

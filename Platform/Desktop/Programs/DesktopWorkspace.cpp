@@ -121,7 +121,7 @@ bool DesktopWorkspace::openInPortal(const URL& url)
         if (reply.type() != QDBusMessage::ReplyMessage)
             openWithDesktopOpener(address);
     };
-    mBus.call(call, this, openOtherwise, portalLimit);
+    mBus.ask(call, this, openOtherwise, portalLimit);
     return true;
 }
 

@@ -47,7 +47,7 @@ void DesktopAccessibility::askWhetherEnabled(std::weak_ptr<void> asker,
 {
     if (isAlwaysEnabled())
         return answer(true);
-    mBus.call(
+    mBus.ask(
         settingCall(), this,
         [asker = std::move(asker), answer = std::move(answer)](const QDBusMessage& reply) {
             if (!asker.expired())

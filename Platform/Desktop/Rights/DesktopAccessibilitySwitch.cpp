@@ -95,7 +95,7 @@ void DesktopAccessibilitySwitch::read(Then then)
         tell(state);
         then();
     };
-    mBus.call(propertyCall("Get"), this, use, limit);
+    mBus.ask(propertyCall("Get"), this, use, limit);
 }
 
 void DesktopAccessibilitySwitch::set(bool on, Done done)
@@ -121,7 +121,7 @@ void DesktopAccessibilitySwitch::setOnBus(bool on, const Done& done)
         else
             read([this, on, done] { finish(on, done); });
     };
-    mBus.call(message, this, check, limit);
+    mBus.ask(message, this, check, limit);
 }
 
 void DesktopAccessibilitySwitch::finish(bool on, const Done& done)

@@ -109,6 +109,17 @@ TEST_F(DBusNotificationCenterTest, APostReachesAnotherProgramOnceAndInOrder)
     EXPECT_EQ(mProgram.notes, expected);
 }
 
+TEST_F(DBusNotificationCenterTest, WhatIsPostedBeforeTheBusHasAnsweredArrives)
+{
+    mProgram.observe("Name");
+    SessionBus bus(mProgram.log);
+    DBusNotificationCenter center(bus, mProgram.loop, mProgram.log);
+    center.postNotificationName("Name", "", {{"v", "early"}}, 3);
+    EXPECT_FALSE(bus.isConnected());
+    ASSERT_TRUE(mProgram.waitForNotes(1));
+    EXPECT_EQ(mProgram.notes, Notes{"Name=early"});
+}
+
 TEST_F(DBusNotificationCenterTest, TheOrderOfTwoPostersIsTheOrderOfTheBus)
 {
     Program other;

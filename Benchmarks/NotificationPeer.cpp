@@ -41,7 +41,7 @@ void NotificationPeer::listen(std::function<void()> handler)
         mObserver, [this](const Notification&) { mHandler(); }, kServerConnectedToDevice, "");
     // The bus handles what a connection sends in order: after an answer the matches are in place.
     mBare.call(SessionBus::busCall(QStringLiteral("GetId")));
-    mBus.connection().call(SessionBus::busCall(QStringLiteral("GetId")));
+    mBus.hasOwner("org.freedesktop.DBus");
 }
 
 void NotificationPeer::signalArrived(const QString& /*text*/) { mHandler(); }

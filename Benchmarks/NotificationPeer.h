@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Log.h"
+#include "Tests/Support/TestBus.h"
 
 #include <QDBusConnection>
 #include <QObject>
@@ -40,7 +40,7 @@ private:
     QDBusConnection mBare;
     SilentLog mLog;
     QtRunLoop mRunLoop;
-    SessionBus mBus{mLog};
+    TestBus mBus{mLog};
     DBusNotificationCenter mCenter{mBus, mRunLoop, mLog};
     std::shared_ptr<void> mObserver = std::make_shared<int>();
     std::function<void()> mHandler;

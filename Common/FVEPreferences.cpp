@@ -57,7 +57,8 @@ FVEPreferences& FVEPreferences::sharedAppPrefs()
 
 FVEPreferences::FVEPreferences(farview::Preferences& preferences,
                                DistributedNotificationCenter& center)
-    : mPreferences(preferences), mCenter(center)
+    : mPreferences(preferences), mCenter(center),
+      mLateWrites(preferences.observeLateWrites([this] { prefsDidChangeNotification(); }))
 {
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Types/PropertyList.h"
+#include "Platform/Types/Subscription.h"
 
 #include <memory>
 #include <optional>
@@ -104,4 +105,5 @@ private:
 
     farview::Preferences& mPreferences;
     farview::DistributedNotificationCenter& mCenter;
+    farview::Subscription mLateWrites;
 };

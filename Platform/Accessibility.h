@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+
 namespace farview
 {
 
@@ -8,7 +11,10 @@ class Accessibility
 {
 public:
     virtual ~Accessibility() = default;
-    virtual bool isEnabled() const = 0;
+    /// Calls `answer` once: before this returns where the answer is known, else on a later turn and
+    /// only while `asker` lives. Main thread only.
+    virtual void askWhetherEnabled(std::weak_ptr<void> asker,
+                                   std::function<void(bool isEnabled)> answer) = 0;
 };
 
 } // namespace farview

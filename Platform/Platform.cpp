@@ -36,7 +36,10 @@ template <typename Interface> class No;
 
 template <> class No<Accessibility> final : public Accessibility
 {
-    bool isEnabled() const override { return false; }
+    void askWhetherEnabled(std::weak_ptr<void>, std::function<void(bool)> answer) override
+    {
+        answer(false);
+    }
 };
 
 template <> class No<Application> final : public Application
@@ -234,6 +237,7 @@ template <> class No<Preferences> final : public Preferences
         return false;
     }
     bool appSynchronize(const std::string&) override { return false; }
+    Subscription observeLateWrites(std::function<void()>) override { return {}; }
 };
 
 template <> class No<ProcessTable> final : public ProcessTable

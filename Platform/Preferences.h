@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Platform/Types/PropertyList.h"
+#include "Platform/Types/Subscription.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -17,7 +19,7 @@ enum class PreferencesHost { current, any };
 ///
 /// A value set here reads back as set at once; it becomes durable and visible to other processes at
 /// the next synchronize, and is kept and retried there until it could be written. Values that
-/// others wrote are seen at the next read. Main thread only; no operation fails or blocks for long.
+/// others wrote are seen at the next read. Main thread only; no operation fails or waits.
 class Preferences
 {
 public:
@@ -39,6 +41,9 @@ public:
                              PreferencesHost host) = 0;
     /// Writes what is pending in the current user's two scopes.
     virtual bool appSynchronize(const std::string& applicationID) = 0;
+    /// `action` is called, on a later turn, when something has been written that no synchronize
+    /// could write because another process was writing. Ends with the handle.
+    virtual Subscription observeLateWrites(std::function<void()> action) = 0;
 };
 
 } // namespace farview

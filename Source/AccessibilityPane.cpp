@@ -116,19 +116,23 @@ void AccessibilityPane::show()
         accessibilityCheckbox()->setEnabled(mState.isOn.has_value());
     }
     lifetimeLabel()->setStringValue(localized(mState.isOn ? lifetimeText(mState.lifetime) : ""));
-    windowsLabel()->setStringValue(localized(windowsText()));
+    showWhatItMeansForWindows();
     const auto problem = mProblem == Problem::none ? mState.problem : mProblem;
     problemLabel()->setTextRole(TextField::Role::error);
     problemLabel()->setStringValue(localized(problemText(problem)));
 }
 
-std::string AccessibilityPane::windowsText() const
+void AccessibilityPane::showWhatItMeansForWindows()
 {
-    if (mState.isOn == true)
-        return "Farview may move windows back: tick that option in its settings.";
-    if (mState.isOn == false && mWindows.isEnabled())
-        return "On this desktop Farview may move windows back even while this is off.";
-    return "";
+    const auto say = [this](const char* text) { windowsLabel()->setStringValue(localized(text)); };
+    say(mState.isOn == true ? "Farview may move windows back: tick that option in its settings."
+                            : "");
+    if (mState.isOn != false)
+        return;
+    mWindows.askWhetherEnabled(weak_from_this(), [this, say](bool isEnabled) {
+        if (isEnabled && mState.isOn == false)
+            say("On this desktop Farview may move windows back even while this is off.");
+    });
 }
 
 std::string AccessibilityPane::localized(const std::string& text) const

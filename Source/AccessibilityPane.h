@@ -46,7 +46,7 @@ private:
 
     void wasSet(Problem problem);
     void show();
-    std::string windowsText() const;
+    void showWhatItMeansForWindows();
     std::string localized(const std::string& text) const;
 
     Accessibility& mWindows;

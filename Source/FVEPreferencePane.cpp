@@ -105,10 +105,12 @@ void FVEPreferencePane::didSelect()
     mPlatform.application->activateWithOptions(farview::Application::activateAllWindows |
                                                farview::Application::activateIgnoringOtherApps);
     buildDeviceList();
-    if (mPlatform.accessibility->isEnabled())
-        return;
-    autoMoveWindowsBack()->setState(0);
-    FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(false);
+    mPlatform.accessibility->askWhetherEnabled(weak_from_this(), [this](bool isEnabled) {
+        if (isEnabled)
+            return;
+        autoMoveWindowsBack()->setState(0);
+        FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(false);
+    });
 }
 
 void FVEPreferencePane::willUnselect()

@@ -52,10 +52,17 @@ void FVEPreferencePane::enableRetinaPressed(Object* sender)
 
 void FVEPreferencePane::autoMoveWindowsBackPressed(Object* sender)
 {
-    if (isOn(sender) && !mPlatform.accessibility->isEnabled())
-        requestAXPermission();
-    else
-        FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(isOn(sender));
+    if (!isOn(sender)) {
+        FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(false);
+        return;
+    }
+    mPlatform.accessibility->askWhetherEnabled(weak_from_this(), [this](bool isEnabled) {
+        // It may have been unticked before the desktop answered.
+        if (!isEnabled)
+            requestAXPermission();
+        else if (isOn(autoMoveWindowsBack().get()))
+            FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(true);
+    });
 }
 
 void FVEPreferencePane::reinstallDriversPressed(Object* /*sender*/)

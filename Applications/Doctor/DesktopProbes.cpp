@@ -1,13 +1,10 @@
 #include "Applications/Doctor/DesktopProbes.h"
 
-#include "Platform/Accessibility.h"
-#include "Platform/Desktop/Bus/SessionBus.h"
+#include "Applications/Doctor/SessionProbe.h"
 #include "Platform/Desktop/Screens/X11/RandrConnection.h"
-#include "Platform/Platform.h"
 #include "Platform/Posix/Environment.h"
 
-#include <QDBusReply>
-#include <QDBusVariant>
+#include <QtGlobal>
 
 #include <algorithm>
 #include <chrono>
@@ -24,19 +21,6 @@ Finding finding(Area area, Severity severity, const char* name, Sentence text,
                 const char* advice = "")
 {
     return {area, severity, name, std::move(text), {advice}};
-}
-
-/// A property of a service that runs already: asking is no reason to start one.
-QVariant property(SessionBus& bus, const QString& service, const QString& path,
-                  const QString& interface, const QString& name)
-{
-    auto call = QDBusMessage::createMethodCall(
-        service, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    call << interface << name;
-    call.setAutoStartService(false);
-    const QDBusReply<QDBusVariant> reply =
-        bus.connection().call(call, QDBus::Block, SessionBus::blockingLimit);
-    return reply.isValid() ? reply.value().variant() : QVariant();
 }
 
 /// In at most half a second: an X server may hang like anything else.
@@ -93,11 +77,6 @@ Findings aboutVirtualMonitors(const DisplayFacts& facts)
 
 } // namespace
 
-AccessibilityFacts accessibilityFacts(const Platform& platform)
-{
-    return {platform.accessibility->isEnabled()};
-}
-
 Findings findingsAboutAccessibility(const AccessibilityFacts& facts)
 {
     if (facts.isEnabled)
@@ -109,7 +88,7 @@ Findings findingsAboutAccessibility(const AccessibilityFacts& facts)
                     "Switch the desktop's accessibility on.")};
 }
 
-DisplayFacts displayFacts(SessionBus& bus)
+DisplayFacts displayFacts(const SessionFacts& session)
 {
     DisplayFacts facts;
     facts.x11 = qEnvironmentVariable("DISPLAY").toStdString();
@@ -118,18 +97,8 @@ DisplayFacts displayFacts(SessionBus& bus)
     facts.hasSway = !qEnvironmentVariableIsEmpty("SWAYSOCK");
     if (isX11Session())
         facts.x11Outputs = x11Outputs();
-    if (!bus.isConnected())
-        return facts;
-    facts.mutterScreenCast =
-        property(bus, QStringLiteral("org.gnome.Mutter.ScreenCast"),
-                 QStringLiteral("/org/gnome/Mutter/ScreenCast"),
-                 QStringLiteral("org.gnome.Mutter.ScreenCast"), QStringLiteral("Version"))
-            .toInt();
-    facts.portalSourceTypes = property(bus, QStringLiteral("org.freedesktop.portal.Desktop"),
-                                       QStringLiteral("/org/freedesktop/portal/desktop"),
-                                       QStringLiteral("org.freedesktop.portal.ScreenCast"),
-                                       QStringLiteral("AvailableSourceTypes"))
-                                  .toUInt();
+    facts.mutterScreenCast = session.mutterScreenCast;
+    facts.portalSourceTypes = session.portalSourceTypes;
     return facts;
 }
 

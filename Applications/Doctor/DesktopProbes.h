@@ -9,15 +9,13 @@
 namespace farview
 {
 
-struct Platform;
-class SessionBus;
+struct SessionFacts;
 
 /// What the desktop lets the system's programs do.
 struct AccessibilityFacts {
     bool isEnabled = false;
 };
 
-AccessibilityFacts accessibilityFacts(const Platform& platform);
 Findings findingsAboutAccessibility(const AccessibilityFacts& facts);
 
 struct X11Outputs {
@@ -27,20 +25,17 @@ struct X11Outputs {
 
 /// What windows are shown on, and what it offers for screens that are no monitors.
 struct DisplayFacts {
-    std::string x11;     ///< DISPLAY
-    std::string wayland; ///< WAYLAND_DISPLAY
-    std::string desktop; ///< as the session names it: "GNOME"
-    /// Mutter's screen casts, which can record a virtual monitor: the interface's version, 0 where
-    /// there is none.
-    int mutterScreenCast = 0;
-    /// The portal's screen casts: its bits for monitors (1), windows (2), virtual monitors (4).
-    unsigned portalSourceTypes = 0;
-    bool hasSway = false; ///< whose command creates outputs
+    std::string x11;                ///< DISPLAY
+    std::string wayland;            ///< WAYLAND_DISPLAY
+    std::string desktop;            ///< as the session names it: "GNOME"
+    int mutterScreenCast = 0;       ///< as in `SessionFacts`
+    unsigned portalSourceTypes = 0; ///< as in `SessionFacts`
+    bool hasSway = false;           ///< whose command creates outputs
     /// The X server's outputs; nothing when it did not tell.
     std::optional<X11Outputs> x11Outputs{};
 };
 
-DisplayFacts displayFacts(SessionBus& bus);
+DisplayFacts displayFacts(const SessionFacts& session);
 Findings findingsAboutDisplay(const DisplayFacts& facts);
 
 } // namespace farview

@@ -36,7 +36,11 @@ void Examination::start(std::function<void(Area)> areaBegun, std::function<void(
     mAreaBegun = std::move(areaBegun);
     mEnded = std::move(ended);
     auto& loop = *mContext.platform.runLoop;
-    loop.performAfterDelay(Duration(0), weak_from_this(), [this] { examineNext(); });
+    askForSessionFacts(mContext.platform, mContext.bus, weak_from_this(),
+                       [this](const SessionFacts& session) {
+                           mSession = session;
+                           examineNext();
+                       });
     loop.performAfterDelay(limit, weak_from_this(), [this] {
         end(mDevices ? mDevices->devices() : std::vector<DeviceFact>{}, 0, false);
     });
@@ -62,7 +66,7 @@ Findings Examination::examineVersions()
 
 Findings Examination::examineBus()
 {
-    mContext.busFacts.isSessionUsed = mContext.bus.isConnected();
+    mContext.busFacts.isSessionUsed = mSession.hasBus;
     return findingsAboutBus(mContext.busFacts);
 }
 
@@ -73,7 +77,7 @@ Findings Examination::examineDriver()
 
 Findings Examination::examineProcesses()
 {
-    return findingsAboutProcesses(processFacts(mContext.platform, mContext.bus));
+    return findingsAboutProcesses(processFacts(mContext.platform, mSession));
 }
 
 Findings Examination::examinePreferences()
@@ -84,10 +88,10 @@ Findings Examination::examinePreferences()
 
 Findings Examination::examineAccessibility()
 {
-    return findingsAboutAccessibility(accessibilityFacts(mContext.platform));
+    return findingsAboutAccessibility({mSession.letsWindowsBeMoved});
 }
 
-Findings Examination::examineDisplay() { return findingsAboutDisplay(displayFacts(mContext.bus)); }
+Findings Examination::examineDisplay() { return findingsAboutDisplay(displayFacts(mSession)); }
 
 void Examination::lookForDevices()
 {

@@ -5,6 +5,7 @@
 #include "Applications/Doctor/DiscoveryProbe.h"
 #include "Applications/Doctor/Notebook.h"
 #include "Applications/Doctor/PolkitProbe.h"
+#include "Applications/Doctor/SessionProbe.h"
 #include "Platform/Desktop/Discovery/AvahiDaemonLink.h"
 
 #include <functional>
@@ -69,6 +70,7 @@ private:
     DiagnosisContext mContext;
     Notebook& mNotebook;
     DevicesProbe::Times mTimes;
+    SessionFacts mSession;
     std::size_t mNext = 0;
     std::function<void(Area)> mAreaBegun;
     std::function<void()> mEnded;

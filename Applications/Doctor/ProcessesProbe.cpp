@@ -1,10 +1,9 @@
 #include "Applications/Doctor/ProcessesProbe.h"
 
+#include "Applications/Doctor/SessionProbe.h"
 #include "Common/FVEConstants.h"
 #include "Common/FVEPreferences.h"
 #include "Common/GetPID.h"
-#include "Platform/Desktop/Bus/SessionBus.h"
-#include "Platform/Desktop/Bus/SingleInstance.h"
 #include "Platform/Desktop/OverlayBodies.h"
 #include "Platform/Platform.h"
 
@@ -59,11 +58,6 @@ void readSettings(Platform& platform, ProcessFacts& facts)
     facts.showsStatusItem = settings.showInMenuBar();
 }
 
-bool isOwned(SessionBus& bus, const char* identifier)
-{
-    return bus.isConnected() && !bus.nameOwner(applicationBusName(identifier)).isEmpty();
-}
-
 std::string joined(const std::vector<std::int32_t>& pids)
 {
     std::string text;
@@ -115,15 +109,15 @@ bool isDeaf(const ProcessFacts& facts, const ProgramFact& program)
 
 } // namespace
 
-ProcessFacts processFacts(Platform& platform, SessionBus& bus)
+ProcessFacts processFacts(Platform& platform, const SessionFacts& session)
 {
     ProcessFacts facts;
     facts.isTableReadable = readProgram(kFVEScreenServerApplicationName, facts.server) &&
                             readProgram(kFVEMenuExtraApplicationName, facts.statusItem);
     readSettings(platform, facts);
-    facts.hasBus = bus.isConnected();
-    facts.server.isOnBus = isOwned(bus, kFVEScreenServerBundleID);
-    facts.statusItem.isOnBus = isOwned(bus, kFVEMenuExtraBundleID);
+    facts.hasBus = session.hasBus;
+    facts.server.isOnBus = session.hasServer;
+    facts.statusItem.isOnBus = session.hasStatusItem;
     return facts;
 }
 

@@ -10,7 +10,7 @@ namespace farview
 {
 
 struct Platform;
-class SessionBus;
+struct SessionFacts;
 
 /// One of the programs that work in the background.
 struct ProgramFact {
@@ -27,7 +27,7 @@ struct ProcessFacts {
     ProgramFact statusItem;
 };
 
-ProcessFacts processFacts(Platform& platform, SessionBus& bus);
+ProcessFacts processFacts(Platform& platform, const SessionFacts& session);
 Findings findingsAboutProcesses(const ProcessFacts& facts);
 
 } // namespace farview

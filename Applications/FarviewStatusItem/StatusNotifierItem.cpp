@@ -5,7 +5,6 @@
 #include "Platform/Desktop/Looks/TrayWatcher.h"
 
 #include <QCoreApplication>
-#include <QDBusPendingCall>
 #include <QImage>
 #include <QtEndian>
 
@@ -83,7 +82,7 @@ void StatusNotifierItem::offer()
                               QDBusConnection::ExportAllProperties;
     connection.registerObject(itemPath, this, exported);
     connection.registerObject(menuPath, mMenu, exported);
-    mBus.requestName(itemName());
+    mBus.requestName(itemName(), this, [](bool) {});
 }
 
 void StatusNotifierItem::registerWithWatcher()
@@ -93,7 +92,7 @@ void StatusNotifierItem::registerWithWatcher()
                                                QString::fromLatin1(TrayWatcher::watcherName),
                                                QStringLiteral("RegisterStatusNotifierItem"));
     call << QString::fromStdString(itemName());
-    mBus.connection().asyncCall(call);
+    mBus.send(call);
 }
 
 void StatusNotifierItem::show(const StatusItemDisplay& display)

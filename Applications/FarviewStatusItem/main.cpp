@@ -56,6 +56,18 @@ int runStatusItem(QApplication& application, DesktopPlatform& desktop, SingleIns
     return status;
 }
 
+/// Whether this is the instance of the program now.
+bool becomeTheOne(SingleInstance& instance)
+{
+    bool result = false;
+    instance.acquire([&](bool isTheOne) {
+        result = isTheOne;
+        QApplication::exit();
+    });
+    QApplication::exec();
+    return result;
+}
+
 /// Ends when the start of the server, which may take a turn, is done.
 int endAfterLaunch(QApplication& application, RunLoop& runLoop)
 {
@@ -74,7 +86,7 @@ int run(QApplication& application, bool atLogin)
     if (startsServer)
         launchServer(platform, ownPane(platform).get());
     SingleInstance instance(desktop.sessionBus(), kFVEMenuExtraBundleID);
-    if ((!atLogin || preferences.showInMenuBar()) && instance.acquire())
+    if ((!atLogin || preferences.showInMenuBar()) && becomeTheOne(instance))
         return runStatusItem(application, desktop, instance, preferences);
     return startsServer ? endAfterLaunch(application, *platform.runLoop) : 0;
 }

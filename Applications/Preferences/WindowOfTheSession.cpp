@@ -1,29 +1,15 @@
 #include "Applications/Preferences/WindowOfTheSession.h"
 
-#include "Platform/Desktop/Bus/SessionBus.h"
-
-#include <QDBusMessage>
+#include <utility>
 
 namespace
 {
 
-// A connection of the host's own: panes bring theirs.
-constexpr auto connectionName = "farview-preferences host";
 constexpr auto objectPath = "/com/quillon/FarviewPreferences";
 constexpr auto interfaceName = "com.quillon.FarviewPreferences";
 constexpr int longestWait = 5'000; // milliseconds
 
 } // namespace
-
-WindowOfTheSession::WindowOfTheSession()
-    : mBus(farview::SessionBus::open(QString::fromLatin1(connectionName)))
-{
-}
-
-WindowOfTheSession::~WindowOfTheSession()
-{
-    QDBusConnection::disconnectFromBus(QString::fromLatin1(connectionName));
-}
 
 QString WindowOfTheSession::serviceName() const
 {
@@ -37,27 +23,35 @@ QString WindowOfTheSession::serviceName() const
     return session.isEmpty() ? name : name + u".session"_qs + session;
 }
 
-bool WindowOfTheSession::becomeFirst(Handler handler)
+void WindowOfTheSession::becomeFirst(Handler handler, std::function<void(bool isFirst)> then)
 {
     mHandler = std::move(handler);
-    if (!mBus.isConnected())
-        return true;
-    mBus.registerObject(QString::fromLatin1(objectPath), this,
-                        QDBusConnection::ExportScriptableSlots);
-    return mBus.registerService(serviceName());
+    // Before the name is asked for: who finds the name finds the object.
+    connect(&mBus, &farview::SessionBus::connected, this, [this](bool again) {
+        mBus.connection().registerObject(QString::fromLatin1(objectPath), this,
+                                         QDBusConnection::ExportScriptableSlots);
+        if (again)
+            mBus.requestName(serviceName().toStdString(), this, [](bool) {});
+    });
+    mBus.requestName(
+        serviceName().toStdString(), this,
+        [this, then = std::move(then)](bool isOurs) { then(isOurs || !mBus.isConnected()); });
 }
 
-HostError WindowOfTheSession::handOver(const Wish& wish)
+void WindowOfTheSession::handOver(const Wish& wish, std::function<void(const HostError&)> then)
 {
-    auto call = QDBusMessage::createMethodCall(serviceName(), QString::fromLatin1(objectPath),
-                                               QString::fromLatin1(interfaceName), u"Show"_qs);
-    call << wish.pane << wish.activationToken;
-    const QDBusMessage reply = mBus.call(call, QDBus::Block, longestWait);
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() != 2)
-        return {HostStatus::noAnswer,
-                u"Farview Preferences is open already, but does not answer."_qs};
-    return {static_cast<HostStatus>(reply.arguments().at(0).toInt()),
-            reply.arguments().at(1).toString()};
+    const auto call = QDBusMessage::createMethodCall(serviceName(), QString::fromLatin1(objectPath),
+                                                     QString::fromLatin1(interfaceName), u"Show"_qs)
+                      << wish.pane << wish.activationToken;
+    const auto tell = [then = std::move(then)](const QDBusMessage& reply) {
+        if (reply.signature() == u"is")
+            then({static_cast<HostStatus>(reply.arguments().at(0).toInt()),
+                  reply.arguments().at(1).toString()});
+        else
+            then({HostStatus::noAnswer,
+                  u"Farview Preferences is open already, but does not answer."_qs});
+    };
+    mBus.ask(call, this, tell, longestWait);
 }
 
 int WindowOfTheSession::Show(const QString& pane, const QString& activationToken, QString& message)

@@ -2,7 +2,8 @@
 
 #include "Applications/Preferences/HostStatus.h"
 
-#include <QDBusConnection>
+#include "Platform/Desktop/Bus/SessionBus.h"
+
 #include <QObject>
 
 #include <functional>
@@ -23,15 +24,15 @@ public:
     };
     using Handler = std::function<HostError(const Wish&)>;
 
-    WindowOfTheSession();
-    ~WindowOfTheSession() override;
+    explicit WindowOfTheSession(farview::Log& log) : mBus(log) {}
 
-    /// Whether this process is the one with the window. Then later starts call `handler`.
-    bool becomeFirst(Handler handler);
+    /// Tells on a later turn whether this process is the one with the window. Then later starts
+    /// call `handler`.
+    void becomeFirst(Handler handler, std::function<void(bool isFirst)> then);
     /// The host's connection to the session bus; an unconnected one where there is no bus.
-    const QDBusConnection& bus() const { return mBus; }
-    /// Hands the wish to the first start and waits, some seconds at most, for what it says.
-    HostError handOver(const Wish& wish);
+    QDBusConnection bus() const { return mBus.connection(); }
+    /// Hands the wish to the first start; `then` hears what it says, within some seconds.
+    void handOver(const Wish& wish, std::function<void(const HostError&)> then);
 
 public slots:
     /// Called over the bus. Gives a status, and a message in `message`.
@@ -40,6 +41,6 @@ public slots:
 private:
     QString serviceName() const;
 
-    QDBusConnection mBus;
+    farview::SessionBus mBus;
     Handler mHandler;
 };

@@ -74,19 +74,39 @@ int runSmokeTest(const QString& pane, farview::Bundles& bundles)
     return error.status == HostStatus::success ? QApplication::exec() : fail(error);
 }
 
-int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundles)
+/// Whether this start is the one with the window. Else `error` is what the one with it has said.
+bool becomeFirst(WindowOfTheSession& instance, PreferencesHost& host, const QString& wanted,
+                 HostError& error)
 {
     const QString token =
         qEnvironmentVariable("XDG_ACTIVATION_TOKEN", qEnvironmentVariable("DESKTOP_STARTUP_ID"));
-    WindowOfTheSession instance;
-    PreferencesHost host(PaneLoader(bundles, false));
-    const bool first = instance.becomeFirst([&](const WindowOfTheSession::Wish& wish) {
+    const auto show = [&host](const WindowOfTheSession::Wish& wish) {
         // First to the front, so that what may have to be said stands before it.
         host.window().bringToFront(wish.activationToken);
         return wish.pane.isEmpty() ? HostError{} : host.open(wish.pane);
+    };
+    bool first = false;
+    instance.becomeFirst(show, [&](bool isFirst) {
+        first = isFirst;
+        if (isFirst)
+            return QApplication::exit();
+        instance.handOver({wanted, token}, [&](const HostError& said) {
+            error = said;
+            QApplication::exit();
+        });
     });
-    if (!first)
-        return fail(instance.handOver({asked.isEmpty() ? QString() : pane, token}));
+    QApplication::exec();
+    return first;
+}
+
+int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundles,
+              farview::Log& log)
+{
+    WindowOfTheSession instance(log);
+    PreferencesHost host(PaneLoader(bundles, false));
+    HostError error;
+    if (!becomeFirst(instance, host, asked.isEmpty() ? QString() : pane, error))
+        return fail(error);
     farview::DesktopLook look;
     farview::AppearancePortal portal(
         instance.bus(), [&](const farview::AppearancePreferences& wanted) { look.follow(wanted); });
@@ -96,19 +116,19 @@ int runWindow(const QString& pane, const QString& asked, farview::Bundles& bundl
         host.window().close();
         QApplication::quit();
     });
-    const HostError error = host.open(pane);
+    error = host.open(pane);
     return error.status == HostStatus::success ? QApplication::exec() : fail(error);
 }
 
 int runApplication(int argc, char** argv, const farview::CommandLine& line, const QString& pane,
-                   farview::Bundles& bundles)
+                   farview::Bundles& bundles, farview::Log& log)
 {
     const QApplication application(argc, argv);
     QApplication::setApplicationName(u"farview-preferences"_qs);
     QApplication::setApplicationVersion(QStringLiteral(FARVIEW_VERSION));
     QGuiApplication::setDesktopFileName(u"farview-preferences"_qs);
     return line.has("smoke-test") ? runSmokeTest(pane, bundles)
-                                  : runWindow(pane, line.value("pane"), bundles);
+                                  : runWindow(pane, line.value("pane"), bundles, log);
 }
 
 /// In the place of this process, as it was started: its window and its name on the bus have gone.
@@ -147,6 +167,6 @@ int main(int argc, char* argv[])
     if (!hasDisplay())
         return fail({HostStatus::noDisplay, u"There is no display to open a window on."_qs});
 
-    const int status = runApplication(argc, argv, line, pane, bundles);
+    const int status = runApplication(argc, argv, line, pane, bundles, log);
     return status == exitToStartAnew ? startAnew(argv) : status;
 }

@@ -54,12 +54,14 @@ int runServer(int argc, char** argv, unsigned crashes)
     QObject::connect(&instance, &SingleInstance::replaced, &application, [&] { server->quit(); });
     // In this order: who sees the server running can rely on being heard.
     server->listen();
-    if (!instance.acquire())
-        return 0;
-    instance.whenItsTurnComes([&] { server->start(); });
-    // Only now: what is switched off later is heard.
-    if (wasSwitchedOffMeanwhile(preferences))
-        server->quit();
+    instance.acquire([&](bool isTheOne) {
+        if (!isTheOne)
+            return application.quit();
+        instance.whenItsTurnComes([&] { server->start(); });
+        // Only now: what is switched off later is heard.
+        if (wasSwitchedOffMeanwhile(preferences))
+            server->quit();
+    });
     return QCoreApplication::exec();
 }
 

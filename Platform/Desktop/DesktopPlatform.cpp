@@ -50,19 +50,19 @@ struct DesktopPlatform::Bodies {
     explicit Bodies(int logDescriptor) : log(programName(), logDescriptor) {}
 
     StandardErrorLog log;
+    QtRunLoop runLoop;
     LocalNotificationCenter notificationCenter;
     AutostartEntry loginItem{environment};
     PosixBundles bundles{environment, log};
     PosixFileManager fileManager;
     InstalledFirewall firewall;
     SystemClock clock;
-    FilePreferences preferences{PreferencesLocations(environment), log};
+    FilePreferences preferences{PreferencesLocations(environment), log, &runLoop};
     PosixProcessTable processTable;
     PosixSearchPaths searchPaths{environment};
     PosixSystemVersion systemVersion;
     SysfsRegistry registry{DriverExtensions(searchPaths.extensionFolders())};
     DesktopText text;
-    QtRunLoop runLoop;
     SessionBus bus{log};
     DesktopAccessibility accessibility{bus};
 

@@ -29,6 +29,7 @@ public:
     bool synchronize(const std::string& applicationID, PreferencesUser user,
                      PreferencesHost host) override;
     bool appSynchronize(const std::string& applicationID) override;
+    Subscription observeLateWrites(std::function<void()>) override { return {}; }
 
 private:
     Preferences& mStored;

@@ -8,7 +8,11 @@ namespace farview
 class FakeAccessibility final : public Accessibility
 {
 public:
-    bool isEnabled() const override { return mEnabled; }
+    void askWhetherEnabled(std::weak_ptr<void> /*asker*/,
+                           std::function<void(bool isEnabled)> answer) override
+    {
+        answer(mEnabled);
+    }
     void setEnabled(bool enabled) { mEnabled = enabled; }
 
 private:

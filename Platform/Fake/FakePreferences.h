@@ -35,6 +35,18 @@ public:
     bool synchronize(const std::string& applicationID, PreferencesUser user,
                      PreferencesHost host) override;
     bool appSynchronize(const std::string& applicationID) override;
+    Subscription observeLateWrites(std::function<void()> action) override
+    {
+        const auto kept = std::make_shared<std::function<void()>>(std::move(action));
+        mLateWrite = kept;
+        return Subscription([kept] {});
+    }
+    /// As when another process had held a write up that is done now.
+    void tellLateWrite() const
+    {
+        if (const auto action = mLateWrite.lock())
+            (*action)();
+    }
 
     /// Stores (or, with nothing, removes) a value as another process or the administrator would.
     void writeAsAnotherProcess(const std::string& key, std::optional<PropertyList> value,
@@ -73,6 +85,7 @@ private:
     int mSetCount = 0;
     int mWriteCount = 0;
     int mFailedWriteCount = 0;
+    std::weak_ptr<std::function<void()>> mLateWrite;
     bool mWritesFail = false;
 };
 

@@ -4,6 +4,7 @@
 #include "Tests/Support/MenuTarget.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/StatusNotifierWatcher.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ protected:
     PrivateBus bus;
     SessionBusScope scope{bus.address()};
     FakeLog log;
-    SessionBus session{log};
+    TestBus session{log};
     std::shared_ptr<MenuTarget> target = std::make_shared<MenuTarget>();
     int activations = 0;
     std::optional<StatusNotifierWatcher> watcher;

@@ -54,6 +54,12 @@ protected:
     FVEPreferences preferences{fake.preferences, fake.distributedNotificationCenter};
 };
 
+TEST_F(FVEPreferencesTest, AWriteThatAnotherProgramHeldUpIsAnnouncedOnceItIsDone)
+{
+    fake.preferences.tellLateWrite();
+    EXPECT_THAT(announcements(), ElementsAre("did"));
+}
+
 // One row per boolean of the key table.
 struct BooleanKey {
     const char* name;

@@ -4,6 +4,7 @@
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -63,12 +64,12 @@ struct DesktopBench {
     ScopedEnvironment path{"PATH", tools.path().c_str()};
     SessionBusScope scope{privateBus.address()};
     FakeLog log;
-    SessionBus bus{log};
+    TestBus bus{log};
     std::optional<ChildProcess> service;
     DesktopAccessibilitySwitch accessibility{bus};
 
 private:
-    bool isOffered() { return !bus.nameOwner("org.a11y.Bus").isEmpty(); }
+    bool isOffered() { return bus.hasOwner("org.a11y.Bus"); }
 };
 
 template <typename Bench> class AccessibilitySwitchContract : public testing::Test

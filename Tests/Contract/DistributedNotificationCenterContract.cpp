@@ -4,6 +4,7 @@
 #include "Platform/Fake/FakeDistributedNotificationCenter.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -41,7 +42,7 @@ struct DBusBench {
     SessionBusScope scope{privateBus.address()};
     FakeLog log;
     QtRunLoop loop;
-    SessionBus bus{log};
+    TestBus bus{log};
     DBusNotificationCenter center{bus, loop, log};
 
     void settle() { settleInRealTime(center); }

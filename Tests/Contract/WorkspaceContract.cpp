@@ -6,6 +6,7 @@
 #include "Platform/Fake/FakeWorkspace.h"
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -46,7 +47,7 @@ struct DesktopBench {
     FakeBundles bundles;
     FakeLog log;
     QtRunLoop loop;
-    SessionBus bus{log};
+    TestBus bus{log};
     DesktopWorkspace workspace{bus, bundles, loop, log};
 };
 

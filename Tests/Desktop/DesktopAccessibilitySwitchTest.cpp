@@ -4,6 +4,7 @@
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +31,7 @@ protected:
     void startService(const char* kind)
     {
         mService.emplace(std::vector<std::string>{FARVIEW_TEST_PEER, "accessibility", kind});
-        ASSERT_TRUE(waitUntil([this] { return !mBus.nameOwner("org.a11y.Bus").isEmpty(); }));
+        ASSERT_TRUE(waitUntil([this] { return mBus.hasOwner("org.a11y.Bus"); }));
     }
     /// A tool that keeps the setting in a file, or does what is given instead.
     void installTool(const std::string& instead = "")
@@ -69,7 +70,7 @@ protected:
     PrivateBus mPrivateBus;
     SessionBusScope mScope{mPrivateBus.address()};
     FakeLog mLog;
-    SessionBus mBus{mLog};
+    TestBus mBus{mLog};
     std::optional<ChildProcess> mService;
     std::optional<State> mTold;
     Subscription mSubscription;
@@ -188,7 +189,7 @@ TEST(DesktopAccessibilitySwitch, EndsWhileEverythingIsUnderWay)
     PrivateBus bus;
     const SessionBusScope scope(bus.address());
     FakeLog log;
-    SessionBus session(log);
+    TestBus session(log);
     bool isCalled = false;
     Subscription subscription;
     {

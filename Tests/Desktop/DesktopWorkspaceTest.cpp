@@ -4,6 +4,7 @@
 #include "Platform/Fake/FakeBundle.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -99,7 +100,7 @@ protected:
 
     PrivateBus mPrivateBus;
     SessionBusScope mScope{mPrivateBus.address()};
-    SessionBus mBus{mLog};
+    TestBus mBus{mLog};
     DBusNotificationCenter mCenter{mBus, mLoop, mLog};
     DesktopWorkspace mWorkspace{mBus, mBundles, mLoop, mLog};
 };
@@ -128,7 +129,7 @@ TEST_F(LaunchOnABusTest, TwoLaunchesInQuickSuccessionStartOne)
 
 TEST_F(LaunchOnABusTest, TwoProgramsThatLaunchAtOnceEndUpWithOne)
 {
-    SessionBus otherBus(mLog);
+    TestBus otherBus(mLog);
     DesktopWorkspace other(otherBus, mBundles, mLoop, mLog);
     EXPECT_TRUE(launch(mWorkspace));
     EXPECT_TRUE(launch(other));
@@ -223,7 +224,7 @@ TEST_F(LaunchOnABusTest, ABundleThatCannotBeStartedSaysSo)
 
 TEST_F(LaunchTest, WithoutABusItIsStillStartedOnce)
 {
-    SessionBus noBus(mLog);
+    TestBus noBus(mLog);
     DesktopWorkspace workspace(noBus, mBundles, mLoop, mLog);
     EXPECT_TRUE(launch(workspace));
     EXPECT_TRUE(launch(workspace));
@@ -235,8 +236,9 @@ TEST_F(LaunchTest, WithoutABusItIsStillStartedOnce)
 
 TEST_F(LaunchTest, WithoutABusOneThatAnotherProgramStartedIsNotStartedAgain)
 {
-    SessionBus noBus(mLog);
-    EXPECT_TRUE(launch(*std::make_unique<DesktopWorkspace>(noBus, mBundles, mLoop, mLog)));
+    TestBus noBus(mLog);
+    DesktopWorkspace first(noBus, mBundles, mLoop, mLog);
+    EXPECT_TRUE(launch(first));
     ASSERT_TRUE(waitForNotes(2));
     DesktopWorkspace another(noBus, mBundles, mLoop, mLog);
     EXPECT_TRUE(launch(another));
@@ -256,11 +258,11 @@ class ScriptedPortal : public QObject
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.OpenURI")
 
 public:
-    ScriptedPortal(SessionBus& bus, bool refuses) : mBus(bus), mRefuses(refuses)
+    ScriptedPortal(TestBus& bus, bool refuses) : mBus(bus), mRefuses(refuses)
     {
         bus.connection().registerObject("/org/freedesktop/portal/desktop", this,
                                         QDBusConnection::ExportScriptableSlots);
-        EXPECT_TRUE(bus.requestName("org.freedesktop.portal.Desktop"));
+        EXPECT_TRUE(bus.takeName("org.freedesktop.portal.Desktop"));
     }
 
     QStringList opened;
@@ -292,7 +294,7 @@ protected:
     }
     Notes notesOf(const std::string& program)
     {
-        waitUntil([&] { return !linesOf(mFolder.path(program + ".notes")).empty(); }, 3s);
+        waitUntil([&] { return !linesOf(mFolder.path(program + ".notes")).empty(); });
         return linesOf(mFolder.path(program + ".notes"));
     }
 
@@ -301,7 +303,7 @@ protected:
     FakeBundles mBundles;
     FakeLog mLog;
     QtRunLoop mLoop;
-    SessionBus mBus{mLog};
+    TestBus mBus{mLog};
     DesktopWorkspace mWorkspace{mBus, mBundles, mLoop, mLog};
     URL mPage = *URL::URLWithString("https://example.org/?a=b&c");
 };
@@ -352,8 +354,8 @@ TEST_F(OpenTest, APortalComesFirst)
 {
     PrivateBus privateBus;
     const SessionBusScope scope(privateBus.address());
-    SessionBus bus(mLog);
-    SessionBus portalBus(mLog);
+    TestBus bus(mLog);
+    TestBus portalBus(mLog);
     ScriptedPortal portal(portalBus, false);
     DesktopWorkspace workspace(bus, mBundles, mLoop, mLog);
     addProgram("xdg-open");
@@ -368,8 +370,8 @@ TEST_F(OpenTest, APortalThatRefusesIsFollowedByTheOpener)
 {
     PrivateBus privateBus;
     const SessionBusScope scope(privateBus.address());
-    SessionBus bus(mLog);
-    SessionBus portalBus(mLog);
+    TestBus bus(mLog);
+    TestBus portalBus(mLog);
     ScriptedPortal portal(portalBus, true);
     DesktopWorkspace workspace(bus, mBundles, mLoop, mLog);
     addProgram("xdg-open");

@@ -87,7 +87,7 @@ TEST_F(PolkitAuthorizationTest, ABusThatStandsStillIsGivenUpWithoutWaitingForIt)
     const auto begun = std::chrono::steady_clock::now();
     authorization->create("right", tool, target, noting());
     authorization->foresee(tool, target, noting());
-    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(1))
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(10))
         << "a library's call waits 25 s";
     EXPECT_EQ(answered(), Status::internal);
     bus.process().sendSignal(SIGCONT);
@@ -234,12 +234,12 @@ TEST_F(PolkitAuthorizationTest, AToolThatOthersCanChangeIsNamedAndNotRun)
 
 TEST_F(PolkitAuthorizationTest, EndsAtOnceWhileAToolRunsWhichGoesOn)
 {
-    pkexecDoes("sleep 0.3; touch '" + folder.path("has-run") + "'");
+    pkexecDoes("until [ -e '" + folder.path("go") + "' ]; do sleep 0.02; done; touch '" +
+               folder.path("has-run") + "'");
     authorization->executeWithPrivileges(tool, target, noting());
     runLoopFor(std::chrono::milliseconds(50));
-    const auto start = std::chrono::steady_clock::now();
     authorization.reset();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(200));
+    folder.write("go", "");
     EXPECT_TRUE(waitUntil([this] { return std::filesystem::exists(folder.path("has-run")); }));
     runLoopFor(std::chrono::milliseconds(50));
     EXPECT_EQ(answer, std::nullopt);

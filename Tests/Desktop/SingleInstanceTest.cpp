@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Bus/SingleInstance.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <QDBusPendingCall>
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace farview
@@ -35,7 +37,7 @@ TEST(ApplicationBusName, ReplacesWhatABusCannotHold)
 /// One running program.
 struct Program {
     FakeLog log;
-    SessionBus bus{log};
+    TestBus bus{log};
     SingleInstance instance{bus, identifier};
     int turns = 0;
     int replacements = 0;
@@ -44,6 +46,12 @@ struct Program {
     {
         QObject::connect(&instance, &SingleInstance::replaced, &instance,
                          [this] { ++replacements; });
+    }
+    bool acquire()
+    {
+        std::optional<bool> result;
+        instance.acquire([&](bool isTheOne) { result = isTheOne; });
+        return waitUntil([&] { return result.has_value(); }) && *result;
     }
     void waitForTurn()
     {
@@ -75,31 +83,41 @@ TEST_F(SingleInstanceTest, OnlyTheFirstIsTheOne)
 {
     Program first;
     Program second;
-    EXPECT_TRUE(first.instance.acquire());
-    EXPECT_TRUE(first.instance.acquire());
-    EXPECT_FALSE(second.instance.acquire());
+    EXPECT_TRUE(first.acquire());
+    EXPECT_TRUE(first.acquire());
+    EXPECT_FALSE(second.acquire());
 }
 
 TEST_F(SingleInstanceTest, TheNameIsFreeAsSoonAsItIsReleased)
 {
     Program first;
     Program second;
-    ASSERT_TRUE(first.instance.acquire());
+    ASSERT_TRUE(first.acquire());
     first.instance.release();
-    EXPECT_TRUE(waitUntil([&] { return second.instance.acquire(); }));
-    EXPECT_FALSE(first.instance.acquire());
+    EXPECT_TRUE(waitUntil([&] { return second.acquire(); }));
+    EXPECT_FALSE(first.acquire());
+}
+
+TEST_F(SingleInstanceTest, WhoGivesUpBeforeTheBusAnswersLeavesTheNameFree)
+{
+    Program first;
+    Program second;
+    first.instance.acquire([](bool) { ADD_FAILURE() << "told after the release"; });
+    first.instance.release();
+    EXPECT_TRUE(second.acquire());
+    EXPECT_EQ(ask(first.bus), true);
 }
 
 TEST_F(SingleInstanceTest, TheNextWaitsForItsTurnUntilTheFormerHasEnded)
 {
     auto first = std::make_unique<Program>();
     Program second;
-    ASSERT_TRUE(first->instance.acquire());
+    ASSERT_TRUE(first->acquire());
     first->waitForTurn();
     EXPECT_EQ(first->turns, 0);
     ASSERT_TRUE(waitUntil([&] { return first->turns == 1; }));
     first->instance.release();
-    ASSERT_TRUE(waitUntil([&] { return second.instance.acquire(); }));
+    ASSERT_TRUE(waitUntil([&] { return second.acquire(); }));
     second.waitForTurn();
     runLoopFor(std::chrono::milliseconds(100));
     EXPECT_EQ(second.turns, 0);
@@ -122,7 +140,7 @@ TEST_F(SingleInstanceTest, TellsOthersWhetherItStays)
     Program first;
     Program other;
     EXPECT_EQ(ask(other.bus), std::nullopt);
-    ASSERT_TRUE(first.instance.acquire());
+    ASSERT_TRUE(first.acquire());
     EXPECT_EQ(ask(other.bus), true);
     first.instance.release();
     EXPECT_EQ(ask(other.bus), std::nullopt);
@@ -131,13 +149,13 @@ TEST_F(SingleInstanceTest, TellsOthersWhetherItStays)
 TEST_F(SingleInstanceTest, OwnsItsNameAgainAfterARestartOfTheBus)
 {
     Program first;
-    ASSERT_TRUE(first.instance.acquire());
+    ASSERT_TRUE(first.acquire());
     mPrivateBus.stop();
     ASSERT_TRUE(waitUntil([&] { return !first.bus.isConnected(); }));
     mPrivateBus.start();
     ASSERT_TRUE(waitUntil([&] { return first.bus.isConnected(); }));
     Program second;
-    EXPECT_FALSE(second.instance.acquire());
+    EXPECT_FALSE(second.acquire());
     EXPECT_EQ(ask(second.bus), true);
     EXPECT_EQ(first.replacements, 0);
 }
@@ -145,12 +163,12 @@ TEST_F(SingleInstanceTest, OwnsItsNameAgainAfterARestartOfTheBus)
 TEST_F(SingleInstanceTest, HearsThatAnotherTookItsPlaceWhileTheBusWasAway)
 {
     Program first;
-    ASSERT_TRUE(first.instance.acquire());
+    ASSERT_TRUE(first.acquire());
     mPrivateBus.stop();
     ASSERT_TRUE(waitUntil([&] { return !first.bus.isConnected(); }));
     mPrivateBus.start();
     Program second;
-    ASSERT_TRUE(second.instance.acquire());
+    ASSERT_TRUE(second.acquire());
     EXPECT_TRUE(waitUntil([&] { return first.replacements == 1; }));
 }
 
@@ -158,8 +176,8 @@ TEST(SingleInstance, WithoutABusEveryoneIsTheOne)
 {
     Program first;
     Program second;
-    EXPECT_TRUE(first.instance.acquire());
-    EXPECT_TRUE(second.instance.acquire());
+    EXPECT_TRUE(first.acquire());
+    EXPECT_TRUE(second.acquire());
     second.waitForTurn();
     EXPECT_EQ(second.turns, 0);
     EXPECT_TRUE(waitUntil([&] { return second.turns == 1; }));

@@ -115,7 +115,7 @@ TEST_F(SupervisorTest, AKilledProgramIsStartedAgain)
 TEST_F(SupervisorTest, ARequestToQuitBetweenTwoCrashesEndsIt)
 {
     ChildProcess supervisor(supervised("1000", false));
-    ASSERT_TRUE(waitUntil([&] { return starts().size() == 3; }));
+    ASSERT_TRUE(waitUntil([&] { return starts().size() >= 3; }));
     supervisor.sendSignal(SIGTERM);
     EXPECT_TRUE(supervisor.waitForEnd());
     EXPECT_LT(starts().size(), 100u);

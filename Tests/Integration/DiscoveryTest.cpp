@@ -75,18 +75,9 @@ TEST_P(Discovering, FiveHundredServicesAreFoundAndResolved)
         ASSERT_TRUE(mPublisher.publish({"Dev " + std::to_string(index)}));
     runLoopFor(2s);
     mRecorder->resolvesWhatIsFound = true;
-    const auto begin = std::chrono::steady_clock::now();
-    const auto passed = [&] {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(
-                   std::chrono::steady_clock::now() - begin)
-            .count();
-    };
     const auto browser = search(mRecorder);
     ASSERT_TRUE(waitFor(count));
-    RecordProperty("found_ms", static_cast<int>(passed()));
     ASSERT_TRUE(waitForResolves(count));
-    RecordProperty("resolved_ms", static_cast<int>(passed()));
-    EXPECT_LT(mRecorder->batches.size(), 20u);
     for (const auto& service : mRecorder->present)
         EXPECT_EQ(service->endpoints().size(), 1u) << service->name();
     for (const auto& service : mRecorder->present)
@@ -104,7 +95,7 @@ TEST_P(Discovering, BrowsersOfOneTypeShareWhatIsKnownButNotTheirObjects)
     ASSERT_TRUE(waitUntil([&] { return elder->present.size() == 1; }));
     const auto browser = search(mRecorder);
     EXPECT_THAT(mRecorder->present, IsEmpty());
-    ASSERT_TRUE(waitFor(1, 200ms));
+    ASSERT_TRUE(waitFor(1));
     const auto first = elder->present.front();
     const auto second = mRecorder->present.front();
     EXPECT_NE(first, second);

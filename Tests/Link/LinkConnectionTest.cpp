@@ -46,10 +46,11 @@ protected:
                                     quickTimes());
         stranger = sockets.device.get();
     }
-    void beginDevice(const LinkGreeting& speaks = ownGreeting())
+    void beginDevice(const LinkGreeting& speaks = ownGreeting(),
+                     const LinkTimes& times = quickTimes())
     {
-        link = LinkConnection::make(LinkSide::device, std::move(sockets.device), seen, speaks,
-                                    quickTimes());
+        link =
+            LinkConnection::make(LinkSide::device, std::move(sockets.device), seen, speaks, times);
         stranger = sockets.host.get();
     }
     void openDevice(const LinkGreeting& speaks = ownGreeting())
@@ -262,7 +263,7 @@ TEST_F(LinkConnectionToStranger, GivesUpOnAHostThatGreetsTooSlowly)
 
 TEST_F(LinkConnectionToStranger, UnderstandsAHostThatSendsByteByByte)
 {
-    beginDevice();
+    beginDevice(ownGreeting(), LinkTimes{});
     for (const std::uint8_t byte : encodeGreeting(ownGreeting())) {
         writeBytes(*stranger, {byte});
         runLoopFor(std::chrono::milliseconds(1));

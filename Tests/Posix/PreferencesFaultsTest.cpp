@@ -1,3 +1,4 @@
+#include "Platform/Fake/FakeRunLoop.h"
 #include "Platform/Posix/PropertyLists/PropertyListReader.h"
 #include "Platform/Posix/Settings/LockFile.h"
 #include "Tests/Posix/PreferencesFixture.h"
@@ -7,6 +8,8 @@
 #include <array>
 #include <chrono>
 #include <fcntl.h>
+#include <optional>
+#include <poll.h>
 #include <sched.h>
 #include <sys/mount.h>
 
@@ -86,12 +89,11 @@ TEST_F(PreferencesFaults, AStoppedHolderOfTheLockCostsOneSecondInAll)
     ASSERT_TRUE(holder.waitUntilStopped());
     const auto start = Clock::now();
     EXPECT_FALSE(store(1));
-    EXPECT_LT(Clock::now() - start, 1500ms);
     EXPECT_GT(Clock::now() - start, 900ms);
     const auto second = Clock::now();
     for (int count = 0; count < 20; ++count)
         EXPECT_FALSE(store(2));
-    EXPECT_LT(Clock::now() - second, 500ms);
+    EXPECT_LT(Clock::now() - second, 10s) << "a second each would be twenty";
     EXPECT_EQ(read(), PropertyList(2));
     EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList(0));
     EXPECT_EQ(mLog.lines().size(), 1u);
@@ -118,6 +120,66 @@ TEST_F(PreferencesFaults, AShortHoldOfTheLockIsWaitedFor)
     EXPECT_EQ(holder.wait(), 0);
     ::close(ready[0]);
     ::close(ready[1]);
+}
+
+/// A program with a loop, and another one that writes for as long as the test wants.
+class PreferencesOnALoop : public PreferencesFixture
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(store("old"));
+        mOther.emplace();
+        ASSERT_EQ(mOther->acquire(path() + ".lock", 1s), 0);
+        mProgram.emplace(locations(), mLog, &mLoop);
+        mProgram->setAppValue("key", PropertyList("new"), domain);
+        EXPECT_FALSE(mProgram->appSynchronize(domain));
+    }
+    std::optional<PropertyList> stored() { return make()->copyAppValue("key", domain); }
+
+    FakeRunLoop mLoop;
+    std::optional<LockFile> mOther;
+    std::optional<FilePreferences> mProgram;
+    int mLateWrites = 0;
+};
+
+TEST_F(PreferencesOnALoop, WhatAnotherWriterHeldUpIsWrittenByTheLoopAndTold)
+{
+    auto late = mProgram->observeLateWrites([this] { ++mLateWrites; });
+    EXPECT_EQ(mProgram->copyAppValue("key", domain), PropertyList("new"));
+    mLoop.advance(Duration{0.1});
+    EXPECT_EQ(stored(), PropertyList("old"));
+    EXPECT_EQ(mLateWrites, 0);
+    mOther.reset();
+    mLoop.advance(Duration{1.0});
+    EXPECT_EQ(stored(), PropertyList("new"));
+    EXPECT_EQ(mLateWrites, 1);
+    mLoop.advance(Duration{10.0});
+    EXPECT_EQ(mLateWrites, 1) << "once";
+    late.end();
+}
+
+TEST_F(PreferencesOnALoop, WhatASynchronizeWroteMeanwhileIsNotToldAgain)
+{
+    const auto late = mProgram->observeLateWrites([this] { ++mLateWrites; });
+    mOther.reset();
+    EXPECT_TRUE(mProgram->appSynchronize(domain));
+    mLoop.advance(Duration{10.0});
+    EXPECT_EQ(mLateWrites, 0);
+}
+
+TEST_F(PreferencesOnALoop, AWriterThatStandsStillIsWorthOneLine)
+{
+    EXPECT_TRUE(mLog.lines().empty());
+    mLoop.advance(Duration{60.0});
+    EXPECT_EQ(mLog.lines().size(), 1u);
+}
+
+TEST_F(PreferencesOnALoop, AtItsEndItWritesWhatWasHeldUp)
+{
+    mOther.reset();
+    mProgram.reset();
+    EXPECT_EQ(stored(), PropertyList("new"));
 }
 
 TEST_F(PreferencesFaults, ALockFileThatWasCleanedAwayIsMadeAnew)
@@ -270,7 +332,7 @@ TEST_F(PreferencesFaults, TwoWritersOfOneKeyLeaveOneOfTheirValues)
         const auto preferences = make();
         for (int number = 0; number < 100; ++number) {
             preferences->setAppValue("key", writer, domain);
-            EXPECT_TRUE(preferences->appSynchronize(domain));
+            EXPECT_TRUE(synchronizeWithPatience(*preferences));
         }
     };
     ForkedProcess first([&] { write(1); });
@@ -289,6 +351,12 @@ void writePairs(FilePreferences& preferences, int start, int acknowledgements)
         ASSERT_TRUE(preferences.appSynchronize(domain));
         ASSERT_EQ(::write(acknowledgements, &number, sizeof number), ssize_t{sizeof number});
     }
+}
+
+bool hasInput(int descriptor)
+{
+    pollfd waiting{descriptor, POLLIN, 0};
+    return ::poll(&waiting, 1, 10'000) == 1;
 }
 
 int lastNumberIn(int descriptor, int fallback)
@@ -311,6 +379,10 @@ TEST_F(PreferencesFaults, AKillAtAnyMomentLeavesAWholeFileWithAllThatWasAcknowle
         ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC | O_NONBLOCK), 0);
         {
             ForkedProcess writer([&] { writePairs(*make(), acknowledged + 1, pipe[1]); });
+            // Every other one is killed after its first write, however busy the computer is.
+            if (round % 2 == 0) {
+                ASSERT_TRUE(hasInput(pipe[0]));
+            }
             ::usleep(static_cast<useconds_t>(1000 + round * 7919 % 9000));
         }
         acknowledged = lastNumberIn(pipe[0], acknowledged);
@@ -322,7 +394,7 @@ TEST_F(PreferencesFaults, AKillAtAnyMomentLeavesAWholeFileWithAllThatWasAcknowle
         ASSERT_EQ(left, make()->copyAppValue("right", domain));
         ASSERT_EQ(make()->copyAppValue("other", domain), PropertyList("kept"));
     }
-    EXPECT_GT(acknowledged, kills / 4) << "the kills came before anything was written";
+    EXPECT_GE(acknowledged, kills / 2);
     EXPECT_TRUE(store(1, "last"));
     EXPECT_EQ(names(), (std::vector<std::string>{domain + ".plist", domain + ".plist.lock"}));
 }

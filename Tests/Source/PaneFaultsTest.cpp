@@ -2,7 +2,6 @@
 
 #include "Tests/Source/PaneFixture.h"
 
-#include <chrono>
 
 namespace
 {
@@ -247,7 +246,7 @@ TEST_F(PaneFaults, AFullDiskLosesNoListAndPostsNoStorm)
     EXPECT_EQ(menuTitles(), (Texts{noDevice, "Pad", connectToOther}));
 }
 
-TEST_F(PaneFaults, ADisplayOfFiveHundredDevicesIsRefreshedQuickly)
+TEST_F(PaneFaults, AMenuOfFiveHundredDevicesShowsTheLastOne)
 {
     showWithState(1);
     std::vector<farview::FakeDevice> many;
@@ -261,14 +260,7 @@ TEST_F(PaneFaults, ADisplayOfFiveHundredDevicesIsRefreshedQuickly)
     announce(many);
     serverConnectedTo("host499.local");
     ASSERT_EQ(menuTitles().size(), 502u);
-    constexpr int times = 20;
-    const auto start = std::chrono::steady_clock::now();
-    for (int time = 0; time < times; ++time)
-        pane->updateUI();
-    const std::chrono::duration<double, std::milli> span = std::chrono::steady_clock::now() - start;
-    RecordProperty("millisecondsPerRefresh", std::to_string(span.count() / times));
-    // Ten times the promised figure, for machines under load and instrumented builds.
-    EXPECT_LT(span.count() / times, 100.0);
+    EXPECT_EQ(selectedTitle(), "Device 499");
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "Tests/Support/WaitUntil.h"
 #include "Tests/Window/HostFixture.h"
 
-#include <QElapsedTimer>
 #include <QRegularExpression>
 
 #include <csignal>
@@ -101,11 +100,8 @@ TEST_F(RunningHost, ASecondStartRaisesTheFirstWindowAndEnds)
 {
     useBus();
     const auto first = startAndShow();
-    QElapsedTimer time;
-    time.start();
     const Result second = run({});
     EXPECT_EQ(second.status, 0) << second.errors;
-    EXPECT_LT(time.elapsed(), 4000);
     EXPECT_EQ(first->state(), QProcess::Running);
     EXPECT_EQ(terminate(*first).status, 0);
 }

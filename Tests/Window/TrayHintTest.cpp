@@ -3,6 +3,7 @@
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/StatusNotifierWatcher.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +19,7 @@ TEST(TrayHint, TheBoxSaysThatThereIsNoTrayForAsLongAsThatIsSo)
     PrivateBus bus;
     const SessionBusScope scope(bus.address());
     farview::FakeLog log;
-    farview::SessionBus session(log);
+    TestBus session(log);
     const auto box = std::make_shared<farview::Button>();
     const farview::TrayHint hint(session, box, "no tray");
     EXPECT_TRUE(waitUntil([&] { return box->toolTip() == "no tray"; }));
@@ -34,7 +35,7 @@ TEST(TrayHint, AListOfIconsThatNobodyShowsIsNoTray)
     PrivateBus bus;
     const SessionBusScope scope(bus.address());
     farview::FakeLog log;
-    farview::SessionBus session(log);
+    TestBus session(log);
     const auto box = std::make_shared<farview::Button>();
     StatusNotifierWatcher tray(bus.address(), false);
     const farview::TrayHint hint(session, box, "no tray");
@@ -50,7 +51,7 @@ TEST(TrayHint, OutlivesItsBox)
     PrivateBus bus;
     const SessionBusScope scope(bus.address());
     farview::FakeLog log;
-    farview::SessionBus session(log);
+    TestBus session(log);
     auto box = std::make_shared<farview::Button>();
     const std::weak_ptr<farview::Button> weak = box;
     const farview::TrayHint hint(session, box, "no tray");

@@ -1,8 +1,5 @@
 #include "Platform/Desktop/Bus/BusNameWatcher.h"
 
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-
 #include <utility>
 
 namespace farview
@@ -20,11 +17,7 @@ BusNameWatcher::BusNameWatcher(SessionBus& bus, const std::string& name, Changed
             });
     connect(&mBus, &SessionBus::connected, this, &BusNameWatcher::watch);
     connect(&mBus, &SessionBus::disconnected, this, [this] { tell(false); });
-    if (mBus.isConnected())
-        watch();
-    else
-        QMetaObject::invokeMethod(
-            this, [this] { tell(mIsOwned.value_or(false)); }, Qt::QueuedConnection);
+    watch();
 }
 
 void BusNameWatcher::watch()
@@ -32,15 +25,10 @@ void BusNameWatcher::watch()
     // Subscribed before the question is asked, so no change can fall in between.
     mWatcher.setConnection(mBus.connection());
     mHeardOfAChange = false;
-    auto call = SessionBus::busCall(QStringLiteral("NameHasOwner"));
-    call << mName;
-    auto* watcher = new QDBusPendingCallWatcher(mBus.connection().asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const QDBusPendingReply<bool> reply = *watcher;
-        watcher->deleteLater();
+    mBus.askForOwner(mName, this, [this](bool isOwned) {
         // Answer and change come by different ways: the answer may be the older one.
         if (!mHeardOfAChange)
-            tell(!reply.isError() && reply.value());
+            tell(isOwned);
     });
 }
 

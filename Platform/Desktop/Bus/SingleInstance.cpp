@@ -1,8 +1,5 @@
 #include "Platform/Desktop/Bus/SingleInstance.h"
 
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-
 #include <algorithm>
 #include <cctype>
 #include <utility>
@@ -69,17 +66,28 @@ SingleInstance::~SingleInstance()
     mBus.connection().unregisterObject(objectPath);
 }
 
-bool SingleInstance::acquire()
+void SingleInstance::acquire(std::function<void(bool isTheOne)> then)
 {
-    mIsWanted = !mBus.isConnected() || mBus.requestName(mName);
-    return mIsWanted;
+    mIsWanted = true;
+    takeName(std::move(then));
+}
+
+/// Without a bus everybody is the one.
+void SingleInstance::takeName(std::function<void(bool isTheOne)> then)
+{
+    mBus.requestName(mName, this, [this, then = std::move(then)](bool isOurs) {
+        if (!mIsWanted)
+            return;
+        mIsWanted = isOurs || !mBus.isConnected();
+        then(mIsWanted);
+    });
 }
 
 void SingleInstance::whenItsTurnComes(std::function<void()> action)
 {
     mAction = std::move(action);
     mWaitsForTurn = true;
-    mLimit.start(mBus.isConnected() ? turnLimit : 0);
+    mLimit.start(turnLimit);
     queueForTurn();
 }
 
@@ -94,12 +102,8 @@ bool SingleInstance::isStaying(const QDBusMessage& call)
     // What was posted before this call may still wait for an answer of the bus about its sender.
     // The answer to a question of our own comes after that one.
     call.setDelayedReply(true);
-    auto* watcher = new QDBusPendingCallWatcher(
-        mBus.connection().asyncCall(SessionBus::busCall(QStringLiteral("GetId"))), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, call, watcher] {
-        watcher->deleteLater();
-        mBus.connection().send(call.createReply(mIsWanted));
-    });
+    mBus.ask(SessionBus::busCall(QStringLiteral("GetId")), this,
+             [this, call](const QDBusMessage&) { mBus.send(call.createReply(mIsWanted)); });
     return mIsWanted;
 }
 
@@ -122,28 +126,27 @@ void SingleInstance::joinBus()
                        {QString::fromStdString(mTurnName)}, QString(), this, SLOT(beginTurn()));
 }
 
-void SingleInstance::rejoinBus()
+void SingleInstance::rejoinBus(bool again)
 {
     joinBus();
+    if (!again)
+        return;
     queueForTurn();
-    if (mIsWanted && !mBus.requestName(mName)) {
-        mIsWanted = false;
-        Q_EMIT replaced();
-    }
+    if (!mIsWanted)
+        return;
+    takeName([this](bool isTheOne) {
+        if (!isTheOne)
+            Q_EMIT replaced();
+    });
 }
 
 void SingleInstance::queueForTurn()
 {
-    if (!mBus.isConnected())
-        return;
     auto call = SessionBus::busCall(QStringLiteral("RequestName"));
     call << QString::fromStdString(mTurnName) << 0u;
-    auto* watcher = new QDBusPendingCallWatcher(mBus.connection().asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const QDBusPendingReply<uint> reply = *watcher;
-        watcher->deleteLater();
-        const bool isQueued =
-            !reply.isError() && reply.value() != nowPrimaryOwner && reply.value() != alreadyOwner;
+    mBus.ask(call, this, [this](const QDBusMessage& reply) {
+        const unsigned result = reply.signature() == u"u" ? reply.arguments().at(0).toUInt() : 0;
+        const bool isQueued = result != 0 && result != nowPrimaryOwner && result != alreadyOwner;
         if (mWaitsForTurn && !isQueued)
             beginTurn();
     });

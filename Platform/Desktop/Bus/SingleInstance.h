@@ -35,9 +35,9 @@ public:
     /// Gives up both names.
     ~SingleInstance() override;
 
-    /// Whether this is the instance now. False: another one runs and stays; end quietly. Blocks for
-    /// one round trip on the bus.
-    bool acquire();
+    /// Tells on a later turn whether this is the instance now. False: another one runs and stays;
+    /// end quietly. Not told after `release`.
+    void acquire(std::function<void(bool isTheOne)> then);
     /// Calls `action` once, on a later turn, when every earlier instance has ended; after five
     /// seconds at the latest, because one that hangs must not stop the next.
     void whenItsTurnComes(std::function<void()> action);
@@ -62,15 +62,16 @@ private Q_SLOTS:
 
 private:
     void joinBus();
-    void rejoinBus();
+    void rejoinBus(bool again);
     void queueForTurn();
+    void takeName(std::function<void(bool isTheOne)> then);
 
     SessionBus& mBus;
     std::string mName;
     std::string mTurnName;
     std::function<void()> mAction;
     QTimer mLimit;
-    bool mIsWanted = false;
+    bool mIsWanted = false; ///< the name, or soon
     bool mWaitsForTurn = false;
 };
 

@@ -1,8 +1,5 @@
 #include "Platform/Desktop/Discovery/AvahiDaemonLink.h"
 
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
-
 #include <utility>
 
 namespace farview
@@ -10,7 +7,6 @@ namespace farview
 namespace
 {
 
-constexpr Duration firstPause{0.1};
 constexpr Duration longestPause{5.0};
 
 constexpr int callLimit = 10'000;
@@ -21,23 +17,15 @@ const QString busName = QStringLiteral("org.freedesktop.DBus");
 const QString daemonName = QStringLiteral("org.freedesktop.Avahi");
 const QString serverInterface = QStringLiteral("org.freedesktop.Avahi.Server2");
 
-/// Connections are named process-wide, but host and pane have one each, and a dead one cannot be
-/// used again.
-QString freshConnectionName()
-{
-    static unsigned count = 0;
-    return QStringLiteral("farview-system-%1-%2").arg(quintptr(&count), 0, 16).arg(++count);
-}
-
 } // namespace
 
-AvahiDaemonLink::AvahiDaemonLink(Log& log) : mLog(log), mPause(firstPause, longestPause)
+AvahiDaemonLink::AvahiDaemonLink(Log& log)
+    : mLog(log),
+      mBus(log, {"system", systemBusAddress, BusConnection::Owner::anybody, longestPause, patience})
 {
-    mRetry.setSingleShot(true);
-    connect(&mRetry, &QTimer::timeout, this, &AvahiDaemonLink::tryToConnect);
+    connect(&mBus, &BusConnection::connected, this, &AvahiDaemonLink::useBus);
+    connect(&mBus, &BusConnection::disconnected, this, &AvahiDaemonLink::loseBus);
 }
-
-AvahiDaemonLink::~AvahiDaemonLink() { closeConnection(); }
 
 QString AvahiDaemonLink::systemBusAddress()
 {
@@ -45,68 +33,19 @@ QString AvahiDaemonLink::systemBusAddress()
     return stated.isEmpty() ? QStringLiteral("unix:path=/run/dbus/system_bus_socket") : stated;
 }
 
-void AvahiDaemonLink::look()
+void AvahiDaemonLink::useBus()
 {
-    if (!mConnection && !mBusCheck)
-        tryToConnect();
-}
-
-void AvahiDaemonLink::tryToConnect()
-{
-    mRetry.stop();
-    // The library's way onto a bus waits for it; one that stopped would hold the window.
-    mBusCheck = std::make_unique<BusCheck>(systemBusAddress().toStdString(),
-                                           std::chrono::milliseconds(patience),
-                                           [this](BusAnswer answer) { handleBusAnswer(answer); });
-}
-
-void AvahiDaemonLink::handleBusAnswer(BusAnswer answer)
-{
-    // It is still telling.
-    mBusCheck.release()->deleteLater();
-    if (answer == BusAnswer::answers && openConnection()) {
-        mPause.reset();
-        askDaemon();
-        return;
-    }
-    closeConnection();
-    setPresence(Presence::absent);
-    mRetry.start(static_cast<int>(mPause.next().count() * 1000));
-}
-
-bool AvahiDaemonLink::openConnection()
-{
-    mConnection = QDBusConnection::connectToBus(systemBusAddress(), freshConnectionName());
     // No service is named here: Qt would ask the bus for its owner and wait for the answer.
-    return mConnection->isConnected() &&
-           mConnection->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                                QStringLiteral("org.freedesktop.DBus.Local"),
-                                QStringLiteral("Disconnected"), this,
-                                SLOT(noticeDisconnection())) &&
-           mConnection->connect(QString(), QStringLiteral("/org/freedesktop/DBus"), busName,
-                                QStringLiteral("NameOwnerChanged"), QStringList{daemonName},
-                                QString(), this, SLOT(noticeOwner(QDBusMessage)));
+    mBus.connection().connect(QString(), QStringLiteral("/org/freedesktop/DBus"), busName,
+                              QStringLiteral("NameOwnerChanged"), QStringList{daemonName},
+                              QString(), this, SLOT(noticeOwner(QDBusMessage)));
+    askDaemon();
 }
 
-void AvahiDaemonLink::closeConnection()
+void AvahiDaemonLink::loseBus()
 {
-    if (!mConnection)
-        return;
-    const QString name = mConnection->name();
-    mConnection.reset();
-    QDBusConnection::disconnectFromBus(name);
-}
-
-void AvahiDaemonLink::noticeDisconnection()
-{
-    // A connection that we closed ourselves may still have this call queued.
-    if (!mConnection || mConnection->isConnected())
-        return;
-    mLog.write(LogLevel::warning, "The system bus has gone");
-    closeConnection();
     mOwner.clear();
     setPresence(Presence::absent);
-    mRetry.start(static_cast<int>(mPause.next().count() * 1000));
 }
 
 void AvahiDaemonLink::noticeOwner(const QDBusMessage& message)
@@ -126,20 +65,17 @@ void AvahiDaemonLink::noticeOwner(const QDBusMessage& message)
 
 void AvahiDaemonLink::askDaemon()
 {
-    const auto call = QDBusMessage::createMethodCall(daemonName, QStringLiteral("/"),
-                                                     serverInterface, QStringLiteral("GetState"));
-    auto* watcher = new QDBusPendingCallWatcher(mConnection->asyncCall(call, patience), this);
-    const unsigned question = ++mQuestion;
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, question] {
-        watcher->deleteLater();
-        handleDaemonAnswer(watcher->reply(), question);
-    });
+    mBus.ask(
+        serverCall(QStringLiteral("GetState")), this,
+        [this, question = ++mQuestion](const QDBusMessage& reply) {
+            if (question == mQuestion && mBus.isConnected())
+                handleDaemonAnswer(reply);
+        },
+        patience);
 }
 
-void AvahiDaemonLink::handleDaemonAnswer(const QDBusMessage& reply, unsigned question)
+void AvahiDaemonLink::handleDaemonAnswer(const QDBusMessage& reply)
 {
-    if (question != mQuestion || !mConnection)
-        return;
     if (reply.type() == QDBusMessage::ReplyMessage)
         meetDaemon(reply.service());
     else
@@ -161,8 +97,8 @@ void AvahiDaemonLink::listenToDaemon()
     for (const char* interface :
          {"org.freedesktop.Avahi.ServiceBrowser", "org.freedesktop.Avahi.RecordBrowser",
           "org.freedesktop.Avahi.EntryGroup"})
-        mConnection->connect(mOwner, QString(), QLatin1String(interface), QString(), this,
-                             SLOT(routeSignal(QDBusMessage)));
+        mBus.connection().connect(mOwner, QString(), QLatin1String(interface), QString(), this,
+                                  SLOT(routeSignal(QDBusMessage)));
 }
 
 void AvahiDaemonLink::routeSignal(const QDBusMessage& message)
@@ -203,22 +139,21 @@ void AvahiDaemonLink::sendWaiting()
 
 void AvahiDaemonLink::ask(const QDBusMessage& message, const Answer& answer)
 {
-    const auto connection = mConnection ? *mConnection : QDBusConnection(QString());
-    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(message, callLimit), this);
     ++mOpenCalls;
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, answer] {
-        watcher->deleteLater();
-        --mOpenCalls;
-        sendWaiting();
-        answer(watcher->reply());
-    });
+    mBus.ask(
+        message, this,
+        [this, answer](const QDBusMessage& reply) {
+            --mOpenCalls;
+            sendWaiting();
+            answer(reply);
+        },
+        callLimit);
 }
 
 void AvahiDaemonLink::send(QDBusMessage message)
 {
     message.setAutoStartService(false);
-    if (mConnection)
-        mConnection->send(message);
+    mBus.send(message);
 }
 
 Subscription AvahiDaemonLink::observeSignals(const QString& path, SignalHandler handler)

@@ -1,20 +1,14 @@
 #pragma once
 
-#include "Platform/Desktop/Bus/BusHandshake.h"
-#include "Platform/Desktop/Bus/GrowingPause.h"
-#include "Platform/Log.h"
+#include "Platform/Desktop/Bus/BusConnection.h"
 #include "Platform/Types/Subscription.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
-#include <QTimer>
 
 #include <deque>
 #include <functional>
 #include <map>
-#include <memory>
-#include <optional>
 #include <utility>
 
 namespace farview
@@ -28,15 +22,14 @@ class AvahiDaemonLink : public QObject
 
 public:
     enum class Presence { unknown, present, absent };
-    using Answer = std::function<void(const QDBusMessage& reply)>;
+    using Answer = BusConnection::Answer;
     using SignalHandler = std::function<void(const QDBusMessage& signal)>;
 
     explicit AvahiDaemonLink(Log& log);
-    ~AvahiDaemonLink() override;
 
-    /// Looks for the daemon if it is not known to be there. The result is in `presence()`, at the
-    /// latest after one second.
-    void look();
+    /// Looks for the bus if it is not known to be there, and for the daemon on it. The result is in
+    /// `presence()`, at the latest after one second each.
+    void look() { mBus.connectNow(); }
     Presence presence() const { return mPresence; }
     /// Grows with every daemon that is met: what belongs to an older one has gone.
     unsigned daemonNumber() const { return mDaemonNumber; }
@@ -60,17 +53,14 @@ Q_SIGNALS:
     void presenceChanged();
 
 private Q_SLOTS:
-    void noticeDisconnection();
     void noticeOwner(const QDBusMessage& message);
     void routeSignal(const QDBusMessage& message);
 
 private:
-    void tryToConnect();
-    void handleBusAnswer(BusAnswer answer);
-    bool openConnection();
-    void closeConnection();
+    void useBus();
+    void loseBus();
     void askDaemon();
-    void handleDaemonAnswer(const QDBusMessage& reply, unsigned question);
+    void handleDaemonAnswer(const QDBusMessage& reply);
     void meetDaemon(const QString& owner);
     void listenToDaemon();
     void setPresence(Presence presence);
@@ -78,14 +68,11 @@ private:
     void ask(const QDBusMessage& message, const Answer& answer);
 
     Log& mLog;
-    std::unique_ptr<BusCheck> mBusCheck;
-    std::optional<QDBusConnection> mConnection;
+    BusConnection mBus;
     QString mOwner;
     Presence mPresence = Presence::unknown;
     unsigned mDaemonNumber = 0;
     unsigned mQuestion = 0;
-    QTimer mRetry;
-    GrowingPause mPause;
     std::map<QString, SignalHandler> mHandlers;
     std::deque<std::pair<QDBusMessage, Answer>> mWaiting;
     int mOpenCalls = 0;

@@ -1,7 +1,5 @@
 #include "Platform/Desktop/Looks/TrayWatcher.h"
 
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusVariant>
 
 #include <utility>
@@ -30,11 +28,10 @@ void TrayWatcher::listenForHosts()
     auto connection = mBus.connection();
     if (!connection.isConnected())
         return;
-    connection.connect(nameOfWatcher(), watcherPath, nameOfWatcher(),
-                       QStringLiteral("StatusNotifierHostRegistered"), this,
-                       SLOT(hostRegistered()));
-    connection.connect(nameOfWatcher(), watcherPath, nameOfWatcher(),
-                       QStringLiteral("StatusNotifierHostUnregistered"), this, SLOT(askForHosts()));
+    // From whomever they come: naming the sender would mean to wait for the bus.
+    for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
+        connection.connect(QString(), watcherPath, nameOfWatcher(), QString::fromLatin1(signal),
+                           this, SLOT(askForHosts()));
 }
 
 void TrayWatcher::watcherChanged(bool isThere)
@@ -46,24 +43,16 @@ void TrayWatcher::watcherChanged(bool isThere)
         tell(BusTray::none);
 }
 
-void TrayWatcher::hostRegistered()
-{
-    if (mWatcherIsThere)
-        tell(BusTray::shown);
-}
-
 void TrayWatcher::askForHosts()
 {
     auto call = QDBusMessage::createMethodCall(nameOfWatcher(), watcherPath,
                                                QStringLiteral("org.freedesktop.DBus.Properties"),
                                                QStringLiteral("Get"));
     call << nameOfWatcher() << QStringLiteral("IsStatusNotifierHostRegistered");
-    auto* answer = new QDBusPendingCallWatcher(mBus.connection().asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        const QDBusPendingReply<QDBusVariant> reply = *answer;
-        answer->deleteLater();
+    mBus.ask(call, this, [this](const QDBusMessage& reply) {
         // One that cannot tell is taken for one that shows.
-        const bool isShown = reply.isError() || reply.value().variant().toBool();
+        const bool isShown = reply.signature() != u"v" ||
+                             reply.arguments().at(0).value<QDBusVariant>().variant().toBool();
         if (mWatcherIsThere)
             tell(isShown ? BusTray::shown : BusTray::listOnly);
     });

@@ -34,7 +34,6 @@ public:
     TrayWatcher(SessionBus& bus, Changed changed);
 
 private Q_SLOTS:
-    void hostRegistered();
     void askForHosts();
 
 private:

@@ -51,7 +51,7 @@ void DBusNotificationCenter::postNotificationName(const std::string& name,
     if (NotificationMessage::size(posted) > largestNotification)
         mLog.warn("Not posting " + name + ": it is too large");
     else
-        mBus.connection().send(NotificationMessage::encoded(posted));
+        mBus.send(NotificationMessage::encoded(posted));
 }
 
 void DBusNotificationCenter::setSuspended(bool suspended) { mDelivery.setSuspended(suspended); }

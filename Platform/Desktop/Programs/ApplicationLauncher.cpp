@@ -4,8 +4,7 @@
 #include "Platform/Desktop/Bus/SingleInstance.h"
 #include "Platform/Desktop/Programs/DetachedProcess.h"
 
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusMessage>
 #include <QFileInfo>
 
 #include <csignal>
@@ -55,10 +54,7 @@ bool ApplicationLauncher::launch(const std::string& bundlePath)
         return true;
     mNameWatcher.addWatchedService(application->busName);
     mStarts[application->busName] = {*application, 0, mClock.now(), false};
-    if (mBus.isConnected())
-        askRunningOne(*application);
-    else
-        startUnlessItRuns(*application);
+    askRunningOne(*application);
     return true;
 }
 
@@ -97,20 +93,26 @@ void ApplicationLauncher::askRunningOne(const Application& application)
         QDBusMessage::createMethodCall(application.busName, SingleInstance::objectPath,
                                        SingleInstance::interfaceName, QStringLiteral("isStaying"));
     call.setAutoStartService(false);
-    auto* watcher =
-        new QDBusPendingCallWatcher(mBus.connection().asyncCall(call, answerLimit), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, application, watcher] {
-        const QDBusPendingReply<bool> reply = *watcher;
-        watcher->deleteLater();
-        useAnswer(application, reply.isError() ? hasOwner(application.busName) : reply.value());
-    });
+    mBus.ask(
+        call, this,
+        [this, application](const QDBusMessage& reply) {
+            if (reply.signature() == u"b")
+                useAnswer(application, reply.arguments().at(0).toBool());
+            else
+                useSilence(application);
+        },
+        answerLimit);
 }
 
-/// Tells one that hangs, which runs, from one that has just died. While the bus is away nobody can
-/// tell, and then a second one would be worse than none.
-bool ApplicationLauncher::hasOwner(const QString& busName)
+/// Tells one that hangs, which runs, from one that has just died.
+void ApplicationLauncher::useSilence(const Application& application)
 {
-    return !mBus.isConnected() || !mBus.nameOwner(busName.toStdString()).isEmpty();
+    mBus.askForOwner(application.busName, this, [this, application](bool isOwned) {
+        if (mBus.isConnected())
+            useAnswer(application, isOwned);
+        else
+            startUnlessItRuns(application);
+    });
 }
 
 void ApplicationLauncher::useAnswer(const Application& application, bool runs)

@@ -50,7 +50,7 @@ private:
     std::optional<Application> applicationAt(const std::string& bundlePath) const;
     bool isUnderWay(const QString& busName);
     void askRunningOne(const Application& application);
-    bool hasOwner(const QString& busName);
+    void useSilence(const Application& application);
     void isUp(const QString& busName);
     void finish(const QString& busName);
     void useAnswer(const Application& application, bool runs);

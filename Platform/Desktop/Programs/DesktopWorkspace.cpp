@@ -4,7 +4,6 @@
 #include "Platform/Desktop/Programs/DetachedProcess.h"
 
 #include <QCoreApplication>
-#include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
 #include <QDir>
 #include <QFile>
@@ -110,7 +109,7 @@ bool DesktopWorkspace::openURL(const URL& url)
         return false;
     if (url.isFileURL() && url.path().ends_with(".prefPane"))
         return openPane(QString::fromStdString(url.path()));
-    return mBus.canReach(portalName) ? openInPortal(url) : openWithDesktopOpener(addressOf(url));
+    return mBus.isConnected() ? openInPortal(url) : openWithDesktopOpener(addressOf(url));
 }
 
 bool DesktopWorkspace::openInPortal(const URL& url)
@@ -118,14 +117,11 @@ bool DesktopWorkspace::openInPortal(const URL& url)
     const auto call = portalCallFor(url);
     if (call.type() != QDBusMessage::MethodCallMessage)
         return false;
-    auto* watcher =
-        new QDBusPendingCallWatcher(mBus.connection().asyncCall(call, portalLimit), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, watcher, address = addressOf(url)] {
-                watcher->deleteLater();
-                if (watcher->isError())
-                    openWithDesktopOpener(address);
-            });
+    const auto openOtherwise = [this, address = addressOf(url)](const QDBusMessage& reply) {
+        if (reply.type() != QDBusMessage::ReplyMessage)
+            openWithDesktopOpener(address);
+    };
+    mBus.ask(call, this, openOtherwise, portalLimit);
     return true;
 }
 

@@ -3,16 +3,18 @@
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Posix/Environment.h"
 
-#include <QDBusReply>
 #include <QDBusVariant>
 #include <QStringList>
 
 #include <algorithm>
+#include <utility>
 
 namespace farview
 {
 namespace
 {
+
+constexpr int patience = 1000; // milliseconds
 
 bool letsProgramsMoveWindows(const QString& desktop)
 {
@@ -21,16 +23,13 @@ bool letsProgramsMoveWindows(const QString& desktop)
     return known.contains(desktop.toLower());
 }
 
-} // namespace
-
-bool DesktopAccessibility::isEnabled() const
+bool isAlwaysEnabled()
 {
     const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':');
-    return isX11Session() ||
-           std::any_of(desktops.begin(), desktops.end(), letsProgramsMoveWindows) || isSettingOn();
+    return isX11Session() || std::any_of(desktops.begin(), desktops.end(), letsProgramsMoveWindows);
 }
 
-bool DesktopAccessibility::isSettingOn() const
+QDBusMessage settingCall()
 {
     auto call = QDBusMessage::createMethodCall(
         QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
@@ -38,9 +37,24 @@ bool DesktopAccessibility::isSettingOn() const
     call << QStringLiteral("org.a11y.Status") << QStringLiteral("IsEnabled");
     // Where the accessibility bus does not run, asking is no reason to start it.
     call.setAutoStartService(false);
-    const QDBusReply<QDBusVariant> reply =
-        mBus.connection().call(call, QDBus::Block, SessionBus::blockingLimit);
-    return reply.isValid() && reply.value().variant().toBool();
+    return call;
+}
+
+} // namespace
+
+void DesktopAccessibility::askWhetherEnabled(std::weak_ptr<void> asker,
+                                             std::function<void(bool isEnabled)> answer)
+{
+    if (isAlwaysEnabled())
+        return answer(true);
+    mBus.ask(
+        settingCall(), this,
+        [asker = std::move(asker), answer = std::move(answer)](const QDBusMessage& reply) {
+            if (!asker.expired())
+                answer(reply.signature() == u"v" &&
+                       reply.arguments().at(0).value<QDBusVariant>().variant().toBool());
+        },
+        patience);
 }
 
 } // namespace farview

@@ -2,6 +2,8 @@
 
 #include "Platform/Accessibility.h"
 
+#include <QObject>
+
 namespace farview
 {
 
@@ -9,18 +11,17 @@ class SessionBus;
 
 /// True in sessions whose display server lets programs move windows (X11, KWin, wlroots); elsewhere
 /// what the desktop's accessibility setting says.
-class DesktopAccessibility final : public Accessibility
+class DesktopAccessibility final : public QObject, public Accessibility
 {
 public:
     /// `bus` must outlive this.
     explicit DesktopAccessibility(SessionBus& bus) : mBus(bus) {}
 
-    /// May block for a round trip on the bus, at most for its limit.
-    bool isEnabled() const override;
+    /// A setting that is not told within a second counts as off.
+    void askWhetherEnabled(std::weak_ptr<void> asker,
+                           std::function<void(bool isEnabled)> answer) override;
 
 private:
-    bool isSettingOn() const;
-
     SessionBus& mBus;
 };
 

@@ -1,8 +1,6 @@
 #include "Platform/Desktop/Rights/DesktopAccessibilitySwitch.h"
 
 #include <QDBusError>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QPointer>
 
@@ -29,10 +27,11 @@ QDBusMessage propertyCall(const char* member)
            << statusInterface << property;
 }
 
-Problem problemOf(const QDBusError& error)
+Problem problemOf(const QDBusMessage& reply)
 {
-    if (!error.isValid())
+    if (reply.type() == QDBusMessage::ReplyMessage)
         return Problem::none;
+    const QDBusError error(reply);
     const bool nobody = error.type() == QDBusError::ServiceUnknown ||
                         error.type() == QDBusError::Disconnected ||
                         error.name() == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
@@ -50,7 +49,9 @@ DesktopAccessibilitySwitch::DesktopAccessibilitySwitch(SessionBus& bus) : mBus(b
 
 void DesktopAccessibilitySwitch::listen()
 {
-    mBus.connection().connect(QString::fromLatin1(serviceName), path, propertiesInterface,
+    // From whomever it comes: naming the sender would mean to wait for the bus, and what counts is
+    // only the answer of the service itself.
+    mBus.connection().connect(QString(), path, propertiesInterface,
                               QStringLiteral("PropertiesChanged"), this,
                               SLOT(propertiesChanged(QString)));
 }
@@ -87,15 +88,14 @@ void DesktopAccessibilitySwitch::propertiesChanged(const QString& interface)
 
 void DesktopAccessibilitySwitch::read(Then then)
 {
-    const auto call = mBus.connection().asyncCall(propertyCall("Get"), limit);
-    whenFinished(call, [this, then = std::move(then)](QDBusPendingCallWatcher& answer) {
-        const QDBusPendingReply<QDBusVariant> reply = answer;
-        State state{std::nullopt, problemOf(reply.error()), mState.lifetime};
-        if (!reply.isError())
-            state.isOn = reply.value().variant().toBool();
+    const auto use = [this, then = std::move(then)](const QDBusMessage& reply) {
+        State state{std::nullopt, problemOf(reply), mState.lifetime};
+        if (reply.signature() == u"v")
+            state.isOn = reply.arguments().at(0).value<QDBusVariant>().variant().toBool();
         tell(state);
         then();
-    });
+    };
+    mBus.ask(propertyCall("Get"), this, use, limit);
 }
 
 void DesktopAccessibilitySwitch::set(bool on, Done done)
@@ -115,13 +115,13 @@ void DesktopAccessibilitySwitch::setOnBus(bool on, const Done& done)
 {
     auto message = propertyCall("Set");
     message << QVariant::fromValue(QDBusVariant(on));
-    const auto call = mBus.connection().asyncCall(message, limit);
-    whenFinished(call, [this, on, done](QDBusPendingCallWatcher& answer) {
-        if (const auto problem = problemOf(answer.error()); problem != Problem::none)
+    const auto check = [this, on, done](const QDBusMessage& reply) {
+        if (const auto problem = problemOf(reply); problem != Problem::none)
             done(problem);
         else
             read([this, on, done] { finish(on, done); });
-    });
+    };
+    mBus.ask(message, this, check, limit);
 }
 
 void DesktopAccessibilitySwitch::finish(bool on, const Done& done)
@@ -130,16 +130,6 @@ void DesktopAccessibilitySwitch::finish(bool on, const Done& done)
         done(mState.problem);
     else
         done(mState.isOn == on ? Problem::none : Problem::notTaken);
-}
-
-void DesktopAccessibilitySwitch::whenFinished(const QDBusPendingCall& call,
-                                              std::function<void(QDBusPendingCallWatcher&)> then)
-{
-    auto* watcher = new QDBusPendingCallWatcher(call, this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, then = std::move(then)] {
-        watcher->deleteLater();
-        then(*watcher);
-    });
 }
 
 void DesktopAccessibilitySwitch::learnLifetime(Lifetime lifetime)

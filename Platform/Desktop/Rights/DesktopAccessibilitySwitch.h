@@ -4,7 +4,6 @@
 #include "Platform/Desktop/Bus/BusNameWatcher.h"
 #include "Platform/Desktop/Rights/AccessibilitySetting.h"
 
-#include <QDBusPendingCall>
 #include <QObject>
 #include <QVariantMap>
 
@@ -39,8 +38,6 @@ private:
     void read(Then then);
     void setOnBus(bool on, const Done& done);
     void finish(bool on, const Done& done);
-    void whenFinished(const QDBusPendingCall& call,
-                      std::function<void(QDBusPendingCallWatcher&)> then);
     void learnLifetime(Lifetime lifetime);
     void tell(const State& state);
 

@@ -2,18 +2,33 @@
 
 #include "Platform/Log.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace farview
 {
 namespace
 {
 
 constexpr std::chrono::milliseconds longestWait{1000};
+constexpr std::chrono::milliseconds noWait{0};
+constexpr Duration firstPause{0.01};
+constexpr Duration longestPause{1.0};
 
 } // namespace
 
-FilePreferences::FilePreferences(PreferencesLocations locations, Log& log)
-    : mLocations(std::move(locations)), mLog(log)
+FilePreferences::FilePreferences(PreferencesLocations locations, Log& log, RunLoop* loop)
+    : mLocations(std::move(locations)), mLog(log), mLoop(loop), mPause(firstPause)
 {
+}
+
+FilePreferences::~FilePreferences()
+{
+    // The last chance. The loop does not run any more.
+    for (auto& [key, each] : mScopes) {
+        if (mLoop && each.isHeldUp)
+            write(each, longestWait);
+    }
 }
 
 FilePreferences::Scope& FilePreferences::scope(const std::string& applicationID,
@@ -68,13 +83,22 @@ void FilePreferences::setAppValue(const std::string& key, std::optional<Property
 
 bool FilePreferences::store(Scope& scope)
 {
+    const bool isStored = write(scope, mLoop || scope.isHeldUp ? noWait : longestWait);
+    if (mLoop && scope.isHeldUp)
+        tryAgainLater();
+    return isStored;
+}
+
+bool FilePreferences::write(Scope& scope, std::chrono::milliseconds patience)
+{
     if (scope.pending.empty())
         return true;
-    const auto patience = scope.hasWaitedInVain ? std::chrono::milliseconds::zero() : longestWait;
     scope.snapshot.forget();
     const auto result = mergeIntoPreferences(scope.location, scope.pending, patience);
-    scope.hasWaitedInVain = result.status == PreferencesMergeResult::Status::locked;
-    report(scope, scope.lastWriteTrouble, result.reason);
+    scope.isHeldUp = result.status == PreferencesMergeResult::Status::locked;
+    // Others write for some milliseconds; one that stands still is worth a line.
+    if (!scope.isHeldUp || !mLoop || mPause > firstPause)
+        report(scope, scope.lastWriteTrouble, result.reason);
     if (result.status != PreferencesMergeResult::Status::done)
         return false;
     if (!result.setAside.empty())
@@ -83,6 +107,47 @@ bool FilePreferences::store(Scope& scope)
     std::erase_if(scope.pending,
                   [&](const auto& each) { return !result.refused.contains(each.first); });
     return result.refused.empty();
+}
+
+void FilePreferences::tryAgainLater()
+{
+    if (std::exchange(mIsTryingLater, true))
+        return;
+    mLoop->performAfterDelay(mPause, mLife, [this] { tryAgain(); });
+    mPause = std::min(2 * mPause, longestPause);
+}
+
+void FilePreferences::tryAgain()
+{
+    bool isLate = false;
+    bool isHeldUp = false;
+    for (auto& [key, each] : mScopes) {
+        isLate = (each.isHeldUp && write(each, noWait)) || isLate;
+        isHeldUp = isHeldUp || each.isHeldUp;
+    }
+    mIsTryingLater = false;
+    if (isHeldUp)
+        tryAgainLater();
+    else
+        mPause = firstPause;
+    if (isLate)
+        tellLateWrite();
+}
+
+void FilePreferences::tellLateWrite()
+{
+    for (const auto& each : std::vector(mLateWriteActions)) {
+        if (const auto action = each.lock())
+            (*action)();
+    }
+}
+
+Subscription FilePreferences::observeLateWrites(std::function<void()> action)
+{
+    const auto kept = std::make_shared<std::function<void()>>(std::move(action));
+    std::erase_if(mLateWriteActions, [](const auto& each) { return each.expired(); });
+    mLateWriteActions.push_back(kept);
+    return Subscription([kept] {});
 }
 
 bool FilePreferences::synchronize(const std::string& applicationID, PreferencesUser user,

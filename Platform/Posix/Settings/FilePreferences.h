@@ -4,10 +4,15 @@
 #include "Platform/Posix/Settings/PreferencesMerge.h"
 #include "Platform/Posix/Settings/PreferencesSnapshot.h"
 #include "Platform/Preferences.h"
+#include "Platform/RunLoop.h"
 
+#include <chrono>
+#include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace farview
 {
@@ -16,15 +21,17 @@ class Log;
 
 /// Preferences in XML property lists, one file per domain and scope; see `PreferencesLocations`.
 ///
-/// Readers take no lock and see each change of other processes at once. A synchronize waits at most
-/// one second for another writer; after it has waited in vain, the next ones only try, until one
-/// succeeds, so that a stopped process costs one second in all. Each kind of trouble is logged once
-/// until it ends. Main thread only.
+/// Readers take no lock and see each change of other processes at once. With a loop, a synchronize
+/// does not wait for another writer: what that holds up is tried again by the loop, and for a
+/// second at the end of this object. Without one, for programs that may wait, it waits at most one
+/// second; after it has waited in vain, the next ones only try, until one succeeds. Each kind of
+/// trouble is logged once until it ends. Main thread only.
 class FilePreferences final : public Preferences
 {
 public:
-    /// `log` is used, not owned.
-    FilePreferences(PreferencesLocations locations, Log& log);
+    /// `log` and `loop` must outlive this.
+    FilePreferences(PreferencesLocations locations, Log& log, RunLoop* loop = nullptr);
+    ~FilePreferences() override;
 
     std::optional<PropertyList> copyAppValue(const std::string& key,
                                              const std::string& applicationID) override;
@@ -35,6 +42,7 @@ public:
     bool synchronize(const std::string& applicationID, PreferencesUser user,
                      PreferencesHost host) override;
     bool appSynchronize(const std::string& applicationID) override;
+    Subscription observeLateWrites(std::function<void()> action) override;
 
 private:
     struct Scope {
@@ -46,7 +54,7 @@ private:
         PreferencesLocation location;
         PreferencesSnapshot snapshot;
         PreferencesChanges pending;
-        bool hasWaitedInVain = false;
+        bool isHeldUp = false; ///< by another writer
         std::string lastReadTrouble;
         std::string lastWriteTrouble;
     };
@@ -54,10 +62,19 @@ private:
 
     Scope& scope(const std::string& applicationID, PreferencesUser user, PreferencesHost host);
     bool store(Scope& scope);
+    bool write(Scope& scope, std::chrono::milliseconds patience);
+    void tryAgainLater();
+    void tryAgain();
+    void tellLateWrite();
     void report(Scope& scope, std::string& last, const std::string& trouble);
 
     PreferencesLocations mLocations;
     Log& mLog;
+    RunLoop* mLoop;
+    std::shared_ptr<int> mLife = std::make_shared<int>(0); ///< of the retries
+    Duration mPause;
+    bool mIsTryingLater = false;
+    std::vector<std::weak_ptr<std::function<void()>>> mLateWriteActions;
     std::map<ScopeKey, Scope> mScopes;
 };
 

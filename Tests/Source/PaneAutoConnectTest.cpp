@@ -140,7 +140,7 @@ TEST_F(PaneAutoConnect, AtLoadTheTableFollowsTheStoredOption)
     EXPECT_EQ(table().draggedTypes(), (Texts{"DeviceNameTableViewDataType"}));
     EXPECT_EQ(table().dataSource().lock(), pane);
 
-    newPane(fake.platform());
+    newPane();
     setStored(kAutoConnectOption, true);
     load();
     EXPECT_EQ(pane->autoConnect()->state(), 1);

@@ -269,7 +269,7 @@ TEST_F(PaneStatus, HintIsEmptyWhileOffOrWithoutDriver)
 {
     showWithState(0);
     EXPECT_EQ(hint(), "");
-    newPane(fake.platform());
+    newPane();
     showWithoutDriver();
     EXPECT_EQ(hint(), "");
 }

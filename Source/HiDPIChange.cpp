@@ -1,16 +1,15 @@
-// HiDPI resolutions: a setting of all users, which only an administrator's rights can change.
-
-#include "Source/FVEPreferencePane.h"
+#include "Source/HiDPIChange.h"
 
 #include "Common/FVEPreferences.h"
 #include "Common/NSApplication_Additions.h"
+#include "Common/Rules/FilledText.h"
 #include "Common/Rules/HiDPITexts.h"
-#include "Platform/Authorization.h"
+#include "Platform/Log.h"
 #include "Platform/Platform.h"
 #include "Source/FVEEnableHiDPIController.h"
+#include "Source/FVEPreferencePane.h"
 
 using farview::AuthorizationStatus;
-using farview::Object;
 using farview::URL;
 using Obstacle = farview::Authorization::Obstacle;
 using Role = farview::TextField::Role;
@@ -23,131 +22,132 @@ constexpr const char* rightOfHelpers = "com.apple.ServiceManagement.blesshelper"
 
 std::string number(AuthorizationStatus status) { return std::to_string(static_cast<int>(status)); }
 
-std::string withPath(std::string text, const std::string& path)
-{
-    constexpr std::string_view place = "%@";
-    const auto at = text.find(place);
-    return at == std::string::npos ? text : text.replace(at, place.size(), path);
-}
-
 } // namespace
 
-void FVEPreferencePane::enableHiDPIBox()
+void HiDPIChange::enableBox()
 {
-    enableHiDPIResolutions()->setEnabled(BCDSystemVersionFunction() > lastSystemWithoutHiDPI &&
-                                         !mAuthorizationIsUnderWay);
+    mPane.enableHiDPIResolutions()->setEnabled(
+        BCDSystemVersionFunction() > lastSystemWithoutHiDPI && !mIsUnderWay);
 }
 
-void FVEPreferencePane::enableHiDPIPressed(Object* /*sender*/)
+void HiDPIChange::begin()
 {
-    if (mAuthorizationIsUnderWay)
+    if (mIsUnderWay)
         return;
     // A window that is still open from an earlier click gives way: its question is out of date.
-    closeHiDPIWindow();
+    closeWindow();
     const auto controller = std::make_shared<FVEEnableHiDPIController>(mPlatform);
-    mEnableHiDPIController = controller;
+    mController = controller;
     controller->init();
-    const auto handler = [weak = weak_from_this()](bool confirmed) {
+    const auto handler = [this, weak = mPane.weak_from_this()](bool confirmed) {
         if (const auto pane = weak.lock())
-            pane->hiDPIWindowWasAnswered(confirmed);
+            windowWasAnswered(confirmed);
     };
-    if (controller->showWindow(this, handler))
-        describeHiDPI(*controller);
+    if (controller->showWindow(&mPane, handler))
+        describe(*controller);
     else
-        hiDPIWindowWasAnswered(false);
+        windowWasAnswered(false);
 }
 
-void FVEPreferencePane::describeHiDPI(FVEEnableHiDPIController& controller)
+void HiDPIChange::describe(FVEEnableHiDPIController& controller)
 {
     const bool isEnabled = FVEPreferences::sharedAppPrefs().enableHiDPIResolutions();
-    controller.explanationText()->setStringValue(localized(farview::hiDPIExplanation(isEnabled)));
+    controller.explanationText()->setStringValue(
+        mPane.localized(farview::hiDPIExplanation(isEnabled)));
 
-    const URL tool = hiDPITool().value_or(URL());
-    const Obstacle obstacle = mPlatform.authorization->obstacleOf(tool);
+    const URL url = tool().value_or(URL());
+    const Obstacle obstacle = mPlatform.authorization->obstacleOf(url);
     if (obstacle.kind != Obstacle::Kind::none)
         return controller.showProgress(textForObstacle(obstacle), Role::error);
     const auto foreseen = [this, weak = controller.weak_from_this()](AuthorizationStatus status) {
         const auto asked = weak.lock();
         // The answer may come when OK was pressed already.
-        if (asked && !mAuthorizationIsUnderWay)
-            asked->showProgress(localized(farview::authorizationTrouble(status)), Role::error);
+        if (asked && !mIsUnderWay)
+            asked->showProgress(mPane.localized(farview::authorizationTrouble(status)),
+                                Role::error);
     };
-    mPlatform.authorization->foresee(tool, weak_from_this(), foreseen);
+    mPlatform.authorization->foresee(url, mPane.weak_from_this(), foreseen);
 }
 
-std::string FVEPreferencePane::textForObstacle(const Obstacle& obstacle) const
+std::string HiDPIChange::textForObstacle(const Obstacle& obstacle) const
 {
     if (obstacle.kind == Obstacle::Kind::missing)
-        return localized(farview::toolIsMissingText);
-    return withPath(localized(farview::toolIsChangeableText), obstacle.path);
+        return mPane.localized(farview::toolIsMissingText);
+    return farview::filledText(mPane.localized(farview::toolIsChangeableText), obstacle.path);
 }
 
 /// The tool that turns the setting in force around, whatever the box says.
-FVEPreferencePane::OptionalURL FVEPreferencePane::hiDPITool() const
+const std::optional<URL>& HiDPIChange::tool() const
 {
-    return FVEPreferences::sharedAppPrefs().enableHiDPIResolutions() ? displayResolutionsOffURL()
-                                                                     : displayResolutionsOnURL();
+    return FVEPreferences::sharedAppPrefs().enableHiDPIResolutions()
+               ? mPane.displayResolutionsOffURL()
+               : mPane.displayResolutionsOnURL();
 }
 
-void FVEPreferencePane::hiDPIWindowWasAnswered(bool confirmed)
+void HiDPIChange::windowWasAnswered(bool confirmed)
 {
-    if (mAuthorizationIsUnderWay)
+    if (mIsUnderWay)
         return;
+    auto& box = *mPane.enableHiDPIResolutions();
     if (confirmed)
-        authExecuteHelperWithToolURL(hiDPITool(), nullptr);
+        execute(tool());
     else
-        enableHiDPIResolutions()->setState(enableHiDPIResolutions()->state() == 0 ? 1 : 0);
-    if (!mAuthorizationIsUnderWay)
-        return closeHiDPIWindow();
-    mEnableHiDPIController->setEnabled(false);
-    mEnableHiDPIController->showProgress(localized("Waiting for an administrator…"), Role::normal);
+        box.setState(box.state() == 0 ? 1 : 0);
+    if (!mIsUnderWay)
+        return closeWindow();
+    mController->setEnabled(false);
+    mController->showProgress(mPane.localized("Waiting for an administrator…"), Role::normal);
 }
 
-void FVEPreferencePane::closeHiDPIWindow()
+void HiDPIChange::closeWindow()
 {
-    const auto controller = std::exchange(mEnableHiDPIController, nullptr);
+    const auto controller = std::exchange(mController, nullptr);
     if (controller)
         controller->close();
 }
 
-bool FVEPreferencePane::authExecuteHelperWithToolURL(const OptionalURL& tool,
-                                                     std::string* /*error*/)
+void HiDPIChange::execute(const std::optional<URL>& tool)
 {
-    if (mAuthorizationIsUnderWay)
-        return false;
-    mAuthorizationIsUnderWay = true;
-    enableHiDPIBox();
+    if (mIsUnderWay)
+        return;
+    mIsUnderWay = true;
+    enableBox();
     const URL url = tool.value_or(URL());
     // Nobody is asked for a password that would be of no use.
     if (mPlatform.authorization->obstacleOf(url).kind != Obstacle::Kind::none)
         helperHasEnded(AuthorizationStatus::toolExecuteFailure);
     else
         mPlatform.authorization->create(
-            rightOfHelpers, url, weak_from_this(),
+            rightOfHelpers, url, mPane.weak_from_this(),
             [this, url](AuthorizationStatus status) { authorizationWasCreated(status, url); });
-    return false;
 }
 
-void FVEPreferencePane::authorizationWasCreated(AuthorizationStatus status, const URL& tool)
+void HiDPIChange::authorizationWasCreated(AuthorizationStatus status, const URL& tool)
 {
     if (status != AuthorizationStatus::success) {
         log("Failed to create AuthorizationRef, return code " + number(status));
-        return authorizationHasEnded();
+        return end();
     }
     mPlatform.authorization->executeWithPrivileges(
-        tool, weak_from_this(), [this](AuthorizationStatus result) { helperHasEnded(result); });
+        tool, mPane.weak_from_this(),
+        [this](AuthorizationStatus result) { helperHasEnded(result); });
 }
 
-void FVEPreferencePane::helperHasEnded(AuthorizationStatus status)
+void HiDPIChange::helperHasEnded(AuthorizationStatus status)
 {
     if (status != AuthorizationStatus::success)
         log("Error: " + number(status));
-    authorizationHasEnded();
+    end();
 }
 
-void FVEPreferencePane::authorizationHasEnded()
+void HiDPIChange::end()
 {
-    mAuthorizationIsUnderWay = false;
-    enableHiDPIBox();
-    closeHiDPIWindow();
+    mIsUnderWay = false;
+    enableBox();
+    closeWindow();
+}
+
+void HiDPIChange::log(const std::string& message)
+{
+    mPlatform.log->write(farview::LogLevel::warning, message);
 }

@@ -139,8 +139,6 @@ private:
     void findResources();
     OptionalURL helperToolURL(const char* name) const;
     std::optional<std::string> infoText(const char* key) const;
-    std::optional<std::string> applicationVersion(const OptionalURL& application);
-    std::optional<std::string> extensionVersion(const char* name);
     std::string instructionsText(const std::string& text) const;
     void addObservers();
     void removeObservers();

@@ -1,9 +1,23 @@
 #pragma once
 
-#include "Platform/Types/AffineTransform.h"
 #include "Platform/Types/Rect.h"
 
 #include <string>
+
+namespace farview
+{
+
+/// (x, y) becomes (a x + c y + tx, b x + d y + ty). Starts as the transform that changes nothing.
+struct AffineTransform {
+    double a = 1;
+    double b = 0;
+    double c = 0;
+    double d = 1;
+    double tx = 0;
+    double ty = 0;
+};
+
+} // namespace farview
 
 // Geometry as text for logs. Numbers have at most six digits and a point, whatever the user's
 // language does to numbers.

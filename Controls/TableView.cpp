@@ -48,6 +48,41 @@ bool TableView::userDrops(const RowDrag& drag, int gap)
            source->acceptDrop(*this, DraggingInfo(drag.pasteboard), gap, DropOperation::above);
 }
 
+bool TableView::userMayDelete(int row)
+{
+    const auto self = shared_from_this();
+    const auto source = mDataSource.lock();
+    return source && isEnabled() && row >= 0 && row < source->numberOfRowsInTableView(*this) &&
+           source->mayDeleteRow(*this, row);
+}
+
+bool TableView::userDeletes(int row)
+{
+    const auto self = shared_from_this();
+    const auto source = mDataSource.lock();
+    if (!userMayDelete(row))
+        return false;
+    source->deleteRow(*this, row);
+    return true;
+}
+
+bool TableView::userMayUndoDelete()
+{
+    const auto self = shared_from_this();
+    const auto source = mDataSource.lock();
+    return source && isEnabled() && source->mayUndoDelete(*this);
+}
+
+bool TableView::userUndoesDelete()
+{
+    const auto self = shared_from_this();
+    const auto source = mDataSource.lock();
+    if (!userMayUndoDelete())
+        return false;
+    source->undoDelete(*this);
+    return true;
+}
+
 bool TableView::userMovesRow(int row, int gap)
 {
     const auto drag = userDrags(row);

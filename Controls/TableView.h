@@ -40,6 +40,11 @@ public:
     /// False when nothing was changed.
     virtual bool acceptDrop(TableView& table, const DraggingInfo& info, int row,
                             DropOperation operation) = 0;
+    /// Whether the user may take the row off the list, and may have the last one taken back.
+    virtual bool mayDeleteRow(TableView& /*table*/, int /*row*/) { return false; }
+    virtual void deleteRow(TableView& /*table*/, int /*row*/) {}
+    virtual bool mayUndoDelete(TableView& /*table*/) { return false; }
+    virtual void undoDelete(TableView& /*table*/) {}
     /// What is to be told of a row beside its cells, in the user's language. Such a row stands back
     /// behind the others. Empty: there is nothing to tell.
     virtual std::string remarkOnRow(TableView& /*table*/, int /*row*/) { return {}; }
@@ -92,6 +97,13 @@ public:
     bool userDrops(const RowDrag& drag, int gap);
     /// All of this at once.
     bool userMovesRow(int row, int gap);
+
+    /// A row is taken off the list. False when it must stay.
+    bool userMayDelete(int row);
+    bool userDeletes(int row);
+    /// The row that was taken off last comes back. False when there is none.
+    bool userMayUndoDelete();
+    bool userUndoesDelete();
 
     const std::vector<std::string>& draggedTypes() const { return mDraggedTypes; }
     void registerForDraggedTypes(std::vector<std::string> types)

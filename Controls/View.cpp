@@ -1,17 +1,7 @@
 #include "Controls/View.h"
 
-#include <map>
-
 namespace farview
 {
-
-struct View::Observers {
-    std::map<unsigned, std::shared_ptr<std::function<void(Change)>>> all;
-    unsigned next = 0;
-};
-
-View::View() : mObservers(std::make_shared<Observers>()) {}
-View::~View() = default;
 
 void View::setHidden(bool hidden) { update(mHidden, hidden); }
 
@@ -31,26 +21,5 @@ std::optional<Animation> View::defaultAnimationForKey(std::string_view key)
 }
 
 void View::setToolTip(std::string toolTip) { update(mToolTip, std::move(toolTip)); }
-
-Subscription View::observe(std::function<void(Change)> observer)
-{
-    const unsigned number = mObservers->next++;
-    mObservers->all[number] = std::make_shared<std::function<void(Change)>>(std::move(observer));
-    return Subscription([observers = std::weak_ptr<Observers>(mObservers), number] {
-        if (const auto alive = observers.lock())
-            alive->all.erase(number);
-    });
-}
-
-void View::changed(Change change)
-{
-    // An observer may end its own or another's subscription while it is told, or the view's life.
-    const auto observers = mObservers;
-    const auto snapshot = observers->all;
-    for (const auto& [number, observer] : snapshot) {
-        if (observers->all.contains(number))
-            (*observer)(change);
-    }
-}
 
 } // namespace farview

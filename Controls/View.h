@@ -2,14 +2,15 @@
 
 #include "Controls/Animation.h"
 #include "Platform/Types/Object.h"
+#include "Platform/Types/Observers.h"
 #include "Platform/Types/Rect.h"
-#include "Platform/Types/Subscription.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace farview
 {
@@ -30,9 +31,6 @@ enum class Change {
 class View : public Object, public std::enable_shared_from_this<View>
 {
 public:
-    View();
-    ~View() override;
-
     bool isHidden() const { return mHidden; }
     void setHidden(bool hidden);
 
@@ -50,10 +48,13 @@ public:
     void setToolTip(std::string toolTip);
 
     /// Calls `observer` after every change until the subscription ends. It may outlive the view.
-    Subscription observe(std::function<void(Change)> observer);
+    Subscription observe(std::function<void(Change)> observer)
+    {
+        return mObservers.add(std::move(observer));
+    }
 
 protected:
-    void changed(Change change);
+    void changed(Change change) { mObservers.tell(change); }
 
     /// Stores a value and tells the observers when it differs from the one before.
     template <typename Value> void update(Value& stored, Value value)
@@ -65,8 +66,7 @@ protected:
     }
 
 private:
-    struct Observers;
-    std::shared_ptr<Observers> mObservers;
+    Observers<Change> mObservers;
     Rect mFrame;
     std::string mToolTip;
     bool mHidden = false;

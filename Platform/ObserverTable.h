@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Platform/NotificationCenter.h"
-#include "Platform/Types/Identity.h"
 
 #include <algorithm>
 #include <memory>
@@ -11,6 +10,13 @@
 
 namespace farview
 {
+
+/// Whether two weak references name the same object, also once that object is gone.
+template <typename Left, typename Right>
+bool isSameObject(const std::weak_ptr<Left>& left, const std::weak_ptr<Right>& right)
+{
+    return !left.owner_before(right) && !right.owner_before(left);
+}
 
 /// The registrations of a notification centre, in the order in which they were made. `ObjectKey` is
 /// how the centre names a poster; a default-made key stands for any poster.

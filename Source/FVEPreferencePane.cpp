@@ -11,9 +11,8 @@
 #include "Platform/Platform.h"
 #include "Platform/RunLoop.h"
 #include "Platform/Workspace.h"
-#include "Source/DevicesTable.h"
 #include "Source/FVEConnectToOtherSheetController.h"
-#include "Source/FVEEnableHiDPIController.h"
+#include "Source/HiDPIChange.h"
 #include "Source/SoftwareUpdates.h"
 
 using farview::DistributedNotificationCenter;
@@ -30,7 +29,11 @@ constexpr std::size_t mostEarlierBrowsers = 4;
 
 } // namespace
 
-FVEPreferencePane::FVEPreferencePane(farview::Platform& platform) : mPlatform(platform) {}
+FVEPreferencePane::FVEPreferencePane(farview::Platform& platform)
+    : FVEAutoConnectTable(*platform.fileManager), mPlatform(platform),
+      mHiDPIChange(std::make_unique<HiDPIChange>(platform, *this))
+{
+}
 
 bool FVEPreferencePane::initWithBundle(std::shared_ptr<farview::Bundle> bundle)
 {
@@ -87,7 +90,7 @@ void FVEPreferencePane::willSelect()
     enableHiDPIResolutions()->setState(preferences.enableHiDPIResolutions() ? 1 : 0);
     startAtLoginCheckbox()->setState(mPlatform.loginItem->isEnabled() ? 1 : 0);
     enableRetinaResolutions()->setState(preferences.areRetinaResolutionsEnabled() ? 1 : 0);
-    enableHiDPIBox();
+    mHiDPIChange->enableBox();
     makeBrowser();
     preferences.setupDefaultValues();
     autoUpdateCheckbox()->setState(preferences.autoUpdateOption() ? 1 : 0);
@@ -119,7 +122,7 @@ void FVEPreferencePane::willUnselect()
         connectToOtherSheetController()->cancelButtonPressed(this);
     cancelAXPermissionRequest();
     mDiagnosisAlert.end();
-    closeHiDPIWindow();
+    mHiDPIChange->closeWindow();
     if (mSoftwareUpdates)
         mSoftwareUpdates->end();
     mOnShow = false;

@@ -3,10 +3,9 @@
 #include "Common/FVEConstants.h"
 #include "Common/Rules/DeviceMenu.h"
 #include "Common/Rules/StatusDisplay.h"
-#include "Platform/Authorization.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/Updater.h"
-#include "Source/FVEPreferencePaneProperties.h"
+#include "Source/FVEAutoConnectTable.h"
 
 #include <deque>
 #include <memory>
@@ -15,22 +14,21 @@
 
 namespace farview
 {
-class AlertPresenter;
 class Bundle;
 struct Alert;
 struct Platform;
 } // namespace farview
 
 class FVEEnableHiDPIController;
+class HiDPIChange;
 class SoftwareUpdates;
 
 /// The panel: switches the system on and off, lets the user choose a device and follows the
 /// connection to it. Made with `std::make_shared`; main thread only. The host calls
 /// `initWithBundle`, connects the outlets, calls `mainViewDidLoad` once, then for each showing
 /// `willSelect`, `didSelect` and, at its end, `willUnselect`. `platform` outlives the pane.
-class FVEPreferencePane : public FVEPreferencePaneProperties,
+class FVEPreferencePane : public FVEAutoConnectTable,
                           public farview::Object,
-                          public farview::TableDataSource,
                           public farview::UpdaterDelegate,
                           public std::enable_shared_from_this<FVEPreferencePane>
 {
@@ -51,22 +49,7 @@ public:
     /// Between `willSelect` and `willUnselect`.
     bool isOnShow() const { return mOnShow; }
 
-    /// Loads the windows that the pane opens later; without one they stay closed.
-    const std::shared_ptr<farview::InterfaceLoader>& interfaceLoader() const
-    {
-        return mInterfaceLoader;
-    }
-    void setInterfaceLoader(std::shared_ptr<farview::InterfaceLoader> loader)
-    {
-        mInterfaceLoader = std::move(loader);
-    }
-    /// Shows the pane's questions; without one each is taken for declined.
-    void setAlertPresenter(std::shared_ptr<farview::AlertPresenter> presenter)
-    {
-        mAlertPresenter = std::move(presenter);
-    }
-    /// That text in the user's language.
-    std::string localized(const std::string& text) const;
+    std::string localized(const std::string& text) const override;
 
     // On and off.
     void onTextPressed(farview::Object* sender);
@@ -82,6 +65,7 @@ public:
 
     // The device menu.
     std::shared_ptr<farview::Menu> createVirtualScreensMenu();
+    bool determineIfNoDevicesSelectedEnabled();
     const std::shared_ptr<farview::NetService>& selectedNetService() const
     {
         return mSelectedNetService;
@@ -115,43 +99,16 @@ public:
     void launchWatchdogTimer();
     void watchdogTimerOperation(farview::Object* sender);
 
-    // The auto-connect table.
-    static std::string applicationSupportFolder();
-    std::string seenDevicesFilename() const;
-    int countOfCheckedDevices() const;
-    void buildDeviceList();
-    void writeDeviceList();
-    bool determineIfNoDevicesSelectedEnabled();
-    void autoConnectPressed(farview::Object* sender);
-    int numberOfRowsInTableView(farview::TableView& table) override;
-    farview::CellValue objectValueForTableColumn(farview::TableView& table, std::string_view column,
-                                                 int row) override;
-    void setObjectValue(farview::TableView& table, const farview::CellValue& value,
-                        std::string_view column, int row) override;
-    bool writeRowsWithIndexes(farview::TableView& table, const farview::IndexSet& indexes,
-                              farview::Pasteboard& pasteboard) override;
-    farview::DragOperation validateDrop(farview::TableView& table,
-                                        const farview::DraggingInfo& info, int row,
-                                        farview::DropOperation operation) override;
-    bool acceptDrop(farview::TableView& table, const farview::DraggingInfo& info, int row,
-                    farview::DropOperation operation) override;
-    std::string remarkOnRow(farview::TableView& table, int row) override;
-    void tableViewSelectionIsChanging(const farview::Notification& notification) override;
-
     // Options, help and updates.
     void menuExtraCheckboxPressed(farview::Object* sender);
     void startAtLoginPressed(farview::Object* sender);
     void enableTouchDisplayPressed(farview::Object* sender);
     void enableRetinaPressed(farview::Object* sender);
     void enableHiDPIPressed(farview::Object* sender);
-    /// Asks for an administrator's rights and runs the tool with them, while everything else goes
-    /// on. Always false, and `error` stays as it was: how it ends is in the log.
+    /// Always false, and `error` stays as it was: how it ends is in the log.
     bool authExecuteHelperWithToolURL(const OptionalURL& tool, std::string* error);
     /// The window that asks whether to change the setting; null while there is none.
-    const std::shared_ptr<FVEEnableHiDPIController>& enableHiDPIController() const
-    {
-        return mEnableHiDPIController;
-    }
+    const std::shared_ptr<FVEEnableHiDPIController>& enableHiDPIController() const;
     void autoMoveWindowsBackPressed(farview::Object* sender);
     /// The user's answer to the question for accessibility, which `autoMoveWindowsBack` needs.
     void requestAXPermissionDidEnd(const farview::Alert& alert, int returnCode, void* contextInfo);
@@ -176,17 +133,12 @@ private:
 
     void makeConnectToOtherSheetController();
     void showSwitchState();
-    void showAutoConnectTable(bool shown);
-    void showWhetherOrderIsStored();
-    bool isChosenRow(std::int64_t row) const;
     void requestAXPermission();
     /// Takes the question off the screen, as its second button does.
     void cancelAXPermissionRequest();
     void findResources();
     OptionalURL helperToolURL(const char* name) const;
     std::optional<std::string> infoText(const char* key) const;
-    std::optional<std::string> applicationVersion(const OptionalURL& application);
-    std::optional<std::string> extensionVersion(const char* name);
     std::string instructionsText(const std::string& text) const;
     void addObservers();
     void removeObservers();
@@ -199,7 +151,6 @@ private:
     void releaseOutlets();
     void beginUpdates();
 
-    const QLNBonjourBrowser::ServiceList& listedServices() const;
     farview::DeviceMenuInputs deviceMenuInputs();
     std::shared_ptr<farview::MenuItem> menuItem(const farview::MenuEntry& entry);
     void requestConnection(const farview::NetService& service);
@@ -216,16 +167,6 @@ private:
     void showConnectionHelp();
     void hideConnectionHelp();
 
-    void enableHiDPIBox();
-    OptionalURL hiDPITool() const;
-    void describeHiDPI(FVEEnableHiDPIController& controller);
-    std::string textForObstacle(const farview::Authorization::Obstacle& obstacle) const;
-    void hiDPIWindowWasAnswered(bool confirmed);
-    void closeHiDPIWindow();
-    void authorizationWasCreated(farview::AuthorizationStatus status, const farview::URL& tool);
-    void helperHasEnded(farview::AuthorizationStatus status);
-    void authorizationHasEnded();
-
     bool isAcceptable(const farview::Notification& notification);
     void followConnectionByAddress(const farview::Notification& notification);
     void followConnectionToDevice(const std::string* hostName);
@@ -238,8 +179,6 @@ private:
 
     farview::Platform& mPlatform;
     std::shared_ptr<farview::Bundle> mBundle;
-    std::shared_ptr<farview::InterfaceLoader> mInterfaceLoader;
-    std::shared_ptr<farview::AlertPresenter> mAlertPresenter;
     std::optional<farview::Subscription> mAXPermissionRequest;
     farview::Subscription mDiagnosisAlert;
     std::shared_ptr<farview::NetService> mSelectedNetService;
@@ -247,14 +186,12 @@ private:
     std::deque<std::shared_ptr<QLNBonjourBrowser>> mEarlierBrowsers;
     farview::Subscription mReconnection;
     farview::Subscription mDiscoveryCondition;
-    std::shared_ptr<FVEEnableHiDPIController> mEnableHiDPIController;
+    std::unique_ptr<HiDPIChange> mHiDPIChange;
     std::shared_ptr<SoftwareUpdates> mSoftwareUpdates;
-    bool mAuthorizationIsUnderWay = false;
     int mQueryResultsWaiting = 0;
     std::optional<farview::Duration> mSearchBegan;      ///< nothing while nothing is waited for
     std::int32_t mRequestedPort = kMainDataTrafficPort; ///< of the device asked for last
     /// The host asked for, until the server reports or the user wants something else.
     std::optional<std::string> mUnansweredRequest;
-    bool mListWasBuilt = false;
     bool mOnShow = false;
 };

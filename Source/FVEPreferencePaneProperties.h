@@ -13,6 +13,11 @@
 #include <utility>
 #include <vector>
 
+namespace farview
+{
+class AlertPresenter;
+}
+
 /// What the pane knows beside its controls. Properties without a side effect; the pane itself adds
 /// those that have one.
 class FVEPreferencePaneProperties : public FVEPreferencePaneOutlets
@@ -33,6 +38,23 @@ public:
         mBonjourBrowser = std::move(browser);
     }
 
+    /// The devices that it has found; none before the first showing.
+    const QLNBonjourBrowser::ServiceList& listedServices() const;
+
+    /// Loads the windows that the pane opens later; without one they stay closed.
+    const std::shared_ptr<farview::InterfaceLoader>& interfaceLoader() const
+    {
+        return mInterfaceLoader;
+    }
+    void setInterfaceLoader(std::shared_ptr<farview::InterfaceLoader> loader)
+    {
+        mInterfaceLoader = std::move(loader);
+    }
+    /// Shows the pane's questions; without one each is taken for declined.
+    void setAlertPresenter(std::shared_ptr<farview::AlertPresenter> presenter)
+    {
+        mAlertPresenter = std::move(presenter);
+    }
     /// Where the bundle's parts lie; nothing until the view was loaded.
     const OptionalURL& screenServerApplication() const { return mScreenServerApplication; }
     void setScreenServerApplication(OptionalURL url) { mScreenServerApplication = std::move(url); }
@@ -76,10 +98,18 @@ public:
     const WeakTimer& watchdogTimer() const { return mWatchdogTimer; }
     void setWatchdogTimer(const WeakTimer& timer);
 
+protected:
+    const std::shared_ptr<farview::AlertPresenter>& alertPresenter() const
+    {
+        return mAlertPresenter;
+    }
+
 private:
     Rows mAutoConnectDevices;
     WeakTimer mSpinningForServerTimer;
     std::shared_ptr<QLNBonjourBrowser> mBonjourBrowser;
+    std::shared_ptr<farview::InterfaceLoader> mInterfaceLoader;
+    std::shared_ptr<farview::AlertPresenter> mAlertPresenter;
     OptionalURL mScreenServerApplication;
     OptionalURL mStatusItemApplication;
     OptionalURL mDocumentation;

@@ -21,13 +21,13 @@ void FVEPreferencePane::requestAXPermission()
     alert.informativeText =
         localized("To enable this feature, please enable access for assistive devices.");
     alert.buttons = {localized("OK"), localized("Cancel")};
-    if (!mAlertPresenter) {
+    if (!alertPresenter()) {
         requestAXPermissionDidEnd(alert, Alert::secondButtonReturn, nullptr);
         return;
     }
     const auto weak = weak_from_this();
     mAXPermissionRequest =
-        mAlertPresenter->beginSheet(alert, tabView(), [weak, alert](int returnCode) {
+        alertPresenter()->beginSheet(alert, tabView(), [weak, alert](int returnCode) {
             if (const auto pane = weak.lock())
                 pane->requestAXPermissionDidEnd(alert, returnCode, nullptr);
         });

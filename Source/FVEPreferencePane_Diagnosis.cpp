@@ -17,13 +17,13 @@ void FVEPreferencePane::diagnosePressed(Object* /*sender*/)
 {
     const auto path =
         mBundle ? mBundle->pathForResource(kFVEDoctorApplicationName, "app") : std::nullopt;
-    if (launch(URL::fileURLWithPath(path.value_or(std::string{}))) || !mAlertPresenter)
+    if (launch(URL::fileURLWithPath(path.value_or(std::string{}))) || !alertPresenter())
         return;
     Alert alert;
     alert.messageText = localized("The diagnosis cannot be started.");
     alert.informativeText = localized("Install Farview again.");
     alert.buttons = {localized("OK")};
-    mDiagnosisAlert = mAlertPresenter->beginSheet(alert, tabView(), [](int) {});
+    mDiagnosisAlert = alertPresenter()->beginSheet(alert, tabView(), [](int) {});
 }
 
 // The fixed text of a failed connection speaks of another platform's firewall.

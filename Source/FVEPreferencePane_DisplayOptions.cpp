@@ -6,6 +6,7 @@
 #include "Platform/LoginItem.h"
 #include "Platform/Platform.h"
 #include "Platform/Workspace.h"
+#include "Source/HiDPIChange.h"
 
 using farview::Object;
 
@@ -48,6 +49,20 @@ void FVEPreferencePane::enableTouchDisplayPressed(Object* sender)
 void FVEPreferencePane::enableRetinaPressed(Object* sender)
 {
     FVEPreferences::sharedAppPrefs().setRetinaResolutionsEnabled(isOn(sender));
+}
+
+void FVEPreferencePane::enableHiDPIPressed(Object* /*sender*/) { mHiDPIChange->begin(); }
+
+bool FVEPreferencePane::authExecuteHelperWithToolURL(const OptionalURL& tool,
+                                                     std::string* /*error*/)
+{
+    mHiDPIChange->execute(tool);
+    return false;
+}
+
+const std::shared_ptr<FVEEnableHiDPIController>& FVEPreferencePane::enableHiDPIController() const
+{
+    return mHiDPIChange->controller();
 }
 
 void FVEPreferencePane::autoMoveWindowsBackPressed(Object* sender)

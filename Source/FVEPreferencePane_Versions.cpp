@@ -24,6 +24,20 @@ std::optional<std::string> textFor(const farview::Bundle* bundle, const char* ke
     return text ? std::optional(*text) : std::nullopt;
 }
 
+std::optional<std::string> applicationVersion(farview::Platform& platform,
+                                              const std::optional<farview::URL>& application)
+{
+    const std::string path = application ? application->path() : std::string{};
+    return textFor(platform.bundles->bundleWithPath(path).get(), "CFBundleVersionString");
+}
+
+std::optional<std::string> extensionVersion(farview::Platform& platform, const char* name)
+{
+    const std::string path = std::string("/System/Library/Extensions/") + name + ".kext";
+    const auto bundle = platform.bundles->bundleWithPath(platform.searchPaths->located(path));
+    return textFor(bundle.get(), "CFBundleVersion");
+}
+
 } // namespace
 
 std::optional<std::string> FVEPreferencePane::infoText(const char* key) const
@@ -31,26 +45,13 @@ std::optional<std::string> FVEPreferencePane::infoText(const char* key) const
     return textFor(mBundle.get(), key);
 }
 
-std::optional<std::string> FVEPreferencePane::applicationVersion(const OptionalURL& application)
-{
-    const std::string path = application ? application->path() : std::string{};
-    return textFor(mPlatform.bundles->bundleWithPath(path).get(), "CFBundleVersionString");
-}
-
-std::optional<std::string> FVEPreferencePane::extensionVersion(const char* name)
-{
-    const std::string path = std::string("/System/Library/Extensions/") + name + ".kext";
-    const auto bundle = mPlatform.bundles->bundleWithPath(mPlatform.searchPaths->located(path));
-    return textFor(bundle.get(), "CFBundleVersion");
-}
-
 void FVEPreferencePane::determineComponenVersionNumber()
 {
     const auto toolTip = farview::versionToolTip({
-        {localized("MenuExtra"), applicationVersion(statusItemApplication())},
-        {localized("Server"), applicationVersion(screenServerApplication())},
-        {localized("VideoCard Kext"), extensionVersion(kFVEVideoCardKext)},
-        {localized("FrameBuffer Kext"), extensionVersion(kFVEFrameBufferKext)},
+        {localized("MenuExtra"), applicationVersion(mPlatform, statusItemApplication())},
+        {localized("Server"), applicationVersion(mPlatform, screenServerApplication())},
+        {localized("VideoCard Kext"), extensionVersion(mPlatform, kFVEVideoCardKext)},
+        {localized("FrameBuffer Kext"), extensionVersion(mPlatform, kFVEFrameBufferKext)},
     });
     versionNumberLabel()->setStringValue(farview::versionText(infoText("CFBundleVersion")));
     versionNumberLabel()->setToolTip(toolTip);

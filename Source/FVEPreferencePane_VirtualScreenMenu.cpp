@@ -35,10 +35,21 @@ std::int32_t portOf(const NetService& service)
 
 } // namespace
 
-const QLNBonjourBrowser::ServiceList& FVEPreferencePane::listedServices() const
+const QLNBonjourBrowser::ServiceList& FVEPreferencePaneProperties::listedServices() const
 {
     static const QLNBonjourBrowser::ServiceList none;
     return bonjourBrowser() ? bonjourBrowser()->activeServiceList() : none;
+}
+
+bool FVEPreferencePane::determineIfNoDevicesSelectedEnabled()
+{
+    auto& preferences = FVEPreferences::sharedAppPrefs();
+    const bool autoConnects = preferences.autoConnectOption();
+    if (connectedToOtherDevice() || !autoConnects || !selectedNetService())
+        return true;
+    return farview::noDeviceEntryEnabled(autoConnects, connectedToOtherDevice(),
+                                         &selectedNetService()->name(),
+                                         preferences.autoConnectDevices());
 }
 
 farview::DeviceMenuInputs FVEPreferencePane::deviceMenuInputs()

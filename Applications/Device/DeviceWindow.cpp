@@ -1,7 +1,5 @@
 #include "Applications/Device/DeviceWindow.h"
 
-#include "Applications/Device/DeviceTexts.h"
-
 #include <QVBoxLayout>
 
 namespace farview
@@ -31,6 +29,39 @@ void setText(QLabel& label, const std::string& text)
     label.setVisible(!text.empty());
 }
 
+std::string headline(const DeviceStatus& status)
+{
+    if (status.announcedName.empty())
+        return "Not announced yet";
+    return status.announcedName;
+}
+
+std::string useText(const DeviceStatus& status)
+{
+    if (status.usedBy)
+        return "In use by the computer at " + *status.usedBy + ".";
+    return "Not in use. Choose this device in Farview Preferences on another computer.";
+}
+
+std::string optionsText(const DeviceStatus& status)
+{
+    if (!status.options)
+        return "";
+    const auto line = [](const char* what, bool on) {
+        return std::string(what) + (on ? ": on" : ": off");
+    };
+    return line("Touch", status.options->touch) + "\n" +
+           line("Retina resolutions", status.options->retina) + "\n" +
+           line("HiDPI resolutions", status.options->hiDPI) + "\n" +
+           line("Windows move back", status.options->windowsMoveBack);
+}
+
+std::string troubleText(const DeviceStatus& status)
+{
+    const bool both = !status.trouble.empty() && !status.portWarning.empty();
+    return status.trouble + (both ? "\n" : "") + status.portWarning;
+}
+
 } // namespace
 
 DeviceWindow::DeviceWindow(std::function<void()> closed) : mClosed(std::move(closed))
@@ -41,9 +72,9 @@ DeviceWindow::DeviceWindow(std::function<void()> closed) : mClosed(std::move(clo
     mOptions = plainLabel(*layout, "deviceOptions");
     mTrouble = plainLabel(*layout, "deviceTrouble");
     layout->addStretch();
-    QFont headline = mName->font();
-    headline.setPointSizeF(headline.pointSizeF() * kHeadlineScale);
-    mName->setFont(headline);
+    QFont large = mName->font();
+    large.setPointSizeF(large.pointSizeF() * kHeadlineScale);
+    mName->setFont(large);
     setWindowTitle(QStringLiteral("Farview Device"));
     resize(kWidth, sizeHint().height());
 }
@@ -56,10 +87,10 @@ void DeviceWindow::closeEvent(QCloseEvent* event)
 
 void DeviceWindow::showStatus(const DeviceStatus& status)
 {
-    setText(*mName, deviceHeadline(status));
-    setText(*mUse, deviceUseText(status));
-    setText(*mOptions, deviceOptionsText(status));
-    setText(*mTrouble, deviceTroubleText(status));
+    setText(*mName, headline(status));
+    setText(*mUse, useText(status));
+    setText(*mOptions, optionsText(status));
+    setText(*mTrouble, troubleText(status));
 }
 
 } // namespace farview

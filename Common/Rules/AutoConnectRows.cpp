@@ -90,6 +90,29 @@ StoredRows rowsToStore(const std::vector<DeviceRow>& rows)
     return stored;
 }
 
+bool mayForget(const DeviceRow& row) { return row.autoConnect || !row.onNetwork; }
+
+std::vector<DeviceRow> rowsWithout(std::vector<DeviceRow> rows, const PropertyList& name)
+{
+    std::erase_if(rows, [&](const DeviceRow& row) { return row.name == name; });
+    return rows;
+}
+
+std::vector<DeviceRow> rowsWith(std::vector<DeviceRow> rows, const ForgottenRow& forgotten)
+{
+    const auto& back = forgotten.row;
+    const bool isListed = std::any_of(rows.begin(), rows.end(), [&](const DeviceRow& row) {
+        return row.name == back.name && (row.autoConnect || !back.autoConnect);
+    });
+    if (isListed)
+        return rows;
+    const auto chosen = static_cast<std::size_t>(countOfChosenRows(rows));
+    const auto place = back.autoConnect ? std::min(forgotten.place, chosen)
+                                        : std::clamp(forgotten.place, chosen, rows.size());
+    rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(place), back);
+    return rows;
+}
+
 int countOfChosenRows(const std::vector<DeviceRow>& rows)
 {
     return static_cast<int>(

@@ -2,6 +2,7 @@
 
 #include "Platform/Types/PropertyList.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,23 @@ struct StoredRows {
     PropertyList::Array seen;
 };
 StoredRows rowsToStore(const std::vector<DeviceRow>& rows);
+
+/// Whether forgetting the row changes anything: a device that is on the network and not chosen
+/// would be listed again at once.
+bool mayForget(const DeviceRow& row);
+
+/// The rows without any of that name.
+std::vector<DeviceRow> rowsWithout(std::vector<DeviceRow> rows, const PropertyList& name);
+
+/// A row that the user had forgotten, and where it stood.
+struct ForgottenRow {
+    DeviceRow row;
+    std::size_t place = 0;
+};
+
+/// The rows with that one back where it stood, a chosen one among the chosen ones. As they are when
+/// its name came back by itself meanwhile, unless only the forgotten row was chosen.
+std::vector<DeviceRow> rowsWith(std::vector<DeviceRow> rows, const ForgottenRow& forgotten);
 
 /// How many rows are chosen.
 int countOfChosenRows(const std::vector<DeviceRow>& rows);

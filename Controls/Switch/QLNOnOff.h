@@ -30,7 +30,7 @@ public:
     void setMinValue(double value) { mMinValue = value; }
     double maxValue() const { return mMaxValue; }
     void setMaxValue(double value) { mMaxValue = value; }
-    /// Whether the action is sent while the user drags, too.
+    /// Changes nothing: the action is sent when the user lets go, never while the knob is dragged.
     bool isContinuous() const { return mContinuous; }
     void setContinuous(bool continuous) { mContinuous = continuous; }
     /// Whether y grows downward in this view. It grows upward.

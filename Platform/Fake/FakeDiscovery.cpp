@@ -143,23 +143,12 @@ void FakeDiscovery::setCondition(DiscoveryCondition condition)
     if (mCondition == condition)
         return;
     mCondition = condition;
-    mLoop.performAfterDelay(Duration::zero(), mLife, [this] {
-        const auto snapshot = mConditionObservers;
-        for (const auto& [number, changed] : snapshot) {
-            if (mConditionObservers.contains(number))
-                changed();
-        }
-    });
+    mLoop.performAfterDelay(Duration::zero(), mLife, [this] { mConditionObservers.tell(); });
 }
 
 Subscription FakeDiscovery::observeCondition(std::function<void()> changed)
 {
-    const unsigned number = mNextObserver++;
-    mConditionObservers[number] = std::move(changed);
-    return Subscription([this, number, life = std::weak_ptr<void>(mLife)] {
-        if (!life.expired())
-            mConditionObservers.erase(number);
-    });
+    return mConditionObservers.add(std::move(changed));
 }
 
 } // namespace farview

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Fake/FakeNetServiceBrowser.h"
+#include "Platform/Types/Observers.h"
 
 #include <functional>
 #include <map>
@@ -59,8 +60,7 @@ private:
     std::shared_ptr<void> mLife = std::make_shared<int>();
     std::vector<Present> mPresent;
     std::vector<std::weak_ptr<FakeNetServiceBrowser>> mBrowsers;
-    std::map<unsigned, std::function<void()>> mConditionObservers;
-    unsigned mNextObserver = 0;
+    Observers<> mConditionObservers;
     int mCheckAgainCount = 0;
     DiscoveryCondition mCondition = DiscoveryCondition::working;
 };

@@ -36,8 +36,10 @@ void FakeDistributedNotificationCenter::postNotificationName(const std::string& 
                                                              TextUserInfo userInfo,
                                                              unsigned options)
 {
-    mPosts.push_back({name, object, std::move(userInfo), options});
-    deliverLater(mPosts.back());
+    const Post post{name, object, std::move(userInfo), options};
+    mPosts.push_back(post);
+    mPostObservers.tell(post);
+    deliverLater(post);
 }
 
 void FakeDistributedNotificationCenter::postFromAnotherProcess(std::string name,
@@ -84,24 +86,13 @@ void FakeDistributedNotificationCenter::setSuspended(bool suspended)
 
 Subscription FakeDistributedNotificationCenter::observeReconnection(std::function<void()> action)
 {
-    const unsigned number = mNextReconnectionObserver++;
-    mReconnectionObservers[number] = std::move(action);
-    return Subscription([this, number, life = std::weak_ptr<void>(mLife)] {
-        if (!life.expired())
-            mReconnectionObservers.erase(number);
-    });
+    return mReconnectionObservers.add(std::move(action));
 }
 
 void FakeDistributedNotificationCenter::reconnect()
 {
     mConnected = true;
-    mLoop.performAfterDelay(Duration::zero(), mLife, [this] {
-        const auto snapshot = mReconnectionObservers;
-        for (const auto& [number, action] : snapshot) {
-            if (mReconnectionObservers.contains(number))
-                action();
-        }
-    });
+    mLoop.performAfterDelay(Duration::zero(), mLife, [this] { mReconnectionObservers.tell(); });
 }
 
 std::vector<FakeDistributedNotificationCenter::Post>

@@ -3,8 +3,8 @@
 #include "Platform/Fake/FakeRunLoop.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/ObserverTable.h"
+#include "Platform/Types/Observers.h"
 
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -50,6 +50,11 @@ public:
     const std::vector<Post>& posts() const { return mPosts; }
     std::vector<Post> postsNamed(const std::string& name) const;
     int countOf(const std::string& name) const;
+    /// Calls `observer` within each post of this process.
+    Subscription observePosts(std::function<void(const Post&)> observer)
+    {
+        return mPostObservers.add(std::move(observer));
+    }
     void forgetPosts() { mPosts.clear(); }
 
     std::size_t registrationCount() const { return mObservers.size(); }
@@ -66,10 +71,10 @@ private:
     std::shared_ptr<void> mLife = std::make_shared<int>();
     ObserverTable<std::string> mObservers;
     std::vector<Post> mPosts;
+    Observers<const Post&> mPostObservers;
     /// Of each name, the latest post that waits for the end of the suspension, in order of arrival.
     std::vector<Post> mKept;
-    std::map<unsigned, std::function<void()>> mReconnectionObservers;
-    unsigned mNextReconnectionObserver = 0;
+    Observers<> mReconnectionObservers;
     bool mSuspended = false;
     bool mConnected = true;
 };

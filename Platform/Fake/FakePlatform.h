@@ -1,15 +1,14 @@
 #pragma once
 
+#include "Platform/Clock.h"
 #include "Platform/Fake/FakeAccessibility.h"
 #include "Platform/Fake/FakeApplication.h"
 #include "Platform/Fake/FakeAuthorization.h"
 #include "Platform/Fake/FakeBundle.h"
-#include "Platform/Fake/FakeClock.h"
 #include "Platform/Fake/FakeDiscovery.h"
 #include "Platform/Fake/FakeDisplayConfiguration.h"
 #include "Platform/Fake/FakeDistributedNotificationCenter.h"
 #include "Platform/Fake/FakeFileManager.h"
-#include "Platform/Fake/FakeFirewall.h"
 #include "Platform/Fake/FakeGraphicsControl.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeLoginItem.h"
@@ -23,6 +22,7 @@
 #include "Platform/Fake/FakeText.h"
 #include "Platform/Fake/FakeUpdater.h"
 #include "Platform/Fake/FakeWorkspace.h"
+#include "Platform/Firewall.h"
 #include "Platform/LocalNotificationCenter.h"
 #include "Platform/Platform.h"
 
@@ -30,6 +30,28 @@
 
 namespace farview
 {
+
+/// Stands still at 2026-01-02 03:04:05 UTC, or where tests set it.
+class FakeClock final : public Clock
+{
+public:
+    std::chrono::system_clock::time_point date() override { return mDate; }
+    void setDate(std::chrono::system_clock::time_point date) { mDate = date; }
+
+private:
+    std::chrono::system_clock::time_point mDate{std::chrono::seconds(1767323045)};
+};
+
+/// The firewall that a test says.
+class FakeFirewall final : public Firewall
+{
+public:
+    FirewallState state() override { return mState; }
+    void setState(const FirewallState& state) { mState = state; }
+
+private:
+    FirewallState mState;
+};
 
 /// One fake of each interface and the aggregate of them. Installs nothing by itself: a test that
 /// needs `Platform::current()` makes a `Platform::Scope` of `platform()`.

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "Platform/Types/Observers.h"
 #include "Platform/Workspace.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,7 @@ public:
     bool launchApplicationAtURL(const URL& url, unsigned options) override
     {
         mLaunches.push_back({url.path(), options});
+        mLaunchObservers.tell(mLaunches.back());
         return mLaunchesSucceed && !url.path().empty();
     }
     bool openURL(const URL& url) override
@@ -34,10 +37,16 @@ public:
     void setOpensSucceed(bool succeed) { mOpensSucceed = succeed; }
     /// Every attempt, in order.
     const std::vector<Launch>& launches() const { return mLaunches; }
+    /// Calls `observer` within each launch.
+    Subscription observeLaunches(std::function<void(const Launch&)> observer)
+    {
+        return mLaunchObservers.add(std::move(observer));
+    }
     const std::vector<URL>& opened() const { return mOpened; }
 
 private:
     std::vector<Launch> mLaunches;
+    Observers<const Launch&> mLaunchObservers;
     std::vector<URL> mOpened;
     bool mLaunchesSucceed = true;
     bool mOpensSucceed = true;

@@ -120,7 +120,7 @@ bool AutostartEntry::enable(const Command& command)
     if (exec.empty() || !command.front().starts_with('/') || makeFolders(mFolder, 0700) != 0)
         return false;
     const std::string target = resolvedLink(mPath);
-    FileReplacement replacement(target, target + "." + std::to_string(::getpid()) + ".new");
+    FileReplacement replacement(target);
     return !target.empty() && replacement.write(entryFor(exec), 0644) == 0 &&
            replacement.commit() == 0;
 }

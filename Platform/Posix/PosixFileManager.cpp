@@ -8,16 +8,6 @@
 
 namespace farview
 {
-namespace
-{
-
-/// The process's number keeps two writers apart; the last one wins, whole.
-FileReplacement replacementFor(const std::string& path)
-{
-    return {path, path + "." + std::to_string(::getpid()) + ".new"};
-}
-
-} // namespace
 
 bool PosixFileManager::fileExistsAtPath(const std::string& path)
 {
@@ -43,7 +33,7 @@ bool PosixFileManager::writePropertyList(const PropertyList& list, const std::st
     const auto status = readPropertyListFile(target).status;
     if (!written.bytes || target.empty() || status == Status::unreadable)
         return false;
-    auto replacement = replacementFor(target);
+    FileReplacement replacement(target);
     std::string aside;
     return replacement.write(*written.bytes, 0600) == 0 &&
            (status != Status::broken || setAsideFile(target, aside) == 0) &&
@@ -55,7 +45,7 @@ bool PosixFileManager::writeData(std::span<const std::uint8_t> bytes, const std:
     const auto target = resolvedLink(path);
     if (target.empty())
         return false;
-    auto replacement = replacementFor(target);
+    FileReplacement replacement(target);
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return replacement.write(text, 0600) == 0 && replacement.commit() == 0;
 }

@@ -41,12 +41,17 @@ public:
         moves.emplace_back(*info.draggingPasteboard().propertyListForType("row"), gap);
         return true;
     }
+    bool mayDeleteRow(TableView&, int row) override { return row != 2; }
+    void deleteRow(TableView&, int row) override { deleted.push_back(row); }
+    bool mayUndoDelete(TableView&) override { return !deleted.empty(); }
+    void undoDelete(TableView&) override { deleted.pop_back(); }
     void tableViewSelectionIsChanging(const Notification& notification) override
     {
         selectedTable = notification.object();
     }
 
     std::vector<std::pair<PropertyList, int>> moves;
+    std::vector<int> deleted;
     const Object* selectedTable = nullptr;
 };
 
@@ -156,6 +161,27 @@ TEST(Pasteboard, CarriesOnlyWhatWasDeclared)
     EXPECT_THAT(pasteboard.types(), ElementsAre("row"));
     pasteboard.declareTypes({"other"});
     EXPECT_EQ(pasteboard.propertyListForType("row"), std::nullopt);
+}
+
+TEST(TableView, ARowIsTakenOffOnlyWhereItsSourceAllowsItAndComesBack)
+{
+    const auto table = std::make_shared<TableView>();
+    auto rows = std::make_shared<Rows>();
+    table->setDataSource(rows);
+    EXPECT_FALSE(table->userUndoesDelete()) << "there is nothing to take back";
+    for (const int row : {-1, 2, 3})
+        EXPECT_FALSE(table->userDeletes(row)) << row;
+    EXPECT_TRUE(table->userDeletes(1));
+    table->setEnabled(false);
+    EXPECT_FALSE(table->userDeletes(1));
+    EXPECT_FALSE(table->userUndoesDelete());
+    table->setEnabled(true);
+    EXPECT_THAT(rows->deleted, ElementsAre(1));
+    EXPECT_TRUE(table->userUndoesDelete());
+    EXPECT_THAT(rows->deleted, testing::IsEmpty());
+    rows.reset();
+    EXPECT_FALSE(table->userDeletes(1));
+    EXPECT_FALSE(table->userUndoesDelete());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Platform/Posix/PosixFileManager.h"
 #include "Tests/Posix/PreferencesFixture.h"
+#include "Tests/Support/ForkedProcess.h"
 
 #include <array>
 #include <cmath>
@@ -13,6 +14,21 @@ namespace
 class PosixFileManagerTest : public testing::Test
 {
 protected:
+    std::vector<std::string> namesInFolder() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(mFolder.path()))
+            names.push_back(entry.path().filename());
+        return names;
+    }
+    /// What another process does until it is killed.
+    void writeAgainAndAgain()
+    {
+        const std::vector<std::uint8_t> bytes(8'000'000, 'x');
+        for (;;)
+            mManager.writeData(bytes, mFolder.path("file"));
+    }
+
     TemporaryFolder mFolder;
     PosixFileManager mManager;
 };
@@ -72,6 +88,25 @@ TEST_F(PosixFileManagerTest, SetsABrokenFileAsideAndLeavesNoOtherFile)
     EXPECT_EQ(contentsOf(mFolder.path("list.broken-1")), "broken");
     const auto files = std::filesystem::directory_iterator(mFolder.path());
     EXPECT_EQ(std::distance(begin(files), end(files)), 2);
+}
+
+TEST_F(PosixFileManagerTest, WhatKilledWritersLeaveGoesWithTheNextWrite)
+{
+    const std::vector<std::string> nothingElse = {"file"};
+    std::size_t left = 0;
+    for (int round = 0; round < 20; ++round) {
+        {
+            const ForkedProcess first([&] { writeAgainAndAgain(); });
+            const ForkedProcess second([&] { writeAgainAndAgain(); });
+            while (namesInFolder().size() < 2)
+                ::usleep(100);
+        }
+        left += namesInFolder().size() - 1;
+        ASSERT_TRUE(mManager.writeData(std::array<std::uint8_t, 1>{'l'}, mFolder.path("file")));
+        ASSERT_EQ(namesInFolder(), nothingElse) << "round " << round;
+    }
+    EXPECT_GT(left, 0u) << "no writer was killed in the middle of a write";
+    EXPECT_EQ(contentsOf(mFolder.path("file")), "l");
 }
 
 TEST_F(PosixFileManagerTest, AListThatCannotBeWrittenLeavesTheOldOne)

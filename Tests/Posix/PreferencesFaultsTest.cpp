@@ -226,7 +226,7 @@ TEST_F(PreferencesFaults, AFullDiskLosesNothing)
         EXPECT_FALSE(store(large));
         EXPECT_EQ(read(), PropertyList(large));
         EXPECT_EQ(contentsOf(path()), listWith("key", "old"));
-        EXPECT_FALSE(std::filesystem::exists(path() + ".new"));
+        EXPECT_FALSE(std::filesystem::exists(path() + ".new-1"));
         std::filesystem::remove(mFolder.path("config/ballast"));
         EXPECT_TRUE(mPreferences->appSynchronize(domain));
         EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList(large));

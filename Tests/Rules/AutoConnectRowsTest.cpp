@@ -134,4 +134,53 @@ TEST(AutoConnectRows, KeepAHundredThousandNames)
     EXPECT_EQ(stored.chosen.size(), count);
 }
 
+TEST(ForgettingARow, ChangesNothingForADeviceInSightThatIsNotChosen)
+{
+    EXPECT_FALSE(mayForget(found("C")));
+    EXPECT_TRUE(mayForget(seen("D")));
+    EXPECT_TRUE(mayForget(chosen("B")));
+    EXPECT_TRUE(mayForget(chosenAndThere("A"))) << "it loses its tick";
+}
+
+TEST(ForgettingARow, TakesEveryRowOfItsNameAndNoOther)
+{
+    const std::vector<DeviceRow> rows = {chosen("A"), chosen("B"), chosen("A"), chosen(7),
+                                         seen("7")};
+    EXPECT_EQ(rowsWithout(rows, "A"), (std::vector<DeviceRow>{chosen("B"), chosen(7), seen("7")}));
+    EXPECT_EQ(rowsWithout(rows, 7),
+              (std::vector<DeviceRow>{chosen("A"), chosen("B"), chosen("A"), seen("7")}));
+    EXPECT_EQ(rowsWithout(rows, "none"), rows);
+}
+
+TEST(ForgettingARow, IsUndoneWhereTheRowStood)
+{
+    struct Case {
+        const char* what;
+        std::vector<DeviceRow> rows;
+        ForgottenRow forgotten;
+        std::vector<DeviceRow> expected;
+    };
+    const std::vector<Case> cases = {
+        {"chosen",
+         {chosen("A"), chosen("C")},
+         {chosen("B"), 1},
+         {chosen("A"), chosen("B"), chosen("C")}},
+        {"chosen, others gone", {seen("D")}, {chosen("B"), 2}, {chosen("B"), seen("D")}},
+        {"seen", {chosen("A"), seen("E")}, {seen("D"), 1}, {chosen("A"), seen("D"), seen("E")}},
+        {"seen, others chosen",
+         {chosen("A"), chosen("B")},
+         {seen("D"), 0},
+         {chosen("A"), chosen("B"), seen("D")}},
+        {"the only one", {}, {seen("D"), 4}, {seen("D")}},
+        {"chosen, in sight since", {found("A")}, {chosen("A"), 0}, {chosen("A"), found("A")}},
+        {"chosen again since",
+         {chosen("B"), chosen("A")},
+         {chosen("A"), 0},
+         {chosen("B"), chosen("A")}},
+        {"seen again since", {found("D")}, {seen("D"), 0}, {found("D")}},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(rowsWith(each.rows, each.forgotten), each.expected) << each.what;
+}
+
 } // namespace

@@ -2,7 +2,7 @@
 
 #include "Tests/Source/PaneFixture.h"
 
-#include "Source/DevicesTable.h"
+#include "Source/FVEAutoConnectTable.h"
 
 #include <set>
 
@@ -140,7 +140,7 @@ TEST_F(PaneAutoConnect, AtLoadTheTableFollowsTheStoredOption)
     EXPECT_EQ(table().draggedTypes(), (Texts{"DeviceNameTableViewDataType"}));
     EXPECT_EQ(table().dataSource().lock(), pane);
 
-    newPane(fake.platform());
+    newPane();
     setStored(kAutoConnectOption, true);
     load();
     EXPECT_EQ(pane->autoConnect()->state(), 1);
@@ -308,6 +308,67 @@ TEST_F(PaneAutoConnect, NoDeviceIsDisabledOnlyForASelectedChosenDevice)
     setStored(kAutoConnectOption, true);
     pane->setSelectedNetService(nullptr);
     EXPECT_TRUE(pane->determineIfNoDevicesSelectedEnabled());
+}
+
+TEST_F(PaneAutoConnect, AForgottenDeviceThatIsAwayIsNeitherChosenNorRemembered)
+{
+    showExample();
+    EXPECT_TRUE(table().userDeletes(0)) << "B, chosen and away";
+    EXPECT_EQ(rows(), (Texts{"*A", "C", "C", "D"}));
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"A"}));
+    EXPECT_TRUE(table().userDeletes(3)) << "D, seen before";
+    EXPECT_EQ(rows(), (Texts{"*A", "C", "C"}));
+    EXPECT_EQ(seenDevices(), Texts{"C"});
+    hide();
+    EXPECT_EQ(seenDevices(), Texts{"C"});
+}
+
+TEST_F(PaneAutoConnect, AForgottenDeviceInSightLosesItsTickAndStaysListed)
+{
+    showExample();
+    EXPECT_TRUE(table().userDeletes(1)) << "A, chosen and in sight";
+    EXPECT_EQ(rows(), (Texts{"*B", "A", "C", "C", "D"}));
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"B"}));
+    EXPECT_FALSE(table().userDeletes(1)) << "it would be listed again at once";
+}
+
+TEST_F(PaneAutoConnect, ForgottenDevicesComeBackInTheirPlaceTheLastOneFirst)
+{
+    showExample();
+    table().userDeletes(0);
+    table().userDeletes(0);
+    table().userDeletes(3);
+    EXPECT_EQ(rows(), (Texts{"A", "C", "C"}));
+    EXPECT_TRUE(table().userUndoesDelete());
+    EXPECT_EQ(rows(), (Texts{"A", "C", "C", "D"}));
+    EXPECT_TRUE(table().userUndoesDelete());
+    EXPECT_EQ(rows(), (Texts{"*A", "C", "C", "D"}));
+    EXPECT_TRUE(table().userUndoesDelete());
+    EXPECT_EQ(rows(), (Texts{"*B", "*A", "C", "C", "D"}));
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"B", "A"}));
+    EXPECT_EQ(seenDevices(), (Texts{"C", "D"}));
+    EXPECT_FALSE(table().userUndoesDelete());
+}
+
+TEST_F(PaneAutoConnect, ForgettingStoresTheOrderOnShowAndEndsADrag)
+{
+    showExample();
+    ASSERT_TRUE(table().userMovesRow(0, 2));
+    EXPECT_EQ(rows(), (Texts{"*A", "*B", "C", "C", "D"}));
+    const auto drag = table().userDrags(0);
+    ASSERT_TRUE(drag);
+    EXPECT_TRUE(table().userDeletes(4));
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"A", "B"}));
+    EXPECT_FALSE(table().mayDrop(*drag, 2));
+}
+
+TEST_F(PaneAutoConnect, NothingIsForgottenWhileTheTableIsFoldedAway)
+{
+    showExample();
+    pane->autoConnect()->performClick(nullptr);
+    EXPECT_EQ(rowCount(), 0);
+    EXPECT_FALSE(table().userDeletes(0));
+    EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"B", "A"}));
 }
 
 } // namespace

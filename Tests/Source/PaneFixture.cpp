@@ -17,12 +17,12 @@ PaneFixture::PaneFixture()
     bundle->setInfo("CFBundleVersion", "1.2");
     bundle->setInfo("CFBundleIdentifier", kFVEPaneBundleID);
     driver = fake.registry.publish("QLExGFX");
-    newPane(fake.platform());
+    newPane();
 }
 
-void PaneFixture::newPane(farview::Platform& platform)
+void PaneFixture::newPane()
 {
-    pane = std::make_shared<FVEPreferencePane>(platform);
+    pane = std::make_shared<FVEPreferencePane>(fake.platform());
     ASSERT_TRUE(pane->initWithBundle(bundle));
     for (const auto& outlet : pane->outlets())
         outlet.connect(*pane);

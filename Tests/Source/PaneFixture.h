@@ -29,7 +29,7 @@ protected:
     void hide();
     /// A loaded pane on show with that stored state.
     void showWithState(long state);
-    void newPane(farview::Platform& platform);
+    void newPane();
 
     /// Sets a shared setting as another program does, announcement included.
     void changeElsewhere(const std::string& key, farview::PropertyList value);

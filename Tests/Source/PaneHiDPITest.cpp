@@ -113,7 +113,7 @@ TEST_F(PaneHiDPI, ConfirmingRunsTheToolThatTurnsTheSettingInForceAround)
         storeSetting("DisplayResolutionEnabled", std::nullopt);
         storeSetting("DisplayResolutionDisabled", std::nullopt);
         storeSetting(row.key, true);
-        newPane(fake.platform());
+        newPane();
         pane->setInterfaceLoader(loader);
         openAndClick();
         EXPECT_EQ(box().state() == 0, row.isTicked) << "the click has changed it";

@@ -69,7 +69,7 @@ TEST_F(PaneOnOff, OffWhileOffOnlyHidesTheProgress)
 TEST_F(PaneOnOff, OnFromOffAndFromTroubleStartsTheServer)
 {
     for (const long state : {0L, 2L}) {
-        newPane(fake.platform());
+        newPane();
         showWithState(state);
         const int launches = serverLaunches();
         pane->onTextPressed(nullptr);
@@ -83,7 +83,7 @@ TEST_F(PaneOnOff, OnFromOffAndFromTroubleStartsTheServer)
 TEST_F(PaneOnOff, OffFromOnAndFromTroubleAsksTheServerToQuit)
 {
     for (const long state : {1L, 2L}) {
-        newPane(fake.platform());
+        newPane();
         showWithState(state);
         fake.distributedNotificationCenter.forgetPosts();
         pane->offTextPressed(nullptr);
@@ -120,7 +120,7 @@ TEST_F(PaneOnOff, TheSwitchItselfTurnsOnAndOff)
 TEST_F(PaneOnOff, AnySwitchValueButOneIsOff)
 {
     for (const double value : {0.0, 0.5, 0.999, std::nan("")}) {
-        newPane(fake.platform());
+        newPane();
         showWithState(1);
         const auto slider = pane->onOffSwitch()->slider();
         slider->setDoubleValue(value, false);
@@ -298,7 +298,7 @@ TEST_F(PaneOnOff, MissingResourcesAreSurvived)
 {
     fake.bundles.remove("/opt/Farview Preferences.prefPane");
     bundle = fake.bundles.add("/opt/Farview Preferences.prefPane");
-    newPane(fake.platform());
+    newPane();
     showWithState(1);
     EXPECT_TRUE(pane->screenServerApplication().has_value()) << "made without a check";
     EXPECT_EQ(pane->screenServerApplication()->path(), "");

@@ -3,7 +3,7 @@
 #include "Tests/Source/PaneFixture.h"
 
 #include "Common/Rules/RowOrder.h"
-#include "Source/DevicesTable.h"
+#include "Source/FVEAutoConnectTable.h"
 
 #include <limits>
 

@@ -257,19 +257,23 @@ TEST_F(PaneStatus, HintBeginsAnewWithEachSearch)
     EXPECT_NE(hint(), first);
 }
 
-TEST_F(PaneStatus, HintOfAPaneThatIsGoneDisturbsNobody)
+TEST_F(PaneStatus, HintOfAPaneThatIsGoneChangesNoMore)
 {
     showWithState(1);
-    hide();
+    const auto label = pane->deviceHintLabel();
+    const auto last = label->stringValue();
     pane.reset();
+    fake.discovery.setCondition(farview::DiscoveryCondition::unavailable);
     after(20);
+    EXPECT_NE(last, "");
+    EXPECT_EQ(label->stringValue(), last);
 }
 
 TEST_F(PaneStatus, HintIsEmptyWhileOffOrWithoutDriver)
 {
     showWithState(0);
     EXPECT_EQ(hint(), "");
-    newPane(fake.platform());
+    newPane();
     showWithoutDriver();
     EXPECT_EQ(hint(), "");
 }

@@ -490,7 +490,7 @@ TEST_F(PaneUpdates, ANewPaneShowsWhatIsKnownWithoutStoringItAgain)
     hide();
     const auto at = stored(kLastUpdateCheck);
     pass(3600);
-    newPane(fake.platform());
+    newPane();
     connect();
     load();
     show();

@@ -154,7 +154,7 @@ TEST_F(PaneGraphicsCheck, WithoutAListOrAMachineThereIsNoProblem)
     }
     fake.bundles.remove("/opt/Farview Preferences.prefPane");
     bundle = fake.bundles.add("/opt/Farview Preferences.prefPane");
-    newPane(fake.platform());
+    newPane();
     EXPECT_FALSE(isDue());
 }
 

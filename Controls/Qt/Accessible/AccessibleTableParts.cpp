@@ -109,10 +109,7 @@ QList<QAccessibleInterface*> AccessibleTableCell::columnHeaderCells() const
 
 bool AccessibleTableCell::isBox() const { return mIndex.flags() & Qt::ItemIsUserCheckable; }
 
-QString AccessibleTableCell::moveName(int step) const
-{
-    return view().property(step < 0 ? "moveUp" : "moveDown").toString();
-}
+TableModel* AccessibleTableCell::model() const { return qobject_cast<TableModel*>(view().model()); }
 
 QStringList AccessibleTableCell::actionNames() const
 {
@@ -122,10 +119,14 @@ QStringList AccessibleTableCell::actionNames() const
     if (isBox())
         names += toggleAction();
     names += setFocusAction();
-    if (mIndex.row() > 0 && !moveName(-1).isEmpty())
-        names += moveName(-1);
-    if (mIndex.row() + 1 < mIndex.model()->rowCount() && !moveName(1).isEmpty())
-        names += moveName(1);
+    const auto add = [&](bool isPossible, const char* action) {
+        if (isPossible && !nameOf(action).isEmpty())
+            names += nameOf(action);
+    };
+    add(mIndex.row() > 0, "moveUp");
+    add(mIndex.row() + 1 < mIndex.model()->rowCount(), "moveDown");
+    add(model() && model()->mayDelete(mIndex.row()), "deleteRow");
+    add(model() && model()->mayUndoDelete(), "undoDelete");
     return names;
 }
 
@@ -133,26 +134,39 @@ void AccessibleTableCell::doAction(const QString& name)
 {
     if (!actionNames().contains(name))
         return;
-    auto* model = qobject_cast<TableModel*>(view().model());
     if (name == setFocusAction()) {
         view().setFocus();
         view().setCurrentIndex(mIndex);
-    } else if (!model) {
+    } else if (!model()) {
         return;
     } else if (name == toggleAction()) {
         const auto ticked = mIndex.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-        model->setData(mIndex, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+        model()->setData(mIndex, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
     } else {
-        model->moveRow(mIndex.row(), name == moveName(-1) ? -1 : 1);
+        changeRows(name);
     }
+}
+
+void AccessibleTableCell::changeRows(const QString& name)
+{
+    if (name == nameOf("deleteRow"))
+        model()->deleteRow(mIndex.row());
+    else if (name == nameOf("undoDelete"))
+        model()->undoDelete();
+    else
+        model()->moveRow(mIndex.row(), name == nameOf("moveUp") ? -1 : 1);
 }
 
 QStringList AccessibleTableCell::keyBindingsForAction(const QString& name) const
 {
-    if (name == moveName(-1))
+    if (name == nameOf("moveUp"))
         return {QKeySequence(Qt::ALT | Qt::Key_Up).toString()};
-    if (name == moveName(1))
+    if (name == nameOf("moveDown"))
         return {QKeySequence(Qt::ALT | Qt::Key_Down).toString()};
+    if (name == nameOf("deleteRow"))
+        return {QKeySequence(QKeySequence::Delete).toString()};
+    if (name == nameOf("undoDelete"))
+        return {QKeySequence(QKeySequence::Undo).toString()};
     return {};
 }
 

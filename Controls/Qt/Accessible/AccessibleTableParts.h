@@ -8,6 +8,8 @@
 namespace farview
 {
 
+class TableModel;
+
 /// What the parts of a table have in common: they live in it, and have nothing in them.
 class AccessibleTablePart : public QAccessibleInterface
 {
@@ -87,7 +89,10 @@ public:
 
 private:
     bool isBox() const;
-    QString moveName(int step) const;
+    /// What the form calls the action, named by a property of the table.
+    QString nameOf(const char* action) const { return view().property(action).toString(); }
+    TableModel* model() const;
+    void changeRows(const QString& name);
 
     QPersistentModelIndex mIndex;
 };

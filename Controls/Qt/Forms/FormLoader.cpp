@@ -1,6 +1,5 @@
 #include "Controls/Qt/Forms/FormLoader.h"
 
-#include "Controls/Qt/Forms/Card.h"
 #include "Controls/Qt/Forms/FrameContainer.h"
 #include "Controls/Qt/Forms/PageScroller.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
@@ -17,12 +16,36 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
+#include <QPainter>
 #include <QTranslator>
 
 namespace farview
 {
 namespace
 {
+
+constexpr double cornerRadius = 8.0;
+constexpr double edgeOpacity = 0.2; // of the text's colour
+
+/// A calm ground with round corners around what belongs together and matters most.
+class Card final : public QWidget
+{
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor edge = palette().color(QPalette::WindowText);
+        edge.setAlphaF(edgeOpacity);
+        painter.setPen(edge);
+        painter.setBrush(palette().color(QPalette::Base));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius,
+                                cornerRadius);
+    }
+};
 
 class Loader final : public QUiLoader
 {

@@ -40,6 +40,7 @@ TableBinding::TableBinding(std::shared_ptr<TableView> table, QTableView* widget)
     letSpaceFold();
     layOut();
     widget->installEventFilter(this);
+    connect(widget, &QWidget::customContextMenuRequested, this, &TableBinding::openMenu);
     keepPlaceDuringReset();
     mScrollSubscription =
         mTable->enclosingScrollView().observe([this](Change change) { refresh(change); });
@@ -50,6 +51,8 @@ void TableBinding::layOut()
     mTableWidget->setModel(mModel);
     mTableWidget->setSelectionMode(QAbstractItemView::NoSelection);
     mTableWidget->setWordWrap(false);
+    if (!mTableWidget->property("deleteRow").isNull())
+        mTableWidget->setContextMenuPolicy(Qt::CustomContextMenu);
     mTableWidget->verticalHeader()->hide();
     auto* header = mTableWidget->horizontalHeader();
     header->setHighlightSections(false);
@@ -71,18 +74,35 @@ void TableBinding::show(Change change)
     if (change == Change::rows)
         mModel->reload();
     if (change == Change::rows || isHidden() || !mTable->isEnabled())
-        mDragging->cancel();
+        cancelGestures();
+}
+
+void TableBinding::cancelGestures()
+{
+    mDragging->cancel();
+    if (mMenu)
+        mMenu->close();
 }
 
 bool TableBinding::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::KeyPress)
-        return Binding::eventFilter(watched, event);
-    const auto* key = static_cast<QKeyEvent*>(event);
-    const bool isArrow = key->key() == Qt::Key_Up || key->key() == Qt::Key_Down;
-    if (!isArrow || !(key->modifiers() & Qt::AltModifier))
-        return Binding::eventFilter(watched, event);
-    moveCurrentRow(key->key() == Qt::Key_Up ? -1 : 1);
+    const bool isHandled =
+        event->type() == QEvent::KeyPress && handleKey(*static_cast<QKeyEvent*>(event));
+    return isHandled || Binding::eventFilter(watched, event);
+}
+
+bool TableBinding::handleKey(QKeyEvent& key)
+{
+    const int row = mTableWidget->currentIndex().row();
+    const bool isArrow = key.key() == Qt::Key_Up || key.key() == Qt::Key_Down;
+    if (isArrow && key.modifiers() & Qt::AltModifier)
+        moveCurrentRow(key.key() == Qt::Key_Up ? -1 : 1);
+    else if (key.matches(QKeySequence::Delete))
+        mModel->deleteRow(row);
+    else if (key.matches(QKeySequence::Undo))
+        mModel->undoDelete();
+    else
+        return false;
     return true;
 }
 
@@ -92,6 +112,28 @@ void TableBinding::moveCurrentRow(int step)
     if (!mModel->moveRow(current.row(), step))
         return;
     mTableWidget->setCurrentIndex(mModel->index(current.row() + step, current.column()));
+}
+
+void TableBinding::openMenu(QPoint place)
+{
+    const QModelIndex index = mTableWidget->indexAt(place);
+    if (index.isValid())
+        mTableWidget->setCurrentIndex(index);
+    const int row = index.row();
+    mMenu = new QMenu(mTableWidget);
+    mMenu->setAttribute(Qt::WA_DeleteOnClose);
+    const auto add = [this](const char* title, QKeySequence::StandardKey key, bool isPossible,
+                            auto operation) {
+        QAction* action =
+            mMenu->addAction(mTableWidget->property(title).toString(), this, operation);
+        action->setShortcut(key);
+        action->setEnabled(isPossible);
+    };
+    add("deleteRow", QKeySequence::Delete, mModel->mayDelete(row),
+        [this, row] { mModel->deleteRow(row); });
+    add("undoDelete", QKeySequence::Undo, mModel->mayUndoDelete(),
+        [this] { mModel->undoDelete(); });
+    mMenu->popup(mTableWidget->viewport()->mapToGlobal(place));
 }
 
 void TableBinding::keepPlaceDuringReset()

@@ -51,15 +51,20 @@ bool TableModel::mayDrop(const RowDrag& drag, int gap)
     return table && isCurrent() && table->mayDrop(drag, gap);
 }
 
-bool TableModel::drop(const RowDrag& drag, int gap)
+template <typename Edit> bool TableModel::edit(Edit edit)
 {
     const auto table = mTable.lock();
     if (!table || !isCurrent())
         return false;
     mEditing = true;
-    const bool dropped = table->userDrops(drag, gap);
+    const bool done = edit(*table);
     mEditing = false;
-    return dropped;
+    return done;
+}
+
+bool TableModel::drop(const RowDrag& drag, int gap)
+{
+    return edit([&](TableView& table) { return table.userDrops(drag, gap); });
 }
 
 bool TableModel::moveRow(int row, int step)
@@ -68,6 +73,28 @@ bool TableModel::moveRow(int row, int step)
     const int gap = step < 0 ? row - 1 : row + 2;
     const auto drag = dragRow(row);
     return drag && drop(*drag, gap);
+}
+
+bool TableModel::mayDelete(int row) const
+{
+    const auto table = mTable.lock();
+    return table && isCurrent() && table->userMayDelete(row);
+}
+
+bool TableModel::deleteRow(int row)
+{
+    return edit([&](TableView& table) { return table.userDeletes(row); });
+}
+
+bool TableModel::mayUndoDelete() const
+{
+    const auto table = mTable.lock();
+    return table && isCurrent() && table->userMayUndoDelete();
+}
+
+bool TableModel::undoDelete()
+{
+    return edit([](TableView& table) { return table.userUndoesDelete(); });
 }
 
 int TableModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : mRows; }

@@ -39,6 +39,10 @@ public:
     bool drop(const RowDrag& drag, int gap);
     /// The row changes places with the one above (-1) or below (1). False when it may not.
     bool moveRow(int row, int step);
+    bool mayDelete(int row) const;
+    bool deleteRow(int row);
+    bool mayUndoDelete() const;
+    bool undoDelete();
 
     int rowCount(const QModelIndex& parent) const override;
     int columnCount(const QModelIndex& parent) const override;
@@ -48,6 +52,8 @@ public:
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
 private:
+    /// Makes a change to the source. False when it made none.
+    template <typename Edit> bool edit(Edit edit);
     bool isCurrent() const { return !mEditing && !mReloadPending; }
     void reset();
     CellValue cell(const QModelIndex& index) const;

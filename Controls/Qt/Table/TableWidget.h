@@ -6,8 +6,8 @@ namespace farview
 {
 
 /// The table of an interface file: a table view that assistive technology can operate cell by
-/// cell. The dynamic properties "moveUp" and "moveDown" name what moves a row. It wants no more
-/// room than it needs at least, and takes whatever is left.
+/// cell. The dynamic properties "moveUp", "moveDown", "deleteRow" and "undoDelete" name what can be
+/// done to a row. It wants no more room than it needs at least, and takes whatever is left.
 class TableWidget : public QTableView
 {
     Q_OBJECT

@@ -168,23 +168,12 @@ void SourceChooser::updateCondition()
     const auto condition = living.empty() ? mCondition : conditionOf(*living.back());
     if (condition == std::exchange(mCondition, condition))
         return;
-    QTimer::singleShot(0, this, [this] {
-        const auto observers = *mObservers;
-        for (const auto& [number, changed] : observers) {
-            if (mObservers->contains(number))
-                changed();
-        }
-    });
+    QTimer::singleShot(0, this, [this] { mConditionObservers.tell(); });
 }
 
 Subscription SourceChooser::observeCondition(std::function<void()> changed)
 {
-    const unsigned number = ++mLastObserver;
-    (*mObservers)[number] = std::move(changed);
-    return Subscription([weak = std::weak_ptr(mObservers), number] {
-        if (const auto observers = weak.lock())
-            observers->erase(number);
-    });
+    return mConditionObservers.add(std::move(changed));
 }
 
 } // namespace farview

@@ -6,13 +6,13 @@
 #include "Platform/Desktop/Discovery/NetworkWatch.h"
 #include "Platform/Desktop/Discovery/TypeSearch.h"
 #include "Platform/Types/DiscoveryCondition.h"
+#include "Platform/Types/Observers.h"
 
 #include <QObject>
 #include <QTimer>
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,8 +37,6 @@ public:
     Subscription observeCondition(std::function<void()> changed);
 
 private:
-    using Observers = std::map<unsigned, std::function<void()>>;
-
     std::vector<std::shared_ptr<TypeSearch>> searches() const;
     bool isOutdated(const TypeSearch& search) const;
     bool isAnySearchUndecided() const;
@@ -61,8 +59,7 @@ private:
     std::unique_ptr<NetworkWatch> mNetworkWatch;
     QTimer mRetry;
     DiscoveryCondition mCondition = DiscoveryCondition::starting;
-    std::shared_ptr<Observers> mObservers = std::make_shared<Observers>();
-    unsigned mLastObserver = 0;
+    Observers<> mConditionObservers;
 };
 
 } // namespace farview

@@ -15,7 +15,7 @@ DBusNotificationCenter::DBusNotificationCenter(SessionBus& bus, RunLoop& runLoop
     connect(&mBus, &SessionBus::connected, this, [this](bool again) {
         beginReceiving();
         if (again)
-            tellReconnection();
+            mReconnectionObservers.tell();
     });
     if (mBus.isConnected())
         beginReceiving();
@@ -58,12 +58,7 @@ void DBusNotificationCenter::setSuspended(bool suspended) { mDelivery.setSuspend
 
 Subscription DBusNotificationCenter::observeReconnection(std::function<void()> action)
 {
-    const unsigned key = ++mLastAction;
-    mReconnectionActions->emplace(key, std::move(action));
-    return Subscription([actions = std::weak_ptr(mReconnectionActions), key] {
-        if (const auto alive = actions.lock())
-            alive->erase(key);
-    });
+    return mReconnectionObservers.add(std::move(action));
 }
 
 void DBusNotificationCenter::beginReceiving()
@@ -98,16 +93,6 @@ void DBusNotificationCenter::unsubscribeUnobserved()
             mReceiver->unsubscribe(name);
         return true;
     });
-}
-
-void DBusNotificationCenter::tellReconnection()
-{
-    // An action may end any of these subscriptions.
-    const Actions snapshot = *mReconnectionActions;
-    for (const auto& [key, action] : snapshot) {
-        if (mReconnectionActions->contains(key))
-            action();
-    }
 }
 
 } // namespace farview

@@ -5,6 +5,7 @@
 #include "Platform/Desktop/Notifications/NotificationDelivery.h"
 #include "Platform/Desktop/Notifications/NotificationReceiver.h"
 #include "Platform/NotificationCenter.h"
+#include "Platform/Types/Observers.h"
 
 #include <QObject>
 
@@ -37,21 +38,17 @@ public:
     Subscription observeReconnection(std::function<void()> action) override;
 
 private:
-    using Actions = std::map<unsigned, std::function<void()>>;
-
     void beginReceiving();
     void deliver(PostedNotification posted);
     void subscribe(const std::string& name);
     void unsubscribeUnobserved();
-    void tellReconnection();
 
     SessionBus& mBus;
     RateLimitedLog mLog;
     NotificationDelivery mDelivery;
     std::unique_ptr<NotificationReceiver> mReceiver;
     std::set<std::string> mSubscribed;
-    std::shared_ptr<Actions> mReconnectionActions = std::make_shared<Actions>();
-    unsigned mLastAction = 0;
+    Observers<> mReconnectionObservers;
 };
 
 } // namespace farview

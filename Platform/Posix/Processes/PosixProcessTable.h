@@ -2,6 +2,7 @@
 
 #include "Platform/ProcessTable.h"
 
+#include <atomic>
 #include <string>
 
 namespace farview
@@ -11,7 +12,8 @@ namespace farview
 ///
 /// Zombies are no running processes and are left out. A name that the kernel cut at 15 bytes is
 /// completed to 16 from the executable's name when that begins with it. The size is counted once,
-/// and again only after the table has outgrown it: counting is a good part of the time.
+/// and again only after the table has outgrown it: counting is a good part of the time. Several
+/// threads may ask at once.
 class PosixProcessTable final : public ProcessTable
 {
 public:
@@ -25,7 +27,7 @@ public:
 private:
     std::string mRoot;
     /// What the last count came to, with room for more; 0 when there has to be another.
-    std::size_t mRoom = 0;
+    std::atomic<std::size_t> mRoom = 0;
 };
 
 } // namespace farview

@@ -1,9 +1,8 @@
 #include "Platform/Posix/Settings/FileReplacement.h"
 
-#include "Platform/Posix/FileDescriptor.h"
-
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <array>
@@ -64,6 +63,25 @@ int nameAside(const std::string& path, const std::string& aside)
     return result == 0 ? 0 : errno;
 }
 
+/// Opens a file that no other process writes now. What stood in it is of no use to anyone.
+FileDescriptor openAlone(const std::string& path, int flags)
+{
+    FileDescriptor file(
+        ::open(path.c_str(), flags | O_WRONLY | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    struct stat opened {
+    };
+    struct stat named {
+    };
+    if (!file.isOpen() || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 ||
+        ::fstat(file.get(), &opened) != 0 || ::lstat(path.c_str(), &named) != 0)
+        return {};
+    // Another writer may have given the file its final name before the lock was there.
+    if (opened.st_ino == named.st_ino && opened.st_nlink == 1)
+        return file;
+    errno = EBUSY;
+    return {};
+}
+
 } // namespace
 
 std::string resolvedLink(const std::string& path)
@@ -109,37 +127,49 @@ int setAsideFile(const std::string& path, std::string& asidePath)
     return EEXIST;
 }
 
-FileReplacement::FileReplacement(std::string path, std::string temporaryPath)
-    : mPath(std::move(path)), mTemporaryPath(std::move(temporaryPath))
-{
-}
+FileReplacement::FileReplacement(std::string path) : mPath(std::move(path)) {}
 
 FileReplacement::~FileReplacement()
 {
-    if (mHasTemporary)
+    if (mFile.isOpen())
         ::unlink(mTemporaryPath.c_str());
+}
+
+int FileReplacement::openTemporary()
+{
+    constexpr int mostWritersAtOnce = 4;
+    int error = 0;
+    for (int number = 1; number <= mostWritersAtOnce; ++number) {
+        const auto path = mPath + ".new-" + std::to_string(number);
+        auto file = openAlone(path, mFile.isOpen() ? 0 : O_CREAT);
+        if (!file.isOpen())
+            error = errno;
+        else if (mFile.isOpen())
+            ::unlink(path.c_str()); // a killed writer left it
+        else {
+            mFile = std::move(file);
+            mTemporaryPath = path;
+        }
+    }
+    return mFile.isOpen() ? 0 : error;
 }
 
 int FileReplacement::write(std::string_view bytes, mode_t mode)
 {
-    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    ::unlink(mTemporaryPath.c_str());
-    const FileDescriptor file(::open(mTemporaryPath.c_str(), flags, S_IRUSR | S_IWUSR));
-    if (!file.isOpen())
-        return errno;
-    mHasTemporary = true;
-    if (::fchmod(file.get(), mode) != 0)
-        return errno;
-    if (const int error = writeAll(file.get(), bytes))
+    if (const int error = openTemporary())
         return error;
-    return ::fsync(file.get()) == 0 ? 0 : errno;
+    if (::ftruncate(mFile.get(), 0) != 0 || ::fchmod(mFile.get(), mode) != 0)
+        return errno;
+    if (const int error = writeAll(mFile.get(), bytes))
+        return error;
+    return ::fsync(mFile.get()) == 0 ? 0 : errno;
 }
 
 int FileReplacement::commit()
 {
     if (::rename(mTemporaryPath.c_str(), mPath.c_str()) != 0)
         return errno;
-    mHasTemporary = false;
+    mFile = {};
     return synchronizeFolder(parentOf(mPath));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Posix/FileDescriptor.h"
+
 #include <sys/types.h>
 
 #include <string>
@@ -22,26 +24,28 @@ int setAsideFile(const std::string& path, std::string& asidePath);
 
 /// Replaces a file in one step: a reader sees the old or the new contents, after a crash too.
 ///
-/// write() puts the new contents beside the file, commit() gives them its name. Without commit()
-/// nothing has changed. Two processes must not share a `temporaryPath` at once.
+/// write() puts the new contents into a file beside it, commit() gives them its name. Without
+/// commit() nothing has changed. Of several writers the last to commit wins. What a killed writer
+/// left beside the file goes with the next write().
 class FileReplacement
 {
 public:
-    /// `temporaryPath` lies in the same folder; what is left there of an earlier attempt goes.
-    FileReplacement(std::string path, std::string temporaryPath);
+    explicit FileReplacement(std::string path);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
 
-    /// Contents with exactly this mode, safe on the disk when it returns 0; else an errno.
+    /// Contents with exactly this mode, safe on the disk when it returns 0; else an errno. Once.
     int write(std::string_view bytes, mode_t mode);
     /// Returns 0 when the change is safe on the disk, else an errno.
     int commit();
 
 private:
+    int openTemporary();
+
     std::string mPath;
     std::string mTemporaryPath;
-    bool mHasTemporary = false;
+    FileDescriptor mFile; ///< locked for as long as it is open
 };
 
 } // namespace farview

@@ -94,8 +94,7 @@ PreferencesMergeResult Merge::run()
 
 PreferencesMergeResult Merge::replace(const std::string& bytes)
 {
-    // Only the holder of the lock uses this name, so what a killed process left goes away here.
-    FileReplacement replacement(mTarget, mTarget + ".new");
+    FileReplacement replacement(mTarget);
     if (const int error = replacement.write(bytes, mLocation.fileMode))
         return failure(errorText(error));
     if (mStored.status == PropertyListFile::Status::broken) {

@@ -39,12 +39,16 @@ public:
         gaps.push_back(gap);
         return true;
     }
-    std::string remarkOnRow(TableView&, int) override { return {}; }
+    bool mayDeleteRow(TableView&, int row) override { return row == 1; }
+    void deleteRow(TableView&, int row) override { deleted.push_back(row); }
+    bool mayUndoDelete(TableView&) override { return !deleted.empty(); }
+    void undoDelete(TableView&) override { deleted.pop_back(); }
     void tableViewSelectionIsChanging(const Notification&) override {}
 
     std::vector<std::string> names = {"Tablet", "Phone"};
     std::vector<bool> flags = {true, false};
     std::vector<int> gaps;
+    std::vector<int> deleted;
 };
 
 struct TableForAssistiveTechnology : testing::Test {
@@ -59,6 +63,8 @@ struct TableForAssistiveTechnology : testing::Test {
         widget.setProperty("columnTitle2", "Device");
         widget.setProperty("moveUp", "Up");
         widget.setProperty("moveDown", "Down");
+        widget.setProperty("deleteRow", "Forget");
+        widget.setProperty("undoDelete", "Undo Forget");
         EXPECT_TRUE(bindToWidget(table, &widget));
         table->setDataSource(devices);
         widget.resize(300, 200);
@@ -146,6 +152,18 @@ TEST_F(TableForAssistiveTechnology, DisabledItOffersNothing)
     EXPECT_TRUE(actions(cell(0, 0)).isEmpty());
     cell(0, 0)->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
     EXPECT_TRUE(devices->flags[0]);
+}
+
+TEST_F(TableForAssistiveTechnology, LetsARowBeForgottenThatMayAndBroughtBack)
+{
+    EXPECT_FALSE(actions(cell(0, 1)).contains(u"Forget"_qs));
+    EXPECT_FALSE(actions(cell(0, 1)).contains(u"Undo Forget"_qs)) << "nothing was forgotten";
+    cell(0, 1)->actionInterface()->doAction(u"Forget"_qs);
+    EXPECT_TRUE(devices->deleted.empty());
+    cell(1, 1)->actionInterface()->doAction(u"Forget"_qs);
+    EXPECT_EQ(devices->deleted, std::vector<int>{1});
+    cell(0, 0)->actionInterface()->doAction(u"Undo Forget"_qs);
+    EXPECT_TRUE(devices->deleted.empty());
 }
 
 } // namespace

@@ -3,8 +3,10 @@
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
 #include <QAccessible>
+#include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QHeaderView>
+#include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTableView>
@@ -55,9 +57,27 @@ public:
     {
         return row == remarkable ? "Not here, <b>seen</b> before" : "";
     }
+    bool mayDeleteRow(TableView&, int row) override { return row != immovable; }
+    void deleteRow(TableView& table, int row) override
+    {
+        deleted.push_back(names.at(static_cast<std::size_t>(row)));
+        names.erase(names.begin() + row);
+        flags.erase(flags.begin() + row);
+        table.reloadData();
+    }
+    bool mayUndoDelete(TableView&) override { return !deleted.empty(); }
+    void undoDelete(TableView& table) override
+    {
+        names.push_back(deleted.back());
+        flags.push_back(false);
+        deleted.pop_back();
+        table.reloadData();
+    }
     void tableViewSelectionIsChanging(const Notification&) override {}
 
     int remarkable = -1;
+    int immovable = -1;
+    std::vector<std::string> deleted;
     int asked = 0;
     std::vector<int> drops;
     std::vector<std::string> names = {"Tablet", "<b>Phone</b>\t"};
@@ -75,8 +95,19 @@ struct BoundTable : testing::Test {
         widget.setProperty("columnNotTicked1", "not ticked");
         widget.setProperty("column2", "DeviceName");
         widget.setProperty("columnTitle2", "Device");
+        widget.setProperty("deleteRow", "Forget");
+        widget.setProperty("undoDelete", "Undo Forget");
         EXPECT_TRUE(bindToWidget(table, &widget));
         table->setDataSource(rows);
+    }
+    /// The menu of a row, opened by the mouse. Null when there is none.
+    QMenu* menuOf(int row)
+    {
+        const QPoint place = widget.visualRect(widget.model()->index(row, 1)).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place,
+                                widget.viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(widget.viewport(), &event);
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
     }
     QVariant cell(int row, int column, int role)
     {
@@ -265,6 +296,69 @@ TEST_F(BoundTable, ASourceThatIsGoneLeavesAnEmptyTable)
     rows.reset();
     table->reloadData();
     EXPECT_EQ(widget.model()->rowCount(), 0);
+}
+
+TEST_F(BoundTable, DeleteTakesTheRowOffThatHasTheKeyboardAndUndoBringsItBack)
+{
+    widget.setCurrentIndex(widget.model()->index(0, 1));
+    QTest::keyClick(&widget, Qt::Key_Delete);
+    EXPECT_EQ(rows->deleted, std::vector<std::string>{"Tablet"});
+    QTest::keyClick(&widget, Qt::Key_Delete);
+    EXPECT_EQ(rows->deleted.size(), 1u) << "the table still shows an older state";
+    turn();
+    EXPECT_EQ(widget.currentIndex().row(), 0) << "the keyboard has the next row";
+    QTest::keyClick(&widget, Qt::Key_Z, Qt::ControlModifier);
+    turn();
+    EXPECT_TRUE(rows->deleted.empty());
+    EXPECT_EQ(widget.model()->rowCount(), 2);
+}
+
+TEST_F(BoundTable, ARowThatMustStayIsNotTakenOff)
+{
+    rows->immovable = 0;
+    widget.setCurrentIndex(widget.model()->index(0, 1));
+    QTest::keyClick(&widget, Qt::Key_Delete);
+    widget.setCurrentIndex({});
+    QTest::keyClick(&widget, Qt::Key_Delete);
+    EXPECT_TRUE(rows->deleted.empty());
+}
+
+TEST_F(BoundTable, ItsMenuOffersWhatCanBeDoneToTheRow)
+{
+    rows->immovable = 0;
+    widget.show();
+    auto* menu = menuOf(0);
+    ASSERT_NE(menu, nullptr);
+    ASSERT_EQ(menu->actions().size(), 2);
+    EXPECT_EQ(menu->actions().at(0)->text(), u"Forget"_qs);
+    EXPECT_FALSE(menu->actions().at(0)->isEnabled());
+    EXPECT_FALSE(menu->actions().at(1)->isEnabled()) << "there is nothing to undo";
+    menu->close();
+    turn();
+    menu = menuOf(1);
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(widget.currentIndex().row(), 1);
+    menu->actions().at(0)->trigger();
+    menu->close();
+    turn();
+    EXPECT_EQ(rows->deleted.size(), 1u);
+    menu = menuOf(0);
+    ASSERT_NE(menu, nullptr);
+    menu->actions().at(1)->trigger();
+    menu->close();
+    turn();
+    EXPECT_EQ(widget.model()->rowCount(), 2);
+}
+
+TEST_F(BoundTable, ItsMenuClosesWhenTheRowsBecomeOthers)
+{
+    widget.show();
+    const QPointer<QMenu> menu = menuOf(1);
+    ASSERT_NE(menu, nullptr);
+    table->reloadData();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(menu, nullptr);
 }
 
 } // namespace

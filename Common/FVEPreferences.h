@@ -95,6 +95,9 @@ public:
     void prefsDidChangeNotification();
 
 private:
+    std::optional<farview::PropertyList> find(const char* key,
+                                              bool (*hasRightType)(const farview::PropertyList&));
+    template <typename Type> std::optional<Type> valueOf(const char* key);
     bool booleanDefaultingToYes(const char* key);
     /// Writes nothing.
     bool booleanDefaultingToNo(const char* key);

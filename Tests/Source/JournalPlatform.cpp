@@ -89,11 +89,6 @@ class JournalPreferences final : public Preferences
 {
 public:
     JournalPreferences(Preferences& inner, Journal& journal) : mInner(inner), mJournal(journal) {}
-    std::optional<PropertyList> copyAppValue(const std::string& key,
-                                             const std::string& applicationID) override
-    {
-        return mInner.copyAppValue(key, applicationID);
-    }
     std::optional<PropertyList> copyValue(const std::string& key, const std::string& applicationID,
                                           PreferencesUser user, PreferencesHost host) override
     {

@@ -11,7 +11,8 @@ namespace farview
 ///
 /// Zombies are no running processes and are left out. A name that the kernel cut at 15 bytes is
 /// completed to 16 from the executable's name when that begins with it. The size is counted once,
-/// and again only after the table has outgrown it: counting is a good part of the time.
+/// and again only after a failed read: counting is a good part of the time. A read that failed for
+/// another reason than a table that grew fails the next query of the size with the same error.
 class PosixProcessTable final : public ProcessTable
 {
 public:
@@ -23,9 +24,12 @@ public:
     int contents(std::span<ProcessRecord> records, std::size_t& recordCount) override;
 
 private:
+    int read(std::span<ProcessRecord> records, std::size_t& recordCount) const;
+
     std::string mRoot;
     /// What the last count came to, with room for more; 0 when there has to be another.
     std::size_t mRoom = 0;
+    int mReadError = 0; ///< of the last read, until it was told
 };
 
 } // namespace farview

@@ -1,12 +1,13 @@
 #include "Applications/Update/Fetch.h"
 
-#include "Applications/Update/NetworkFailure.h"
 #include "Platform/Posix/PropertyLists/PropertyListFile.h"
 #include "Platform/Posix/WholeFile.h"
 
+#include <QNetworkInterface>
 #include <QNetworkProxyFactory>
 #include <QSslConfiguration>
 
+#include <algorithm>
 #include <utility>
 
 namespace farview
@@ -44,6 +45,41 @@ QNetworkRequest requestFor(const QUrl& address)
     return request;
 }
 
+bool leadsOut(const QNetworkInterface& interface)
+{
+    const auto flags = interface.flags();
+    return flags.testFlag(QNetworkInterface::IsRunning) &&
+           !flags.testFlag(QNetworkInterface::IsLoopBack) && !interface.addressEntries().isEmpty();
+}
+
+bool hasNetwork()
+{
+    const auto interfaces = QNetworkInterface::allInterfaces();
+    return std::any_of(interfaces.begin(), interfaces.end(), leadsOut);
+}
+
+/// What a transfer that ended with that error is to the user.
+UpdateProblem problemOf(QNetworkReply::NetworkError error)
+{
+    switch (error) {
+    case QNetworkReply::SslHandshakeFailedError:
+        return UpdateProblem::certificate;
+    case QNetworkReply::InsecureRedirectError:
+    case QNetworkReply::ProtocolUnknownError:
+        return UpdateProblem::insecureAddress;
+    case QNetworkReply::ConnectionRefusedError:
+    case QNetworkReply::HostNotFoundError:
+    case QNetworkReply::TemporaryNetworkFailureError:
+    case QNetworkReply::NetworkSessionFailedError:
+    case QNetworkReply::UnknownNetworkError:
+        return hasNetwork() ? UpdateProblem::server : UpdateProblem::noNetwork;
+    case QNetworkReply::TimeoutError:
+        return UpdateProblem::stalled;
+    default:
+        return UpdateProblem::server;
+    }
+}
+
 } // namespace
 
 bool isSecureAddress(const QUrl& address)
@@ -68,10 +104,10 @@ Fetch::Fetch()
     mSilence.setSingleShot(true);
     mDeadline.setSingleShot(true);
     QObject::connect(&mSilence, &QTimer::timeout, &mSilence, [this] {
-        end(UpdateFailure{UpdateReason::stalled, "the server fell silent"});
+        end(UpdateFailure{UpdateProblem::stalled, "the server fell silent"});
     });
     QObject::connect(&mDeadline, &QTimer::timeout, &mDeadline, [this] {
-        end(UpdateFailure{UpdateReason::stalled, "the server is too slow"});
+        end(UpdateFailure{UpdateProblem::stalled, "the server is too slow"});
     });
 }
 
@@ -107,7 +143,7 @@ void Fetch::openFile()
     if (file.status == WholeFile::Status::tooLarge)
         return end(UpdateFailure{mOrder.beyond, path + " is too large"});
     if (file.status != WholeFile::Status::read)
-        return end(UpdateFailure{UpdateReason::server, path + ": " + errorText(file.error)});
+        return end(UpdateFailure{UpdateProblem::server, path + ": " + errorText(file.error)});
     mBytes = std::move(file.bytes);
     mProgress(mBytes.size());
     end(std::nullopt);
@@ -138,7 +174,7 @@ void Fetch::connectReply()
 void Fetch::redirect(const QUrl& target)
 {
     if (target.scheme() != QLatin1String("https"))
-        return end(UpdateFailure{UpdateReason::insecureAddress,
+        return end(UpdateFailure{UpdateProblem::insecureAddress,
                                  "redirected to " + target.toString().toStdString()});
     mSilence.start();
     Q_EMIT mReply->redirectAllowed();
@@ -167,10 +203,10 @@ void Fetch::receive()
 void Fetch::conclude()
 {
     if (mReply->error() != QNetworkReply::NoError)
-        return end(networkFailure(mReply->error(), mReply->errorString()));
+        return end(UpdateFailure{problemOf(mReply->error()), mReply->errorString().toStdString()});
     const int status = mReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status != statusOfContents)
-        return end(UpdateFailure{UpdateReason::server, "status " + std::to_string(status)});
+        return end(UpdateFailure{UpdateProblem::server, "status " + std::to_string(status)});
     receive();
     end(std::nullopt);
 }

@@ -21,7 +21,7 @@ namespace farview
 struct FetchOrder {
     QUrl address;                  ///< https: or file:
     std::uint64_t largestSize = 0; ///< in bytes
-    UpdateReason beyond{};         ///< the failure when more comes
+    UpdateProblem beyond{};        ///< the failure when more comes
     std::chrono::seconds patience{};
     /// The whole may take this long, however much comes; 0: as long as something comes.
     std::chrono::seconds deadline{};

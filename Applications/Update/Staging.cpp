@@ -50,7 +50,7 @@ std::optional<UpdateFailure> Staging::openOwn()
     // A folder that somebody else laid there is not used.
     if (::fstat(mFolder.get(), &status) != 0 || status.st_uid != ::geteuid() ||
         (status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-        return UpdateFailure{UpdateReason::write, mPath + " is not private"};
+        return UpdateFailure{UpdateProblem::write, mPath + " is not private"};
     return std::nullopt;
 }
 
@@ -77,7 +77,7 @@ std::optional<UpdateFailure> Staging::lock()
         if (isStillThere())
             return std::nullopt;
     }
-    return UpdateFailure{UpdateReason::busy, "another update of this bundle is running"};
+    return UpdateFailure{UpdateProblem::busy, "another update of this bundle is running"};
 }
 
 std::optional<UpdateFailure> Staging::acquire()

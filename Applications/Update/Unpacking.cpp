@@ -27,7 +27,7 @@ constexpr std::size_t longestShownText = 200;
 
 UpdateFailure refusal(const std::string& what)
 {
-    return {UpdateReason::archive, printableText(what, longestShownText)};
+    return {UpdateProblem::archive, printableText(what, longestShownText)};
 }
 
 /// Writes all of it; returns 0 or an errno.
@@ -121,7 +121,7 @@ std::optional<UpdateFailure> Unpacking::unpack(std::string_view archive)
     int status = reader.next();
     for (; status == ARCHIVE_OK; status = reader.next()) {
         if (mIsBrokenOff())
-            return UpdateFailure{UpdateReason::internal, "broken off"};
+            return UpdateFailure{UpdateProblem::internal, "broken off"};
         if (auto failure = unpackEntry(reader))
             return failure;
     }
@@ -196,7 +196,7 @@ std::optional<UpdateFailure> Unpacking::copy(Reader& reader, int descriptor,
                 writeAll(descriptor, {buffer.data(), static_cast<std::size_t>(count)}))
             return writeFailure(error, path);
     }
-    return UpdateFailure{UpdateReason::internal, "broken off"};
+    return UpdateFailure{UpdateProblem::internal, "broken off"};
 }
 
 } // namespace farview

@@ -48,7 +48,8 @@ void UpdateEvents::cancelled() { say("cancelled", {}); }
 
 void UpdateEvents::failed(const UpdateFailure& failure)
 {
-    say("failed", {{"reason", wordFor(failure.reason)}, {"detail", text(failure.detail)}});
+    say("failed",
+        {{"reason", text(std::string(wordOf(failure.problem)))}, {"detail", text(failure.detail)}});
 }
 
 void UpdateEvents::say(const char* event, QJsonObject details)

@@ -50,7 +50,7 @@ void UpdateRun::start()
     mEvents.checking();
     if (auto failure = look())
         return fail(*failure);
-    const FetchOrder order{mFeed, FeedReader::largestSize, UpdateReason::tooLarge,
+    const FetchOrder order{mFeed, FeedReader::largestSize, UpdateProblem::tooLarge,
                            mArguments.patience, longestFeed};
     mFetch.start(
         order, [](std::uint64_t) {},
@@ -63,19 +63,19 @@ void UpdateRun::start()
 std::optional<UpdateFailure> UpdateRun::look()
 {
     if (exists(mBundle) && !mayReplaceBundle(mBundle))
-        return UpdateFailure{UpdateReason::managed, mBundle + " may not be written"};
+        return UpdateFailure{UpdateProblem::managed, mBundle + " may not be written"};
     if (auto failure = mStaging.tidy())
         return failure;
     const auto facts = readBundleFacts(mBundle);
     if (!facts)
-        return UpdateFailure{UpdateReason::internal, "no bundle at " + mBundle};
+        return UpdateFailure{UpdateProblem::internal, "no bundle at " + mBundle};
     mFacts = *facts;
     if (mFacts.version.empty() || mFacts.feed.empty() || !isPublicKey(mFacts.publicKey))
-        return UpdateFailure{UpdateReason::notConfigured,
+        return UpdateFailure{UpdateProblem::notConfigured,
                              "version, SUFeedURL or SUPublicEDKey is missing in the Info.plist"};
     mFeed = addressFrom(mFacts.feed);
     if (!isSecureAddress(mFeed))
-        return UpdateFailure{UpdateReason::insecureAddress, mFacts.feed};
+        return UpdateFailure{UpdateProblem::insecureAddress, mFacts.feed};
     return std::nullopt;
 }
 
@@ -83,10 +83,10 @@ void UpdateRun::takeFeed(const std::string& bytes)
 {
     const auto feed = FeedReader::read(bytes);
     if (!feed.items)
-        return fail(UpdateFailure{UpdateReason::feedUnreadable, feed.reason});
+        return fail(UpdateFailure{UpdateProblem::feedUnreadable, feed.reason});
     const auto choice = chooseUpdate(*feed.items, mFacts.version, systemVersion());
     if (choice.kind == UpdateChoice::Kind::systemTooOld)
-        return fail(UpdateFailure{UpdateReason::systemTooOld, choice.offered});
+        return fail(UpdateFailure{UpdateProblem::systemTooOld, choice.offered});
     if (choice.kind == UpdateChoice::Kind::found)
         return offer(*choice.item);
     mEvents.current(mFacts.version, choice.offered);
@@ -98,14 +98,14 @@ std::optional<UpdateFailure> UpdateRun::refusalOf(const UpdateItem& item)
 {
     mArchive = mFeed.resolved(addressFrom(item.address));
     if (!isSecureAddress(mArchive) || (mArchive.isLocalFile() && !mFeed.isLocalFile()))
-        return UpdateFailure{UpdateReason::insecureAddress, item.address};
+        return UpdateFailure{UpdateProblem::insecureAddress, item.address};
     if (item.length == 0)
-        return UpdateFailure{UpdateReason::wrongLength, "the feed says no length"};
+        return UpdateFailure{UpdateProblem::wrongLength, "the feed says no length"};
     if (item.length > largestArchive)
-        return UpdateFailure{UpdateReason::tooLarge,
+        return UpdateFailure{UpdateProblem::tooLarge,
                              std::to_string(item.length) + " bytes are announced"};
     if (item.signature.empty())
-        return UpdateFailure{UpdateReason::wrongSignature, "the archive is not signed"};
+        return UpdateFailure{UpdateProblem::wrongSignature, "the archive is not signed"};
     return std::nullopt;
 }
 

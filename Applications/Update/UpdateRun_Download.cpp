@@ -36,7 +36,7 @@ void UpdateRun::download()
         return fail(*failure);
     mSinceProgress.start();
     const FetchOrder order{
-        mArchive, mItem.length, UpdateReason::wrongLength, mArguments.patience, {}};
+        mArchive, mItem.length, UpdateProblem::wrongLength, mArguments.patience, {}};
     mFetch.start(
         order, [this](std::uint64_t received) { takeProgress(received); },
         [this](const std::string& bytes, std::optional<UpdateFailure> failure) {
@@ -53,7 +53,7 @@ std::optional<UpdateFailure> UpdateRun::makeRoom()
     if (::statvfs(mStaging.path().c_str(), &disk) != 0)
         return writeFailure(errno, mStaging.path());
     if (std::uint64_t{disk.f_bavail} * disk.f_frsize < expansion * mItem.length)
-        return UpdateFailure{UpdateReason::noSpace, "too little is free"};
+        return UpdateFailure{UpdateProblem::noSpace, "too little is free"};
     return std::nullopt;
 }
 
@@ -80,10 +80,10 @@ void UpdateRun::takeArchive(const std::string& bytes)
 std::optional<UpdateFailure> UpdateRun::prepare(const std::string& archive)
 {
     if (archive.size() != mItem.length)
-        return UpdateFailure{UpdateReason::wrongLength,
+        return UpdateFailure{UpdateProblem::wrongLength,
                              std::to_string(archive.size()) + " bytes came"};
     if (!isSigned(archive, mItem.signature, mFacts.publicKey))
-        return UpdateFailure{UpdateReason::wrongSignature, "not signed with the bundle's key"};
+        return UpdateFailure{UpdateProblem::wrongSignature, "not signed with the bundle's key"};
     const std::string folder = mStaging.path() + "/new";
     if (auto failure = makePrivateFolder(folder))
         return failure;
@@ -99,11 +99,11 @@ std::optional<UpdateFailure> UpdateRun::compare() const
 {
     const auto facts = readBundleFacts(mReplacement);
     if (!facts || facts->identifier != mFacts.identifier || facts->version.empty())
-        return UpdateFailure{UpdateReason::archive, "it holds no bundle of this identifier"};
+        return UpdateFailure{UpdateProblem::archive, "it holds no bundle of this identifier"};
     if (compareVersions(facts->version, mFacts.version) <= 0)
-        return UpdateFailure{UpdateReason::downgrade, "it holds version " + facts->version};
+        return UpdateFailure{UpdateProblem::downgrade, "it holds version " + facts->version};
     if (compareVersions(facts->version, mItem.version) != 0)
-        return UpdateFailure{UpdateReason::wrongVersion, "it holds version " + facts->version};
+        return UpdateFailure{UpdateProblem::wrongVersion, "it holds version " + facts->version};
     return std::nullopt;
 }
 

@@ -25,7 +25,7 @@ std::optional<UpdateFailure> UpdateRun::exchange()
     // Much time may have passed since the user was asked.
     const auto facts = readBundleFacts(mBundle);
     if (!facts || facts->version != mFacts.version)
-        return UpdateFailure{UpdateReason::downgrade, "the bundle was replaced by another"};
+        return UpdateFailure{UpdateProblem::downgrade, "the bundle was replaced by another"};
     return BundleExchange{mBundle, mReplacement, mStaging.asidePath()}.run(NameChanges());
 }
 

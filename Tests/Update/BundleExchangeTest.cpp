@@ -67,18 +67,18 @@ TEST_F(BundleExchangeTest, TakesTwoStepsWhereTheFileSystemCannotDoItInOne)
 
 TEST_F(BundleExchangeTest, LeavesTheOldOneWhenItFails)
 {
-    EXPECT_EQ(exchange.run(inTwoSteps(EACCES))->reason, UpdateReason::write);
+    EXPECT_EQ(exchange.run(inTwoSteps(EACCES))->problem, UpdateProblem::write);
     EXPECT_EQ(installed(), "old");
 
     auto secondFails = inTwoSteps(EINVAL);
     secondFails.rename = [&](const std::string& from, const std::string& to) {
         return from == exchange.replacement ? EIO : NameChanges().rename(from, to);
     };
-    EXPECT_EQ(exchange.run(secondFails)->reason, UpdateReason::write);
+    EXPECT_EQ(exchange.run(secondFails)->problem, UpdateProblem::write);
     EXPECT_EQ(installed(), "old");
 
     exchange.replacement = folder.path("nothing/here");
-    EXPECT_EQ(exchange.run(NameChanges())->reason, UpdateReason::write);
+    EXPECT_EQ(exchange.run(NameChanges())->problem, UpdateProblem::write);
     EXPECT_EQ(installed(), "old");
 }
 

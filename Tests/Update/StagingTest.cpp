@@ -44,8 +44,8 @@ TEST_F(StagingTest, IsHeldByOneAtATime)
     ASSERT_FALSE(first.acquire());
     std::ofstream(place + "/file") << "x";
     Staging second(bundle);
-    EXPECT_EQ(second.acquire()->reason, UpdateReason::busy);
-    EXPECT_EQ(second.tidy()->reason, UpdateReason::busy);
+    EXPECT_EQ(second.acquire()->problem, UpdateProblem::busy);
+    EXPECT_EQ(second.tidy()->problem, UpdateProblem::busy);
     EXPECT_TRUE(fs::exists(place + "/file")) << "what is held is left alone";
     first.release();
     EXPECT_FALSE(second.acquire());
@@ -77,10 +77,10 @@ TEST_F(StagingTest, UsesNoFolderThatOthersMayWriteOrLaidThere)
 {
     fs::create_directory(place);
     fs::permissions(place, fs::perms(0770));
-    EXPECT_EQ(Staging(bundle).acquire()->reason, UpdateReason::write);
+    EXPECT_EQ(Staging(bundle).acquire()->problem, UpdateProblem::write);
     fs::remove(place);
     fs::create_directory_symlink(folder.path("Pane"), place);
-    EXPECT_EQ(Staging(bundle).acquire()->reason, UpdateReason::write);
+    EXPECT_EQ(Staging(bundle).acquire()->problem, UpdateProblem::write);
     EXPECT_TRUE(bundleIsThere());
 }
 

@@ -58,7 +58,7 @@ TEST(Unpacking, KeepsToItsLimits)
         const TemporaryFolder folder;
         const auto failure = Unpacking(folder.path(), row.limits, goOn).unpack(archive);
         EXPECT_EQ(!failure, row.fits);
-        EXPECT_TRUE(row.fits || failure->reason == UpdateReason::archive);
+        EXPECT_TRUE(row.fits || failure->problem == UpdateProblem::archive);
     }
 }
 
@@ -78,7 +78,7 @@ TEST(Unpacking, AFolderThatCannotBeWrittenIsNotTheArchivesFault)
     const auto archive = packed({{"Top", Kind::folder, "", 0755, 0}});
     const auto failure = Unpacking("/proc/nowhere", {}, goOn).unpack(archive);
     ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->reason, UpdateReason::write);
+    EXPECT_EQ(failure->problem, UpdateProblem::write);
 }
 
 } // namespace

@@ -95,6 +95,7 @@ public:
         return ::archive_entry_filetype(mEntry) == AE_IFREG && !::archive_entry_hardlink(mEntry);
     }
     bool isProgram() const { return (::archive_entry_perm(mEntry) & S_IXUSR) != 0; }
+    /// As it announces; 0 when it does not.
     std::uint64_t size() const
     {
         const auto size = ::archive_entry_size(mEntry);
@@ -132,8 +133,10 @@ std::optional<UpdateFailure> Unpacking::unpack(std::string_view archive)
 
 std::optional<UpdateFailure> Unpacking::unpackEntry(Reader& reader)
 {
-    if (auto failure = count(reader))
-        return failure;
+    if (++mEntries > mLimits.entries)
+        return refusal("too many entries");
+    if (!fits(reader.size()))
+        return refusal("it announces more than it may hold");
     const auto inner = innerPath(reader.path());
     if (!inner || inner->size() > mLimits.pathLength || !takeTop(*inner))
         return refusal("a path that leads elsewhere: " + reader.path());
@@ -145,17 +148,6 @@ std::optional<UpdateFailure> Unpacking::unpackEntry(Reader& reader)
     if (::mkdir(path.c_str(), folder) == 0)
         return std::nullopt;
     return errno == EEXIST ? refusal("a path twice: " + reader.path()) : writeFailure(errno, path);
-}
-
-/// Before anything of the entry is written.
-std::optional<UpdateFailure> Unpacking::count(const Reader& reader)
-{
-    if (++mEntries > mLimits.entries)
-        return refusal("too many entries");
-    if (reader.size() > mLimits.bytes - mBytes)
-        return refusal("too large when it is unpacked");
-    mBytes += reader.size();
-    return std::nullopt;
 }
 
 /// Every path begins with the same folder.
@@ -187,13 +179,17 @@ std::optional<UpdateFailure> Unpacking::copy(Reader& reader, int descriptor,
 {
     std::array<char, 64 * 1024> buffer{};
     while (!mIsBrokenOff()) {
-        const auto count = reader.read(buffer.data(), buffer.size());
-        if (count < 0)
+        const auto size = reader.read(buffer.data(), buffer.size());
+        if (size < 0)
             return refusal(reader.error());
-        if (count == 0)
+        if (size == 0)
             return std::nullopt;
-        if (const int error =
-                writeAll(descriptor, {buffer.data(), static_cast<std::size_t>(count)}))
+        const std::string_view bytes(buffer.data(), static_cast<std::size_t>(size));
+        // A sparse entry may announce one byte and put it behind a hole of any size.
+        if (!fits(bytes.size()))
+            return refusal("too large when it is unpacked");
+        mBytes += bytes.size();
+        if (const int error = writeAll(descriptor, bytes))
             return writeFailure(error, path);
     }
     return UpdateFailure{UpdateProblem::internal, "broken off"};

@@ -14,7 +14,7 @@ namespace farview
 
 /// How much an archive may hold.
 struct UnpackLimits {
-    std::uint64_t bytes = 512u << 20; ///< of all files together
+    std::uint64_t bytes = 512u << 20; ///< written for all files together
     std::size_t entries = 10000;
     std::size_t pathLength = 512;
 };
@@ -42,14 +42,14 @@ private:
     std::optional<UpdateFailure> unpackEntry(Reader& reader);
     std::optional<UpdateFailure> unpackFile(Reader& reader, const std::string& path);
     std::optional<UpdateFailure> copy(Reader& reader, int descriptor, const std::string& path);
-    std::optional<UpdateFailure> count(const Reader& reader);
+    bool fits(std::uint64_t more) const { return more <= mLimits.bytes - mBytes; }
     bool takeTop(const std::string& path);
 
     std::string mFolder;
     UnpackLimits mLimits;
     std::function<bool()> mIsBrokenOff;
     std::string mTop;
-    std::uint64_t mBytes = 0;
+    std::uint64_t mBytes = 0; ///< written
     std::size_t mEntries = 0;
 };
 

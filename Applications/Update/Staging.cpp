@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <utility>
 
@@ -82,16 +83,18 @@ std::optional<UpdateFailure> Staging::lock()
 
 std::optional<UpdateFailure> Staging::acquire()
 {
-    auto failure = lock();
-    if (!failure)
-        failure = empty();
+    auto failure = tryToAcquire();
+    if (failure && failure->problem != UpdateProblem::busy && clearPath())
+        failure = tryToAcquire();
     if (failure)
         mFolder = {};
     return failure;
 }
 
-std::optional<UpdateFailure> Staging::empty()
+std::optional<UpdateFailure> Staging::tryToAcquire()
 {
+    if (auto failure = lock())
+        return failure;
     if (!exists(mBundle) && exists(asidePath()) &&
         ::rename(asidePath().c_str(), mBundle.c_str()) != 0)
         return writeFailure(errno, mBundle);
@@ -102,6 +105,20 @@ std::optional<UpdateFailure> Staging::empty()
             return writeFailure(error.value(), mPath + "/" + name);
     }
     return std::nullopt;
+}
+
+/// What cannot be used or emptied, and cannot be removed, gets another name: it must not hold up
+/// every update from now on. Not while the only copy of the bundle may be in it.
+bool Staging::clearPath() const
+{
+    if (!exists(mBundle))
+        return false;
+    std::error_code error;
+    std::filesystem::remove_all(mPath, error);
+    if (!error)
+        return true;
+    std::string other = mPath + ".XXXXXX";
+    return ::mkdtemp(other.data()) && ::rename(mPath.c_str(), other.c_str()) == 0;
 }
 
 std::optional<UpdateFailure> Staging::tidy()

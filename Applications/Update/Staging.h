@@ -22,7 +22,8 @@ public:
     Staging& operator=(const Staging&) = delete;
 
     /// Makes the folder, empty, for this process alone. What a run that was killed left there goes;
-    /// a bundle that it was about to replace is put back.
+    /// a bundle that it was about to replace is put back. What lies there and can be neither used
+    /// nor removed is renamed to "NAME.XXXXXX", with six letters of chance.
     std::optional<UpdateFailure> acquire();
     /// Does that for what was left, if anything was, and lets go of the folder again.
     std::optional<UpdateFailure> tidy();
@@ -36,7 +37,8 @@ private:
     std::optional<UpdateFailure> openOwn();
     std::optional<UpdateFailure> lock();
     bool isStillThere() const;
-    std::optional<UpdateFailure> empty();
+    std::optional<UpdateFailure> tryToAcquire();
+    bool clearPath() const;
 
     std::string mBundle;
     std::string mPath;

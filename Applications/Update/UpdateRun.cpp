@@ -8,7 +8,7 @@ namespace farview
 UpdateRun::UpdateRun(UpdateArguments arguments, UpdateEvents& events,
                      std::function<void(int)> ended)
     : mArguments(std::move(arguments)), mEvents(events), mEnded(std::move(ended)),
-      mBundle(ownPath(mArguments.bundle)), mStaging(mBundle)
+      mBundle(ownPath(mArguments.bundle)), mStaging(mBundle), mHelpers(mBundle)
 {
 }
 

@@ -2,6 +2,7 @@
 
 #include "Applications/Update/BundleFacts.h"
 #include "Applications/Update/Fetch.h"
+#include "Applications/Update/HelperPrograms.h"
 #include "Applications/Update/Staging.h"
 #include "Applications/Update/TrialRun.h"
 #include "Applications/Update/UpdateArguments.h"
@@ -77,6 +78,7 @@ private:
     Staging mStaging;
     Fetch mFetch;
     TrialRun mTrial;
+    HelperPrograms mHelpers;
 };
 
 } // namespace farview

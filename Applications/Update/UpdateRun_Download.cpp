@@ -123,6 +123,8 @@ void UpdateRun::takeVerdict(const std::optional<UpdateFailure>& failure)
         return cancel();
     if (failure)
         return fail(*failure);
+    // They are ended before the word to install comes.
+    mHelpers.note();
     mStep = Step::ready;
     mEvents.ready(mItem.version);
     proceed();

@@ -12,12 +12,11 @@ void UpdateRun::install()
 {
     mStep = Step::working;
     mEvents.installing();
-    if (auto failure = exchange())
-        return fail(*failure);
+    const auto failure = exchange();
     // With it goes the old bundle.
     mStaging.release();
-    mEvents.installed(mItem.version);
-    end(0);
+    failure ? mEvents.failed(*failure) : mEvents.installed(mItem.version);
+    mHelpers.startAgain([this, status = failure ? 1 : 0] { end(status); });
 }
 
 std::optional<UpdateFailure> UpdateRun::exchange()

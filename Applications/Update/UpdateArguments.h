@@ -1,28 +1,24 @@
 #pragma once
 
+#include <QStringList>
+
 #include <chrono>
 #include <string>
-#include <vector>
 
 namespace farview
 {
 
-inline constexpr int wrongUseOfUpdate = 2;
-
+/// What the command line asks for.
 struct UpdateArguments {
-    enum class Wish { update, help, version, none };
-
-    Wish wish = Wish::update;
     std::string bundle;
     std::string host;
     bool onlyChecks = false;
-    std::chrono::seconds patience{30}; ///< with a server that is silent
-    std::string mistake;               ///< of `none`, printable
+    std::chrono::seconds patience{30}; ///< how long a server may be silent
+    std::string answer;                ///< not empty: only print this, help or version
+    std::string mistake;               ///< not empty: it is wrong; printable
 };
 
-UpdateArguments readUpdateArguments(const std::vector<std::string>& arguments);
-
-/// What --help prints.
-extern const char* const updateUsage;
+/// `commandLine` begins with the program's name. Needs the application object.
+UpdateArguments readUpdateArguments(const QStringList& commandLine);
 
 } // namespace farview

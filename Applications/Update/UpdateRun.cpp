@@ -1,13 +1,14 @@
 #include "Applications/Update/UpdateRun.h"
 
+#include <QJsonDocument>
+
 #include <utility>
 
 namespace farview
 {
 
-UpdateRun::UpdateRun(UpdateArguments arguments, UpdateEvents& events,
-                     std::function<void(int)> ended)
-    : mArguments(std::move(arguments)), mEvents(events), mEnded(std::move(ended)),
+UpdateRun::UpdateRun(UpdateArguments arguments, std::FILE* output, std::function<void(int)> ended)
+    : mArguments(std::move(arguments)), mOutput(output), mEnded(std::move(ended)),
       mBundle(ownPath(mArguments.bundle)), mStaging(mBundle), mHelpers(mBundle)
 {
 }
@@ -35,6 +36,20 @@ void UpdateRun::proceed()
         install();
 }
 
+void UpdateRun::say(const char* event, QJsonObject details)
+{
+    details["event"] = event;
+    const QByteArray line = QJsonDocument(details).toJson(QJsonDocument::Compact) + '\n';
+    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), mOutput);
+    std::fflush(mOutput);
+}
+
+void UpdateRun::say(const UpdateFailure& failure)
+{
+    say("failed", {{"reason", QString::fromStdString(std::string(wordOf(failure.problem)))},
+                   {"detail", QString::fromStdString(failure.detail)}});
+}
+
 bool UpdateRun::isBrokenOff()
 {
     mListen();
@@ -45,14 +60,14 @@ void UpdateRun::cancel()
 {
     mFetch.stop();
     mStaging.release();
-    mEvents.cancelled();
+    say("cancelled");
     end(0);
 }
 
 void UpdateRun::fail(const UpdateFailure& failure)
 {
     mStaging.release();
-    mEvents.failed(failure);
+    say(failure);
     end(1);
 }
 

@@ -7,11 +7,13 @@
 #include "Applications/Update/TrialRun.h"
 #include "Applications/Update/UpdateArguments.h"
 #include "Applications/Update/UpdateCommands.h"
-#include "Applications/Update/UpdateEvents.h"
+#include "Common/Rules/UpdateChoice.h"
 
 #include <QElapsedTimer>
+#include <QJsonObject>
 #include <QUrl>
 
+#include <cstdio>
 #include <functional>
 #include <optional>
 #include <string>
@@ -24,8 +26,9 @@ namespace farview
 class UpdateRun
 {
 public:
-    /// `ended` is called once, with the exit status. `events` is used, not owned.
-    UpdateRun(UpdateArguments arguments, UpdateEvents& events, std::function<void(int)> ended);
+    /// Says what happens on `output`, one JSON object per line; who reads it may have gone. `ended`
+    /// is called once, with the exit status. `output` is used, not owned.
+    UpdateRun(UpdateArguments arguments, std::FILE* output, std::function<void(int)> ended);
 
     void start();
     void take(UpdateCommand command);
@@ -53,13 +56,15 @@ private:
     void install();
     std::optional<UpdateFailure> exchange();
 
+    void say(const char* event, QJsonObject details = {});
+    void say(const UpdateFailure& failure);
     bool isBrokenOff();
     void cancel();
     void fail(const UpdateFailure& failure);
     void end(int status);
 
     UpdateArguments mArguments;
-    UpdateEvents& mEvents;
+    std::FILE* mOutput;
     std::function<void(int)> mEnded;
     std::function<void()> mListen = [] {};
     Step mStep = Step::checking;

@@ -47,7 +47,7 @@ void UpdateRun::start()
     // Broken off before it began.
     if (mStep == Step::ended)
         return;
-    mEvents.checking();
+    say("checking");
     if (auto failure = look())
         return fail(*failure);
     const FetchOrder order{mFeed, FeedReader::largestSize, UpdateProblem::tooLarge,
@@ -89,7 +89,8 @@ void UpdateRun::takeFeed(const std::string& bytes)
         return fail(UpdateFailure{UpdateProblem::systemTooOld, choice.offered});
     if (choice.kind == UpdateChoice::Kind::found)
         return offer(*choice.item);
-    mEvents.current(mFacts.version, choice.offered);
+    say("current", {{"version", QString::fromStdString(mFacts.version)},
+                    {"offered", QString::fromStdString(choice.offered)}});
     end(0);
 }
 
@@ -114,7 +115,9 @@ void UpdateRun::offer(const UpdateItem& item)
     if (auto failure = refusalOf(item))
         return fail(*failure);
     mItem = item;
-    mEvents.found(mItem);
+    say("found", {{"version", QString::fromStdString(mItem.version)},
+                  {"notes", QString::fromStdString(mItem.notes)},
+                  {"length", static_cast<qint64>(mItem.length)}});
     if (mArguments.onlyChecks)
         return end(0);
     mStep = Step::offered;

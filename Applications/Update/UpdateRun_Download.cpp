@@ -63,13 +63,14 @@ void UpdateRun::takeProgress(std::uint64_t received)
     if (!isComplete && mSinceProgress.elapsed() < millisecondsBetweenReports)
         return;
     mSinceProgress.start();
-    mEvents.downloading(received, mItem.length);
+    say("downloading", {{"received", static_cast<qint64>(received)},
+                        {"length", static_cast<qint64>(mItem.length)}});
 }
 
 void UpdateRun::takeArchive(const std::string& bytes)
 {
     mStep = Step::working;
-    mEvents.verifying();
+    say("verifying");
     const auto failure = prepare(bytes);
     if (mIsCancelled)
         return cancel();
@@ -126,7 +127,7 @@ void UpdateRun::takeVerdict(const std::optional<UpdateFailure>& failure)
     // They are ended before the word to install comes.
     mHelpers.note();
     mStep = Step::ready;
-    mEvents.ready(mItem.version);
+    say("ready", {{"version", QString::fromStdString(mItem.version)}});
     proceed();
 }
 

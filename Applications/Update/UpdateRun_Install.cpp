@@ -11,11 +11,12 @@ namespace farview
 void UpdateRun::install()
 {
     mStep = Step::working;
-    mEvents.installing();
+    say("installing");
     const auto failure = exchange();
     // With it goes the old bundle.
     mStaging.release();
-    failure ? mEvents.failed(*failure) : mEvents.installed(mItem.version);
+    failure ? say(*failure)
+            : say("installed", {{"version", QString::fromStdString(mItem.version)}});
     mHelpers.startAgain([this, status = failure ? 1 : 0] { end(status); });
 }
 

@@ -1,7 +1,6 @@
 #include "Applications/TerminationSignals.h"
 #include "Applications/Update/UpdateArguments.h"
 #include "Applications/Update/UpdateCommands.h"
-#include "Applications/Update/UpdateEvents.h"
 #include "Applications/Update/UpdateRun.h"
 
 #include <QCoreApplication>
@@ -10,6 +9,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,19 +41,14 @@ private:
     QSocketNotifier mNotifier{STDIN_FILENO, QSocketNotifier::Read};
 };
 
-int update(int argc, char** argv, const UpdateArguments& arguments)
+int update(const UpdateArguments& arguments)
 {
-    // The panel may end before the update does.
-    std::signal(SIGPIPE, SIG_IGN);
-    ::umask(S_IWGRP | S_IWOTH);
-    const QCoreApplication application(argc, argv);
-    UpdateEvents events(stdout);
-    UpdateRun run(arguments, events, [](int status) { QCoreApplication::exit(status); });
-    const TerminationSignals termination([&run] { run.take(UpdateCommand::cancel); });
+    UpdateRun run(arguments, stdout, [](int status) { QCoreApplication::exit(status); });
+    const TerminationSignals termination([&] { run.take(UpdateCommand::cancel); });
     std::optional<Listener> listener;
     if (!arguments.onlyChecks)
         listener.emplace(run);
-    QTimer::singleShot(0, &application, [&run] { run.start(); });
+    QTimer::singleShot(0, QCoreApplication::instance(), [&] { run.start(); });
     return QCoreApplication::exec();
 }
 
@@ -61,20 +56,19 @@ int update(int argc, char** argv, const UpdateArguments& arguments)
 
 int main(int argc, char** argv)
 {
-    const auto arguments = readUpdateArguments({argv + 1, argv + argc});
-    switch (arguments.wish) {
-    case UpdateArguments::Wish::help:
-        std::fputs(updateUsage, stdout);
-        return 0;
-    case UpdateArguments::Wish::version:
-        std::puts("farview-update " FARVIEW_VERSION);
-        return 0;
-    case UpdateArguments::Wish::none:
+    constexpr int wrongUse = 2;
+    // The panel may end before the update does.
+    std::signal(SIGPIPE, SIG_IGN);
+    ::umask(S_IWGRP | S_IWOTH);
+    const QCoreApplication application(argc, argv);
+    const auto arguments = readUpdateArguments(QCoreApplication::arguments());
+    if (!arguments.mistake.empty()) {
         std::fprintf(stderr, "farview-update: %s (see farview-update --help)\n",
                      arguments.mistake.c_str());
-        return wrongUseOfUpdate;
-    case UpdateArguments::Wish::update:
-        break;
+        return wrongUse;
     }
-    return update(argc, argv, arguments);
+    if (arguments.answer.empty())
+        return update(arguments);
+    std::fputs(arguments.answer.c_str(), stdout);
+    return 0;
 }

@@ -1,6 +1,7 @@
 #include "Applications/Update/BundleExchange.h"
 
 #include "Platform/Posix/FileDescriptor.h"
+#include "Platform/Posix/FolderListing.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -8,7 +9,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 
 namespace farview
 {
@@ -64,11 +64,6 @@ int synchronize(const std::string& folder, int (*how)(int))
     return descriptor.isOpen() && how(descriptor.get()) == 0 ? 0 : errno;
 }
 
-std::string parentOf(const std::string& path)
-{
-    return std::filesystem::path(path).parent_path().string();
-}
-
 bool isImpossible(int error) { return error == EINVAL || error == ENOSYS || error == ENOTSUP; }
 
 } // namespace
@@ -99,14 +94,14 @@ int BundleExchange::replaceInTwoSteps(const NameChanges& changes) const
 std::optional<UpdateFailure> BundleExchange::run(const NameChanges& changes) const
 {
     // The new files first: a name must not lead to what is not on the disk yet.
-    if (const int error = synchronize(parentOf(replacement), ::syncfs))
+    if (const int error = synchronize(parentFolder(replacement), ::syncfs))
         return writeFailure(error, replacement);
     int error = changes.exchange(replacement, bundle);
     if (isImpossible(error))
         error = replaceInTwoSteps(changes);
     if (error != 0)
         return writeFailure(error, bundle);
-    synchronize(parentOf(bundle), ::fsync);
+    synchronize(parentFolder(bundle), ::fsync);
     return std::nullopt;
 }
 

@@ -25,13 +25,6 @@ std::string stagingPathFor(const std::filesystem::path& bundle)
     return (bundle.parent_path() / ("." + bundle.filename().string() + ".update")).string();
 }
 
-bool exists(const std::string& path)
-{
-    struct stat status {
-    };
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
 } // namespace
 
 Staging::Staging(std::string bundle) : mBundle(std::move(bundle)), mPath(stagingPathFor(mBundle)) {}
@@ -55,17 +48,6 @@ std::optional<UpdateFailure> Staging::openOwn()
     return std::nullopt;
 }
 
-/// Whether the path still leads to the folder that is locked: who had it before removed it.
-bool Staging::isStillThere() const
-{
-    struct stat held {
-    };
-    struct stat named {
-    };
-    return ::fstat(mFolder.get(), &held) == 0 && ::lstat(mPath.c_str(), &named) == 0 &&
-           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
-}
-
 std::optional<UpdateFailure> Staging::lock()
 {
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
@@ -75,7 +57,8 @@ std::optional<UpdateFailure> Staging::lock()
             continue;
         if (::flock(mFolder.get(), LOCK_EX | LOCK_NB) != 0)
             break;
-        if (isStillThere())
+        // Who had it before removes it.
+        if (isOpenAt(mPath, mFolder.get()))
             return std::nullopt;
     }
     return UpdateFailure{UpdateProblem::busy, "another update of this bundle is running"};
@@ -95,7 +78,7 @@ std::optional<UpdateFailure> Staging::tryToAcquire()
 {
     if (auto failure = lock())
         return failure;
-    if (!exists(mBundle) && exists(asidePath()) &&
+    if (!isAnythingAt(mBundle) && isAnythingAt(asidePath()) &&
         ::rename(asidePath().c_str(), mBundle.c_str()) != 0)
         return writeFailure(errno, mBundle);
     for (const auto& name : namesInFolder(mPath)) {
@@ -111,7 +94,7 @@ std::optional<UpdateFailure> Staging::tryToAcquire()
 /// every update from now on. Not while the only copy of the bundle may be in it.
 bool Staging::clearPath() const
 {
-    if (!exists(mBundle))
+    if (!isAnythingAt(mBundle))
         return false;
     std::error_code error;
     std::filesystem::remove_all(mPath, error);
@@ -123,7 +106,7 @@ bool Staging::clearPath() const
 
 std::optional<UpdateFailure> Staging::tidy()
 {
-    if (!exists(mPath))
+    if (!isAnythingAt(mPath))
         return std::nullopt;
     auto failure = acquire();
     release();

@@ -36,7 +36,6 @@ public:
 private:
     std::optional<UpdateFailure> openOwn();
     std::optional<UpdateFailure> lock();
-    bool isStillThere() const;
     std::optional<UpdateFailure> tryToAcquire();
     bool clearPath() const;
 

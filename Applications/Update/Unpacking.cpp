@@ -30,18 +30,6 @@ UpdateFailure refusal(const std::string& what)
     return {UpdateProblem::archive, printableText(what, longestShownText)};
 }
 
-/// Writes all of it; returns 0 or an errno.
-int writeAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const auto count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR)
-            return errno;
-        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
-    }
-    return 0;
-}
-
 } // namespace
 
 std::optional<std::string> innerPath(std::string_view path)

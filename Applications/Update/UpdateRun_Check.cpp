@@ -3,9 +3,8 @@
 #include "Applications/Update/FeedReader.h"
 #include "Applications/Update/Signature.h"
 #include "Applications/Update/UpdateRun.h"
+#include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/PosixSystemVersion.h"
-
-#include <sys/stat.h>
 
 #include <utility>
 
@@ -26,13 +25,6 @@ std::string systemVersion()
     };
     return number(SystemVersionQuery::major) + "." + number(SystemVersionQuery::minor) + "." +
            number(SystemVersionQuery::bugFix);
-}
-
-bool exists(const std::string& path)
-{
-    struct stat status {
-    };
-    return ::lstat(path.c_str(), &status) == 0;
 }
 
 QUrl addressFrom(const std::string& text)
@@ -62,7 +54,7 @@ void UpdateRun::start()
 /// What can be said before anything is asked of the network.
 std::optional<UpdateFailure> UpdateRun::look()
 {
-    if (exists(mBundle) && !mayReplaceBundle(mBundle))
+    if (isAnythingAt(mBundle) && !mayReplaceBundle(mBundle))
         return UpdateFailure{UpdateProblem::managed, mBundle + " may not be written"};
     if (auto failure = mStaging.tidy())
         return failure;

@@ -162,10 +162,7 @@ void setInfo(const std::string& bundle, const std::map<std::string, std::string>
 
 std::string infoText(const std::string& bundle, const std::string& key)
 {
-    const auto info = infoOf(bundle);
-    const auto found = info.find(key);
-    const auto* text = found == info.end() ? nullptr : found->second.get<std::string>();
-    return text ? *text : "";
+    return textFor(infoOf(bundle), key);
 }
 
 std::map<std::string, std::string> snapshot(const std::string& folder)

@@ -14,7 +14,6 @@
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 namespace farview
 {
@@ -171,7 +170,7 @@ std::optional<ProcessRecord> Scan::record(std::int32_t pid)
 int PosixProcessTable::size(std::size_t& recordCount)
 {
     // Who reads asks for the size again after a failure, and would go on like that for ever.
-    if (const int error = std::exchange(mReadError, 0))
+    if (const int error = mReadError.exchange(0))
         return error;
     Scan scan;
     if (const int error = scan.open(mRoot))

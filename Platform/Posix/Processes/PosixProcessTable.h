@@ -2,6 +2,7 @@
 
 #include "Platform/ProcessTable.h"
 
+#include <atomic>
 #include <string>
 
 namespace farview
@@ -13,6 +14,7 @@ namespace farview
 /// completed to 16 from the executable's name when that begins with it. The size is counted once,
 /// and again only after a failed read: counting is a good part of the time. A read that failed for
 /// another reason than a table that grew fails the next query of the size with the same error.
+/// Several threads may ask at once.
 class PosixProcessTable final : public ProcessTable
 {
 public:
@@ -28,8 +30,8 @@ private:
 
     std::string mRoot;
     /// What the last count came to, with room for more; 0 when there has to be another.
-    std::size_t mRoom = 0;
-    int mReadError = 0; ///< of the last read, until it was told
+    std::atomic<std::size_t> mRoom = 0;
+    std::atomic<int> mReadError = 0; ///< of the last read, until it was told
 };
 
 } // namespace farview

@@ -44,7 +44,7 @@ std::optional<BundleFacts> readBundleFacts(const std::string& path)
     return facts;
 }
 
-std::string ownPath(const std::string& path)
+std::string canonicalPath(const std::string& path)
 {
     std::error_code error;
     auto own = std::filesystem::weakly_canonical(path, error);

@@ -15,7 +15,7 @@ namespace farview
 namespace
 {
 
-/// Before each name of our own elements and attributes.
+/// What the names of our own elements and attributes begin with.
 constexpr std::string_view ownNamespace = "urn:x-farview:updates\n";
 constexpr std::size_t depthOfItems = 3;
 
@@ -24,7 +24,7 @@ bool isOwn(std::string_view name, std::string_view local)
     return name.starts_with(ownNamespace) && name.substr(ownNamespace.size()) == local;
 }
 
-/// A number that is too large is as large as a number can be; what is no number is 0.
+/// The largest number for one that is too large; 0 for what is no number.
 std::uint64_t lengthFromText(std::string_view text)
 {
     std::uint64_t value = 0;

@@ -19,8 +19,8 @@ constexpr int mostRedirections = 5;
 constexpr qint64 readAhead = 64 * 1024;
 constexpr int statusOfContents = 200;
 
-/// The authorities of the system; or, as with other programs here, those in the file that the user
-/// names instead. What is fetched counts only when it is signed, whoever vouched for the server.
+/// The system's certificate authorities, or those in the file that the user names instead. What is
+/// fetched counts only when it is signed, whoever vouched for the server.
 QSslConfiguration trust()
 {
     auto configuration = QSslConfiguration::defaultConfiguration();
@@ -39,7 +39,7 @@ QNetworkRequest requestFor(const QUrl& address)
     request.setMaximumRedirectsAllowed(mostRedirections);
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    // Said by us, it also keeps the library from decompressing: bytes are counted as they come.
+    // This also keeps the library from decompressing: bytes are counted as they arrive.
     request.setRawHeader("Accept-Encoding", "identity");
     request.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("farview-update"));
     return request;
@@ -58,7 +58,7 @@ bool hasNetwork()
     return std::any_of(interfaces.begin(), interfaces.end(), leadsOut);
 }
 
-/// What a transfer that ended with that error is to the user.
+/// The problem that an error of the transfer means to the user.
 UpdateProblem problemOf(QNetworkReply::NetworkError error)
 {
     switch (error) {
@@ -91,7 +91,7 @@ bool isSecureAddress(const QUrl& address)
 
 void Fetch::EndReply::operator()(QNetworkReply* reply) const
 {
-    // The end may come within one of its own signals, where it is not ready for that.
+    // This may run within one of the reply's own signals, when it cannot be deleted yet.
     QTimer::singleShot(0, reply, [reply] {
         reply->abort();
         reply->deleteLater();
@@ -141,7 +141,7 @@ void Fetch::openFile()
     const std::string path = mOrder.address.toLocalFile().toStdString();
     WholeFile file = readWholeFile(path, mOrder.largestSize);
     if (file.status == WholeFile::Status::tooLarge)
-        return end(UpdateFailure{mOrder.beyond, path + " is too large"});
+        return end(UpdateFailure{mOrder.whenTooMuch, path + " is too large"});
     if (file.status != WholeFile::Status::read)
         return end(UpdateFailure{UpdateProblem::server, path + ": " + errorText(file.error)});
     mBytes = std::move(file.bytes);
@@ -185,7 +185,7 @@ void Fetch::announce()
     mSilence.start();
     const auto length = mReply->header(QNetworkRequest::ContentLengthHeader);
     if (length.isValid() && length.toULongLong() > mOrder.largestSize)
-        end(UpdateFailure{mOrder.beyond, "the server announces more than may come"});
+        end(UpdateFailure{mOrder.whenTooMuch, "the server announces more than may come"});
 }
 
 void Fetch::receive()
@@ -195,7 +195,7 @@ void Fetch::receive()
     mSilence.start();
     const QByteArray bytes = mReply->readAll();
     if (mBytes.size() + static_cast<std::size_t>(bytes.size()) > mOrder.largestSize)
-        return end(UpdateFailure{mOrder.beyond, "the server sends more than may come"});
+        return end(UpdateFailure{mOrder.whenTooMuch, "the server sends more than may come"});
     mBytes.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     mProgress(mBytes.size());
 }

@@ -12,18 +12,18 @@
 namespace farview
 {
 
-/// The screen server and the status item of a bundle. Who orders the installation ends them; this
-/// starts those that ran before again. Main thread.
+/// The screen server and the status item of a bundle. The panel ends them before the installation;
+/// this starts those again that ran before. Main thread.
 class HelperPrograms
 {
 public:
-    /// `bundle` is the bundle's own path.
+    /// `bundle` is its canonical path.
     explicit HelperPrograms(std::string bundle);
 
-    /// Looks which of them run now.
+    /// Notes which of them run now.
     void note();
-    /// Starts those once they have ended; one that does not end within ten seconds is left to make
-    /// out with the next one which of them stays. Then calls `then`, at once when none ran.
+    /// Starts them when they have ended, after ten seconds at the latest: of two that run, one
+    /// gives way by itself. Then calls `then`; at once when none ran.
     void startAgain(std::function<void()> then);
 
 private:

@@ -17,7 +17,7 @@ namespace
 {
 
 constexpr mode_t ownerOnly = S_IRWXU;
-/// Each further attempt means that another run ended just then.
+/// A further attempt is needed when another run removed the folder just then.
 constexpr int mostAttempts = 10;
 
 std::string stagingPathFor(const std::filesystem::path& bundle)
@@ -41,7 +41,7 @@ std::optional<UpdateFailure> Staging::openOwn()
         return errno == ENOENT ? std::nullopt : std::optional(writeFailure(errno, mPath));
     struct stat status {
     };
-    // A folder that somebody else laid there is not used.
+    // Another user could change what lies in it.
     if (::fstat(mFolder.get(), &status) != 0 || status.st_uid != ::geteuid() ||
         (status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
         return UpdateFailure{UpdateProblem::write, mPath + " is not private"};
@@ -57,7 +57,7 @@ std::optional<UpdateFailure> Staging::lock()
             continue;
         if (::flock(mFolder.get(), LOCK_EX | LOCK_NB) != 0)
             break;
-        // Who had it before removes it.
+        // The run that held the lock before has removed its folder.
         if (isOpenAt(mPath, mFolder.get()))
             return std::nullopt;
     }
@@ -90,8 +90,8 @@ std::optional<UpdateFailure> Staging::tryToAcquire()
     return std::nullopt;
 }
 
-/// What cannot be used or emptied, and cannot be removed, gets another name: it must not hold up
-/// every update from now on. Not while the only copy of the bundle may be in it.
+/// Removes what lies at the path or, when that fails, renames it, so that it does not hold up every
+/// later update. Does nothing while the only copy of the bundle may be in it.
 bool Staging::clearPath() const
 {
     if (!isAnythingAt(mBundle))
@@ -104,7 +104,7 @@ bool Staging::clearPath() const
     return ::mkdtemp(other.data()) && ::rename(mPath.c_str(), other.c_str()) == 0;
 }
 
-std::optional<UpdateFailure> Staging::tidy()
+std::optional<UpdateFailure> Staging::removeLeftovers()
 {
     if (!isAnythingAt(mPath))
         return std::nullopt;
@@ -117,7 +117,7 @@ void Staging::release()
 {
     if (!mFolder.isOpen())
         return;
-    // Another process takes the folder for its own only once it is unlocked or gone.
+    // The lock is held until the folder is gone.
     std::error_code ignored;
     std::filesystem::remove_all(mPath, ignored);
     mFolder = {};

@@ -139,7 +139,7 @@ void TrialRun::conclude()
     end(unfit(how + ": " + printableText(printed, longestComplaint)));
 }
 
-/// Nothing may still write to the folder when the end is told.
+/// The end is told only when no process can write to the folder any more.
 void TrialRun::end(std::optional<UpdateFailure> failure)
 {
     if (!mIsOver) {
@@ -168,7 +168,7 @@ void TrialRun::settle()
         then(mFailure);
 }
 
-void TrialRun::breakOff() { end(UpdateFailure{UpdateProblem::internal, "broken off"}); }
+void TrialRun::cancel() { end(UpdateFailure{UpdateProblem::internal, "cancelled"}); }
 
 void TrialRun::stop()
 {
@@ -180,7 +180,7 @@ void TrialRun::stop()
             continue;
         (*process)->disconnect();
         (*process)->kill();
-        // The end may come within one of its own signals.
+        // This may run within one of the process's own signals.
         process->release()->deleteLater();
     }
 }

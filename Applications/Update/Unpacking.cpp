@@ -48,7 +48,7 @@ std::optional<std::string> innerPath(std::string_view path)
     return inner;
 }
 
-/// The archive in memory, entry after entry.
+/// Reads the entries of the archive in memory, one after another.
 class Unpacking::Reader
 {
 public:
@@ -77,13 +77,13 @@ public:
         return text ? text : "";
     }
     bool isFolder() const { return ::archive_entry_filetype(mEntry) == AE_IFDIR; }
-    /// A hard link calls itself a file.
+    /// libarchive reports a hard link as a file.
     bool isFile() const
     {
         return ::archive_entry_filetype(mEntry) == AE_IFREG && !::archive_entry_hardlink(mEntry);
     }
     bool isProgram() const { return (::archive_entry_perm(mEntry) & S_IXUSR) != 0; }
-    /// As it announces; 0 when it does not.
+    /// The size that it announces; 0 when it announces none.
     std::uint64_t size() const
     {
         const auto size = ::archive_entry_size(mEntry);
@@ -99,8 +99,8 @@ private:
     archive_entry* mEntry = nullptr; ///< the archive's own
 };
 
-Unpacking::Unpacking(std::string folder, UnpackLimits limits, std::function<bool()> isBrokenOff)
-    : mFolder(std::move(folder)), mLimits(limits), mIsBrokenOff(std::move(isBrokenOff))
+Unpacking::Unpacking(std::string folder, UnpackLimits limits, std::function<bool()> isCancelled)
+    : mFolder(std::move(folder)), mLimits(limits), mIsCancelled(std::move(isCancelled))
 {
 }
 
@@ -109,8 +109,8 @@ std::optional<UpdateFailure> Unpacking::unpack(std::string_view archive)
     Reader reader(archive);
     int status = reader.next();
     for (; status == ARCHIVE_OK; status = reader.next()) {
-        if (mIsBrokenOff())
-            return UpdateFailure{UpdateProblem::internal, "broken off"};
+        if (mIsCancelled())
+            return UpdateFailure{UpdateProblem::internal, "cancelled"};
         if (auto failure = unpackEntry(reader))
             return failure;
     }
@@ -156,7 +156,7 @@ std::optional<UpdateFailure> Unpacking::unpackFile(Reader& reader, const std::st
         return isOfTheArchive ? refusal("a file in the wrong place: " + reader.path())
                               : writeFailure(errno, path);
     }
-    // Whatever the umask is.
+    // The umask may have taken bits away.
     if (::fchmod(file.get(), reader.isProgram() ? program : plainFile) != 0)
         return writeFailure(errno, path);
     return copy(reader, file.get(), path);
@@ -166,7 +166,7 @@ std::optional<UpdateFailure> Unpacking::copy(Reader& reader, int descriptor,
                                              const std::string& path)
 {
     std::array<char, 64 * 1024> buffer{};
-    while (!mIsBrokenOff()) {
+    while (!mIsCancelled()) {
         const auto size = reader.read(buffer.data(), buffer.size());
         if (size < 0)
             return refusal(reader.error());
@@ -180,7 +180,7 @@ std::optional<UpdateFailure> Unpacking::copy(Reader& reader, int descriptor,
         if (const int error = writeAll(descriptor, bytes))
             return writeFailure(error, path);
     }
-    return UpdateFailure{UpdateProblem::internal, "broken off"};
+    return UpdateFailure{UpdateProblem::internal, "cancelled"};
 }
 
 } // namespace farview

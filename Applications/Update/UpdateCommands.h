@@ -14,8 +14,7 @@ enum class UpdateCommand {
     ended, ///< nothing more will come
 };
 
-/// The words that the panel says, read from a descriptor without ever waiting for one. What is no
-/// word of the protocol is passed over.
+/// Reads the panel's words from a descriptor and never waits for one. Unknown words are ignored.
 class UpdateCommands
 {
 public:
@@ -24,7 +23,7 @@ public:
     /// `descriptor` is used, not owned.
     UpdateCommands(int descriptor, Handler handler);
 
-    /// Reads what has come and hands it over, in order.
+    /// Reads what has arrived and calls the handler for each word, in order.
     void poll();
     /// After that, polling does nothing.
     bool hasEnded() const { return mHasEnded; }

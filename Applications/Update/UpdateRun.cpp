@@ -9,7 +9,7 @@ namespace farview
 
 UpdateRun::UpdateRun(UpdateArguments arguments, std::FILE* output, std::function<void(int)> ended)
     : mArguments(std::move(arguments)), mOutput(output), mEnded(std::move(ended)),
-      mBundle(ownPath(mArguments.bundle)), mStaging(mBundle), mHelpers(mBundle)
+      mBundle(canonicalPath(mArguments.bundle)), mStaging(mBundle), mHelpers(mBundle)
 {
 }
 
@@ -29,7 +29,7 @@ void UpdateRun::proceed()
     if (mStep == Step::ended || mStep == Step::working)
         return;
     if (mIsCancelled)
-        mStep == Step::trying ? mTrial.breakOff() : cancel();
+        mStep == Step::trying ? mTrial.cancel() : cancel();
     else if (mStep == Step::offered && mMayDownload)
         download();
     else if (mStep == Step::ready && mMayInstall)
@@ -50,7 +50,7 @@ void UpdateRun::say(const UpdateFailure& failure)
                    {"detail", QString::fromStdString(failure.detail)}});
 }
 
-bool UpdateRun::isBrokenOff()
+bool UpdateRun::hearsCancellation()
 {
     mListen();
     return mIsCancelled;

@@ -21,8 +21,8 @@
 namespace farview
 {
 
-/// One update of one bundle, from the look at the feed to the exchange. Until the exchange nothing
-/// of the bundle is touched, and whatever fails, or is broken off, leaves no trace. Main thread.
+/// One update of one bundle, from the feed to the exchange. Until the exchange the bundle is not
+/// touched, and a run that fails or is cancelled leaves no trace. Main thread.
 class UpdateRun
 {
 public:
@@ -32,13 +32,13 @@ public:
 
     void start();
     void take(UpdateCommand command);
-    /// Called now and then by steps that take long on their own, to hear of a cancellation.
+    /// `listen` is called often by steps that block, so that they hear of a cancellation.
     void setListen(std::function<void()> listen) { mListen = std::move(listen); }
 
 private:
     enum class Step { checking, offered, downloading, working, trying, ready, ended };
 
-    std::optional<UpdateFailure> look();
+    std::optional<UpdateFailure> checkBundle();
     void takeFeed(const std::string& bytes);
     void offer(const UpdateItem& item);
     std::optional<UpdateFailure> refusalOf(const UpdateItem& item);
@@ -51,14 +51,14 @@ private:
     std::optional<UpdateFailure> prepare(const std::string& archive);
     std::optional<UpdateFailure> compare() const;
     void tryOut();
-    void takeVerdict(const std::optional<UpdateFailure>& failure);
+    void takeTrialResult(const std::optional<UpdateFailure>& failure);
 
     void install();
     std::optional<UpdateFailure> exchange();
 
     void say(const char* event, QJsonObject details = {});
     void say(const UpdateFailure& failure);
-    bool isBrokenOff();
+    bool hearsCancellation();
     void cancel();
     void fail(const UpdateFailure& failure);
     void end(int status);

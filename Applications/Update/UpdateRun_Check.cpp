@@ -1,4 +1,4 @@
-// The feed, and whether what it offers can be had.
+// Reads the feed and judges what it offers.
 
 #include "Applications/Update/FeedReader.h"
 #include "Applications/Update/Signature.h"
@@ -13,7 +13,7 @@ namespace farview
 namespace
 {
 
-/// It is held in memory until it is verified.
+/// In bytes. The archive is held in memory until it is unpacked.
 constexpr std::uint64_t largestArchive = 100u << 20;
 constexpr std::chrono::seconds longestFeed{60};
 
@@ -36,11 +36,11 @@ QUrl addressFrom(const std::string& text)
 
 void UpdateRun::start()
 {
-    // Broken off before it began.
+    // Cancelled before it began.
     if (mStep == Step::ended)
         return;
     say("checking");
-    if (auto failure = look())
+    if (auto failure = checkBundle())
         return fail(*failure);
     const FetchOrder order{mFeed, FeedReader::largestSize, UpdateProblem::tooLarge,
                            mArguments.patience, longestFeed};
@@ -51,12 +51,12 @@ void UpdateRun::start()
         });
 }
 
-/// What can be said before anything is asked of the network.
-std::optional<UpdateFailure> UpdateRun::look()
+/// What can fail before the network is asked.
+std::optional<UpdateFailure> UpdateRun::checkBundle()
 {
     if (isAnythingAt(mBundle) && !mayReplaceBundle(mBundle))
         return UpdateFailure{UpdateProblem::managed, mBundle + " may not be written"};
-    if (auto failure = mStaging.tidy())
+    if (auto failure = mStaging.removeLeftovers())
         return failure;
     const auto facts = readBundleFacts(mBundle);
     if (!facts)
@@ -86,7 +86,7 @@ void UpdateRun::takeFeed(const std::string& bytes)
     end(0);
 }
 
-/// Nothing is offered that is known to fail later.
+/// Why the item cannot be installed, as far as the feed tells.
 std::optional<UpdateFailure> UpdateRun::refusalOf(const UpdateItem& item)
 {
     mArchive = mFeed.resolved(addressFrom(item.address));

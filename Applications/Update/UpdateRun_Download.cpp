@@ -1,4 +1,4 @@
-// The archive: got, verified, unpacked and tried, all of it before the bundle is touched.
+// Downloads, verifies, unpacks and tries the new bundle, before the old one is touched.
 
 #include "Applications/Update/Signature.h"
 #include "Applications/Update/Unpacking.h"
@@ -17,7 +17,7 @@ namespace farview
 namespace
 {
 
-/// So many times its own length an archive takes when it is unpacked, with some to spare.
+/// How many times its length the disk must have free for an archive.
 constexpr std::uint64_t expansion = 10;
 constexpr int millisecondsBetweenReports = 100;
 
@@ -77,7 +77,7 @@ void UpdateRun::takeArchive(const std::string& bytes)
     failure ? fail(*failure) : tryOut();
 }
 
-/// The bytes that are unpacked are those that were verified: they never leave the memory between.
+/// The bytes that are unpacked are those that were verified: they stay in memory between.
 std::optional<UpdateFailure> UpdateRun::prepare(const std::string& archive)
 {
     if (archive.size() != mItem.length)
@@ -88,7 +88,7 @@ std::optional<UpdateFailure> UpdateRun::prepare(const std::string& archive)
     const std::string folder = mStaging.path() + "/new";
     if (auto failure = makePrivateFolder(folder))
         return failure;
-    Unpacking unpacking(folder, UnpackLimits{}, [this] { return isBrokenOff(); });
+    Unpacking unpacking(folder, UnpackLimits{}, [this] { return hearsCancellation(); });
     if (auto failure = unpacking.unpack(archive))
         return failure;
     mReplacement = folder + "/" + unpacking.top();
@@ -115,16 +115,16 @@ void UpdateRun::tryOut()
         return fail(*failure);
     mStep = Step::trying;
     mTrial.start(mArguments.host, mReplacement, folder,
-                 [this](const std::optional<UpdateFailure>& failure) { takeVerdict(failure); });
+                 [this](const std::optional<UpdateFailure>& failure) { takeTrialResult(failure); });
 }
 
-void UpdateRun::takeVerdict(const std::optional<UpdateFailure>& failure)
+void UpdateRun::takeTrialResult(const std::optional<UpdateFailure>& failure)
 {
     if (mIsCancelled)
         return cancel();
     if (failure)
         return fail(*failure);
-    // They are ended before the word to install comes.
+    // The panel ends them before it says "install".
     mHelpers.note();
     mStep = Step::ready;
     say("ready", {{"version", QString::fromStdString(mItem.version)}});

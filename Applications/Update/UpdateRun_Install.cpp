@@ -1,4 +1,4 @@
-// The exchange.
+// Puts the new bundle in place of the old one.
 
 #include "Applications/Update/BundleExchange.h"
 #include "Applications/Update/UpdateRun.h"
@@ -13,7 +13,7 @@ void UpdateRun::install()
     mStep = Step::working;
     say("installing");
     const auto failure = exchange();
-    // With it goes the old bundle.
+    // The old bundle lies in there now.
     mStaging.release();
     failure ? say(*failure)
             : say("installed", {{"version", QString::fromStdString(mItem.version)}});
@@ -22,11 +22,11 @@ void UpdateRun::install()
 
 std::optional<UpdateFailure> UpdateRun::exchange()
 {
-    // Much time may have passed since the user was asked.
+    // It may be long ago that the bundle was read.
     const auto facts = readBundleFacts(mBundle);
     if (!facts || facts->version != mFacts.version)
         return UpdateFailure{UpdateProblem::downgrade, "the bundle was replaced by another"};
-    return BundleExchange{mBundle, mReplacement, mStaging.asidePath()}.run(NameChanges());
+    return BundleExchange{mBundle, mReplacement, mStaging.asidePath()}.run(RenameCalls());
 }
 
 } // namespace farview

@@ -50,7 +50,7 @@ TEST_F(StagingTest, IsHeldByOneAtATime)
     std::ofstream(place + "/file") << "x";
     Staging second(bundle);
     EXPECT_EQ(second.acquire()->problem, UpdateProblem::busy);
-    EXPECT_EQ(second.tidy()->problem, UpdateProblem::busy);
+    EXPECT_EQ(second.removeLeftovers()->problem, UpdateProblem::busy);
     EXPECT_TRUE(fs::exists(place + "/file")) << "what is held is left alone";
     first.release();
     EXPECT_FALSE(second.acquire());
@@ -60,10 +60,10 @@ TEST_F(StagingTest, TidiesWhatAKilledRunLeft)
 {
     folder.write(".Pane.update/new/Pane/file", "x");
     fs::permissions(place, fs::perms(0700));
-    EXPECT_FALSE(Staging(bundle).tidy());
+    EXPECT_FALSE(Staging(bundle).removeLeftovers());
     EXPECT_FALSE(fs::exists(place));
     EXPECT_TRUE(bundleIsThere());
-    EXPECT_FALSE(Staging(bundle).tidy()) << "with nothing to tidy";
+    EXPECT_FALSE(Staging(bundle).removeLeftovers()) << "with nothing left";
     EXPECT_FALSE(fs::exists(place));
 }
 
@@ -73,7 +73,7 @@ TEST_F(StagingTest, PutsABundleBackThatWasBeingReplaced)
     fs::permissions(place, fs::perms(0700));
     fs::rename(bundle, place + "/old");
     folder.write(".Pane.update/new/Pane/file", "the next bundle");
-    EXPECT_FALSE(Staging(bundle).tidy());
+    EXPECT_FALSE(Staging(bundle).removeLeftovers());
     EXPECT_TRUE(bundleIsThere());
     EXPECT_FALSE(fs::exists(place));
 }
@@ -126,7 +126,7 @@ protected:
 TEST_F(StuckStaging, GivesWayToTheNextRun)
 {
     asAnOrdinaryUser([&] {
-        EXPECT_FALSE(Staging(bundle).tidy());
+        EXPECT_FALSE(Staging(bundle).removeLeftovers());
         EXPECT_FALSE(fs::exists(place));
         Staging staging(bundle);
         EXPECT_FALSE(staging.acquire());

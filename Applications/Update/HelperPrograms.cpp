@@ -6,9 +6,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <utility>
 
 namespace farview
@@ -21,18 +20,14 @@ using namespace std::chrono_literals;
 constexpr std::chrono::milliseconds pause = 50ms;
 constexpr std::chrono::milliseconds longestWait = 10s;
 
-bool isRunning(pid_t process) { return ::kill(process, 0) == 0; }
-
-std::vector<pid_t> processesOf(const std::string& program)
+/// Empty when the process has ended, also while its parent has not noticed yet.
+std::string programOf(const std::string& process)
 {
-    std::vector<pid_t> processes;
-    for (const auto& name : foldersInFolder("/proc")) {
-        std::error_code error;
-        if (std::filesystem::read_symlink("/proc/" + name + "/exe", error) == program)
-            processes.push_back(std::atoi(name.c_str()));
-    }
-    return processes;
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/" + process + "/exe", error).string();
 }
+
+bool isRunning(const std::string& process) { return !programOf(process).empty(); }
 
 } // namespace
 
@@ -43,12 +38,14 @@ HelperPrograms::HelperPrograms(std::string bundle) : mBundle(std::move(bundle))
 
 void HelperPrograms::note()
 {
+    const auto all = foldersInFolder("/proc");
     for (const std::string name : {kFVEScreenServerApplicationName, kFVEMenuExtraApplicationName}) {
         const auto program =
             mBundle + "/Contents/Resources/" + name + ".app/Contents/Linux/" + name;
-        const auto processes = processesOf(program);
-        mProcesses.insert(mProcesses.end(), processes.begin(), processes.end());
-        if (!processes.empty())
+        const auto known = mProcesses.size();
+        std::copy_if(all.begin(), all.end(), std::back_inserter(mProcesses),
+                     [&](const auto& process) { return programOf(process) == program; });
+        if (mProcesses.size() > known)
             mPrograms.push_back(program);
     }
 }

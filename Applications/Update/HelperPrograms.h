@@ -7,8 +7,6 @@
 #include <string>
 #include <vector>
 
-#include <sys/types.h>
-
 namespace farview
 {
 
@@ -30,8 +28,8 @@ private:
     void startWhenEnded();
 
     std::string mBundle;
-    std::vector<std::string> mPrograms; ///< that ran
-    std::vector<pid_t> mProcesses;      ///< of these
+    std::vector<std::string> mPrograms;  ///< that ran
+    std::vector<std::string> mProcesses; ///< their numbers
     std::function<void()> mThen;
     QElapsedTimer mWaiting;
     QTimer mTimer;

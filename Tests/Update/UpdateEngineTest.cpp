@@ -269,8 +269,8 @@ protected:
         const auto next = bundleOf("1.1");
         // It tells whether the old one had ended when it was started.
         writeProgram(next, "ScreenCapture",
-                     "kill -0 " + std::to_string(program.processId()) +
-                         " 2>/dev/null && early=early\n");
+                     "readlink /proc/" + std::to_string(program.processId()) +
+                         "/exe && early=early\n");
         writeProgram(next, "FarviewStatusItem", "");
         publish(packed(entriesOf(next)));
     }

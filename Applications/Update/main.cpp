@@ -4,7 +4,6 @@
 #include "Applications/Update/UpdateRun.h"
 
 #include <QCoreApplication>
-#include <QSocketNotifier>
 #include <QTimer>
 
 #include <csignal>
@@ -18,36 +17,15 @@ namespace
 
 using namespace farview;
 
-/// Hands the words on standard input to the run.
-class Listener
-{
-public:
-    explicit Listener(UpdateRun& run)
-        : mCommands(STDIN_FILENO, [&run](UpdateCommand command) { run.take(command); })
-    {
-        run.setListen([this] { listen(); });
-        QObject::connect(&mNotifier, &QSocketNotifier::activated, &mNotifier, [this] { listen(); });
-    }
-
-private:
-    void listen()
-    {
-        mCommands.poll();
-        if (mCommands.hasEnded())
-            mNotifier.setEnabled(false);
-    }
-
-    UpdateCommands mCommands;
-    QSocketNotifier mNotifier{STDIN_FILENO, QSocketNotifier::Read};
-};
-
 int update(const UpdateArguments& arguments)
 {
     UpdateRun run(arguments, stdout, [](int status) { QCoreApplication::exit(status); });
     const TerminationSignals termination([&] { run.take(UpdateCommand::cancel); });
-    std::optional<Listener> listener;
-    if (!arguments.onlyChecks)
-        listener.emplace(run);
+    std::optional<UpdateCommands> commands;
+    if (!arguments.onlyChecks) {
+        commands.emplace(STDIN_FILENO, [&](UpdateCommand command) { run.take(command); });
+        run.setListen([&] { commands->poll(); });
+    }
     QTimer::singleShot(0, QCoreApplication::instance(), [&] { run.start(); });
     return QCoreApplication::exec();
 }

@@ -9,8 +9,8 @@ struct XML_ParserStruct;
 namespace farview
 {
 
-/// One reading of an XML document that anyone may have written. Whoever derives from it takes the
-/// elements and refuses what does not fit; the first refusal ends the reading.
+/// Reads one XML document that anyone may have written. A derived class handles the elements and
+/// refuses what does not fit; the first refusal ends the reading.
 ///
 /// UTF-8 and XML 1.0 only, no NUL byte, no declarations inside the document type and no entities
 /// but XML's own: nothing grows, nothing is fetched. Never throws; what the handlers throw counts

@@ -22,7 +22,7 @@ namespace
 
 /// As many bytes of a name as the kernel keeps.
 constexpr std::size_t longestKernelName = 15;
-/// This many processes more, and as large a part of the count, fit without another count.
+/// So many processes, and one for each so many counted, may be added before the next count.
 constexpr std::size_t roomForMore = 16;
 /// The table holds more than there is room for.
 constexpr int outgrown = ENOMEM;
@@ -57,7 +57,7 @@ std::optional<Status> parseStatus(std::string_view line)
     return Status{line.substr(open + 1, close - open - 1), line[close + 2]};
 }
 
-/// Whether the error tells of this process or of the system, and nothing of the one looked at.
+/// Whether something is lacking here, so that nothing is known of the process that was looked at.
 bool isShortage(int error) { return error == EMFILE || error == ENFILE || error == ENOMEM; }
 
 bool isRunning(char state) { return state != 'Z' && state != 'X' && state != 'x'; }
@@ -169,7 +169,7 @@ std::optional<ProcessRecord> Scan::record(std::int32_t pid)
 
 int PosixProcessTable::size(std::size_t& recordCount)
 {
-    // Who reads asks for the size again after a failure, and would go on like that for ever.
+    // The caller asks for the size after each failed read, without end, so the failure is told here.
     if (const int error = mReadError.exchange(0))
         return error;
     Scan scan;

@@ -22,10 +22,7 @@ namespace
 
 constexpr std::int64_t lastValidState = 2;
 
-bool isNumber(const std::optional<PropertyList>& value)
-{
-    return value && (value->is<std::int64_t>() || value->is<double>());
-}
+bool isNumber(const PropertyList& value) { return value.is<std::int64_t>() || value.is<double>(); }
 
 /// The number as a 32-bit integer; nothing when it is none exactly.
 std::optional<std::int32_t> asInteger32(const PropertyList& number)
@@ -75,10 +72,30 @@ void FVEPreferences::setupDefaultValues()
     areRetinaResolutionsEnabled();
 }
 
+/// The key's value, when there is one of the right type. One of another type that holds on this
+/// host only is passed over: no setter can replace it, so the default would be written at every
+/// read.
+std::optional<PropertyList> FVEPreferences::find(const char* key,
+                                                 bool (*hasRightType)(const PropertyList&))
+{
+    auto value = mPreferences.copyAppValue(key, kApplicationID);
+    if (value && !hasRightType(*value))
+        value = mPreferences.copyValue(key, kApplicationID, PreferencesUser::current,
+                                       PreferencesHost::any);
+    return value && hasRightType(*value) ? value : std::nullopt;
+}
+
+template <typename Type> std::optional<Type> FVEPreferences::valueOf(const char* key)
+{
+    const std::optional<PropertyList> found =
+        find(key, [](const PropertyList& each) { return each.is<Type>(); });
+    return found ? std::optional(*found->get<Type>()) : std::nullopt;
+}
+
 long FVEPreferences::currentState()
 {
-    const auto value = mPreferences.copyAppValue(kCurrentState, kApplicationID);
-    if (!isNumber(value)) {
+    const auto value = find(kCurrentState, isNumber);
+    if (!value) {
         setCurrentState(0);
         return 0;
     }
@@ -97,8 +114,7 @@ void FVEPreferences::setCurrentState(long state)
 
 bool FVEPreferences::booleanDefaultingToYes(const char* key)
 {
-    const auto value = mPreferences.copyAppValue(key, kApplicationID);
-    if (const auto* flag = value ? value->get<bool>() : nullptr)
+    if (const auto flag = valueOf<bool>(key))
         return *flag;
     setBoolean(key, true);
     return true;
@@ -112,8 +128,7 @@ void FVEPreferences::setBoolean(const char* key, bool flag)
 
 std::string FVEPreferences::text(const char* key)
 {
-    const auto value = mPreferences.copyAppValue(key, kApplicationID);
-    if (const auto* text = value ? value->get<std::string>() : nullptr)
+    if (const auto text = valueOf<std::string>(key))
         return *text;
     setText(key, "");
     // Announced twice: the other programs count on hearing of a text's default two times.
@@ -174,8 +189,7 @@ void FVEPreferences::setRetinaResolutionsEnabled(bool flag)
 
 PropertyList::Array FVEPreferences::autoConnectDevices()
 {
-    const auto value = mPreferences.copyAppValue(kAutoConnectDevices, kApplicationID);
-    if (const auto* devices = value ? value->get<PropertyList::Array>() : nullptr)
+    if (const auto devices = valueOf<PropertyList::Array>(kAutoConnectDevices))
         return *devices;
     setAutoConnectDevices({});
     // Announced twice, as a text's default is.
@@ -209,9 +223,7 @@ void FVEPreferences::setOpenPrefsInSettingsPane(bool flag)
 
 bool FVEPreferences::booleanDefaultingToNo(const char* key)
 {
-    const auto value = mPreferences.copyAppValue(key, kApplicationID);
-    const auto* flag = value ? value->get<bool>() : nullptr;
-    return flag && *flag;
+    return valueOf<bool>(key).value_or(false);
 }
 
 bool FVEPreferences::debuggingDontSendKBEvents()
@@ -230,16 +242,12 @@ void FVEPreferences::setAutoUpdateOptionShown(bool flag)
 
 std::optional<farview::Date> FVEPreferences::lastUpdateCheck()
 {
-    const auto value = mPreferences.copyAppValue(kLastUpdateCheck, kApplicationID);
-    const auto* date = value ? value->get<farview::Date>() : nullptr;
-    return date ? std::optional(*date) : std::nullopt;
+    return valueOf<farview::Date>(kLastUpdateCheck);
 }
 
 std::string FVEPreferences::lastUpdateOutcome()
 {
-    const auto value = mPreferences.copyAppValue(kLastUpdateOutcome, kApplicationID);
-    const auto* word = value ? value->get<std::string>() : nullptr;
-    return word ? *word : std::string();
+    return valueOf<std::string>(kLastUpdateOutcome).value_or("");
 }
 
 void FVEPreferences::setLastUpdateCheck(farview::Date date, const std::string& outcome)

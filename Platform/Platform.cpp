@@ -220,10 +220,6 @@ template <> class No<NetworkCondition> final : public NetworkCondition
 
 template <> class No<Preferences> final : public Preferences
 {
-    std::optional<PropertyList> copyAppValue(const std::string&, const std::string&) override
-    {
-        return std::nullopt;
-    }
     std::optional<PropertyList> copyValue(const std::string&, const std::string&, PreferencesUser,
                                           PreferencesHost) override
     {

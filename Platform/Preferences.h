@@ -27,8 +27,8 @@ public:
 
     /// The first value found for the key in: current user and host, current user and any host, any
     /// user and current host, any user and host.
-    virtual std::optional<PropertyList> copyAppValue(const std::string& key,
-                                                     const std::string& applicationID) = 0;
+    std::optional<PropertyList> copyAppValue(const std::string& key,
+                                             const std::string& applicationID);
     /// The value in one scope.
     virtual std::optional<PropertyList> copyValue(const std::string& key,
                                                   const std::string& applicationID,

@@ -36,7 +36,8 @@ void FVEPreferencePane::didChangeStatus(farview::Updater& /*updater*/)
 
 void FVEPreferencePane::willInstallUpdate(Object* /*updater*/, Object* /*item*/)
 {
-    // Neither program of the bundle may run while the bundle is replaced.
+    // Neither program of the bundle may run while the bundle is replaced. The engine that replaces
+    // it starts them again.
     killServerProcess();
     killStatusItemProcess();
 }

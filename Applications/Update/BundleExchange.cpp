@@ -1,6 +1,7 @@
 #include "Applications/Update/BundleExchange.h"
 
 #include "Platform/Posix/FileDescriptor.h"
+#include "Platform/Posix/FolderListing.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -8,19 +9,18 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 
 namespace farview
 {
 namespace
 {
 
-/// Another process that puts the old bundle back when this one is killed between two steps. It
-/// was copied from a process with threads, so it does nothing but call the system.
-class Guard
+/// A forked process that puts the old bundle back when this one is killed between the two steps. A
+/// fork of a process with threads may only make system calls.
+class RestoringProcess
 {
 public:
-    explicit Guard(const BundleExchange& exchange)
+    explicit RestoringProcess(const BundleExchange& exchange)
     {
         int ends[2];
         if (::pipe2(ends, O_CLOEXEC) != 0)
@@ -31,19 +31,19 @@ public:
         if (mProcess == 0)
             watch(ends, exchange.aside.c_str(), exchange.bundle.c_str());
     }
-    ~Guard()
+    ~RestoringProcess()
     {
         mHeld = {};
         if (mProcess > 0)
             ::waitpid(mProcess, nullptr, 0);
     }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
+    RestoringProcess(const RestoringProcess&) = delete;
+    RestoringProcess& operator=(const RestoringProcess&) = delete;
 
 private:
     [[noreturn]] static void watch(const int* ends, const char* aside, const char* bundle)
     {
-        // Whatever ends the group of the other process leaves this one.
+        // A signal to the group of the other process must not end this one.
         ::setsid();
         ::close(ends[1]);
         char unused = 0;
@@ -64,16 +64,11 @@ int synchronize(const std::string& folder, int (*how)(int))
     return descriptor.isOpen() && how(descriptor.get()) == 0 ? 0 : errno;
 }
 
-std::string parentOf(const std::string& path)
-{
-    return std::filesystem::path(path).parent_path().string();
-}
-
 bool isImpossible(int error) { return error == EINVAL || error == ENOSYS || error == ENOTSUP; }
 
 } // namespace
 
-NameChanges::NameChanges()
+RenameCalls::RenameCalls()
     : exchange([](const std::string& from, const std::string& to) {
           const int result =
               ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE);
@@ -85,9 +80,9 @@ NameChanges::NameChanges()
 {
 }
 
-int BundleExchange::replaceInTwoSteps(const NameChanges& changes) const
+int BundleExchange::replaceInTwoSteps(const RenameCalls& changes) const
 {
-    const Guard guard(*this);
+    const RestoringProcess restoring(*this);
     if (const int error = changes.rename(bundle, aside))
         return error;
     const int error = changes.rename(replacement, bundle);
@@ -96,17 +91,17 @@ int BundleExchange::replaceInTwoSteps(const NameChanges& changes) const
     return error;
 }
 
-std::optional<UpdateFailure> BundleExchange::run(const NameChanges& changes) const
+std::optional<UpdateFailure> BundleExchange::run(const RenameCalls& changes) const
 {
-    // The new files first: a name must not lead to what is not on the disk yet.
-    if (const int error = synchronize(parentOf(replacement), ::syncfs))
+    // The files before the name: the name must not lead to what is not on the disk yet.
+    if (const int error = synchronize(parentFolder(replacement), ::syncfs))
         return writeFailure(error, replacement);
     int error = changes.exchange(replacement, bundle);
     if (isImpossible(error))
         error = replaceInTwoSteps(changes);
     if (error != 0)
         return writeFailure(error, bundle);
-    synchronize(parentOf(bundle), ::fsync);
+    synchronize(parentFolder(bundle), ::fsync);
     return std::nullopt;
 }
 

@@ -9,31 +9,30 @@
 namespace farview
 {
 
-/// The system's ways to give folders other names. Each returns 0 or an errno.
-struct NameChanges {
+/// The system calls that rename folders, for tests to replace. Each returns 0 or an errno.
+struct RenameCalls {
     using Change = std::function<int(const std::string& from, const std::string& to)>;
 
-    NameChanges();
+    RenameCalls();
 
-    /// Two names change places in one step; EINVAL, ENOSYS or ENOTSUP where the file system cannot.
+    /// Swaps two names in one step; EINVAL, ENOSYS or ENOTSUP where the file system cannot.
     Change exchange;
     Change rename;
 };
 
-/// How a new bundle takes the place of an old one.
+/// Replaces an old bundle by a new one.
 struct BundleExchange {
     std::string bundle;      ///< what is replaced
     std::string replacement; ///< what replaces it, on the same file system
     std::string aside;       ///< a free name there, for the old one where it takes two steps
 
-    /// Puts the replacement in the bundle's place, safe on the disk. Nobody ever finds a half
-    /// bundle there. Where it takes two steps there is none for the moment between them, and when
-    /// this process is killed just then, another puts the old one back. On failure the old one is
-    /// in its place.
-    std::optional<UpdateFailure> run(const NameChanges& changes) const;
+    /// Puts the replacement in the bundle's place, safe on the disk. There is a whole bundle at
+    /// every moment, except between the two steps that some file systems need; when this process is
+    /// killed just then, another process puts the old bundle back. On failure the old bundle stays.
+    std::optional<UpdateFailure> run(const RenameCalls& changes) const;
 
 private:
-    int replaceInTwoSteps(const NameChanges& changes) const;
+    int replaceInTwoSteps(const RenameCalls& changes) const;
 };
 
 } // namespace farview

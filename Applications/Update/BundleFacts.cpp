@@ -1,6 +1,7 @@
 #include "Applications/Update/BundleFacts.h"
 
 #include "Common/Rules/VersionOrder.h"
+#include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/PropertyLists/PropertyListFile.h"
 
 #include <fcntl.h>
@@ -13,18 +14,6 @@ namespace farview
 {
 namespace
 {
-
-std::string textIn(const PropertyList::Dictionary& info, const char* key)
-{
-    const auto found = info.find(key);
-    const auto* text = found == info.end() ? nullptr : found->second.get<std::string>();
-    return text ? *text : std::string();
-}
-
-std::string parentOf(const std::string& path)
-{
-    return std::filesystem::path(path).parent_path().string();
-}
 
 /// In a folder like /tmp only the owner may give a file another name.
 bool mayRenameIn(const std::string& folder, const std::string& path)
@@ -48,14 +37,14 @@ std::optional<BundleFacts> readBundleFacts(const std::string& path)
     if (!file.list)
         return std::nullopt;
     const auto& info = *file.list->get<PropertyList::Dictionary>();
-    BundleFacts facts{textIn(info, "CFBundleIdentifier"), textIn(info, "CFBundleVersion"),
-                      textIn(info, "SUFeedURL"), textIn(info, "SUPublicEDKey")};
+    BundleFacts facts{textFor(info, "CFBundleIdentifier"), textFor(info, "CFBundleVersion"),
+                      textFor(info, "SUFeedURL"), textFor(info, "SUPublicEDKey")};
     if (!isVersion(facts.version))
         facts.version.clear();
     return facts;
 }
 
-std::string ownPath(const std::string& path)
+std::string canonicalPath(const std::string& path)
 {
     std::error_code error;
     auto own = std::filesystem::weakly_canonical(path, error);
@@ -67,7 +56,7 @@ std::string ownPath(const std::string& path)
 
 bool mayReplaceBundle(const std::string& path)
 {
-    const auto folder = parentOf(path);
+    const auto folder = parentFolder(path);
     const auto mayWrite = [](const std::string& each) {
         return ::faccessat(AT_FDCWD, each.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
     };

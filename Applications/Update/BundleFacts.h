@@ -6,8 +6,7 @@
 namespace farview
 {
 
-/// What a bundle's Info.plist says about itself and its updates. What is missing or of the wrong
-/// type is empty.
+/// What a bundle's Info.plist says about its updates. Empty: missing, or of the wrong type.
 struct BundleFacts {
     std::string identifier; ///< CFBundleIdentifier
     std::string version;    ///< CFBundleVersion; empty when it is none that can be compared
@@ -15,11 +14,11 @@ struct BundleFacts {
     std::string publicKey;  ///< SUPublicEDKey, Base64
 };
 
-/// Nothing when there is no bundle, or no Info.plist that can be read.
+/// Returns nothing when the Info.plist is missing or cannot be read.
 std::optional<BundleFacts> readBundleFacts(const std::string& path);
 
-/// The bundle's own path: absolute, through no link. It need not exist.
-std::string ownPath(const std::string& path);
+/// The absolute path without links. The bundle need not exist.
+std::string canonicalPath(const std::string& path);
 
 /// Whether this user may replace the bundle: write it, and the folder that it lies in.
 bool mayReplaceBundle(const std::string& path);

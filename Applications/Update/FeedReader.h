@@ -11,11 +11,11 @@
 namespace farview
 {
 
-/// Reads appcasts: RSS 2.0 whose items carry a version, an archive and its signature.
+/// Reads feeds of updates: RSS 2.0 whose items carry a version, an archive and its signature.
 ///
-/// Anyone may have written them: UTF-8 only, no document type (so no declared entities), bounded,
-/// see the limits. An item without a version that can be compared or without an archive's address
-/// is passed over. Never throws; has no state; any thread.
+/// Anyone may have written them: see `XMLReading`, and the limits. An item without a version that
+/// can be compared or without an archive's address is passed over. Never throws; has no state; any
+/// thread.
 class FeedReader
 {
 public:

@@ -1,12 +1,13 @@
 #include "Applications/Update/Fetch.h"
 
-#include "Applications/Update/NetworkFailure.h"
 #include "Platform/Posix/PropertyLists/PropertyListFile.h"
 #include "Platform/Posix/WholeFile.h"
 
+#include <QNetworkInterface>
 #include <QNetworkProxyFactory>
 #include <QSslConfiguration>
 
+#include <algorithm>
 #include <utility>
 
 namespace farview
@@ -18,8 +19,8 @@ constexpr int mostRedirections = 5;
 constexpr qint64 readAhead = 64 * 1024;
 constexpr int statusOfContents = 200;
 
-/// The authorities of the system; or, as with other programs here, those in the file that the user
-/// names instead. What is fetched counts only when it is signed, whoever vouched for the server.
+/// The system's certificate authorities, or those in the file that the user names instead. What is
+/// fetched counts only when it is signed, whoever vouched for the server.
 QSslConfiguration trust()
 {
     auto configuration = QSslConfiguration::defaultConfiguration();
@@ -38,10 +39,45 @@ QNetworkRequest requestFor(const QUrl& address)
     request.setMaximumRedirectsAllowed(mostRedirections);
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    // Said by us, it also keeps the library from decompressing: bytes are counted as they come.
+    // This also keeps the library from decompressing: bytes are counted as they arrive.
     request.setRawHeader("Accept-Encoding", "identity");
     request.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("farview-update"));
     return request;
+}
+
+bool leadsOut(const QNetworkInterface& interface)
+{
+    const auto flags = interface.flags();
+    return flags.testFlag(QNetworkInterface::IsRunning) &&
+           !flags.testFlag(QNetworkInterface::IsLoopBack) && !interface.addressEntries().isEmpty();
+}
+
+bool hasNetwork()
+{
+    const auto interfaces = QNetworkInterface::allInterfaces();
+    return std::any_of(interfaces.begin(), interfaces.end(), leadsOut);
+}
+
+/// The problem that an error of the transfer means to the user.
+UpdateProblem problemOf(QNetworkReply::NetworkError error)
+{
+    switch (error) {
+    case QNetworkReply::SslHandshakeFailedError:
+        return UpdateProblem::certificate;
+    case QNetworkReply::InsecureRedirectError:
+    case QNetworkReply::ProtocolUnknownError:
+        return UpdateProblem::insecureAddress;
+    case QNetworkReply::ConnectionRefusedError:
+    case QNetworkReply::HostNotFoundError:
+    case QNetworkReply::TemporaryNetworkFailureError:
+    case QNetworkReply::NetworkSessionFailedError:
+    case QNetworkReply::UnknownNetworkError:
+        return hasNetwork() ? UpdateProblem::server : UpdateProblem::noNetwork;
+    case QNetworkReply::TimeoutError:
+        return UpdateProblem::stalled;
+    default:
+        return UpdateProblem::server;
+    }
 }
 
 } // namespace
@@ -55,7 +91,7 @@ bool isSecureAddress(const QUrl& address)
 
 void Fetch::EndReply::operator()(QNetworkReply* reply) const
 {
-    // The end may come within one of its own signals, where it is not ready for that.
+    // This may run within one of the reply's own signals, when it cannot be deleted yet.
     QTimer::singleShot(0, reply, [reply] {
         reply->abort();
         reply->deleteLater();
@@ -68,10 +104,10 @@ Fetch::Fetch()
     mSilence.setSingleShot(true);
     mDeadline.setSingleShot(true);
     QObject::connect(&mSilence, &QTimer::timeout, &mSilence, [this] {
-        end(UpdateFailure{UpdateReason::stalled, "the server fell silent"});
+        end(UpdateFailure{UpdateProblem::stalled, "the server fell silent"});
     });
     QObject::connect(&mDeadline, &QTimer::timeout, &mDeadline, [this] {
-        end(UpdateFailure{UpdateReason::stalled, "the server is too slow"});
+        end(UpdateFailure{UpdateProblem::stalled, "the server is too slow"});
     });
 }
 
@@ -105,9 +141,9 @@ void Fetch::openFile()
     const std::string path = mOrder.address.toLocalFile().toStdString();
     WholeFile file = readWholeFile(path, mOrder.largestSize);
     if (file.status == WholeFile::Status::tooLarge)
-        return end(UpdateFailure{mOrder.beyond, path + " is too large"});
+        return end(UpdateFailure{mOrder.whenTooMuch, path + " is too large"});
     if (file.status != WholeFile::Status::read)
-        return end(UpdateFailure{UpdateReason::server, path + ": " + errorText(file.error)});
+        return end(UpdateFailure{UpdateProblem::server, path + ": " + errorText(file.error)});
     mBytes = std::move(file.bytes);
     mProgress(mBytes.size());
     end(std::nullopt);
@@ -138,7 +174,7 @@ void Fetch::connectReply()
 void Fetch::redirect(const QUrl& target)
 {
     if (target.scheme() != QLatin1String("https"))
-        return end(UpdateFailure{UpdateReason::insecureAddress,
+        return end(UpdateFailure{UpdateProblem::insecureAddress,
                                  "redirected to " + target.toString().toStdString()});
     mSilence.start();
     Q_EMIT mReply->redirectAllowed();
@@ -149,7 +185,7 @@ void Fetch::announce()
     mSilence.start();
     const auto length = mReply->header(QNetworkRequest::ContentLengthHeader);
     if (length.isValid() && length.toULongLong() > mOrder.largestSize)
-        end(UpdateFailure{mOrder.beyond, "the server announces more than may come"});
+        end(UpdateFailure{mOrder.whenTooMuch, "the server announces more than may come"});
 }
 
 void Fetch::receive()
@@ -159,7 +195,7 @@ void Fetch::receive()
     mSilence.start();
     const QByteArray bytes = mReply->readAll();
     if (mBytes.size() + static_cast<std::size_t>(bytes.size()) > mOrder.largestSize)
-        return end(UpdateFailure{mOrder.beyond, "the server sends more than may come"});
+        return end(UpdateFailure{mOrder.whenTooMuch, "the server sends more than may come"});
     mBytes.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     mProgress(mBytes.size());
 }
@@ -167,10 +203,10 @@ void Fetch::receive()
 void Fetch::conclude()
 {
     if (mReply->error() != QNetworkReply::NoError)
-        return end(networkFailure(mReply->error(), mReply->errorString()));
+        return end(UpdateFailure{problemOf(mReply->error()), mReply->errorString().toStdString()});
     const int status = mReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status != statusOfContents)
-        return end(UpdateFailure{UpdateReason::server, "status " + std::to_string(status)});
+        return end(UpdateFailure{UpdateProblem::server, "status " + std::to_string(status)});
     receive();
     end(std::nullopt);
 }

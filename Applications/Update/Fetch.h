@@ -17,19 +17,19 @@
 namespace farview
 {
 
-/// What is fetched, and what is put up with.
+/// What to fetch, and the limits.
 struct FetchOrder {
-    QUrl address;                  ///< https: or file:
-    std::uint64_t largestSize = 0; ///< in bytes
-    UpdateReason beyond{};         ///< the failure when more comes
-    std::chrono::seconds patience{};
-    /// The whole may take this long, however much comes; 0: as long as something comes.
+    QUrl address;                    ///< https: or file:
+    std::uint64_t largestSize = 0;   ///< in bytes
+    UpdateProblem whenTooMuch{};     ///< the failure when more comes
+    std::chrono::seconds patience{}; ///< how long the server may be silent
+    /// How long the whole transfer may take; 0: as long as something comes.
     std::chrono::seconds deadline{};
 };
 
-/// Gets one thing at a time into memory, over HTTPS or from a file. A redirection leads to HTTPS or
-/// is refused; nothing is decompressed, kept or sent along. Main thread; needs the application
-/// object.
+/// Gets one thing at a time into memory, over HTTPS or from a file. Redirections that
+/// do not lead to HTTPS are refused; nothing is decompressed, cached or sent along. Main thread;
+/// needs the application object.
 class Fetch
 {
 public:
@@ -43,7 +43,7 @@ public:
     Fetch& operator=(const Fetch&) = delete;
 
     void start(const FetchOrder& order, Progress progress, Then then);
-    /// Ends what is under way; nothing more is called.
+    /// Ends the transfer; nothing more is called.
     void stop();
 
 private:

@@ -1,4 +1,4 @@
-// The tool of the person who releases: makes keys, and signs archives.
+// Makes keys and signs archives, for whoever makes a release.
 
 #include "Applications/Update/Signature.h"
 #include "Platform/Posix/PropertyLists/PropertyListScalars.h"

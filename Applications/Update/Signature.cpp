@@ -21,7 +21,7 @@ unsigned char* unsignedBytes(Bytes& bytes)
     return reinterpret_cast<unsigned char*>(bytes.data());
 }
 
-/// The bytes of a Base64 text, when there are that many; else none.
+/// The bytes of a Base64 text; empty when there are not exactly that many.
 Bytes decoded(std::string_view text, std::size_t size)
 {
     const auto data = dataFromBase64(text);
@@ -30,18 +30,18 @@ Bytes decoded(std::string_view text, std::size_t size)
 
 std::string encoded(std::string_view bytes) { return base64FromData(Data::fromText(bytes)); }
 
-struct Pair {
+struct KeyPair {
     Bytes publicKey = Bytes(crypto_sign_PUBLICKEYBYTES, '\0');
     Bytes secretKey = Bytes(crypto_sign_SECRETKEYBYTES, '\0');
 
-    explicit Pair(const Bytes& seed)
+    explicit KeyPair(const Bytes& seed)
     {
         crypto_sign_seed_keypair(unsignedBytes(publicKey), unsignedBytes(secretKey),
                                  unsignedBytes(std::string_view(seed)));
     }
-    ~Pair() { sodium_memzero(secretKey.data(), secretKey.size()); }
-    Pair(const Pair&) = delete;
-    Pair& operator=(const Pair&) = delete;
+    ~KeyPair() { sodium_memzero(secretKey.data(), secretKey.size()); }
+    KeyPair(const KeyPair&) = delete;
+    KeyPair& operator=(const KeyPair&) = delete;
 };
 
 } // namespace
@@ -67,11 +67,11 @@ SigningKey::~SigningKey() { sodium_memzero(mSeed.data(), mSeed.size()); }
 
 std::string SigningKey::text() const { return encoded(mSeed); }
 
-std::string SigningKey::publicKey() const { return encoded(Pair(mSeed).publicKey); }
+std::string SigningKey::publicKey() const { return encoded(KeyPair(mSeed).publicKey); }
 
 std::string SigningKey::signatureOf(std::string_view bytes) const
 {
-    const Pair pair(mSeed);
+    const KeyPair pair(mSeed);
     Bytes signature(crypto_sign_BYTES, '\0');
     crypto_sign_detached(unsignedBytes(signature), nullptr, unsignedBytes(bytes), bytes.size(),
                          unsignedBytes(std::string_view(pair.secretKey)));

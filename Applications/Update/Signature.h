@@ -8,13 +8,13 @@
 namespace farview
 {
 
-/// A pair of Ed25519 keys, and signing with it. The tool of the person who releases.
+/// Makes signatures with a pair of Ed25519 keys. For whoever makes a release.
 class SigningKey
 {
 public:
     /// A new pair.
     static std::optional<SigningKey> generated();
-    /// The pair that this text stands for; nothing when it is none.
+    /// The pair of that secret key, in Base64; nothing when the text is no key.
     static std::optional<SigningKey> fromText(std::string_view text);
 
     SigningKey(SigningKey&&) noexcept = default;
@@ -22,11 +22,11 @@ public:
     /// Leaves nothing of the secret in memory.
     ~SigningKey();
 
-    /// The secret, to be kept: 32 bytes in Base64.
+    /// The secret key: 32 bytes in Base64.
     std::string text() const;
-    /// What others verify with: 32 bytes in Base64.
+    /// The public key, which others verify with: 32 bytes in Base64.
     std::string publicKey() const;
-    /// 64 bytes in Base64.
+    /// The signature: 64 bytes in Base64.
     std::string signatureOf(std::string_view bytes) const;
 
 private:
@@ -38,8 +38,8 @@ private:
 /// Whether that is a key to verify with.
 bool isPublicKey(std::string_view publicKey);
 
-/// Whether the bytes were signed with the secret of that public key. Both are Base64; what is no
-/// key or no signature verifies nothing.
+/// Whether the bytes were signed with the secret key that belongs to the public one. Both texts are
+/// Base64; false when one of them is no key or no signature.
 bool isSigned(std::string_view bytes, std::string_view signature, std::string_view publicKey);
 
 } // namespace farview

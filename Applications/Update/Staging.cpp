@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <utility>
 
@@ -16,19 +17,12 @@ namespace
 {
 
 constexpr mode_t ownerOnly = S_IRWXU;
-/// Each further attempt means that another run ended just then.
+/// A further attempt is needed when another run removed the folder just then.
 constexpr int mostAttempts = 10;
 
 std::string stagingPathFor(const std::filesystem::path& bundle)
 {
     return (bundle.parent_path() / ("." + bundle.filename().string() + ".update")).string();
-}
-
-bool exists(const std::string& path)
-{
-    struct stat status {
-    };
-    return ::lstat(path.c_str(), &status) == 0;
 }
 
 } // namespace
@@ -47,22 +41,11 @@ std::optional<UpdateFailure> Staging::openOwn()
         return errno == ENOENT ? std::nullopt : std::optional(writeFailure(errno, mPath));
     struct stat status {
     };
-    // A folder that somebody else laid there is not used.
+    // Another user could change what lies in it.
     if (::fstat(mFolder.get(), &status) != 0 || status.st_uid != ::geteuid() ||
         (status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-        return UpdateFailure{UpdateReason::write, mPath + " is not private"};
+        return UpdateFailure{UpdateProblem::write, mPath + " is not private"};
     return std::nullopt;
-}
-
-/// Whether the path still leads to the folder that is locked: who had it before removed it.
-bool Staging::isStillThere() const
-{
-    struct stat held {
-    };
-    struct stat named {
-    };
-    return ::fstat(mFolder.get(), &held) == 0 && ::lstat(mPath.c_str(), &named) == 0 &&
-           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
 }
 
 std::optional<UpdateFailure> Staging::lock()
@@ -74,25 +57,28 @@ std::optional<UpdateFailure> Staging::lock()
             continue;
         if (::flock(mFolder.get(), LOCK_EX | LOCK_NB) != 0)
             break;
-        if (isStillThere())
+        // The run that held the lock before has removed its folder.
+        if (isOpenAt(mPath, mFolder.get()))
             return std::nullopt;
     }
-    return UpdateFailure{UpdateReason::busy, "another update of this bundle is running"};
+    return UpdateFailure{UpdateProblem::busy, "another update of this bundle is running"};
 }
 
 std::optional<UpdateFailure> Staging::acquire()
 {
-    auto failure = lock();
-    if (!failure)
-        failure = empty();
+    auto failure = tryToAcquire();
+    if (failure && failure->problem != UpdateProblem::busy && clearPath())
+        failure = tryToAcquire();
     if (failure)
         mFolder = {};
     return failure;
 }
 
-std::optional<UpdateFailure> Staging::empty()
+std::optional<UpdateFailure> Staging::tryToAcquire()
 {
-    if (!exists(mBundle) && exists(asidePath()) &&
+    if (auto failure = lock())
+        return failure;
+    if (!isAnythingAt(mBundle) && isAnythingAt(asidePath()) &&
         ::rename(asidePath().c_str(), mBundle.c_str()) != 0)
         return writeFailure(errno, mBundle);
     for (const auto& name : namesInFolder(mPath)) {
@@ -104,9 +90,23 @@ std::optional<UpdateFailure> Staging::empty()
     return std::nullopt;
 }
 
-std::optional<UpdateFailure> Staging::tidy()
+/// Removes what lies at the path or, when that fails, renames it, so that it does not hold up every
+/// later update. Does nothing while the only copy of the bundle may be in it.
+bool Staging::clearPath() const
 {
-    if (!exists(mPath))
+    if (!isAnythingAt(mBundle))
+        return false;
+    std::error_code error;
+    std::filesystem::remove_all(mPath, error);
+    if (!error)
+        return true;
+    std::string other = mPath + ".XXXXXX";
+    return ::mkdtemp(other.data()) && ::rename(mPath.c_str(), other.c_str()) == 0;
+}
+
+std::optional<UpdateFailure> Staging::removeLeftovers()
+{
+    if (!isAnythingAt(mPath))
         return std::nullopt;
     auto failure = acquire();
     release();
@@ -117,7 +117,7 @@ void Staging::release()
 {
     if (!mFolder.isOpen())
         return;
-    // Another process takes the folder for its own only once it is unlocked or gone.
+    // The lock is held until the folder is gone.
     std::error_code ignored;
     std::filesystem::remove_all(mPath, ignored);
     mFolder = {};

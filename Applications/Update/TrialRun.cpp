@@ -35,9 +35,9 @@ constexpr auto busConfiguration = R"(<busconfig>
 
 QString text(const std::string& value) { return QString::fromStdString(value); }
 
-UpdateFailure unfit(const std::string& complaint) { return {UpdateReason::unfit, complaint}; }
+UpdateFailure unfit(const std::string& complaint) { return {UpdateProblem::unfit, complaint}; }
 
-UpdateFailure withoutBus() { return {UpdateReason::internal, "dbus-daemon cannot be run"}; }
+UpdateFailure withoutBus() { return {UpdateProblem::internal, "dbus-daemon cannot be run"}; }
 
 QProcessEnvironment ownEnvironment(const QString& folder)
 {
@@ -84,7 +84,7 @@ void TrialRun::start(const std::string& host, const std::string& bundle, const s
     mIsOver = false;
     mLimit.start(longestTrial);
     if (!prepare(mFolder))
-        return end(UpdateFailure{UpdateReason::write, folder});
+        return end(UpdateFailure{UpdateProblem::write, folder});
     startBus();
 }
 
@@ -123,7 +123,7 @@ void TrialRun::startHost()
     QObject::connect(host, &QProcess::finished, host, [this] { conclude(); });
     QObject::connect(host, &QProcess::errorOccurred, host, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            end(UpdateFailure{UpdateReason::internal, mHostPath.toStdString() + " cannot be run"});
+            end(UpdateFailure{UpdateProblem::internal, mHostPath.toStdString() + " cannot be run"});
     });
     host->start(mHostPath, {QStringLiteral("--smoke-test"), QStringLiteral("--pane"), mBundle});
 }
@@ -139,7 +139,7 @@ void TrialRun::conclude()
     end(unfit(how + ": " + printableText(printed, longestComplaint)));
 }
 
-/// Nothing may still write to the folder when the end is told.
+/// The end is told only when no process can write to the folder any more.
 void TrialRun::end(std::optional<UpdateFailure> failure)
 {
     if (!mIsOver) {
@@ -168,7 +168,7 @@ void TrialRun::settle()
         then(mFailure);
 }
 
-void TrialRun::breakOff() { end(UpdateFailure{UpdateReason::internal, "broken off"}); }
+void TrialRun::cancel() { end(UpdateFailure{UpdateProblem::internal, "cancelled"}); }
 
 void TrialRun::stop()
 {
@@ -180,7 +180,7 @@ void TrialRun::stop()
             continue;
         (*process)->disconnect();
         (*process)->kill();
-        // The end may come within one of its own signals.
+        // This may run within one of the process's own signals.
         process->release()->deleteLater();
     }
 }

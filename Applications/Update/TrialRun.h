@@ -14,13 +14,13 @@
 namespace farview
 {
 
-/// Lets the host go through a bundle's whole life, cut off from the user's own: with folders and a
-/// message bus of its own that starts no services, and without a display. What runs for it ends
-/// with this object, and when this process is killed. Main thread.
+/// Runs the host's smoke test on a bundle, apart from the user's session: with folders and a
+/// message bus of its own that starts no services, and without a display. The processes end with
+/// this object, and when this process is killed. Main thread.
 class TrialRun
 {
 public:
-    /// Called once, when nothing runs any more; with nothing when the bundle passed.
+    /// Called once, when all processes have ended; with nothing when the bundle passed.
     using Then = std::function<void(const std::optional<UpdateFailure>& failure)>;
 
     TrialRun();
@@ -28,11 +28,11 @@ public:
     TrialRun(const TrialRun&) = delete;
     TrialRun& operator=(const TrialRun&) = delete;
 
-    /// `folder` is private, empty and exists; the programs keep there what they would keep at home.
+    /// `folder` is an empty private folder; the programs use it as their home.
     void start(const std::string& host, const std::string& bundle, const std::string& folder,
                Then then);
-    /// Ends what is under way before its time: with a failure.
-    void breakOff();
+    /// Ends the run with a failure.
+    void cancel();
 
 private:
     void stop();

@@ -27,19 +27,7 @@ constexpr std::size_t longestShownText = 200;
 
 UpdateFailure refusal(const std::string& what)
 {
-    return {UpdateReason::archive, printableText(what, longestShownText)};
-}
-
-/// Writes all of it; returns 0 or an errno.
-int writeAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const auto count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR)
-            return errno;
-        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
-    }
-    return 0;
+    return {UpdateProblem::archive, printableText(what, longestShownText)};
 }
 
 } // namespace
@@ -60,7 +48,7 @@ std::optional<std::string> innerPath(std::string_view path)
     return inner;
 }
 
-/// The archive in memory, entry after entry.
+/// Reads the entries of the archive in memory, one after another.
 class Unpacking::Reader
 {
 public:
@@ -89,12 +77,13 @@ public:
         return text ? text : "";
     }
     bool isFolder() const { return ::archive_entry_filetype(mEntry) == AE_IFDIR; }
-    /// A hard link calls itself a file.
+    /// libarchive reports a hard link as a file.
     bool isFile() const
     {
         return ::archive_entry_filetype(mEntry) == AE_IFREG && !::archive_entry_hardlink(mEntry);
     }
     bool isProgram() const { return (::archive_entry_perm(mEntry) & S_IXUSR) != 0; }
+    /// The size that it announces; 0 when it announces none.
     std::uint64_t size() const
     {
         const auto size = ::archive_entry_size(mEntry);
@@ -110,8 +99,8 @@ private:
     archive_entry* mEntry = nullptr; ///< the archive's own
 };
 
-Unpacking::Unpacking(std::string folder, UnpackLimits limits, std::function<bool()> isBrokenOff)
-    : mFolder(std::move(folder)), mLimits(limits), mIsBrokenOff(std::move(isBrokenOff))
+Unpacking::Unpacking(std::string folder, UnpackLimits limits, std::function<bool()> isCancelled)
+    : mFolder(std::move(folder)), mLimits(limits), mIsCancelled(std::move(isCancelled))
 {
 }
 
@@ -120,8 +109,8 @@ std::optional<UpdateFailure> Unpacking::unpack(std::string_view archive)
     Reader reader(archive);
     int status = reader.next();
     for (; status == ARCHIVE_OK; status = reader.next()) {
-        if (mIsBrokenOff())
-            return UpdateFailure{UpdateReason::internal, "broken off"};
+        if (mIsCancelled())
+            return UpdateFailure{UpdateProblem::internal, "cancelled"};
         if (auto failure = unpackEntry(reader))
             return failure;
     }
@@ -132,8 +121,10 @@ std::optional<UpdateFailure> Unpacking::unpack(std::string_view archive)
 
 std::optional<UpdateFailure> Unpacking::unpackEntry(Reader& reader)
 {
-    if (auto failure = count(reader))
-        return failure;
+    if (++mEntries > mLimits.entries)
+        return refusal("too many entries");
+    if (!fits(reader.size()))
+        return refusal("it announces more than it may hold");
     const auto inner = innerPath(reader.path());
     if (!inner || inner->size() > mLimits.pathLength || !takeTop(*inner))
         return refusal("a path that leads elsewhere: " + reader.path());
@@ -145,17 +136,6 @@ std::optional<UpdateFailure> Unpacking::unpackEntry(Reader& reader)
     if (::mkdir(path.c_str(), folder) == 0)
         return std::nullopt;
     return errno == EEXIST ? refusal("a path twice: " + reader.path()) : writeFailure(errno, path);
-}
-
-/// Before anything of the entry is written.
-std::optional<UpdateFailure> Unpacking::count(const Reader& reader)
-{
-    if (++mEntries > mLimits.entries)
-        return refusal("too many entries");
-    if (reader.size() > mLimits.bytes - mBytes)
-        return refusal("too large when it is unpacked");
-    mBytes += reader.size();
-    return std::nullopt;
 }
 
 /// Every path begins with the same folder.
@@ -176,7 +156,7 @@ std::optional<UpdateFailure> Unpacking::unpackFile(Reader& reader, const std::st
         return isOfTheArchive ? refusal("a file in the wrong place: " + reader.path())
                               : writeFailure(errno, path);
     }
-    // Whatever the umask is.
+    // The umask may have taken bits away.
     if (::fchmod(file.get(), reader.isProgram() ? program : plainFile) != 0)
         return writeFailure(errno, path);
     return copy(reader, file.get(), path);
@@ -186,17 +166,21 @@ std::optional<UpdateFailure> Unpacking::copy(Reader& reader, int descriptor,
                                              const std::string& path)
 {
     std::array<char, 64 * 1024> buffer{};
-    while (!mIsBrokenOff()) {
-        const auto count = reader.read(buffer.data(), buffer.size());
-        if (count < 0)
+    while (!mIsCancelled()) {
+        const auto size = reader.read(buffer.data(), buffer.size());
+        if (size < 0)
             return refusal(reader.error());
-        if (count == 0)
+        if (size == 0)
             return std::nullopt;
-        if (const int error =
-                writeAll(descriptor, {buffer.data(), static_cast<std::size_t>(count)}))
+        const std::string_view bytes(buffer.data(), static_cast<std::size_t>(size));
+        // A sparse entry may announce one byte and put it behind a hole of any size.
+        if (!fits(bytes.size()))
+            return refusal("too large when it is unpacked");
+        mBytes += bytes.size();
+        if (const int error = writeAll(descriptor, bytes))
             return writeFailure(error, path);
     }
-    return UpdateFailure{UpdateReason::internal, "broken off"};
+    return UpdateFailure{UpdateProblem::internal, "cancelled"};
 }
 
 } // namespace farview

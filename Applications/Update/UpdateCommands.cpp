@@ -23,8 +23,10 @@ bool isReadable(int descriptor)
 } // namespace
 
 UpdateCommands::UpdateCommands(int descriptor, Handler handler)
-    : mDescriptor(descriptor), mHandler(std::move(handler))
+    : mDescriptor(descriptor), mHandler(std::move(handler)),
+      mNotifier(descriptor, QSocketNotifier::Read)
 {
+    QObject::connect(&mNotifier, &QSocketNotifier::activated, &mNotifier, [this] { poll(); });
 }
 
 void UpdateCommands::poll()
@@ -63,6 +65,7 @@ void UpdateCommands::takeLine()
 void UpdateCommands::end()
 {
     mHasEnded = true;
+    mNotifier.setEnabled(false);
     mHandler(UpdateCommand::ended);
 }
 

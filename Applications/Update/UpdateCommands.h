@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QSocketNotifier>
+
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,8 +16,8 @@ enum class UpdateCommand {
     ended, ///< nothing more will come
 };
 
-/// The words that the panel says, read from a descriptor without ever waiting for one. What is no
-/// word of the protocol is passed over.
+/// Reads the panel's words from a descriptor, whenever there are some, and never waits for one.
+/// Unknown words are ignored. Main thread.
 class UpdateCommands
 {
 public:
@@ -24,10 +26,9 @@ public:
     /// `descriptor` is used, not owned.
     UpdateCommands(int descriptor, Handler handler);
 
-    /// Reads what has come and hands it over, in order.
+    /// Reads what has arrived, also while the loop stands still, and calls the handler for each
+    /// word.
     void poll();
-    /// After that, polling does nothing.
-    bool hasEnded() const { return mHasEnded; }
 
 private:
     void take(std::string_view bytes);
@@ -36,6 +37,7 @@ private:
 
     int mDescriptor;
     Handler mHandler;
+    QSocketNotifier mNotifier;
     std::string mLine;
     bool mHasEnded = false;
 };

@@ -2,15 +2,18 @@
 
 #include "Applications/Update/BundleFacts.h"
 #include "Applications/Update/Fetch.h"
+#include "Applications/Update/HelperPrograms.h"
 #include "Applications/Update/Staging.h"
 #include "Applications/Update/TrialRun.h"
 #include "Applications/Update/UpdateArguments.h"
 #include "Applications/Update/UpdateCommands.h"
-#include "Applications/Update/UpdateEvents.h"
+#include "Common/Rules/UpdateChoice.h"
 
 #include <QElapsedTimer>
+#include <QJsonObject>
 #include <QUrl>
 
+#include <cstdio>
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,23 +21,24 @@
 namespace farview
 {
 
-/// One update of one bundle, from the look at the feed to the exchange. Until the exchange nothing
-/// of the bundle is touched, and whatever fails, or is broken off, leaves no trace. Main thread.
+/// One update of one bundle, from the feed to the exchange. Until the exchange the bundle is not
+/// touched, and a run that fails or is cancelled leaves no trace. Main thread.
 class UpdateRun
 {
 public:
-    /// `ended` is called once, with the exit status. `events` is used, not owned.
-    UpdateRun(UpdateArguments arguments, UpdateEvents& events, std::function<void(int)> ended);
+    /// Says what happens on `output`, one JSON object per line; who reads it may have gone. `ended`
+    /// is called once, with the exit status. `output` is used, not owned.
+    UpdateRun(UpdateArguments arguments, std::FILE* output, std::function<void(int)> ended);
 
     void start();
     void take(UpdateCommand command);
-    /// Called now and then by steps that take long on their own, to hear of a cancellation.
+    /// `listen` is called often by steps that block, so that they hear of a cancellation.
     void setListen(std::function<void()> listen) { mListen = std::move(listen); }
 
 private:
     enum class Step { checking, offered, downloading, working, trying, ready, ended };
 
-    std::optional<UpdateFailure> look();
+    std::optional<UpdateFailure> checkBundle();
     void takeFeed(const std::string& bytes);
     void offer(const UpdateItem& item);
     std::optional<UpdateFailure> refusalOf(const UpdateItem& item);
@@ -47,18 +51,20 @@ private:
     std::optional<UpdateFailure> prepare(const std::string& archive);
     std::optional<UpdateFailure> compare() const;
     void tryOut();
-    void takeVerdict(const std::optional<UpdateFailure>& failure);
+    void takeTrialResult(const std::optional<UpdateFailure>& failure);
 
     void install();
     std::optional<UpdateFailure> exchange();
 
-    bool isBrokenOff();
+    void say(const char* event, QJsonObject details = {});
+    void say(const UpdateFailure& failure);
+    bool hearsCancellation();
     void cancel();
     void fail(const UpdateFailure& failure);
     void end(int status);
 
     UpdateArguments mArguments;
-    UpdateEvents& mEvents;
+    std::FILE* mOutput;
     std::function<void(int)> mEnded;
     std::function<void()> mListen = [] {};
     Step mStep = Step::checking;
@@ -77,6 +83,7 @@ private:
     Staging mStaging;
     Fetch mFetch;
     TrialRun mTrial;
+    HelperPrograms mHelpers;
 };
 
 } // namespace farview

@@ -1,11 +1,10 @@
-// The feed, and whether what it offers can be had.
+// Reads the feed and judges what it offers.
 
 #include "Applications/Update/FeedReader.h"
 #include "Applications/Update/Signature.h"
 #include "Applications/Update/UpdateRun.h"
+#include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/PosixSystemVersion.h"
-
-#include <sys/stat.h>
 
 #include <utility>
 
@@ -14,7 +13,7 @@ namespace farview
 namespace
 {
 
-/// It is held in memory until it is verified.
+/// In bytes. The archive is held in memory until it is unpacked.
 constexpr std::uint64_t largestArchive = 100u << 20;
 constexpr std::chrono::seconds longestFeed{60};
 
@@ -28,13 +27,6 @@ std::string systemVersion()
            number(SystemVersionQuery::bugFix);
 }
 
-bool exists(const std::string& path)
-{
-    struct stat status {
-    };
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
 QUrl addressFrom(const std::string& text)
 {
     return QUrl(QString::fromStdString(text), QUrl::StrictMode);
@@ -44,13 +36,13 @@ QUrl addressFrom(const std::string& text)
 
 void UpdateRun::start()
 {
-    // Broken off before it began.
+    // Cancelled before it began.
     if (mStep == Step::ended)
         return;
-    mEvents.checking();
-    if (auto failure = look())
+    say("checking");
+    if (auto failure = checkBundle())
         return fail(*failure);
-    const FetchOrder order{mFeed, FeedReader::largestSize, UpdateReason::tooLarge,
+    const FetchOrder order{mFeed, FeedReader::largestSize, UpdateProblem::tooLarge,
                            mArguments.patience, longestFeed};
     mFetch.start(
         order, [](std::uint64_t) {},
@@ -59,23 +51,23 @@ void UpdateRun::start()
         });
 }
 
-/// What can be said before anything is asked of the network.
-std::optional<UpdateFailure> UpdateRun::look()
+/// What can fail before the network is asked.
+std::optional<UpdateFailure> UpdateRun::checkBundle()
 {
-    if (exists(mBundle) && !mayReplaceBundle(mBundle))
-        return UpdateFailure{UpdateReason::managed, mBundle + " may not be written"};
-    if (auto failure = mStaging.tidy())
+    if (isAnythingAt(mBundle) && !mayReplaceBundle(mBundle))
+        return UpdateFailure{UpdateProblem::managed, mBundle + " may not be written"};
+    if (auto failure = mStaging.removeLeftovers())
         return failure;
     const auto facts = readBundleFacts(mBundle);
     if (!facts)
-        return UpdateFailure{UpdateReason::internal, "no bundle at " + mBundle};
+        return UpdateFailure{UpdateProblem::internal, "no bundle at " + mBundle};
     mFacts = *facts;
     if (mFacts.version.empty() || mFacts.feed.empty() || !isPublicKey(mFacts.publicKey))
-        return UpdateFailure{UpdateReason::notConfigured,
+        return UpdateFailure{UpdateProblem::notConfigured,
                              "version, SUFeedURL or SUPublicEDKey is missing in the Info.plist"};
     mFeed = addressFrom(mFacts.feed);
     if (!isSecureAddress(mFeed))
-        return UpdateFailure{UpdateReason::insecureAddress, mFacts.feed};
+        return UpdateFailure{UpdateProblem::insecureAddress, mFacts.feed};
     return std::nullopt;
 }
 
@@ -83,29 +75,30 @@ void UpdateRun::takeFeed(const std::string& bytes)
 {
     const auto feed = FeedReader::read(bytes);
     if (!feed.items)
-        return fail(UpdateFailure{UpdateReason::feedUnreadable, feed.reason});
+        return fail(UpdateFailure{UpdateProblem::feedUnreadable, feed.reason});
     const auto choice = chooseUpdate(*feed.items, mFacts.version, systemVersion());
     if (choice.kind == UpdateChoice::Kind::systemTooOld)
-        return fail(UpdateFailure{UpdateReason::systemTooOld, choice.offered});
+        return fail(UpdateFailure{UpdateProblem::systemTooOld, choice.offered});
     if (choice.kind == UpdateChoice::Kind::found)
         return offer(*choice.item);
-    mEvents.current(mFacts.version, choice.offered);
+    say("current", {{"version", QString::fromStdString(mFacts.version)},
+                    {"offered", QString::fromStdString(choice.offered)}});
     end(0);
 }
 
-/// Nothing is offered that is known to fail later.
+/// Why the item cannot be installed, as far as the feed tells.
 std::optional<UpdateFailure> UpdateRun::refusalOf(const UpdateItem& item)
 {
     mArchive = mFeed.resolved(addressFrom(item.address));
     if (!isSecureAddress(mArchive) || (mArchive.isLocalFile() && !mFeed.isLocalFile()))
-        return UpdateFailure{UpdateReason::insecureAddress, item.address};
+        return UpdateFailure{UpdateProblem::insecureAddress, item.address};
     if (item.length == 0)
-        return UpdateFailure{UpdateReason::wrongLength, "the feed says no length"};
+        return UpdateFailure{UpdateProblem::wrongLength, "the feed says no length"};
     if (item.length > largestArchive)
-        return UpdateFailure{UpdateReason::tooLarge,
+        return UpdateFailure{UpdateProblem::tooLarge,
                              std::to_string(item.length) + " bytes are announced"};
     if (item.signature.empty())
-        return UpdateFailure{UpdateReason::wrongSignature, "the archive is not signed"};
+        return UpdateFailure{UpdateProblem::wrongSignature, "the archive is not signed"};
     return std::nullopt;
 }
 
@@ -114,7 +107,9 @@ void UpdateRun::offer(const UpdateItem& item)
     if (auto failure = refusalOf(item))
         return fail(*failure);
     mItem = item;
-    mEvents.found(mItem);
+    say("found", {{"version", QString::fromStdString(mItem.version)},
+                  {"notes", QString::fromStdString(mItem.notes)},
+                  {"length", static_cast<qint64>(mItem.length)}});
     if (mArguments.onlyChecks)
         return end(0);
     mStep = Step::offered;

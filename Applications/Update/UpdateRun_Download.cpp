@@ -1,4 +1,4 @@
-// The archive: got, verified, unpacked and tried, all of it before the bundle is touched.
+// Downloads, verifies, unpacks and tries the new bundle, before the old one is touched.
 
 #include "Applications/Update/Signature.h"
 #include "Applications/Update/Unpacking.h"
@@ -17,7 +17,7 @@ namespace farview
 namespace
 {
 
-/// So many times its own length an archive takes when it is unpacked, with some to spare.
+/// How many times its length the disk must have free for an archive.
 constexpr std::uint64_t expansion = 10;
 constexpr int millisecondsBetweenReports = 100;
 
@@ -36,7 +36,7 @@ void UpdateRun::download()
         return fail(*failure);
     mSinceProgress.start();
     const FetchOrder order{
-        mArchive, mItem.length, UpdateReason::wrongLength, mArguments.patience, {}};
+        mArchive, mItem.length, UpdateProblem::wrongLength, mArguments.patience, {}};
     mFetch.start(
         order, [this](std::uint64_t received) { takeProgress(received); },
         [this](const std::string& bytes, std::optional<UpdateFailure> failure) {
@@ -53,7 +53,7 @@ std::optional<UpdateFailure> UpdateRun::makeRoom()
     if (::statvfs(mStaging.path().c_str(), &disk) != 0)
         return writeFailure(errno, mStaging.path());
     if (std::uint64_t{disk.f_bavail} * disk.f_frsize < expansion * mItem.length)
-        return UpdateFailure{UpdateReason::noSpace, "too little is free"};
+        return UpdateFailure{UpdateProblem::noSpace, "too little is free"};
     return std::nullopt;
 }
 
@@ -63,31 +63,32 @@ void UpdateRun::takeProgress(std::uint64_t received)
     if (!isComplete && mSinceProgress.elapsed() < millisecondsBetweenReports)
         return;
     mSinceProgress.start();
-    mEvents.downloading(received, mItem.length);
+    say("downloading", {{"received", static_cast<qint64>(received)},
+                        {"length", static_cast<qint64>(mItem.length)}});
 }
 
 void UpdateRun::takeArchive(const std::string& bytes)
 {
     mStep = Step::working;
-    mEvents.verifying();
+    say("verifying");
     const auto failure = prepare(bytes);
     if (mIsCancelled)
         return cancel();
     failure ? fail(*failure) : tryOut();
 }
 
-/// The bytes that are unpacked are those that were verified: they never leave the memory between.
+/// The bytes that are unpacked are those that were verified: they stay in memory between.
 std::optional<UpdateFailure> UpdateRun::prepare(const std::string& archive)
 {
     if (archive.size() != mItem.length)
-        return UpdateFailure{UpdateReason::wrongLength,
+        return UpdateFailure{UpdateProblem::wrongLength,
                              std::to_string(archive.size()) + " bytes came"};
     if (!isSigned(archive, mItem.signature, mFacts.publicKey))
-        return UpdateFailure{UpdateReason::wrongSignature, "not signed with the bundle's key"};
+        return UpdateFailure{UpdateProblem::wrongSignature, "not signed with the bundle's key"};
     const std::string folder = mStaging.path() + "/new";
     if (auto failure = makePrivateFolder(folder))
         return failure;
-    Unpacking unpacking(folder, UnpackLimits{}, [this] { return isBrokenOff(); });
+    Unpacking unpacking(folder, UnpackLimits{}, [this] { return hearsCancellation(); });
     if (auto failure = unpacking.unpack(archive))
         return failure;
     mReplacement = folder + "/" + unpacking.top();
@@ -99,11 +100,11 @@ std::optional<UpdateFailure> UpdateRun::compare() const
 {
     const auto facts = readBundleFacts(mReplacement);
     if (!facts || facts->identifier != mFacts.identifier || facts->version.empty())
-        return UpdateFailure{UpdateReason::archive, "it holds no bundle of this identifier"};
+        return UpdateFailure{UpdateProblem::archive, "it holds no bundle of this identifier"};
     if (compareVersions(facts->version, mFacts.version) <= 0)
-        return UpdateFailure{UpdateReason::downgrade, "it holds version " + facts->version};
+        return UpdateFailure{UpdateProblem::downgrade, "it holds version " + facts->version};
     if (compareVersions(facts->version, mItem.version) != 0)
-        return UpdateFailure{UpdateReason::wrongVersion, "it holds version " + facts->version};
+        return UpdateFailure{UpdateProblem::wrongVersion, "it holds version " + facts->version};
     return std::nullopt;
 }
 
@@ -114,17 +115,19 @@ void UpdateRun::tryOut()
         return fail(*failure);
     mStep = Step::trying;
     mTrial.start(mArguments.host, mReplacement, folder,
-                 [this](const std::optional<UpdateFailure>& failure) { takeVerdict(failure); });
+                 [this](const std::optional<UpdateFailure>& failure) { takeTrialResult(failure); });
 }
 
-void UpdateRun::takeVerdict(const std::optional<UpdateFailure>& failure)
+void UpdateRun::takeTrialResult(const std::optional<UpdateFailure>& failure)
 {
     if (mIsCancelled)
         return cancel();
     if (failure)
         return fail(*failure);
+    // The panel ends them before it says "install".
+    mHelpers.note();
     mStep = Step::ready;
-    mEvents.ready(mItem.version);
+    say("ready", {{"version", QString::fromStdString(mItem.version)}});
     proceed();
 }
 

@@ -1,6 +1,7 @@
 #include "Common/Rules/UpdateTexts.h"
 
-#include "Platform/Types/UpdateProblemWords.h"
+#include <algorithm>
+#include <iterator>
 
 namespace farview
 {
@@ -12,6 +13,53 @@ using Stage = UpdateStatus::Stage;
 constexpr const char* tryLater = "Try again later.";
 constexpr const char* nothingWasChanged = "Nothing was changed. Try again later.";
 constexpr const char* askTheSource = "Get new versions where you got this one.";
+constexpr const char* notGenuine = "The update that arrived is damaged or not genuine.";
+
+struct ProblemTexts {
+    UpdateProblem problem;
+    const char* trouble;
+    const char* remedy;
+};
+
+constexpr ProblemTexts problemTexts[] = {
+    {UpdateProblem::notConfigured, "This copy of Farview knows no place to get updates from.",
+     askTheSource},
+    {UpdateProblem::insecureAddress,
+     "The place that this copy of Farview gets updates from is not secure.", askTheSource},
+    {UpdateProblem::noNetwork, "There is no network connection.",
+     "Connect to a network and try again."},
+    {UpdateProblem::server, "The update server cannot be reached or does not work.", tryLater},
+    {UpdateProblem::certificate, "The update server could not prove that it is the right one.",
+     "Check this computer's date and time. Where a network asks you to sign in, sign in first."},
+    {UpdateProblem::stalled, "The update server stopped sending.", tryLater},
+    {UpdateProblem::feedUnreadable, "What the update server sent cannot be read.", tryLater},
+    {UpdateProblem::systemTooOld, "The new version needs a newer system than this one.",
+     "Update the system first."},
+    {UpdateProblem::managed, "Farview is installed for all users of this computer.",
+     "The system's package manager updates it."},
+    {UpdateProblem::tooLarge, "The update server announced more than an update may be.",
+     nothingWasChanged},
+    {UpdateProblem::noSpace, "There is not enough free space for the update.",
+     "Make some room and try again."},
+    {UpdateProblem::wrongLength, notGenuine, nothingWasChanged},
+    {UpdateProblem::wrongSignature, notGenuine, nothingWasChanged},
+    {UpdateProblem::archive, notGenuine, nothingWasChanged},
+    {UpdateProblem::wrongVersion, notGenuine, nothingWasChanged},
+    {UpdateProblem::downgrade, "The update server offered an older version.", nothingWasChanged},
+    {UpdateProblem::unfit, "The new version does not work on this computer.",
+     "The version that you have stays in place."},
+    {UpdateProblem::write, "The update could not be written to the disk.",
+     "Check the disk and try again."},
+    {UpdateProblem::busy, "Another update of Farview is under way.", "Wait until it has ended."},
+    {UpdateProblem::internal, "Something unexpected stopped the update.",
+     "Try again. If that does not help, install Farview again."},
+};
+
+const ProblemTexts& textsFor(UpdateProblem problem)
+{
+    return *std::find_if(std::begin(problemTexts), std::end(problemTexts) - 1,
+                         [=](const auto& each) { return each.problem == problem; });
+}
 
 std::string twoDigits(int number)
 {
@@ -80,89 +128,9 @@ TextWithValue detail(const UpdateStatus& status, const std::string& ownVersion)
 
 } // namespace
 
-std::string updateTrouble(UpdateProblem problem)
-{
-    switch (problem) {
-    case UpdateProblem::notConfigured:
-        return "This copy of Farview knows no place to get updates from.";
-    case UpdateProblem::insecureAddress:
-        return "The place that this copy of Farview gets updates from is not secure.";
-    case UpdateProblem::noNetwork:
-        return "There is no network connection.";
-    case UpdateProblem::server:
-        return "The update server cannot be reached or does not work.";
-    case UpdateProblem::certificate:
-        return "The update server could not prove that it is the right one.";
-    case UpdateProblem::stalled:
-        return "The update server stopped sending.";
-    case UpdateProblem::feedUnreadable:
-        return "What the update server sent cannot be read.";
-    case UpdateProblem::systemTooOld:
-        return "The new version needs a newer system than this one.";
-    case UpdateProblem::managed:
-        return "Farview is installed for all users of this computer.";
-    case UpdateProblem::tooLarge:
-        return "The update server announced more than an update may be.";
-    case UpdateProblem::noSpace:
-        return "There is not enough free space for the update.";
-    case UpdateProblem::wrongLength:
-    case UpdateProblem::wrongSignature:
-    case UpdateProblem::archive:
-    case UpdateProblem::wrongVersion:
-        return "The update that arrived is damaged or not genuine.";
-    case UpdateProblem::downgrade:
-        return "The update server offered an older version.";
-    case UpdateProblem::unfit:
-        return "The new version does not work on this computer.";
-    case UpdateProblem::write:
-        return "The update could not be written to the disk.";
-    case UpdateProblem::busy:
-        return "Another update of Farview is under way.";
-    case UpdateProblem::internal:
-        break;
-    }
-    return "Something unexpected stopped the update.";
-}
+std::string updateTrouble(UpdateProblem problem) { return textsFor(problem).trouble; }
 
-std::string updateRemedy(UpdateProblem problem)
-{
-    switch (problem) {
-    case UpdateProblem::notConfigured:
-    case UpdateProblem::insecureAddress:
-        return askTheSource;
-    case UpdateProblem::noNetwork:
-        return "Connect to a network and try again.";
-    case UpdateProblem::certificate:
-        return "Check this computer's date and time. Where a network asks you to sign in, sign in "
-               "first.";
-    case UpdateProblem::server:
-    case UpdateProblem::stalled:
-    case UpdateProblem::feedUnreadable:
-        return tryLater;
-    case UpdateProblem::systemTooOld:
-        return "Update the system first.";
-    case UpdateProblem::managed:
-        return "The system's package manager updates it.";
-    case UpdateProblem::noSpace:
-        return "Make some room and try again.";
-    case UpdateProblem::tooLarge:
-    case UpdateProblem::wrongLength:
-    case UpdateProblem::wrongSignature:
-    case UpdateProblem::archive:
-    case UpdateProblem::wrongVersion:
-    case UpdateProblem::downgrade:
-        return nothingWasChanged;
-    case UpdateProblem::unfit:
-        return "The version that you have stays in place.";
-    case UpdateProblem::write:
-        return "Check the disk and try again.";
-    case UpdateProblem::busy:
-        return "Wait until it has ended.";
-    case UpdateProblem::internal:
-        break;
-    }
-    return "Try again. If that does not help, install Farview again.";
-}
+std::string updateRemedy(UpdateProblem problem) { return textsFor(problem).remedy; }
 
 std::string updateOutcome(const UpdateStatus& status)
 {

@@ -1,5 +1,6 @@
 #include "Platform/Desktop/DesktopPlatform.h"
 
+#include "Platform/Clock.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/DesktopText.h"
 #include "Platform/Desktop/Discovery/DesktopDiscovery.h"
@@ -23,7 +24,6 @@
 #include "Platform/Posix/Registry/SysfsRegistry.h"
 #include "Platform/Posix/Settings/FilePreferences.h"
 #include "Platform/Posix/StandardErrorLog.h"
-#include "Platform/Posix/SystemClock.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -38,6 +38,14 @@ namespace
 constexpr auto environment = EnvironmentUse::honoured;
 constexpr int standardError = 2;
 constexpr int nowhere = -1;
+
+class SystemClock final : public Clock
+{
+    std::chrono::system_clock::time_point date() override
+    {
+        return std::chrono::system_clock::now();
+    }
+};
 
 std::string programName()
 {

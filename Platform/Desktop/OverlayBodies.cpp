@@ -3,18 +3,6 @@
 namespace farview
 {
 
-std::optional<PropertyList> OverlayPreferences::copyAppValue(const std::string& key,
-                                                             const std::string& applicationID)
-{
-    for (const auto user : {PreferencesUser::current, PreferencesUser::any}) {
-        for (const auto host : {PreferencesHost::current, PreferencesHost::any}) {
-            if (auto value = copyValue(key, applicationID, user, host))
-                return value;
-        }
-    }
-    return std::nullopt;
-}
-
 std::optional<PropertyList> OverlayPreferences::copyValue(const std::string& key,
                                                           const std::string& applicationID,
                                                           PreferencesUser user,

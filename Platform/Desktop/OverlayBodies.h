@@ -20,8 +20,6 @@ public:
     /// `stored` is only read, and must outlive this.
     explicit OverlayPreferences(Preferences& stored) : mStored(stored) {}
 
-    std::optional<PropertyList> copyAppValue(const std::string& key,
-                                             const std::string& applicationID) override;
     std::optional<PropertyList> copyValue(const std::string& key, const std::string& applicationID,
                                           PreferencesUser user, PreferencesHost host) override;
     void setAppValue(const std::string& key, std::optional<PropertyList> value,

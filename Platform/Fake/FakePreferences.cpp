@@ -21,18 +21,6 @@ void put(FakePreferences::Domain& domain, const std::string& key, std::optional<
 
 } // namespace
 
-std::optional<PropertyList> FakePreferences::copyAppValue(const std::string& key,
-                                                          const std::string& applicationID)
-{
-    for (const auto user : {PreferencesUser::current, PreferencesUser::any}) {
-        for (const auto host : {PreferencesHost::current, PreferencesHost::any}) {
-            if (auto value = copyValue(key, applicationID, user, host))
-                return value;
-        }
-    }
-    return std::nullopt;
-}
-
 std::optional<PropertyList> FakePreferences::copyValue(const std::string& key,
                                                        const std::string& applicationID,
                                                        PreferencesUser user, PreferencesHost host)

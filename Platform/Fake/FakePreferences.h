@@ -26,8 +26,6 @@ public:
         bool operator==(const Synchronization&) const = default;
     };
 
-    std::optional<PropertyList> copyAppValue(const std::string& key,
-                                             const std::string& applicationID) override;
     std::optional<PropertyList> copyValue(const std::string& key, const std::string& applicationID,
                                           PreferencesUser user, PreferencesHost host) override;
     void setAppValue(const std::string& key, std::optional<PropertyList> value,

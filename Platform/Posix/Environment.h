@@ -9,11 +9,11 @@ namespace farview
 /// its caller ignores them: the caller chose them.
 enum class EnvironmentUse { honoured, ignored };
 
-/// Whether the windows of this session are the X server's own affair: not so where it only serves
-/// the older programs of another display server.
+/// Whether the session runs on an X server. False on Wayland, also where an X server serves older
+/// programs there.
 bool isX11Session();
 
-/// What a process is told from outside about where its user's folders are.
+/// Reads the variables that tell where the user's folders are.
 class Environment
 {
 public:

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace farview
@@ -34,5 +36,12 @@ public:
 private:
     int mDescriptor = -1;
 };
+
+/// Writes all of it. Returns 0, or an errno.
+int writeAll(int descriptor, std::string_view bytes);
+
+/// Whether the path, and not what a link there leads to, is the open file: another process may have
+/// removed or replaced it.
+bool isOpenAt(const std::string& path, int descriptor);
 
 } // namespace farview

@@ -39,6 +39,21 @@ bool isPlainFileName(const std::string& name)
            name.find('\0') == std::string::npos;
 }
 
+bool isAnythingAt(const std::string& path)
+{
+    struct stat status {
+    };
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+std::string parentFolder(const std::string& path)
+{
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
 bool isRealFolder(const std::string& path)
 {
     struct stat status {

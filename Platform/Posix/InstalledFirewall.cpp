@@ -1,8 +1,7 @@
 #include "Platform/Posix/InstalledFirewall.h"
 
+#include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/WholeFile.h"
-
-#include <sys/stat.h>
 
 #include <sstream>
 
@@ -41,12 +40,7 @@ FirewallState InstalledFirewall::firewalld() const
     return {FirewallKind::firewalld, runs, isThere("usr/bin/firewall-config")};
 }
 
-bool InstalledFirewall::isThere(const char* path) const
-{
-    struct stat status {
-    };
-    return lstat((mRoot + "/" + path).c_str(), &status) == 0;
-}
+bool InstalledFirewall::isThere(const char* path) const { return isAnythingAt(mRoot + "/" + path); }
 
 bool InstalledFirewall::ufwIsEnabled() const
 {

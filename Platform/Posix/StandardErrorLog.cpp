@@ -88,7 +88,7 @@ std::string timeStamp()
     return text.data();
 }
 
-/// Keeps a vanished reader from ending the process: its signal is held back and taken away.
+/// Holds SIGPIPE back and takes it away, so that a reader that closed its end does not end us.
 class WithoutBrokenPipeSignal
 {
 public:

@@ -12,8 +12,8 @@ namespace farview
 /// "2026-03-01T12:00:00.123Z program[pid] level: message".
 ///
 /// Control characters, text-direction marks and broken bytes are shown as "\xNN" or "\u{NNNN}", so
-/// a message is one harmless line whatever it holds. A message is cut at 2000 bytes. A reader that
-/// does not read costs the line, never a wait and never the process.
+/// a message is one harmless line whatever it holds. A message is cut at 2000 bytes. When nobody
+/// reads, the line is lost; the program neither waits nor ends.
 class StandardErrorLog final : public Log
 {
 public:

@@ -1,35 +1,12 @@
 #pragma once
 
+#include "Platform/Types/UpdateProblem.h"
+
 #include <cstdint>
 #include <string>
 
 namespace farview
 {
-
-/// Why there was no update, or why it was not carried out. Whatever the reason, the version that
-/// was there before is in place and works.
-enum class UpdateProblem {
-    notConfigured,   ///< the bundle names no place to get updates from, or no key
-    insecureAddress, ///< that place could be impersonated
-    noNetwork,
-    server, ///< it cannot be reached, or answers with an error
-    certificate,
-    stalled,
-    feedUnreadable,
-    systemTooOld,
-    managed, ///< the user may not write the bundle
-    tooLarge,
-    noSpace,
-    wrongLength,
-    wrongSignature,
-    archive, ///< it is damaged, or reaches out of its folder
-    wrongVersion,
-    downgrade,
-    unfit, ///< the new version failed its trial and was taken back
-    write,
-    busy,    ///< another update of this bundle is under way
-    internal ///< anything else
-};
 
 /// How far the search for an update, or the update itself, has come.
 struct UpdateStatus {

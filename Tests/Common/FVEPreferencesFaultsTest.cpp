@@ -77,6 +77,64 @@ TEST_F(FVEPreferencesOnABrokenDisk, AWrongTypeIsReplacedAndAnnouncedOnce)
     EXPECT_EQ(postCount(), 2U);
 }
 
+/// Values of wrong types in the file of this host, which is read first and which no setter writes.
+class FVEPreferencesWithAWrongHostFile : public testing::Test
+{
+protected:
+    FVEPreferencesWithAWrongHostFile()
+    {
+        for (const char* key : {kShowInMenuBar, kCurrentVirtualScreenDeviceName,
+                                kAutoConnectDevices, kLastUpdateCheck})
+            write(key, 0);
+        write(kCurrentState, "on");
+    }
+
+    void write(const char* key, PropertyList value)
+    {
+        fake.preferences.writeAsAnotherProcess(key, std::move(value), kApplicationID,
+                                               farview::PreferencesUser::current,
+                                               farview::PreferencesHost::current);
+    }
+    std::size_t postCount() const { return fake.distributedNotificationCenter.posts().size(); }
+
+    FakePlatform fake;
+    FVEPreferences preferences{fake.preferences, fake.distributedNotificationCenter};
+};
+
+TEST_F(FVEPreferencesWithAWrongHostFile, ADefaultIsWrittenOnceAndNeverAnnouncedAgain)
+{
+    for (int round = 0; round < 10; ++round) {
+        EXPECT_TRUE(preferences.showInMenuBar());
+        EXPECT_EQ(preferences.currentState(), 0);
+        EXPECT_EQ(preferences.currentVirtualScreenDevice(), "");
+        EXPECT_TRUE(preferences.autoConnectDevices().empty());
+    }
+    EXPECT_EQ(fake.preferences.setCount(), 4);
+    EXPECT_EQ(postCount(), 2U * (1 + 1 + 2 + 2)) << "a text and a list are announced twice";
+    EXPECT_EQ(fake.preferences.storedValue(kShowInMenuBar, kApplicationID), PropertyList(true));
+}
+
+TEST_F(FVEPreferencesWithAWrongHostFile, WhatTheUserSetsIsKeptAndReadBack)
+{
+    preferences.setShowInMenuBar(false);
+    preferences.setCurrentState(1);
+    preferences.setLastUpdateCheck({1'800'000'000}, "current");
+    const auto posts = postCount();
+    EXPECT_FALSE(preferences.showInMenuBar());
+    EXPECT_EQ(preferences.currentState(), 1);
+    EXPECT_EQ(preferences.lastUpdateCheck(), farview::Date{1'800'000'000});
+    EXPECT_EQ(postCount(), posts);
+}
+
+TEST_F(FVEPreferencesWithAWrongHostFile, AValueOfTheRightTypeThereStillWins)
+{
+    preferences.setShowInMenuBar(true);
+    write(kShowInMenuBar, false);
+    EXPECT_FALSE(preferences.showInMenuBar());
+    write(kCurrentState, 2.0);
+    EXPECT_EQ(preferences.currentState(), 2);
+}
+
 TEST(FVEPreferencesWithPresets, AnAdministratorsValueIsReadAndNotOverwritten)
 {
     FakePlatform fake;

@@ -96,7 +96,7 @@ protected:
         pane->checkNowForUpdateButton()->setTarget(pane);
         pane->checkNowForUpdateButton()->setAction({"checkNowForUpdatePressed:"});
     }
-    /// So many programs of that name, all of the installed bundle.
+    /// So many programs of that name, all of the bundle that is installed now.
     bool runs(std::size_t count, const std::string& name) const
     {
         const auto found = [&] {
@@ -105,7 +105,7 @@ protected:
                 std::error_code error;
                 const auto file =
                     fs::read_symlink("/proc/" + std::to_string(each.pid) + "/exe", error).string();
-                if (each.shortName == name && file.find("/installed/") != std::string::npos)
+                if (each.shortName == name && file.starts_with(bundlePath))
                     ++programs;
             }
             return programs;
@@ -153,7 +153,7 @@ protected:
     std::optional<EngineUpdaters> updaters;
 };
 
-TEST_F(InstalledUpdate, StopsBothProgramsReplacesTheBundleAndHarmsNoSetting)
+TEST_F(InstalledUpdate, StopsBothProgramsReplacesTheBundleStartsThemAgainAndHarmsNoSetting)
 {
     publish(key);
     ASSERT_NO_FATAL_FAILURE(openWithPrograms());
@@ -168,17 +168,15 @@ TEST_F(InstalledUpdate, StopsBothProgramsReplacesTheBundleAndHarmsNoSetting)
     ASSERT_TRUE(shows("Farview 1.1 is installed.")) << report();
 
     EXPECT_EQ(infoText(bundlePath, "CFBundleVersion"), "1.1");
-    EXPECT_TRUE(runs(0, "ScreenCapture"));
-    EXPECT_TRUE(runs(0, "FarviewStatusIt"));
-    runLoopFor(std::chrono::milliseconds(500));
-    EXPECT_TRUE(servers().empty()) << "nobody starts it again";
+    EXPECT_TRUE(runs(1, "ScreenCapture"));
+    EXPECT_TRUE(runs(1, "FarviewStatusIt"));
     EXPECT_EQ(settings(), before);
     EXPECT_NE(stored("lastUpdateCheck"), "");
     EXPECT_EQ(preferences().lastUpdateOutcome(), "installed");
     EXPECT_EQ(preferences().currentState(), 1) << "the next start finds what the user wanted";
 }
 
-TEST_F(InstalledUpdate, TheNewVersionIsCurrentAndStartsItsPrograms)
+TEST_F(InstalledUpdate, TheNewVersionIsCurrentAndHasItsPrograms)
 {
     publish(key);
     ASSERT_NO_FATAL_FAILURE(openWithPrograms());
@@ -186,7 +184,6 @@ TEST_F(InstalledUpdate, TheNewVersionIsCurrentAndStartsItsPrograms)
     ASSERT_TRUE(shows("Farview 1.1 is available.")) << report();
     sheet().firstButton()->performClick(nullptr);
     ASSERT_TRUE(shows("Farview 1.1 is installed.")) << report();
-    ASSERT_TRUE(runs(0, "ScreenCapture"));
     hide();
     bundle = platform().bundles->bundleWithPath(bundlePath);
     reload();

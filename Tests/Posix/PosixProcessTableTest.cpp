@@ -1,5 +1,8 @@
 #include "Platform/Posix/Processes/PosixProcessTable.h"
 
+#include "Common/GetPID.h"
+#include "Platform/Platform.h"
+#include "Platform/Posix/FileDescriptor.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -12,6 +15,7 @@
 #include <grp.h>
 #include <optional>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 namespace farview
@@ -152,6 +156,66 @@ TEST(PosixProcessTable, SaysWhenTheTableHasOutgrownTheRecords)
     records.resize(3);
     EXPECT_EQ(table.contents(records, count), 0);
     EXPECT_EQ(count, 3u);
+}
+
+/// For a process of its own: from here on it can open one file and no second one beside it.
+void leaveOneDescriptor()
+{
+    const FileDescriptor lowest(::dup(STDIN_FILENO));
+    rlimit limit{};
+    EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    limit.rlim_cur = static_cast<rlim_t>(lowest.get()) + 1;
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+}
+
+TEST(PosixProcessTable, FailsWhenAProcessCannotBeLookedAtForWantOfDescriptors)
+{
+    inItsOwnProcess([] {
+        PosixProcessTable table;
+        std::vector<ProcessRecord> records(1000);
+        std::size_t count = 7;
+        leaveOneDescriptor();
+        EXPECT_EQ(table.contents(records, count), EMFILE);
+        EXPECT_EQ(count, 7u);
+    });
+}
+
+TEST(PosixProcessTable, ASearchEndsWithTheErrorWhenTheTableCannotBeRead)
+{
+    inItsOwnProcess([] {
+        PosixProcessTable table;
+        Platform platform;
+        platform.processTable = &table;
+        const Platform::Scope scope(platform);
+        std::int32_t pid = 0;
+        std::uint32_t count = 0;
+        std::int32_t error = 0;
+        ::alarm(10);
+        EXPECT_EQ(GetAllPIDsForProcessName("no program", &pid, 1, &count, &error), -1);
+        leaveOneDescriptor();
+        EXPECT_EQ(GetAllPIDsForProcessName("no program", &pid, 1, &count, &error), -3);
+        EXPECT_EQ(error, EMFILE);
+    });
+}
+
+TEST(PosixProcessTable, CountsAnewAfterAnyFailedRead)
+{
+    TemporaryFolder root;
+    root.write("1/stat", "1 (name) S 1");
+    PosixProcessTable table(root.path());
+    std::size_t before = 0;
+    EXPECT_EQ(table.size(before), 0);
+    const std::string moved = root.path() + ".moved";
+    std::filesystem::rename(root.path(), moved);
+    std::vector<ProcessRecord> records(4);
+    std::size_t count = 0;
+    EXPECT_EQ(table.contents(records, count), ENOENT);
+    std::filesystem::rename(moved, root.path());
+    for (int pid = 2; pid < 100; ++pid)
+        root.write(std::to_string(pid) + "/stat", "2 (name) S 1");
+    while (table.size(count) != 0) {
+    }
+    EXPECT_GE(count, 99u);
 }
 
 TEST(PosixProcessTable, SkipsVanishedAndMalformedEntries)

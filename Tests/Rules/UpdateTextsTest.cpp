@@ -1,5 +1,5 @@
 #include "Common/Rules/UpdateTexts.h"
-#include "Platform/Types/UpdateProblemWords.h"
+#include "Platform/Types/UpdateProblem.h"
 
 #include <gtest/gtest.h>
 

@@ -34,9 +34,9 @@ protected:
         return version;
     }
     /// A file system that cannot exchange.
-    static NameChanges inTwoSteps(int error)
+    static RenameCalls inTwoSteps(int error)
     {
-        NameChanges changes;
+        RenameCalls changes;
         changes.exchange = [error](const auto&, const auto&) { return error; };
         return changes;
     }
@@ -48,7 +48,7 @@ protected:
 
 TEST_F(BundleExchangeTest, TheTwoChangePlaces)
 {
-    EXPECT_FALSE(exchange.run(NameChanges()));
+    EXPECT_FALSE(exchange.run(RenameCalls()));
     EXPECT_EQ(installed(), "new");
     EXPECT_TRUE(fs::exists(folder.path("staging/new/Pane/version")));
     EXPECT_FALSE(fs::exists(folder.path("staging/old")));
@@ -67,18 +67,18 @@ TEST_F(BundleExchangeTest, TakesTwoStepsWhereTheFileSystemCannotDoItInOne)
 
 TEST_F(BundleExchangeTest, LeavesTheOldOneWhenItFails)
 {
-    EXPECT_EQ(exchange.run(inTwoSteps(EACCES))->reason, UpdateReason::write);
+    EXPECT_EQ(exchange.run(inTwoSteps(EACCES))->problem, UpdateProblem::write);
     EXPECT_EQ(installed(), "old");
 
     auto secondFails = inTwoSteps(EINVAL);
     secondFails.rename = [&](const std::string& from, const std::string& to) {
-        return from == exchange.replacement ? EIO : NameChanges().rename(from, to);
+        return from == exchange.replacement ? EIO : RenameCalls().rename(from, to);
     };
-    EXPECT_EQ(exchange.run(secondFails)->reason, UpdateReason::write);
+    EXPECT_EQ(exchange.run(secondFails)->problem, UpdateProblem::write);
     EXPECT_EQ(installed(), "old");
 
     exchange.replacement = folder.path("nothing/here");
-    EXPECT_EQ(exchange.run(NameChanges())->reason, UpdateReason::write);
+    EXPECT_EQ(exchange.run(RenameCalls())->problem, UpdateProblem::write);
     EXPECT_EQ(installed(), "old");
 }
 
@@ -88,7 +88,7 @@ TEST_F(BundleExchangeTest, AnotherProcessPutsTheOldOneBackWhenThisOneIsKilledBet
     killed.rename = [&](const std::string& from, const std::string& to) {
         if (from == exchange.replacement)
             ::raise(SIGKILL);
-        return NameChanges().rename(from, to);
+        return RenameCalls().rename(from, to);
     };
     const pid_t child = ::fork();
     if (child == 0) {

@@ -41,10 +41,10 @@ TEST(BundleFacts, ABundlesOwnPathLeadsThroughNoLink)
     const auto bundle = makeBundle(folder.path("real"), "1.0", "", "");
     fs::create_directory_symlink(folder.path("real"), folder.path("link"));
     const auto expected = fs::canonical(bundle).string();
-    EXPECT_EQ(ownPath(folder.path("link/Example Pane.prefPane")), expected);
-    EXPECT_EQ(ownPath(folder.path("link/Example Pane.prefPane/")), expected);
-    EXPECT_EQ(ownPath(folder.path("link/../real/Example Pane.prefPane")), expected);
-    EXPECT_EQ(ownPath(folder.path("link/nothing")),
+    EXPECT_EQ(canonicalPath(folder.path("link/Example Pane.prefPane")), expected);
+    EXPECT_EQ(canonicalPath(folder.path("link/Example Pane.prefPane/")), expected);
+    EXPECT_EQ(canonicalPath(folder.path("link/../real/Example Pane.prefPane")), expected);
+    EXPECT_EQ(canonicalPath(folder.path("link/nothing")),
               (fs::canonical(folder.path("real")) / "nothing").string());
 }
 

@@ -10,8 +10,7 @@ namespace
 
 std::string feedWith(const std::string& items)
 {
-    return "<rss xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel>" +
-           items + "</channel></rss>";
+    return "<rss xmlns:farview=\"urn:x-farview:updates\"><channel>" + items + "</channel></rss>";
 }
 
 std::vector<UpdateItem> itemsOf(const std::string& feed)
@@ -25,11 +24,11 @@ TEST(FeedReader, ReadsAnItem)
 {
     const auto items = itemsOf(
         feedWith("<title>Updates</title><item><title>1.1</title>"
-                 "<sparkle:version> 1.1\n</sparkle:version>"
-                 "<sparkle:minimumSystemVersion>10.9</sparkle:minimumSystemVersion>"
+                 "<farview:version> 1.1\n</farview:version>"
+                 "<farview:minimumSystemVersion>10.9</farview:minimumSystemVersion>"
                  "<description><![CDATA[<p>Faster &amp; <b>better</b></p>]]></description>"
                  "<enclosure url=\"https://example.org/a.tar.xz?x=1&amp;y=2\" length=\"123\" "
-                 "type=\"application/octet-stream\" sparkle:edSignature=\"c2ln\"/></item>"));
+                 "type=\"application/octet-stream\" farview:edSignature=\"c2ln\"/></item>"));
     ASSERT_EQ(items.size(), 1u);
     EXPECT_EQ(items[0].version, "1.1");
     EXPECT_EQ(items[0].minimumSystemVersion, "10.9");
@@ -42,7 +41,7 @@ TEST(FeedReader, ReadsAnItem)
 TEST(FeedReader, TakesTheVersionFromTheEnclosureWhereItStandsThere)
 {
     const auto items = itemsOf(
-        feedWith("<item><enclosure url=\"a\" sparkle:version=\"1.2\" length=\"1\"/></item>"));
+        feedWith("<item><enclosure url=\"a\" farview:version=\"1.2\" length=\"1\"/></item>"));
     ASSERT_EQ(items.size(), 1u);
     EXPECT_EQ(items[0].version, "1.2");
 }
@@ -51,13 +50,15 @@ TEST(FeedReader, PassesOverWhatCannotBeAnUpdate)
 {
     for (const char* item :
          {"<item/>", "<item><enclosure url=\"a\"/></item>",
-          "<item><sparkle:version>1.1</sparkle:version></item>",
-          "<item><sparkle:version>1.1b2</sparkle:version><enclosure url=\"a\"/></item>",
+          "<item><farview:version>1.1</farview:version></item>",
+          "<item><farview:version>1.1b2</farview:version><enclosure url=\"a\"/></item>",
           "<item><version>1.1</version><enclosure url=\"a\"/></item>",
-          "<item><sparkle:version>1</sparkle:version><sparkle:minimumSystemVersion>new"
-          "</sparkle:minimumSystemVersion><enclosure url=\"a\"/></item>",
-          "<other><sparkle:version>1.1</sparkle:version><enclosure url=\"a\"/></other>",
-          "<item><x><sparkle:version>1.1</sparkle:version><enclosure url=\"a\"/></x></item>"})
+          "<item><farview:version>1</farview:version><farview:minimumSystemVersion>new"
+          "</farview:minimumSystemVersion><enclosure url=\"a\"/></item>",
+          "<item><other:version xmlns:other=\"urn:other\">1.1</other:version>"
+          "<enclosure url=\"a\"/></item>",
+          "<other><farview:version>1.1</farview:version><enclosure url=\"a\"/></other>",
+          "<item><x><farview:version>1.1</farview:version><enclosure url=\"a\"/></x></item>"})
         EXPECT_EQ(itemsOf(feedWith(item)).size(), 0u) << item;
 }
 
@@ -71,7 +72,7 @@ TEST(FeedReader, ALengthIsANumberOrNothing)
                         {"-1", 0}, {"1e9", 0},  {"5000000000", 5'000'000'000},
                         {"", 0},   {"0x10", 0}, {"99999999999999999999999", ~std::uint64_t{0}}};
     for (const auto& row : rows) {
-        const auto items = itemsOf(feedWith("<item><sparkle:version>1</sparkle:version>"
+        const auto items = itemsOf(feedWith("<item><farview:version>1</farview:version>"
                                             "<enclosure url=\"a\" length=\"" +
                                             std::string(row.text) + "\"/></item>"));
         ASSERT_EQ(items.size(), 1u);
@@ -82,7 +83,7 @@ TEST(FeedReader, ALengthIsANumberOrNothing)
 TEST(FeedReader, RefusesWhatIsNoFeed)
 {
     const std::string item =
-        "<item><sparkle:version>1</sparkle:version><enclosure url=\"a\"/></item>";
+        "<item><farview:version>1</farview:version><enclosure url=\"a\"/></item>";
     std::string deep;
     for (int index = 0; index < 40; ++index)
         deep += "<x>";
@@ -91,7 +92,7 @@ TEST(FeedReader, RefusesWhatIsNoFeed)
         many += item;
     for (const std::string& feed :
          {std::string(), std::string("text"), std::string("<html/>"), std::string("<rss>"),
-          std::string("<rss/><rss/>"), "<!DOCTYPE rss>" + feedWith(item),
+          std::string("<rss/><rss/>"), "<!DOCTYPE rss SYSTEM \"x\">" + feedWith("&x;"),
           "<!DOCTYPE rss [<!ENTITY x \"y\">]>" + feedWith(item), feedWith("&x;"),
           "<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + feedWith(item),
           "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + feedWith(item),

@@ -95,15 +95,15 @@ std::string escaped(const std::string& text)
 
 std::string itemOf(const Offer& offer)
 {
-    std::string item = "<item><title>" + escaped(offer.version) + "</title><sparkle:version>" +
-                       escaped(offer.version) + "</sparkle:version>";
+    std::string item = "<item><title>" + escaped(offer.version) + "</title><farview:version>" +
+                       escaped(offer.version) + "</farview:version>";
     if (!offer.minimumSystemVersion.empty())
-        item += "<sparkle:minimumSystemVersion>" + offer.minimumSystemVersion +
-                "</sparkle:minimumSystemVersion>";
+        item += "<farview:minimumSystemVersion>" + offer.minimumSystemVersion +
+                "</farview:minimumSystemVersion>";
     item += "<description>" + escaped(offer.notes) + "</description><enclosure url=\"" +
             escaped(offer.address) + "\" length=\"" + std::to_string(offer.length) + "\"";
     if (!offer.signature.empty())
-        item += " sparkle:edSignature=\"" + escaped(offer.signature) + "\"";
+        item += " farview:edSignature=\"" + escaped(offer.signature) + "\"";
     return item + " type=\"application/octet-stream\"/></item>\n";
 }
 
@@ -162,10 +162,7 @@ void setInfo(const std::string& bundle, const std::map<std::string, std::string>
 
 std::string infoText(const std::string& bundle, const std::string& key)
 {
-    const auto info = infoOf(bundle);
-    const auto found = info.find(key);
-    const auto* text = found == info.end() ? nullptr : found->second.get<std::string>();
-    return text ? *text : "";
+    return textFor(infoOf(bundle), key);
 }
 
 std::map<std::string, std::string> snapshot(const std::string& folder)
@@ -194,7 +191,7 @@ Offer offerOf(const std::string& archive, const std::string& version, const std:
 std::string feedOf(const std::vector<Offer>& offers)
 {
     std::string feed = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<rss version=\"2.0\" "
-                       "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\">"
+                       "xmlns:farview=\"urn:x-farview:updates\">"
                        "<channel><title>Updates</title>\n";
     for (const auto& offer : offers)
         feed += itemOf(offer);

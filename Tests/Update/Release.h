@@ -46,7 +46,7 @@ struct Offer {
 /// The honest offer of an archive.
 Offer offerOf(const std::string& archive, const std::string& version, const std::string& address,
               const SigningKey& key);
-/// An appcast with these items.
+/// A feed with these items.
 std::string feedOf(const std::vector<Offer>& offers);
 
 /// A small bundle that an update is tried on: files, a program, an Info.plist. Returns its path.

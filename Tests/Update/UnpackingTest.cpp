@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
 #include <filesystem>
+#include <numeric>
 
 namespace farview
 {
@@ -58,8 +61,49 @@ TEST(Unpacking, KeepsToItsLimits)
         const TemporaryFolder folder;
         const auto failure = Unpacking(folder.path(), row.limits, goOn).unpack(archive);
         EXPECT_EQ(!failure, row.fits);
-        EXPECT_TRUE(row.fits || failure->reason == UpdateReason::archive);
+        EXPECT_TRUE(row.fits || failure->problem == UpdateProblem::archive);
     }
+}
+
+/// An archive that announces a file of one byte and puts it behind a hole of that size.
+std::string withHole(std::uint64_t hole)
+{
+    const auto octal = [](std::uint64_t number) {
+        std::array<char, 12> digits{};
+        std::snprintf(digits.data(), digits.size(), "%011llo",
+                      static_cast<unsigned long long>(number));
+        return std::string(digits.data());
+    };
+    std::string header(512, '\0');
+    const auto put = [&](std::size_t at, const std::string& text) {
+        header.replace(at, text.size(), text);
+    };
+    put(0, "Top");
+    put(100, "0000644");
+    put(124, octal(1));            // bytes in the archive
+    put(148, std::string(8, ' ')); // of the checksum
+    put(156, "S");                 // a sparse file
+    put(257, "ustar  ");
+    put(386, octal(hole)); // where they go
+    put(398, octal(1));
+    put(483, octal(1)); // bytes of the whole file
+    const auto sum = std::accumulate(header.begin(), header.end(), 0u);
+    put(148, octal(sum).substr(5) + '\0');
+    return header + "x" + std::string(511 + 1024, '\0');
+}
+
+TEST(Unpacking, CountsWhatAnEntryWritesHoweverLittleItAnnounces)
+{
+    const TemporaryFolder folder;
+    UnpackLimits limits;
+    limits.bytes = 1u << 20;
+    const auto failure = Unpacking(folder.path(), limits, goOn).unpack(withHole(50u << 20));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->problem, UpdateProblem::archive);
+    EXPECT_LE(std::filesystem::file_size(folder.path("Top")), limits.bytes);
+    const TemporaryFolder other;
+    EXPECT_FALSE(Unpacking(other.path(), limits, goOn).unpack(withHole(limits.bytes - 1)));
+    EXPECT_EQ(std::filesystem::file_size(other.path("Top")), limits.bytes);
 }
 
 TEST(Unpacking, EndsWhenItIsBrokenOff)
@@ -78,7 +122,7 @@ TEST(Unpacking, AFolderThatCannotBeWrittenIsNotTheArchivesFault)
     const auto archive = packed({{"Top", Kind::folder, "", 0755, 0}});
     const auto failure = Unpacking("/proc/nowhere", {}, goOn).unpack(archive);
     ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->reason, UpdateReason::write);
+    EXPECT_EQ(failure->problem, UpdateProblem::write);
 }
 
 } // namespace

@@ -4,7 +4,9 @@
 #include "Tests/Update/UpdateFixture.h"
 
 #include <QJsonDocument>
+#include <QProcess>
 
+#include <filesystem>
 #include <fstream>
 
 namespace farview
@@ -247,6 +249,87 @@ TEST_F(UpdateEngine, WrongUseIsSaidSo)
     EngineRun run({"--bundle", bundle}, {});
     EXPECT_EQ(run.status(), 2);
     EXPECT_TRUE(run.events().empty());
+}
+
+/// A server of the bundle that runs, another version of it in the next bundle, and a status item
+/// that does not run.
+class UpdateOfARunningServer : public UpdateEngine
+{
+protected:
+    void SetUp() override
+    {
+        UpdateEngine::SetUp();
+        if (IsSkipped())
+            return;
+        const auto path = pathOf(bundle, "ScreenCapture");
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        std::filesystem::copy_file("/bin/sleep", path);
+        program.start(QString::fromStdString(path), {"60"});
+        ASSERT_TRUE(program.waitForStarted());
+        const auto next = bundleOf("1.1");
+        // It tells whether the old one had ended when it was started.
+        writeProgram(next, "ScreenCapture",
+                     "readlink /proc/" + std::to_string(program.processId()) +
+                         "/exe && early=early\n");
+        writeProgram(next, "FarviewStatusItem", "");
+        publish(packed(entriesOf(next)));
+    }
+
+    static std::string pathOf(const std::string& bundle, const std::string& name)
+    {
+        return bundle + "/Contents/Resources/" + name + ".app/Contents/Linux/" + name;
+    }
+    void writeProgram(const std::string& inBundle, const std::string& name,
+                      const std::string& commands)
+    {
+        const auto path = std::filesystem::relative(pathOf(inBundle, name), folder.path());
+        folder.write(path,
+                     "#!/bin/sh\n" + commands + "echo started $early >'" + started(name) +
+                         ".new'\nmv '" + started(name) + ".new' '" + started(name) + "'\n",
+                     true);
+    }
+    std::string started(const std::string& name) const { return folder.path(name + ".started"); }
+    void endServer()
+    {
+        program.terminate();
+        EXPECT_TRUE(program.waitForFinished());
+    }
+    std::string startOf(const std::string& name) const
+    {
+        std::string line;
+        std::ifstream file(started(name));
+        std::getline(file, line);
+        return line;
+    }
+
+    QProcess program;
+};
+
+TEST_F(UpdateOfARunningServer, StartsTheNewOneWhenTheOldOneHasEnded)
+{
+    const auto run = start();
+    run->say("download");
+    run->say("install");
+    ASSERT_TRUE(run->says("installed")) << run->printed();
+    endServer();
+    EXPECT_EQ(run->status(), 0);
+    EXPECT_TRUE(waitUntil([&] { return startOf("ScreenCapture") == "started"; }))
+        << startOf("ScreenCapture");
+    EXPECT_EQ(startOf("FarviewStatusItem"), "") << "it did not run before";
+}
+
+TEST_F(UpdateOfARunningServer, StartsTheOldOneAgainWhenNothingWasInstalled)
+{
+    const auto run = start();
+    run->say("download");
+    ASSERT_TRUE(run->says("ready")) << run->printed();
+    endServer();
+    std::filesystem::remove(pathOf(bundle, "ScreenCapture"));
+    writeProgram(bundle, "ScreenCapture", "");
+    setInfo(bundle, {{"CFBundleVersion", "0.9"}});
+    run->say("install");
+    EXPECT_EQ(run->outcome(), "downgrade") << run->printed();
+    EXPECT_TRUE(waitUntil([&] { return startOf("ScreenCapture") == "started"; }));
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 #include "Controls/Qt/Forms/SheetWidget.h"
-#include "Platform/Types/UpdateProblemWords.h"
+#include "Platform/Types/UpdateProblem.h"
 #include "Tests/Window/EveryLanguage.h"
 #include "Tests/Window/PanelFixture.h"
 

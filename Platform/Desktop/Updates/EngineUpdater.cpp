@@ -3,7 +3,7 @@
 #include "Platform/Desktop/Updates/UpdateEngineRun.h"
 #include "Platform/Desktop/Updates/UpdateReport.h"
 #include "Platform/Log.h"
-#include "Platform/Types/UpdateProblemWords.h"
+#include "Platform/Types/UpdateProblem.h"
 
 #include <utility>
 

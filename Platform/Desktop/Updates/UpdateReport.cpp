@@ -1,6 +1,6 @@
 #include "Platform/Desktop/Updates/UpdateReport.h"
 
-#include "Platform/Types/UpdateProblemWords.h"
+#include "Platform/Types/UpdateProblem.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

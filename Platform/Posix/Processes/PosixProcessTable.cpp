@@ -22,8 +22,10 @@ namespace
 
 /// As many bytes of a name as the kernel keeps.
 constexpr std::size_t longestKernelName = 15;
-/// This many processes more, and as large a part of the count, fit without another count.
+/// So many processes, and one for each so many counted, may be added before the next count.
 constexpr std::size_t roomForMore = 16;
+/// The table holds more than there is room for.
+constexpr int outgrown = ENOMEM;
 
 struct CloseFolder {
     void operator()(DIR* folder) const { ::closedir(folder); }
@@ -55,6 +57,9 @@ std::optional<Status> parseStatus(std::string_view line)
     return Status{line.substr(open + 1, close - open - 1), line[close + 2]};
 }
 
+/// Whether something is lacking here, so that nothing is known of the process that was looked at.
+bool isShortage(int error) { return error == EMFILE || error == ENFILE || error == ENOMEM; }
+
 bool isRunning(char state) { return state != 'Z' && state != 'X' && state != 'x'; }
 
 class Scan
@@ -63,8 +68,9 @@ public:
     int open(const std::string& root);
     /// The number of the next process, 0 at the end.
     std::int32_t next();
+    /// Why the list ended, or a process could not be looked at; 0 when all is well.
     int error() const { return mError; }
-    /// The process's record if it runs and is the caller's.
+    /// The process's record if it runs and is the caller's, and there is no error.
     std::optional<ProcessRecord> record(std::int32_t pid);
 
 private:
@@ -140,6 +146,8 @@ std::optional<ProcessRecord> Scan::record(std::int32_t pid)
 {
     const FileDescriptor file(
         ::openat(::dirfd(mFolder.get()), path(pid, "/stat"), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen())
+        mError = isShortage(errno) ? errno : 0;
     if (!file.isOpen() || !isOwn(file, pid))
         return std::nullopt;
     const auto status = parseStatus(statusLine(file));
@@ -161,6 +169,9 @@ std::optional<ProcessRecord> Scan::record(std::int32_t pid)
 
 int PosixProcessTable::size(std::size_t& recordCount)
 {
+    // The caller asks for the size after each failed read, without end, so the failure is told here.
+    if (const int error = mReadError.exchange(0))
+        return error;
     Scan scan;
     if (const int error = scan.open(mRoot))
         return error;
@@ -178,18 +189,27 @@ int PosixProcessTable::size(std::size_t& recordCount)
 
 int PosixProcessTable::contents(std::span<ProcessRecord> records, std::size_t& recordCount)
 {
+    const int error = read(records, recordCount);
+    if (error != 0)
+        mRoom = 0;
+    mReadError = error == outgrown ? 0 : error;
+    return error;
+}
+
+int PosixProcessTable::read(std::span<ProcessRecord> records, std::size_t& recordCount) const
+{
     Scan scan;
     if (const int error = scan.open(mRoot))
         return error;
     std::size_t count = 0;
     while (const auto pid = scan.next()) {
         const auto record = scan.record(pid);
+        if (scan.error() != 0)
+            return scan.error();
         if (!record)
             continue;
-        if (count == records.size()) {
-            mRoom = 0;
-            return ENOMEM;
-        }
+        if (count == records.size())
+            return outgrown;
         records[count++] = *record;
     }
     if (scan.error() == 0)

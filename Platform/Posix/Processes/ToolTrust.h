@@ -8,16 +8,15 @@
 namespace farview
 {
 
-/// What counts about one part of a program's path when it is to run with root's rights.
+/// One part of the path of a program that is to run with root's rights.
 struct PathPart {
     std::string path;
     uid_t owner = 0;
     mode_t mode = 0; ///< with the bits of its type
 };
 
-/// Whether root is the only one who can say what lies under the last of these paths, which come
-/// from "/" downwards. Returns the first that others can write; empty when there is none. The last
-/// may be a program, or anything else that has an owner.
+/// The first of these parts, given from "/" downwards, that anyone but root can change; empty when
+/// only root can. The last part may be a program, or anything else that has an owner.
 std::string firstChangeableByOthers(const std::vector<PathPart>& parts);
 
 /// The absolute path without links and without "." and "..", if it leads to a program; else empty.

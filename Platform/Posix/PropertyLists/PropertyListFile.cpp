@@ -20,6 +20,13 @@ void parse(PropertyListFile& result)
 
 } // namespace
 
+std::string textFor(const PropertyList::Dictionary& dictionary, const std::string& key)
+{
+    const auto found = dictionary.find(key);
+    const auto* text = found == dictionary.end() ? nullptr : found->second.get<std::string>();
+    return text ? *text : std::string();
+}
+
 std::string errorText(int error) { return std::generic_category().message(error); }
 
 PropertyListFile readPropertyListFile(const std::string& path)

@@ -28,6 +28,9 @@ PropertyListFile readPropertyListFile(const std::string& path);
 /// The same; a list that is no dictionary is broken.
 PropertyListFile readDictionaryFile(const std::string& path);
 
+/// The text that the key has; empty when it has none.
+std::string textFor(const PropertyList::Dictionary& dictionary, const std::string& key);
+
 /// The text for an errno, for the log.
 std::string errorText(int error);
 

@@ -1,12 +1,10 @@
 #include "Platform/Posix/PropertyLists/PropertyListReader.h"
 
 #include "Platform/Posix/PropertyLists/PropertyListScalars.h"
-
-#include <expat.h>
+#include "Platform/Posix/XMLReading.h"
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -83,24 +81,16 @@ std::optional<PropertyList> scalar(Element element, std::string text)
     }
 }
 
-struct EndParser {
-    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
-
-/// One reading. Every handler stops the parser at the first thing that is not as it should be.
-class Reading
+class Reading final : public XMLReading
 {
 public:
     PropertyListReader::Result run(std::string_view bytes);
 
-    void startElement(std::string_view name, const XML_Char** attributes);
-    void endElement(std::string_view name);
-    void characters(std::string_view text);
-    void declaration(const XML_Char* version, const XML_Char* encoding);
-    void refuse(std::string reason);
-    bool isRefused() const { return !mReason.empty(); }
-
 private:
+    void startElement(std::string_view name, const char** attributes) override;
+    void endElement(std::string_view name) override;
+    void characters(std::string_view text) override;
+
     struct Container {
         PropertyList value;
         std::optional<std::string> key; ///< the key whose value is awaited
@@ -115,30 +105,20 @@ private:
     void add(PropertyList value);
     bool expectsValue() const;
 
-    std::unique_ptr<std::remove_pointer_t<XML_Parser>, EndParser> mParser;
     std::vector<Container> mOpen;
     std::optional<PropertyList> mResult;
     std::string mText;
-    std::string mReason;
     Element mLeaf = Element::none; ///< the element whose text is being collected
     bool mIsInPlist = false;
 };
 
-void Reading::refuse(std::string reason)
-{
-    if (!mReason.empty())
-        return;
-    mReason = std::move(reason);
-    XML_StopParser(mParser.get(), XML_FALSE);
-}
-
-bool hasOnlyVersionOne(const XML_Char** attributes)
+bool hasOnlyVersionOne(const char** attributes)
 {
     return !attributes[0] || (std::string_view(attributes[0]) == "version" &&
                               std::string_view(attributes[1]) == "1.0" && !attributes[2]);
 }
 
-void Reading::startElement(std::string_view name, const XML_Char** attributes)
+void Reading::startElement(std::string_view name, const char** attributes)
 {
     const auto element = elementNamed(name);
     if (element == Element::none || mLeaf != Element::none)
@@ -257,85 +237,10 @@ void Reading::characters(std::string_view text)
         refuse("text outside of a value");
 }
 
-void Reading::declaration(const XML_Char* version, const XML_Char* encoding)
-{
-    // The declaration of an entity has no version; the document's own always has.
-    if (version && std::string_view(version) != "1.0")
-        return refuse("not XML 1.0");
-    if (!encoding)
-        return;
-    std::string name = encoding;
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](char each) { return each >= 'a' && each <= 'z' ? each - 'a' + 'A' : each; });
-    if (name != "UTF-8")
-        refuse("not UTF-8");
-}
-
-/// No exception may pass through the parser, which is C.
-template <typename Action> void guarded(void* reading, Action action)
-{
-    auto& self = *static_cast<Reading*>(reading);
-    // A stopped parser still reports the end of the element it is in.
-    if (self.isRefused())
-        return;
-    try {
-        action(self);
-    } catch (...) {
-        self.refuse("out of memory");
-    }
-}
-
-void onStart(void* reading, const XML_Char* name, const XML_Char** attributes)
-{
-    guarded(reading, [&](Reading& self) { self.startElement(name, attributes); });
-}
-
-void onEnd(void* reading, const XML_Char* name)
-{
-    guarded(reading, [&](Reading& self) { self.endElement(name); });
-}
-
-void onCharacters(void* reading, const XML_Char* text, int length)
-{
-    guarded(reading, [&](Reading& self) {
-        self.characters({text, static_cast<std::size_t>(length)});
-    });
-}
-
-void onDeclaration(void* reading, const XML_Char* version, const XML_Char* encoding, int)
-{
-    guarded(reading, [&](Reading& self) { self.declaration(version, encoding); });
-}
-
-void onDoctype(void* reading, const XML_Char*, const XML_Char*, const XML_Char*, int hasSubset)
-{
-    if (hasSubset)
-        guarded(reading, [](Reading& self) { self.refuse("declarations in the document type"); });
-}
-
-/// A reference to an entity that a document type elsewhere might declare: its text is unknown.
-void onSkippedEntity(void* reading, const XML_Char*, int)
-{
-    guarded(reading, [](Reading& self) { self.refuse("an unknown entity"); });
-}
-
 PropertyListReader::Result Reading::run(std::string_view bytes)
 {
-    mParser.reset(XML_ParserCreate("UTF-8"));
-    if (!mParser)
-        return {std::nullopt, "out of memory"};
-    XML_Parser parser = mParser.get();
-    XML_SetUserData(parser, this);
-    XML_SetElementHandler(parser, onStart, onEnd);
-    XML_SetCharacterDataHandler(parser, onCharacters);
-    XML_SetXmlDeclHandler(parser, onDeclaration);
-    XML_SetStartDoctypeDeclHandler(parser, onDoctype);
-    XML_SetSkippedEntityHandler(parser, onSkippedEntity);
-    const auto status = XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE);
-    if (!mReason.empty())
-        return {std::nullopt, mReason};
-    if (status != XML_STATUS_OK)
-        return {std::nullopt, XML_ErrorString(XML_GetErrorCode(parser))};
+    if (!read(bytes, PropertyListReader::largestSize, Names::plain))
+        return {std::nullopt, reason()};
     return {std::move(mResult), {}};
 }
 
@@ -343,16 +248,7 @@ PropertyListReader::Result Reading::run(std::string_view bytes)
 
 PropertyListReader::Result PropertyListReader::read(std::string_view bytes)
 {
-    if (bytes.size() > largestSize)
-        return {std::nullopt, "too large"};
-    // Also keeps UTF-16 out, which the parser would recognise by its first bytes.
-    if (bytes.find('\0') != std::string_view::npos)
-        return {std::nullopt, "a NUL byte"};
-    try {
-        return Reading().run(bytes);
-    } catch (...) {
-        return {std::nullopt, "out of memory"};
-    }
+    return Reading().run(bytes);
 }
 
 } // namespace farview

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 
 namespace farview
 {
@@ -25,13 +26,6 @@ template <typename Number> std::optional<Number> numberFrom(std::string_view tex
     if (result.ec != std::errc{} || result.ptr != text.data() + text.size())
         return std::nullopt;
     return number;
-}
-
-template <typename Number> std::string textFrom(Number value)
-{
-    std::array<char, 64> buffer{};
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    return {buffer.data(), result.ptr};
 }
 
 /// The decimal number that fills text[start, start + length), or -1.
@@ -58,12 +52,6 @@ bool hasDatePunctuation(std::string_view text)
     return true;
 }
 
-void appendPadded(std::string& text, long value, std::size_t width)
-{
-    const auto number = textFrom(value);
-    text.append(width > number.size() ? width - number.size() : 0, '0').append(number);
-}
-
 /// The bytes of `count` base64 characters whose bits are in `bits`.
 void appendBytes(Data& data, std::uint32_t bits, std::size_t count)
 {
@@ -86,8 +74,6 @@ std::optional<std::int64_t> integerFromText(std::string_view text)
     return numberFrom<std::int64_t>(text);
 }
 
-std::string textFromInteger(std::int64_t value) { return textFrom(value); }
-
 std::optional<double> realFromText(std::string_view text) { return numberFrom<double>(text); }
 
 std::string textFromReal(double value)
@@ -96,7 +82,9 @@ std::string textFromReal(double value)
         return "nan";
     if (std::isinf(value))
         return value > 0 ? "+infinity" : "-infinity";
-    return textFrom(value);
+    std::array<char, 64> buffer{};
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    return {buffer.data(), result.ptr};
 }
 
 std::optional<Date> dateFromText(std::string_view text)
@@ -134,14 +122,13 @@ std::optional<std::string> textFromDate(Date date)
     const auto midnight = floor<days>(moment);
     const year_month_day day{midnight};
     const hh_mm_ss time{moment - midnight};
-    std::string text;
-    appendPadded(text, static_cast<int>(day.year()), 4);
-    appendPadded(text += '-', static_cast<unsigned>(day.month()), 2);
-    appendPadded(text += '-', static_cast<unsigned>(day.day()), 2);
-    appendPadded(text += 'T', time.hours().count(), 2);
-    appendPadded(text += ':', time.minutes().count(), 2);
-    appendPadded(text += ':', time.seconds().count(), 2);
-    return text + 'Z';
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ",
+                  static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
+                  static_cast<unsigned>(day.day()), static_cast<int>(time.hours().count()),
+                  static_cast<int>(time.minutes().count()),
+                  static_cast<int>(time.seconds().count()));
+    return text.data();
 }
 
 std::optional<Data> dataFromBase64(std::string_view text)

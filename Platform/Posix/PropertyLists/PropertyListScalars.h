@@ -15,7 +15,6 @@ namespace farview
 /// cannot be read, or cannot be written, gives nothing.
 
 std::optional<std::int64_t> integerFromText(std::string_view text);
-std::string textFromInteger(std::int64_t value);
 
 /// Also "nan", "inf" and "infinity" with an optional sign.
 std::optional<double> realFromText(std::string_view text);

@@ -54,14 +54,14 @@ std::string escaped(std::string_view text)
     return output;
 }
 
-/// One writing. After the first refusal nothing more is added.
+/// Writes one list. After the first refusal it adds nothing more.
 class Writing
 {
 public:
     PropertyListWriter::Result run(const PropertyList& list);
 
     void operator()(bool value) { line(value ? "<true/>" : "<false/>"); }
-    void operator()(std::int64_t value) { element("integer", textFromInteger(value)); }
+    void operator()(std::int64_t value) { element("integer", std::to_string(value)); }
     void operator()(double value) { element("real", textFromReal(value)); }
     void operator()(const std::string& value) { element("string", escaped(value)); }
     void operator()(const Data& value) { element("data", base64FromData(value)); }

@@ -13,17 +13,9 @@ namespace
 
 const std::string suffix = ".kext";
 
-const std::string* textFor(const PropertyList::Dictionary& info, const char* key)
-{
-    const auto found = info.find(key);
-    return found == info.end() ? nullptr : found->second.get<std::string>();
-}
-
 bool isForThisPlatform(const PropertyList::Dictionary& info)
 {
-    const auto* identifier = textFor(info, "CFBundleIdentifier");
-    const auto* platform = textFor(info, "QLNPlatform");
-    return identifier && !identifier->empty() && platform && *platform == "Linux";
+    return !textFor(info, "CFBundleIdentifier").empty() && textFor(info, "QLNPlatform") == "Linux";
 }
 
 bool isUsableBundle(const std::string& folder, const std::string& bundle)

@@ -222,8 +222,8 @@ std::vector<std::string> SysfsRegistry::knownServices() const
     return names;
 }
 
-/// Looks at the one place where it would be, and again at what was asked for before, not at all
-/// that is published.
+/// Checks only this service and those that were asked for before: looking at every published one
+/// would take longer.
 IORegistry::Entry SysfsRegistry::serviceNamed(const std::string& name)
 {
     auto names = knownServices();

@@ -15,7 +15,7 @@ namespace farview
 ///
 /// Processors are numbered as the file numbers them. Selecting one takes effect now or, when
 /// programs hold the other one, as soon as they have ended; a forced switch takes effect now or not
-/// at all. That the kernel took the order is all it tells. Nobody is told of changes.
+/// at all. Success means only that the kernel accepted the order. Changes are not announced.
 class VgaSwitcheroo final : public GraphicsControl
 {
 public:
@@ -56,7 +56,7 @@ private:
 
     std::string mSwitch;
     Object mNextObject = 3;
-    /// Whether the service is still to come.
+    /// Whether the iterator has still to return the service.
     std::map<Object, bool> mIterators;
     std::set<Object> mConnections;
 };

@@ -49,18 +49,6 @@ void FilePreferences::report(Scope& scope, std::string& last, const std::string&
     last = trouble;
 }
 
-std::optional<PropertyList> FilePreferences::copyAppValue(const std::string& key,
-                                                          const std::string& applicationID)
-{
-    for (const auto user : {PreferencesUser::current, PreferencesUser::any}) {
-        for (const auto host : {PreferencesHost::current, PreferencesHost::any}) {
-            if (auto value = copyValue(key, applicationID, user, host))
-                return value;
-        }
-    }
-    return std::nullopt;
-}
-
 std::optional<PropertyList> FilePreferences::copyValue(const std::string& key,
                                                        const std::string& applicationID,
                                                        PreferencesUser user, PreferencesHost host)

@@ -33,8 +33,6 @@ public:
     FilePreferences(PreferencesLocations locations, Log& log, RunLoop* loop = nullptr);
     ~FilePreferences() override;
 
-    std::optional<PropertyList> copyAppValue(const std::string& key,
-                                             const std::string& applicationID) override;
     std::optional<PropertyList> copyValue(const std::string& key, const std::string& applicationID,
                                           PreferencesUser user, PreferencesHost host) override;
     void setAppValue(const std::string& key, std::optional<PropertyList> value,

@@ -1,5 +1,8 @@
 #include "Platform/Posix/Settings/FileReplacement.h"
 
+#include "Platform/Posix/FileDescriptor.h"
+#include "Platform/Posix/FolderListing.h"
+
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/file.h>
@@ -15,14 +18,6 @@ namespace farview
 namespace
 {
 
-std::string parentOf(const std::string& path)
-{
-    const auto slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 bool isFolder(const std::string& path)
 {
     struct stat status {
@@ -37,17 +32,6 @@ int synchronizeFolder(const std::string& path)
         return errno;
     // Some file systems cannot synchronize a folder; they have nothing to lose there.
     return ::fsync(folder.get()) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno;
-}
-
-int writeAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const auto count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR)
-            return errno;
-        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
-    }
-    return 0;
 }
 
 /// A second name, or, where the file system or its rules know no second names, a new name. Never
@@ -94,7 +78,7 @@ std::string resolvedLink(const std::string& path)
         if (length < 0)
             return current;
         const std::string next(target.data(), static_cast<std::size_t>(length));
-        current = next.starts_with('/') ? next : parentOf(current).append("/").append(next);
+        current = next.starts_with('/') ? next : parentFolder(current).append("/").append(next);
     }
     return {};
 }
@@ -103,7 +87,7 @@ int makeFolders(const std::string& path, mode_t mode)
 {
     if (isFolder(path))
         return 0;
-    const auto parent = parentOf(path);
+    const auto parent = parentFolder(path);
     if (parent != path) {
         if (const int error = makeFolders(parent, mode))
             return error;
@@ -170,7 +154,7 @@ int FileReplacement::commit()
     if (::rename(mTemporaryPath.c_str(), mPath.c_str()) != 0)
         return errno;
     mFile = {};
-    return synchronizeFolder(parentOf(mPath));
+    return synchronizeFolder(parentFolder(mPath));
 }
 
 } // namespace farview

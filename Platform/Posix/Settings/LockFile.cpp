@@ -32,17 +32,6 @@ int openLock(const std::string& path, FileDescriptor& descriptor)
     return 0;
 }
 
-/// Whether the path still leads to the locked file: somebody may have cleaned up.
-bool isStillThere(const std::string& path, int descriptor)
-{
-    struct stat held {
-    };
-    struct stat named {
-    };
-    return ::fstat(descriptor, &held) == 0 && ::lstat(path.c_str(), &named) == 0 &&
-           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
-}
-
 /// There is no lock call with a time-out, so this asks again, ever more slowly.
 int lockBefore(int descriptor, Clock::time_point deadline)
 {
@@ -72,7 +61,8 @@ int LockFile::acquire(const std::string& path, std::chrono::milliseconds patienc
             return error;
         if (const int error = lockBefore(descriptor.get(), deadline))
             return error;
-        if (isStillThere(path, descriptor.get())) {
+        // Somebody may have cleaned up.
+        if (isOpenAt(path, descriptor.get())) {
             mDescriptor = std::move(descriptor);
             return 0;
         }

@@ -1,5 +1,6 @@
 #include "Platform/Posix/Settings/PreferencesMerge.h"
 
+#include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/PropertyLists/PropertyListFile.h"
 #include "Platform/Posix/PropertyLists/PropertyListWriter.h"
 #include "Platform/Posix/Settings/FileReplacement.h"
@@ -13,8 +14,6 @@ namespace
 {
 
 using Status = PreferencesMergeResult::Status;
-
-std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
 PreferencesMergeResult failure(std::string reason)
 {
@@ -114,7 +113,7 @@ PreferencesMergeResult mergeIntoPreferences(const PreferencesLocation& location,
 {
     if (location.path.empty())
         return failure("no file can bear that name");
-    if (const int error = makeFolders(folderOf(location.path), location.folderMode))
+    if (const int error = makeFolders(parentFolder(location.path), location.folderMode))
         return failure(errorText(error));
     LockFile lock;
     if (const int error = lock.acquire(location.path + ".lock", patience)) {

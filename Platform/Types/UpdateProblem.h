@@ -1,12 +1,35 @@
 #pragma once
 
-#include "Platform/Types/UpdateStatus.h"
-
 #include <array>
 #include <string_view>
 
 namespace farview
 {
+
+/// Why there was no update, or why it was not carried out. Whatever the reason, the version that
+/// was there before is in place and works.
+enum class UpdateProblem {
+    notConfigured,   ///< the bundle names no place to get updates from, or no key
+    insecureAddress, ///< that place could be impersonated
+    noNetwork,
+    server, ///< it cannot be reached, or answers with an error
+    certificate,
+    stalled,
+    feedUnreadable,
+    systemTooOld,
+    managed, ///< the user may not write the bundle
+    tooLarge,
+    noSpace,
+    wrongLength,
+    wrongSignature,
+    archive, ///< it is damaged, or reaches out of its folder
+    wrongVersion,
+    downgrade,
+    unfit, ///< the new version failed its trial and was taken back
+    write,
+    busy,    ///< another update of this bundle is under way
+    internal ///< anything else
+};
 
 struct UpdateProblemWord {
     std::string_view word;

@@ -115,6 +115,10 @@ public:
         mJournal.add("synchronize");
         return mInner.appSynchronize(applicationID);
     }
+    Subscription observeLateWrites(std::function<void()> action) override
+    {
+        return mInner.observeLateWrites(std::move(action));
+    }
 
 private:
     Preferences& mInner;

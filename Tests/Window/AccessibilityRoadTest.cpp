@@ -44,10 +44,13 @@ protected:
         std::filesystem::permissions(folder.path("config/farview"),
                                      std::filesystem::perms::owner_all);
         offerAccessibility("off");
-        first.becomeFirst([this](const WindowOfTheSession::Wish& wish) {
+        const auto open = [this](const WindowOfTheSession::Wish& wish) {
             wishes.append(wish.pane);
             return wish.pane.isEmpty() ? HostError{} : host.open(wish.pane);
-        });
+        };
+        bool isFirst = false;
+        first.becomeFirst(open, [&](bool is) { isFirst = is; });
+        EXPECT_TRUE(waitUntil([&] { return isFirst; }));
     }
     void offerAccessibility(const char* kind)
     {
@@ -117,7 +120,7 @@ protected:
     farview::StandardErrorLog log{"host_test"};
     farview::PosixBundles bundles{farview::EnvironmentUse::honoured, log};
     PreferencesHost host{PaneLoader(bundles, false)};
-    WindowOfTheSession first;
+    WindowOfTheSession first{log};
     QStringList wishes;
 };
 

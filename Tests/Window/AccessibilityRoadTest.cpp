@@ -127,9 +127,9 @@ protected:
 TEST_F(AccessibilityRoad, LeadsFromTheBoxOverTheAlertAndThePaneBackToTheBox)
 {
     ASSERT_NO_FATAL_FAILURE(openSettings());
-    EXPECT_TRUE(isStored("false")) << stored().toStdString();
+    EXPECT_TRUE(waitUntil([this] { return isStored("false"); })) << stored().toStdString();
     find<QCheckBox>("autoMoveWindowsBack")->click();
-    ASSERT_NE(alert(), nullptr);
+    ASSERT_TRUE(waitUntil([this] { return alert() != nullptr; }));
     alert()->buttons().first()->click();
     EXPECT_FALSE(find<QCheckBox>("autoMoveWindowsBack")->isChecked());
     ASSERT_TRUE(waitUntil([this] { return isShown("Accessibility"); }));
@@ -150,18 +150,19 @@ TEST_F(AccessibilityRoad, LeadsFromTheBoxOverTheAlertAndThePaneBackToTheBox)
     find<QTabWidget>("tabView")->setCurrentIndex(1);
     find<QCheckBox>("autoMoveWindowsBack")->click();
     EXPECT_TRUE(find<QCheckBox>("autoMoveWindowsBack")->isChecked());
-    EXPECT_TRUE(isStored("true")) << stored().toStdString();
+    EXPECT_TRUE(waitUntil([this] { return isStored("true"); })) << stored().toStdString();
 }
 
 TEST_F(AccessibilityRoad, AnotherPaneThatTakesThePlaceTakesTheAlertAway)
 {
     ASSERT_NO_FATAL_FAILURE(openSettings());
+    EXPECT_TRUE(waitUntil([this] { return isStored("false"); })) << stored().toStdString();
     find<QCheckBox>("autoMoveWindowsBack")->click();
-    ASSERT_TRUE(alert()->isVisible());
+    ASSERT_TRUE(waitUntil([this] { return alert() && alert()->isVisible(); }));
     ASSERT_EQ(host.open(accessPane).status, HostStatus::success);
     EXPECT_TRUE(!alert() || !alert()->isVisible());
     host.window().findChild<QToolButton*>("backButton")->click();
-    EXPECT_FALSE(find<QCheckBox>("autoMoveWindowsBack")->isChecked());
+    EXPECT_TRUE(waitUntil([this] { return !find<QCheckBox>("autoMoveWindowsBack")->isChecked(); }));
 }
 
 TEST_F(AccessibilityRoad, ThePaneAloneNeedsNoOther)

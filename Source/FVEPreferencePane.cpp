@@ -16,7 +16,6 @@
 #include "Source/FVEEnableHiDPIController.h"
 #include "Source/SoftwareUpdates.h"
 
-using farview::DistributedNotificationCenter;
 using farview::Object;
 using farview::URL;
 using farview::Workspace;
@@ -33,7 +32,10 @@ constexpr std::size_t mostEarlierBrowsers = 4;
 
 } // namespace
 
-FVEPreferencePane::FVEPreferencePane(farview::Platform& platform) : mPlatform(platform) {}
+FVEPreferencePane::FVEPreferencePane(farview::Platform& platform)
+    : FVEPreferencePaneProperties(platform), mPlatform(platform)
+{
+}
 
 bool FVEPreferencePane::initWithBundle(std::shared_ptr<farview::Bundle> bundle)
 {
@@ -102,7 +104,7 @@ void FVEPreferencePane::willSelect()
         startServerProcess();
     if (preferences.showInMenuBar())
         startStatusItemProcess();
-    queryConnectedHost();
+    connection().query();
     beginUpdates();
 }
 
@@ -248,7 +250,6 @@ void FVEPreferencePane::offTextPressed(Object* /*sender*/)
     auto& preferences = FVEPreferences::sharedAppPrefs();
     if (preferences.currentState() == 0)
         return;
-    mUnansweredRequest.reset();
     preferences.setCurrentState(0);
     onOffSwitch()->setState(0);
     killServerProcess();
@@ -279,6 +280,8 @@ void FVEPreferencePane::followPreferences()
 {
     auto& preferences = FVEPreferences::sharedAppPrefs();
     preferences.synchronize();
+    if (preferences.currentState() == 0)
+        connection().forgetRequest();
     showSwitchState();
     if (preferences.autoConnectOption() != (autoConnect()->state() == 1))
         autoConnect()->performClick(this);
@@ -301,27 +304,12 @@ bool FVEPreferencePane::launch(const OptionalURL& application)
     return started;
 }
 
-void FVEPreferencePane::killServerProcess() { command(kTerminateScreenServer, {}); }
-void FVEPreferencePane::killStatusItemProcess() { command(kTerminateMenuExtra, {}); }
-
-void FVEPreferencePane::queryConnectedHost()
-{
-    mPlatform.distributedNotificationCenter->postNotificationName(
-        kQueryRequestForConnectedHost, "", {}, DistributedNotificationCenter::postToAllSessions);
-}
+void FVEPreferencePane::killServerProcess() { connection().quitServer(); }
+void FVEPreferencePane::killStatusItemProcess() { connection().command(kTerminateMenuExtra); }
 
 std::string FVEPreferencePane::localized(const std::string& text) const
 {
     return mBundle && !text.empty() ? mBundle->localizedString(text, "", "") : text;
-}
-
-void FVEPreferencePane::command(const char* name,
-                                DistributedNotificationCenter::TextUserInfo userInfo)
-{
-    mPlatform.distributedNotificationCenter->postNotificationName(
-        name, "", std::move(userInfo),
-        DistributedNotificationCenter::deliverImmediately |
-            DistributedNotificationCenter::postToAllSessions);
 }
 
 void FVEPreferencePane::log(const std::string& message)

@@ -1,6 +1,9 @@
 #include "Applications/ScreenCapture/AutoConnector.h"
 
 #include "Common/Bonjour/DeviceState.h"
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/NSString_Additions.h"
 
 #include <algorithm>
 #include <iterator>
@@ -158,6 +161,8 @@ bool AutoConnector::isConfirmed(const std::string& hostName) const
 
 void AutoConnector::attemptFailed(const std::string& hostName)
 {
+    if (hostName == kOtherDeviceName)
+        mTried.insert(mServer.chosenDevice());
     for (const auto& service : servicesOfHost(hostName)) {
         mTried.insert(service->name());
         // It may have moved to another address or port.
@@ -192,16 +197,46 @@ void AutoConnector::considerSoon()
 
 void AutoConnector::consider()
 {
-    if (!mHasSettled || !mServer.isIdle() || !isWanted())
+    if (!mHasSettled || !mServer.isIdle() || bringBack() || !isWanted())
         return;
-    const ServiceList services = mBrowser->activeServiceList();
+    connectToFirst(mChosen, mBrowser->activeServiceList());
+}
+
+/// Whether the device that the user chose is the only one to think of now.
+bool AutoConnector::bringBack()
+{
+    const std::string chosen = mServer.chosenDevice();
+    if (isValidIPAddress(chosen))
+        return connectToAddress(chosen);
+    const ServiceList services = servicesOfHost(chosen);
+    PropertyList::Array names;
+    for (const auto& service : services)
+        names.emplace_back(service->name());
+    connectToFirst(names, services);
+    return !services.empty();
+}
+
+/// Nobody knows whether an address is in sight: it has one attempt in each round.
+bool AutoConnector::connectToAddress(const std::string& address)
+{
+    if (!mTried.insert(address).second) {
+        pause();
+        return false;
+    }
+    mServer.connectByItself(kOtherDeviceName, {{address, kMainDataTrafficPort, 0}});
+    return true;
+}
+
+void AutoConnector::connectToFirst(const PropertyList::Array& names, const ServiceList& services)
+{
     const auto devices = announcedDevices(services);
     Names heldOff = mLeftAlone;
     heldOff.insert(mTried.begin(), mTried.end());
-    if (const auto choice = autoConnectChoice(mChosen, devices, heldOff)) {
+    if (const auto choice = autoConnectChoice(names, devices, heldOff)) {
         mTried.insert(devices[*choice].name);
-        mServer.connectByItself(*services[*choice]);
-    } else if (autoConnectChoice(mChosen, devices, mLeftAlone)) {
+        const NetService& service = *services[*choice];
+        mServer.connectByItself(service.hostName().value_or(""), service.endpoints());
+    } else if (autoConnectChoice(names, devices, mLeftAlone)) {
         pause();
     }
 }

@@ -123,9 +123,11 @@ void ScreenServer::connectToHost(const Notification& notification)
         mServices.log.write(LogLevel::warning, "A request to connect names no host");
         return;
     }
+    takeRequest();
     mAutoConnector->userChose(*hostName);
     if (isConnectedTo(*hostName, mDeviceAddress)) {
         mIsAutomatic = false;
+        keepChoice();
         announceState();
         sendOptions();
         return;
@@ -135,7 +137,7 @@ void ScreenServer::connectToHost(const Notification& notification)
     leaveDevice();
     takeOrder(*hostName);
     mState = State::searching;
-    const auto ended = [this, request = ++mRequest] { searchEnded(request); };
+    const auto ended = [this, request = mRequest] { searchEnded(request); };
     mServices.runLoop.performAfterDelay(searchLimit, weak_from_this(), ended);
     search();
 }
@@ -147,7 +149,9 @@ void ScreenServer::connectToTicket(const Notification& notification)
         mServices.log.write(LogLevel::warning, "A request to connect holds no address");
         return;
     }
+    takeRequest();
     if (isConnectedTo(kOtherDeviceName, *address)) {
+        keepChoice();
         announceState();
         return;
     }
@@ -159,6 +163,7 @@ void ScreenServer::connectToTicket(const Notification& notification)
 
 void ScreenServer::disconnectFromHost(const Notification& /*notification*/)
 {
+    takeRequest();
     const bool wasConnected = mState == State::connected;
     leaveDevice();
     mAutoConnector->userChoseNone();
@@ -184,6 +189,25 @@ void ScreenServer::preferencesChanged(const Notification& /*notification*/)
 
 // --- the road to a device --------------------------------------------------------------------
 
+/// The user wants something else than before.
+void ScreenServer::takeRequest()
+{
+    mServices.chosenDevice.set({});
+    mRequestedAt = mServices.runLoop.now();
+    ++mRequest;
+}
+
+void ScreenServer::keepChoice()
+{
+    mServices.chosenDevice.set(mDeviceName == kOtherDeviceName ? mDeviceAddress : mDeviceName);
+}
+
+std::string ScreenServer::chosenDevice() const
+{
+    const std::string chosen = mServices.chosenDevice.text();
+    return isHostName(&chosen) ? chosen : std::string{};
+}
+
 bool ScreenServer::isConnectedTo(const std::string& deviceName, const std::string& address) const
 {
     return mState == State::connected && mDeviceName == deviceName && mDeviceAddress == address;
@@ -204,12 +228,14 @@ void ScreenServer::takeOrder(const std::string& deviceName)
     mIsAutomatic = false;
 }
 
-void ScreenServer::connectByItself(const NetService& service)
+void ScreenServer::connectByItself(const std::string& deviceName,
+                                   const std::vector<Endpoint>& endpoints)
 {
-    mDeviceName = service.hostName().value_or("");
+    mDeviceName = deviceName;
+    mDeviceAddress = endpoints.front().address;
     mIsAutomatic = true;
     mServices.log.write(LogLevel::info, "Connecting to " + mDeviceName + " by itself");
-    connect(service.endpoints());
+    connect(endpoints);
 }
 
 /// Ends the connection or whatever is under way; says so when there was a connection.
@@ -269,6 +295,8 @@ void ScreenServer::deviceDidConnect(const std::string& address)
     if (mDeviceName != kOtherDeviceName)
         mDeviceAddress = address;
     mServices.log.write(LogLevel::info, "Connected to " + mDeviceName + " at " + address);
+    if (!mIsAutomatic)
+        keepChoice();
     mAutoConnector->connectionBegan();
     announceState();
     // They may have changed while the connection was made.
@@ -303,10 +331,11 @@ LinkOptions ScreenServer::options()
 }
 
 /// A device that the user never confirmed may bear a name from the user's list by chance, or by
-/// intent: connected by itself, it is not told how the user works.
+/// intent: connected by itself, it is not told how the user works. The user typed an address.
 bool ScreenServer::mayHaveOptions()
 {
-    return !mIsAutomatic || mAutoConnector->isConfirmed(mDeviceName);
+    return !mIsAutomatic || mDeviceName == kOtherDeviceName ||
+           mAutoConnector->isConfirmed(mDeviceName);
 }
 
 void ScreenServer::sendOptions()
@@ -337,6 +366,15 @@ void ScreenServer::post(const char* name, DistributedNotificationCenter::TextUse
 
 void ScreenServer::postDevice(const char* name)
 {
+    const Duration early = mRequestedAt + earliestReport - mServices.runLoop.now();
+    if (early > Duration::zero()) {
+        const auto again = [this, name, request = mRequest] {
+            if (mState == State::connected && mRequest == request)
+                postDevice(name);
+        };
+        mServices.runLoop.performAfterDelay(early, weak_from_this(), again);
+        return;
+    }
     post(name, {{kDeviceNameKey, mDeviceName}, {kDeviceAddressKey, mDeviceAddress}});
 }
 
@@ -347,6 +385,7 @@ void ScreenServer::quit()
     if (mState == State::quitting)
         return;
     mState = State::quitting;
+    mServices.chosenDevice.set({});
     mEnding.quitting();
     if (mBrowser)
         mBrowser->stop();

@@ -199,46 +199,45 @@ void AutoConnector::consider()
 {
     if (!mHasSettled || !mServer.isIdle() || bringBack() || !isWanted())
         return;
-    connectToFirst(mChosen, mBrowser->activeServiceList());
+    const ServiceList services = mBrowser->activeServiceList();
+    const auto devices = announcedDevices(services);
+    Names heldOff = mLeftAlone;
+    heldOff.insert(mTried.begin(), mTried.end());
+    if (const auto choice = autoConnectChoice(mChosen, devices, heldOff)) {
+        const NetService& service = *services[*choice];
+        tryOnce(service.name(), service.hostName().value_or(""), service.endpoints());
+    } else if (autoConnectChoice(mChosen, devices, mLeftAlone)) {
+        pause();
+    }
 }
 
 /// Whether the device that the user chose is the only one to think of now.
 bool AutoConnector::bringBack()
 {
     const std::string chosen = mServer.chosenDevice();
+    // Nobody knows whether an address is in sight: the list has its turn when it does not answer.
     if (isValidIPAddress(chosen))
-        return connectToAddress(chosen);
+        return tryOnce(chosen, kOtherDeviceName, {{chosen, kMainDataTrafficPort, 0}});
     const ServiceList services = servicesOfHost(chosen);
-    PropertyList::Array names;
-    for (const auto& service : services)
-        names.emplace_back(service->name());
-    connectToFirst(names, services);
+    // It may be announced as in use still by the connection that broke: the device knows better.
+    const auto found = std::find_if(services.begin(), services.end(), [](const auto& service) {
+        return !service->endpoints().empty();
+    });
+    if (found != services.end())
+        tryOnce((*found)->name(), chosen, (*found)->endpoints());
     return !services.empty();
 }
 
-/// Nobody knows whether an address is in sight: it has one attempt in each round.
-bool AutoConnector::connectToAddress(const std::string& address)
+/// Connects to a device that was not tried since the last pause; for another begins a pause.
+bool AutoConnector::tryOnce(const std::string& name, const std::string& deviceName,
+                            const std::vector<Endpoint>& endpoints)
 {
-    if (!mTried.insert(address).second) {
+    const bool isNew = mTried.insert(name).second;
+    if (isNew)
+        mServer.connectByItself(deviceName, endpoints);
+    else
         pause();
-        return false;
-    }
-    mServer.connectByItself(kOtherDeviceName, {{address, kMainDataTrafficPort, 0}});
-    return true;
-}
-
-void AutoConnector::connectToFirst(const PropertyList::Array& names, const ServiceList& services)
-{
-    const auto devices = announcedDevices(services);
-    Names heldOff = mLeftAlone;
-    heldOff.insert(mTried.begin(), mTried.end());
-    if (const auto choice = autoConnectChoice(names, devices, heldOff)) {
-        mTried.insert(devices[*choice].name);
-        const NetService& service = *services[*choice];
-        mServer.connectByItself(service.hostName().value_or(""), service.endpoints());
-    } else if (autoConnectChoice(names, devices, mLeftAlone)) {
-        pause();
-    }
+    return isNew;
 }
 
 void AutoConnector::pause()

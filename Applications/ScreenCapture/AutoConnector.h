@@ -94,8 +94,8 @@ private:
     void considerSoon();
     void consider();
     bool bringBack();
-    bool connectToAddress(const std::string& address);
-    void connectToFirst(const PropertyList::Array& names, const ServiceList& services);
+    bool tryOnce(const std::string& name, const std::string& deviceName,
+                 const std::vector<Endpoint>& endpoints);
     void pause();
     void tryAgain();
     void startAfresh();

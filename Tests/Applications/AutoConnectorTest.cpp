@@ -868,22 +868,24 @@ TEST_F(AutoConnectorTest, WaitsForAChosenDeviceInSightAndForNoOther)
     accept();
     setState("A", "Connected");
     lose();
-    advance(600);
-    EXPECT_EQ(tried(), "A") << "in use, perhaps still by this computer";
-    setState("A", "NotConnected");
-    advance(60);
+    advance(3);
+    EXPECT_EQ(tried(), "AA") << "in use, but perhaps by the connection that broke";
+    fail();
+    advance(3);
     EXPECT_EQ(tried(), "AA");
+    advance(2);
+    EXPECT_EQ(tried(), "AAA");
     fake.discovery.remove({"A"});
     fail();
     advance(1);
-    EXPECT_EQ(tried(), "AAB") << "it is gone: the list has its turn";
+    EXPECT_EQ(tried(), "AAAB") << "it is gone: the list has its turn";
     accept();
     announce({"A"});
     advance(600);
-    EXPECT_EQ(tried(), "AAB") << "what is connected stays";
+    EXPECT_EQ(tried(), "AAAB") << "what is connected stays";
     lose();
     advance(60);
-    EXPECT_EQ(tried(), "AABA");
+    EXPECT_EQ(tried(), "AAABA");
 }
 
 TEST_F(AutoConnectorTest, GivesTheListATurnWhileAnAddressDoesNotAnswer)

@@ -99,15 +99,14 @@ void ConnectionFollower::followAddress(const Notification& report, FVEPreference
 bool ConnectionFollower::followEnd(const Notification& report)
 {
     mIsByAddress = false;
-    const bool wantsDevice = mRequest && !mRequest->userInfo.empty();
-    // Without that word it answers the request for no device, and no other.
-    if (wantsDevice && !report.text(kAwaitsRequestKey))
+    const bool serverBegins = report.text(kAwaitsRequestKey);
+    // The end of a connection answers the request for no device, and no other.
+    if (!mRequest || (!serverBegins && !mRequest->userInfo.empty()))
         return false;
-    const auto request = std::exchange(mRequest, std::nullopt);
-    if (!request || !report.text(kAwaitsRequestKey))
-        return false;
-    command(request->name, request->userInfo);
-    return request->userInfo.contains(kConnectToHostNameKey);
+    const auto request = *std::exchange(mRequest, std::nullopt);
+    if (serverBegins)
+        command(request.name, request.userInfo);
+    return request.userInfo.contains(kConnectToHostNameKey);
 }
 
 } // namespace farview

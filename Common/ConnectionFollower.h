@@ -29,10 +29,11 @@ public:
     void connectToHost(const std::string& hostName);
     void connectToAddress(const std::string& address);
     void chooseNone();
-    void quitServer();
     void forgetRequest() { mRequest.reset(); }
     /// Somebody's request was heard: another one than the latest here takes its place.
     void heardRequest(const Notification& request);
+    /// Tells the server to quit; nothing is asked of the next one.
+    void quitServer();
     /// Asks which device is connected.
     void query();
     /// Tells another program what to do: at once, in all the user's sessions.

@@ -325,7 +325,7 @@ LinkOptions ScreenServer::options()
 }
 
 /// A device that the user never confirmed may bear a name from the user's list by chance, or by
-/// intent: connected by itself, it is not told how the user works. The user typed an address.
+/// intent: connected by itself, it is not told how the user works. An address the user has typed.
 bool ScreenServer::mayHaveOptions()
 {
     return !mIsAutomatic || mDeviceName == kOtherDeviceName ||

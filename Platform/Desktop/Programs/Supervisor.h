@@ -29,11 +29,6 @@ struct SupervisorOptions {
 /// looks for the program by name finds it only while it really runs.
 int runSupervised(const std::function<int(unsigned crashes)>& program, SupervisorOptions options);
 
-/// Memory, zero at first, that a program shares with those it starts by `fork`: asked for before
-/// `runSupervised`, it holds after a crash what the crashed program wrote. Null when there is none.
-/// It is never given back.
-void* memorySharedWithChildren(std::size_t bytes);
-
 /// Memory, zero at first, that a program shares with those that it starts by `fork`: asked for
 /// before `runSupervised`, it holds after a crash what the crashed program wrote. It is never given
 /// back. Null when there is none.

@@ -55,6 +55,8 @@ public:
     /// The host name (or the address) of the device in use; "" for none.
     std::string currentVirtualScreenDevice();
     void setCurrentVirtualScreenDevice(const std::string& hostName);
+    /// Removes it; the next read stores "".
+    void setCurrentVirtualScreenDevice(std::nullopt_t);
     bool autoConnectOption();
     void setAutoConnectOption(bool flag);
     bool autoUpdateOption();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Screen/PixelCodec.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -11,10 +13,8 @@ namespace farview
 /// Time on a clock that only goes forward.
 using PictureTime = std::chrono::microseconds;
 
-/// The bounds of JPEG's quality, and how it follows the time that a large frame takes from being
-/// sent to being shown: quickly down, slowly up.
-inline constexpr int kBestPictureQuality = 85;
-inline constexpr int kLeastPictureQuality = 25;
+/// How JPEG's quality follows the time that a large frame takes from being sent to being shown:
+/// quickly down, slowly up.
 int qualityAfter(int quality, PictureTime took);
 
 /// Whether another frame may be sent: the newest picture, never a queue. `unshown` are the frames

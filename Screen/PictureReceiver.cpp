@@ -8,13 +8,19 @@
 namespace farview
 {
 
-PictureReceiver::PictureReceiver(int width, int height, std::vector<PixelCodec*> codecs)
-    : mPicture(width, height), mCodecs(std::move(codecs))
+PictureReceiver::PictureReceiver(int width, int height, PixelCodec& zlib,
+                                 std::vector<PixelCodec*> others)
+    : mPicture(width, height), mZlib(zlib), mCodecs(std::move(others))
 {
+    mCodecs.push_back(&zlib);
 }
 
 bool PictureReceiver::apply(const LinkScreenRectangle& packet)
 {
+    if (packet.encoding == QLScreenEncodingMousePos)
+        return applyPlace(packet);
+    if (packet.encoding == QLScreenEncodingMouseCursor)
+        return applyCursor(packet);
     if (!mPicture.view().holds(packet.rectangle))
         return false;
     const bool isDone =
@@ -22,6 +28,23 @@ bool PictureReceiver::apply(const LinkScreenRectangle& packet)
     if (isDone)
         mChanged.push_back(packet.rectangle);
     return isDone;
+}
+
+bool PictureReceiver::applyPlace(const LinkScreenRectangle& packet)
+{
+    const auto& [x, y, width, height] = packet.rectangle;
+    if (width != 0 || height != 0 || !packet.data.empty())
+        return false;
+    mCursorPlace = {x, y};
+    return true;
+}
+
+bool PictureReceiver::applyCursor(const LinkScreenRectangle& packet)
+{
+    auto received = readCursorPacket(packet, mZlib);
+    if (received)
+        mCursor = std::move(received->cursor);
+    return received.has_value();
 }
 
 bool PictureReceiver::applyCopy(const LinkScreenRectangle& packet)

@@ -8,6 +8,10 @@
 namespace farview
 {
 
+/// JPEG's best and least quality here.
+inline constexpr int kBestPictureQuality = 85;
+inline constexpr int kLeastPictureQuality = 25;
+
 /// One way to turn the pixels of a rectangle into bytes and back. Each thread has codecs of its
 /// own.
 class PixelCodec

@@ -28,14 +28,6 @@ protected:
     std::vector<std::string> said;
 };
 
-TEST_F(FakeRunLoopTest, FiresInOrderOfDueTime)
-{
-    loop.performAfterDelay(Duration(2), target, note("late"));
-    loop.performAfterDelay(Duration(1), target, note("early"));
-    loop.advance(Duration(3));
-    EXPECT_THAT(said, ElementsAre("early", "late"));
-}
-
 TEST_F(FakeRunLoopTest, FiresInOrderOfSchedulingWhatIsDueTogether)
 {
     loop.performAfterDelay(Duration(1), target, note("first"));
@@ -66,51 +58,6 @@ TEST_F(FakeRunLoopTest, ShowsEachHandlerItsOwnTime)
     EXPECT_EQ(loop.now(), Duration(10));
 }
 
-TEST_F(FakeRunLoopTest, ARepeatingTimerFiresAtEachIntervalUntilInvalidated)
-{
-    const auto timer = loop.scheduledTimer(Duration(10), true, target, note("tick"));
-    loop.advance(Duration(35));
-    EXPECT_THAT(said, ElementsAre("tick", "tick", "tick"));
-    timer->invalidate();
-    EXPECT_FALSE(timer->isValid());
-    loop.advance(Duration(100));
-    EXPECT_EQ(said.size(), 3U);
-    EXPECT_EQ(loop.pendingCount(), 0U);
-}
-
-TEST_F(FakeRunLoopTest, ATimerMayInvalidateItselfWhileItFires)
-{
-    std::shared_ptr<farview::Timer> timer;
-    timer = loop.scheduledTimer(Duration(1), true, target, [&] {
-        said.push_back("tick");
-        timer->invalidate();
-        timer->invalidate();
-    });
-    loop.advance(Duration(5));
-    EXPECT_THAT(said, ElementsAre("tick"));
-}
-
-TEST_F(FakeRunLoopTest, AnInvalidatedTimerStaysSilent)
-{
-    const auto timer = loop.scheduledTimer(Duration(1), false, target, note("tick"));
-    EXPECT_TRUE(timer->isValid());
-    timer->invalidate();
-    loop.advance(Duration(2));
-    EXPECT_THAT(said, IsEmpty());
-}
-
-TEST_F(FakeRunLoopTest, FiresIntoNothingOnceTheTargetIsGone)
-{
-    const auto timer = loop.scheduledTimer(Duration(1), true, target, note("tick"));
-    loop.performAfterDelay(Duration(1), target, note("perform"));
-    loop.run(Duration(1), target, note("wait"));
-    target.reset();
-    loop.advance(Duration(5));
-    EXPECT_THAT(said, IsEmpty());
-    EXPECT_FALSE(timer->isValid());
-    EXPECT_EQ(loop.pendingCount(), 0U);
-}
-
 TEST_F(FakeRunLoopTest, KeepsTheTargetAliveDuringTheCall)
 {
     const std::weak_ptr<int> watched = target;
@@ -122,30 +69,6 @@ TEST_F(FakeRunLoopTest, KeepsTheTargetAliveDuringTheCall)
     loop.runUntilIdle();
     EXPECT_TRUE(alive);
     EXPECT_TRUE(watched.expired());
-}
-
-TEST_F(FakeRunLoopTest, AStoppedWaitEndsOnALaterTurnAndOnce)
-{
-    const auto wait = loop.run(Duration(5), target, note("ended"));
-    EXPECT_EQ(loop.waitCount(), 1U);
-    wait->stop();
-    EXPECT_THAT(said, IsEmpty());
-    wait->stop();
-    loop.runUntilIdle();
-    EXPECT_THAT(said, ElementsAre("ended"));
-    wait->stop();
-    loop.advance(Duration(10));
-    EXPECT_THAT(said, ElementsAre("ended"));
-    EXPECT_EQ(loop.waitCount(), 0U);
-}
-
-TEST_F(FakeRunLoopTest, AWaitThatNobodyStopsEndsAtItsLimit)
-{
-    loop.run(Duration(5), target, note("ended"));
-    loop.advance(Duration(4.9));
-    EXPECT_THAT(said, IsEmpty());
-    loop.advance(Duration(0.1));
-    EXPECT_THAT(said, ElementsAre("ended"));
 }
 
 TEST_F(FakeRunLoopTest, AStoppedWaitQueuesBehindWhatIsDue)

@@ -153,6 +153,11 @@ void FVEPreferences::setCurrentVirtualScreenDevice(const std::string& hostName)
 {
     setText(kCurrentVirtualScreenDeviceName, hostName);
 }
+void FVEPreferences::setCurrentVirtualScreenDevice(std::nullopt_t none)
+{
+    mPreferences.setAppValue(kCurrentVirtualScreenDeviceName, none, kApplicationID);
+    synchronizeWithNotification();
+}
 
 bool FVEPreferences::autoConnectOption() { return booleanDefaultingToYes(kAutoConnectOption); }
 void FVEPreferences::setAutoConnectOption(bool flag) { setBoolean(kAutoConnectOption, flag); }

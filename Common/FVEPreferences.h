@@ -32,9 +32,9 @@ class Preferences;
 
 /// The settings that all programs of the system share. Nothing is cached: every getter asks the
 /// preferences afresh and never fails. A missing or wrongly typed value yields its default, which
-/// is written back and announced; one that holds on this host only, which a setter cannot replace,
-/// is passed over when it has the wrong type. Every setter writes at once and announces the change
-/// before and after. Main thread only.
+/// is written back and announced. A wrongly typed value of this host only is passed over: no setter
+/// can replace it. Every setter writes at once and announces the change before and after. Main
+/// thread only.
 class FVEPreferences
 {
 public:
@@ -55,6 +55,8 @@ public:
     /// The host name (or the address) of the device in use; "" for none.
     std::string currentVirtualScreenDevice();
     void setCurrentVirtualScreenDevice(const std::string& hostName);
+    /// Removes it; the next read stores "".
+    void setCurrentVirtualScreenDevice(std::nullopt_t);
     bool autoConnectOption();
     void setAutoConnectOption(bool flag);
     bool autoUpdateOption();

@@ -216,11 +216,8 @@ void LinkConnection::take(const LinkFrame& frame)
 
 bool LinkConnection::isAllowed(const LinkFrame& frame) const
 {
-    if (std::holds_alternative<LinkOptions>(frame))
-        return mSide == LinkSide::device;
-    if (std::holds_alternative<LinkScreenRectangle>(frame))
-        return mSide == LinkSide::device && mAgreement.has(kLinkScreenFeature);
-    return true;
+    return (mSide == LinkSide::device ? isFromHost(frame) : isFromDevice(frame)) &&
+           (!isOfPicture(frame) || mAgreement.has(kLinkScreenFeature));
 }
 
 void LinkConnection::becomeOpen(const LinkAgreement& agreement)
@@ -264,11 +261,10 @@ void LinkConnection::refuse(const LinkRefusal& refusal)
 
 void LinkConnection::send(LinkFrame frame)
 {
-    auto* picture = std::get_if<LinkScreenRectangle>(&frame);
-    if (mState != State::open || (picture && !mAgreement.has(kLinkScreenFeature)))
+    if (mState != State::open || (isOfPicture(frame) && !mAgreement.has(kLinkScreenFeature)))
         return;
     write(encodeFrameHead(frame));
-    if (picture)
+    if (auto* picture = std::get_if<LinkScreenRectangle>(&frame))
         write(std::move(picture->data));
 }
 

@@ -4,6 +4,7 @@
 #include "Common/NSString_Additions.h"
 #include "Common/Rules/RowOrder.h"
 #include "Platform/FileManager.h"
+#include "Platform/Platform.h"
 
 #include <utility>
 
@@ -31,6 +32,11 @@ std::string shownName(const PropertyList& name)
 }
 
 } // namespace
+
+FVEAutoConnectTable::FVEAutoConnectTable(farview::Platform& platform)
+    : FVEPreferencePaneProperties(platform), mFiles(*platform.fileManager)
+{
+}
 
 std::string FVEAutoConnectTable::applicationSupportFolder()
 {

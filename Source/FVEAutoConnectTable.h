@@ -12,7 +12,8 @@
 namespace farview
 {
 class FileManager;
-}
+struct Platform;
+} // namespace farview
 
 // The identifiers of the table's columns, which are the keys of its rows too, and what its rows are
 // dragged as.
@@ -57,8 +58,8 @@ public:
     virtual std::string localized(const std::string& text) const = 0;
 
 protected:
-    /// `files` must outlive the table.
-    explicit FVEAutoConnectTable(farview::FileManager& files) : mFiles(files) {}
+    /// `platform` must outlive the table.
+    explicit FVEAutoConnectTable(farview::Platform& platform);
 
     void showAutoConnectTable(bool shown);
 

@@ -11,7 +11,6 @@
 
 #include <array>
 
-using farview::DistributedNotificationCenter;
 using farview::Duration;
 using farview::Notification;
 using farview::Object;
@@ -205,11 +204,8 @@ void FVEConnectToOtherSheetController::requestConnection(const std::string& addr
     if (const auto pane = preferencePane()) {
         pane->setConnectedToOtherDevice(false);
         pane->setConnectedToOtherDeviceIPString(address);
+        pane->connection().connectToAddress(address);
     }
-    mPlatform.distributedNotificationCenter->postNotificationName(
-        kConnectServerToTicket, "", {{kConnectUsingTicketKey, address}},
-        DistributedNotificationCenter::deliverImmediately |
-            DistributedNotificationCenter::postToAllSessions);
 }
 
 void FVEConnectToOtherSheetController::launchConnectionAttemptTimoutTimer()
@@ -220,11 +216,30 @@ void FVEConnectToOtherSheetController::launchConnectionAttemptTimoutTimer()
         }));
 }
 
+void FVEConnectToOtherSheetController::endWait()
+{
+    const auto pane = preferencePane();
+    if (pane && !mConnectionAttemptTimoutTimer.expired())
+        pane->connection().forgetRequest();
+    setConnectionAttemptTimoutTimer({});
+}
+
 void FVEConnectToOtherSheetController::connectionAttemptTimoutTimerOperation(Object* /*sender*/)
 {
     if (!isOpen())
         return;
     log("Timed out waiting to connect.");
+    showFailure();
+}
+
+void FVEConnectToOtherSheetController::serverCouldNotConnect()
+{
+    if (!mConnectionAttemptTimoutTimer.expired())
+        showFailure();
+}
+
+void FVEConnectToOtherSheetController::showFailure()
+{
     connectToOtherOKButton()->setTitle(localized("Retry"));
     connectToOtherProgress()->setStringValue(localized("Could not connect..."));
     connectToOtherProgress()->setTextRole(Role::error);
@@ -233,7 +248,7 @@ void FVEConnectToOtherSheetController::connectionAttemptTimoutTimerOperation(Obj
     connectToOtherProgress()->setHidden(false);
     if (!otherTextField()->stringValue().empty())
         FVEPreferences::sharedAppPrefs().setLastOtherDevice(otherTextField()->stringValue());
-    setConnectionAttemptTimoutTimer({});
+    endWait();
 }
 
 void FVEConnectToOtherSheetController::serverConnectedToDeviceNotification(
@@ -241,16 +256,28 @@ void FVEConnectToOtherSheetController::serverConnectedToDeviceNotification(
 {
     if (!isOpen())
         return;
-    setConnectionAttemptTimoutTimer({});
+    endWait();
     const auto pane = preferencePane();
     const auto* name = notification.text(kDeviceNameKey);
     if (pane && name && *name == kOtherDeviceName) {
         connectToOtherProgress()->setStringValue(localized("Connected..."));
-        if (const auto& address = pane->connectedToOtherDeviceIPString())
-            FVEPreferences::sharedAppPrefs().setCurrentVirtualScreenDevice(*address);
+        storeAddressInUse(*pane, notification.text(kDeviceAddressKey));
         pane->serverConnectedToDeviceNotification(notification);
     }
     dismissLater();
+}
+
+/// A report that differs from what the pane knows is of a connection that somebody else asked for.
+void FVEConnectToOtherSheetController::storeAddressInUse(FVEPreferencePane& pane,
+                                                         const std::string* reported)
+{
+    if (pane.connectedToOtherDeviceIPString() && reported && isValidIPAddress(*reported))
+        pane.setConnectedToOtherDeviceIPString(*reported);
+    auto& preferences = FVEPreferences::sharedAppPrefs();
+    if (const auto& address = pane.connectedToOtherDeviceIPString())
+        preferences.setCurrentVirtualScreenDevice(*address);
+    else
+        preferences.setCurrentVirtualScreenDevice(std::nullopt);
 }
 
 void FVEConnectToOtherSheetController::dismissLater()
@@ -268,7 +295,7 @@ void FVEConnectToOtherSheetController::cancelButtonPressed(Object* /*sender*/)
     if (!isOpen())
         return;
     connectToOtherProgress()->setTextRole(Role::normal);
-    setConnectionAttemptTimoutTimer({});
+    endWait();
     if (const auto pane = preferencePane())
         pane->updateUI();
     dismissSheetWithButton(returnCodeCancelled);
@@ -280,7 +307,7 @@ void FVEConnectToOtherSheetController::dismissSheetWithButton(int returnCode)
         return;
     mShowing.reset();
     // "Retry" may have been pressed while a late report was closing the sheet.
-    setConnectionAttemptTimoutTimer({});
+    endWait();
     mPlatform.notificationCenter->removeObserver(weak_from_this());
     mPlatform.distributedNotificationCenter->removeObserver(weak_from_this());
     putPaneBackOnTheServer();

@@ -59,6 +59,8 @@ public:
     void cancelButtonPressed(farview::Object* sender);
     void ipAddresTextDidChange(const farview::Notification& notification);
     void serverConnectedToDeviceNotification(const farview::Notification& notification);
+    /// The server said so; what is not waited for is ignored.
+    void serverCouldNotConnect();
     void launchConnectionAttemptTimoutTimer();
     void connectionAttemptTimoutTimerOperation(farview::Object* sender);
     /// Ends the sheet and gives the pane the server's reports back; a closed sheet ignores it.
@@ -88,6 +90,9 @@ private:
     void takePaneOffTheServer();
     void putPaneBackOnTheServer();
     void requestConnection(const std::string& address);
+    void endWait();
+    void showFailure();
+    void storeAddressInUse(FVEPreferencePane& pane, const std::string* reported);
     void dismissLater();
     bool addressIsValid() const;
     std::string localized(const std::string& text) const;

@@ -15,7 +15,6 @@
 #include "Source/HiDPIChange.h"
 #include "Source/SoftwareUpdates.h"
 
-using farview::DistributedNotificationCenter;
 using farview::Object;
 using farview::URL;
 using farview::Workspace;
@@ -30,7 +29,7 @@ constexpr std::size_t mostEarlierBrowsers = 4;
 } // namespace
 
 FVEPreferencePane::FVEPreferencePane(farview::Platform& platform)
-    : FVEAutoConnectTable(*platform.fileManager), mPlatform(platform),
+    : FVEAutoConnectTable(platform), mPlatform(platform),
       mHiDPIChange(std::make_unique<HiDPIChange>(platform, *this))
 {
 }
@@ -99,7 +98,7 @@ void FVEPreferencePane::willSelect()
         startServerProcess();
     if (preferences.showInMenuBar())
         startStatusItemProcess();
-    queryConnectedHost();
+    connection().query();
     beginUpdates();
 }
 
@@ -245,7 +244,6 @@ void FVEPreferencePane::offTextPressed(Object* /*sender*/)
     auto& preferences = FVEPreferences::sharedAppPrefs();
     if (preferences.currentState() == 0)
         return;
-    mUnansweredRequest.reset();
     preferences.setCurrentState(0);
     onOffSwitch()->setState(0);
     killServerProcess();
@@ -276,6 +274,8 @@ void FVEPreferencePane::followPreferences()
 {
     auto& preferences = FVEPreferences::sharedAppPrefs();
     preferences.synchronize();
+    if (preferences.currentState() == 0)
+        connection().forgetRequest();
     showSwitchState();
     if (preferences.autoConnectOption() != (autoConnect()->state() == 1))
         autoConnect()->performClick(this);
@@ -298,27 +298,12 @@ bool FVEPreferencePane::launch(const OptionalURL& application)
     return started;
 }
 
-void FVEPreferencePane::killServerProcess() { command(kTerminateScreenServer, {}); }
-void FVEPreferencePane::killStatusItemProcess() { command(kTerminateMenuExtra, {}); }
-
-void FVEPreferencePane::queryConnectedHost()
-{
-    mPlatform.distributedNotificationCenter->postNotificationName(
-        kQueryRequestForConnectedHost, "", {}, DistributedNotificationCenter::postToAllSessions);
-}
+void FVEPreferencePane::killServerProcess() { connection().quitServer(); }
+void FVEPreferencePane::killStatusItemProcess() { connection().command(kTerminateMenuExtra); }
 
 std::string FVEPreferencePane::localized(const std::string& text) const
 {
     return mBundle && !text.empty() ? mBundle->localizedString(text, "", "") : text;
-}
-
-void FVEPreferencePane::command(const char* name,
-                                DistributedNotificationCenter::TextUserInfo userInfo)
-{
-    mPlatform.distributedNotificationCenter->postNotificationName(
-        name, "", std::move(userInfo),
-        DistributedNotificationCenter::deliverImmediately |
-            DistributedNotificationCenter::postToAllSessions);
 }
 
 void FVEPreferencePane::log(const std::string& message)

@@ -127,8 +127,6 @@ public:
     bool needsWarningMessageFor9400_9600_And_LionProblem();
 
 private:
-    /// Tells another program what to do: at once, in all the user's sessions.
-    void command(const char* name, farview::DistributedNotificationCenter::TextUserInfo userInfo);
     void log(const std::string& message);
 
     void makeConnectToOtherSheetController();
@@ -147,14 +145,12 @@ private:
     /// False when it cannot be started.
     bool launch(const OptionalURL& application);
     void followPreferences();
-    void queryConnectedHost();
     void releaseOutlets();
     void beginUpdates();
 
     farview::DeviceMenuInputs deviceMenuInputs();
     std::shared_ptr<farview::MenuItem> menuItem(const farview::MenuEntry& entry);
     void requestConnection(const farview::NetService& service);
-    void repeatUnansweredRequest();
 
     void showPopUp(farview::PopUpDisplay display);
     void selectEntryInForce();
@@ -168,7 +164,6 @@ private:
     void hideConnectionHelp();
 
     bool isAcceptable(const farview::Notification& notification);
-    void followConnectionByAddress(const farview::Notification& notification);
     void followConnectionToDevice(const std::string* hostName);
     void selectDeviceOfHost(const std::string* hostName);
     void queryResultLater(const farview::Notification& notification);
@@ -191,7 +186,5 @@ private:
     int mQueryResultsWaiting = 0;
     std::optional<farview::Duration> mSearchBegan;      ///< nothing while nothing is waited for
     std::int32_t mRequestedPort = kMainDataTrafficPort; ///< of the device asked for last
-    /// The host asked for, until the server reports or the user wants something else.
-    std::optional<std::string> mUnansweredRequest;
     bool mOnShow = false;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Common/Bonjour/QLNBonjourBrowser.h"
+#include "Common/ConnectionFollower.h"
 #include "Common/Rules/AutoConnectRows.h"
 #include "Platform/NetService.h"
 #include "Platform/Types/URL.h"
@@ -26,6 +27,8 @@ public:
     using OptionalURL = std::optional<farview::URL>;
     using Rows = std::vector<farview::DeviceRow>;
     using WeakTimer = ::WeakTimer;
+
+    explicit FVEPreferencePaneProperties(farview::Platform& platform) : mConnection(platform) {}
 
     /// The rows of the auto-connect table (the setting of that name holds names only).
     const Rows& autoConnectDevices() const { return mAutoConnectDevices; }
@@ -77,16 +80,18 @@ public:
     void setVideoDriverInstalled(bool flag) { mVideoDriverInstalled = flag; }
 
     /// The server's connection was made by address, and to which one.
-    bool connectedToOtherDevice() const { return mConnectedToOtherDevice; }
-    void setConnectedToOtherDevice(bool flag) { mConnectedToOtherDevice = flag; }
+    bool connectedToOtherDevice() const { return mConnection.isByAddress(); }
+    void setConnectedToOtherDevice(bool flag) { mConnection.setIsByAddress(flag); }
     const std::optional<std::string>& connectedToOtherDeviceIPString() const
     {
-        return mConnectedToOtherDeviceIPString;
+        return mConnection.address();
     }
     void setConnectedToOtherDeviceIPString(std::optional<std::string> address)
     {
-        mConnectedToOtherDeviceIPString = std::move(address);
+        mConnection.setAddress(std::move(address));
     }
+    /// What the user asked the server for, and what the pane follows of it.
+    farview::ConnectionFollower& connection() { return mConnection; }
 
     /// The timers belong to the run loop. A setter ends the timer held before; null only ends it.
     const WeakTimer& spinningForServerTimer() const { return mSpinningForServerTimer; }
@@ -120,6 +125,5 @@ private:
     WeakTimer mConnectErrorCheckTimer;
     WeakTimer mConnectErrorMessageTimer;
     WeakTimer mWatchdogTimer;
-    bool mConnectedToOtherDevice = false;
-    std::optional<std::string> mConnectedToOtherDeviceIPString;
+    farview::ConnectionFollower mConnection;
 };

@@ -3,9 +3,9 @@
 #include "Common/FVEDistributedNotifications.h"
 #include "Common/FVEPreferences.h"
 #include "Common/GetPID.h"
-#include "Common/NSString_Additions.h"
 #include "Common/Rules/Connection.h"
 #include "Platform/Platform.h"
+#include "Source/FVEConnectToOtherSheetController.h"
 
 #include <array>
 
@@ -23,11 +23,6 @@ constexpr Duration spinnerAppearanceDelay{0.25};
 constexpr Duration queryResultRetryDelay{2.0};
 // More answers than this wait only when somebody floods the bus.
 constexpr int mostQueryResultsWaiting = 64;
-
-std::optional<std::string> optionalText(const std::string* text)
-{
-    return text ? std::optional(*text) : std::nullopt;
-}
 
 } // namespace
 
@@ -53,8 +48,7 @@ void FVEPreferencePaneProperties::setWatchdogTimer(const WeakTimer& timer)
 
 bool FVEPreferencePane::isAcceptable(const Notification& notification)
 {
-    if (farview::isAcceptableReportedText(notification.text(kDeviceNameKey)) &&
-        farview::isAcceptableReportedText(notification.text(kDeviceAddressKey)))
+    if (farview::ConnectionFollower::isAcceptable(notification))
         return true;
     log(notification.name() + " ignored: its texts are too long");
     return false;
@@ -64,29 +58,13 @@ void FVEPreferencePane::serverConnectedToDeviceNotification(const Notification& 
 {
     if (!isAcceptable(notification))
         return;
-    mUnansweredRequest.reset();
+    connection().forgetRequest();
     const auto* name = notification.text(kDeviceNameKey);
     if (name && *name == kOtherDeviceName)
-        followConnectionByAddress(notification);
+        connection().followAddress(notification, FVEPreferences::sharedAppPrefs());
     else
         followConnectionToDevice(name);
     updateUI();
-}
-
-void FVEPreferencePane::followConnectionByAddress(const Notification& notification)
-{
-    setConnectedToOtherDevice(true);
-    auto& preferences = FVEPreferences::sharedAppPrefs();
-    const std::string stored = preferences.currentVirtualScreenDevice();
-    const auto connection = farview::connectionByAddress(
-        stored, isValidIPAddress(stored), connectedToOtherDeviceIPString(),
-        optionalText(notification.text(kDeviceAddressKey)));
-    if (connection.address)
-        setConnectedToOtherDeviceIPString(connection.address);
-    if (connection.lastOther)
-        preferences.setLastOtherDevice(*connection.lastOther);
-    if (connection.currentDevice)
-        preferences.setCurrentVirtualScreenDevice(*connection.currentDevice);
 }
 
 void FVEPreferencePane::followConnectionToDevice(const std::string* hostName)
@@ -108,15 +86,10 @@ void FVEPreferencePane::followConnectionToDevice(const std::string* hostName)
 
 void FVEPreferencePane::selectDeviceOfHost(const std::string* hostName)
 {
-    const auto services = listedServices();
-    std::vector<std::optional<std::string>> hostNames;
-    hostNames.reserve(services.size());
-    for (const auto& service : services)
-        hostNames.push_back(service->hostName());
-    const auto index = farview::deviceForReportedName(hostNames, hostName);
-    if (!index)
+    const auto service = farview::ConnectionFollower::serviceOfHost(listedServices(), hostName);
+    if (!service)
         return;
-    setSelectedNetService(services[*index]);
+    setSelectedNetService(service);
     setConnectErrorCheckTimer({});
     hideProgressIndicator();
 }
@@ -153,14 +126,15 @@ void FVEPreferencePane::queryResultLater(const Notification& notification)
 void FVEPreferencePane::serverDisconnectedFromDeviceNotification(const Notification& notification)
 {
     setSelectedNetService(nullptr);
-    setConnectedToOtherDevice(false);
+    const bool deviceIsAskedForAgain = connection().followEnd(notification);
     updateUI();
-    if (notification.text(kAwaitsRequestKey))
-        repeatUnansweredRequest();
+    if (deviceIsAskedForAgain)
+        showProgressIndicator();
 }
 
-void FVEPreferencePane::serverRespondedToConnectRequest(const Notification&)
+void FVEPreferencePane::serverRespondedToConnectRequest(const Notification& notification)
 {
+    connection().heardRequest(notification);
     hideProgressIndicator();
     updateUI();
 }
@@ -168,11 +142,13 @@ void FVEPreferencePane::serverRespondedToConnectRequest(const Notification&)
 void FVEPreferencePane::requestingErrorMsgFromPrefPane(const Notification&)
 {
     checkForConnectionError(nullptr);
+    if (connectToOtherSheetController())
+        connectToOtherSheetController()->serverCouldNotConnect();
 }
 
 void FVEPreferencePane::checkForConnectionError(Object* /*sender*/)
 {
-    mUnansweredRequest.reset();
+    connection().forgetRequest();
     setConnectErrorCheckTimer({});
     instructionsLabel()->setStringValue(localized(farview::connectionErrorText));
     warningImage()->setHidden(false);

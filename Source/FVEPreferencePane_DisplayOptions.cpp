@@ -72,10 +72,10 @@ void FVEPreferencePane::autoMoveWindowsBackPressed(Object* sender)
         return;
     }
     mPlatform.accessibility->askWhetherEnabled(weak_from_this(), [this](bool isEnabled) {
-        // It may have been unticked before the desktop answered.
-        if (!isEnabled)
+        // It may have been unticked or hidden before the desktop answered.
+        if (!isEnabled && mOnShow)
             requestAXPermission();
-        else if (isOn(autoMoveWindowsBack().get()))
+        else if (isEnabled && isOn(autoMoveWindowsBack().get()))
             FVEPreferences::sharedAppPrefs().setAutoMoveWindowsBackOption(true);
     });
 }

@@ -129,7 +129,7 @@ void FVEPreferencePane::observeLosses()
         if (!pane)
             return;
         pane->followPreferences();
-        pane->queryConnectedHost();
+        pane->connection().query();
     });
     mDiscoveryCondition = mPlatform.discovery->observeCondition([weak] {
         if (const auto pane = weak.lock())

@@ -1,7 +1,6 @@
 #include "Source/FVEPreferencePane.h"
 
 #include "Common/Bonjour/DeviceState.h"
-#include "Common/FVEDistributedNotifications.h"
 #include "Common/FVEPreferences.h"
 #include "Platform/Platform.h"
 #include "Source/FVEConnectToOtherSheetController.h"
@@ -135,34 +134,23 @@ void FVEPreferencePane::takeVirtualScreenFrom(Object* sender)
 void FVEPreferencePane::requestConnection(const NetService& service)
 {
     mRequestedPort = portOf(service);
-    mUnansweredRequest = service.hostName();
     clearConnectionError();
     showProgressIndicator();
     setConnectErrorCheckTimer(
         scheduleOnce(connectErrorCheckDelay, &FVEPreferencePane::checkForConnectionError));
     // Without a host name there is nobody to name; the check tells the user when its time is over.
-    if (mUnansweredRequest)
-        command(kConnectServerToHost, {{kConnectToHostNameKey, *mUnansweredRequest}});
-}
-
-/// Once for each choice: a server that came to an end over it is not asked a third time.
-void FVEPreferencePane::repeatUnansweredRequest()
-{
-    const auto hostName = std::exchange(mUnansweredRequest, std::nullopt);
-    if (!hostName)
-        return;
-    showProgressIndicator();
-    command(kConnectServerToHost, {{kConnectToHostNameKey, *hostName}});
+    connection().forgetRequest();
+    if (const auto hostName = service.hostName())
+        connection().connectToHost(*hostName);
 }
 
 void FVEPreferencePane::takeNoVirtualScreenFrom(Object* /*sender*/)
 {
-    mUnansweredRequest.reset();
     setSelectedNetService(nullptr);
     setConnectedToOtherDeviceIPString(std::nullopt);
     setConnectedToOtherDevice(false);
     FVEPreferences::sharedAppPrefs().setCurrentVirtualScreenDevice("");
-    command(kDisconnectCurrentServerFromHost, {});
+    connection().chooseNone();
     updateUI();
 }
 
@@ -176,7 +164,7 @@ void FVEPreferencePane::showDevices(Object* sender) { tabView()->selectFirstTabV
 
 void FVEPreferencePane::virtualScreensDidChange(const farview::Notification& /*notification*/)
 {
-    queryConnectedHost();
+    connection().query();
     updateUI();
     buildDeviceList();
     writeDeviceList();

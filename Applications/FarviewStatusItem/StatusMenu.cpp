@@ -3,7 +3,6 @@
 #include "Applications/FarviewStatusItem/ServerLaunch.h"
 #include "Common/FVEConstants.h"
 #include "Common/FVEDistributedNotifications.h"
-#include "Common/NSString_Additions.h"
 #include "Common/Registry/QLNRegistryExplorer.h"
 #include "Common/Rules/Connection.h"
 #include "Platform/Log.h"
@@ -17,9 +16,6 @@ namespace farview
 namespace
 {
 
-constexpr unsigned toAllAtOnce = DistributedNotificationCenter::deliverImmediately |
-                                 DistributedNotificationCenter::postToAllSessions;
-
 std::shared_ptr<NetService> serviceOf(const MenuItem& item)
 {
     const auto* object = std::get_if<std::shared_ptr<Object>>(&item.representedObject);
@@ -29,7 +25,8 @@ std::shared_ptr<NetService> serviceOf(const MenuItem& item)
 } // namespace
 
 StatusMenu::StatusMenu(Services services, std::function<void()> quitting)
-    : mServices(std::move(services)), mQuitting(std::move(quitting))
+    : mServices(std::move(services)), mQuitting(std::move(quitting)),
+      mConnection(mServices.platform)
 {
 }
 
@@ -53,7 +50,7 @@ void StatusMenu::start()
     observeReconnection();
     makeBrowser();
     refresh();
-    queryConnectedHost();
+    mConnection.query();
 }
 
 void StatusMenu::observe(const char* name, void (StatusMenu::*operation)(const Notification&))
@@ -81,7 +78,7 @@ void StatusMenu::observeReconnection()
         if (!menu || menu->mHasQuit)
             return;
         menu->followPreferences();
-        menu->queryConnectedHost();
+        menu->mConnection.query();
     });
 }
 
@@ -96,12 +93,6 @@ void StatusMenu::makeBrowser()
     observeBrowser(kQLNBonjourBrowserDidUpdateService);
     mBrowser->init();
     mBrowser->setMonitorTXTRecordUpdates(true);
-}
-
-void StatusMenu::queryConnectedHost()
-{
-    mServices.platform.distributedNotificationCenter->postNotificationName(
-        kQueryRequestForConnectedHost, "", {}, DistributedNotificationCenter::postToAllSessions);
 }
 
 void StatusMenu::quit()
@@ -155,7 +146,7 @@ void StatusMenu::turnOff(Object* /*sender*/)
     if (mServices.preferences.currentState() == 0)
         return;
     mServices.preferences.setCurrentState(0);
-    command(kTerminateScreenServer, {});
+    mConnection.quitServer();
     followPreferences();
 }
 
@@ -163,7 +154,7 @@ void StatusMenu::takeNoDevice(Object* /*sender*/)
 {
     forgetConnection();
     mServices.preferences.setCurrentVirtualScreenDevice("");
-    command(kDisconnectCurrentServerFromHost, {});
+    mConnection.chooseNone();
     refresh();
 }
 
@@ -175,7 +166,7 @@ void StatusMenu::takeDevice(Object* sender)
     if (!service || (mSelected && service->isEqual(*mSelected)))
         return;
     if (const auto hostName = service->hostName())
-        command(kConnectServerToHost, {{kConnectToHostNameKey, *hostName}});
+        mConnection.connectToHost(*hostName);
 }
 
 void StatusMenu::openPreferences(Object* /*sender*/)
@@ -194,41 +185,22 @@ void StatusMenu::quitForGood(Object* /*sender*/)
 
 // --- what the others report ------------------------------------------------------------------
 
-bool StatusMenu::isAcceptable(const Notification& notification)
-{
-    return isAcceptableReportedText(notification.text(kDeviceNameKey)) &&
-           isAcceptableReportedText(notification.text(kDeviceAddressKey));
-}
-
 void StatusMenu::connectedToDevice(const Notification& notification)
 {
     const auto* name = notification.text(kDeviceNameKey);
     // A service that is to be resolved yet is matched when it has been; nothing to retry here.
-    if (queryResultStep(name, true) != QueryResultStep::handle || !isAcceptable(notification))
+    if (queryResultStep(name, true) != QueryResultStep::handle ||
+        !ConnectionFollower::isAcceptable(notification))
         return;
     forgetConnection();
+    mConnection.forgetRequest();
     if (*name == kOtherDeviceName) {
-        followConnectionByAddress(notification.text(kDeviceAddressKey));
+        mConnection.followAddress(notification, mServices.preferences);
     } else {
         mReportedHostName = *name;
         storeCurrentDevice(*name);
     }
     refresh();
-}
-
-void StatusMenu::followConnectionByAddress(const std::string* address)
-{
-    mConnectedByAddress = true;
-    auto& preferences = mServices.preferences;
-    const std::string stored = preferences.currentVirtualScreenDevice();
-    const auto connection = connectionByAddress(stored, isValidIPAddress(stored), std::nullopt,
-                                                address ? std::optional(*address) : std::nullopt);
-    mAddress = connection.address ? connection.address
-                                  : (address ? std::optional(*address) : std::nullopt);
-    if (connection.lastOther && *connection.lastOther != preferences.lastOtherDevice())
-        preferences.setLastOtherDevice(*connection.lastOther);
-    if (connection.currentDevice)
-        storeCurrentDevice(*connection.currentDevice);
 }
 
 /// The panel stores it too; what is stored already is not announced again.
@@ -238,10 +210,11 @@ void StatusMenu::storeCurrentDevice(const std::string& name)
         mServices.preferences.setCurrentVirtualScreenDevice(name);
 }
 
-void StatusMenu::disconnectedFromDevice(const Notification& /*notification*/)
+void StatusMenu::disconnectedFromDevice(const Notification& notification)
 {
     const bool failed = mConnectFailed;
     forgetConnection();
+    mConnection.followEnd(notification);
     // The server repeats that it is not connected whenever it is asked.
     mConnectFailed = failed;
     refresh();
@@ -249,12 +222,14 @@ void StatusMenu::disconnectedFromDevice(const Notification& /*notification*/)
 
 void StatusMenu::connectFailed(const Notification& /*notification*/)
 {
+    mConnection.forgetRequest();
     mConnectFailed = true;
     refresh();
 }
 
-void StatusMenu::connectRequested(const Notification& /*notification*/)
+void StatusMenu::connectRequested(const Notification& notification)
 {
+    mConnection.heardRequest(notification);
     if (std::exchange(mConnectFailed, false))
         refresh();
 }
@@ -268,8 +243,10 @@ void StatusMenu::followPreferences()
     const long state = preferences.currentState();
     if (std::exchange(mState, state) != state)
         mConnectFailed = false;
-    if (state == 0)
+    if (state == 0) {
         forgetConnection();
+        mConnection.forgetRequest();
+    }
     const bool inMenuBar = preferences.showInMenuBar();
     if (std::exchange(mWasInMenuBar, inMenuBar) && !inMenuBar)
         quit();
@@ -283,28 +260,21 @@ void StatusMenu::forgetConnection()
 {
     mSelected = nullptr;
     mReportedHostName.clear();
-    mConnectedByAddress = false;
-    mAddress.reset();
+    mConnection.setIsByAddress(false);
+    mConnection.setAddress(std::nullopt);
     mConnectFailed = false;
 }
 
 void StatusMenu::findSelectedService()
 {
-    if (mReportedHostName.empty())
-        return;
-    std::vector<std::optional<std::string>> hostNames;
-    for (const auto& service : mBrowser->activeServiceList())
-        hostNames.push_back(service->hostName());
-    if (const auto index = deviceForReportedName(hostNames, &mReportedHostName))
-        mSelected = mBrowser->activeServiceList()[*index];
+    const auto& services = mBrowser->activeServiceList();
+    if (const auto service = ConnectionFollower::serviceOfHost(services, &mReportedHostName))
+        mSelected = service;
 }
 
-bool StatusMenu::isConnected() const { return !mReportedHostName.empty() || mConnectedByAddress; }
-
-void StatusMenu::command(const char* name, DistributedNotificationCenter::TextUserInfo userInfo)
+bool StatusMenu::isConnected() const
 {
-    mServices.platform.distributedNotificationCenter->postNotificationName(
-        name, "", std::move(userInfo), toAllAtOnce);
+    return !mReportedHostName.empty() || mConnection.isByAddress();
 }
 
 } // namespace farview

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Common/Bonjour/QLNBonjourBrowser.h"
+#include "Common/ConnectionFollower.h"
 #include "Common/FVEPreferences.h"
 #include "Common/Rules/DeviceMenu.h"
 #include "Common/Rules/StatusIcon.h"
@@ -67,7 +68,6 @@ private:
     void observeBrowser(const char* name);
     void observeReconnection();
     void makeBrowser();
-    void queryConnectedHost();
 
     // What the menu offers.
     void turnOn(Object* sender);
@@ -85,9 +85,7 @@ private:
     void preferencesChanged(const Notification& notification);
     void terminate(const Notification& notification);
 
-    bool isAcceptable(const Notification& notification);
     void followPreferences();
-    void followConnectionByAddress(const std::string* address);
     void forgetConnection();
     void findSelectedService();
     void storeCurrentDevice(const std::string& name);
@@ -104,13 +102,13 @@ private:
     std::string deviceName() const;
     void addItem(Menu& menu, const char* title, Selector action);
     std::string localized(const std::string& text) const;
-    void command(const char* name, DistributedNotificationCenter::TextUserInfo userInfo);
 
     Services mServices;
     std::function<void()> mQuitting;
     std::function<void()> mChanged = [] {};
     std::shared_ptr<QLNBonjourBrowser> mBrowser;
     Subscription mReconnection;
+    ConnectionFollower mConnection;
     StatusItemDisplay mDisplay;
     bool mDriverInstalled = false;
     bool mHasQuit = false;
@@ -119,8 +117,6 @@ private:
     /// The device that is connected; it stays when the list loses it.
     std::shared_ptr<NetService> mSelected;
     std::string mReportedHostName; ///< empty: none, or connected by address
-    bool mConnectedByAddress = false;
-    std::optional<std::string> mAddress;
     bool mConnectFailed = false;
 };
 

@@ -77,8 +77,8 @@ std::string StatusMenu::sentence(long currentState) const
 
 std::string StatusMenu::deviceName() const
 {
-    if (mConnectedByAddress)
-        return mAddress.value_or(std::string{});
+    if (mConnection.isByAddress())
+        return mConnection.address().value_or(std::string{});
     return mSelected ? mSelected->name() : mReportedHostName;
 }
 
@@ -97,12 +97,12 @@ DeviceMenuInputs StatusMenu::deviceMenuInputs()
     for (const auto& service : mBrowser->activeServiceList())
         inputs.devices.push_back({service->name(), isDeviceInUse(*service), service == mSelected});
     auto& preferences = mServices.preferences;
-    inputs.connectedByAddress = mConnectedByAddress;
-    inputs.address = mAddress;
+    inputs.connectedByAddress = mConnection.isByAddress();
+    inputs.address = mConnection.address();
     if (!mReportedHostName.empty())
         inputs.selectedName = deviceName();
     inputs.noDeviceEntryEnabled = noDeviceEntryEnabled(
-        preferences.autoConnectOption(), mConnectedByAddress,
+        preferences.autoConnectOption(), mConnection.isByAddress(),
         mSelected ? &mSelected->name() : nullptr, preferences.autoConnectDevices());
     return inputs;
 }
@@ -131,7 +131,7 @@ std::shared_ptr<MenuItem> StatusMenu::deviceItem(const MenuEntry& entry, bool on
 bool StatusMenu::isInForce(const MenuEntry& entry) const
 {
     const bool deviceSelected = !mReportedHostName.empty();
-    switch (selectedEntry(deviceSelected, mConnectedByAddress)) {
+    switch (selectedEntry(deviceSelected, mConnection.isByAddress())) {
     case SelectedEntry::device:
         return entry.kind == MenuEntryKind::device &&
                mBrowser->activeServiceList()[entry.device] == mSelected;

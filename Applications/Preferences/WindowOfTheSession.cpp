@@ -11,6 +11,17 @@ constexpr int longestWait = 5'000; // milliseconds
 
 } // namespace
 
+WindowOfTheSession::WindowOfTheSession(farview::Log& log) : mBus(log)
+{
+    // Before the name is asked for: who finds the name finds the object.
+    connect(&mBus, &farview::SessionBus::connected, this, [this](bool again) {
+        mBus.connection().registerObject(QString::fromLatin1(objectPath), this,
+                                         QDBusConnection::ExportScriptableSlots);
+        if (again)
+            mBus.requestName(serviceName().toStdString(), this, [](bool) {});
+    });
+}
+
 QString WindowOfTheSession::serviceName() const
 {
     // Sessions of one user may share a bus, but not a screen.
@@ -26,13 +37,6 @@ QString WindowOfTheSession::serviceName() const
 void WindowOfTheSession::becomeFirst(Handler handler, std::function<void(bool isFirst)> then)
 {
     mHandler = std::move(handler);
-    // Before the name is asked for: who finds the name finds the object.
-    connect(&mBus, &farview::SessionBus::connected, this, [this](bool again) {
-        mBus.connection().registerObject(QString::fromLatin1(objectPath), this,
-                                         QDBusConnection::ExportScriptableSlots);
-        if (again)
-            mBus.requestName(serviceName().toStdString(), this, [](bool) {});
-    });
     mBus.requestName(
         serviceName().toStdString(), this,
         [this, then = std::move(then)](bool isOurs) { then(isOurs || !mBus.isConnected()); });
@@ -56,7 +60,7 @@ void WindowOfTheSession::handOver(const Wish& wish, std::function<void(const Hos
 
 int WindowOfTheSession::Show(const QString& pane, const QString& activationToken, QString& message)
 {
-    const HostError error = mHandler({pane, activationToken});
+    const HostError error = mHandler ? mHandler({pane, activationToken}) : HostError{};
     message = error.message;
     return static_cast<int>(error.status);
 }

@@ -24,7 +24,7 @@ public:
     };
     using Handler = std::function<HostError(const Wish&)>;
 
-    explicit WindowOfTheSession(farview::Log& log) : mBus(log) {}
+    explicit WindowOfTheSession(farview::Log& log);
 
     /// Tells on a later turn whether this process is the one with the window. Then later starts
     /// call `handler`.

@@ -1,6 +1,9 @@
 #include "Applications/ScreenCapture/AutoConnector.h"
 
 #include "Common/Bonjour/DeviceState.h"
+#include "Common/FVEConstants.h"
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/NSString_Additions.h"
 
 #include <algorithm>
 #include <iterator>
@@ -158,6 +161,8 @@ bool AutoConnector::isConfirmed(const std::string& hostName) const
 
 void AutoConnector::attemptFailed(const std::string& hostName)
 {
+    if (hostName == kOtherDeviceName)
+        mTried.insert(mServer.chosenDevice());
     for (const auto& service : servicesOfHost(hostName)) {
         mTried.insert(service->name());
         // It may have moved to another address or port.
@@ -192,18 +197,47 @@ void AutoConnector::considerSoon()
 
 void AutoConnector::consider()
 {
-    if (!mHasSettled || !mServer.isIdle() || !isWanted())
+    if (!mHasSettled || !mServer.isIdle() || bringBack() || !isWanted())
         return;
     const ServiceList services = mBrowser->activeServiceList();
     const auto devices = announcedDevices(services);
     Names heldOff = mLeftAlone;
     heldOff.insert(mTried.begin(), mTried.end());
     if (const auto choice = autoConnectChoice(mChosen, devices, heldOff)) {
-        mTried.insert(devices[*choice].name);
-        mServer.connectByItself(*services[*choice]);
+        const NetService& service = *services[*choice];
+        tryOnce(service.name(), service.hostName().value_or(""), service.endpoints());
     } else if (autoConnectChoice(mChosen, devices, mLeftAlone)) {
         pause();
     }
+}
+
+/// Whether the device that the user chose is the only one to think of now.
+bool AutoConnector::bringBack()
+{
+    const std::string chosen = mServer.chosenDevice();
+    // Nobody knows whether an address is in sight: the list has its turn when it does not answer.
+    if (isValidIPAddress(chosen))
+        return tryOnce(chosen, kOtherDeviceName, {{chosen, kMainDataTrafficPort, 0}});
+    const ServiceList services = servicesOfHost(chosen);
+    // It may be announced as in use still by the connection that broke: the device knows better.
+    const auto found = std::find_if(services.begin(), services.end(), [](const auto& service) {
+        return !service->endpoints().empty();
+    });
+    if (found != services.end())
+        tryOnce((*found)->name(), chosen, (*found)->endpoints());
+    return !services.empty();
+}
+
+/// Connects to a device that was not tried since the last pause; for another begins a pause.
+bool AutoConnector::tryOnce(const std::string& name, const std::string& deviceName,
+                            const std::vector<Endpoint>& endpoints)
+{
+    const bool isNew = mTried.insert(name).second;
+    if (isNew)
+        mServer.connectByItself(deviceName, endpoints);
+    else
+        pause();
+    return isNew;
 }
 
 void AutoConnector::pause()

@@ -25,13 +25,17 @@ public:
     virtual ~AutoConnectServer() = default;
     /// Whether nothing is connected and nothing is under way.
     virtual bool isIdle() const = 0;
-    /// Begins to connect to a device whose host and endpoints are known. What becomes of it is told
-    /// to the connector, never inside this call.
-    virtual void connectByItself(const NetService& service) = 0;
+    /// The host name or the address of the device that the user chose; empty when there is none.
+    virtual std::string chosenDevice() const = 0;
+    /// Begins to connect to a device: its host name or "Other", and one endpoint at least. What
+    /// becomes of it is told to the connector, never inside this call.
+    virtual void connectByItself(const std::string& deviceName,
+                                 const std::vector<Endpoint>& endpoints) = 0;
 };
 
-/// Connects the server by itself: while the user wants it and the server is idle, to the first of
-/// the user's devices that is there and free.
+/// Connects the server by itself while it is idle: back to the device that the user chose, else,
+/// while the user wants auto-connection, to the first of the ticked devices that is there and free.
+/// As long as a chosen device is in sight, nothing else is connected to.
 ///
 /// A device that failed is tried again after a pause that grows; the next one of the list at once,
 /// and so is one that appears. The devices in sight when the user chose none are left alone until
@@ -89,6 +93,9 @@ private:
     void welcome(const NetService& service);
     void considerSoon();
     void consider();
+    bool bringBack();
+    bool tryOnce(const std::string& name, const std::string& deviceName,
+                 const std::vector<Endpoint>& endpoints);
     void pause();
     void tryAgain();
     void startAfresh();

@@ -13,13 +13,7 @@ namespace farview
 namespace
 {
 
-constexpr unsigned kToAllAtOnce = DistributedNotificationCenter::deliverImmediately |
-                                  DistributedNotificationCenter::postToAllSessions;
 constexpr std::size_t kLongestHostName = 255;
-/// How long the bus may take to bring our last post back, which proves that it is on its way.
-constexpr Duration kLastPostLimit{0.3};
-/// When the server ends, whatever is still open.
-constexpr Duration kQuitLimit{0.95};
 
 bool isHostName(const std::string* text)
 {
@@ -123,9 +117,11 @@ void ScreenServer::connectToHost(const Notification& notification)
         mServices.log.write(LogLevel::warning, "A request to connect names no host");
         return;
     }
+    takeRequest();
     mAutoConnector->userChose(*hostName);
     if (isConnectedTo(*hostName, mDeviceAddress)) {
         mIsAutomatic = false;
+        keepChoice();
         announceState();
         sendOptions();
         return;
@@ -135,7 +131,7 @@ void ScreenServer::connectToHost(const Notification& notification)
     leaveDevice();
     takeOrder(*hostName);
     mState = State::searching;
-    const auto ended = [this, request = ++mRequest] { searchEnded(request); };
+    const auto ended = [this, request = mRequest] { searchEnded(request); };
     mServices.runLoop.performAfterDelay(searchLimit, weak_from_this(), ended);
     search();
 }
@@ -147,7 +143,9 @@ void ScreenServer::connectToTicket(const Notification& notification)
         mServices.log.write(LogLevel::warning, "A request to connect holds no address");
         return;
     }
+    takeRequest();
     if (isConnectedTo(kOtherDeviceName, *address)) {
+        keepChoice();
         announceState();
         return;
     }
@@ -159,6 +157,7 @@ void ScreenServer::connectToTicket(const Notification& notification)
 
 void ScreenServer::disconnectFromHost(const Notification& /*notification*/)
 {
+    takeRequest();
     const bool wasConnected = mState == State::connected;
     leaveDevice();
     mAutoConnector->userChoseNone();
@@ -184,6 +183,25 @@ void ScreenServer::preferencesChanged(const Notification& /*notification*/)
 
 // --- the road to a device --------------------------------------------------------------------
 
+/// The user wants something else than before.
+void ScreenServer::takeRequest()
+{
+    mServices.chosenDevice.set({});
+    mRequestedAt = mServices.runLoop.now();
+    ++mRequest;
+}
+
+void ScreenServer::keepChoice()
+{
+    mServices.chosenDevice.set(mDeviceName == kOtherDeviceName ? mDeviceAddress : mDeviceName);
+}
+
+std::string ScreenServer::chosenDevice() const
+{
+    const std::string chosen = mServices.chosenDevice.text();
+    return isHostName(&chosen) ? chosen : std::string{};
+}
+
 bool ScreenServer::isConnectedTo(const std::string& deviceName, const std::string& address) const
 {
     return mState == State::connected && mDeviceName == deviceName && mDeviceAddress == address;
@@ -204,12 +222,14 @@ void ScreenServer::takeOrder(const std::string& deviceName)
     mIsAutomatic = false;
 }
 
-void ScreenServer::connectByItself(const NetService& service)
+void ScreenServer::connectByItself(const std::string& deviceName,
+                                   const std::vector<Endpoint>& endpoints)
 {
-    mDeviceName = service.hostName().value_or("");
+    mDeviceName = deviceName;
+    mDeviceAddress = endpoints.front().address;
     mIsAutomatic = true;
     mServices.log.write(LogLevel::info, "Connecting to " + mDeviceName + " by itself");
-    connect(service.endpoints());
+    connect(endpoints);
 }
 
 /// Ends the connection or whatever is under way; says so when there was a connection.
@@ -269,6 +289,8 @@ void ScreenServer::deviceDidConnect(const std::string& address)
     if (mDeviceName != kOtherDeviceName)
         mDeviceAddress = address;
     mServices.log.write(LogLevel::info, "Connected to " + mDeviceName + " at " + address);
+    if (!mIsAutomatic)
+        keepChoice();
     mAutoConnector->connectionBegan();
     announceState();
     // They may have changed while the connection was made.
@@ -303,10 +325,11 @@ LinkOptions ScreenServer::options()
 }
 
 /// A device that the user never confirmed may bear a name from the user's list by chance, or by
-/// intent: connected by itself, it is not told how the user works.
+/// intent: connected by itself, it is not told how the user works. An address the user has typed.
 bool ScreenServer::mayHaveOptions()
 {
-    return !mIsAutomatic || mAutoConnector->isConfirmed(mDeviceName);
+    return !mIsAutomatic || mDeviceName == kOtherDeviceName ||
+           mAutoConnector->isConfirmed(mDeviceName);
 }
 
 void ScreenServer::sendOptions()
@@ -318,65 +341,6 @@ void ScreenServer::sendOptions()
         return;
     mSentOptions = now;
     mServices.link.setOptions(now);
-}
-
-// --- what the server reports -----------------------------------------------------------------
-
-void ScreenServer::announceState()
-{
-    if (mState == State::connected)
-        postDevice(kServerConnectedToDevice);
-    else
-        post(kServerDisconnectedFromDevice);
-}
-
-void ScreenServer::post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo)
-{
-    mServices.center.postNotificationName(name, "", std::move(userInfo), kToAllAtOnce);
-}
-
-void ScreenServer::postDevice(const char* name)
-{
-    post(name, {{kDeviceNameKey, mDeviceName}, {kDeviceAddressKey, mDeviceAddress}});
-}
-
-// --- the end ---------------------------------------------------------------------------------
-
-void ScreenServer::quit()
-{
-    if (mState == State::quitting)
-        return;
-    mState = State::quitting;
-    mEnding.quitting();
-    if (mBrowser)
-        mBrowser->stop();
-    const auto self = weak_from_this();
-    mServices.link.disconnect(LinkGoodbyeCode::quitting, [self] {
-        if (const auto server = self.lock()) {
-            server->mGoodbyeSaid = true;
-            server->finishWhenSaid();
-        }
-    });
-    const auto postIsSent = [this] {
-        mLastPostSent = true;
-        finishWhenSaid();
-    };
-    mServices.center.addObserver(
-        self, [postIsSent](const Notification&) { postIsSent(); }, kServerDisconnectedFromDevice,
-        "");
-    mServices.runLoop.performAfterDelay(kLastPostLimit, self, postIsSent);
-    mServices.runLoop.performAfterDelay(kQuitLimit, self, [this] {
-        mGoodbyeSaid = true;
-        finishWhenSaid();
-    });
-    post(kServerDisconnectedFromDevice);
-}
-
-void ScreenServer::finishWhenSaid()
-{
-    if (!mGoodbyeSaid || !mLastPostSent || std::exchange(mFinished, true))
-        return;
-    mEnding.finished();
 }
 
 } // namespace farview

@@ -8,20 +8,42 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/RunLoop.h"
 
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace farview
 {
 
+/// A text of at most 255 bytes in plain memory, which may be shared with whoever outlives a crash
+/// of the server. What is read may be half of what was written: to be checked.
+class KeptText
+{
+public:
+    std::string text() const
+    {
+        return {mBytes.begin(), std::find(mBytes.begin(), mBytes.end(), '\0')};
+    }
+    void set(const std::string& text)
+    {
+        mBytes.fill('\0');
+        text.copy(mBytes.data(), mBytes.size() - 1);
+    }
+
+private:
+    std::array<char, 256> mBytes{};
+};
+
 /// The screen server: does what the panel asks by notification, and reports what became of it.
 ///
 /// It connects to one device at a time. A new request replaces what is under way; while there is
-/// none, the server connects by itself when the user wants that (`AutoConnector`). It ends by the
-/// terminate notification or by `quit`, and by nothing else. Made with `std::make_shared`. Main
-/// thread only.
+/// none, the server connects by itself: to the device that the user chose last and that was
+/// connected, else to those that the user ticked (`AutoConnector`). It ends by the terminate
+/// notification or by `quit`, and by nothing else. Made with `std::make_shared`. Main thread only.
 class ScreenServer final : public DeviceLinkDelegate,
                            public AutoConnectServer,
                            public std::enable_shared_from_this<ScreenServer>
@@ -37,6 +59,9 @@ public:
         DeviceLink& link;
         Log& log;
         Preferences& storage; ///< for what the server keeps for itself
+        /// The host name or address that the user chose and that was connected, until the user
+        /// chooses otherwise: what a server finds there that starts after a crash.
+        KeptText& chosenDevice;
     };
     struct Ending {
         /// It was asked to quit: from now on another server may be started.
@@ -47,6 +72,10 @@ public:
 
     /// How long a device that is asked for by name may take to be found.
     static constexpr Duration searchLimit{6.0};
+
+    /// A connection is reported no earlier after the request for it: the panel's spinner appears a
+    /// quarter of a second after the choice, and only a report that comes later takes it down.
+    static constexpr Duration earliestReport{0.4};
 
     ScreenServer(Services services, Ending ending);
 
@@ -65,7 +94,9 @@ public:
     void deviceDidNotConnect(const std::string& why) override;
     void deviceDidDisconnect(const LinkEnd& end) override;
     bool isIdle() const override { return mState == State::idle; }
-    void connectByItself(const NetService& service) override;
+    std::string chosenDevice() const override;
+    void connectByItself(const std::string& deviceName,
+                         const std::vector<Endpoint>& endpoints) override;
 
 private:
     enum class State { waiting, idle, searching, connecting, connected, quitting };
@@ -82,6 +113,8 @@ private:
     void answerQuery(const Notification& notification);
     void preferencesChanged(const Notification& notification);
 
+    void takeRequest();
+    void keepChoice();
     bool isConnectedTo(const std::string& deviceName, const std::string& address) const;
     bool tookOverAttempt(const std::string& hostName);
     void leaveDevice();
@@ -114,6 +147,7 @@ private:
     /// Nobody asked for what is connected or under way.
     bool mIsAutomatic = false;
     unsigned mRequest = 0;
+    Duration mRequestedAt = -earliestReport;
     bool mGoodbyeSaid = false;
     bool mLastPostSent = false;
     bool mFinished = false;

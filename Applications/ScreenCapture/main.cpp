@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 
 #include <memory>
+#include <new>
 
 namespace
 {
@@ -34,7 +35,15 @@ bool wasSwitchedOffMeanwhile(FVEPreferences& preferences)
     return wasStartedDetached() && preferences.currentState() == 0;
 }
 
-int runServer(int argc, char** argv, unsigned crashes)
+/// Where the choice of a device is kept until the supervisor ends, too.
+KeptText& chosenDeviceOfAllServers()
+{
+    static KeptText ofThisServer;
+    void* const memory = memorySharedWithChildren(sizeof(KeptText));
+    return memory ? *new (memory) KeptText : ofThisServer;
+}
+
+int runServer(int argc, char** argv, unsigned crashes, KeptText& chosenDevice)
 {
     QCoreApplication application(argc, argv);
     DesktopPlatform desktop({});
@@ -48,7 +57,7 @@ int runServer(int argc, char** argv, unsigned crashes)
     const auto server = std::make_shared<ScreenServer>(
         ScreenServer::Services{*platform.discovery, *platform.runLoop, *platform.notificationCenter,
                                *platform.distributedNotificationCenter, preferences, *link,
-                               *platform.log, *platform.preferences},
+                               *platform.log, *platform.preferences, chosenDevice},
         ScreenServer::Ending{[&] { instance.release(); }, [&] { application.quit(); }});
     const TerminationSignals termination([&] { server->quit(); });
     QObject::connect(&instance, &SingleInstance::replaced, &application, [&] { server->quit(); });
@@ -69,5 +78,9 @@ int runServer(int argc, char** argv, unsigned crashes)
 
 int main(int argc, char** argv)
 {
-    return runSupervised([&](unsigned crashes) { return runServer(argc, argv, crashes); }, {});
+    KeptText& chosenDevice = chosenDeviceOfAllServers();
+    const auto server = [&](unsigned crashes) {
+        return runServer(argc, argv, crashes, chosenDevice);
+    };
+    return runSupervised(server, {});
 }

@@ -9,7 +9,16 @@ namespace farview
 namespace
 {
 
-enum FrameKind : std::uint8_t { options = 1, keepAlive = 2, goodbye = 3, screenRectangle = 16 };
+enum FrameKind : std::uint8_t {
+    options = 1,
+    keepAlive = 2,
+    goodbye = 3,
+    screenRectangle = 16,
+    frameEnd = 17,
+    shown = 18,
+    pictureSize = 19,
+    deviceScreen = 20,
+};
 
 constexpr std::uint32_t kTouchBit = 1;
 constexpr std::uint32_t kRetinaBit = 2;
@@ -50,12 +59,46 @@ FrameBody body(const LinkScreenRectangle& value)
     return result;
 }
 
+FrameBody numbers(FrameKind kind, std::initializer_list<std::uint32_t> values, std::size_t size)
+{
+    FrameBody result{kind, {}};
+    for (const std::uint32_t value : values)
+        appendNumber(result.payload, value, size);
+    return result;
+}
+
+FrameBody body(const LinkFrameEnd& value)
+{
+    return numbers(FrameKind::frameEnd, {value.number}, 4);
+}
+
+FrameBody body(const LinkShown& value)
+{
+    return numbers(FrameKind::shown, {value.number, value.microseconds}, 4);
+}
+
+FrameBody body(const LinkPictureSize& value)
+{
+    return numbers(FrameKind::pictureSize, {value.width, value.height}, 2);
+}
+
+FrameBody body(const LinkDeviceScreen& value)
+{
+    return numbers(FrameKind::deviceScreen, {value.width, value.height, value.scale, value.refresh},
+                   2);
+}
+
 /// Whether a payload of that size can belong to that kind at all.
 bool sizeFits(std::uint32_t kind, std::size_t size)
 {
     switch (kind) {
     case FrameKind::options:
+    case FrameKind::frameEnd:
+    case FrameKind::pictureSize:
         return size == 4;
+    case FrameKind::shown:
+    case FrameKind::deviceScreen:
+        return size == 8;
     case FrameKind::keepAlive:
         return size == 0;
     case FrameKind::goodbye:
@@ -95,6 +138,38 @@ std::optional<LinkFrame> readScreenRectangle(ByteReader& reader)
     return LinkScreenRectangle{header.rectangle, header.encoding, {data.begin(), data.end()}};
 }
 
+std::optional<std::uint16_t> readWithin(ByteReader& reader, std::uint16_t least, std::uint16_t most)
+{
+    const auto value = static_cast<std::uint16_t>(reader.number(2));
+    return value >= least && value <= most ? std::optional(value) : std::nullopt;
+}
+
+std::optional<LinkFrame> readPictureSize(ByteReader& reader)
+{
+    const auto width = readWithin(reader, 1, kLargestPictureSide);
+    const auto height = readWithin(reader, 1, kLargestPictureSide);
+    if (!width || !height)
+        return std::nullopt;
+    return LinkPictureSize{*width, *height};
+}
+
+std::optional<LinkFrame> readDeviceScreen(ByteReader& reader)
+{
+    const auto width = readWithin(reader, 1, kLargestPictureSide);
+    const auto height = readWithin(reader, 1, kLargestPictureSide);
+    const auto scale = readWithin(reader, 50, 800);
+    const auto refresh = readWithin(reader, 1, 1000);
+    if (!width || !height || !scale || !refresh)
+        return std::nullopt;
+    return LinkDeviceScreen{*width, *height, *scale, *refresh};
+}
+
+LinkShown readShown(ByteReader& reader)
+{
+    const std::uint32_t number = reader.number(4);
+    return {number, reader.number(4)};
+}
+
 std::optional<LinkFrame> readFrame(std::uint32_t kind, ByteReader& reader)
 {
     switch (kind) {
@@ -104,6 +179,14 @@ std::optional<LinkFrame> readFrame(std::uint32_t kind, ByteReader& reader)
         return LinkKeepAlive{};
     case FrameKind::goodbye:
         return readGoodbye(reader);
+    case FrameKind::frameEnd:
+        return LinkFrameEnd{reader.number(4)};
+    case FrameKind::shown:
+        return readShown(reader);
+    case FrameKind::pictureSize:
+        return readPictureSize(reader);
+    case FrameKind::deviceScreen:
+        return readDeviceScreen(reader);
     default:
         return readScreenRectangle(reader);
     }

@@ -45,10 +45,66 @@ struct LinkScreenRectangle {
     bool operator==(const LinkScreenRectangle&) const = default;
 };
 
-/// The feature that must be agreed before a screen rectangle is sent.
+/// All rectangles of a frame have been sent: it can be shown.
+struct LinkFrameEnd {
+    std::uint32_t number = 0; ///< one more than that of the frame before, beginning with 1
+
+    bool operator==(const LinkFrameEnd&) const = default;
+};
+
+/// The frame, and all before it, is on the device's glass.
+struct LinkShown {
+    std::uint32_t number = 0;
+    std::uint32_t microseconds = 0; ///< from its end's arrival to the glass, on the device's clock
+
+    bool operator==(const LinkShown&) const = default;
+};
+
+/// The largest side of a picture, in pixels.
+inline constexpr std::uint16_t kLargestPictureSide = 16384;
+
+/// From now on the picture has this size, and is black.
+struct LinkPictureSize {
+    std::uint16_t width = 1;
+    std::uint16_t height = 1;
+
+    bool operator==(const LinkPictureSize&) const = default;
+};
+
+/// What the device's own screen is, in pixels, as its user holds it.
+struct LinkDeviceScreen {
+    std::uint16_t width = 1;
+    std::uint16_t height = 1;
+    std::uint16_t scale = 100;  ///< of its user's desktop, in hundredths: 50 to 800
+    std::uint16_t refresh = 60; ///< pictures a second: 1 to 1000
+
+    bool operator==(const LinkDeviceScreen&) const = default;
+};
+
+/// The feature that must be agreed before anything of a picture is sent.
 inline constexpr const char* kLinkScreenFeature = "screen";
+/// The feature that must be agreed before rectangles are packed by zstd.
+inline constexpr const char* kLinkZstdFeature = "zstd";
 
 /// One message after the greeting.
-using LinkFrame = std::variant<LinkOptions, LinkKeepAlive, LinkGoodbye, LinkScreenRectangle>;
+using LinkFrame = std::variant<LinkOptions, LinkKeepAlive, LinkGoodbye, LinkScreenRectangle,
+                               LinkFrameEnd, LinkPictureSize, LinkShown, LinkDeviceScreen>;
+
+/// Who may say it.
+inline bool isFromHost(const LinkFrame& frame)
+{
+    return !std::holds_alternative<LinkShown>(frame) &&
+           !std::holds_alternative<LinkDeviceScreen>(frame);
+}
+inline bool isFromDevice(const LinkFrame& frame)
+{
+    return !isFromHost(frame) || std::holds_alternative<LinkKeepAlive>(frame) ||
+           std::holds_alternative<LinkGoodbye>(frame);
+}
+/// Whether it needs the feature `screen`.
+inline bool isOfPicture(const LinkFrame& frame)
+{
+    return isFromHost(frame) != isFromDevice(frame) && !std::holds_alternative<LinkOptions>(frame);
+}
 
 } // namespace farview

@@ -11,6 +11,8 @@ enum QLScreenEncoding : std::uint8_t {
     QLScreenEncodingMouseCursor = 3,
     QLScreenEncodingJPG = 4,
 };
+/// Above the five that every device knows: only with the feature "zstd".
+inline constexpr std::uint8_t kScreenEncodingZstd = 5;
 
 namespace farview
 {

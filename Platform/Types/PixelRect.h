@@ -24,4 +24,15 @@ struct PixelRect {
     bool operator==(const PixelRect&) const = default;
 };
 
+/// Of numbers that are known to fit.
+constexpr PixelPoint pixelPoint(int x, int y)
+{
+    return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y)};
+}
+constexpr PixelRect pixelRect(int x, int y, int width, int height)
+{
+    return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+            static_cast<std::int16_t>(width), static_cast<std::int16_t>(height)};
+}
+
 } // namespace farview

@@ -42,7 +42,7 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.log, fake.preferences},
+                                   preferences, link, fake.log, fake.preferences, chosenDevice},
             ScreenServer::Ending{});
     }
     void choose(PropertyList::Array names) { preferences.setAutoConnectDevices(names); }
@@ -121,6 +121,7 @@ protected:
     FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
     FVEPreferences preferences;
     FakeDeviceLink link;
+    KeptText chosenDevice;
     std::shared_ptr<ScreenServer> server;
 };
 
@@ -744,6 +745,176 @@ TEST_F(AutoConnectorTest, SurvivesAListOfTenThousandNamesAndHundredsOfDevices)
     fake.discovery.announce(devices);
     advance(2);
     EXPECT_EQ(link.attempts.size(), 1U);
+}
+
+// --- the device that the user chose ------------------------------------------------------------
+
+TEST_F(AutoConnectorTest, BringsBackTheDeviceThatTheUserChose)
+{
+    preferences.setAutoConnectOption(false);
+    announce({"A"});
+    start();
+    userChooses("A");
+    accept();
+    std::string expected = "A";
+    for (const LinkEndReason reason :
+         {LinkEndReason::silent, LinkEndReason::lost, LinkEndReason::goodbye}) {
+        advance(AutoConnector::steadyAfter.count());
+        lose(reason);
+        advance(3);
+        EXPECT_EQ(tried(), expected += "A");
+        EXPECT_TRUE(link.attempts.back().options);
+        center.forgetPosts();
+        accept();
+        EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
+    }
+}
+
+TEST_F(AutoConnectorTest, BringsBackAChosenDeviceThatVanishedWheneverItReturns)
+{
+    announce({"A"});
+    start();
+    userChooses("A");
+    accept();
+    fake.discovery.remove({"A"});
+    lose(LinkEndReason::silent);
+    advance(1000);
+    EXPECT_EQ(tried(), "A");
+    announce({"A"});
+    EXPECT_EQ(tried(), "AA");
+    fail();
+    advance(3);
+    EXPECT_EQ(tried(), "AAA") << "tried again, with pauses";
+    EXPECT_EQ(errorCount(), 0) << "nobody asked for it now";
+}
+
+TEST_F(AutoConnectorTest, BringsBackAnAddressThatTheUserTyped)
+{
+    start();
+    request(kConnectServerToTicket, {{kConnectUsingTicketKey, "192.0.2.1"}});
+    accept();
+    lose();
+    EXPECT_EQ(tried(), "A") << "who takes and ends connections is not stormed";
+    advance(2);
+    EXPECT_EQ(tried(), "AA");
+    EXPECT_EQ(link.attempts.back().endpoints, link.attempts.front().endpoints);
+    EXPECT_TRUE(link.attempts.back().options);
+    fail();
+    advance(4);
+    EXPECT_EQ(tried(), "AAA");
+    EXPECT_EQ(errorCount(), 0);
+    center.forgetPosts();
+    accept();
+    const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, kOtherDeviceName},
+                                                               {kDeviceAddressKey, "192.0.2.1"}};
+    ASSERT_EQ(center.countOf(kServerConnectedToDevice), 1);
+    EXPECT_EQ(center.postsNamed(kServerConnectedToDevice).front().userInfo, expected);
+}
+
+TEST_F(AutoConnectorTest, BringsBackTheChosenDeviceAfterACrash)
+{
+    announce({"A"});
+    start();
+    userChooses("A");
+    accept();
+    makeServer();
+    start();
+    EXPECT_EQ(tried(), "AA");
+    request(kConnectServerToTicket, {{kConnectUsingTicketKey, "192.0.2.2"}});
+    accept();
+    makeServer();
+    start();
+    EXPECT_EQ(tried(), "AABB");
+}
+
+TEST_F(AutoConnectorTest, BringsNothingBackThatTheUserWantsNoLonger)
+{
+    announce({"A"});
+    start();
+    const auto connectToA = [this] {
+        link.attempts.clear();
+        userChooses("A");
+        accept();
+    };
+    connectToA();
+    userChoosesNone();
+    advance(600);
+    EXPECT_EQ(tried(), "A") << "none was chosen";
+    connectToA();
+    userChooses("B");
+    advance(600);
+    EXPECT_EQ(tried(), "A") << "another was chosen, which is not there";
+    userChooses("A");
+    fail();
+    link.attempts.clear();
+    advance(600);
+    EXPECT_EQ(tried(), "") << "the user was told that it failed";
+    connectToA();
+    request(kTerminateScreenServer);
+    makeServer();
+    start();
+    advance(600);
+    EXPECT_EQ(tried(), "A") << "switched off";
+}
+
+TEST_F(AutoConnectorTest, WaitsForAChosenDeviceInSightAndForNoOther)
+{
+    announce({"A", "B"});
+    choose({"B"});
+    start();
+    accept();
+    link.attempts.clear();
+    userChooses("A");
+    accept();
+    setState("A", "Connected");
+    lose();
+    advance(3);
+    EXPECT_EQ(tried(), "AA") << "in use, but perhaps by the connection that broke";
+    fail();
+    advance(3);
+    EXPECT_EQ(tried(), "AA");
+    advance(2);
+    EXPECT_EQ(tried(), "AAA");
+    fake.discovery.remove({"A"});
+    fail();
+    advance(1);
+    EXPECT_EQ(tried(), "AAAB") << "it is gone: the list has its turn";
+    accept();
+    announce({"A"});
+    advance(600);
+    EXPECT_EQ(tried(), "AAAB") << "what is connected stays";
+    lose();
+    advance(60);
+    EXPECT_EQ(tried(), "AAABA");
+}
+
+TEST_F(AutoConnectorTest, GivesTheListATurnWhileAnAddressDoesNotAnswer)
+{
+    announce({"B"});
+    choose({"B"});
+    start();
+    accept();
+    request(kConnectServerToTicket, {{kConnectUsingTicketKey, "192.0.2.1"}});
+    accept();
+    link.attempts.clear();
+    lose();
+    EXPECT_EQ(tried(), "B");
+    fail();
+    advance(2);
+    EXPECT_EQ(tried(), "BA");
+}
+
+TEST_F(AutoConnectorTest, TakesNothingForAChoiceThatACrashLeftHalfWritten)
+{
+    announce({"A"});
+    for (const std::string& text : {std::string("a.loc"), std::string("a.local\n"),
+                                    std::string("Other"), std::string(1000, 'a')}) {
+        chosenDevice.set(text);
+        makeServer();
+        start();
+        advance(60);
+        EXPECT_EQ(tried(), "") << text;
+    }
 }
 
 } // namespace

@@ -26,7 +26,7 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.log, fake.preferences},
+                                   preferences, link, fake.log, fake.preferences, chosenDevice},
             ScreenServer::Ending{[this] { ++quitting; }, [this] { ++finished; }});
     }
 
@@ -59,12 +59,18 @@ protected:
     }
     /// Lets a batch be delivered and resolved.
     void settle() { fake.runLoop.advance(Duration(0.5)); }
+    /// The device accepts, and time passes until that is reported.
+    void accept(const std::string& address)
+    {
+        link.accept(address);
+        fake.runLoop.advance(ScreenServer::earliestReport);
+    }
     void connectToDesk()
     {
         start();
         announceDevice("Desk", kDesk);
         requestHost(kDesk);
-        link.accept("192.168.1.20");
+        accept("192.168.1.20");
         settle();
         ASSERT_EQ(center.countOf(kServerConnectedToDevice), 1);
         center.forgetPosts();
@@ -102,6 +108,7 @@ protected:
     FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
     FVEPreferences preferences;
     FakeDeviceLink link;
+    KeptText chosenDevice;
     std::shared_ptr<ScreenServer> server;
     int quitting = 0;
     int finished = 0;
@@ -195,9 +202,41 @@ TEST_F(ScreenServerTest, ReportsTheHostNameAndTheAddressOnceConnected)
     start();
     announceDevice("Desk", kDesk);
     requestHost(kDesk);
-    link.accept("192.168.1.20");
+    accept("192.168.1.20");
     expectDevice(kServerConnectedToDevice, kDesk, "192.168.1.20");
     EXPECT_THAT(reports(), SizeIs(1));
+}
+
+// The panel's spinner appears a quarter of a second after the choice; a report that comes before it
+// does not take it down.
+TEST_F(ScreenServerTest, ReportsAConnectionNoEarlierThanTheSpinnerOfThePanelAppears)
+{
+    start();
+    announceDevice("Desk", kDesk);
+    requestHost(kDesk);
+    link.accept("192.168.1.20");
+    request(kQueryRequestForConnectedHost);
+    fake.runLoop.advance(Duration(0.39));
+    EXPECT_THAT(reports(), IsEmpty());
+    fake.runLoop.advance(Duration(0.02));
+    EXPECT_THAT(reports(), ElementsAre(kServerConnectedToDevice, kQueryResultForConnectedHost));
+
+    center.forgetPosts();
+    requestHost(kDesk);
+    fake.runLoop.advance(Duration(0.39));
+    EXPECT_THAT(reports(), IsEmpty()) << "connected already";
+    fake.runLoop.advance(Duration(0.02));
+    EXPECT_THAT(reports(), ElementsAre(kServerConnectedToDevice));
+}
+
+TEST_F(ScreenServerTest, DoesNotReportAConnectionThatEndedBeforeItsReportWasDue)
+{
+    start();
+    requestTicket("192.0.2.9");
+    link.accept("192.0.2.9");
+    request(kDisconnectCurrentServerFromHost);
+    fake.runLoop.advance(Duration(1));
+    EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice));
 }
 
 TEST_F(ScreenServerTest, ConnectsToAnAddressOnTheMainPort)
@@ -206,7 +245,7 @@ TEST_F(ScreenServerTest, ConnectsToAnAddressOnTheMainPort)
     requestTicket("192.0.2.9");
     ASSERT_THAT(link.attempts, SizeIs(1));
     EXPECT_THAT(link.attempts.front().endpoints, ElementsAre(Endpoint{"192.0.2.9", 6001, 0}));
-    link.accept("192.0.2.9");
+    accept("192.0.2.9");
     expectDevice(kServerConnectedToDevice, "Other", "192.0.2.9");
 }
 
@@ -214,7 +253,7 @@ TEST_F(ScreenServerTest, ReportsAnAddressAsItWasTyped)
 {
     start();
     requestTicket("2001:DB8:0::9");
-    link.accept("2001:db8::9");
+    accept("2001:db8::9");
     expectDevice(kServerConnectedToDevice, "Other", "2001:DB8:0::9");
 }
 
@@ -274,7 +313,7 @@ TEST_F(ScreenServerTest, TriesAgainWhenAskedAgainAfterAFailure)
     link.fail("no");
     requestHost(kDesk);
     EXPECT_THAT(link.attempts, SizeIs(2));
-    link.accept("192.168.1.20");
+    accept("192.168.1.20");
     EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
 }
 
@@ -287,7 +326,7 @@ TEST_F(ScreenServerTest, ReplacesARequestThatIsUnderWay)
     requestHost("sofa.local");
     EXPECT_THAT(link.attempts, SizeIs(2));
     EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::byUser));
-    link.accept("192.168.1.30");
+    accept("192.168.1.30");
     expectDevice(kServerConnectedToDevice, "sofa.local", "192.168.1.30");
     EXPECT_THAT(reports(), SizeIs(1));
 }
@@ -297,7 +336,7 @@ TEST_F(ScreenServerTest, ReplacesASearchWithoutAnErrorText)
     start();
     requestHost("nowhere.local");
     requestTicket("192.0.2.9");
-    link.accept("192.0.2.9");
+    accept("192.0.2.9");
     fake.runLoop.advance(Duration(30));
     EXPECT_EQ(center.countOf(kRequestingErrorMsgFromPrefPane), 0);
     EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
@@ -319,15 +358,17 @@ TEST_F(ScreenServerTest, ReportsAgainWhenAskedForTheDeviceItIsConnectedTo)
 {
     connectToDesk();
     requestHost(kDesk);
+    settle();
     EXPECT_THAT(link.attempts, SizeIs(1)) << "nothing is connected anew";
     EXPECT_THAT(link.goodbyes, IsEmpty());
     expectDevice(kServerConnectedToDevice, kDesk, "192.168.1.20");
 
     center.forgetPosts();
     requestTicket("192.0.2.9");
-    link.accept("192.0.2.9");
+    accept("192.0.2.9");
     center.forgetPosts();
     requestTicket("192.0.2.9");
+    settle();
     EXPECT_THAT(link.attempts, SizeIs(2));
     expectDevice(kServerConnectedToDevice, "Other", "192.0.2.9");
 }
@@ -339,7 +380,7 @@ TEST_F(ScreenServerTest, LeavesTheOldDeviceWhenItGoesToANewOne)
     center.forgetPosts();
     requestHost("sofa.local");
     EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::byUser));
-    link.accept("192.168.1.30");
+    accept("192.168.1.30");
     EXPECT_THAT(reports(), ElementsAre(kServerDisconnectedFromDevice, kServerConnectedToDevice));
 }
 
@@ -434,7 +475,7 @@ TEST_F(ScreenServerTest, SendsOptionsThatChangedDuringTheConnect)
     preferences.setEnableTouchDisplay(!before);
     fake.runLoop.runUntilIdle();
     EXPECT_THAT(link.sentOptions, IsEmpty());
-    link.accept("192.0.2.9");
+    accept("192.0.2.9");
     ASSERT_THAT(link.sentOptions, SizeIs(1));
     EXPECT_EQ(link.sentOptions.front().touch, !before);
 }

@@ -218,6 +218,28 @@ TEST_F(StatusMenuTest, ChoosingNoDeviceEndsTheConnection)
     EXPECT_EQ(icon(), StatusIcon::on);
 }
 
+TEST_F(StatusMenuTest, AServerThatBeginsIsAskedOnceMoreForWhatWasChosenLast)
+{
+    const auto serverBegins = [this] {
+        hear(kServerDisconnectedFromDevice, {{kAwaitsRequestKey, "YES"}});
+    };
+    startWith(1);
+    announce("Pad", "pad.local");
+    EXPECT_TRUE(click("Pad"));
+    serverBegins();
+    serverBegins();
+    EXPECT_EQ(center.countOf(kConnectServerToHost), 2);
+    EXPECT_TRUE(click("Pad"));
+    hear(kConnectServerToTicket, {{kConnectUsingTicketKey, "10.0.0.5"}});
+    serverBegins();
+    EXPECT_EQ(center.countOf(kConnectServerToHost), 3)
+        << "another program asked for something else";
+    EXPECT_TRUE(click("Pad"));
+    storeElsewhere(kCurrentState, std::int64_t{0});
+    serverBegins();
+    EXPECT_EQ(center.countOf(kConnectServerToHost), 4) << "switched off elsewhere";
+}
+
 TEST_F(StatusMenuTest, NoDeviceCannotBeChosenWhereAutoConnectionWouldUndoIt)
 {
     startWith(1);

@@ -35,13 +35,14 @@ protected:
     struct Start {
         unsigned crashes;
         pid_t pid;
+        unsigned kept;
     };
 
     std::vector<Start> starts() const
     {
         std::vector<Start> found;
         std::ifstream stream(mFolder.path("notes"));
-        for (Start each{}; stream >> each.crashes >> each.pid;)
+        for (Start each{}; stream >> each.crashes >> each.pid >> each.kept;)
             found.push_back(each);
         return found;
     }
@@ -67,6 +68,16 @@ TEST_F(SupervisorTest, StartsTheProgramAgainAfterEachCrashAndEndsWithIt)
     ASSERT_EQ(found.size(), 4u);
     for (unsigned index = 0; index < 4; ++index)
         EXPECT_EQ(found[index].crashes, index);
+}
+
+TEST_F(SupervisorTest, MemorySharedWithItOutlivesTheProgramsCrashes)
+{
+    ChildProcess supervisor(supervised("3", false));
+    ASSERT_TRUE(supervisor.waitForEnd());
+    const auto found = starts();
+    ASSERT_EQ(found.size(), 4u);
+    for (unsigned index = 0; index < 4; ++index)
+        EXPECT_EQ(found[index].kept, index) << "each start adds one";
 }
 
 TEST_F(SupervisorTest, OnlyTheProgramItselfCarriesItsName)

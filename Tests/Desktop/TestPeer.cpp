@@ -159,9 +159,13 @@ int supervised(const std::string& notes, unsigned crashesWanted, bool stays)
     SupervisorOptions options;
     options.firstPause = Duration{0.02};
     options.longestPause = Duration{0.08};
+    auto* const kept = static_cast<unsigned*>(memorySharedWithChildren(sizeof(unsigned)));
+    if (!kept)
+        return 1;
     return runSupervised(
         [&](unsigned crashes) {
-            appendLine(notes, std::to_string(crashes) + " " + std::to_string(::getpid()));
+            appendLine(notes, std::to_string(crashes) + " " + std::to_string(::getpid()) + " " +
+                                  std::to_string((*kept)++));
             if (crashes < crashesWanted)
                 ::raise(SIGKILL);
             while (stays)

@@ -65,6 +65,14 @@ TEST_F(PaneAndServer, APickBeforeTheServerCanHearItIsKept)
     EXPECT_TRUE(selects("Desk")) << text("device.log");
 }
 
+TEST_F(PaneAndServer, TheSpinnerGoesWithTheReportOfTheConnection)
+{
+    showConnectedToDesk();
+    runLoopFor(milliseconds(500));
+    EXPECT_FALSE(isConnecting());
+    EXPECT_TRUE(pane->spinningForServerTimer().expired());
+}
+
 TEST_F(PaneAndServer, HiddenAndShownAgainEverythingIsAsItWas)
 {
     showConnectedToDesk();

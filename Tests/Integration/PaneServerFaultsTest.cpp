@@ -54,8 +54,20 @@ TEST_F(PaneServerFaults, AServerThatCrashesIsStartedAgainAndThePaneFollows)
     EXPECT_NE(onlyServer(), crashed);
     EXPECT_EQ(switchState(), 1);
     EXPECT_TRUE(deviceSays("The host is gone")) << text("device.log");
-    ASSERT_TRUE(choose("Desk"));
-    EXPECT_TRUE(selects("Desk"));
+    EXPECT_TRUE(selects("Desk")) << "the device that was chosen comes back";
+}
+
+TEST_F(PaneServerFaults, NoDeviceChosenWhileTheServerIsCrashedHoldsForTheNextOne)
+{
+    showConnectedToDesk();
+    ::kill(onlyServer(), SIGABRT);
+    ASSERT_TRUE(serversAre(0));
+    pane->takeNoVirtualScreenFrom(nullptr);
+    ASSERT_TRUE(serverAnswers());
+    ASSERT_TRUE(deviceSays("The host is gone")) << text("device.log");
+    runLoopFor(seconds(4));
+    EXPECT_EQ(pane->selectedNetService(), nullptr);
+    EXPECT_EQ(preferences().currentVirtualScreenDevice(), "");
 }
 
 TEST_F(PaneServerFaults, AServerThatIsKilledForGoodTurnsTheSwitchOffAndOffAndOnStartsItAgain)

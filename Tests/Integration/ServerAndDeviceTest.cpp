@@ -163,7 +163,7 @@ TEST_F(ServerAndDevice, MeetAgainAfterTheDeviceVanishedAndReturned)
     std::filesystem::remove(home.path("device.log"));
     startDevice();
     ASSERT_TRUE(deviceSays("Announced")) << deviceLog();
-    connectByName();
+    EXPECT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
 }
 
 TEST_F(ServerAndDevice, HearTheDevicesGoodbye)
@@ -225,8 +225,7 @@ TEST_F(ServerAndDevice, FreeTheDeviceAndStartAgainWhenTheServerIsKilled)
     EXPECT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
     ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice)) << "the server that follows";
     EXPECT_NE(serverPid(), killed);
-    panel->reports.clear();
-    connectByAddress();
+    EXPECT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
 }
 
 TEST_F(ServerAndDevice, StayAwayAfterACrashWhenFarviewIsOff)

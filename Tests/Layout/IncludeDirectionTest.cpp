@@ -86,7 +86,7 @@ std::string libraryOf(const std::string& header)
         if (header.starts_with(std::string(library) + "/"))
             return library;
     }
-    for (const char* library : {"archive", "expat", "sodium"}) {
+    for (const char* library : {"archive", "expat", "sodium", "turbojpeg", "zlib", "zstd"}) {
         if (header.starts_with(library))
             return library;
     }

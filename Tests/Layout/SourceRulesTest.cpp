@@ -89,8 +89,8 @@ const std::regex blockingCall(
     R"(QDBus::Block|QDBusInterface|interface\(\)->|registerService\s*\(|isServiceRegistered)"
     R"(|([bB]us|[cC]onnection)(\(\))?(\.|->)call\s*\()"
     R"(|[cC]onnection(\(\))?(\.|->)connect\((?!\s*$|QString\(\)|mOwner|QStringLiteral\("org\.freedesktop\.DBus"\)))"
-    R"(|sleep_(for|until)\s*\(|(u|nano|m)?sleep\s*\(|wait_(for|until)\s*\(|LOCK_EX\))"
-    R"(|::poll\s*\((?!.*, 0\))|QProcess::execute|system\s*\()");
+    R"(|sleep_(for|until)\s*\(|(^|[^a-z])(u|nano|m)?sleep\s*\(|wait_(for|until)\s*\(|LOCK_EX\))"
+    R"(|(^|[^a-zA-Z])::poll\s*\((?!.*, 0\))|QProcess::execute|(^|[^a-zA-Z])system\s*\()");
 
 TEST(SourceRules, NothingWaitsForAnAnswerOnTheMainThread)
 {

@@ -43,6 +43,6 @@ inline std::vector<SourceFile> readSources(const std::vector<std::string>& folde
 /// Every folder that holds code of the product.
 inline std::vector<SourceFile> productSources()
 {
-    return readSources(
-        {"Platform", "Controls", "Common", "Source", "PaneBundle", "Link", "Applications"});
+    return readSources({"Platform", "Controls", "Common", "Source", "PaneBundle", "Link", "Screen",
+                        "Applications"});
 }

@@ -104,6 +104,26 @@ TEST_F(ConnectToOtherSheetFaults, TheServerDiesWhileItWaits)
     EXPECT_TRUE(paneHearsTheServer());
 }
 
+TEST_F(ConnectToOtherSheetFaults, AServerThatBeginsIsAskedForTheAddressAndNotForTheDeviceBefore)
+{
+    showWithState(1);
+    announce({device("Pad", "pad.local")});
+    ASSERT_TRUE(choose("Pad"));
+    fake.runLoop.runUntilIdle();
+    openAndConnectTo("10.0.0.5");
+    const auto serverBegins = [this] {
+        serverPosts(kServerDisconnectedFromDevice, {{kAwaitsRequestKey, "YES"}});
+    };
+    serverBegins();
+    EXPECT_EQ(posts(kConnectServerToHost).size(), 1u);
+    EXPECT_EQ(requests().size(), 2u);
+    pressCancel();
+    openAndConnectTo("10.0.0.5");
+    pressCancel();
+    serverBegins();
+    EXPECT_EQ(requests().size(), 3u) << "taken back";
+}
+
 TEST_F(ConnectToOtherSheetFaults, DevicesComeAndGoWhileItIsOpen)
 {
     open();

@@ -198,6 +198,33 @@ TEST_F(ConnectToOtherSheet, AfterTwoMinutesItOffersToRetry)
     EXPECT_TRUE(fake.log.contains("Timed out waiting to connect."));
 }
 
+TEST_F(ConnectToOtherSheet, AServerThatCannotReachTheAddressEndsTheWaitAtOnce)
+{
+    openAndConnectTo("10.0.0.5");
+    serverPosts(kRequestingErrorMsgFromPrefPane);
+    EXPECT_EQ(progress(), "Could not connect...");
+    EXPECT_EQ(progressRole(), Role::error);
+    EXPECT_EQ(okTitle(), "Retry");
+    EXPECT_TRUE(okIsEnabled());
+    EXPECT_EQ(storedText(kLastOtherDeviceName), "10.0.0.5");
+    EXPECT_FALSE(isWaiting());
+    EXPECT_TRUE(isOpen());
+    EXPECT_FALSE(fake.log.contains("Timed out waiting to connect."));
+    pressOK();
+    EXPECT_EQ(requests().size(), 2u);
+    EXPECT_TRUE(isWaiting());
+}
+
+TEST_F(ConnectToOtherSheet, AFailureWhileItDoesNotWaitIsNotItsBusiness)
+{
+    open();
+    type("10.0.0.5");
+    serverPosts(kRequestingErrorMsgFromPrefPane);
+    EXPECT_EQ(progress(), "");
+    EXPECT_EQ(okTitle(), "OK");
+    EXPECT_EQ(storedText(kLastOtherDeviceName), "");
+}
+
 TEST_F(ConnectToOtherSheet, TheTimeOutComesOnce)
 {
     openAndConnectTo("10.0.0.5");
@@ -309,14 +336,37 @@ TEST_F(ConnectToOtherSheet, AReportWithoutANameClosesItToo)
     EXPECT_FALSE(isOpen());
 }
 
-TEST_F(ConnectToOtherSheet, AReportByAddressThatNobodyHereAskedForStoresNoAddressOfOurs)
+TEST_F(ConnectToOtherSheet, AnAddressThatNobodyHereAskedForIsShownAndTheDeviceBeforeIsForgotten)
 {
-    setStored(kCurrentVirtualScreenDeviceName, "pad.local");
+    setStored(kCurrentVirtualScreenDeviceName, "10.0.0.5");
     open();
     serverPosts(kServerConnectedToDevice, {{"DeviceName", "Other"}, {"DeviceAddress", "10.0.0.7"}});
     EXPECT_EQ(progress(), "Connected...");
     EXPECT_EQ(pane->connectedToOtherDeviceIPString(), "10.0.0.7");
-    EXPECT_EQ(storedText(kCurrentVirtualScreenDeviceName), "pad.local");
+    EXPECT_EQ(storedText(kCurrentVirtualScreenDeviceName), "")
+        << "no address here is stored as none";
+    EXPECT_EQ(storedText(kLastOtherDeviceName), "");
+}
+
+TEST_F(ConnectToOtherSheet, AnAddressThatSomebodyElseAskedForReplacesTheOneBefore)
+{
+    showWithState(1);
+    pane->setConnectedToOtherDeviceIPString("10.0.0.5");
+    open();
+    serverPosts(kServerConnectedToDevice, {{"DeviceName", "Other"}, {"DeviceAddress", "10.0.0.7"}});
+    EXPECT_EQ(pane->connectedToOtherDeviceIPString(), "10.0.0.7");
+    EXPECT_EQ(storedText(kCurrentVirtualScreenDeviceName), "10.0.0.7");
+    EXPECT_EQ(storedText(kLastOtherDeviceName), "10.0.0.7");
+    EXPECT_EQ(selectedTitle(), "10.0.0.7");
+}
+
+TEST_F(ConnectToOtherSheet, AReportWhoseAddressIsNoneLeavesTheAddressThatWasAskedFor)
+{
+    openAndConnectTo("10.0.0.5");
+    serverPosts(kServerConnectedToDevice,
+                {{"DeviceName", "Other"}, {"DeviceAddress", "pad.local"}});
+    EXPECT_EQ(pane->connectedToOtherDeviceIPString(), "10.0.0.5");
+    EXPECT_EQ(storedText(kCurrentVirtualScreenDeviceName), "10.0.0.5");
 }
 
 // Closed

@@ -180,6 +180,40 @@ TEST_F(PaneConnection, AServerThatBeginsIsAskedForNothingThatIsSettled)
     EXPECT_EQ(requests(), 4) << "switched off";
 }
 
+TEST_F(PaneConnection, AServerThatBeginsIsAskedForNothingThatWasSwitchedOffElsewhere)
+{
+    showWithTwoDevices();
+    ASSERT_TRUE(choose("Pad"));
+    changeElsewhere(kCurrentState, std::int64_t{0});
+    changeElsewhere(kCurrentState, std::int64_t{1});
+    serverBegins();
+    EXPECT_EQ(requests(), 1);
+}
+
+TEST_F(PaneConnection, AServerThatBeginsIsAskedForNothingThatSomebodyElseReplaced)
+{
+    showWithTwoDevices();
+    ASSERT_TRUE(choose("Pad"));
+    serverPosts(kConnectServerToHost, {{kConnectToHostNameKey, "slab.local"}});
+    const int before = requests();
+    serverBegins();
+    EXPECT_EQ(requests(), before);
+}
+
+TEST_F(PaneConnection, AServerThatBeginsIsToldOnceMoreThatNoDeviceIsWanted)
+{
+    showConnectedToPad();
+    pane->takeNoVirtualScreenFrom(nullptr);
+    serverBegins();
+    EXPECT_EQ(posts(kDisconnectCurrentServerFromHost).size(), 2u);
+    serverBegins();
+    EXPECT_EQ(posts(kDisconnectCurrentServerFromHost).size(), 2u);
+    pane->takeNoVirtualScreenFrom(nullptr);
+    serverPosts(kServerDisconnectedFromDevice);
+    serverBegins();
+    EXPECT_EQ(posts(kDisconnectCurrentServerFromHost).size(), 3u) << "it was heard";
+}
+
 TEST_F(PaneConnection, NoAnswerWithinFifteenSecondsShowsTheError)
 {
     showWithTwoDevices();

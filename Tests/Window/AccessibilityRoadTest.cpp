@@ -44,10 +44,13 @@ protected:
         std::filesystem::permissions(folder.path("config/farview"),
                                      std::filesystem::perms::owner_all);
         offerAccessibility("off");
-        first.becomeFirst([this](const WindowOfTheSession::Wish& wish) {
+        const auto open = [this](const WindowOfTheSession::Wish& wish) {
             wishes.append(wish.pane);
             return wish.pane.isEmpty() ? HostError{} : host.open(wish.pane);
-        });
+        };
+        bool isFirst = false;
+        first.becomeFirst(open, [&](bool is) { isFirst = is; });
+        EXPECT_TRUE(waitUntil([&] { return isFirst; }));
     }
     void offerAccessibility(const char* kind)
     {
@@ -117,16 +120,16 @@ protected:
     farview::StandardErrorLog log{"host_test"};
     farview::PosixBundles bundles{farview::EnvironmentUse::honoured, log};
     PreferencesHost host{PaneLoader(bundles, false)};
-    WindowOfTheSession first;
+    WindowOfTheSession first{log};
     QStringList wishes;
 };
 
 TEST_F(AccessibilityRoad, LeadsFromTheBoxOverTheAlertAndThePaneBackToTheBox)
 {
     ASSERT_NO_FATAL_FAILURE(openSettings());
-    EXPECT_TRUE(isStored("false")) << stored().toStdString();
+    EXPECT_TRUE(waitUntil([this] { return isStored("false"); })) << stored().toStdString();
     find<QCheckBox>("autoMoveWindowsBack")->click();
-    ASSERT_NE(alert(), nullptr);
+    ASSERT_TRUE(waitUntil([this] { return alert() != nullptr; }));
     alert()->buttons().first()->click();
     EXPECT_FALSE(find<QCheckBox>("autoMoveWindowsBack")->isChecked());
     ASSERT_TRUE(waitUntil([this] { return isShown("Accessibility"); }));
@@ -147,18 +150,19 @@ TEST_F(AccessibilityRoad, LeadsFromTheBoxOverTheAlertAndThePaneBackToTheBox)
     find<QTabWidget>("tabView")->setCurrentIndex(1);
     find<QCheckBox>("autoMoveWindowsBack")->click();
     EXPECT_TRUE(find<QCheckBox>("autoMoveWindowsBack")->isChecked());
-    EXPECT_TRUE(isStored("true")) << stored().toStdString();
+    EXPECT_TRUE(waitUntil([this] { return isStored("true"); })) << stored().toStdString();
 }
 
 TEST_F(AccessibilityRoad, AnotherPaneThatTakesThePlaceTakesTheAlertAway)
 {
     ASSERT_NO_FATAL_FAILURE(openSettings());
+    EXPECT_TRUE(waitUntil([this] { return isStored("false"); })) << stored().toStdString();
     find<QCheckBox>("autoMoveWindowsBack")->click();
-    ASSERT_TRUE(alert()->isVisible());
+    ASSERT_TRUE(waitUntil([this] { return alert() && alert()->isVisible(); }));
     ASSERT_EQ(host.open(accessPane).status, HostStatus::success);
     EXPECT_TRUE(!alert() || !alert()->isVisible());
     host.window().findChild<QToolButton*>("backButton")->click();
-    EXPECT_FALSE(find<QCheckBox>("autoMoveWindowsBack")->isChecked());
+    EXPECT_TRUE(waitUntil([this] { return !find<QCheckBox>("autoMoveWindowsBack")->isChecked(); }));
 }
 
 TEST_F(AccessibilityRoad, ThePaneAloneNeedsNoOther)

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cmath>
 #include <csignal>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -119,6 +120,13 @@ private:
 int runSupervised(const std::function<int(unsigned crashes)>& program, SupervisorOptions options)
 {
     return Supervisor(options).run(program);
+}
+
+void* memorySharedWithChildren(std::size_t bytes)
+{
+    void* const memory =
+        mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    return memory == MAP_FAILED ? nullptr : memory;
 }
 
 } // namespace farview

@@ -2,6 +2,7 @@
 
 #include "Platform/RunLoop.h"
 
+#include <cstddef>
 #include <functional>
 
 namespace farview
@@ -27,5 +28,10 @@ struct SupervisorOptions {
 /// The child keeps the program's short name; the supervisor is called "farview-keeper", so that who
 /// looks for the program by name finds it only while it really runs.
 int runSupervised(const std::function<int(unsigned crashes)>& program, SupervisorOptions options);
+
+/// Memory, zero at first, that a program shares with those that it starts by `fork`: asked for
+/// before `runSupervised`, it holds after a crash what the crashed program wrote. It is never given
+/// back. Null when there is none.
+void* memorySharedWithChildren(std::size_t bytes);
 
 } // namespace farview

@@ -169,7 +169,7 @@ std::optional<ProcessRecord> Scan::record(std::int32_t pid)
 
 int PosixProcessTable::size(std::size_t& recordCount)
 {
-    // The caller asks for the size after each failed read, without end, so the failure is told here.
+    // The caller asks for the size after each failed read, without end: it must hear of it here.
     if (const int error = mReadError.exchange(0))
         return error;
     Scan scan;

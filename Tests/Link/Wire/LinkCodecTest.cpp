@@ -60,7 +60,11 @@ std::vector<LinkFrame> everyFrame()
             LinkGoodbye{LinkGoodbyeCode::quitting, "See you"},
             LinkGoodbye{LinkGoodbyeCode::brokenRule, ""},
             LinkScreenRectangle{{-1, 2, 300, -4}, 4, {9, 8, 7}},
-            LinkScreenRectangle{}};
+            LinkScreenRectangle{},
+            LinkFrameEnd{0xfffefdfc},
+            LinkShown{1, 16'667},
+            LinkPictureSize{kLargestPictureSide, 1},
+            LinkDeviceScreen{1920, 1200, 125, 60}};
 }
 
 } // namespace
@@ -258,6 +262,8 @@ TEST(FrameCodec, RefusesSizesThatDoNotFitTheKindWithTheHeaderAlone)
     EXPECT_EQ(frameStatus({16, 0, 0, 0, 0x0E, 0, 0, 1}), DecodeStatus::malformed) << "16 MiB + 1";
     EXPECT_EQ(frameStatus({16, 0, 0, 0, 0x0D, 0, 0, 1}), DecodeStatus::incomplete) << "16 MiB";
     EXPECT_EQ(frameStatus({16, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF}), DecodeStatus::malformed);
+    EXPECT_EQ(frameStatus({18, 0, 0, 0, 4, 0, 0, 0}), DecodeStatus::malformed);
+    EXPECT_EQ(frameStatus({20, 0, 0, 0, 9, 0, 0, 0}), DecodeStatus::malformed);
 }
 
 TEST(FrameCodec, RefusesWhatWasNotAgreed)
@@ -267,6 +273,44 @@ TEST(FrameCodec, RefusesWhatWasNotAgreed)
     EXPECT_EQ(frameStatus({2, 1, 0, 0, 0, 0, 0, 0}), DecodeStatus::malformed) << "reserved byte";
     EXPECT_EQ(frameStatus({1, 0, 0, 0, 4, 0, 0, 0, 16, 0, 0, 0}), DecodeStatus::malformed)
         << "unknown option";
+}
+
+struct BadNumbers {
+    const char* what;
+    Bytes bytes;
+};
+
+class BadPicture : public testing::TestWithParam<BadNumbers>
+{
+};
+
+TEST_P(BadPicture, IsRefused)
+{
+    EXPECT_EQ(frameStatus(GetParam().bytes), DecodeStatus::malformed) << GetParam().what;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    FrameCodec, BadPicture,
+    testing::Values(BadNumbers{"no width", {19, 0, 0, 0, 4, 0, 0, 0, 0, 0, 1, 0}},
+                    BadNumbers{"no height", {19, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0}},
+                    BadNumbers{"too wide", {19, 0, 0, 0, 4, 0, 0, 0, 1, 0x40, 1, 0}},
+                    BadNumbers{"a screen of 65535",
+                               {20, 0, 0, 0, 8, 0, 0, 0, 255, 255, 1, 0, 100, 0, 60, 0}},
+                    BadNumbers{"scale 0.49", {20, 0, 0, 0, 8, 0, 0, 0, 1, 0, 1, 0, 49, 0, 60, 0}},
+                    BadNumbers{"no refresh", {20, 0, 0, 0, 8, 0, 0, 0, 1, 0, 1, 0, 100, 0, 0, 0}},
+                    BadNumbers{"half a number", {17, 0, 0, 0, 2, 0, 0, 0, 1, 0}}));
+
+TEST(LinkFrame, IsSaidByOneSideOrBoth)
+{
+    for (const LinkFrame& frame : everyFrame()) {
+        const bool isForBoth = std::holds_alternative<LinkKeepAlive>(frame) ||
+                               std::holds_alternative<LinkGoodbye>(frame);
+        EXPECT_EQ(isFromHost(frame) && isFromDevice(frame), isForBoth);
+        EXPECT_TRUE(isFromHost(frame) || isFromDevice(frame));
+        EXPECT_EQ(isOfPicture(frame), !isForBoth && !std::holds_alternative<LinkOptions>(frame));
+    }
+    EXPECT_FALSE(isFromHost(LinkShown{}));
+    EXPECT_FALSE(isFromDevice(LinkFrameEnd{}));
 }
 
 TEST(FrameCodec, RefusesAScreenHeaderThatDisagreesWithItsFrame)

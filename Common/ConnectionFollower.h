@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Platform/NetService.h"
+#include "Platform/NotificationCenter.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+class FVEPreferences;
+
+namespace farview
+{
+
+struct Platform;
+
+/// The server's connection, as a program follows it that shows it and lets the user choose. It
+/// posts what the user wants and takes in what the server reports; its owner observes the server's
+/// notifications. Main thread only; `platform` outlives it.
+class ConnectionFollower
+{
+public:
+    explicit ConnectionFollower(Platform& platform) : mPlatform(platform) {}
+
+    // What the user wants. The latest request is kept until it is answered, fails, is taken back,
+    // or is replaced: a server that has just begun may not have heard it.
+    void connectToHost(const std::string& hostName);
+    void connectToAddress(const std::string& address);
+    void chooseNone();
+    void forgetRequest() { mRequest.reset(); }
+    /// Somebody's request was heard: another one than the latest here takes its place.
+    void heardRequest(const Notification& request);
+    /// Tells the server to quit; nothing is asked of the next one.
+    void quitServer();
+    /// Asks which device is connected.
+    void query();
+    /// Tells another program what to do: at once, in all the user's sessions.
+    void command(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {});
+
+    /// Whether the texts of a report are short enough to be a name and an address.
+    static bool isAcceptable(const Notification& report);
+    /// The first service of the host that a report names; null when there is none.
+    static std::shared_ptr<NetService>
+    serviceOfHost(const std::vector<std::shared_ptr<NetService>>& services,
+                  const std::string* hostName);
+    /// Takes in the report of a connection by address, and stores what follows from it.
+    void followAddress(const Notification& report, FVEPreferences& preferences);
+    /// Takes in the report that no device is connected. A server that has just begun gets the
+    /// latest request, once: one that came to an end over it is not asked a third time. True when
+    /// that asks for the device of a host.
+    bool followEnd(const Notification& report);
+
+    /// The connection was made by address, and to which one. The address outlives the connection.
+    bool isByAddress() const { return mIsByAddress; }
+    void setIsByAddress(bool flag) { mIsByAddress = flag; }
+    const std::optional<std::string>& address() const { return mAddress; }
+    void setAddress(std::optional<std::string> address) { mAddress = std::move(address); }
+
+private:
+    struct Request {
+        const char* name;
+        DistributedNotificationCenter::TextUserInfo userInfo;
+    };
+
+    void request(const char* name, DistributedNotificationCenter::TextUserInfo userInfo);
+
+    Platform& mPlatform;
+    std::optional<Request> mRequest;
+    bool mIsByAddress = false;
+    std::optional<std::string> mAddress;
+};
+
+} // namespace farview

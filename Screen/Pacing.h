@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Screen/PixelCodec.h"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+
+namespace farview
+{
+
+/// Time on a clock that only goes forward.
+using PictureTime = std::chrono::microseconds;
+
+/// How JPEG's quality follows the time that a large frame takes from being sent to being shown:
+/// quickly down, slowly up.
+int qualityAfter(int quality, PictureTime took);
+
+/// Whether another frame may be sent: the newest picture, never a queue. `unshown` are the frames
+/// that the device has not shown yet, `unsentBytes` what waits in this computer.
+bool mayBeginFrame(std::size_t unshown, std::size_t unsentBytes);
+
+/// Whether a change is so small (typing, a pointer) that it need not wait for the next beat.
+bool isSmallChange(int changedTiles);
+
+/// When frames leave, and how good they are, by what the device says it has shown. One thread.
+class Pacing
+{
+public:
+    /// A beat: frames with large changes leave this long after one another.
+    static constexpr PictureTime frameTime = std::chrono::microseconds(16'667);
+
+    /// Whether a frame may leave now that changes this many tiles.
+    bool mayBegin(PictureTime now, int changedTiles, std::size_t unsentBytes) const;
+    /// The number of the frame that leaves now.
+    std::uint32_t begin(PictureTime now, std::size_t bytes);
+    /// The device has shown that frame, and so all before it. False, and nothing happens, when no
+    /// such frame is on its way: the device broke a rule.
+    bool shown(std::uint32_t frame, PictureTime now);
+
+    int quality() const { return mQuality; }
+    std::size_t unshown() const { return mOnTheirWay.size(); }
+
+private:
+    struct Frame {
+        std::uint32_t number;
+        PictureTime began;
+        std::size_t bytes;
+    };
+
+    void follow(const Frame& frame, PictureTime now);
+
+    std::deque<Frame> mOnTheirWay;
+    std::uint32_t mLast = 0;
+    PictureTime mLastBegan = -frameTime;
+    int mQuality = kBestPictureQuality;
+};
+
+} // namespace farview

@@ -1,0 +1,100 @@
+#include "Common/ConnectionFollower.h"
+
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/FVEPreferences.h"
+#include "Platform/Fake/FakePlatform.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace farview;
+using Post = FakeDistributedNotificationCenter::Post;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+class ConnectionFollowerTest : public testing::Test
+{
+protected:
+    bool end(UserInfo userInfo = {})
+    {
+        center.forgetPosts();
+        return follower.followEnd({kServerDisconnectedFromDevice, nullptr, std::move(userInfo)});
+    }
+    bool serverBegins() { return end({{kAwaitsRequestKey, std::string("YES")}}); }
+
+    FakePlatform fake;
+    FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
+    ConnectionFollower follower{fake.platform()};
+    const Post host{kConnectServerToHost, "", {{kConnectToHostNameKey, "pad.local"}}, 3};
+    const Post address{kConnectServerToTicket, "", {{kConnectUsingTicketKey, "10.0.0.5"}}, 3};
+    const Post none{kDisconnectCurrentServerFromHost, "", {}, 3};
+};
+
+TEST_F(ConnectionFollowerTest, PostsWhatTheUserWants)
+{
+    follower.connectToHost("pad.local");
+    follower.connectToAddress("10.0.0.5");
+    follower.chooseNone();
+    follower.quitServer();
+    follower.query();
+    EXPECT_THAT(center.posts(),
+                ElementsAre(host, address, none, Post{kTerminateScreenServer, "", {}, 3},
+                            Post{kQueryRequestForConnectedHost, "", {}, 2}));
+}
+
+TEST_F(ConnectionFollowerTest, AsksAServerThatBeginsOnceMoreForTheLatestRequest)
+{
+    follower.connectToHost("pad.local");
+    EXPECT_TRUE(serverBegins());
+    EXPECT_THAT(center.posts(), ElementsAre(host));
+    EXPECT_FALSE(serverBegins());
+    EXPECT_THAT(center.posts(), IsEmpty());
+    follower.connectToHost("pad.local");
+    follower.connectToAddress("10.0.0.5");
+    EXPECT_FALSE(serverBegins()) << "no device of a host";
+    EXPECT_THAT(center.posts(), ElementsAre(address));
+    follower.connectToAddress("10.0.0.5");
+    follower.chooseNone();
+    EXPECT_FALSE(serverBegins());
+    EXPECT_THAT(center.posts(), ElementsAre(none));
+}
+
+TEST_F(ConnectionFollowerTest, TheEndOfAConnectionAnswersTheRequestForNoDeviceAndNoOther)
+{
+    follower.chooseNone();
+    end();
+    EXPECT_FALSE(serverBegins());
+    EXPECT_THAT(center.posts(), IsEmpty());
+    follower.connectToHost("pad.local");
+    end();
+    EXPECT_THAT(center.posts(), IsEmpty());
+    EXPECT_TRUE(serverBegins());
+}
+
+TEST_F(ConnectionFollowerTest, AskedForSomethingElseByAnotherProgramItKeepsNothing)
+{
+    const auto hear = [this](const Post& post) {
+        follower.connectToHost("pad.local");
+        follower.heardRequest({post.name, nullptr, {post.userInfo.begin(), post.userInfo.end()}});
+        return serverBegins();
+    };
+    EXPECT_TRUE(hear(host)) << "its own";
+    EXPECT_FALSE(hear(Post{kConnectServerToHost, "", {{kConnectToHostNameKey, "slab.local"}}, 3}));
+    EXPECT_FALSE(hear(address));
+    EXPECT_FALSE(hear(none));
+}
+
+TEST_F(ConnectionFollowerTest, KeepsNothingThatIsForgottenOrSwitchedOff)
+{
+    follower.connectToHost("pad.local");
+    follower.forgetRequest();
+    EXPECT_FALSE(serverBegins());
+    follower.connectToHost("pad.local");
+    follower.quitServer();
+    EXPECT_FALSE(serverBegins());
+}
+
+} // namespace

@@ -1,6 +1,5 @@
 #include "Applications/CommandLine.h"
 #include "Applications/Preferences/PaneInterface.h"
-#include "Applications/Preferences/PaneSearch.h"
 #include "Applications/Preferences/PreferencesHost.h"
 #include "Applications/Preferences/SmokeTest.h"
 #include "Applications/Preferences/WindowOfTheSession.h"
@@ -11,8 +10,10 @@
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PosixSearchPaths.h"
 #include "Platform/Posix/StandardErrorLog.h"
+#include "Platform/SearchPaths.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QTextStream>
 
 #include <cstdio>
@@ -57,6 +58,34 @@ const farview::CommandLine::Options& options()
                            "to any, and end"_qs},
     };
     return list;
+}
+
+/// All preference panes of the user, of this computer and of the system, in this order.
+QStringList findPanes(farview::SearchPaths& searchPaths)
+{
+    QStringList panes;
+    const auto folders =
+        searchPaths.directories(farview::SearchPathDirectory::preferencePanes,
+                                farview::userDomain | farview::localDomain | farview::systemDomain);
+    for (const auto& folder : folders) {
+        const QDir directory(QString::fromStdString(folder));
+        for (const QString& name : directory.entryList({u"*.prefPane"_qs}, QDir::Dirs, QDir::Name))
+            panes += QDir::cleanPath(directory.absoluteFilePath(name));
+    }
+    return panes;
+}
+
+/// The pane to open: the one asked for (a path, perhaps a relative one), else the first of that
+/// name in the search paths, else an empty text.
+QString paneToOpen(const QString& asked, const QString& name, farview::SearchPaths& searchPaths)
+{
+    if (!asked.isEmpty())
+        return QDir::cleanPath(QDir::current().absoluteFilePath(asked));
+    for (const QString& pane : findPanes(searchPaths)) {
+        if (pane.endsWith(u'/' + name))
+            return pane;
+    }
+    return {};
 }
 
 bool hasDisplay()

@@ -307,6 +307,20 @@ TEST_F(TableOnTheAccessibilityBus, ItsDevicesAreBroughtIntoAnotherOrder)
     EXPECT_TRUE(waitUntil([&] { return rows() == QStringList{u"Desk"_qs, u"Sofa"_qs}; }));
 }
 
+TEST_F(TableOnTheAccessibilityBus, ADeviceIsForgottenAndBroughtBack)
+{
+    ASSERT_TRUE(boxOf(u"Sofa"_qs));
+    EXPECT_FALSE(boxOf(u"Sofa"_qs)->actions().contains(u"Forget"_qs)) << "it is there, not ticked";
+    ASSERT_TRUE(boxOf(u"Sofa"_qs)->perform(u"Toggle"_qs));
+    ASSERT_TRUE(waitUntil([&] { return isTicked(u"Sofa"_qs); }));
+    perform(u"Forget"_qs, {u"cell"_qs}, u"Sofa"_qs);
+    EXPECT_TRUE(waitUntil([&] { return !isTicked(u"Sofa"_qs); }));
+    EXPECT_TRUE(storesDevices({}));
+    perform(u"Undo Forget"_qs, {u"cell"_qs}, u"Sofa"_qs);
+    EXPECT_TRUE(waitUntil([&] { return isTicked(u"Sofa"_qs); }));
+    EXPECT_TRUE(storesDevices({"Sofa"}));
+}
+
 TEST_F(PanelOnTheAccessibilityBus, FillsTheSheetForAnAddressCancelsAndConfirmsIt)
 {
     const QStringList field = {u"text"_qs};

@@ -154,9 +154,8 @@ TEST_F(DesktopPlatformTest, TwoOfThemHaveConnectionsOfTheirOwn)
     const SessionBusScope scope(privateBus.address());
     DesktopPlatform host({});
     DesktopPlatform pane({});
-    EXPECT_TRUE(waitUntil([&] {
-        return host.sessionBus().isConnected() && pane.sessionBus().isConnected();
-    }));
+    EXPECT_TRUE(waitUntil(
+        [&] { return host.sessionBus().isConnected() && pane.sessionBus().isConnected(); }));
     EXPECT_NE(host.sessionBus().uniqueName(), pane.sessionBus().uniqueName());
 }
 

@@ -2,7 +2,6 @@
 
 #include "Tests/Source/PaneFixture.h"
 
-
 namespace
 {
 

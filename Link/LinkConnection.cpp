@@ -2,6 +2,9 @@
 
 #include <QHostAddress>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 #include <utility>
 
 namespace farview
@@ -23,6 +26,15 @@ std::string numericAddress(QHostAddress address)
         return QHostAddress(mapped).toString().toStdString();
     address.setScopeId(QString());
     return address.toString().toStdString();
+}
+
+/// The system accepts only little beyond what it can send now: the rest waits here, where it is
+/// counted. Where the system does not know the option, more waits there.
+void keepSystemsQueueShort(const QTcpSocket& socket)
+{
+    constexpr int limit = 32 * 1024;
+    ::setsockopt(static_cast<int>(socket.socketDescriptor()), IPPROTO_TCP, TCP_NOTSENT_LOWAT,
+                 &limit, sizeof limit);
 }
 
 } // namespace
@@ -64,8 +76,10 @@ void LinkConnection::begin()
                      later(&LinkConnection::peerClosed), Qt::QueuedConnection);
     QObject::connect(mSocket.get(), &QTcpSocket::errorOccurred, context,
                      later(&LinkConnection::peerClosed), Qt::QueuedConnection);
+    QObject::connect(mSocket.get(), &QTcpSocket::bytesWritten, context,
+                     later(&LinkConnection::bytesTaken), Qt::QueuedConnection);
     QObject::connect(&mSilence, &QTimer::timeout, context, later(&LinkConnection::silenceElapsed));
-    QObject::connect(&mKeepAlive, &QTimer::timeout, context, [this] { send(LinkKeepAlive{}); });
+    QObject::connect(&mKeepAlive, &QTimer::timeout, context, later(&LinkConnection::keepAlive));
     QObject::connect(&mDeadline, &QTimer::timeout, context,
                      later(&LinkConnection::deadlineElapsed));
     for (QTimer* timer : {&mDeadline, &mSilence, &mKeepAlive})
@@ -73,6 +87,7 @@ void LinkConnection::begin()
 
     mSocket->setReadBufferSize(4 * kReadAtOnce);
     mSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    keepSystemsQueueShort(*mSocket);
     mDeadline.start(mTimes.greeting);
     if (mSide == LinkSide::host)
         write(encodeGreeting(mSpeaks));
@@ -263,11 +278,14 @@ void LinkConnection::refuse(const LinkRefusal& refusal)
         leave(encodeAnswer(refusal), {LinkEndReason::closedHere, refusal.text});
 }
 
-void LinkConnection::send(const LinkFrame& frame)
+void LinkConnection::send(LinkFrame frame)
 {
-    const bool needsFeature = std::holds_alternative<LinkScreenRectangle>(frame);
-    if (mState == State::open && (!needsFeature || mAgreement.has(kLinkScreenFeature)))
-        write(encodeFrame(frame));
+    auto* picture = std::get_if<LinkScreenRectangle>(&frame);
+    if (mState != State::open || (picture && !mAgreement.has(kLinkScreenFeature)))
+        return;
+    write(encodeFrameHead(frame));
+    if (picture)
+        write(std::move(picture->data));
 }
 
 void LinkConnection::close(const LinkGoodbye& goodbye)
@@ -324,21 +342,50 @@ void LinkConnection::silenceElapsed()
     mSilence.start(kSecondLook);
 }
 
-void LinkConnection::write(const Bytes& bytes)
+void LinkConnection::write(Bytes bytes)
 {
-    mSocket->write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
+    mUnsentSize += bytes.size();
+    const Bytes& kept = mUnsent.emplace_back(std::move(bytes));
+    mSocket->write(QByteArray::fromRawData(reinterpret_cast<const char*>(kept.data()),
+                                           static_cast<qsizetype>(kept.size())));
+    mRoomIsAwaited = mRoomIsAwaited || !hasRoom();
     if (mState == State::open)
+        mKeepAlive.start(mTimes.keepAlive);
+    if (mState == State::open && unsent() > kLinkUnsentLimit) {
+        leave({}, {LinkEndReason::silent, "The peer does not read what it is sent."});
+        mDeadline.start(0);
+    }
+}
+
+void LinkConnection::bytesTaken()
+{
+    while (!mUnsent.empty() && mUnsentSize - mUnsent.front().size() >= unsent()) {
+        mUnsentSize -= mUnsent.front().size();
+        mUnsent.pop_front();
+    }
+    if (mState != State::open || !hasRoom() || !std::exchange(mRoomIsAwaited, false))
+        return;
+    if (const auto delegate = mDelegate.lock())
+        delegate->linkHasRoom(*this);
+}
+
+/// What waits already is a sign of life when it arrives.
+void LinkConnection::keepAlive()
+{
+    if (unsent() == 0)
+        send(LinkKeepAlive{});
+    else
         mKeepAlive.start(mTimes.keepAlive);
 }
 
 /// Stays until the peer has closed: closing over unread bytes could take our last words back.
-void LinkConnection::leave(const Bytes& lastWords, LinkEnd end)
+void LinkConnection::leave(Bytes lastWords, LinkEnd end)
 {
     mSilence.stop();
     mKeepAlive.stop();
     mState = State::leaving;
     mEndAfterLeaving = std::move(end);
-    write(lastWords);
+    write(std::move(lastWords));
     mSocket->flush();
     mDeadline.start(mTimes.farewell);
 }

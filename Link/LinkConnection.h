@@ -1,13 +1,15 @@
 #pragma once
 
-#include "Link/Wire/LinkCodec.h"
 #include "Link/LinkEnd.h"
+#include "Link/Wire/LinkCodec.h"
 
 #include <QByteArray>
 #include <QTcpSocket>
 #include <QTimer>
 
 #include <chrono>
+#include <cstddef>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +24,13 @@ struct LinkTimes {
     std::chrono::milliseconds silence{4000};
     std::chrono::milliseconds farewell{800};
 };
+
+/// There is room for a picture while less than this waits to be sent: the network takes it within
+/// some milliseconds.
+inline constexpr std::size_t kLinkRoom = std::size_t{64} << 10;
+/// A connection on which more waits than this ends: the peer does not read. It is twice the largest
+/// picture, so whoever asks for room never comes there.
+inline constexpr std::size_t kLinkUnsentLimit = 2 * kLinkScreenDataLimit;
 
 class LinkConnection;
 
@@ -40,6 +49,8 @@ public:
     virtual void linkDidOpen(LinkConnection& connection) = 0;
     /// Options or a screen rectangle; signs of life and goodbyes are kept by the connection.
     virtual void linkDidReceive(LinkConnection& connection, const LinkFrame& frame) = 0;
+    /// There is room for the next picture again, after `hasRoom` was false.
+    virtual void linkHasRoom(LinkConnection&) {}
     /// The last call, exactly once, unless the connection was dropped before.
     virtual void linkDidEnd(LinkConnection& connection, const LinkEnd& end) = 0;
 };
@@ -65,8 +76,15 @@ public:
     /// Device side, before `accept`; ignored at any other time.
     void refuse(const LinkRefusal& refusal);
     /// Sends a frame while the connection is open; ignored otherwise, and without the feature that
-    /// the frame needs.
-    void send(const LinkFrame& frame);
+    /// the frame needs. Returns at once. Takes the frame over: the data of a picture are read where
+    /// they lie until the network has them. Everything arrives in the order of these calls, so a
+    /// picture is sent only while there is room, and in packets that take a fraction of a second:
+    /// the next goodbye waits until it has gone.
+    void send(LinkFrame frame);
+    /// How many bytes wait here because the network did not take them yet.
+    std::size_t unsent() const { return static_cast<std::size_t>(mSocket->bytesToWrite()); }
+    /// Whether the next picture may be sent. `linkHasRoom` tells when it may again.
+    bool hasRoom() const { return unsent() < kLinkRoom; }
     /// Says goodbye and ends; `linkDidEnd` follows within the farewell time. A second call is
     /// ignored.
     void close(const LinkGoodbye& goodbye);
@@ -101,14 +119,20 @@ private:
     void peerClosed();
     void silenceElapsed();
     void deadlineElapsed();
-    void write(const Bytes& bytes);
-    void leave(const Bytes& lastWords, LinkEnd end);
+    void write(Bytes bytes);
+    void bytesTaken();
+    void keepAlive();
+    void leave(Bytes lastWords, LinkEnd end);
     void end(const LinkEnd& end);
 
     LinkSide mSide;
     LinkGreeting mSpeaks;
     LinkTimes mTimes;
     std::weak_ptr<LinkConnectionDelegate> mDelegate;
+    /// What the socket reads from; it goes before them.
+    std::deque<Bytes> mUnsent;
+    std::size_t mUnsentSize = 0; ///< of all of `mUnsent`
+    bool mRoomIsAwaited = false;
     std::unique_ptr<QTcpSocket> mSocket;
     QTimer mDeadline; ///< of the greeting, then of the farewell
     QTimer mSilence;

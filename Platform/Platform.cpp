@@ -264,6 +264,7 @@ template <> class No<RunLoop> final : public RunLoop
     {
         return std::make_shared<SpentWait>();
     }
+    void post(std::weak_ptr<void>, Action) override {}
     Duration now() const override { return Duration::zero(); }
 };
 

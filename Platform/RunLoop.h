@@ -23,7 +23,8 @@ public:
     virtual bool isValid() const = 0;
 };
 
-/// The thread's stream of events. Everything happens on the main thread.
+/// The main thread's stream of events. Everything happens there; only `post` may be called from
+/// elsewhere.
 ///
 /// Timers and delayed performs are bound weakly to a target: once the target is gone they fire into
 /// nothing. There are no nested loops: a wait returns at once and reports its end by a call.
@@ -56,6 +57,12 @@ public:
     /// `stop()` or after `limit`, whichever comes first; never when `target` is gone by then. The
     /// loop owns the wait.
     virtual std::shared_ptr<Wait> run(Duration limit, std::weak_ptr<void> target, Action then) = 0;
+
+    /// Calls `action` once on the main thread, on a later turn, if `target` lives then; a loop that
+    /// sleeps wakes. May be called from any thread while the loop exists, and is the only way from
+    /// another thread to the main one. What one thread posts comes in its order. The action is
+    /// destroyed on the main thread. What is still queued when the loop goes never fires.
+    virtual void post(std::weak_ptr<void> target, Action action) = 0;
 
     /// The time since some fixed moment, on the clock that the timers follow.
     virtual Duration now() const = 0;

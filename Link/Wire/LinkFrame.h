@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Link/Wire/ByteReader.h"
+#include "Link/Wire/ScreenPacket.h"
 #include "Platform/Types/PixelRect.h"
 
 #include <cstdint>
@@ -38,7 +39,7 @@ struct LinkGoodbye {
 /// One update of the screen: a screen packet, whose header says the size of `data` too.
 struct LinkScreenRectangle {
     PixelRect rectangle;
-    std::uint8_t encoding = 0;
+    std::uint8_t encoding = QLScreenEncodingLibz; ///< any byte, as in the header
     Bytes data;
 
     bool operator==(const LinkScreenRectangle&) const = default;

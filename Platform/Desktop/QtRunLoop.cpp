@@ -1,6 +1,5 @@
 #include "Platform/Desktop/QtRunLoop.h"
 
-#include <QObject>
 #include <QTimer>
 
 #include <algorithm>
@@ -125,6 +124,15 @@ std::shared_ptr<RunLoop::Wait> QtRunLoop::run(Duration limit, std::weak_ptr<void
                                               Action then)
 {
     return startTimer(mPending, limit, false, std::move(target), std::move(then));
+}
+
+void QtRunLoop::post(std::weak_ptr<void> target, Action action)
+{
+    auto perform = [target = std::move(target), action = std::move(action)] {
+        if (const auto alive = target.lock())
+            action();
+    };
+    QMetaObject::invokeMethod(&mReceiver, std::move(perform), Qt::QueuedConnection);
 }
 
 Duration QtRunLoop::now() const { return std::chrono::steady_clock::now().time_since_epoch(); }

@@ -2,13 +2,15 @@
 
 #include "Platform/RunLoop.h"
 
+#include <QObject>
+
 #include <memory>
 
 namespace farview
 {
 
 /// The run loop on Qt's event loop. The application object must exist before the first timer.
-/// Main thread only.
+/// Main thread only, but for `post`.
 ///
 /// Time is the system's monotonic clock: it stands still while the computer is suspended and does
 /// not follow changes of the wall clock. What is still pending when the loop object goes never
@@ -23,6 +25,7 @@ public:
                                           std::weak_ptr<void> target, Action action) override;
     void performAfterDelay(Duration delay, std::weak_ptr<void> target, Action action) override;
     std::shared_ptr<Wait> run(Duration limit, std::weak_ptr<void> target, Action then) override;
+    void post(std::weak_ptr<void> target, Action action) override;
     Duration now() const override;
 
     /// What the loop still owns: timers, delayed performs and waits.
@@ -32,6 +35,7 @@ public:
 
 private:
     std::shared_ptr<Pending> mPending;
+    QObject mReceiver; ///< of posts: they go with it
 };
 
 } // namespace farview

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <mutex>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace farview
 {
@@ -33,12 +35,14 @@ struct FakeRunLoop::Entry final : Timer, Wait, std::enable_shared_from_this<Entr
     void stop() override;
 };
 
-struct FakeRunLoop::State {
+struct FakeRunLoop::State final : std::enable_shared_from_this<State> {
     std::map<std::pair<Duration, std::uint64_t>, std::shared_ptr<Entry>> queue;
     std::uint64_t scheduled = 0;
     Duration now{0};
     Duration wallClockDifference{0};
     bool firing = false;
+    std::mutex postsLock;
+    std::vector<std::pair<std::weak_ptr<void>, Action>> posts; ///< of any thread, not queued yet
 
     void put(const std::shared_ptr<Entry>& entry, Duration due)
     {
@@ -49,6 +53,13 @@ struct FakeRunLoop::State {
     {
         queue.erase(entry->place);
         entry->isPending = false;
+    }
+    std::shared_ptr<Entry> schedule(Duration delay, std::weak_ptr<void> target, Action action);
+    void queuePosts();
+    bool isDue(Duration time)
+    {
+        queuePosts();
+        return !queue.empty() && queue.begin()->first.first <= time;
     }
 };
 
@@ -74,26 +85,39 @@ FakeRunLoop::FakeRunLoop() : mState(std::make_shared<State>()) {}
 FakeRunLoop::~FakeRunLoop()
 {
     // A handler's last reference may be to something that schedules or invalidates while it goes.
-    while (!mState->queue.empty())
+    while (pendingCount() > 0) {
+        mState->queuePosts();
         mState->take(std::shared_ptr<Entry>(mState->queue.begin()->second));
+    }
 }
 
-std::shared_ptr<FakeRunLoop::Entry> FakeRunLoop::schedule(Duration delay,
-                                                          std::weak_ptr<void> target, Action action)
+std::shared_ptr<FakeRunLoop::Entry>
+FakeRunLoop::State::schedule(Duration delay, std::weak_ptr<void> target, Action action)
 {
     auto entry = std::make_shared<Entry>();
-    entry->state = mState;
+    entry->state = weak_from_this();
     entry->target = std::move(target);
     entry->action = std::move(action);
-    mState->put(entry, mState->now + std::max(delay, Duration::zero()));
+    put(entry, now + std::max(delay, Duration::zero()));
     return entry;
+}
+
+void FakeRunLoop::State::queuePosts()
+{
+    decltype(posts) arrived;
+    {
+        const std::lock_guard lock(postsLock);
+        arrived.swap(posts);
+    }
+    for (auto& [target, action] : arrived)
+        schedule(Duration::zero(), std::move(target), std::move(action));
 }
 
 std::shared_ptr<Timer> FakeRunLoop::scheduledTimer(Duration interval, bool repeats,
                                                    std::weak_ptr<void> target, Action action)
 {
     const Duration span = std::max(interval, shortestInterval);
-    auto entry = schedule(span, std::move(target), std::move(action));
+    auto entry = mState->schedule(span, std::move(target), std::move(action));
     if (repeats)
         entry->interval = span;
     return entry;
@@ -101,15 +125,21 @@ std::shared_ptr<Timer> FakeRunLoop::scheduledTimer(Duration interval, bool repea
 
 void FakeRunLoop::performAfterDelay(Duration delay, std::weak_ptr<void> target, Action action)
 {
-    schedule(delay, std::move(target), std::move(action));
+    mState->schedule(delay, std::move(target), std::move(action));
 }
 
 std::shared_ptr<RunLoop::Wait> FakeRunLoop::run(Duration limit, std::weak_ptr<void> target,
                                                 Action then)
 {
-    auto entry = schedule(limit, std::move(target), std::move(then));
+    auto entry = mState->schedule(limit, std::move(target), std::move(then));
     entry->isWait = true;
     return entry;
+}
+
+void FakeRunLoop::post(std::weak_ptr<void> target, Action action)
+{
+    const std::lock_guard lock(mState->postsLock);
+    mState->posts.emplace_back(std::move(target), std::move(action));
 }
 
 Duration FakeRunLoop::now() const { return mState->now; }
@@ -158,7 +188,7 @@ void FakeRunLoop::fireDueUntil(Duration time)
     const auto state = mState;
     const Firing firing(state->firing);
     int atSameTime = 0;
-    while (!state->queue.empty() && state->queue.begin()->first.first <= time) {
+    while (state->isDue(time)) {
         const auto before = state->now;
         fireNext();
         atSameTime = state->now > before ? 0 : atSameTime + 1;
@@ -180,6 +210,7 @@ bool FakeRunLoop::turn()
 {
     const auto state = mState;
     const Firing firing(state->firing);
+    state->queuePosts();
     const auto firstOfNextTurn = state->scheduled;
     bool fired = false;
     while (!state->queue.empty()) {
@@ -195,7 +226,12 @@ bool FakeRunLoop::turn()
 void FakeRunLoop::suspend(Duration span) { mState->wallClockDifference += span; }
 void FakeRunLoop::jumpWallClock(Duration difference) { mState->wallClockDifference += difference; }
 Duration FakeRunLoop::wallClock() const { return mState->now + mState->wallClockDifference; }
-std::size_t FakeRunLoop::pendingCount() const { return mState->queue.size(); }
+
+std::size_t FakeRunLoop::pendingCount() const
+{
+    const std::lock_guard lock(mState->postsLock);
+    return mState->queue.size() + mState->posts.size();
+}
 
 std::size_t FakeRunLoop::waitCount() const
 {

@@ -22,6 +22,8 @@ public:
                                           std::weak_ptr<void> target, Action action) override;
     void performAfterDelay(Duration delay, std::weak_ptr<void> target, Action action) override;
     std::shared_ptr<Wait> run(Duration limit, std::weak_ptr<void> target, Action then) override;
+    /// Queued like a perform without delay, once the clock is moved.
+    void post(std::weak_ptr<void> target, Action action) override;
     Duration now() const override;
 
     /// Moves the clock on and fires everything that falls due on the way, each at its own time.
@@ -41,7 +43,7 @@ public:
     /// Seconds of the wall clock since the loop was made.
     Duration wallClock() const;
 
-    /// How many timers, performs and waits have not come to their end yet.
+    /// How many timers, performs, posts and waits have not come to their end yet.
     std::size_t pendingCount() const;
     /// How many waits are under way.
     std::size_t waitCount() const;
@@ -50,7 +52,6 @@ private:
     struct Entry;
     struct State;
 
-    std::shared_ptr<Entry> schedule(Duration delay, std::weak_ptr<void> target, Action action);
     void fireNext();
     void fireDueUntil(Duration time);
 

@@ -13,8 +13,8 @@ struct PixelPoint {
     bool operator==(const PixelPoint&) const = default;
 };
 
-/// A part of a screen, in pixels. Nothing else says where pixels are: not the link, not its log.
-/// One that comes from outside may lie anywhere and have negative sides.
+/// A part of a screen, in pixels. One that comes from another program may lie anywhere and have
+/// negative sides.
 struct PixelRect {
     std::int16_t x = 0;
     std::int16_t y = 0;

@@ -4,8 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace farview
@@ -205,6 +208,70 @@ TYPED_TEST(RunLoopContract, OneWaitEndsInsideTheOthersWithoutDisturbingThem)
     EXPECT_EQ(this->mNotes, Notes{"first"});
     this->pass(tick * 5);
     EXPECT_EQ(this->mNotes, (Notes{"first", "second"}));
+}
+
+TYPED_TEST(RunLoopContract, APostComesOnALaterTurnInTheOrderOfPosting)
+{
+    this->loop().post(this->mTarget, [&] {
+        this->mNotes.push_back("first");
+        this->loop().post(this->mTarget, this->note("third"));
+    });
+    this->loop().post(this->mTarget, this->note("second"));
+    EXPECT_EQ(this->mNotes, Notes{});
+    this->pass(tick);
+    EXPECT_EQ(this->mNotes, (Notes{"first", "second", "third"}));
+}
+
+TYPED_TEST(RunLoopContract, ThreadsPostToTheMainThreadEachInItsOrder)
+{
+    constexpr int posts = 500;
+    std::array<std::vector<int>, 4> arrived;
+    bool onMainThread = true;
+    std::vector<std::jthread> threads;
+    for (auto& numbers : arrived) {
+        threads.emplace_back([&, main = std::this_thread::get_id()] {
+            for (int number = 0; number < posts; ++number) {
+                this->loop().post(this->mTarget, [&, main, number] {
+                    numbers.push_back(number);
+                    onMainThread = onMainThread && std::this_thread::get_id() == main;
+                });
+            }
+        });
+    }
+    // The loop runs while they post, too.
+    for (int rounds = 0; rounds < 3; ++rounds)
+        this->pass(tick);
+    threads.clear();
+    this->pass(tick * 2);
+    EXPECT_TRUE(onMainThread);
+    for (const auto& numbers : arrived) {
+        EXPECT_EQ(numbers.size(), static_cast<std::size_t>(posts));
+        EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+    }
+}
+
+TYPED_TEST(RunLoopContract, APostForATargetThatHasGoneIsDroppedOnTheMainThread)
+{
+    const auto held = std::make_shared<int>(0);
+    std::jthread([&] {
+        this->loop().post(this->mTarget, [&, held] { this->mNotes.push_back("late"); });
+    }).join();
+    this->mTarget.reset();
+    EXPECT_EQ(held.use_count(), 2);
+    this->pass(tick);
+    EXPECT_EQ(held.use_count(), 1);
+    EXPECT_EQ(this->mNotes, Notes{});
+}
+
+TYPED_TEST(RunLoopContract, WhatIsStillPostedWhenTheLoopGoesNeverFires)
+{
+    const auto held = std::make_shared<int>(0);
+    auto bench = std::make_unique<TypeParam>();
+    bench->loop.post(this->mTarget, [&, held] { this->mNotes.push_back("late"); });
+    bench.reset();
+    EXPECT_EQ(held.use_count(), 1);
+    this->pass(tick);
+    EXPECT_EQ(this->mNotes, Notes{});
 }
 
 } // namespace

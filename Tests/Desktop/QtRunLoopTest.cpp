@@ -3,9 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <atomic>
 #include <ctime>
 #include <limits>
 #include <memory>
+#include <thread>
 
 namespace farview
 {
@@ -32,6 +38,7 @@ TEST(QtRunLoop, NothingFiresAfterItHasGone)
     const auto timer = loop->scheduledTimer(Duration{0.01}, true, target, [&] { ++fired; });
     const auto wait = loop->run(Duration{0.01}, target, [&] { ++fired; });
     loop->performAfterDelay(Duration::zero(), target, [&] { ++fired; });
+    loop->post(target, [&] { ++fired; });
     loop.reset();
     wait->stop();
     runLoopFor(std::chrono::milliseconds(60));
@@ -85,6 +92,49 @@ TEST(QtRunLoop, AHandlerMayReleaseWhatItBelongsTo)
     });
     ASSERT_TRUE(waitUntil([&] { return loop.pendingCount() == 0; }));
     EXPECT_EQ(fired, 1);
+}
+
+/// Counts how often the loop went to sleep, for as long as it lives.
+struct Sleeps : QObject {
+    std::atomic<int> count = 0;
+
+    Sleeps()
+    {
+        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+                [this] { ++count; });
+    }
+};
+
+TEST(QtRunLoop, WakesForAPostOfAnotherThread)
+{
+    QtRunLoop loop;
+    bool fired = false;
+    bool overslept = false;
+    QTimer guard;
+    guard.callOnTimeout([&] { overslept = true; });
+    guard.start(std::chrono::seconds(20));
+    Sleeps sleeps;
+    std::jthread poster([&] {
+        while (sleeps.count == 0)
+            std::this_thread::yield();
+        loop.post(target, [&] { fired = true; });
+    });
+    while (!fired && !overslept)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_TRUE(fired);
+    EXPECT_FALSE(overslept);
+}
+
+TEST(QtRunLoop, SleepsWhileNothingIsPosted)
+{
+    QtRunLoop loop;
+    bool over = false;
+    runLoopFor(std::chrono::milliseconds(1)); // what others left behind
+    QTimer::singleShot(300, [&] { over = true; });
+    Sleeps sleeps;
+    while (!over)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_LE(sleeps.count, 3);
 }
 
 } // namespace

@@ -29,6 +29,7 @@ struct LinkRecorder final : LinkConnectionDelegate {
     bool opened = false;
     std::vector<LinkFrame> frames;
     std::vector<LinkEnd> ends;
+    int timesOfRoom = 0;
     std::function<void(LinkConnection&)> onGreet = [](LinkConnection& link) { link.accept(); };
     std::function<void()> onOpen = [] {};
     std::function<void()> onReceive = [] {};
@@ -49,6 +50,7 @@ struct LinkRecorder final : LinkConnectionDelegate {
         frames.push_back(frame);
         onReceive();
     }
+    void linkHasRoom(LinkConnection&) override { ++timesOfRoom; }
     void linkDidEnd(LinkConnection&, const LinkEnd& end) override
     {
         ends.push_back(end);
@@ -65,10 +67,11 @@ struct LinkRecorder final : LinkConnectionDelegate {
 
 /// Two connected sockets on the loopback interface: the host's and the device's.
 struct SocketPair {
-    std::unique_ptr<QTcpSocket> host = std::make_unique<QTcpSocket>();
+    std::unique_ptr<QTcpSocket> host;
     std::unique_ptr<QTcpSocket> device;
 
-    SocketPair()
+    explicit SocketPair(std::unique_ptr<QTcpSocket> unconnected = std::make_unique<QTcpSocket>())
+        : host(std::move(unconnected))
     {
         QTcpServer server;
         server.listen(QHostAddress::LocalHost, 0);

@@ -179,6 +179,10 @@ public:
     {
         return mInner.run(limit, target, std::move(then));
     }
+    void post(std::weak_ptr<void> target, Action action) override
+    {
+        mInner.post(target, std::move(action));
+    }
     Duration now() const override { return mInner.now(); }
 
 private:

@@ -22,6 +22,7 @@
 #include "Platform/SystemVersion.h"
 #include "Platform/Text.h"
 #include "Platform/Updater.h"
+#include "Platform/VirtualScreens.h"
 #include "Platform/Workspace.h"
 
 #include <cerrno>
@@ -320,6 +321,20 @@ template <> class No<Updaters> final : public Updaters
     }
 };
 
+template <> class No<VirtualScreens> final : public VirtualScreens
+{
+    void availability(std::weak_ptr<void> target, Answer then) override
+    {
+        if (const auto kept = target.lock())
+            then({});
+    }
+    std::unique_ptr<VirtualScreen> open(const ScreenWish&,
+                                        std::weak_ptr<VirtualScreenDelegate>) override
+    {
+        return nullptr;
+    }
+};
+
 template <> class No<Workspace> final : public Workspace
 {
     bool launchApplicationAtURL(const URL&, unsigned) override { return false; }
@@ -364,6 +379,7 @@ template SearchPaths* nothingHere();
 template SystemVersion* nothingHere();
 template Text* nothingHere();
 template Updaters* nothingHere();
+template VirtualScreens* nothingHere();
 template Workspace* nothingHere();
 
 Platform& Platform::current()

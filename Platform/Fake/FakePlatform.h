@@ -22,6 +22,7 @@
 #include "Platform/Fake/FakeSystemVersion.h"
 #include "Platform/Fake/FakeText.h"
 #include "Platform/Fake/FakeUpdater.h"
+#include "Platform/Fake/FakeVirtualScreens.h"
 #include "Platform/Fake/FakeWorkspace.h"
 #include "Platform/LocalNotificationCenter.h"
 #include "Platform/Platform.h"
@@ -66,6 +67,7 @@ public:
     FakeSystemVersion systemVersion;
     FakeText text;
     FakeUpdaters updaters;
+    FakeVirtualScreens virtualScreens{runLoop};
     FakeWorkspace workspace;
 
 private:

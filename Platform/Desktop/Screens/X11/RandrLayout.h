@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace farview
@@ -13,6 +14,7 @@ struct RandrMode {
     RandrNumber id = 0;
     int width = 0;
     int height = 0;
+    std::string name = {};
 };
 
 /// A part of the screen, and the outputs that show it. Without a mode it is off.
@@ -36,6 +38,7 @@ struct RandrOutput {
     /// What it could show, and how.
     std::vector<RandrNumber> crtcs;
     std::vector<RandrNumber> modes;
+    std::string name = {};
 };
 
 struct RandrSize {

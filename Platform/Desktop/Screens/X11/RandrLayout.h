@@ -26,7 +26,7 @@ struct RandrCrtc {
     int height = 0;
     RandrNumber mode = 0;
     std::uint16_t rotation = 1;
-    std::vector<RandrNumber> outputs;
+    std::vector<RandrNumber> outputs = {};
 
     bool operator==(const RandrCrtc&) const = default;
 };

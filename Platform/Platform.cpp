@@ -243,14 +243,10 @@ template <> class No<ProcessTable> final : public ProcessTable
     int contents(std::span<ProcessRecord>, std::size_t&) override { return ENOSYS; }
 };
 
-class SpentTimer final : public Timer
+class Spent final : public Timer, public RunLoop::Wait
 {
     void invalidate() override {}
     bool isValid() const override { return false; }
-};
-
-class SpentWait final : public RunLoop::Wait
-{
     void stop() override {}
 };
 
@@ -258,12 +254,12 @@ template <> class No<RunLoop> final : public RunLoop
 {
     std::shared_ptr<Timer> scheduledTimer(Duration, bool, std::weak_ptr<void>, Action) override
     {
-        return std::make_shared<SpentTimer>();
+        return std::make_shared<Spent>();
     }
     void performAfterDelay(Duration, std::weak_ptr<void>, Action) override {}
     std::shared_ptr<Wait> run(Duration, std::weak_ptr<void>, Action) override
     {
-        return std::make_shared<SpentWait>();
+        return std::make_shared<Spent>();
     }
     void post(std::weak_ptr<void>, Action) override {}
     Duration now() const override { return Duration::zero(); }
@@ -328,11 +324,7 @@ template <> class No<VirtualScreens> final : public VirtualScreens
         if (const auto kept = target.lock())
             then({});
     }
-    std::unique_ptr<VirtualScreen> open(const ScreenWish&,
-                                        std::weak_ptr<VirtualScreenDelegate>) override
-    {
-        return nullptr;
-    }
+    std::unique_ptr<VirtualScreen> open(const ScreenWish&, Delegate) override { return nullptr; }
 };
 
 template <> class No<Workspace> final : public Workspace

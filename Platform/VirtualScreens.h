@@ -101,6 +101,7 @@ class VirtualScreens
 {
 public:
     using Answer = std::function<void(const ScreenAvailability&)>;
+    using Delegate = std::weak_ptr<VirtualScreenDelegate>;
 
     virtual ~VirtualScreens() = default;
 
@@ -109,8 +110,7 @@ public:
     virtual void availability(std::weak_ptr<void> target, Answer then) = 0;
     /// Begins to make a monitor; the delegate hears what becomes of it. Null where there is nobody
     /// to ask, which is `noDesktop`.
-    virtual std::unique_ptr<VirtualScreen> open(const ScreenWish& wish,
-                                                std::weak_ptr<VirtualScreenDelegate> delegate) = 0;
+    virtual std::unique_ptr<VirtualScreen> open(const ScreenWish& wish, Delegate delegate) = 0;
 };
 
 } // namespace farview

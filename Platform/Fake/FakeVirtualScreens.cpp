@@ -159,8 +159,7 @@ void FakeVirtualScreens::availability(std::weak_ptr<void> target, Answer then)
     mLoop.post(std::move(target), [found, then = std::move(then)] { then(found); });
 }
 
-std::unique_ptr<VirtualScreen>
-FakeVirtualScreens::open(const ScreenWish& wish, std::weak_ptr<VirtualScreenDelegate> delegate)
+std::unique_ptr<VirtualScreen> FakeVirtualScreens::open(const ScreenWish& wish, Delegate delegate)
 {
     auto monitor = std::make_shared<FakeMonitor>(mLoop, wish, std::move(delegate));
     mMonitors.push_back(monitor);

@@ -65,8 +65,7 @@ public:
     explicit FakeVirtualScreens(FakeRunLoop& loop) : mLoop(loop) {}
 
     void availability(std::weak_ptr<void> target, Answer then) override;
-    std::unique_ptr<VirtualScreen> open(const ScreenWish& wish,
-                                        std::weak_ptr<VirtualScreenDelegate> delegate) override;
+    std::unique_ptr<VirtualScreen> open(const ScreenWish& wish, Delegate delegate) override;
 
     /// From now on; nothing: monitors can be made.
     void setObstacle(std::optional<ScreenObstacle> obstacle) { mObstacle = obstacle; }

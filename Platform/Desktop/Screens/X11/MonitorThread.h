@@ -1,9 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/Screens/X11/CapturedScreen.h"
-#include "Platform/Desktop/Screens/X11/RandrServer.h"
-#include "Platform/Posix/FileDescriptor.h"
-#include "Platform/VirtualScreens.h"
+#include "Platform/Desktop/Screens/X11/ShownMonitor.h"
 
 #include <condition_variable>
 #include <functional>
@@ -16,36 +13,13 @@
 namespace farview
 {
 
-/// Wakes a thread that waits for files.
-class WakeUp
-{
-public:
-    WakeUp();
-    void ring() const;
-    void silence() const;
-    int descriptor() const { return mDescriptor.get(); }
-
-private:
-    FileDescriptor mDescriptor;
-};
-
-/// What the owner of a monitor asks of its thread; the newest wish replaces older ones.
-struct MonitorWishes {
-    std::optional<RandrSize> size;
-    std::optional<PixelPoint> place;
-    bool end = false;
-};
-
 /// The thread of one monitor of an X server: makes it, captures it, removes it. All talk with the
 /// server happens here.
 class MonitorThread
 {
 public:
-    using News = std::function<void(VirtualScreenDelegate&)>;
-    /// Called on the thread with what the delegate is to be told.
-    using Tell = std::function<void(News)>;
-
-    MonitorThread(ScreenWish wish, std::string watcher, Tell tell);
+    /// `tell` is called on the thread.
+    MonitorThread(ScreenWish wish, std::string watcher, ShownMonitor::Tell tell);
     /// Removes the monitor. Waits for that, but not for a server that does not answer.
     ~MonitorThread();
     MonitorThread(const MonitorThread&) = delete;
@@ -56,24 +30,21 @@ public:
     CapturedScreen& screen() { return *mScreen; }
 
 private:
-    class Talk;
+    using Conversation = std::function<std::optional<ScreenObstacle>(RandrServer&)>;
 
     void run();
-    std::optional<ScreenObstacle> converse();
+    std::optional<ScreenObstacle> converse(const Conversation& conversation);
     std::optional<ScreenObstacle> show(RandrServer& server);
-    MonitorWishes takeWishes();
-    void wish(const std::function<void(MonitorWishes&)>& change);
 
     ScreenWish mWish;
     std::string mWatcher;
     std::string mDisplay;
-    Tell mTell;
-    std::shared_ptr<WakeUp> mWakeUp = std::make_shared<WakeUp>();
+    ShownMonitor::Tell mTell;
+    std::shared_ptr<MonitorOrders> mOrders = std::make_shared<MonitorOrders>();
     std::shared_ptr<CapturedScreen> mScreen;
     ConnectionBreaker mBreaker;
     std::mutex mMutex;
     std::condition_variable mEnded;
-    MonitorWishes mWishes;
     bool mHasEnded = false;
     std::thread mThread;
 };

@@ -31,8 +31,7 @@ pid_t spawn(const std::string& program, int input)
     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
     ::posix_spawn_file_actions_adddup2(&files, input, STDIN_FILENO);
     auto name = program;
-    auto owner = std::to_string(::getpid());
-    std::array<char*, 3> arguments{name.data(), owner.data(), nullptr};
+    std::array<char*, 2> arguments{name.data(), nullptr};
     pid_t process = -1;
     if (::posix_spawn(&process, name.c_str(), &files, &attributes, arguments.data(), environ) != 0)
         process = -1;
@@ -51,16 +50,6 @@ bool endsWell(pid_t process)
     return status == 0;
 }
 
-bool undoMonitorOf(RandrServer& server, pid_t owner)
-{
-    // Nobody becomes the owner between the look and the undoing.
-    xcb_grab_server(server.connection());
-    const auto journal = readJournal(server);
-    if (!journal || journal->owner != static_cast<std::uint32_t>(owner) || hasOwner(server))
-        return true;
-    return undoMonitor(server);
-}
-
 } // namespace
 
 FileDescriptor startMonitorWatcher(const std::string& program)
@@ -74,7 +63,7 @@ FileDescriptor startMonitorWatcher(const std::string& program)
     return process > 0 && endsWell(process) ? std::move(writingEnd) : FileDescriptor();
 }
 
-bool watchMonitorOf(pid_t owner)
+bool watchMonitor()
 {
     if (const pid_t child = ::fork(); child != 0)
         return child > 0;
@@ -83,12 +72,10 @@ bool watchMonitorOf(pid_t owner)
     }
     const XConnection connection(xcb_connect(nullptr, nullptr));
     RandrServer server(connection.get());
-    if (!server.isUsable())
-        return false;
     // The server notices the end of a program at its own time.
-    for (int look = 0; look < 1000 && hasOwner(server); ++look)
+    for (int look = 0; look < 1000 && server.isUsable() && hasOwner(server); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    return undoMonitorOf(server, owner);
+    return undoAbandonedMonitor(server);
 }
 
 } // namespace farview

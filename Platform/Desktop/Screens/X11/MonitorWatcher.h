@@ -2,8 +2,6 @@
 
 #include "Platform/Posix/FileDescriptor.h"
 
-#include <sys/types.h>
-
 #include <string>
 
 namespace farview
@@ -16,7 +14,7 @@ namespace farview
 FileDescriptor startMonitorWatcher(const std::string& program);
 
 /// What that program does: becomes nobody's child, waits until nobody holds the other end of its
-/// input, and undoes what the process of that number left. True when nothing is left.
-bool watchMonitorOf(pid_t owner);
+/// input, and undoes the monitor that is left. True when none is.
+bool watchMonitor();
 
 } // namespace farview

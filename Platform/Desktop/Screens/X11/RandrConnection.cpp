@@ -37,27 +37,18 @@ struct Conversation {
 /// As screens of 96 points per inch would have it, which is what programs expect.
 int millimetres(int pixels) { return (pixels * 254 + 480) / 960; }
 
-xcb_connection_t* held(xcb_connection_t* connection, ConnectionBreaker& breaker)
-{
-    breaker.hold(xcb_get_file_descriptor(connection));
-    return connection;
-}
-
 } // namespace
 
 struct RandrConnection::Server {
-    ConnectionBreaker& breaker;
     XConnection connection;
+    BreakerHold hold;
     RandrServer randr;
 
     Server(const std::string& display, ConnectionBreaker& breaker)
-        : breaker(breaker), connection(xcb_connect(display.c_str(), nullptr)),
-          randr(held(connection.get(), breaker))
+        : connection(xcb_connect(display.c_str(), nullptr)), hold(breaker, connection.get()),
+          randr(connection.get())
     {
     }
-    ~Server() { breaker.release(); }
-    Server(const Server&) = delete;
-    Server& operator=(const Server&) = delete;
 
     bool resize(RandrSize size)
     {

@@ -279,4 +279,13 @@ bool undoMonitor(RandrServer& server)
     return layout && !readJournal(server);
 }
 
+bool undoAbandonedMonitor(RandrServer& server)
+{
+    if (!server.isUsable())
+        return false;
+    // Nobody becomes the owner between the look and the undoing.
+    const ServerGrab grab(server);
+    return hasOwner(server) || !readJournal(server) || undoMonitor(server);
+}
+
 } // namespace farview

@@ -14,7 +14,8 @@ namespace farview
 class VirtualMonitor
 {
 public:
-    /// Whose connection owns the journal.
+    /// Whose connection owns the journal, and began when nothing was changed yet: a connection
+    /// learns only then how many millimetres the screen has.
     explicit VirtualMonitor(RandrServer& server) : mServer(server) {}
 
     /// Switches it on, to the right of everything; what was in the way, or nothing. In the second
@@ -38,5 +39,7 @@ private:
 /// Switches a monitor off as its journal says and takes the journal away. What others changed
 /// since then stays. True when nothing is left to undo.
 bool undoMonitor(RandrServer& server);
+/// The same for a monitor whose maker has gone; one that has an owner is left alone.
+bool undoAbandonedMonitor(RandrServer& server);
 
 } // namespace farview

@@ -18,9 +18,9 @@ class X11VirtualScreen final : public VirtualScreen
 {
 public:
     X11VirtualScreen(RunLoop& loop, const ScreenWish& wish, const std::string& watcher,
-                     std::weak_ptr<VirtualScreenDelegate> delegate)
+                     VirtualScreens::Delegate delegate)
         : mThread(wish, watcher,
-                  [&loop, life = std::weak_ptr<void>(mLife), delegate](MonitorThread::News news) {
+                  [&loop, life = std::weak_ptr<void>(mLife), delegate](ShownMonitor::News news) {
                       loop.post(life, [delegate, news = std::move(news)] {
                           if (const auto told = delegate.lock())
                               news(*told);
@@ -82,9 +82,8 @@ private:
     void ask(const std::function<void(const ScreenAvailability&)>& answer)
     {
         const XConnection connection(xcb_connect(nullptr, nullptr));
-        mBreaker.hold(xcb_get_file_descriptor(connection.get()));
+        const BreakerHold hold(mBreaker, connection.get());
         answer(availabilityOf(connection.get()));
-        mBreaker.release();
         mIsAnswered = true;
     }
 
@@ -110,8 +109,7 @@ void X11VirtualScreens::availability(std::weak_ptr<void> target, Answer then)
         }));
 }
 
-std::unique_ptr<VirtualScreen>
-X11VirtualScreens::open(const ScreenWish& wish, std::weak_ptr<VirtualScreenDelegate> delegate)
+std::unique_ptr<VirtualScreen> X11VirtualScreens::open(const ScreenWish& wish, Delegate delegate)
 {
     return std::make_unique<X11VirtualScreen>(mLoop, wish, mWatcher, std::move(delegate));
 }

@@ -19,8 +19,7 @@ public:
     ~X11VirtualScreens() override;
 
     void availability(std::weak_ptr<void> target, Answer then) override;
-    std::unique_ptr<VirtualScreen> open(const ScreenWish& wish,
-                                        std::weak_ptr<VirtualScreenDelegate> delegate) override;
+    std::unique_ptr<VirtualScreen> open(const ScreenWish& wish, Delegate delegate) override;
 
 private:
     class Question;

@@ -38,6 +38,22 @@ private:
     bool mIsBroken = false;
 };
 
+/// Lets the connection be cut for as long as it lives; outlived by the connection.
+class BreakerHold
+{
+public:
+    BreakerHold(ConnectionBreaker& breaker, xcb_connection_t* connection) : mBreaker(breaker)
+    {
+        mBreaker.hold(xcb_get_file_descriptor(connection));
+    }
+    ~BreakerHold() { mBreaker.release(); }
+    BreakerHold(const BreakerHold&) = delete;
+    BreakerHold& operator=(const BreakerHold&) = delete;
+
+private:
+    ConnectionBreaker& mBreaker;
+};
+
 /// Threads that are made in its scope take no signals: those are the program's own affair, and a
 /// server that has gone is an error and not the end of the process.
 class WithoutSignals

@@ -103,6 +103,15 @@ TEST_F(X11VirtualScreensTest, SizesThatNoScreenHasAreRefused)
     }
 }
 
+TEST_F(X11VirtualScreensTest, ASinglePixelIsAMonitor)
+{
+    const auto before = described();
+    open(1, 1);
+    EXPECT_EQ(mOthers.area(1), (ScreenArranger::Area{1920, 0, 1, 1}));
+    mScreen.reset();
+    EXPECT_EQ(described(), before);
+}
+
 TEST_F(X11VirtualScreensTest, ASizeThatCannotBeChangesNothing)
 {
     open();

@@ -22,7 +22,7 @@ namespace
 const std::set<int> changingRequests = {XCB_CHANGE_PROPERTY, XCB_DELETE_PROPERTY,
                                         XCB_SET_SELECTION_OWNER, XCB_GRAB_SERVER,
                                         XCB_UNGRAB_SERVER};
-const std::set<int> changingRandrRequests = {7, 16, 17, 18, 19, 21, 30};
+const std::set<int> changingRandrRequests = {7, 16, 17, 18, 19, 21, 29, 30, 43, 44};
 
 std::string socketOf(const std::string& display) { return "/tmp/.X11-unix/X" + display.substr(1); }
 

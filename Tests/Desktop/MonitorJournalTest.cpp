@@ -7,7 +7,7 @@ namespace farview
 namespace
 {
 
-const MonitorJournal journal{4711, 79, 78, {1920, 1080}, {508, 285}};
+const MonitorJournal journal{4711, 79, 62, 78, {1920, 1080}, {508, 285}};
 
 TEST(MonitorJournal, SaysWhatWasWritten) { EXPECT_EQ(journalOf(journalNumbers(journal)), journal); }
 
@@ -19,12 +19,12 @@ TEST(MonitorJournal, WhatCannotBeOneIsNone)
     auto longer = whole;
     longer.push_back(1);
     EXPECT_EQ(journalOf(longer), std::nullopt);
-    for (const std::size_t place : {0, 1, 3, 4, 5, 6}) {
+    for (const std::size_t place : {0, 4, 5, 6, 7}) {
         auto zero = whole;
         zero[place] = 0;
         EXPECT_EQ(journalOf(zero), std::nullopt) << place;
     }
-    for (const std::size_t place : {3, 4, 5, 6}) {
+    for (const std::size_t place : {4, 5, 6, 7}) {
         auto large = whole;
         large[place] = 32768;
         EXPECT_EQ(journalOf(large), std::nullopt) << place;
@@ -33,8 +33,8 @@ TEST(MonitorJournal, WhatCannotBeOneIsNone)
 
 TEST(MonitorJournal, NamesOfModesTellMakersApart)
 {
-    EXPECT_EQ(modePrefix(12), "FVE-12-");
-    EXPECT_FALSE((modePrefix(123) + "800x600").starts_with(modePrefix(12)));
+    EXPECT_EQ(namePrefix(12), "FVE-12-");
+    EXPECT_FALSE((namePrefix(123) + "800x600").starts_with(namePrefix(12)));
 }
 
 } // namespace

@@ -83,7 +83,7 @@ public:
              << mScreen->width_in_millimeters << "x" << mScreen->height_in_millimeters
              << " mm, primary " << primary->output << ", modes " << resources->num_modes << " "
              << textOf(xcb_randr_get_screen_resources_names(resources.get()), resources->names_len)
-             << (hasJournal() ? ", written down" : "") << "\n";
+             << ", monitors " << monitorCount() << (hasJournal() ? ", written down" : "") << "\n";
         const auto* outputs = xcb_randr_get_screen_resources_outputs(resources.get());
         for (int index = 0; index < resources->num_outputs; ++index)
             describeOutput(text, outputs[index]);
@@ -120,6 +120,19 @@ private:
         for (int index = 0; index < info->num_modes; ++index)
             text << " " << xcb_randr_get_output_info_modes(info.get())[index];
         text << "\n";
+    }
+    std::string panning(xcb_randr_crtc_t crtc) const
+    {
+        const auto area = needed(xcb_randr_get_panning_reply(
+            mConnection.get(), xcb_randr_get_panning(mConnection.get(), crtc), nullptr));
+        return " panning " + std::to_string(area->width) + "x" + std::to_string(area->height);
+    }
+    int monitorCount() const
+    {
+        return needed(xcb_randr_get_monitors_reply(
+                          mConnection.get(),
+                          xcb_randr_get_monitors(mConnection.get(), mScreen->root, 0), nullptr))
+            ->nMonitors;
     }
     void describeCrtc(std::ostream& text, xcb_randr_crtc_t crtc) const
     {
@@ -254,6 +267,28 @@ ScreenArranger::Area ScreenArranger::screen()
     const auto size =
         needed(xcb_get_geometry_reply(mConnection, xcb_get_geometry(mConnection, mRoot), nullptr));
     return {0, 0, size->width, size->height};
+}
+
+void ScreenArranger::beWindowManager(const std::string& name)
+{
+    const auto atom = [&](const std::string& text) {
+        return needed(xcb_intern_atom_reply(mConnection,
+                                            xcb_intern_atom(mConnection, 0,
+                                                            static_cast<std::uint16_t>(text.size()),
+                                                            text.data()),
+                                            nullptr))
+            ->atom;
+    };
+    const auto window = xcb_generate_id(mConnection);
+    xcb_create_window(mConnection, 0, window, mRoot, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_change_property(mConnection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_NAME"),
+                        atom("UTF8_STRING"), 8, static_cast<std::uint32_t>(name.size()),
+                        name.data());
+    std::free(xcb_request_check(mConnection,
+                                xcb_change_property_checked(mConnection, XCB_PROP_MODE_REPLACE,
+                                                            mRoot, atom("_NET_SUPPORTING_WM_CHECK"),
+                                                            XCB_ATOM_WINDOW, 32, 1, &window)));
 }
 
 void ScreenArranger::fill(const Area& area, std::uint32_t colour)

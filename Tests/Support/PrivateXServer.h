@@ -62,6 +62,8 @@ public:
     void makePrimary(std::size_t index);
     void setScreenSize(int width, int height);
 
+    /// Says, as a window manager does, that one of that name runs.
+    void beWindowManager(const std::string& name);
     /// Draws on the root window.
     void fill(const Area& area, std::uint32_t colour);
     /// A square of one colour in the place of the pointer, while it is over the root window.

@@ -7,7 +7,7 @@ namespace farview
 namespace
 {
 
-constexpr std::size_t journalSize = 7;
+constexpr std::size_t journalSize = 8;
 /// As far as coordinates of the X protocol go.
 constexpr std::uint32_t longestSide = 32767;
 
@@ -32,13 +32,14 @@ xcb_window_t makeInvisibleWindow(const RandrServer& server)
 
 } // namespace
 
-std::string modePrefix(std::uint32_t owner) { return "FVE-" + std::to_string(owner) + "-"; }
+std::string namePrefix(std::uint32_t owner) { return "FVE-" + std::to_string(owner) + "-"; }
 
 std::vector<std::uint32_t> journalNumbers(const MonitorJournal& journal)
 {
     const auto number = [](int value) { return static_cast<std::uint32_t>(value); };
     return {journal.owner,
             journal.output,
+            journal.panned,
             journal.primary,
             number(journal.size.width),
             number(journal.size.height),
@@ -48,15 +49,15 @@ std::vector<std::uint32_t> journalNumbers(const MonitorJournal& journal)
 
 std::optional<MonitorJournal> journalOf(std::span<const std::uint32_t> numbers)
 {
-    if (numbers.size() != journalSize || numbers[0] == 0 || numbers[1] == 0)
+    if (numbers.size() != journalSize || numbers[0] == 0)
         return std::nullopt;
     const auto isSide = [](std::uint32_t side) { return side > 0 && side <= longestSide; };
-    if (!std::all_of(numbers.begin() + 3, numbers.end(), isSide))
+    if (!std::all_of(numbers.begin() + 4, numbers.end(), isSide))
         return std::nullopt;
     const auto size = [&](std::size_t place) {
         return RandrSize{static_cast<int>(numbers[place]), static_cast<int>(numbers[place + 1])};
     };
-    return MonitorJournal{numbers[0], numbers[1], numbers[2], size(3), size(5)};
+    return MonitorJournal{numbers[0], numbers[1], numbers[2], numbers[3], size(4), size(6)};
 }
 
 std::optional<MonitorJournal> readJournal(const RandrServer& server)
@@ -98,13 +99,12 @@ bool hasOwner(const RandrServer& server)
 bool becomeOwner(const RandrServer& server)
 {
     auto* connection = server.connection();
-    xcb_grab_server(connection);
-    const bool isFree = !hasOwner(server);
-    if (isFree)
-        xcb_set_selection_owner(connection, makeInvisibleWindow(server), atomOfMonitor(connection),
-                                XCB_CURRENT_TIME);
-    xcb_ungrab_server(connection);
-    return isFree && xcb_flush(connection) > 0;
+    const ServerGrab grab(connection);
+    if (hasOwner(server))
+        return false;
+    xcb_set_selection_owner(connection, makeInvisibleWindow(server), atomOfMonitor(connection),
+                            XCB_CURRENT_TIME);
+    return xcb_flush(connection) > 0;
 }
 
 } // namespace farview

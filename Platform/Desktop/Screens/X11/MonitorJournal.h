@@ -16,8 +16,10 @@ namespace farview
 struct MonitorJournal {
     /// The process that made it; names of what it made tell it apart from what others made.
     std::uint32_t owner = 0;
-    /// The output, which was off.
+    /// The output, which was off; 0 for a monitor that no output shows.
     RandrNumber output = 0;
+    /// The crtc that pans for its sake, and did not before; 0 for none.
+    RandrNumber panned = 0;
     /// The main output before.
     RandrNumber primary = 0;
     /// How large the screen was.
@@ -27,8 +29,8 @@ struct MonitorJournal {
     bool operator==(const MonitorJournal&) const = default;
 };
 
-/// What the names of the owner's modes begin with.
-std::string modePrefix(std::uint32_t owner);
+/// What the names of the owner's modes begin with, and of its monitor.
+std::string namePrefix(std::uint32_t owner);
 
 /// Its form in the property.
 std::vector<std::uint32_t> journalNumbers(const MonitorJournal& journal);

@@ -36,6 +36,9 @@ ShownMonitor::ShownMonitor(RandrServer& server, VirtualMonitor& monitor, Capture
     xcb_randr_select_input(server.connection(), server.root(),
                            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    // Monitors that no output shows change without an event of RandR.
+    const std::uint32_t structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(server.connection(), server.root(), XCB_CW_EVENT_MASK, &structure);
 }
 
 std::optional<ScreenObstacle> ShownMonitor::run()
@@ -98,7 +101,8 @@ void ShownMonitor::serveEvents()
 void ShownMonitor::serve(const xcb_generic_event_t& event)
 {
     const int type = event.response_type & 0x7F;
-    if (type == mRandrEvent || type == mRandrEvent + XCB_RANDR_NOTIFY) {
+    if (type == mRandrEvent || type == mRandrEvent + XCB_RANDR_NOTIFY ||
+        type == XCB_CONFIGURE_NOTIFY) {
         mIsLayoutStale = true;
     } else if (mCapture.isDamage(event)) {
         mIsDamaged = true;
@@ -116,8 +120,10 @@ std::optional<ScreenObstacle> ShownMonitor::lookAtLayout()
 {
     if (xcb_connection_has_error(mServer.connection()) != 0)
         return ScreenObstacle::gone;
-    if (!std::exchange(mIsLayoutStale, false))
+    if (!mIsLayoutStale || !mLayouts.isDue())
         return std::nullopt;
+    mLayouts.happened();
+    mIsLayoutStale = false;
     const auto found = mMonitor.geometry();
     if (!found)
         return xcb_connection_has_error(mServer.connection()) != 0 ? ScreenObstacle::gone
@@ -202,10 +208,18 @@ void ShownMonitor::wait()
 
 int ShownMonitor::longestWait() const
 {
-    constexpr int forEver = -1;
-    const int frame = mIsDamaged && !mIsFrameOut ? mFrames.millisecondsLeft() : forEver;
-    const int pointer = mIsFollowing ? mPointer.millisecondsLeft() : forEver;
-    return frame < 0 || pointer < 0 ? std::max(frame, pointer) : std::min(frame, pointer);
+    int limit = -1; // for ever
+    const auto notBeyond = [&](const Beat& beat) {
+        const int left = beat.millisecondsLeft();
+        limit = limit < 0 ? left : std::min(limit, left);
+    };
+    if (mIsDamaged && !mIsFrameOut)
+        notBeyond(mFrames);
+    if (mIsFollowing)
+        notBeyond(mPointer);
+    if (mIsLayoutStale)
+        notBeyond(mLayouts);
+    return limit;
 }
 
 } // namespace farview

@@ -68,6 +68,7 @@ private:
     std::uint8_t mRandrEvent = 0;
     Beat mFrames;
     Beat mPointer;
+    Beat mLayouts; ///< others may be stubborn
     bool mIsDamaged = true;
     bool mIsFrameOut = false;
     bool mIsLayoutStale = false;

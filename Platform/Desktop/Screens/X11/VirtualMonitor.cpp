@@ -1,5 +1,7 @@
 #include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
 
+#include "Platform/Desktop/Screens/X11/ModeTiming.h"
+#include "Platform/Desktop/Screens/X11/NamedMonitor.h"
 #include "Platform/Desktop/Screens/X11/SpareOutput.h"
 
 #include <unistd.h>
@@ -13,53 +15,6 @@ namespace farview
 {
 namespace
 {
-
-/// Nobody else changes anything while it lives.
-class ServerGrab
-{
-public:
-    explicit ServerGrab(const RandrServer& server) : mConnection(server.connection())
-    {
-        xcb_grab_server(mConnection);
-    }
-    ~ServerGrab()
-    {
-        xcb_ungrab_server(mConnection);
-        xcb_flush(mConnection);
-    }
-    ServerGrab(const ServerGrab&) = delete;
-    ServerGrab& operator=(const ServerGrab&) = delete;
-
-private:
-    xcb_connection_t* mConnection;
-};
-
-constexpr double framesPerSecond = 60;
-
-/// Reduced blanking as CVT 1.2 describes it: drivers of outputs without a plug take any timing, but
-/// programs show the rate that follows from it.
-xcb_randr_mode_info_t timing(RandrSize size, const std::string& name)
-{
-    constexpr double leastBlanking = 460; // microseconds
-    const double line = (1e6 / framesPerSecond - leastBlanking) / size.height;
-    const int blankLines = std::max(static_cast<int>(leastBlanking / line) + 1, 3 + 8 + 6);
-    xcb_randr_mode_info_t mode{};
-    const auto set = [](std::uint16_t& field, int value) {
-        field = static_cast<std::uint16_t>(value);
-    };
-    set(mode.width, size.width);
-    set(mode.hsync_start, size.width + 48);
-    set(mode.hsync_end, size.width + 80);
-    set(mode.htotal, size.width + 160);
-    set(mode.height, size.height);
-    set(mode.vsync_start, size.height + 3);
-    set(mode.vsync_end, size.height + 3 + 8);
-    set(mode.vtotal, size.height + blankLines);
-    mode.dot_clock = static_cast<std::uint32_t>(framesPerSecond * mode.htotal * mode.vtotal);
-    mode.mode_flags = XCB_RANDR_MODE_FLAG_HSYNC_POSITIVE | XCB_RANDR_MODE_FLAG_VSYNC_NEGATIVE;
-    set(mode.name_len, static_cast<int>(name.size()));
-    return mode;
-}
 
 const RandrCrtc* crtcShowing(const RandrLayout& layout, RandrNumber output)
 {
@@ -100,9 +55,37 @@ void destroyMode(const RandrServer& server, const RandrLayout& layout, RandrNumb
     xcb_randr_destroy_mode(server.connection(), mode);
 }
 
+RandrSize extentOf(const RandrCrtc& crtc) { return {crtc.x + crtc.width, crtc.y + crtc.height}; }
+
+std::string nameOf(const MonitorJournal& journal) { return namePrefix(journal.owner) + "monitor"; }
+
+PixelRect areaOf(const RandrCrtc& crtc)
+{
+    return pixelRect(crtc.x, crtc.y, crtc.width, crtc.height);
+}
+
+const RandrCrtc* crtcWith(const RandrLayout& layout, RandrNumber id)
+{
+    const auto found = std::find_if(layout.crtcs.begin(), layout.crtcs.end(),
+                                    [&](const auto& crtc) { return crtc.id == id; });
+    return found != layout.crtcs.end() ? &*found : nullptr;
+}
+
+/// The crtc at the right edge of everything, unless it pans for its user; then the pointer is free
+/// already.
+RandrNumber crtcToPan(const RandrServer& server, const RandrLayout& layout)
+{
+    const int edge = rightEdgeWithout(layout, 0);
+    for (const auto& crtc : layout.crtcs) {
+        if (crtc.mode != 0 && crtc.x + crtc.width == edge)
+            return panningOf(server, crtc.id) == PixelRect{} ? crtc.id : 0;
+    }
+    return 0;
+}
+
 /// Takes away what the journal's owner made and nothing shows any more. The screen becomes as small
-/// as what is shown allows, but not smaller than it was.
-void tidy(RandrServer& server, const MonitorJournal& journal)
+/// as what is shown allows, but not smaller than it was, nor than told.
+void tidy(RandrServer& server, const MonitorJournal& journal, RandrSize least = {})
 {
     const auto layout = server.layout();
     if (!layout)
@@ -112,10 +95,10 @@ void tidy(RandrServer& server, const MonitorJournal& journal)
                            [&](const auto& crtc) { return crtc.mode == mode; });
     };
     for (const auto& mode : layout->modes) {
-        if (mode.name.starts_with(modePrefix(journal.owner)) && !isShown(mode.id))
+        if (mode.name.starts_with(namePrefix(journal.owner)) && !isShown(mode.id))
             destroyMode(server, *layout, mode.id);
     }
-    const auto size = united(journal.size, neededSize(*layout));
+    const auto size = united(united(journal.size, least), neededSize(*layout));
     if (size != layout->size)
         setSize(server, size, journal);
 }
@@ -139,6 +122,17 @@ void switchOff(RandrServer& server, const RandrLayout& layout, RandrNumber outpu
     if (rest.outputs.empty())
         rest = {.id = shown->id};
     server.apply(rest, layout.timestamp);
+}
+
+/// What others made of the panning stays.
+void removeNamed(const RandrServer& server, const RandrLayout& layout,
+                 const MonitorJournal& journal)
+{
+    const auto* panned = crtcWith(layout, journal.panned);
+    if (panned && panningOf(server, panned->id) == areaOf(*panned))
+        keepPointerIn(server, panned->id);
+    if (namedMonitor(server, nameOf(journal)))
+        deleteNamedMonitor(server, nameOf(journal));
 }
 
 /// Asks the driver what is plugged in. Programs leave out an output that counts as disconnected;
@@ -165,21 +159,27 @@ RandrSize millimetresNow(const RandrServer& server)
 
 } // namespace
 
+std::optional<ScreenWay> wayToAMonitor(const RandrServer& server, const RandrLayout& layout)
+{
+    if (spareOutput(layout))
+        return ScreenWay::spareOutput;
+    if (followsNamedMonitors(windowManagerName(server)))
+        return ScreenWay::namedMonitor;
+    return std::nullopt;
+}
+
 std::optional<ScreenObstacle> VirtualMonitor::make(int width, int height)
 {
     {
-        const ServerGrab grab(mServer);
+        const ServerGrab grab(mServer.connection());
         const auto layout = mServer.layout();
         if (!layout)
             return ScreenObstacle::gone;
-        const auto spare = spareOutput(*layout);
-        if (!spare)
-            return ScreenObstacle::noSpareOutput;
-        mJournal = {static_cast<std::uint32_t>(::getpid()), spare->output, layout->primary,
-                    layout->size, millimetresNow(mServer)};
-        const RandrCrtc wanted{spare->crtc, rightEdgeWithout(*layout, spare->output), 0, width,
-                               height};
-        if (!isFree(*layout, spare->output, wanted))
+        if (const auto obstacle = choose(*layout))
+            return obstacle;
+        const int edge = rightEdgeWithout(*layout, mJournal.output);
+        const RandrCrtc wanted{mCrtc, edge, 0, width, height};
+        if (!isFree(*layout, mJournal.output, wanted))
             return ScreenObstacle::tooLarge;
         writeJournal(mServer, mJournal);
         if (!arrange(*layout, wanted)) {
@@ -191,35 +191,95 @@ std::optional<ScreenObstacle> VirtualMonitor::make(int width, int height)
     return std::nullopt;
 }
 
+std::optional<ScreenObstacle> VirtualMonitor::choose(const RandrLayout& layout)
+{
+    if (!wayToAMonitor(mServer, layout))
+        return ScreenObstacle::noSpareOutput;
+    mJournal = {static_cast<std::uint32_t>(::getpid()),
+                0,
+                0,
+                layout.primary,
+                layout.size,
+                millimetresNow(mServer)};
+    if (const auto spare = spareOutput(layout)) {
+        mJournal.output = spare->output;
+        mCrtc = spare->crtc;
+    } else {
+        mJournal.panned = crtcToPan(mServer, layout);
+    }
+    return std::nullopt;
+}
+
 bool VirtualMonitor::resize(int width, int height)
 {
-    const ServerGrab grab(mServer);
+    const ServerGrab grab(mServer.connection());
     const auto layout = mServer.layout();
-    const auto* shown = layout ? crtcShowing(*layout, mJournal.output) : nullptr;
+    const auto shown = layout ? area(*layout) : std::nullopt;
     return shown && arrange(*layout, {shown->id, shown->x, shown->y, width, height});
 }
 
 bool VirtualMonitor::place(PixelPoint corner)
 {
-    const ServerGrab grab(mServer);
+    const ServerGrab grab(mServer.connection());
     const auto layout = mServer.layout();
-    const auto* shown = layout ? crtcShowing(*layout, mJournal.output) : nullptr;
+    const auto shown = layout ? area(*layout) : std::nullopt;
     return shown && arrange(*layout, {shown->id, corner.x, corner.y, shown->width, shown->height});
 }
 
-/// From one mode to the next without switching off, so that windows stay where they are.
-bool VirtualMonitor::arrange(const RandrLayout& layout, RandrCrtc wanted)
+/// Where it is; the crtc that shows it, if one does.
+std::optional<RandrCrtc> VirtualMonitor::area(const RandrLayout& layout) const
+{
+    if (mJournal.output != 0) {
+        const auto* shown = crtcShowing(layout, mJournal.output);
+        return shown ? std::optional(*shown) : std::nullopt;
+    }
+    const auto named = namedMonitor(mServer, nameOf(mJournal));
+    if (!named)
+        return std::nullopt;
+    return RandrCrtc{0, named->x, named->y, named->width, named->height};
+}
+
+bool VirtualMonitor::arrange(const RandrLayout& layout, const RandrCrtc& wanted)
 {
     if (!isFree(layout, mJournal.output, wanted))
         return false;
+    const auto size = united(layout.size, extentOf(wanted));
+    const bool isNamed = mJournal.output == 0;
+    const bool isArranged = (size == layout.size || setSize(mServer, size, mJournal)) &&
+                            (isNamed ? name(layout, wanted) : switchOn(layout, wanted));
+    tidy(mServer, mJournal, isNamed ? extentOf(wanted) : RandrSize{});
+    return isArranged;
+}
+
+/// From one mode to the next without switching off, so that windows stay where they are.
+bool VirtualMonitor::switchOn(const RandrLayout& layout, RandrCrtc wanted)
+{
     wanted.mode = modeFor(layout, {wanted.width, wanted.height});
     wanted.outputs = {mJournal.output};
-    const auto size = united(layout.size, {wanted.x + wanted.width, wanted.y + wanted.height});
-    const bool isArranged = wanted.mode != 0 &&
-                            (size == layout.size || setSize(mServer, size, mJournal)) &&
-                            mServer.apply(wanted, layout.timestamp);
-    tidy(mServer, mJournal);
-    return isArranged;
+    return wanted.mode != 0 && mServer.apply(wanted, layout.timestamp);
+}
+
+bool VirtualMonitor::name(const RandrLayout& layout, const RandrCrtc& wanted)
+{
+    freePointer(layout);
+    return setNamedMonitor(mServer, nameOf(mJournal), areaOf(wanted));
+}
+
+void VirtualMonitor::freePointer(const RandrLayout& layout) const
+{
+    const auto* panned = crtcWith(layout, mJournal.panned);
+    if (panned && panningOf(mServer, panned->id) != areaOf(*panned))
+        letPointerOut(mServer, *panned);
+}
+
+/// Programs that arrange outputs make the screen as small as these need, and their crtcs show other
+/// parts then.
+void VirtualMonitor::holdAgainstOthers(const RandrLayout& layout, const RandrCrtc& area)
+{
+    const auto size = united(layout.size, extentOf(area));
+    if (size != layout.size)
+        setSize(mServer, size, mJournal);
+    freePointer(layout);
 }
 
 /// One of ours that is there already, else a new one; 0 when the server refuses.
@@ -227,7 +287,7 @@ RandrNumber VirtualMonitor::modeFor(const RandrLayout& layout, RandrSize size)
 {
     for (const auto& mode : layout.modes) {
         if (mode.width == size.width && mode.height == size.height &&
-            mode.name.starts_with(modePrefix(mJournal.owner)))
+            mode.name.starts_with(namePrefix(mJournal.owner)))
             return mode.id;
     }
     return createMode(size);
@@ -237,9 +297,10 @@ RandrNumber VirtualMonitor::createMode(RandrSize size)
 {
     auto* connection = mServer.connection();
     const auto name =
-        modePrefix(mJournal.owner) + std::to_string(size.width) + "x" + std::to_string(size.height);
-    const auto cookie = xcb_randr_create_mode(connection, mServer.root(), timing(size, name),
-                                              static_cast<std::uint32_t>(name.size()), name.data());
+        namePrefix(mJournal.owner) + std::to_string(size.width) + "x" + std::to_string(size.height);
+    const auto cookie =
+        xcb_randr_create_mode(connection, mServer.root(), modeTiming(size, name.size()),
+                              static_cast<std::uint32_t>(name.size()), name.data());
     const XReply<xcb_randr_create_mode_reply_t> made(
         xcb_randr_create_mode_reply(connection, cookie, nullptr));
     if (!made)
@@ -251,9 +312,11 @@ RandrNumber VirtualMonitor::createMode(RandrSize size)
 std::optional<ScreenGeometry> VirtualMonitor::geometry()
 {
     const auto layout = mServer.layout();
-    const auto* shown = layout ? crtcShowing(*layout, mJournal.output) : nullptr;
+    const auto shown = layout ? area(*layout) : std::nullopt;
     if (!shown)
         return std::nullopt;
+    if (mJournal.output == 0)
+        holdAgainstOthers(*layout, *shown);
     return ScreenGeometry{pixelPoint(shown->x, shown->y), shown->width, shown->height, 1,
                           framesPerSecond};
 }
@@ -261,12 +324,15 @@ std::optional<ScreenGeometry> VirtualMonitor::geometry()
 bool undoMonitor(RandrServer& server)
 {
     {
-        const ServerGrab grab(server);
+        const ServerGrab grab(server.connection());
         const auto journal = readJournal(server);
         const auto layout = server.layout();
         if (!journal || !layout)
             return layout.has_value();
-        if (isBelievable(*layout, *journal)) {
+        if (journal->output == 0) {
+            removeNamed(server, *layout, *journal);
+            tidy(server, *journal);
+        } else if (isBelievable(*layout, *journal)) {
             switchOff(server, *layout, journal->output);
             tidy(server, *journal);
             if (layout->primary == journal->output && journal->primary != journal->output)
@@ -284,7 +350,7 @@ bool undoAbandonedMonitor(RandrServer& server)
     if (!server.isUsable())
         return false;
     // Nobody becomes the owner between the look and the undoing.
-    const ServerGrab grab(server);
+    const ServerGrab grab(server.connection());
     return hasOwner(server) || !readJournal(server) || undoMonitor(server);
 }
 

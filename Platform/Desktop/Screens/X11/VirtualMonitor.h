@@ -9,8 +9,9 @@ namespace farview
 {
 
 /// An additional monitor of an X server: an output that nothing is plugged into, switched on with a
-/// mode of our own. Every change stands in the journal before it is made. The user's own outputs
-/// are read and never changed. One thread; waits for the server.
+/// mode of our own; where there is none, a part of the screen that only has a name, if the window
+/// manager goes by that. Every change stands in the journal before it is made. What the user's own
+/// outputs show never changes. One thread; waits for the server.
 class VirtualMonitor
 {
 public:
@@ -28,13 +29,23 @@ public:
     std::optional<ScreenGeometry> geometry();
 
 private:
-    bool arrange(const RandrLayout& layout, RandrCrtc wanted);
+    std::optional<ScreenObstacle> choose(const RandrLayout& layout);
+    std::optional<RandrCrtc> area(const RandrLayout& layout) const;
+    bool arrange(const RandrLayout& layout, const RandrCrtc& wanted);
+    bool switchOn(const RandrLayout& layout, RandrCrtc wanted);
+    bool name(const RandrLayout& layout, const RandrCrtc& wanted);
+    void holdAgainstOthers(const RandrLayout& layout, const RandrCrtc& area);
+    void freePointer(const RandrLayout& layout) const;
     RandrNumber modeFor(const RandrLayout& layout, RandrSize size);
     RandrNumber createMode(RandrSize size);
 
     RandrServer& mServer;
     MonitorJournal mJournal;
+    RandrNumber mCrtc = 0; ///< that will feed the output
 };
+
+/// How a monitor would be made now; nothing where it cannot.
+std::optional<ScreenWay> wayToAMonitor(const RandrServer& server, const RandrLayout& layout);
 
 /// Switches a monitor off as its journal says and takes the journal away. What others changed
 /// since then stays. True when nothing is left to undo.

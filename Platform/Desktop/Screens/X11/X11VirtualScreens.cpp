@@ -1,8 +1,6 @@
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 
-#include "Platform/Desktop/Screens/X11/MonitorJournal.h"
 #include "Platform/Desktop/Screens/X11/MonitorThread.h"
-#include "Platform/Desktop/Screens/X11/SpareOutput.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -53,9 +51,7 @@ ScreenAvailability availabilityOf(xcb_connection_t* connection)
         return {std::nullopt, ScreenObstacle::gone};
     if (hasOwner(server))
         return {std::nullopt, ScreenObstacle::inUse};
-    if (!spareOutput(*layout))
-        return {std::nullopt, ScreenObstacle::noSpareOutput};
-    return {ScreenWay::spareOutput};
+    return {wayToAMonitor(server, *layout), ScreenObstacle::noSpareOutput};
 }
 
 } // namespace

@@ -54,6 +54,26 @@ private:
     ConnectionBreaker& mBreaker;
 };
 
+/// Nobody else changes anything while it lives. The end of an inner one ends the outer ones, too.
+class ServerGrab
+{
+public:
+    explicit ServerGrab(xcb_connection_t* connection) : mConnection(connection)
+    {
+        xcb_grab_server(mConnection);
+    }
+    ~ServerGrab()
+    {
+        xcb_ungrab_server(mConnection);
+        xcb_flush(mConnection);
+    }
+    ServerGrab(const ServerGrab&) = delete;
+    ServerGrab& operator=(const ServerGrab&) = delete;
+
+private:
+    xcb_connection_t* mConnection;
+};
+
 /// Threads that are made in its scope take no signals: those are the program's own affair, and a
 /// server that has gone is an error and not the end of the process.
 class WithoutSignals

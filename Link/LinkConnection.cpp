@@ -135,9 +135,10 @@ std::size_t LinkConnection::processNext(ByteView bytes)
 {
     switch (mState) {
     case State::greeting:
-        return mSide == LinkSide::device ? processGreeting(bytes) : processAnswer(bytes);
+        return mSide == LinkSide::device ? process(decodeGreeting(bytes))
+                                         : process(decodeAnswer(bytes));
     case State::open:
-        return processFrame(bytes);
+        return process(decodeFrame(bytes));
     case State::deciding:
         // A host says nothing before it was accepted.
         peerBrokeRule();
@@ -147,25 +148,28 @@ std::size_t LinkConnection::processNext(ByteView bytes)
     }
 }
 
-std::size_t LinkConnection::processGreeting(ByteView bytes)
+template <typename Value> std::size_t LinkConnection::process(const Decoded<Value>& decoded)
 {
-    const auto decoded = decodeGreeting(bytes);
     if (decoded.status == DecodeStatus::malformed)
         peerBrokeRule();
-    if (decoded.status != DecodeStatus::complete)
-        return 0;
-    const LinkAnswer answer = answerTo(decoded.value);
+    if (decoded.status == DecodeStatus::complete)
+        take(decoded.value);
+    return decoded.consumed;
+}
+
+void LinkConnection::take(const LinkGreeting& greeting)
+{
+    const LinkAnswer answer = answerTo(greeting);
     if (const auto* refusal = std::get_if<LinkRefusal>(&answer)) {
         const bool disagree = refusal->code == LinkRefusalCode::noAgreement;
         leave(encodeAnswer(answer),
               {disagree ? LinkEndReason::noAgreement : LinkEndReason::closedHere, refusal->text});
-        return decoded.consumed;
+        return;
     }
     mAgreement = std::get<LinkAgreement>(answer);
     mState = State::deciding;
     if (const auto delegate = mDelegate.lock())
         delegate->linkDidGreet(*this);
-    return decoded.consumed;
 }
 
 /// A host that only asks hears what any host would hear now; else that it cannot be served so.
@@ -177,26 +181,6 @@ LinkAnswer LinkConnection::answerTo(const LinkGreeting& host)
             return *refusal;
     }
     return agreementBetween(host, mSpeaks);
-}
-
-std::size_t LinkConnection::processAnswer(ByteView bytes)
-{
-    const auto decoded = decodeAnswer(bytes);
-    if (decoded.status == DecodeStatus::malformed)
-        peerBrokeRule();
-    if (decoded.status == DecodeStatus::complete)
-        take(decoded.value);
-    return decoded.consumed;
-}
-
-std::size_t LinkConnection::processFrame(ByteView bytes)
-{
-    const auto decoded = decodeFrame(bytes);
-    if (decoded.status == DecodeStatus::malformed)
-        peerBrokeRule();
-    if (decoded.status == DecodeStatus::complete)
-        take(decoded.value);
-    return decoded.consumed;
 }
 
 void LinkConnection::take(const LinkAnswer& answer)

@@ -107,10 +107,9 @@ private:
     void processInbox();
     bool wasDropped() const;
     std::size_t processNext(ByteView bytes);
-    std::size_t processGreeting(ByteView bytes);
+    template <typename Value> std::size_t process(const Decoded<Value>& decoded);
     LinkAnswer answerTo(const LinkGreeting& host);
-    std::size_t processAnswer(ByteView bytes);
-    std::size_t processFrame(ByteView bytes);
+    void take(const LinkGreeting& greeting);
     void take(const LinkAnswer& answer);
     void take(const LinkFrame& frame);
     bool isAllowed(const LinkFrame& frame) const;
@@ -129,7 +128,7 @@ private:
     LinkGreeting mSpeaks;
     LinkTimes mTimes;
     std::weak_ptr<LinkConnectionDelegate> mDelegate;
-    /// What the socket reads from; it goes before them.
+    /// What the socket reads from, so that it is destroyed first.
     std::deque<Bytes> mUnsent;
     std::size_t mUnsentSize = 0; ///< of all of `mUnsent`
     bool mRoomIsAwaited = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -58,6 +59,22 @@ struct RandrLayout {
     std::vector<RandrOutput> outputs;
     std::vector<RandrMode> modes;
 };
+
+/// The mode, crtc or output of that number; null when there is none.
+template <typename Item> Item* withId(std::vector<Item>& items, RandrNumber id)
+{
+    const auto found =
+        std::find_if(items.begin(), items.end(), [id](const Item& item) { return item.id == id; });
+    return found == items.end() ? nullptr : &*found;
+}
+template <typename Item> const Item* withId(const std::vector<Item>& items, RandrNumber id)
+{
+    return withId(const_cast<std::vector<Item>&>(items), id);
+}
+
+/// What the output shows; null when it shows nothing.
+const RandrCrtc* shownBy(const RandrLayout& layout, RandrNumber output);
+bool overlap(const RandrCrtc& left, const RandrCrtc& right);
 
 /// The outputs that show something, the primary one first.
 std::vector<RandrNumber> onlineOutputs(const RandrLayout& layout);

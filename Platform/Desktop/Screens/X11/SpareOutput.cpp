@@ -7,22 +7,11 @@ namespace farview
 namespace
 {
 
-bool isOff(const RandrLayout& layout, RandrNumber crtc)
-{
-    const auto found = std::find_if(layout.crtcs.begin(), layout.crtcs.end(),
-                                    [&](const auto& each) { return each.id == crtc; });
-    return found != layout.crtcs.end() && found->mode == 0 && found->outputs.empty();
-}
+bool isOff(const RandrCrtc& crtc) { return crtc.mode == 0 && crtc.outputs.empty(); }
 
 bool isOfOthers(const RandrCrtc& crtc, RandrNumber output)
 {
     return crtc.mode != 0 && crtc.outputs != std::vector{output};
-}
-
-bool overlap(const RandrCrtc& left, const RandrCrtc& right)
-{
-    return left.x < right.x + right.width && right.x < left.x + left.width &&
-           left.y < right.y + right.height && right.y < left.y + left.height;
 }
 
 } // namespace
@@ -38,9 +27,10 @@ std::optional<SpareOutput> spareOutput(const RandrLayout& layout)
     for (const auto& output : layout.outputs) {
         if (!hasNoPlug(output.name) || output.crtc != 0)
             continue;
-        for (const auto crtc : output.crtcs) {
-            if (isOff(layout, crtc))
-                return SpareOutput{output.id, crtc};
+        for (const auto id : output.crtcs) {
+            const auto* crtc = withId(layout.crtcs, id);
+            if (crtc && isOff(*crtc))
+                return SpareOutput{output.id, id};
         }
     }
     return std::nullopt;

@@ -16,16 +16,6 @@ namespace farview
 namespace
 {
 
-const RandrCrtc* crtcShowing(const RandrLayout& layout, RandrNumber output)
-{
-    const auto found =
-        std::find_if(layout.crtcs.begin(), layout.crtcs.end(), [&](const auto& crtc) {
-            return crtc.mode != 0 && std::find(crtc.outputs.begin(), crtc.outputs.end(), output) !=
-                                         crtc.outputs.end();
-        });
-    return found != layout.crtcs.end() ? &*found : nullptr;
-}
-
 bool hasMode(const RandrOutput& output, RandrNumber mode)
 {
     return std::find(output.modes.begin(), output.modes.end(), mode) != output.modes.end();
@@ -64,13 +54,6 @@ PixelRect areaOf(const RandrCrtc& crtc)
     return pixelRect(crtc.x, crtc.y, crtc.width, crtc.height);
 }
 
-const RandrCrtc* crtcWith(const RandrLayout& layout, RandrNumber id)
-{
-    const auto found = std::find_if(layout.crtcs.begin(), layout.crtcs.end(),
-                                    [&](const auto& crtc) { return crtc.id == id; });
-    return found != layout.crtcs.end() ? &*found : nullptr;
-}
-
 /// The crtc at the right edge of everything, unless it pans for its user; then the pointer is free
 /// already.
 RandrNumber crtcToPan(const RandrServer& server, const RandrLayout& layout)
@@ -106,15 +89,14 @@ void tidy(RandrServer& server, const MonitorJournal& journal, RandrSize least = 
 /// A journal may be anybody's writing: it never leads to an output with a plug.
 bool isBelievable(const RandrLayout& layout, const MonitorJournal& journal)
 {
-    return std::any_of(layout.outputs.begin(), layout.outputs.end(), [&](const auto& output) {
-        return output.id == journal.output && hasNoPlug(output.name);
-    });
+    const auto* output = withId(layout.outputs, journal.output);
+    return output && hasNoPlug(output->name);
 }
 
 /// Others may have made another output show the same: that one stays on.
 void switchOff(RandrServer& server, const RandrLayout& layout, RandrNumber output)
 {
-    const auto* shown = crtcShowing(layout, output);
+    const auto* shown = shownBy(layout, output);
     if (!shown)
         return;
     RandrCrtc rest = *shown;
@@ -128,7 +110,7 @@ void switchOff(RandrServer& server, const RandrLayout& layout, RandrNumber outpu
 void removeNamed(const RandrServer& server, const RandrLayout& layout,
                  const MonitorJournal& journal)
 {
-    const auto* panned = crtcWith(layout, journal.panned);
+    const auto* panned = withId(layout.crtcs, journal.panned);
     if (panned && panningOf(server, panned->id) == areaOf(*panned))
         keepPointerIn(server, panned->id);
     if (namedMonitor(server, nameOf(journal)))
@@ -230,7 +212,7 @@ bool VirtualMonitor::place(PixelPoint corner)
 std::optional<RandrCrtc> VirtualMonitor::area(const RandrLayout& layout) const
 {
     if (mJournal.output != 0) {
-        const auto* shown = crtcShowing(layout, mJournal.output);
+        const auto* shown = shownBy(layout, mJournal.output);
         return shown ? std::optional(*shown) : std::nullopt;
     }
     const auto named = namedMonitor(mServer, nameOf(mJournal));
@@ -267,7 +249,7 @@ bool VirtualMonitor::name(const RandrLayout& layout, const RandrCrtc& wanted)
 
 void VirtualMonitor::freePointer(const RandrLayout& layout) const
 {
-    const auto* panned = crtcWith(layout, mJournal.panned);
+    const auto* panned = withId(layout.crtcs, mJournal.panned);
     if (panned && panningOf(mServer, panned->id) != areaOf(*panned))
         letPointerOut(mServer, *panned);
 }

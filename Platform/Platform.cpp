@@ -22,6 +22,7 @@
 #include "Platform/SystemVersion.h"
 #include "Platform/Text.h"
 #include "Platform/Updater.h"
+#include "Platform/VirtualScreens.h"
 #include "Platform/Workspace.h"
 
 #include <cerrno>
@@ -242,14 +243,10 @@ template <> class No<ProcessTable> final : public ProcessTable
     int contents(std::span<ProcessRecord>, std::size_t&) override { return ENOSYS; }
 };
 
-class SpentTimer final : public Timer
+class Spent final : public Timer, public RunLoop::Wait
 {
     void invalidate() override {}
     bool isValid() const override { return false; }
-};
-
-class SpentWait final : public RunLoop::Wait
-{
     void stop() override {}
 };
 
@@ -257,12 +254,12 @@ template <> class No<RunLoop> final : public RunLoop
 {
     std::shared_ptr<Timer> scheduledTimer(Duration, bool, std::weak_ptr<void>, Action) override
     {
-        return std::make_shared<SpentTimer>();
+        return std::make_shared<Spent>();
     }
     void performAfterDelay(Duration, std::weak_ptr<void>, Action) override {}
     std::shared_ptr<Wait> run(Duration, std::weak_ptr<void>, Action) override
     {
-        return std::make_shared<SpentWait>();
+        return std::make_shared<Spent>();
     }
     void post(std::weak_ptr<void>, Action) override {}
     Duration now() const override { return Duration::zero(); }
@@ -320,6 +317,16 @@ template <> class No<Updaters> final : public Updaters
     }
 };
 
+template <> class No<VirtualScreens> final : public VirtualScreens
+{
+    void availability(std::weak_ptr<void> target, Answer then) override
+    {
+        if (const auto kept = target.lock())
+            then({});
+    }
+    std::unique_ptr<VirtualScreen> open(const ScreenWish&, Delegate) override { return nullptr; }
+};
+
 template <> class No<Workspace> final : public Workspace
 {
     bool launchApplicationAtURL(const URL&, unsigned) override { return false; }
@@ -364,6 +371,7 @@ template SearchPaths* nothingHere();
 template SystemVersion* nothingHere();
 template Text* nothingHere();
 template Updaters* nothingHere();
+template VirtualScreens* nothingHere();
 template Workspace* nothingHere();
 
 Platform& Platform::current()

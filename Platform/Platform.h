@@ -26,6 +26,7 @@ class SearchPaths;
 class SystemVersion;
 class Text;
 class Updaters;
+class VirtualScreens;
 class Workspace;
 
 /// The complete body of an interface that does nothing and finds nothing. Defined for each
@@ -76,6 +77,7 @@ struct Platform {
     Body<SystemVersion> systemVersion;
     Body<Text> text;
     Body<Updaters> updaters;
+    Body<VirtualScreens> virtualScreens;
     Body<Workspace> workspace;
 
     /// The one installed in this module; the empty one when none is. Only for functions whose fixed

@@ -28,6 +28,7 @@ FakePlatform::FakePlatform() : discovery(runLoop), distributedNotificationCenter
     mPlatform.systemVersion = &systemVersion;
     mPlatform.text = &text;
     mPlatform.updaters = &updaters;
+    mPlatform.virtualScreens = &virtualScreens;
     mPlatform.workspace = &workspace;
 }
 

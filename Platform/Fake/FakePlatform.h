@@ -21,6 +21,7 @@
 #include "Platform/Fake/FakeSystemVersion.h"
 #include "Platform/Fake/FakeText.h"
 #include "Platform/Fake/FakeUpdater.h"
+#include "Platform/Fake/FakeVirtualScreens.h"
 #include "Platform/Fake/FakeWorkspace.h"
 #include "Platform/Firewall.h"
 #include "Platform/LocalNotificationCenter.h"
@@ -88,6 +89,7 @@ public:
     FakeSystemVersion systemVersion;
     FakeText text;
     FakeUpdaters updaters;
+    FakeVirtualScreens virtualScreens{runLoop};
     FakeWorkspace workspace;
 
 private:

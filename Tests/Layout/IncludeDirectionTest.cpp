@@ -90,8 +90,8 @@ std::string libraryOf(const std::string& header)
         if (header.starts_with(library))
             return library;
     }
-    static const std::set<std::string> system = {"dirent.h", "fcntl.h", "ifaddrs.h",
-                                                 "poll.h",   "pwd.h",   "unistd.h"};
+    static const std::set<std::string> system = {"dirent.h", "fcntl.h", "ifaddrs.h", "poll.h",
+                                                 "pwd.h",    "spawn.h", "unistd.h"};
     static const std::regex systemFolders("(linux|net|netinet|sys)/.*");
     return isOf(header, system) || std::regex_match(header, systemFolders) ? "system" : header;
 }

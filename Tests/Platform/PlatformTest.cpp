@@ -29,6 +29,7 @@ TEST(Platform, IsEmptyAndSafeToCallUntilOneIsInstalled)
     const auto target = std::make_shared<int>();
     EXPECT_FALSE(empty.runLoop->scheduledTimer({}, true, target, [] {})->isValid());
     empty.runLoop->run({}, target, [] {})->stop();
+    EXPECT_EQ(empty.virtualScreens->open({}, {}), nullptr);
     empty.discovery->makeBrowser()->searchForServicesOfType("_type._udp", "local.");
 }
 

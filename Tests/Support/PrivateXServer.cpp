@@ -2,9 +2,13 @@
 
 #include "Tests/Support/WaitUntil.h"
 
+#include <xcb/xtest.h>
+
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace
@@ -52,6 +56,101 @@ template <typename Reply> std::unique_ptr<Reply, Free> needed(Reply* reply)
         throw std::runtime_error("the X server refused what a test needs");
     return std::unique_ptr<Reply, Free>(reply);
 }
+
+struct Disconnect {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+
+/// A connection of its own: how dense a screen is, is told at the beginning only.
+class ScreenReader
+{
+public:
+    explicit ScreenReader(const std::string& display)
+        : mConnection(xcb_connect(display.c_str(), nullptr)),
+          mScreen(xcb_setup_roots_iterator(xcb_get_setup(mConnection.get())).data)
+    {
+    }
+
+    std::string description() const
+    {
+        auto* server = mConnection.get();
+        std::ostringstream text;
+        const auto resources = needed(xcb_randr_get_screen_resources_reply(
+            server, xcb_randr_get_screen_resources(server, mScreen->root), nullptr));
+        const auto primary = needed(xcb_randr_get_output_primary_reply(
+            server, xcb_randr_get_output_primary(server, mScreen->root), nullptr));
+        text << "screen " << mScreen->width_in_pixels << "x" << mScreen->height_in_pixels << " "
+             << mScreen->width_in_millimeters << "x" << mScreen->height_in_millimeters
+             << " mm, primary " << primary->output << ", modes " << resources->num_modes << " "
+             << textOf(xcb_randr_get_screen_resources_names(resources.get()), resources->names_len)
+             << ", monitors " << monitorCount() << (hasJournal() ? ", written down" : "") << "\n";
+        const auto* outputs = xcb_randr_get_screen_resources_outputs(resources.get());
+        for (int index = 0; index < resources->num_outputs; ++index)
+            describeOutput(text, outputs[index]);
+        const auto* crtcs = xcb_randr_get_screen_resources_crtcs(resources.get());
+        for (int index = 0; index < resources->num_crtcs; ++index)
+            describeCrtc(text, crtcs[index]);
+        return text.str();
+    }
+
+private:
+    static std::string textOf(const std::uint8_t* first, int count)
+    {
+        return {first, first + count};
+    }
+    bool hasJournal() const
+    {
+        auto* server = mConnection.get();
+        const std::string name = "_FARVIEW_VIRTUAL_MONITOR";
+        const auto atom = needed(xcb_intern_atom_reply(
+            server,
+            xcb_intern_atom(server, 0, static_cast<std::uint16_t>(name.size()), name.data()),
+            nullptr));
+        const auto property = needed(xcb_get_property_reply(
+            server, xcb_get_property(server, 0, mScreen->root, atom->atom, XCB_ATOM_ANY, 0, 1),
+            nullptr));
+        return property->type != XCB_ATOM_NONE;
+    }
+    void describeOutput(std::ostream& text, xcb_randr_output_t output) const
+    {
+        const auto info = needed(xcb_randr_get_output_info_reply(
+            mConnection.get(), xcb_randr_get_output_info(mConnection.get(), output, 0), nullptr));
+        text << textOf(xcb_randr_get_output_info_name(info.get()), info->name_len) << " connection "
+             << int(info->connection) << " crtc " << info->crtc << " modes";
+        for (int index = 0; index < info->num_modes; ++index)
+            text << " " << xcb_randr_get_output_info_modes(info.get())[index];
+        text << "\n";
+    }
+    std::string panning(xcb_randr_crtc_t crtc) const
+    {
+        const auto area = needed(xcb_randr_get_panning_reply(
+            mConnection.get(), xcb_randr_get_panning(mConnection.get(), crtc), nullptr));
+        return " panning " + std::to_string(area->width) + "x" + std::to_string(area->height);
+    }
+    int monitorCount() const
+    {
+        return needed(xcb_randr_get_monitors_reply(
+                          mConnection.get(),
+                          xcb_randr_get_monitors(mConnection.get(), mScreen->root, 0), nullptr))
+            ->nMonitors;
+    }
+    void describeCrtc(std::ostream& text, xcb_randr_crtc_t crtc) const
+    {
+        const auto info = needed(xcb_randr_get_crtc_info_reply(
+            mConnection.get(), xcb_randr_get_crtc_info(mConnection.get(), crtc, 0), nullptr));
+        text << "crtc " << crtc << " mode " << info->mode;
+        // Where one that is off has been is remembered for ever.
+        if (info->mode != 0)
+            text << " " << info->width << "x" << info->height << "+" << info->x << "+" << info->y
+                 << " rotation " << info->rotation;
+        for (int index = 0; index < info->num_outputs; ++index)
+            text << " output " << xcb_randr_get_crtc_info_outputs(info.get())[index];
+        text << "\n";
+    }
+
+    std::unique_ptr<xcb_connection_t, Disconnect> mConnection;
+    const xcb_screen_t* mScreen;
+};
 
 std::string firstLineOf(const std::string& path)
 {
@@ -168,4 +267,74 @@ ScreenArranger::Area ScreenArranger::screen()
     const auto size =
         needed(xcb_get_geometry_reply(mConnection, xcb_get_geometry(mConnection, mRoot), nullptr));
     return {0, 0, size->width, size->height};
+}
+
+void ScreenArranger::beWindowManager(const std::string& name)
+{
+    const auto atom = [&](const std::string& text) {
+        return needed(xcb_intern_atom_reply(mConnection,
+                                            xcb_intern_atom(mConnection, 0,
+                                                            static_cast<std::uint16_t>(text.size()),
+                                                            text.data()),
+                                            nullptr))
+            ->atom;
+    };
+    const auto window = xcb_generate_id(mConnection);
+    xcb_create_window(mConnection, 0, window, mRoot, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_change_property(mConnection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_NAME"),
+                        atom("UTF8_STRING"), 8, static_cast<std::uint32_t>(name.size()),
+                        name.data());
+    std::free(xcb_request_check(mConnection,
+                                xcb_change_property_checked(mConnection, XCB_PROP_MODE_REPLACE,
+                                                            mRoot, atom("_NET_SUPPORTING_WM_CHECK"),
+                                                            XCB_ATOM_WINDOW, 32, 1, &window)));
+}
+
+void ScreenArranger::fill(const Area& area, std::uint32_t colour)
+{
+    const auto context = xcb_generate_id(mConnection);
+    xcb_create_gc(
+        mConnection, context, mRoot, XCB_GC_FOREGROUND | XCB_GC_SUBWINDOW_MODE,
+        std::array<std::uint32_t, 2>{colour, XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS}.data());
+    const xcb_rectangle_t rectangle{
+        static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y),
+        static_cast<std::uint16_t>(area.width), static_cast<std::uint16_t>(area.height)};
+    std::free(xcb_request_check(
+        mConnection, xcb_poly_fill_rectangle_checked(mConnection, mRoot, context, 1, &rectangle)));
+    xcb_free_gc(mConnection, context);
+}
+
+void ScreenArranger::setCursor(int side, std::uint32_t colour, int hotspot)
+{
+    const auto pixmap = xcb_generate_id(mConnection);
+    const auto context = xcb_generate_id(mConnection);
+    const auto cursor = xcb_generate_id(mConnection);
+    const auto length = static_cast<std::uint16_t>(side);
+    const auto part = [&](int shift) {
+        return static_cast<std::uint16_t>((colour >> shift & 0xFF) * 0x101);
+    };
+    xcb_create_pixmap(mConnection, 1, pixmap, mRoot, length, length);
+    const std::uint32_t set = 1;
+    xcb_create_gc(mConnection, context, pixmap, XCB_GC_FOREGROUND, &set);
+    const xcb_rectangle_t all{0, 0, length, length};
+    xcb_poly_fill_rectangle(mConnection, pixmap, context, 1, &all);
+    xcb_create_cursor(mConnection, cursor, pixmap, pixmap, part(16), part(8), part(0), 0, 0, 0,
+                      static_cast<std::uint16_t>(hotspot), static_cast<std::uint16_t>(hotspot));
+    std::free(xcb_request_check(mConnection, xcb_change_window_attributes_checked(
+                                                 mConnection, mRoot, XCB_CW_CURSOR, &cursor)));
+}
+
+void ScreenArranger::movePointer(int x, int y)
+{
+    std::free(xcb_request_check(
+        mConnection, xcb_test_fake_input_checked(
+                         mConnection, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, mRoot,
+                         static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0)));
+}
+
+std::string describedScreens(const std::string& display)
+{
+    const ScreenReader reader(display);
+    return reader.description();
 }

@@ -31,6 +31,10 @@ private:
     ScopedEnvironment mWayland{"WAYLAND_DISPLAY", nullptr};
 };
 
+/// Everything that a server says of its screens, in words: which outputs there are, what they show,
+/// in which modes, how large it all is, and whether a monitor of ours is written down there.
+std::string describedScreens(const std::string& display);
+
 /// Another program on that server, which arranges its outputs as tests want them. It waits for
 /// every answer.
 class ScreenArranger
@@ -57,6 +61,15 @@ public:
     void hide(std::size_t index);
     void makePrimary(std::size_t index);
     void setScreenSize(int width, int height);
+
+    /// Says, as a window manager does, that one of that name runs.
+    void beWindowManager(const std::string& name);
+    /// Draws on the root window.
+    void fill(const Area& area, std::uint32_t colour);
+    /// A square of one colour in the place of the pointer, while it is over the root window.
+    void setCursor(int side, std::uint32_t colour, int hotspot);
+    /// As a mouse would.
+    void movePointer(int x, int y);
 
     /// What the output shows; empty when it is off.
     Area area(std::size_t index);

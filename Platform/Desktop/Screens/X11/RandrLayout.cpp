@@ -7,13 +7,6 @@ namespace farview
 namespace
 {
 
-template <typename Item> Item* withId(std::vector<Item>& items, RandrNumber id)
-{
-    const auto found =
-        std::find_if(items.begin(), items.end(), [id](const Item& item) { return item.id == id; });
-    return found == items.end() ? nullptr : &*found;
-}
-
 bool isOn(const RandrCrtc& crtc) { return crtc.mode != 0 && !crtc.outputs.empty(); }
 
 /// What the output shows; null when it shows nothing.
@@ -22,17 +15,6 @@ RandrCrtc* shownBy(RandrLayout& layout, RandrNumber output)
     const RandrOutput* found = withId(layout.outputs, output);
     RandrCrtc* crtc = found && found->crtc != 0 ? withId(layout.crtcs, found->crtc) : nullptr;
     return crtc && isOn(*crtc) ? crtc : nullptr;
-}
-
-const RandrCrtc* shownBy(const RandrLayout& layout, RandrNumber output)
-{
-    return shownBy(const_cast<RandrLayout&>(layout), output);
-}
-
-bool overlap(const RandrCrtc& left, const RandrCrtc& right)
-{
-    return left.x < right.x + right.width && right.x < left.x + left.width &&
-           left.y < right.y + right.height && right.y < left.y + left.height;
 }
 
 /// One that is off and that the output could show; null when there is none.
@@ -93,6 +75,17 @@ RandrNumber modeLike(RandrLayout& layout, const RandrOutput& output, RandrNumber
 }
 
 } // namespace
+
+const RandrCrtc* shownBy(const RandrLayout& layout, RandrNumber output)
+{
+    return shownBy(const_cast<RandrLayout&>(layout), output);
+}
+
+bool overlap(const RandrCrtc& left, const RandrCrtc& right)
+{
+    return left.x < right.x + right.width && right.x < left.x + left.width &&
+           left.y < right.y + right.height && right.y < left.y + left.height;
+}
 
 std::vector<RandrNumber> onlineOutputs(const RandrLayout& layout)
 {

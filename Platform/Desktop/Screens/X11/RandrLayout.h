@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace farview
@@ -13,6 +15,7 @@ struct RandrMode {
     RandrNumber id = 0;
     int width = 0;
     int height = 0;
+    std::string name = {};
 };
 
 /// A part of the screen, and the outputs that show it. Without a mode it is off.
@@ -24,7 +27,7 @@ struct RandrCrtc {
     int height = 0;
     RandrNumber mode = 0;
     std::uint16_t rotation = 1;
-    std::vector<RandrNumber> outputs;
+    std::vector<RandrNumber> outputs = {};
 
     bool operator==(const RandrCrtc&) const = default;
 };
@@ -36,6 +39,7 @@ struct RandrOutput {
     /// What it could show, and how.
     std::vector<RandrNumber> crtcs;
     std::vector<RandrNumber> modes;
+    std::string name = {};
 };
 
 struct RandrSize {
@@ -55,6 +59,22 @@ struct RandrLayout {
     std::vector<RandrOutput> outputs;
     std::vector<RandrMode> modes;
 };
+
+/// The mode, crtc or output of that number; null when there is none.
+template <typename Item> Item* withId(std::vector<Item>& items, RandrNumber id)
+{
+    const auto found =
+        std::find_if(items.begin(), items.end(), [id](const Item& item) { return item.id == id; });
+    return found == items.end() ? nullptr : &*found;
+}
+template <typename Item> const Item* withId(const std::vector<Item>& items, RandrNumber id)
+{
+    return withId(const_cast<std::vector<Item>&>(items), id);
+}
+
+/// What the output shows; null when it shows nothing.
+const RandrCrtc* shownBy(const RandrLayout& layout, RandrNumber output);
+bool overlap(const RandrCrtc& left, const RandrCrtc& right);
 
 /// The outputs that show something, the primary one first.
 std::vector<RandrNumber> onlineOutputs(const RandrLayout& layout);

@@ -1,0 +1,121 @@
+#include "Platform/Desktop/Screens/X11/MonitorThread.h"
+
+#include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
+#include "Platform/Posix/Environment.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+/// For removing the monitor, which takes some milliseconds.
+constexpr std::chrono::milliseconds patience{500};
+
+/// Removes the monitor at the end of its scope, whatever led there.
+class Undoing
+{
+public:
+    explicit Undoing(RandrServer& server) : mServer(server) {}
+    ~Undoing() { undoMonitor(mServer); }
+    Undoing(const Undoing&) = delete;
+    Undoing& operator=(const Undoing&) = delete;
+
+private:
+    RandrServer& mServer;
+};
+
+} // namespace
+
+MonitorThread::MonitorThread(ScreenWish wish, std::string watcher, ShownMonitor::Tell tell)
+    : mWish(std::move(wish)), mWatcher(std::move(watcher)), mTell(std::move(tell)),
+      mScreen(std::make_shared<CapturedScreen>([orders = mOrders] { orders->wake(); }))
+{
+    if (const char* display = std::getenv("DISPLAY"))
+        mDisplay = display;
+    const WithoutSignals scope;
+    mThread = std::thread([this] { run(); });
+}
+
+MonitorThread::~MonitorThread()
+{
+    mOrders->wish([](auto& wishes) { wishes.end = true; });
+    {
+        std::unique_lock lock(mMutex);
+        if (!mEnded.wait_for(lock, patience, [this] { return mHasEnded; }))
+            mBreaker.cut();
+    }
+    mThread.join();
+}
+
+void MonitorThread::resize(RandrSize size)
+{
+    mOrders->wish([=](auto& wishes) { wishes.size = size; });
+}
+
+void MonitorThread::place(PixelPoint corner)
+{
+    mOrders->wish([=](auto& wishes) { wishes.place = corner; });
+}
+
+void MonitorThread::run()
+{
+    std::optional<ScreenObstacle> end;
+    try {
+        // Before the first change, and until the last one is undone.
+        const auto watcher = startMonitorWatcher(mWatcher);
+        const auto tidy = [](RandrServer& server) {
+            undoAbandonedMonitor(server);
+            return std::optional<ScreenObstacle>();
+        };
+        converse(tidy);
+        end = watcher.isOpen() ? converse([this](RandrServer& server) { return show(server); })
+                               : ScreenObstacle::failed;
+    } catch (const std::exception&) {
+        // No memory.
+        end = ScreenObstacle::failed;
+    }
+    if (end)
+        mTell([reason = *end](auto& delegate) { delegate.didEnd(reason); });
+    const std::lock_guard lock(mMutex);
+    mHasEnded = true;
+    mEnded.notify_one();
+}
+
+/// Over a connection of its own.
+std::optional<ScreenObstacle> MonitorThread::converse(const Conversation& conversation)
+{
+    const XConnection connection(xcb_connect(mDisplay.c_str(), nullptr));
+    const BreakerHold hold(mBreaker, connection.get());
+    RandrServer server(connection.get());
+    return conversation(server);
+}
+
+/// Why it ended, or did not begin; nothing when its owner wanted that.
+std::optional<ScreenObstacle> MonitorThread::show(RandrServer& server)
+{
+    if (const auto obstacle = obstacleTo(server))
+        return obstacle;
+    if (!becomeOwner(server))
+        return ScreenObstacle::inUse;
+    const Undoing scope(server);
+    VirtualMonitor monitor(server);
+    if (const auto obstacle = monitor.make(mWish.width, mWish.height))
+        return obstacle;
+    return ShownMonitor(server, monitor, *mScreen, *mOrders, mTell).run();
+}
+
+std::optional<ScreenObstacle> obstacleTo(const RandrServer& server)
+{
+    if (!isX11Session() || xcb_connection_has_error(server.connection()) != 0)
+        return ScreenObstacle::noDesktop;
+    if (!server.isUsable() || !RootCapture::isPossible(server))
+        return ScreenObstacle::protocolMissing;
+    return std::nullopt;
+}
+
+} // namespace farview

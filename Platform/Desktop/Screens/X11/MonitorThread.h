@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Platform/Desktop/Screens/X11/ShownMonitor.h"
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+namespace farview
+{
+
+/// The thread of one monitor of an X server: makes it, captures it, removes it. All talk with the
+/// server happens here.
+class MonitorThread
+{
+public:
+    /// `tell` is called on the thread.
+    MonitorThread(ScreenWish wish, std::string watcher, ShownMonitor::Tell tell);
+    /// Removes the monitor. Waits for that, but not for a server that does not answer.
+    ~MonitorThread();
+    MonitorThread(const MonitorThread&) = delete;
+    MonitorThread& operator=(const MonitorThread&) = delete;
+
+    void resize(RandrSize size);
+    void place(PixelPoint corner);
+    CapturedScreen& screen() { return *mScreen; }
+
+private:
+    using Conversation = std::function<std::optional<ScreenObstacle>(RandrServer&)>;
+
+    void run();
+    std::optional<ScreenObstacle> converse(const Conversation& conversation);
+    std::optional<ScreenObstacle> show(RandrServer& server);
+
+    ScreenWish mWish;
+    std::string mWatcher;
+    std::string mDisplay;
+    ShownMonitor::Tell mTell;
+    std::shared_ptr<MonitorOrders> mOrders = std::make_shared<MonitorOrders>();
+    std::shared_ptr<CapturedScreen> mScreen;
+    ConnectionBreaker mBreaker;
+    std::mutex mMutex;
+    std::condition_variable mEnded;
+    bool mHasEnded = false;
+    std::thread mThread;
+};
+
+/// What keeps this server from having a monitor, whatever its outputs; nothing when nothing does.
+std::optional<ScreenObstacle> obstacleTo(const RandrServer& server);
+
+} // namespace farview

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Platform/Desktop/Screens/X11/CapturedScreen.h"
+#include "Platform/Desktop/Screens/X11/MonitorOrders.h"
+#include "Platform/Desktop/Screens/X11/RootCapture.h"
+#include "Platform/Desktop/Screens/X11/RootCursor.h"
+#include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+namespace farview
+{
+
+/// Happens at most once in the length of a frame.
+class Beat
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    bool isDue() const { return Clock::now() >= mNext; }
+    void happened() { mNext = Clock::now() + std::chrono::microseconds(16667); }
+    /// As poll() takes it.
+    int millisecondsLeft() const;
+
+private:
+    Clock::time_point mNext;
+};
+
+/// A monitor that is on: captures it, follows the pointer, does what its owner asks, and notices
+/// what others do to it. One thread; waits for the server.
+class ShownMonitor
+{
+public:
+    using News = std::function<void(VirtualScreenDelegate&)>;
+    /// Called with what the delegate is to be told.
+    using Tell = std::function<void(News)>;
+
+    ShownMonitor(RandrServer& server, VirtualMonitor& monitor, CapturedScreen& screen,
+                 MonitorOrders& orders, Tell tell);
+
+    /// Until it ends. Why; nothing when its owner wanted that.
+    std::optional<ScreenObstacle> run();
+
+private:
+    std::optional<ScreenObstacle> appear();
+    bool beginCapture();
+    bool grantWishes();
+    void serveEvents();
+    void serve(const xcb_generic_event_t& event);
+    std::optional<ScreenObstacle> lookAtLayout();
+    void takeShape();
+    void followPointer();
+    bool hasPointerMoved();
+    void capture();
+    void wait();
+    int longestWait() const;
+
+    RandrServer& mServer;
+    VirtualMonitor& mMonitor;
+    CapturedScreen& mScreen;
+    MonitorOrders& mOrders;
+    Tell mTell;
+    RootCapture mCapture;
+    RootCursor mCursor;
+    ScreenGeometry mGeometry;
+    std::uint8_t mRandrEvent = 0;
+    Beat mFrames;
+    Beat mPointer;
+    Beat mLayouts; ///< others may be stubborn
+    bool mIsDamaged = true;
+    bool mIsFrameOut = false;
+    bool mIsLayoutStale = false;
+    /// The pointer is asked for its position until it rests.
+    bool mIsFollowing = true;
+    bool mIsListening = true;
+    PixelPoint mPointerPlace{-1, -1};
+};
+
+} // namespace farview

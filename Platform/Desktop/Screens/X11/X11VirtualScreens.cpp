@@ -1,0 +1,113 @@
+#include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
+
+#include "Platform/Desktop/Screens/X11/MonitorThread.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <thread>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+class X11VirtualScreen final : public VirtualScreen
+{
+public:
+    X11VirtualScreen(RunLoop& loop, const ScreenWish& wish, const std::string& watcher,
+                     VirtualScreens::Delegate delegate)
+        : mThread(wish, watcher,
+                  [&loop, life = std::weak_ptr<void>(mLife), delegate](ShownMonitor::News news) {
+                      loop.post(life, [delegate, news = std::move(news)] {
+                          if (const auto told = delegate.lock())
+                              news(*told);
+                      });
+                  })
+    {
+    }
+
+    void resize(int width, int height) override { mThread.resize({width, height}); }
+    /// An X server has no scale of a single monitor.
+    void setScale(double) override {}
+    void place(PixelPoint corner) override { mThread.place(corner); }
+    ScreenSource& frames() override { return mThread.screen(); }
+    CursorSource& cursor() override { return mThread.screen(); }
+
+private:
+    /// The target of everything that is posted: nothing is told after the object's end.
+    std::shared_ptr<void> mLife = std::make_shared<int>();
+    MonitorThread mThread;
+};
+
+ScreenAvailability availabilityOf(xcb_connection_t* connection)
+{
+    RandrServer server(connection);
+    const auto obstacle = obstacleTo(server);
+    if (obstacle)
+        return {std::nullopt, *obstacle};
+    const auto layout = server.layout();
+    if (!layout)
+        return {std::nullopt, ScreenObstacle::gone};
+    if (hasOwner(server))
+        return {std::nullopt, ScreenObstacle::inUse};
+    return {wayToAMonitor(server, *layout), ScreenObstacle::noSpareOutput};
+}
+
+} // namespace
+
+/// One question for what is possible, on its way.
+class X11VirtualScreens::Question
+{
+public:
+    explicit Question(std::function<void(const ScreenAvailability&)> answer)
+        : mThread([this, answer = std::move(answer)] { ask(answer); })
+    {
+    }
+    ~Question()
+    {
+        mBreaker.cut();
+        mThread.join();
+    }
+    Question(const Question&) = delete;
+    Question& operator=(const Question&) = delete;
+
+    bool isAnswered() const { return mIsAnswered; }
+
+private:
+    void ask(const std::function<void(const ScreenAvailability&)>& answer)
+    {
+        const XConnection connection(xcb_connect(nullptr, nullptr));
+        const BreakerHold hold(mBreaker, connection.get());
+        answer(availabilityOf(connection.get()));
+        mIsAnswered = true;
+    }
+
+    ConnectionBreaker mBreaker;
+    std::atomic<bool> mIsAnswered = false;
+    std::thread mThread;
+};
+
+X11VirtualScreens::X11VirtualScreens(RunLoop& loop, std::string watcher)
+    : mLoop(loop), mWatcher(std::move(watcher))
+{
+}
+
+X11VirtualScreens::~X11VirtualScreens() = default;
+
+void X11VirtualScreens::availability(std::weak_ptr<void> target, Answer then)
+{
+    std::erase_if(mQuestions, [](const auto& question) { return question->isAnswered(); });
+    const WithoutSignals scope;
+    mQuestions.push_back(std::make_unique<Question>(
+        [this, target = std::move(target), then = std::move(then)](const auto& found) {
+            mLoop.post(target, [then, found] { then(found); });
+        }));
+}
+
+std::unique_ptr<VirtualScreen> X11VirtualScreens::open(const ScreenWish& wish, Delegate delegate)
+{
+    return std::make_unique<X11VirtualScreen>(mLoop, wish, mWatcher, std::move(delegate));
+}
+
+} // namespace farview

@@ -1,0 +1,51 @@
+#include "Platform/Desktop/Screens/X11/XConnection.h"
+
+#include <sys/socket.h>
+
+namespace farview
+{
+
+void ConnectionBreaker::hold(int descriptor)
+{
+    const std::lock_guard lock(mMutex);
+    mDescriptor = descriptor;
+    if (mIsBroken && descriptor >= 0)
+        ::shutdown(descriptor, SHUT_RDWR);
+}
+
+void ConnectionBreaker::release()
+{
+    const std::lock_guard lock(mMutex);
+    mDescriptor = -1;
+}
+
+void ConnectionBreaker::cut()
+{
+    const std::lock_guard lock(mMutex);
+    mIsBroken = true;
+    if (mDescriptor >= 0)
+        ::shutdown(mDescriptor, SHUT_RDWR);
+}
+
+WithoutSignals::WithoutSignals()
+{
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &mBefore);
+}
+
+WithoutSignals::~WithoutSignals() { ::pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
+
+const xcb_screen_t* screenOf(xcb_connection_t* connection)
+{
+    if (xcb_connection_has_error(connection) != 0)
+        return nullptr;
+    const xcb_setup_t* setup = xcb_get_setup(connection);
+    const auto* screen = xcb_setup_roots_iterator(setup).data;
+    const auto* bytes = reinterpret_cast<const char*>(setup);
+    const auto* end = bytes + 8 + std::size_t{4} * setup->length;
+    const bool isInside = reinterpret_cast<const char*>(screen + 1) <= end;
+    return setup->roots_len > 0 && isInside ? screen : nullptr;
+}
+
+} // namespace farview

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "Platform/CursorSource.h"
+#include "Platform/ScreenSource.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace farview
+{
+
+/// Why there can be no additional monitor here, or why there is none any more.
+enum class ScreenObstacle {
+    noDesktop,       ///< no display, or of a kind that nothing here can ask
+    noSpareOutput,   ///< no output without a plug is left, and the window manager needs one
+    protocolMissing, ///< the desktop lacks what it would be asked with
+    notPermitted,    ///< the desktop could, but does not let this program
+    locked,          ///< not while the screen is locked; afterwards it can be asked again
+    inUse,           ///< another Farview has its monitor on this display
+    tooLarge,        ///< the desktop cannot become that large
+    takenAway,       ///< somebody else switched the monitor off
+    gone,            ///< the desktop has ended
+    failed,          ///< refused without a reason
+};
+
+/// How a monitor is made.
+enum class ScreenWay {
+    spareOutput,     ///< an output without a plug is switched on
+    namedMonitor,    ///< the X server is told of a monitor that no output shows
+    desktopProtocol, ///< the desktop has operations for it
+};
+
+/// A way, or what is in its way.
+struct ScreenAvailability {
+    std::optional<ScreenWay> way;
+    ScreenObstacle obstacle = ScreenObstacle::noDesktop; ///< where there is no way
+};
+
+/// The monitor that is wanted.
+struct ScreenWish {
+    std::string name; ///< what the user calls it; a desktop may show another name
+    int width = 0;    ///< in pixels
+    int height = 0;
+    double scale = 1;   ///< how many pixels are one point; a desktop may know only 1
+    bool input = false; ///< whether input for it will be given, too
+};
+
+/// The monitor as it is.
+struct ScreenGeometry {
+    /// Where it is among the other screens, in the desktop's own units.
+    PixelPoint place;
+    int width = 0; ///< in pixels
+    int height = 0;
+    double scale = 1;
+    double rate = 0; ///< frames per second; 0 when the desktop does not say
+
+    bool operator==(const ScreenGeometry&) const = default;
+};
+
+/// Is told of one monitor. All on the main thread, on a later turn, never inside a call, and
+/// nothing once the monitor's object is gone.
+class VirtualScreenDelegate
+{
+public:
+    virtual ~VirtualScreenDelegate() = default;
+
+    /// Once, before everything but `didEnd`.
+    virtual void didAppear(const ScreenGeometry& geometry) = 0;
+    /// It has another size, scale or place, whoever wanted that.
+    virtual void didChange(const ScreenGeometry& geometry) = 0;
+    /// There is a frame to take. Not told again until one was taken and released.
+    virtual void frameReady() = 0;
+    /// The pointer moved or looks different: there is something to ask the cursor source.
+    virtual void cursorChanged() = 0;
+    /// There is no such monitor, or none any more. Nothing follows.
+    virtual void didEnd(ScreenObstacle reason) = 0;
+};
+
+/// A monitor that no plug has. The destructor removes it and leaves the user's own screens as they
+/// were. Main thread only. What is asked of it is answered through the delegate; what the desktop
+/// cannot do changes nothing.
+class VirtualScreen
+{
+public:
+    virtual ~VirtualScreen() = default;
+
+    virtual void resize(int width, int height) = 0;
+    virtual void setScale(double scale) = 0;
+    /// Moves its upper left corner. Never moves a screen of the user.
+    virtual void place(PixelPoint corner) = 0;
+
+    /// Live as long as the object.
+    virtual ScreenSource& frames() = 0;
+    virtual CursorSource& cursor() = 0;
+};
+
+/// Makes monitors.
+class VirtualScreens
+{
+public:
+    using Answer = std::function<void(const ScreenAvailability&)>;
+    using Delegate = std::weak_ptr<VirtualScreenDelegate>;
+
+    virtual ~VirtualScreens() = default;
+
+    /// Finds out what is possible now, without changing anything. The answer comes once: later, or
+    /// before the operation returned; never when `target` is gone.
+    virtual void availability(std::weak_ptr<void> target, Answer then) = 0;
+    /// Begins to make a monitor; the delegate hears what becomes of it. Null where there is nobody
+    /// to ask, which is `noDesktop`.
+    virtual std::unique_ptr<VirtualScreen> open(const ScreenWish& wish, Delegate delegate) = 0;
+};
+
+} // namespace farview

@@ -1,0 +1,127 @@
+#include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
+
+#include "Platform/Desktop/Screens/X11/MonitorThread.h"
+#include "Tests/Desktop/DeadlyXServer.h"
+#include "Tests/Support/ForkedProcess.h"
+#include "Tests/Support/PrivateXServer.h"
+#include "Tests/Support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+namespace farview
+{
+namespace
+{
+
+/// A process that makes a monitor and has it until it is killed.
+class Maker
+{
+public:
+    explicit Maker(const std::string& display, const char* watcher = FARVIEW_MONITOR_WATCHER)
+        : mProcess([&] {
+              ::setenv("DISPLAY", display.c_str(), 1);
+              const MonitorThread thread({.name = "Tablet", .width = 1024, .height = 600}, watcher,
+                                         [](const auto&) {});
+              ::pause();
+          })
+    {
+    }
+    pid_t pid() const { return mProcess.pid(); }
+    void kill() { mProcess.kill(); }
+
+private:
+    ForkedProcess mProcess;
+};
+
+class MonitorWatcherTest : public testing::Test
+{
+protected:
+    /// The driver counts an output as connected from the first time that it was on.
+    MonitorWatcherTest()
+    {
+        mOthers.setScreenSize(3840, 1080);
+        mOthers.show(1, 1920, 0);
+        mOthers.hide(1);
+        mOthers.setScreenSize(1920, 1080);
+    }
+    std::string described() { return describedScreens(mServer.display()); }
+    bool isThere() { return mOthers.area(1) == ScreenArranger::Area{1920, 0, 1024, 600}; }
+
+    /// Kills a maker at its first step, the next one at its second, and so on. Through the server
+    /// in between no frame can be captured, so a maker that lives long enough removes its monitor
+    /// by itself: death meets every step of making and of removing.
+    int stepsSurvived()
+    {
+        const auto before = described();
+        int steps = 0;
+        for (bool hasKilled = true; hasKilled; ++steps) {
+            DeadlyXServer between(mServer.display());
+            const Maker maker(between.display());
+            between.killAfter(steps + 1, maker.pid());
+            EXPECT_TRUE(waitUntil([&] { return between.hasWatched(); })) << "step " << steps;
+            EXPECT_EQ(described(), before) << "step " << steps;
+            hasKilled = between.hasKilled() && !HasFailure();
+        }
+        return steps;
+    }
+
+    PrivateXServer mServer;
+    ScreenArranger mOthers{mServer.display()};
+};
+
+TEST_F(MonitorWatcherTest, RestoresEverythingAfterItsMakerWasKilled)
+{
+    const auto before = described();
+    Maker maker(mServer.display());
+    ASSERT_TRUE(waitUntil([&] { return isThere(); }));
+    maker.kill();
+    EXPECT_TRUE(waitUntil([&] { return described() == before; }));
+}
+
+TEST_F(MonitorWatcherTest, RestoresEverythingAfterDeathAtEachStepOfAnOutput)
+{
+    EXPECT_GT(stepsSurvived(), 15);
+}
+
+TEST_F(MonitorWatcherTest, RestoresEverythingAfterDeathAtEachStepOfANamedMonitor)
+{
+    mOthers.beWindowManager("Openbox");
+    for (std::size_t index = 1; index < mOthers.outputs().size(); ++index)
+        mOthers.show(index, 0, 0);
+    EXPECT_GT(stepsSurvived(), 12);
+}
+
+TEST_F(MonitorWatcherTest, LeavesWhatOthersChangedMeanwhile)
+{
+    Maker maker(mServer.display());
+    ASSERT_TRUE(waitUntil([&] { return isThere(); }));
+    mOthers.setScreenSize(4864, 1080);
+    mOthers.show(2, 2944, 0);
+    maker.kill();
+    ASSERT_TRUE(waitUntil([&] { return mOthers.area(1) == ScreenArranger::Area{}; }));
+    EXPECT_EQ(mOthers.area(2), (ScreenArranger::Area{2944, 0, 1920, 1080}));
+    EXPECT_EQ(mOthers.screen(), (ScreenArranger::Area{0, 0, 4864, 1080}));
+}
+
+TEST_F(MonitorWatcherTest, TheNextMakerUndoesWhatNobodyWatched)
+{
+    const auto before = described();
+    {
+        Maker maker(mServer.display(), "/bin/true");
+        ASSERT_TRUE(waitUntil([&] { return isThere(); }));
+    }
+    EXPECT_NE(described(), before);
+    {
+        const MonitorThread next({.name = "Tablet", .width = 800, .height = 600},
+                                 FARVIEW_MONITOR_WATCHER, [](const auto&) {});
+        EXPECT_TRUE(waitUntil([&] {
+            return mOthers.area(1) == ScreenArranger::Area{1920, 0, 800, 600};
+        }));
+    }
+    EXPECT_EQ(described(), before);
+}
+
+} // namespace
+} // namespace farview

@@ -1,0 +1,191 @@
+#include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
+
+#include "Platform/Desktop/QtRunLoop.h"
+#include "Tests/Support/PrivateXServer.h"
+#include "Tests/Support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace farview
+{
+namespace
+{
+
+struct Listener final : VirtualScreenDelegate {
+    std::optional<ScreenGeometry> geometry;
+    std::optional<ScreenObstacle> end;
+
+    void didAppear(const ScreenGeometry& appeared) override { geometry = appeared; }
+    void didChange(const ScreenGeometry& changed) override { geometry = changed; }
+    void frameReady() override {}
+    void cursorChanged() override {}
+    void didEnd(ScreenObstacle reason) override { end = reason; }
+};
+
+class X11VirtualScreensTest : public testing::Test
+{
+protected:
+    /// The driver counts an output as connected from the first time that it was on: here it has
+    /// been.
+    X11VirtualScreensTest()
+    {
+        mOthers.setScreenSize(3840, 1080);
+        mOthers.show(1, 1920, 0);
+        mOthers.hide(1);
+        mOthers.setScreenSize(1920, 1080);
+    }
+    std::string described() { return describedScreens(mServer.display()); }
+    void open(int width = 1024, int height = 600)
+    {
+        mScreen = mScreens.open({.name = "Tablet", .width = width, .height = height}, mListener);
+        waitUntil([&] { return mListener->geometry || mListener->end; });
+    }
+    bool becomes(int width, int height)
+    {
+        return waitUntil([&] {
+            return mListener->geometry->width == width && mListener->geometry->height == height;
+        });
+    }
+
+    PrivateXServer mServer;
+    ScreenArranger mOthers{mServer.display()};
+    QtRunLoop mLoop;
+    X11VirtualScreens mScreens{mLoop, FARVIEW_MONITOR_WATCHER};
+    std::shared_ptr<Listener> mListener = std::make_shared<Listener>();
+    std::unique_ptr<VirtualScreen> mScreen;
+};
+
+TEST_F(X11VirtualScreensTest, RemovalLeavesEverythingAsItWas)
+{
+    const auto before = described();
+    open();
+    EXPECT_NE(described(), before);
+    mScreen.reset();
+    EXPECT_EQ(described(), before);
+}
+
+TEST_F(X11VirtualScreensTest, RemovalAfterOtherSizesAndPlacesLeavesEverythingAsItWas)
+{
+    const auto before = described();
+    open();
+    mScreen->resize(2560, 1600);
+    ASSERT_TRUE(becomes(2560, 1600));
+    mScreen->place(pixelPoint(0, 1080));
+    mScreen->resize(600, 1024);
+    ASSERT_TRUE(becomes(600, 1024));
+    mScreen.reset();
+    EXPECT_EQ(described(), before);
+}
+
+TEST_F(X11VirtualScreensTest, FiftySizesASecondEndInTheLast)
+{
+    const auto before = described();
+    open();
+    for (int width = 801; width <= 850; ++width)
+        mScreen->resize(width, 600);
+    EXPECT_TRUE(becomes(850, 600));
+    mScreen.reset();
+    EXPECT_EQ(described(), before);
+}
+
+TEST_F(X11VirtualScreensTest, SizesThatNoScreenHasAreRefused)
+{
+    const auto before = described();
+    for (const auto& [width, height] :
+         {std::pair(65535, 65535), std::pair(0, 0), std::pair(-5, 100), std::pair(32000, 10)}) {
+        *mListener = {};
+        open(width, height);
+        EXPECT_EQ(mListener->end, ScreenObstacle::tooLarge) << width;
+        mScreen.reset();
+        EXPECT_EQ(described(), before);
+    }
+}
+
+TEST_F(X11VirtualScreensTest, ASinglePixelIsAMonitor)
+{
+    const auto before = described();
+    open(1, 1);
+    EXPECT_EQ(mOthers.area(1), (ScreenArranger::Area{1920, 0, 1, 1}));
+    mScreen.reset();
+    EXPECT_EQ(described(), before);
+}
+
+TEST_F(X11VirtualScreensTest, ASizeThatCannotBeChangesNothing)
+{
+    open();
+    const auto before = described();
+    mScreen->resize(32000, 600);
+    mScreen->place(pixelPoint(100, 100));
+    mScreen->place(pixelPoint(-10, 0));
+    runLoopFor(std::chrono::milliseconds(100));
+    EXPECT_EQ(described(), before);
+}
+
+TEST_F(X11VirtualScreensTest, WhatOthersChangeMeanwhileStays)
+{
+    open();
+    mOthers.setScreenSize(4000, 2160);
+    mOthers.show(2, 0, 1080);
+    mOthers.makePrimary(2);
+    const auto theirs = mOthers.area(2);
+    mScreen.reset();
+    EXPECT_EQ(mOthers.area(2), theirs);
+    EXPECT_EQ(mOthers.area(1), ScreenArranger::Area{});
+    EXPECT_EQ(mOthers.area(0), (ScreenArranger::Area{0, 0, 1920, 1080}));
+    EXPECT_EQ(mOthers.screen(), (ScreenArranger::Area{0, 0, 1920, 2160}));
+}
+
+TEST_F(X11VirtualScreensTest, ThePrimaryOutputIsTheUsersAgain)
+{
+    mOthers.makePrimary(0);
+    const auto before = described();
+    open();
+    mOthers.makePrimary(1);
+    mScreen.reset();
+    EXPECT_EQ(described(), before);
+}
+
+TEST_F(X11VirtualScreensTest, WhatOthersSwitchedOffLeavesNothing)
+{
+    const auto before = described();
+    open();
+    mOthers.hide(1);
+    ASSERT_TRUE(waitUntil([&] { return mListener->end.has_value(); }));
+    EXPECT_EQ(mListener->end, ScreenObstacle::takenAway);
+    EXPECT_TRUE(waitUntil([&] { return described() == before; }));
+}
+
+TEST_F(X11VirtualScreensTest, OneMonitorOnOneDisplay)
+{
+    open();
+    const auto second = std::make_shared<Listener>();
+    const auto other = mScreens.open({.name = "Tablet", .width = 800, .height = 600}, second);
+    ASSERT_TRUE(waitUntil([&] { return second->end.has_value(); }));
+    EXPECT_EQ(second->end, ScreenObstacle::inUse);
+    EXPECT_EQ(mListener->end, std::nullopt);
+}
+
+TEST_F(X11VirtualScreensTest, WithoutItsWatcherThereIsNoMonitor)
+{
+    const auto before = described();
+    X11VirtualScreens alone(mLoop, "/nonexistent/watcher");
+    mScreen = alone.open({.name = "Tablet", .width = 800, .height = 600}, mListener);
+    ASSERT_TRUE(waitUntil([&] { return mListener->end.has_value(); }));
+    EXPECT_EQ(mListener->end, ScreenObstacle::failed);
+    EXPECT_EQ(described(), before);
+}
+
+TEST_F(X11VirtualScreensTest, AServerThatStandsStillDoesNotHoldUpTheEnd)
+{
+    const auto before = described();
+    open();
+    mServer.process().sendSignal(SIGSTOP);
+    mScreen.reset();
+    mServer.process().sendSignal(SIGCONT);
+    EXPECT_TRUE(waitUntil([&] { return described() == before; }));
+}
+
+} // namespace
+} // namespace farview

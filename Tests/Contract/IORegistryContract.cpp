@@ -81,16 +81,6 @@ TYPED_TEST(IORegistryContract, EveryEntryHasAHandleOfItsOwn)
     EXPECT_GE(seen.size(), 7u);
 }
 
-TYPED_TEST(IORegistryContract, APublishedServiceIsFoundUntilItGoes)
-{
-    const std::string path = "IOService:/IOResources/QLExGFX";
-    const auto service = this->registry().entryFromPath(path);
-    ASSERT_NE(service, 0u);
-    EXPECT_EQ(this->registry().nameInPlane(service, plane), "QLExGFX");
-    this->mScene.unpublish();
-    EXPECT_EQ(this->registry().entryFromPath(path), 0u);
-}
-
 TYPED_TEST(IORegistryContract, AWrongPathLeadsNowhere)
 {
     for (const char* path : {"", "IOService", "IOService:/IOResources/None", "IOService:/None",

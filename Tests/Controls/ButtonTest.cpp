@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 using farview::Button;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace
@@ -24,23 +23,6 @@ protected:
     std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
     std::shared_ptr<Button> button = std::make_shared<Button>();
 };
-
-TEST_F(ButtonTest, AClickSendsTheActionWithTheButtonAsSender)
-{
-    button->performClick(nullptr);
-    EXPECT_THAT(recorder->senders, ElementsAre(button.get()));
-    EXPECT_EQ(button->state(), 0);
-}
-
-TEST_F(ButtonTest, AClickOnACheckBoxFlipsItBeforeTheActionIsSent)
-{
-    button->setKind(Button::Kind::checkBox);
-    std::vector<int> states;
-    recorder->whenCalled = [&] { states.push_back(button->state()); };
-    button->performClick(nullptr);
-    button->performClick(nullptr);
-    EXPECT_THAT(states, ElementsAre(1, 0));
-}
 
 TEST_F(ButtonTest, ADisabledOneIgnoresAClick)
 {
@@ -81,16 +63,6 @@ TEST_F(ButtonTest, TellsEachRealChange)
     button->setState(1);
     button->setEnabled(false);
     EXPECT_EQ(told.count(), 3U);
-}
-
-TEST(TextField, TellsANewText)
-{
-    const auto field = std::make_shared<farview::TextField>();
-    const ChangeCounter told(*field);
-    field->setStringValue("text");
-    field->setStringValue("text");
-    EXPECT_EQ(field->stringValue(), "text");
-    EXPECT_EQ(told.count(), 1U);
 }
 
 TEST(ProgressIndicator, TellsWhenItStartsAndStops)

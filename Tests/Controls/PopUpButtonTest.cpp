@@ -40,8 +40,6 @@ protected:
     std::shared_ptr<PopUpButton> popUp = std::make_shared<PopUpButton>();
 };
 
-TEST_F(PopUpButtonTest, IsEnabledFromTheStart) { EXPECT_TRUE(popUp->isEnabled()); }
-
 TEST_F(PopUpButtonTest, ANewMenuSelectsItsFirstEntryAndShowsItsTitle)
 {
     popUp->selectItemAtIndex(2);

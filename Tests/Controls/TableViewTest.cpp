@@ -66,30 +66,6 @@ TEST(TableView, TellsThatItsRowsAreNoLongerWhatTheyWere)
     EXPECT_EQ(table->dataSource().lock(), rows);
 }
 
-TEST(TableView, DoesNotKeepItsDataSourceAlive)
-{
-    const auto table = std::make_shared<TableView>();
-    auto rows = std::make_shared<Rows>();
-    table->setDataSource(rows);
-    rows.reset();
-    EXPECT_EQ(table->dataSource().lock(), nullptr);
-}
-
-TEST(TableView, ItsScrollViewIsHiddenApartFromIt)
-{
-    const auto table = std::make_shared<TableView>();
-    table->enclosingScrollView().setHidden(true);
-    EXPECT_TRUE(table->enclosingScrollView().isHidden());
-    EXPECT_FALSE(table->isHidden());
-}
-
-TEST(TableView, RemembersWhatMayBeDroppedOnIt)
-{
-    TableView table;
-    table.registerForDraggedTypes({"row"});
-    EXPECT_THAT(table.draggedTypes(), ElementsAre("row"));
-}
-
 TEST(TableView, ARowIsMovedByTheSameRulesAsADraggedOne)
 {
     const auto table = std::make_shared<TableView>();

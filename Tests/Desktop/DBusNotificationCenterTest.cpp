@@ -120,30 +120,6 @@ TEST_F(DBusNotificationCenterTest, WhatIsPostedBeforeTheBusHasAnsweredArrives)
     EXPECT_EQ(mProgram.notes, Notes{"Name=early"});
 }
 
-TEST_F(DBusNotificationCenterTest, TheOrderOfTwoPostersIsTheOrderOfTheBus)
-{
-    Program other;
-    mProgram.observe("Name");
-    for (int index = 0; index < 50; ++index) {
-        other.center.postNotificationName("Name", "", {{"v", "theirs"}}, 3);
-        mProgram.center.postNotificationName("Name", "", {{"v", "ours"}}, 3);
-    }
-    ASSERT_TRUE(mProgram.waitForNotes(100));
-    EXPECT_EQ(std::count(mProgram.notes.begin(), mProgram.notes.end(), "Name=ours"), 50);
-}
-
-TEST_F(DBusNotificationCenterTest, ARealProcessAnswers)
-{
-    mProgram.observe("Ready");
-    mProgram.observe("Answer");
-    ChildProcess peer({FARVIEW_TEST_PEER, "answer"});
-    ASSERT_TRUE(mProgram.waitForNotes(1));
-    for (const char* value : {"1", "2", "3"})
-        mProgram.center.postNotificationName("Ask", "", {{"v", value}}, 3);
-    ASSERT_TRUE(mProgram.waitForNotes(4));
-    EXPECT_EQ(mProgram.notes, (Notes{"Ready", "Answer=1", "Answer=2", "Answer=3"}));
-}
-
 TEST_F(DBusNotificationCenterTest, AStoppedSubscriberGetsEverythingWhenItGoesOn)
 {
     mProgram.observe("Ready");
@@ -209,14 +185,6 @@ TEST_F(DBusNotificationCenterTest, WhatIsTooLargeIsNotPosted)
     ASSERT_TRUE(mProgram.waitForNotes(1));
     EXPECT_EQ(mProgram.notes, Notes{"Name=good"});
     EXPECT_TRUE(mProgram.log.contains("Not posting Name"));
-}
-
-TEST_F(DBusNotificationCenterTest, AMissingKeyIsNoText)
-{
-    mProgram.observe("Name");
-    mProgram.center.postNotificationName("Name", "", {{"other", "value"}}, 3);
-    ASSERT_TRUE(mProgram.waitForNotes(1));
-    EXPECT_EQ(mProgram.notes, Notes{"Name"});
 }
 
 TEST_F(DBusNotificationCenterTest, AnotherSessionsPostIsForUsOnlyWhenItIsForAll)

@@ -50,6 +50,14 @@ protected:
         ASSERT_TRUE(reaches(Stage::found));
         updater->downloadUpdate();
     }
+    /// By an engine that notes when it is asked to end.
+    void downloadForEver()
+    {
+        ASSERT_NO_FATAL_FAILURE(
+            update("trap 'printf ended >\"$here/end\"; exit 0' TERM\nprintf on >\"$here/on\"\n"
+                   "while :; do sleep 0.05; done"));
+        ASSERT_TRUE(isWritten("on"));
+    }
     void expectInternalFailure()
     {
         EXPECT_TRUE(reaches(Stage::failed));
@@ -160,10 +168,7 @@ hear; printf 'heard:%s' "$word" >"$here/word")"));
 
 TEST_F(EngineUpdaterTest, CancelEndsTheEngine)
 {
-    ASSERT_NO_FATAL_FAILURE(
-        update("trap 'printf ended >\"$here/end\"; exit 0' TERM\nprintf on >\"$here/on\"\n"
-               "while :; do sleep 0.05; done"));
-    ASSERT_TRUE(isWritten("on"));
+    downloadForEver();
     updater->cancel();
     EXPECT_TRUE(isWritten("end"));
     EXPECT_EQ(updater->status().stage, Stage::cancelled);
@@ -171,10 +176,7 @@ TEST_F(EngineUpdaterTest, CancelEndsTheEngine)
 
 TEST_F(EngineUpdaterTest, AnUpdaterThatGoesEndsTheEngine)
 {
-    ASSERT_NO_FATAL_FAILURE(
-        update("trap 'printf ended >\"$here/end\"; exit 0' TERM\nprintf on >\"$here/on\"\n"
-               "while :; do sleep 0.05; done"));
-    ASSERT_TRUE(isWritten("on"));
+    downloadForEver();
     updater.reset();
     EXPECT_TRUE(isWritten("end"));
 }

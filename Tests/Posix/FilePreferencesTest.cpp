@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cmath>
 #include <fcntl.h>
-#include <thread>
 #include <unistd.h>
 
 namespace farview
@@ -26,17 +25,6 @@ void preset(const PreferencesLocation& location, const std::string& text)
     ASSERT_EQ(result.status, PreferencesMergeResult::Status::done) << result.reason;
 }
 
-TEST_F(FilePreferencesTest, AValueReadsBackAtOnceAndReachesTheFileAtTheSynchronize)
-{
-    mPreferences->setAppValue("key", "text", domain);
-    EXPECT_EQ(read(), PropertyList("text"));
-    EXPECT_FALSE(std::filesystem::exists(path()));
-    EXPECT_EQ(make()->copyAppValue("key", domain), std::nullopt);
-    EXPECT_TRUE(mPreferences->appSynchronize(domain));
-    EXPECT_EQ(contentsOf(path()), listWith("key", "text"));
-    EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList("text"));
-}
-
 TEST_F(FilePreferencesTest, EachScopeHasItsFile)
 {
     using enum PreferencesUser;
@@ -50,24 +38,6 @@ TEST_F(FilePreferencesTest, EachScopeHasItsFile)
               mFolder.path("system/ByHost/com.example.Domain." + machine + ".plist"));
 }
 
-TEST_F(FilePreferencesTest, AnApplicationReadGoesFromTheNarrowestScopeToTheWidest)
-{
-    const std::pair<PreferencesUser, PreferencesHost> fromTheWidest[] = {
-        {PreferencesUser::any, PreferencesHost::any},
-        {PreferencesUser::any, PreferencesHost::current},
-        {PreferencesUser::current, PreferencesHost::any},
-        {PreferencesUser::current, PreferencesHost::current}};
-    int number = 0;
-    for (const auto& [user, host] : fromTheWidest) {
-        const auto text = std::to_string(++number);
-        preset(locations().location(domain, user, host), text);
-        EXPECT_EQ(read(), PropertyList(text));
-        EXPECT_EQ(mPreferences->copyValue("key", domain, user, host), PropertyList(text));
-    }
-    EXPECT_EQ(mPreferences->copyValue("key", domain, PreferencesUser::any, PreferencesHost::any),
-              PropertyList("1"));
-}
-
 TEST_F(FilePreferencesTest, RemovingAValueShowsThePresetAgain)
 {
     preset(locations().location(domain, PreferencesUser::any, PreferencesHost::any), "preset");
@@ -77,19 +47,6 @@ TEST_F(FilePreferencesTest, RemovingAValueShowsThePresetAgain)
     EXPECT_EQ(read(), PropertyList("preset"));
     EXPECT_TRUE(mPreferences->appSynchronize(domain));
     EXPECT_EQ(make()->copyAppValue("key", domain), PropertyList("preset"));
-}
-
-TEST_F(FilePreferencesTest, AChangeByAnotherProcessIsSeenAtTheNextRead)
-{
-    const auto other = make();
-    EXPECT_EQ(read(), std::nullopt);
-    for (int number = 0; number < 200; ++number) {
-        other->setAppValue("key", number, domain);
-        ASSERT_TRUE(other->appSynchronize(domain));
-        ASSERT_EQ(read(), PropertyList(number));
-    }
-    std::filesystem::remove(path());
-    EXPECT_EQ(read(), std::nullopt);
 }
 
 TEST_F(FilePreferencesTest, AnEditInPlaceOfTheSameSizeIsSeenAtTheNextRead)
@@ -103,17 +60,6 @@ TEST_F(FilePreferencesTest, AnEditInPlaceOfTheSameSizeIsSeenAtTheNextRead)
                   static_cast<ssize_t>(text.size()));
         ASSERT_EQ(read(), PropertyList(std::to_string(number)));
     }
-}
-
-TEST_F(FilePreferencesTest, AWriteKeepsTheKeysOfOthers)
-{
-    const auto other = make();
-    EXPECT_TRUE(store(1, "mine"));
-    other->setAppValue("theirs", 2, domain);
-    EXPECT_TRUE(other->appSynchronize(domain));
-    EXPECT_TRUE(store(3, "mine"));
-    EXPECT_EQ(read("theirs"), PropertyList(2));
-    EXPECT_EQ(read("mine"), PropertyList(3));
 }
 
 TEST_F(FilePreferencesTest, ASynchronizeWithoutAChangeWritesNothing)

@@ -134,30 +134,6 @@ TEST(PosixProcessTable, LeavesTheProcessesOfOthersOut)
     EXPECT_EQ(nameOf(recordsOf(table), process.pid()), std::nullopt);
 }
 
-TEST(PosixProcessTable, FailsWithAnErrnoWhenThereIsNoTable)
-{
-    PosixProcessTable table("/nonexistent");
-    std::size_t count = 7;
-    std::vector<ProcessRecord> records(4);
-    EXPECT_EQ(table.size(count), ENOENT);
-    EXPECT_EQ(table.contents(records, count), ENOENT);
-    EXPECT_EQ(count, 7u);
-}
-
-TEST(PosixProcessTable, SaysWhenTheTableHasOutgrownTheRecords)
-{
-    TemporaryFolder root;
-    for (const char* pid : {"1", "2", "3"})
-        root.write(std::string(pid) + "/stat", std::string(pid) + " (name) S 1");
-    PosixProcessTable table(root.path());
-    std::size_t count = 0;
-    std::vector<ProcessRecord> records(2);
-    EXPECT_EQ(table.contents(records, count), ENOMEM);
-    records.resize(3);
-    EXPECT_EQ(table.contents(records, count), 0);
-    EXPECT_EQ(count, 3u);
-}
-
 /// For a process of its own: from here on it can open one file and no second one beside it.
 void leaveOneDescriptor()
 {

@@ -126,18 +126,6 @@ TEST_F(SysfsRegistryTest, PublishesUsableExtensionsAndLoadedModules)
     EXPECT_EQ(mRegistry.className(at("IOService:/IOResources/loaded")), "IOService");
 }
 
-TEST_F(SysfsRegistryTest, AnExtensionComesAndGoesWithItsBundle)
-{
-    const std::string path = "IOService:/IOResources/QLExGFX";
-    EXPECT_EQ(at(path), 0u);
-    install("system/QLExGFX", extension("Linux"));
-    const auto entry = at(path);
-    ASSERT_NE(entry, 0u);
-    EXPECT_EQ(mRegistry.nameInPlane(entry, plane), "QLExGFX");
-    std::filesystem::remove_all(mFolder.path("system/QLExGFX.kext"));
-    EXPECT_EQ(at(path), 0u);
-}
-
 TEST_F(SysfsRegistryTest, AnUnusableExtensionIsNotPublished)
 {
     for (const auto& info :

@@ -57,12 +57,6 @@ TEST_F(VgaSwitcherooTest, AForcedSwitchDoesNotWait)
     EXPECT_EQ(order(), "IGD");
 }
 
-TEST_F(VgaSwitcherooTest, TheProcessorInUseNeedsNoOrder)
-{
-    EXPECT_TRUE(set(connectionTo(mBoth), 4, 0));
-    EXPECT_EQ(order(), mBoth);
-}
-
 TEST_F(VgaSwitcherooTest, WithOneProcessorThereIsNothingToSwitchTo)
 {
     const std::string alone = "0:IGD:+:Pwr:0000:00:02.0\n";

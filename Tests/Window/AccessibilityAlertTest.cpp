@@ -26,12 +26,6 @@ protected:
     }
     QCheckBox* checkBox() const { return find<QCheckBox>("autoMoveWindowsBack"); }
     QMessageBox* alert() const { return view->window()->findChild<QMessageBox*>(); }
-    void pictureOfAlert(const char* name) const
-    {
-        const QString folder = qEnvironmentVariable("FARVIEW_TEST_PICTURES");
-        if (!folder.isEmpty())
-            alert()->grab().save(folder + u'/' + QString::fromLatin1(name) + u".png"_qs);
-    }
 
     static constexpr const char* accessibilityPane =
         "/usr/lib/farview/PreferencePanes/UniversalAccessPref.prefPane";
@@ -45,7 +39,6 @@ TEST_F(AccessibilityAlert, AClickOnTheBoxBringsItAndOKLeadsToThePane)
     EXPECT_TRUE(alert()->isVisible());
     EXPECT_EQ(alert()->windowModality(), Qt::WindowModal);
     EXPECT_EQ(alert()->text(), u"This Feature Requires Accessibility"_qs);
-    pictureOfAlert("alert");
     QTest::keyClick(alert(), Qt::Key_Return);
     EXPECT_FALSE(checkBox()->isChecked());
     ASSERT_EQ(fake.workspace.opened().size(), 1u);
@@ -78,7 +71,6 @@ TEST_F(AccessibilityAlert, ItSpeaksTheUsersLanguage)
     checkBox()->click();
     EXPECT_EQ(alert()->text(), u"Diese Funktion braucht die Bedienungshilfen"_qs);
     EXPECT_EQ(alert()->buttons().last()->text(), u"Abbrechen"_qs);
-    pictureOfAlert("alert-de");
 }
 
 } // namespace

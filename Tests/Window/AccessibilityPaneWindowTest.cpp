@@ -58,12 +58,6 @@ protected:
                 << label->objectName().toStdString();
         EXPECT_TRUE(view->rect().contains(view->childrenRect()));
     }
-    void picture(const std::string& name) const
-    {
-        const QString folder = qEnvironmentVariable("FARVIEW_TEST_PICTURES");
-        if (!folder.isEmpty())
-            view->grab().save(folder + u'/' + QString::fromStdString(name) + u".png"_qs);
-    }
 
     FakeAccessibility accessibility;
     FakeAccessibilitySwitch desktop;
@@ -84,10 +78,8 @@ TEST_P(AccessibilityPaneWindow, NothingIsCut)
     accessibility.setEnabled(true);
     showWith({false, Problem::none, Lifetime::kept});
     expectNothingIsCut();
-    picture(std::string("access-") + GetParam());
     showWith({std::nullopt, Problem::noService, Lifetime::session});
     expectNothingIsCut();
-    picture(std::string("access-problem-") + GetParam());
     EXPECT_FALSE(box()->isEnabled());
 }
 
@@ -101,7 +93,6 @@ TEST_P(AccessibilityPaneWindow, NothingIsCutInLargeType)
     view->resize(HostWindow::firstSize(*view));
     QCoreApplication::processEvents();
     expectNothingIsCut();
-    picture(std::string("access-large-") + GetParam());
 }
 
 TEST_P(AccessibilityPaneWindow, EveryTextIsTranslated)

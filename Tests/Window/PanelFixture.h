@@ -98,13 +98,6 @@ protected:
         QPalette dark(QColor(53, 53, 53), QColor(42, 42, 42));
         QApplication::setPalette(dark);
     }
-    /// Saves what is on show when someone wants to look at it.
-    void picture(const char* name) const
-    {
-        const QString folder = qEnvironmentVariable("FARVIEW_TEST_PICTURES");
-        if (!folder.isEmpty())
-            view->grab().save(folder + u'/' + QString::fromLatin1(name) + u".png"_qs);
-    }
 
     FakePlatform fake;
     std::shared_ptr<Bundle> bundle;

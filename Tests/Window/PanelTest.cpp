@@ -7,15 +7,12 @@
 #include "Tests/Window/PanelFixture.h"
 
 #include <QAbstractButton>
-#include <QAccessible>
 #include <QCheckBox>
 #include <QDeadlineTimer>
-#include <QFile>
 #include <QLabel>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTableView>
-#include <QXmlStreamReader>
 
 #include <set>
 
@@ -32,7 +29,7 @@ protected:
     PopUpWidget* popUp() const { return find<PopUpWidget>("virtualScreenSelectionPopup"); }
     void turnOn()
     {
-        pane->onOffSwitch()->slider()->setAnimator(nullptr); // pictures are of what stands still
+        pane->onOffSwitch()->slider()->setAnimator(nullptr);
         tabs()->setCurrentIndex(0);
         find<QAbstractButton>("onTextButton")->click();
         settle();
@@ -51,25 +48,6 @@ protected:
         pane->didSelect();
         settle();
         return window;
-    }
-    /// Whether everything on that page has the room it needs.
-    void expectNothingIsCut(int index)
-    {
-        tabs()->setCurrentIndex(index);
-        QCoreApplication::processEvents();
-        for (const auto* label : page(index)->findChildren<QLabel*>()) {
-            const int needed = label->wordWrap() ? label->heightForWidth(label->width())
-                                                 : label->sizeHint().height();
-            EXPECT_GE(label->height(), needed) << label->objectName().toStdString();
-            EXPECT_TRUE(label->wordWrap() || label->width() >= label->sizeHint().width())
-                << label->objectName().toStdString();
-        }
-        for (const auto* button : page(index)->findChildren<QAbstractButton*>()) {
-            EXPECT_TRUE(button->width() >= button->minimumSizeHint().width() &&
-                        button->height() >= button->minimumSizeHint().height())
-                << button->objectName().toStdString();
-        }
-        EXPECT_TRUE(page(index)->rect().contains(page(index)->childrenRect()));
     }
 };
 
@@ -91,10 +69,8 @@ TEST_F(Panel, TheFirstShowingOpensTheSettingsAndOneClickLeadsToTheDevices)
     load();
     show();
     EXPECT_EQ(tabs()->currentIndex(), 1);
-    picture("settings");
     find<QAbstractButton>("showDevicesButton")->click();
     EXPECT_EQ(tabs()->currentIndex(), 0);
-    picture("off");
 }
 
 TEST_F(Panel, TheSwitchTurnsOnAndTheHintTellsWhatToDoNext)
@@ -105,7 +81,6 @@ TEST_F(Panel, TheSwitchTurnsOnAndTheHintTellsWhatToDoNext)
     EXPECT_TRUE(find<SwitchWidget>("onOffSwitch")->isOn());
     EXPECT_EQ(find<QLabel>("statusLabel")->text(), QStringLiteral("On"));
     EXPECT_TRUE(find<QLabel>("deviceHintLabel")->text().startsWith(u"No device yet?"_qs));
-    picture("on-without-device");
 }
 
 TEST_F(Panel, TheSwitchHasItsPicturesInBothSizesAndTheirShadowsAreTransparent)
@@ -152,14 +127,12 @@ TEST_F(Panel, ADeviceCanBeChosenAndTheSpinnerTurnsBesideTheNarrowedPopUp)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     EXPECT_EQ(popUp()->width(), narrow);
     EXPECT_LT(narrow, fullWidth);
-    picture("connecting");
     fake.runLoop.advance(Duration(16.0));
     QCoreApplication::processEvents();
     EXPECT_FALSE(find<QLabel>("warningImage")->isHidden());
     const auto* instructions = find<QLabel>("instructionsLabel");
     EXPECT_TRUE(instructions->text().startsWith(u"There was a problem"_qs));
     EXPECT_EQ(instructions->textInteractionFlags(), Qt::TextSelectableByMouse) << "for a report";
-    picture("error");
 }
 
 TEST_F(Panel, WithoutTheDriverItOffersToReinstallIt)
@@ -170,7 +143,6 @@ TEST_F(Panel, WithoutTheDriverItOffersToReinstallIt)
     tabs()->setCurrentIndex(0);
     EXPECT_TRUE(find<QAbstractButton>("reinstallDriversButton")->isVisible());
     EXPECT_FALSE(find<SwitchWidget>("onOffSwitch")->isVisible());
-    picture("no-driver");
 }
 
 TEST_F(Panel, TheTableFoldsAwayWithItsCheckBox)
@@ -183,21 +155,6 @@ TEST_F(Panel, TheTableFoldsAwayWithItsCheckBox)
     EXPECT_FALSE(table->isVisible());
     settle();
     EXPECT_LT(find<QWidget>("menuExtraCheckbox")->y(), table->y() + table->height());
-    picture("settings-folded");
-}
-
-TEST_F(Panel, ATickInTheTableReachesThePane)
-{
-    load();
-    show();
-    announce("Tablet", "tablet.local.");
-    auto* model = find<QTableView>("autoConnectTable")->model();
-    ASSERT_EQ(model->rowCount(), 1);
-    EXPECT_TRUE(model->setData(model->index(0, 0), Qt::Checked, Qt::CheckStateRole));
-    settle();
-    EXPECT_EQ(pane->countOfCheckedDevices(), 1);
-    EXPECT_EQ(model->index(0, 0).data(Qt::CheckStateRole).toInt(), Qt::Checked);
-    picture("settings-table");
 }
 
 class PanelInEachLanguage : public Panel, public testing::WithParamInterface<const char*>
@@ -213,32 +170,6 @@ TEST_F(Panel, ItsTextsAreInTheUsersLanguage)
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, PanelInEachLanguage, everyLanguage, nameOfLanguage);
-
-TEST_P(PanelInEachLanguage, ItFitsTheSmallestScreen)
-{
-    load(GetParam());
-    EXPECT_LE(view->minimumSizeHint().height(), 440);
-    EXPECT_LE(view->minimumSizeHint().width(), 640);
-    view->resize(640, 440);
-    show();
-    turnOn();
-    expectNothingIsCut(0);
-    expectNothingIsCut(1);
-    picture((std::string("small-") + GetParam()).c_str());
-}
-
-TEST_P(PanelInEachLanguage, ItIsReadableWithLargeType)
-{
-    useLargeFont();
-    load(GetParam());
-    view->resize(HostWindow::firstSize(*view));
-    show();
-    turnOn();
-    expectNothingIsCut(0);
-    picture((std::string("large-main-") + GetParam()).c_str());
-    expectNothingIsCut(1);
-    picture((std::string("large-settings-") + GetParam()).c_str());
-}
 
 TEST_P(PanelInEachLanguage, InTheRoomThatItsWindowGivesNothingScrolls)
 {
@@ -278,87 +209,6 @@ TEST_P(PanelInEachLanguage, NoShortcutIsGivenTwiceOnOnePage)
         for (const QChar letter : letters)
             EXPECT_EQ(letters.count(letter), 1u) << QString(letter).toStdString();
     }
-}
-
-TEST_P(PanelInEachLanguage, EveryTextOfItsWindowIsInTheCatalogue)
-{
-    load(GetParam());
-    QFile catalogue(QStringLiteral(FARVIEW_PANE_BUNDLE "/Contents/Resources/") +
-                    QString::fromLatin1(GetParam()) + u".lproj/Localizable.strings"_qs);
-    ASSERT_TRUE(catalogue.open(QIODevice::ReadOnly));
-    const QString texts = QString::fromUtf8(catalogue.readAll());
-    QFile form(QStringLiteral(FARVIEW_PANE_BUNDLE "/Contents/Resources/PreferencePane.ui"));
-    ASSERT_TRUE(form.open(QIODevice::ReadOnly));
-    QXmlStreamReader reader(&form);
-    int checked = 0;
-    while (!reader.atEnd()) {
-        reader.readNext();
-        const bool isText = reader.isStartElement() && reader.name() == u"string" &&
-                            reader.attributes().value("notr") != u"true";
-        if (!isText)
-            continue;
-        const QString key = reader.readElementText();
-        EXPECT_TRUE(texts.contains(u"\n\""_qs + key + u"\" = \""_qs)) << key.toStdString();
-        ++checked;
-    }
-    EXPECT_GT(checked, 20);
-}
-
-TEST_F(Panel, EverythingThatTakesTheFocusHasANameForAssistiveTechnology)
-{
-    load();
-    show();
-    int checked = 0;
-    for (auto* widget : view->findChildren<QWidget*>()) {
-        const bool own = !widget->objectName().startsWith(u"qt_");
-        if (!own || widget->focusPolicy() == Qt::NoFocus || qobject_cast<QTabWidget*>(widget))
-            continue;
-        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
-        ASSERT_NE(accessible, nullptr) << widget->objectName().toStdString();
-        EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty() &&
-                     accessible->text(QAccessible::Description).isEmpty())
-            << widget->objectName().toStdString();
-        ++checked;
-    }
-    EXPECT_GE(checked, 12);
-}
-
-TEST_F(Panel, TheTabKeyFollowsTheEyes)
-{
-    load();
-    show();
-    turnOn();
-    QStringList order;
-    for (QWidget* next = view->nextInFocusChain(); next != view.get();
-         next = next->nextInFocusChain()) {
-        if (next->focusPolicy() & Qt::TabFocus && next->isVisible() && next->isEnabled() &&
-            !next->objectName().startsWith(u"qt_"))
-            order += next->objectName();
-    }
-    EXPECT_EQ(order.join(u' ').toStdString(),
-              "tabView offTextButton onOffSwitch onTextButton virtualScreenSelectionPopup");
-}
-
-TEST_F(Panel, InTheDarkAndFromRightToLeftItIsAsCalm)
-{
-    useDarkColors();
-    load();
-    show();
-    picture("dark-settings");
-    turnOn();
-    announce("Tablet", "tablet.local.");
-    picture("dark-main");
-    view->setLayoutDirection(Qt::RightToLeft);
-    QCoreApplication::processEvents();
-    picture("dark-right-to-left");
-    expectNothingIsCut(0);
-    const QLabel* status = find<QLabel>("statusLabel");
-    EXPECT_GT(status->mapTo(view.get(), QPoint(0, 0)).x(), view->width() / 2);
-    // Text and background stay apart in brightness.
-    const QPalette colors = status->palette();
-    EXPECT_GT(colors.color(QPalette::WindowText).lightness() -
-                  colors.color(QPalette::Window).lightness(),
-              120);
 }
 
 } // namespace

@@ -43,40 +43,6 @@ protected:
     }
 };
 
-TEST_F(RealInput, TheMouseOpensTheMenuAndPicksADevice)
-{
-    open(true);
-    click(popUp());
-    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
-    EXPECT_EQ(popUp()->openMenu()->actions().at(1)->text(), u"<b>Kitchen</b> && Co"_qs);
-    clickEntry(2);
-    EXPECT_TRUE(waitUntil([&] { return connectRequests() == 1; }));
-    EXPECT_FALSE(isOpen());
-}
-
-TEST_F(RealInput, TheKeyboardOpensTheMenuAndPicksADevice)
-{
-    open(true);
-    popUp()->setFocus();
-    key("Down");
-    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
-    EXPECT_EQ(connectRequests(), 0);
-    key("Down");
-    key("Return");
-    EXPECT_TRUE(waitUntil([&] { return connectRequests() == 1; }));
-}
-
-TEST_F(RealInput, EscapeClosesTheMenuAndChoosesNothing)
-{
-    open(true);
-    popUp()->setFocus();
-    key("space");
-    ASSERT_TRUE(waitUntil([&] { return isOpen(); }));
-    key("Escape");
-    EXPECT_TRUE(waitUntil([&] { return !isOpen(); }));
-    EXPECT_EQ(connectRequests(), 0);
-}
-
 TEST_F(RealInput, AClickOnTheOpenPopUpClosesIt)
 {
     open(true);
@@ -128,15 +94,6 @@ TEST_F(RealInput, TheWholeRoadCanBeGoneWithTheKeyboard)
     EXPECT_TRUE(waitUntil([&] { return popUp()->hasFocus(); }));
     key("alt+s");
     EXPECT_TRUE(waitUntil([&] { return find<QTabWidget>("tabView")->currentIndex() == 1; }));
-}
-
-TEST_F(RealInput, TheMouseMovesTheSwitch)
-{
-    open(false);
-    click(find<SwitchWidget>("onOffSwitch"));
-    EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"On"_qs; }));
-    click(find<QAbstractButton>("offTextButton"));
-    EXPECT_TRUE(waitUntil([&] { return find<QLabel>("statusLabel")->text() == u"Off"_qs; }));
 }
 
 TEST_F(RealInput, TheMouseDragsTheKnobOfTheSwitch)

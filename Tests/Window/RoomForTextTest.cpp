@@ -64,15 +64,6 @@ protected:
         for (const QString& fault : textFaults(window, {QString::fromLatin1(longName)}))
             ADD_FAILURE() << where << ": " << fault.toStdString();
         ++mLookedAt;
-        QString name = mLanguage + u'-' + QString::number(mScale) + u'-' +
-                       QString::fromLatin1(where).replace(u' ', u'-');
-        picture(window, name);
-    }
-    static void picture(const QWidget& window, const QString& name)
-    {
-        const QString folder = qEnvironmentVariable("FARVIEW_TEST_PICTURES");
-        if (!folder.isEmpty())
-            const_cast<QWidget&>(window).grab().save(folder + u"/room-"_qs + name + u".png"_qs);
     }
     void expectRoomOnPages(const char* where)
     {
@@ -88,7 +79,6 @@ protected:
     void walk(const char* language, const std::string& path)
     {
         const testing::ScopedTrace trace(__FILE__, __LINE__, language);
-        mLanguage = QString::fromLatin1(language);
         walkWithDriver(language, path);
         walkWithoutDriver(language, path);
         close();
@@ -169,7 +159,6 @@ protected:
     }
 
 private:
-    QString mLanguage;
     double mScale = 1;
     int mLookedAt = 0;
 };

@@ -72,12 +72,6 @@ protected:
         }
         EXPECT_LE(sheet()->minimumSizeHint().width(), 600) << where;
     }
-    void pictureOfSheet(const char* name) const
-    {
-        const QString folder = qEnvironmentVariable("FARVIEW_TEST_PICTURES");
-        if (!folder.isEmpty())
-            sheet()->grab().save(folder + u'/' + QString::fromLatin1(name) + u".png"_qs);
-    }
 
     std::shared_ptr<FakeUpdater> updater;
 };
@@ -89,7 +83,6 @@ TEST_F(SoftwareUpdateSheet, HangsOnThePanelAndEscapeGivesUp)
     EXPECT_EQ(label("headlineText")->text(), u"Looking for updates…"_qs);
     EXPECT_FALSE(button("firstButton")->isVisible());
     EXPECT_FALSE(notes()->isVisible());
-    pictureOfSheet("update-looking");
     QTest::keyClick(sheet(), Qt::Key_Escape);
     EXPECT_EQ(sheet(), nullptr);
     EXPECT_EQ(updater->calls().back(), "cancel");
@@ -99,18 +92,15 @@ TEST_F(SoftwareUpdateSheet, ReturnIsTheAnswerThatGoesOn)
 {
     open();
     offer();
-    pictureOfSheet("update-found");
     QTest::keyClick(sheet(), Qt::Key_Return);
     EXPECT_EQ(updater->calls().back(), "download");
     updater->receive(400'000, 900'000);
     EXPECT_EQ(label("detailText")->text(), u"400 kB / 900 kB"_qs);
-    pictureOfSheet("update-downloading");
     updater->verify();
     updater->getReady();
     QTest::keyClick(sheet(), Qt::Key_Escape);
     ASSERT_NE(sheet(), nullptr) << "an installation cannot be left";
     updater->finishInstallation();
-    pictureOfSheet("update-installed");
     QTest::keyClick(sheet(), Qt::Key_Return);
     EXPECT_EQ(sheet(), nullptr);
     EXPECT_EQ(fake.application->reopenings(), 1);
@@ -169,17 +159,6 @@ TEST_F(SoftwareUpdateSheet, LongNotesScrollAndArePlainText)
     notes()->setFocus();
     QTest::keyClick(notes(), Qt::Key_PageDown);
     EXPECT_GT(notes()->verticalScrollBar()->value(), 0);
-    pictureOfSheet("update-long-notes");
-}
-
-TEST_F(SoftwareUpdateSheet, ThePanelBelowStartsNothingMeanwhile)
-{
-    open();
-    offer();
-    button("firstButton")->click();
-    updater->verify();
-    updater->getReady();
-    EXPECT_EQ(QApplication::activeModalWidget(), sheet());
 }
 
 TEST_F(SoftwareUpdateSheet, APaneThatGoesTakesItsSheetAlong)
@@ -224,7 +203,6 @@ TEST_P(SoftwareUpdateInEveryLanguage, NothingIsCutInLargeType)
         ASSERT_NE(sheet(), nullptr) << each.word;
         expectNothingIsCut(std::string(each.word).c_str());
     }
-    pictureOfSheet((std::string("update-failed-") + GetParam()).c_str());
 }
 
 TEST_P(SoftwareUpdateInEveryLanguage, TheLineInTheSettingsIsNotCutInALowWindow)
@@ -243,7 +221,6 @@ TEST_P(SoftwareUpdateInEveryLanguage, TheLineInTheSettingsIsNotCutInALowWindow)
         EXPECT_GE(line->height(), line->heightForWidth(line->width()))
             << each.word << ": " << line->text().toStdString();
     }
-    picture((std::string("settings-failed-") + GetParam()).c_str());
 }
 
 } // namespace

@@ -1,30 +1,12 @@
 #include "Controls/Qt/Forms/FrameContainer.h"
+#include "Controls/Qt/ReducedMotionStyle.h"
 #include "Tests/Controls/Qt/HandDrivenAnimations.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
-
-#include <QProxyStyle>
 
 namespace farview::test
 {
 namespace
 {
-
-/// Lets things move or not, whatever the machine's desktop says.
-class TimedStyle : public QProxyStyle
-{
-public:
-    explicit TimedStyle(int time) : QProxyStyle(QStringLiteral("Fusion")), mTime(time) {}
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* data) const override
-    {
-        return hint == SH_Widget_Animation_Duration
-                   ? mTime
-                   : QProxyStyle::styleHint(hint, option, widget, data);
-    }
-
-private:
-    int mTime;
-};
 
 struct FramedViews : testing::Test {
     FramedViews()
@@ -51,8 +33,7 @@ struct FramedViews : testing::Test {
     }
 
     HandDrivenAnimations animations;
-    TimedStyle noTime{0};
-    TimedStyle someTime{80};
+    ReducedMotionStyle noTime{u"Fusion"_qs};
     FrameContainer container{nullptr};
     QWidget* popUpWidget = new QWidget(&container);
     QWidget* reducedWidget = new QWidget(&container);
@@ -85,7 +66,6 @@ TEST_F(FramedViews, ANarrowedPopUpStaysNarrowedWhenTheContainerGrows)
 
 TEST_F(FramedViews, AnAnimatedChangeIsPlayedAndEndsAtItsDestination)
 {
-    popUpWidget->setStyle(&someTime);
     show(400);
     narrow(true);
     EXPECT_EQ(popUp->frame().size.width, 364) << "the destination holds at once";
@@ -108,7 +88,6 @@ TEST_F(FramedViews, WhereNothingMayMoveTheDestinationIsThereAtOnce)
 
 TEST_F(FramedViews, AMoveThatIsTurnedRoundBeginsWhereItWas)
 {
-    popUpWidget->setStyle(&someTime);
     show(400);
     narrow(true);
     animations.pass(125);
@@ -122,7 +101,6 @@ TEST_F(FramedViews, AMoveThatIsTurnedRoundBeginsWhereItWas)
 
 TEST_F(FramedViews, AContainerThatGrowsDuringTheAnimationLeavesNoStrayFrame)
 {
-    popUpWidget->setStyle(&someTime);
     show(400);
     narrow(true);
     container.resize(500, 30);
@@ -146,7 +124,6 @@ TEST_F(FramedViews, ReadFromRightToLeftTheSidesAreSwapped)
 
 TEST_F(FramedViews, AFrameSetWhileNothingIsSeenIsNotPlayed)
 {
-    popUpWidget->setStyle(&someTime);
     narrow(true);
     EXPECT_EQ(popUpWidget->width(), 364);
 }

@@ -6,35 +6,11 @@
 #include "Platform/Fake/FakeBundle.h"
 #include "Tests/Controls/Qt/QtTestSupport.h"
 
-#include <QAnimationDriver>
 #include <QDir>
 #include <QTemporaryDir>
 
 namespace farview::test
 {
-
-/// A clock for the toolkit's animations that stands still until the test moves it.
-class HandDrivenClock final : public QAnimationDriver
-{
-public:
-    HandDrivenClock() { install(); }
-    ~HandDrivenClock() override { uninstall(); }
-
-    qint64 elapsed() const override { return mNow; }
-    void advanceBy(int milliseconds)
-    {
-        // What was just started begins some turns later, and at the time that it is now.
-        for (int i = 0; i < 3; ++i) {
-            turn();
-            advanceAnimation();
-        }
-        mNow += milliseconds;
-        advanceAnimation();
-    }
-
-private:
-    qint64 mNow = 0;
-};
 
 /// A folder with pictures of one colour each, in both sizes, and the bundle that has them.
 class SwitchPictures

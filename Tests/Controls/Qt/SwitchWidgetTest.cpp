@@ -1,7 +1,8 @@
+#include "Controls/Qt/ReducedMotionStyle.h"
+#include "Tests/Controls/Qt/HandDrivenAnimations.h"
 #include "Tests/Controls/Qt/SwitchSupport.h"
 
 #include <QPainter>
-#include <QProxyStyle>
 #include <QTest>
 #include <QWindow>
 
@@ -11,19 +12,6 @@ namespace
 {
 
 constexpr int margin = SwitchWidget::margin;
-
-/// A style of a desktop on which nothing moves.
-class ReducedMotionStyle final : public QProxyStyle
-{
-public:
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* data) const override
-    {
-        return hint == SH_Widget_Animation_Duration
-                   ? 0
-                   : QProxyStyle::styleHint(hint, option, widget, data);
-    }
-};
 
 /// The switch in a window that is shown, on a clock that the test moves.
 struct ShownSwitch : testing::Test {
@@ -56,7 +44,7 @@ struct ShownSwitch : testing::Test {
     }
     double onOff() const { return view->slider()->onOffValue(); }
 
-    HandDrivenClock clock;
+    HandDrivenAnimations clock;
     SwitchPictures pictures;
     std::shared_ptr<RecordingTarget> target = std::make_shared<RecordingTarget>();
     QWidget window;
@@ -69,12 +57,12 @@ TEST_F(ShownSwitch, TheKnobMovesForAFifthOfASecond)
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(80));
     EXPECT_EQ(onOff(), 1.0);
     EXPECT_EQ(widget->position(), 0.0);
-    clock.advanceBy(100);
+    clock.pass(100);
     EXPECT_NEAR(widget->position(), 0.5, 0.01);
     EXPECT_TRUE(view->slider()->animating());
-    clock.advanceBy(99);
+    clock.pass(99);
     EXPECT_LT(widget->position(), 1.0);
-    clock.advanceBy(1);
+    clock.pass(1);
     EXPECT_EQ(widget->position(), 1.0);
     EXPECT_FALSE(view->slider()->animating());
 }
@@ -82,13 +70,13 @@ TEST_F(ShownSwitch, TheKnobMovesForAFifthOfASecond)
 TEST_F(ShownSwitch, AClickWhileItMovesIsIgnored)
 {
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(80));
-    clock.advanceBy(100);
+    clock.pass(100);
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(80));
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(10));
     QTest::keyClick(widget, Qt::Key_Space);
     EXPECT_EQ(onOff(), 1.0);
     EXPECT_EQ(target->calls["press:"], 1);
-    clock.advanceBy(100);
+    clock.pass(100);
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(80));
     EXPECT_EQ(onOff(), 0.0);
 }
@@ -98,12 +86,12 @@ TEST_F(ShownSwitch, AShortDragSnapsBackAndALongerOneSwitches)
     drag(20, 29); // 0.15 of the 60 points that the knob can go
     EXPECT_EQ(onOff(), 0.0);
     EXPECT_NEAR(widget->position(), 0.15, 0.001);
-    clock.advanceBy(30);
+    clock.pass(30);
     EXPECT_EQ(widget->position(), 0.0);
     drag(20, 35); // 0.25
     EXPECT_EQ(onOff(), 1.0);
     EXPECT_NEAR(widget->position(), 0.25, 0.001);
-    clock.advanceBy(150);
+    clock.pass(150);
     EXPECT_EQ(widget->position(), 1.0);
 }
 
@@ -121,7 +109,7 @@ TEST_F(ShownSwitch, AFingerSwitchesAndDragsLikeTheMouse)
     touch().press(1, widget->mapTo(&window, at(80)));
     touch().release(1, widget->mapTo(&window, at(80)));
     EXPECT_EQ(onOff(), 1.0);
-    clock.advanceBy(200);
+    clock.pass(200);
     touch().press(1, widget->mapTo(&window, at(80)));
     touch().move(1, widget->mapTo(&window, at(60)));
     EXPECT_LT(widget->position(), 1.0);
@@ -142,7 +130,7 @@ TEST_F(ShownSwitch, DisabledUnderTheHandItLetsGo)
     move(60);
     EXPECT_GT(widget->position(), 0.5);
     view->setEnabled(false);
-    clock.advanceBy(200);
+    clock.pass(200);
     EXPECT_EQ(widget->position(), 0.0);
     view->setEnabled(true);
     QTest::mouseRelease(widget, Qt::LeftButton, {}, at(60));
@@ -161,7 +149,7 @@ TEST_F(ShownSwitch, HiddenUnderTheHandItLetsGo)
 
 TEST_F(ShownSwitch, WhereNothingMayMoveTheKnobIsThereAtOnce)
 {
-    ReducedMotionStyle still;
+    ReducedMotionStyle still(u"Fusion"_qs);
     widget->setStyle(&still);
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(80));
     EXPECT_EQ(widget->position(), 1.0);

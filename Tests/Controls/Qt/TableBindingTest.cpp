@@ -1,6 +1,5 @@
 #include "Controls/Qt/Text/TextColors.h"
-#include "Controls/TableView.h"
-#include "Tests/Controls/Qt/QtTestSupport.h"
+#include "Tests/Controls/Qt/TableFixture.h"
 
 #include <QAccessible>
 #include <QContextMenuEvent>
@@ -17,89 +16,7 @@ namespace farview::test
 namespace
 {
 
-class Rows : public TableDataSource
-{
-public:
-    int numberOfRowsInTableView(TableView&) override { return static_cast<int>(names.size()); }
-    CellValue objectValueForTableColumn(TableView&, std::string_view column, int row) override
-    {
-        const auto index = static_cast<std::size_t>(row);
-        ++asked;
-        if (column == "AutoConnectFlag")
-            return bool(flags.at(index));
-        if (column == "DeviceName")
-            return names.at(index);
-        return {};
-    }
-    void setObjectValue(TableView& table, const CellValue& value, std::string_view column,
-                        int row) override
-    {
-        edits.emplace_back(std::string(column), row, std::get<bool>(value));
-        if (during)
-            during(table);
-    }
-    bool writeRowsWithIndexes(TableView&, const IndexSet& indexes, Pasteboard&) override
-    {
-        return flags.at(static_cast<std::size_t>(indexes.firstIndex()));
-    }
-    DragOperation validateDrop(TableView&, const DraggingInfo&, int gap, DropOperation) override
-    {
-        return gap >= 0 && gap <= 2 ? DragOperation::move : DragOperation::none;
-    }
-    bool acceptDrop(TableView& table, const DraggingInfo&, int gap, DropOperation) override
-    {
-        drops.push_back(gap);
-        table.noteNumberOfRowsChanged();
-        table.reloadData();
-        return true;
-    }
-    std::string remarkOnRow(TableView&, int row) override
-    {
-        return row == remarkable ? "Not here, <b>seen</b> before" : "";
-    }
-    bool mayDeleteRow(TableView&, int row) override { return row != immovable; }
-    void deleteRow(TableView& table, int row) override
-    {
-        deleted.push_back(names.at(static_cast<std::size_t>(row)));
-        names.erase(names.begin() + row);
-        flags.erase(flags.begin() + row);
-        table.reloadData();
-    }
-    bool mayUndoDelete(TableView&) override { return !deleted.empty(); }
-    void undoDelete(TableView& table) override
-    {
-        names.push_back(deleted.back());
-        flags.push_back(false);
-        deleted.pop_back();
-        table.reloadData();
-    }
-    void tableViewSelectionIsChanging(const Notification&) override {}
-
-    int remarkable = -1;
-    int immovable = -1;
-    std::vector<std::string> deleted;
-    int asked = 0;
-    std::vector<int> drops;
-    std::vector<std::string> names = {"Tablet", "<b>Phone</b>\t"};
-    std::vector<bool> flags = {true, false};
-    std::vector<std::tuple<std::string, int, bool>> edits;
-    std::function<void(TableView&)> during;
-};
-
-struct BoundTable : testing::Test {
-    BoundTable()
-    {
-        widget.setProperty("column1", "AutoConnectFlag");
-        widget.setProperty("columnTitle1", "Connect");
-        widget.setProperty("columnTicked1", "ticked");
-        widget.setProperty("columnNotTicked1", "not ticked");
-        widget.setProperty("column2", "DeviceName");
-        widget.setProperty("columnTitle2", "Device");
-        widget.setProperty("deleteRow", "Forget");
-        widget.setProperty("undoDelete", "Undo Forget");
-        EXPECT_TRUE(bindToWidget(table, &widget));
-        table->setDataSource(rows);
-    }
+struct BoundTable : TableFixture<QTableView> {
     /// The menu of a row, opened by the mouse. Null when there is none.
     QMenu* menuOf(int row)
     {
@@ -113,10 +30,6 @@ struct BoundTable : testing::Test {
     {
         return widget.model()->index(row, column).data(role);
     }
-
-    std::shared_ptr<Rows> rows = std::make_shared<Rows>();
-    QTableView widget;
-    std::shared_ptr<TableView> table = std::make_shared<TableView>();
 };
 
 TEST_F(BoundTable, ItAsksItsSourceByTheColumnsIdentifiers)
@@ -134,16 +47,6 @@ TEST_F(BoundTable, HostileNamesAreShownAsText)
 {
     EXPECT_EQ(cell(1, 1, Qt::DisplayRole).toString(), QString::fromUtf8("<b>Phone</b>␉"));
     EXPECT_TRUE(cell(1, 1, Qt::ToolTipRole).toString().contains(QStringLiteral("&lt;b&gt;")));
-}
-
-TEST_F(BoundTable, AssistiveTechnologyHearsWhetherABoxIsTicked)
-{
-    const auto described = [this](int row) {
-        const auto* cells = QAccessible::queryAccessibleInterface(&widget)->tableInterface();
-        return cells->cellAt(row, 0)->text(QAccessible::Description);
-    };
-    EXPECT_EQ(described(0), QStringLiteral("ticked"));
-    EXPECT_EQ(described(1), QStringLiteral("not ticked"));
 }
 
 TEST_F(BoundTable, ARowWithARemarkStandsBackForEyeAndEar)

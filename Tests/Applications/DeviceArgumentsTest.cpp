@@ -9,7 +9,7 @@ using testing::HasSubstr;
 namespace
 {
 
-DeviceArguments read(const std::vector<std::string>& arguments)
+DeviceArguments argumentsOf(const std::vector<std::string>& arguments)
 {
     QStringList words(u"farview-device"_qs);
     for (const auto& argument : arguments)
@@ -19,7 +19,7 @@ DeviceArguments read(const std::vector<std::string>& arguments)
 
 std::string mistake(const std::vector<std::string>& arguments)
 {
-    const auto answer = read(arguments).answer;
+    const auto answer = argumentsOf(arguments).answer;
     return answer && answer->status == CommandLine::wrongUse ? answer->text.toStdString() : "";
 }
 
@@ -27,7 +27,7 @@ std::string mistake(const std::vector<std::string>& arguments)
 
 TEST(DeviceArguments, HaveDefaults)
 {
-    const DeviceArguments arguments = read({});
+    const DeviceArguments arguments = argumentsOf({});
     EXPECT_FALSE(arguments.answer);
     EXPECT_EQ(arguments.port, 6001);
     EXPECT_FALSE(arguments.name || arguments.hostName || arguments.refusal ||
@@ -38,8 +38,8 @@ TEST(DeviceArguments, HaveDefaults)
 TEST(DeviceArguments, AreReadInBothSpellings)
 {
     const DeviceArguments arguments =
-        read({"--name", "Desk = 1", "--host-name=desk", "--port=7001", "--headless", "--refuse",
-              "Closed", "--unless-seen", "3"});
+        argumentsOf({"--name", "Desk = 1", "--host-name=desk", "--port=7001", "--headless",
+                     "--refuse", "Closed", "--unless-seen", "3"});
     EXPECT_FALSE(arguments.answer);
     EXPECT_EQ(arguments.name, "Desk = 1");
     EXPECT_EQ(arguments.hostName, "desk");
@@ -49,7 +49,7 @@ TEST(DeviceArguments, AreReadInBothSpellings)
     EXPECT_EQ(arguments.unlessSeenWithin, 3.0);
 }
 
-TEST(DeviceArguments, AllowAnyFreePort) { EXPECT_EQ(read({"--port", "0"}).port, 0); }
+TEST(DeviceArguments, AllowAnyFreePort) { EXPECT_EQ(argumentsOf({"--port", "0"}).port, 0); }
 
 TEST(DeviceArguments, NameTheirMistakes)
 {

@@ -14,6 +14,10 @@ using Kind = DeviceAnswer::Kind;
 namespace
 {
 
+struct ListeningServer : QTcpServer {
+    ListeningServer() { EXPECT_TRUE(listen(QHostAddress::LocalHost, 0)); }
+};
+
 class DeviceProbeTest : public testing::Test
 {
 protected:
@@ -90,8 +94,7 @@ TEST_F(DeviceProbeTest, TellsADeviceWithoutAnAddress)
 
 TEST_F(DeviceProbeTest, TellsAPortOnWhichNothingListens)
 {
-    QTcpServer taken;
-    ASSERT_TRUE(taken.listen(QHostAddress::LocalHost, 0));
+    ListeningServer taken;
     const auto port = taken.serverPort();
     taken.close();
     EXPECT_EQ(ask(port).kind, Kind::portClosed);
@@ -99,15 +102,13 @@ TEST_F(DeviceProbeTest, TellsAPortOnWhichNothingListens)
 
 TEST_F(DeviceProbeTest, TellsADeviceThatNeverGreets)
 {
-    QTcpServer mute;
-    ASSERT_TRUE(mute.listen(QHostAddress::LocalHost, 0));
+    ListeningServer mute;
     EXPECT_EQ(ask(mute.serverPort()).kind, Kind::silent);
 }
 
 TEST_F(DeviceProbeTest, TellsADeviceThatHangsUp)
 {
-    QTcpServer rude;
-    ASSERT_TRUE(rude.listen(QHostAddress::LocalHost, 0));
+    ListeningServer rude;
     QObject::connect(&rude, &QTcpServer::newConnection,
                      [&] { delete rude.nextPendingConnection(); });
     EXPECT_EQ(ask(rude.serverPort()).kind, Kind::silent);
@@ -115,8 +116,7 @@ TEST_F(DeviceProbeTest, TellsADeviceThatHangsUp)
 
 TEST_F(DeviceProbeTest, TellsSomethingThatIsNoDevice)
 {
-    QTcpServer web;
-    ASSERT_TRUE(web.listen(QHostAddress::LocalHost, 0));
+    ListeningServer web;
     QObject::connect(&web, &QTcpServer::newConnection, [&] {
         web.nextPendingConnection()->write("HTTP/1.0 400 Bad Request\r\n\r\n");
     });
@@ -125,8 +125,7 @@ TEST_F(DeviceProbeTest, TellsSomethingThatIsNoDevice)
 
 TEST_F(DeviceProbeTest, TellsSomethingThatAcceptsWhatItCannotServe)
 {
-    QTcpServer eager;
-    ASSERT_TRUE(eager.listen(QHostAddress::LocalHost, 0));
+    ListeningServer eager;
     QObject::connect(&eager, &QTcpServer::newConnection, [&] {
         const Bytes yes = encodeAnswer(LinkAgreement{});
         eager.nextPendingConnection()->write(reinterpret_cast<const char*>(yes.data()),
@@ -137,8 +136,7 @@ TEST_F(DeviceProbeTest, TellsSomethingThatAcceptsWhatItCannotServe)
 
 TEST_F(DeviceProbeTest, MayBeDroppedWhileItAsks)
 {
-    QTcpServer mute;
-    ASSERT_TRUE(mute.listen(QHostAddress::LocalHost, 0));
+    ListeningServer mute;
     bool answered = false;
     auto dropped = std::make_shared<DeviceProbe>(DeviceProbeTimes{});
     dropped->ask({{"127.0.0.1", mute.serverPort(), 0}}, [&](const auto&) { answered = true; });

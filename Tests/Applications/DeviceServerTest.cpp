@@ -50,6 +50,13 @@ protected:
     {
         return std::make_unique<TestHost>(server->status().port);
     }
+    std::unique_ptr<TestHost> startWithAHost()
+    {
+        start();
+        auto guest = host();
+        EXPECT_TRUE(waitUntil([&] { return isUsed(); }));
+        return guest;
+    }
     /// A connection that never says a word.
     std::unique_ptr<QTcpSocket> silentSocket() const
     {
@@ -134,9 +141,7 @@ TEST_F(DeviceServerTest, ShowsTheOptionsOfItsHost)
 
 TEST_F(DeviceServerTest, RefusesASecondHostAndKeepsTheFirst)
 {
-    start();
-    const auto first = host();
-    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    const auto first = startWithAHost();
     const auto second = host();
     ASSERT_TRUE(waitUntil([&] { return second->seen->ended(); }));
     EXPECT_EQ(second->seen->reason(), LinkEndReason::refused);
@@ -160,9 +165,7 @@ TEST_F(DeviceServerTest, LetsOnlyOneOfTwoInThatComeTogether)
 
 TEST_F(DeviceServerTest, IsFreeAgainAfterAGoodbye)
 {
-    start();
-    const auto guest = host();
-    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    const auto guest = startWithAHost();
     guest->link->close({LinkGoodbyeCode::byUser, ""});
     ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
     EXPECT_THAT(publisher.states, ElementsAre("Connected", "NotConnected"));
@@ -174,9 +177,7 @@ TEST_F(DeviceServerTest, IsFreeAgainAfterAGoodbye)
 
 TEST_F(DeviceServerTest, IsFreeAgainWhenItsHostVanishes)
 {
-    start();
-    auto guest = host();
-    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    auto guest = startWithAHost();
     guest.reset();
     ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
     EXPECT_EQ(publisher.state(), "NotConnected");

@@ -40,6 +40,11 @@ protected:
             return endings > 0;
         });
     }
+    void examine()
+    {
+        start();
+        ASSERT_TRUE(ends());
+    }
     FakeDevice device(const std::string& name, std::vector<Endpoint> endpoints = {})
     {
         FakeDevice made{name, name + ".local"};
@@ -70,8 +75,7 @@ TEST_F(DevicesProbeTest, AsksEachDeviceItSees)
     ASSERT_TRUE(mute.listen(QHostAddress::LocalHost, 0));
     fake.discovery.announce(
         {device("Mute", {{"127.0.0.1", mute.serverPort(), 0}}), device("Lost")});
-    start();
-    ASSERT_TRUE(ends());
+    examine();
     ASSERT_EQ(devices.size(), 2u);
     EXPECT_EQ(devices[0].name, "Mute");
     EXPECT_EQ(devices[0].hostName, "Mute.local");
@@ -86,8 +90,7 @@ TEST_F(DevicesProbeTest, TellsADeviceThatDoesNotResolve)
     auto dead = device("Dead");
     dead.resolve.outcome = FakeResolve::Outcome::never;
     fake.discovery.announce({dead});
-    start();
-    ASSERT_TRUE(ends());
+    examine();
     ASSERT_EQ(devices.size(), 1u);
     EXPECT_FALSE(devices[0].hostName);
     EXPECT_FALSE(devices[0].answer);
@@ -98,8 +101,7 @@ TEST_F(DevicesProbeTest, ReadsWhetherADeviceSaysThatItIsInUse)
     auto busy = device("Busy");
     busy.TXTRecord = {{kFVEConnectionStateKey, Data::fromText("Connected")}};
     fake.discovery.announce({busy});
-    start();
-    ASSERT_TRUE(ends());
+    examine();
     ASSERT_EQ(devices.size(), 1u);
     EXPECT_TRUE(devices[0].isInUse);
 }
@@ -122,8 +124,7 @@ TEST_F(DevicesProbeTest, CountsDevicesBeyondItsBound)
     for (std::size_t i = 0; i < DevicesProbe::mostDevices + 5; ++i)
         crowd.push_back(device("Desk " + std::to_string(i)));
     fake.discovery.announce(crowd);
-    start();
-    ASSERT_TRUE(ends());
+    examine();
     EXPECT_EQ(devices.size(), DevicesProbe::mostDevices);
     EXPECT_EQ(more, 5u);
 }

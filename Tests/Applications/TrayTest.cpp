@@ -55,6 +55,16 @@ protected:
     std::optional<Tray> tray;
 };
 
+class ShownTray : public TrayTest
+{
+protected:
+    void SetUp() override
+    {
+        start();
+        ASSERT_TRUE(startWatcher());
+    }
+};
+
 TEST_F(TrayTest, AppearsInATrayThatRuns)
 {
     watcher.emplace(bus.address());
@@ -89,10 +99,8 @@ TEST_F(TrayTest, AppearsAgainAfterARestartOfTheBus)
     EXPECT_EQ(watcher->property(item(), "Id"), "farview");
 }
 
-TEST_F(TrayTest, TellsWhatATrayNeeds)
+TEST_F(ShownTray, TellsWhatATrayNeeds)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     const auto all = watcher->properties(item());
     EXPECT_EQ(all.value("Id"), "farview");
     EXPECT_EQ(all.value("Category"), "Hardware");
@@ -106,10 +114,8 @@ TEST_F(TrayTest, TellsWhatATrayNeeds)
     EXPECT_EQ(toolTip.text, "A sentence.");
 }
 
-TEST_F(TrayTest, TheIconFollowsTheStateAndSaysSoOnlyWhenItChanges)
+TEST_F(ShownTray, TheIconFollowsTheStateAndSaysSoOnlyWhenItChanges)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     const int before = watcher->newIcons();
     tray->show(display(StatusIcon::on, {target->entry("Pad")}));
     tray->show(display(StatusIcon::off, {target->entry("Pad")}));
@@ -122,10 +128,8 @@ TEST_F(TrayTest, TheIconFollowsTheStateAndSaysSoOnlyWhenItChanges)
     EXPECT_EQ(watcher->property(item(), "IconName"), "farview-trouble-symbolic");
 }
 
-TEST_F(TrayTest, EveryStateHasAnIconWhereTheTrayIsToldToLook)
+TEST_F(ShownTray, EveryStateHasAnIconWhereTheTrayIsToldToLook)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     const QString theme = watcher->property(item(), "IconThemePath").toString();
     for (const StatusIcon icon :
          {StatusIcon::off, StatusIcon::on, StatusIcon::connected, StatusIcon::trouble}) {
@@ -136,10 +140,8 @@ TEST_F(TrayTest, EveryStateHasAnIconWhereTheTrayIsToldToLook)
     }
 }
 
-TEST_F(TrayTest, ATrayThatDoesNotKnowTheNameGetsPicturesThatDifferByState)
+TEST_F(ShownTray, ATrayThatDoesNotKnowTheNameGetsPicturesThatDifferByState)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     std::set<QByteArray> pictures;
     for (const StatusIcon icon :
          {StatusIcon::off, StatusIcon::on, StatusIcon::connected, StatusIcon::trouble}) {
@@ -155,10 +157,8 @@ TEST_F(TrayTest, ATrayThatDoesNotKnowTheNameGetsPicturesThatDifferByState)
     EXPECT_EQ(pictures.size(), 4u);
 }
 
-TEST_F(TrayTest, TheMenuShowsMarksAndWhatCannotBeChosen)
+TEST_F(ShownTray, TheMenuShowsMarksAndWhatCannotBeChosen)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     auto marked = target->entry("Marked");
     marked->state = 1;
     tray->show(display(StatusIcon::on,
@@ -172,10 +172,8 @@ TEST_F(TrayTest, TheMenuShowsMarksAndWhatCannotBeChosen)
     EXPECT_FALSE(menu[2].enabled());
 }
 
-TEST_F(TrayTest, AClickReachesTheEntryAndNoOther)
+TEST_F(ShownTray, AClickReachesTheEntryAndNoOther)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     watcher->click(item(), watcher->entry(item(), "Pad").id);
     EXPECT_EQ(target->chosen, std::vector<std::string>{"Pad"});
     watcher->click(item(), watcher->entry(item(), "Slab").id);
@@ -188,10 +186,8 @@ TEST_F(TrayTest, AClickReachesTheEntryAndNoOther)
     EXPECT_EQ(target->chosen.size(), 1u);
 }
 
-TEST_F(TrayTest, AClickOnAnEntryThatHasGoneDoesNothing)
+TEST_F(ShownTray, AClickOnAnEntryThatHasGoneDoesNothing)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     const int stale = watcher->entry(item(), "Pad").id;
     const int updates = watcher->layoutUpdates();
     tray->show(display(StatusIcon::on, {target->entry("Tablet")}));
@@ -200,18 +196,14 @@ TEST_F(TrayTest, AClickOnAnEntryThatHasGoneDoesNothing)
     EXPECT_TRUE(target->chosen.empty());
 }
 
-TEST_F(TrayTest, PressingTheItemItselfIsReported)
+TEST_F(ShownTray, PressingTheItemItselfIsReported)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     watcher->call(item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate", {5, 5});
     EXPECT_EQ(activations, 1);
 }
 
-TEST_F(TrayTest, ForeignNamesArePlainText)
+TEST_F(ShownTray, ForeignNamesArePlainText)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     auto hostile = display(StatusIcon::connected,
                            {target->entry("_a&b__c"), target->entry("<b>x</b>\n\x1b[31m"),
                             target->entry("\xE2\x80\xAEreversed"), target->entry("\xff\xfe"),
@@ -231,10 +223,8 @@ TEST_F(TrayTest, ForeignNamesArePlainText)
     EXPECT_EQ(target->chosen, std::vector<std::string>{"_a&b__c"});
 }
 
-TEST_F(TrayTest, QuestionsAboutEntriesThatDoNotExistAreAnswered)
+TEST_F(ShownTray, QuestionsAboutEntriesThatDoNotExistAreAnswered)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     const auto ask = [this](const char* member, const QVariantList& arguments) {
         return watcher->call(item(), "/MenuBar", "com.canonical.dbusmenu", member, arguments);
     };
@@ -249,10 +239,8 @@ TEST_F(TrayTest, QuestionsAboutEntriesThatDoNotExistAreAnswered)
     EXPECT_EQ(qdbus_cast<DBusMenuIds>(unknown[1]), DBusMenuIds{99});
 }
 
-TEST_F(TrayTest, FiveHundredDevicesReachTheTray)
+TEST_F(ShownTray, FiveHundredDevicesReachTheTray)
 {
-    start();
-    ASSERT_TRUE(startWatcher());
     std::vector<std::shared_ptr<MenuItem>> many;
     for (int i = 0; i < 500; ++i)
         many.push_back(target->entry("Device " + std::to_string(i)));

@@ -60,6 +60,17 @@ protected:
         fake.discovery.announce(std::move(devices));
     }
     void settle() { fake.runLoop.runUntilIdle(); }
+    /// The browser begins to search, and these are its first batch.
+    void find(std::vector<farview::FakeDevice> devices)
+    {
+        browser->init();
+        findMore(std::move(devices));
+    }
+    void findMore(std::vector<farview::FakeDevice> devices)
+    {
+        announce(std::move(devices));
+        settle();
+    }
     void advance(double seconds) { fake.runLoop.advance(farview::Duration(seconds)); }
     void forget()
     {

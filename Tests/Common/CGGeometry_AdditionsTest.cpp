@@ -22,15 +22,10 @@ std::string printed(double value)
     return text.data();
 }
 
-TEST(CGGeometry, APointIsAPairInBraces)
+TEST(CGGeometry, APointAndASizeArePairsInBracesAndARectangleIsAPairOfThem)
 {
     EXPECT_EQ(NSStringFromCGPoint({1.5, -2}), "{ 1.5, -2 }");
-}
-
-TEST(CGGeometry, ASizeLooksLikeAPoint) { EXPECT_EQ(NSStringFromCGSize({1.5, 2}), "{ 1.5, 2 }"); }
-
-TEST(CGGeometry, ARectangleIsAPairOfPairs)
-{
+    EXPECT_EQ(NSStringFromCGSize({1.5, 2}), "{ 1.5, 2 }");
     EXPECT_EQ(NSStringFromCGRect({{0, -1}, {2560, 0.25}}), "{ { 0, -1 }, { 2560, 0.25 } }");
 }
 

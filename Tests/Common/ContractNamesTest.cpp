@@ -20,114 +20,92 @@ struct Frozen {
     const char* expected;
 };
 
-std::ostream& operator<<(std::ostream& stream, const Frozen& frozen)
-{
-    return stream << frozen.constant;
-}
-
-class FrozenText : public testing::TestWithParam<Frozen>
-{
-};
-
-TEST_P(FrozenText, Stays) { EXPECT_STREQ(GetParam().value, GetParam().expected); }
-
-std::string constantName(const testing::TestParamInfo<Frozen>& info) { return info.param.constant; }
-
 #define FROZEN(constant, expected)                                                                 \
     Frozen { #constant, constant, expected }
 
-INSTANTIATE_TEST_SUITE_P(
-    PreferenceKeys, FrozenText,
-    testing::Values(FROZEN(kCurrentState, "currentState"), FROZEN(kShowInMenuBar, "showInMenuBar"),
-                    FROZEN(kCurrentVirtualScreenDeviceName, "currentVirtualScreenDeviceName"),
-                    FROZEN(kAutoConnectOption, "autoConnectOption"),
-                    FROZEN(kAutoUpdateOption, "autoUpdateOption"),
-                    FROZEN(kAutoMoveWindowsBackOption, "autoMoveWindowsBackOption"),
-                    FROZEN(kEnableTouchDisplayOption, "enableDisplayTouch"),
-                    FROZEN(kEnableRetinaDisplayOption, "enableRetinaDisplay"),
-                    FROZEN(kAutoConnectDevices, "autoConnectDevices"),
-                    FROZEN(kLastOtherDeviceName, "lastOtherDeviceName"),
-                    FROZEN(kFirstRun, "firstRun"),
-                    FROZEN(kOpenPrefsInSettingsPane, "openPrefsInSettingsPane"),
-                    FROZEN(kAutoUpdateOptionShown, "autoUpdateOptionShown"),
-                    FROZEN(kLastUpdateCheck, "lastUpdateCheck"),
-                    FROZEN(kLastUpdateOutcome, "lastUpdateOutcome"),
-                    FROZEN(kDebuggingDontSendKBEvents, "QLNDebuggingDontSendKBEvents"),
-                    FROZEN(kApplicationID, "com.quillon.Farview"),
-                    FROZEN(kScalingEnabledPreferenceKey, "kScalingEnabledPreferenceKey"),
-                    FROZEN(kScaleInFullScreenPreferenceKey, "kScaleInFullScreenPreferenceKey"),
-                    FROZEN(kStartInFullScreenPreferenceKey, "kStartInFullScreenPreferenceKey")),
-    constantName);
+const Frozen frozenTexts[] = {
+    // Preferences.
+    FROZEN(kCurrentState, "currentState"),
+    FROZEN(kShowInMenuBar, "showInMenuBar"),
+    FROZEN(kCurrentVirtualScreenDeviceName, "currentVirtualScreenDeviceName"),
+    FROZEN(kAutoConnectOption, "autoConnectOption"),
+    FROZEN(kAutoUpdateOption, "autoUpdateOption"),
+    FROZEN(kAutoMoveWindowsBackOption, "autoMoveWindowsBackOption"),
+    FROZEN(kEnableTouchDisplayOption, "enableDisplayTouch"),
+    FROZEN(kEnableRetinaDisplayOption, "enableRetinaDisplay"),
+    FROZEN(kAutoConnectDevices, "autoConnectDevices"),
+    FROZEN(kLastOtherDeviceName, "lastOtherDeviceName"),
+    FROZEN(kFirstRun, "firstRun"),
+    FROZEN(kOpenPrefsInSettingsPane, "openPrefsInSettingsPane"),
+    FROZEN(kAutoUpdateOptionShown, "autoUpdateOptionShown"),
+    FROZEN(kLastUpdateCheck, "lastUpdateCheck"),
+    FROZEN(kLastUpdateOutcome, "lastUpdateOutcome"),
+    FROZEN(kDebuggingDontSendKBEvents, "QLNDebuggingDontSendKBEvents"),
+    FROZEN(kApplicationID, "com.quillon.Farview"),
+    FROZEN(kScalingEnabledPreferenceKey, "kScalingEnabledPreferenceKey"),
+    FROZEN(kScaleInFullScreenPreferenceKey, "kScaleInFullScreenPreferenceKey"),
+    FROZEN(kStartInFullScreenPreferenceKey, "kStartInFullScreenPreferenceKey"),
+    // Distributed notifications.
+    FROZEN(kConnectServerToHost, "com.quillon.Farview.ConnectServerToHost"),
+    FROZEN(kConnectServerToTicket, "com.quillon.Farview.ConnectServerToTicket"),
+    FROZEN(kDisconnectCurrentServerFromHost, "com.quillon.Farview.DisconnectCurrentServerFromHost"),
+    FROZEN(kQueryRequestForConnectedHost, "com.quillon.Farview.QueryRequestForConnectedHost"),
+    FROZEN(kQueryResultForConnectedHost, "com.quillon.Farview.QueryResultForConnectedHost"),
+    FROZEN(kServerConnectedToDevice, "com.quillon.Farview.ServerConnectedToDevice"),
+    FROZEN(kServerDisconnectedFromDevice, "com.quillon.Farview.ServerDisconnectedFromDevice"),
+    FROZEN(kRequestingErrorMsgFromPrefPane, "com.quillon.Farview.RequestingErrorMsgFromPrefPane"),
+    FROZEN(kServerRespondedToConnectRequest, "com.quillon.Farview.ServerRespondedToConnectRequest"),
+    FROZEN(kTerminateScreenServer, "com.quillon.Farview.TerminateScreenServer"),
+    FROZEN(kTerminateMenuExtra, "com.quillon.Farview.TerminateMenuExtra"),
+    FROZEN(kFVEPrefsWillChangeNotification, "com.quillon.Farview.FVEPrefsWillChangeNotification"),
+    FROZEN(kFVEPrefsDidChangeNotification, "com.quillon.Farview.FVEPrefsDidChangeNotification"),
+    FROZEN(kFVEDeviceWillChangeNotification, "kFVEDevicesWillChangeNotification"),
+    FROZEN(kFVEDeviceDidChangeNotification, "kFVEDevicesDidChangeNotification"),
+    FROZEN(kBatteryLevelChangedNotification, "kBatteryLevelChangedNotification"),
+    // Their keys.
+    FROZEN(kDeviceNameKey, "DeviceName"),
+    FROZEN(kDeviceAddressKey, "DeviceAddress"),
+    FROZEN(kAwaitsRequestKey, "AwaitsRequest"),
+    FROZEN(kConnectToHostNameKey, "connectToHostName"),
+    FROZEN(kConnectUsingTicketKey, "connectUsingTicket"),
+    FROZEN(kOtherDeviceName, "Other"),
+    FROZEN(kBatteryLevelKey, "BatteryLevel"),
+    FROZEN(kFVEConnectionStateKey, "ConnState"),
+    FROZEN(kFVEAssignedTicketKey, "Ticket"),
+    FROZEN(kFVEIPTicketKey, "IPTicket"),
+    // The browser's notifications.
+    FROZEN(kQLNBonjourBrowserWillAddService, "kQLNBonjourBrowserWillAddService"),
+    FROZEN(kQLNBonjourBrowserDidAddService, "kQLNBonjourBrowserDidAddService"),
+    FROZEN(kQLNBonjourBrowserWillRemoveService, "kQLNBonjourBrowserWillRemoveService"),
+    FROZEN(kQLNBonjourBrowserDidRemoveService, "kQLNBonjourBrowserDidRemoveService"),
+    FROZEN(kQLNBonjourBrowserDidRemoveServiceNamesKey,
+           "kQLNBonjourBrowserDidRemoveServiceNamesKey"),
+    FROZEN(kQLNBonjourBrowserDidUpdateService, "kQLNBonjourBrowserDidUpdateService"),
+    FROZEN(kQLNBonjourBrowserDidUpdateTXTRecord, "kQLNBonjourBrowserDidUpdateTXTRecord"),
+    FROZEN(kQLNBonjourBrowserDidUpdateTXTRecordServiceKey,
+           "kQLNBonjourBrowserDidUpdateTXTRecordServiceKey"),
+    FROZEN(kQLNBonjourBrowserDidUpdateTXTRecordTXTRecordKey,
+           "kQLNBonjourBrowserDidUpdateTXTRecordTXTRecordKey"),
+    FROZEN(kQLNBonjourBrowserWillUpdateService, "kQLNBonjourBrowserWillUpdateService"),
+    // Programs and bundles.
+    FROZEN(kVirtualScreenServiceName, "_qlexvscreen._udp"),
+    FROZEN(kFVEScreenServerApplicationName, "ScreenCapture"),
+    FROZEN(kFVEScreenServerApplicationNameCString, "ScreenCapture"),
+    FROZEN(kFVEMenuExtraApplicationName, "FarviewStatusItem"),
+    FROZEN(kFVEMenuExtraBundleID, "com.quillon.menuextra.Farview"),
+    FROZEN(kFVEPaneBundleID, "com.quillon.FarviewPrefPanel"),
+    FROZEN(kFVEKextName, "QLExGFX"),
+    FROZEN(kFVEFrameBufferKext, "QLVideoCard"),
+    FROZEN(kFVEVideoCardKext, "QLFrameBuffer"),
+    FROZEN(kPrefPaneName, "Farview Preferences.prefPane"),
+    FROZEN(kDisplaysPrefPaneName, "Displays.prefPane"),
+};
 
-INSTANTIATE_TEST_SUITE_P(
-    DistributedNotifications, FrozenText,
-    testing::Values(
-        FROZEN(kConnectServerToHost, "com.quillon.Farview.ConnectServerToHost"),
-        FROZEN(kConnectServerToTicket, "com.quillon.Farview.ConnectServerToTicket"),
-        FROZEN(kDisconnectCurrentServerFromHost,
-               "com.quillon.Farview.DisconnectCurrentServerFromHost"),
-        FROZEN(kQueryRequestForConnectedHost, "com.quillon.Farview.QueryRequestForConnectedHost"),
-        FROZEN(kQueryResultForConnectedHost, "com.quillon.Farview.QueryResultForConnectedHost"),
-        FROZEN(kServerConnectedToDevice, "com.quillon.Farview.ServerConnectedToDevice"),
-        FROZEN(kServerDisconnectedFromDevice, "com.quillon.Farview.ServerDisconnectedFromDevice"),
-        FROZEN(kRequestingErrorMsgFromPrefPane,
-               "com.quillon.Farview.RequestingErrorMsgFromPrefPane"),
-        FROZEN(kServerRespondedToConnectRequest,
-               "com.quillon.Farview.ServerRespondedToConnectRequest"),
-        FROZEN(kTerminateScreenServer, "com.quillon.Farview.TerminateScreenServer"),
-        FROZEN(kTerminateMenuExtra, "com.quillon.Farview.TerminateMenuExtra"),
-        FROZEN(kFVEPrefsWillChangeNotification,
-               "com.quillon.Farview.FVEPrefsWillChangeNotification"),
-        FROZEN(kFVEPrefsDidChangeNotification, "com.quillon.Farview.FVEPrefsDidChangeNotification"),
-        FROZEN(kFVEDeviceWillChangeNotification, "kFVEDevicesWillChangeNotification"),
-        FROZEN(kFVEDeviceDidChangeNotification, "kFVEDevicesDidChangeNotification"),
-        FROZEN(kBatteryLevelChangedNotification, "kBatteryLevelChangedNotification")),
-    constantName);
-
-INSTANTIATE_TEST_SUITE_P(KeysOfNotifications, FrozenText,
-                         testing::Values(FROZEN(kDeviceNameKey, "DeviceName"),
-                                         FROZEN(kDeviceAddressKey, "DeviceAddress"),
-                                         FROZEN(kAwaitsRequestKey, "AwaitsRequest"),
-                                         FROZEN(kConnectToHostNameKey, "connectToHostName"),
-                                         FROZEN(kConnectUsingTicketKey, "connectUsingTicket"),
-                                         FROZEN(kOtherDeviceName, "Other"),
-                                         FROZEN(kBatteryLevelKey, "BatteryLevel"),
-                                         FROZEN(kFVEConnectionStateKey, "ConnState"),
-                                         FROZEN(kFVEAssignedTicketKey, "Ticket"),
-                                         FROZEN(kFVEIPTicketKey, "IPTicket")),
-                         constantName);
-
-INSTANTIATE_TEST_SUITE_P(
-    BrowserNotifications, FrozenText,
-    testing::Values(
-        FROZEN(kQLNBonjourBrowserWillAddService, "kQLNBonjourBrowserWillAddService"),
-        FROZEN(kQLNBonjourBrowserDidAddService, "kQLNBonjourBrowserDidAddService"),
-        FROZEN(kQLNBonjourBrowserWillRemoveService, "kQLNBonjourBrowserWillRemoveService"),
-        FROZEN(kQLNBonjourBrowserDidRemoveService, "kQLNBonjourBrowserDidRemoveService"),
-        FROZEN(kQLNBonjourBrowserDidRemoveServiceNamesKey,
-               "kQLNBonjourBrowserDidRemoveServiceNamesKey"),
-        FROZEN(kQLNBonjourBrowserDidUpdateService, "kQLNBonjourBrowserDidUpdateService"),
-        FROZEN(kQLNBonjourBrowserDidUpdateTXTRecord, "kQLNBonjourBrowserDidUpdateTXTRecord"),
-        FROZEN(kQLNBonjourBrowserDidUpdateTXTRecordServiceKey,
-               "kQLNBonjourBrowserDidUpdateTXTRecordServiceKey"),
-        FROZEN(kQLNBonjourBrowserDidUpdateTXTRecordTXTRecordKey,
-               "kQLNBonjourBrowserDidUpdateTXTRecordTXTRecordKey"),
-        FROZEN(kQLNBonjourBrowserWillUpdateService, "kQLNBonjourBrowserWillUpdateService")),
-    constantName);
-
-INSTANTIATE_TEST_SUITE_P(
-    Programs, FrozenText,
-    testing::Values(FROZEN(kVirtualScreenServiceName, "_qlexvscreen._udp"),
-                    FROZEN(kFVEScreenServerApplicationName, "ScreenCapture"),
-                    FROZEN(kFVEScreenServerApplicationNameCString, "ScreenCapture"),
-                    FROZEN(kFVEMenuExtraApplicationName, "FarviewStatusItem"),
-                    FROZEN(kFVEMenuExtraBundleID, "com.quillon.menuextra.Farview"),
-                    FROZEN(kFVEPaneBundleID, "com.quillon.FarviewPrefPanel"),
-                    FROZEN(kFVEKextName, "QLExGFX"), FROZEN(kFVEFrameBufferKext, "QLVideoCard"),
-                    FROZEN(kFVEVideoCardKext, "QLFrameBuffer"),
-                    FROZEN(kPrefPaneName, "Farview Preferences.prefPane"),
-                    FROZEN(kDisplaysPrefPaneName, "Displays.prefPane")),
-    constantName);
+TEST(FrozenTexts, Stay)
+{
+    for (const Frozen& each : frozenTexts)
+        EXPECT_STREQ(each.value, each.expected) << each.constant;
+}
 
 TEST(FrozenNumbers, PortsStay)
 {

@@ -231,43 +231,13 @@ TEST_F(FVEPreferencesTest, AnnouncementsCarryNothingAndReachEverySessionAtOnce)
                             Post{kFVEPrefsDidChangeNotification, "", {}, 3}));
 }
 
-/// A centre that notes, at each post, what other programs would find stored at that moment.
-class WatchfulCenter : public farview::DistributedNotificationCenter
+TEST_F(FVEPreferencesTest, AChangeIsStoredBetweenItsTwoAnnouncements)
 {
-public:
-    explicit WatchfulCenter(const farview::FakePreferences& preferences) : mPreferences(preferences)
-    {
-    }
-
-    void addObserver(std::weak_ptr<void>, farview::NotificationHandler, std::string,
-                     std::string) override
-    {
-    }
-    void removeObserver(const std::weak_ptr<void>&) override {}
-    void removeObserver(const std::weak_ptr<void>&, const std::string&, const std::string&) override
-    {
-    }
-    void postNotificationName(const std::string&, const std::string&, TextUserInfo,
-                              unsigned) override
-    {
-        found.push_back(mPreferences.storedValue(kFirstRun, kApplicationID));
-    }
-    void setSuspended(bool) override {}
-    farview::Subscription observeReconnection(std::function<void()>) override { return {}; }
-
     std::vector<std::optional<PropertyList>> found;
-
-private:
-    const farview::FakePreferences& mPreferences;
-};
-
-TEST(FVEPreferencesOrder, AChangeIsStoredBetweenItsTwoAnnouncements)
-{
-    farview::FakePreferences store;
-    WatchfulCenter center(store);
-    FVEPreferences preferences(store, center);
+    const auto watch = fake.distributedNotificationCenter.observePosts(
+        [&](const auto&) { found.push_back(stored(kFirstRun)); });
     preferences.setFirstRun(false);
-    EXPECT_THAT(center.found, ElementsAre(std::nullopt, PropertyList(false)));
+    EXPECT_THAT(found, ElementsAre(std::nullopt, PropertyList(false)));
 }
 
 TEST_F(FVEPreferencesTest, TheLastLookForUpdatesIsNothingUntilItIsStoredWithItsOutcomeAtOnce)

@@ -1,6 +1,7 @@
 #include "Common/FVEUpdater.h"
 #include "Common/FVEConstants.h"
 #include "Platform/Fake/FakePlatform.h"
+#include "Tests/Support/UpdateRecorder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,21 +12,6 @@ namespace
 using namespace farview;
 using testing::ElementsAre;
 using Stage = UpdateStatus::Stage;
-
-class Delegate final : public UpdaterDelegate
-{
-public:
-    void didChangeStatus(Updater& updater) override { stages.push_back(updater.status().stage); }
-    void willInstallUpdate(Object* updater, Object* item) override
-    {
-        wasUpdater = dynamic_cast<Updater*>(updater) != nullptr;
-        version = dynamic_cast<PendingUpdate&>(*item).version();
-    }
-
-    std::vector<Stage> stages;
-    bool wasUpdater = false;
-    std::string version;
-};
 
 class FVEUpdaterTest : public testing::Test
 {
@@ -75,7 +61,7 @@ TEST_F(FVEUpdaterTest, PassesTheOptionOnAndDoesNothingElse)
 TEST_F(FVEUpdaterTest, PassesAnUpdateOnFromItsSearchToItsEnd)
 {
     auto& updater = FVEUpdater::sharedUpdater();
-    const auto delegate = std::make_shared<Delegate>();
+    const auto delegate = std::make_shared<UpdateRecorder>();
     updater.setDelegate(delegate);
     updater.checkForUpdates();
     inner->find("1.1", "");
@@ -87,8 +73,7 @@ TEST_F(FVEUpdaterTest, PassesAnUpdateOnFromItsSearchToItsEnd)
     EXPECT_THAT(delegate->stages,
                 ElementsAre(Stage::checking, Stage::found, Stage::downloading, Stage::verifying,
                             Stage::ready, Stage::installing, Stage::installed));
-    EXPECT_TRUE(delegate->wasUpdater);
-    EXPECT_EQ(delegate->version, "1.1");
+    EXPECT_THAT(delegate->installing, ElementsAre("1.1"));
     updater.checkForUpdates();
     updater.cancel();
     EXPECT_EQ(updater.status().stage, Stage::cancelled);

@@ -26,47 +26,36 @@ TEST_F(SystemVersionTest, IsPackedAsPlainNumbers)
     EXPECT_EQ(BCDSystemVersionFunction(), 0x0A0E0CU);
 }
 
-TEST_F(SystemVersionTest, AnOldPackedAnswerIsReadAsDecimalDigits)
+TEST_F(SystemVersionTest, IsMadeOfThePackedOrTheSingleAnswers)
 {
-    fake.systemVersion.setAnswer(SystemVersionQuery::packed, 0x1039);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x0A0309U);
-    fake.systemVersion.setAnswer(SystemVersionQuery::packed, 0x0922);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x090202U);
-}
-
-TEST_F(SystemVersionTest, TheSingleAnswersCountFromTheFirstPackedOneThatNeedsThem)
-{
-    fake.systemVersion.setVersion(10, 11, 10);
-    fake.systemVersion.setAnswer(SystemVersionQuery::packed, 0x103F);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x0A030FU);
-    fake.systemVersion.setAnswer(SystemVersionQuery::packed, 0x1040);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x0A0B0AU);
-}
-
-TEST_F(SystemVersionTest, APlatformThatDoesNotTellIsTheFirst)
-{
-    fake.systemVersion.setAnswer(SystemVersionQuery::packed, std::nullopt);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x0A0000U);
-}
-
-TEST_F(SystemVersionTest, AMissingSingleAnswerLeavesItsField)
-{
-    fake.systemVersion.setVersion(11, 6, 8);
-    fake.systemVersion.setAnswer(SystemVersionQuery::major, std::nullopt);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x0A0608U);
-    fake.systemVersion.setAnswer(SystemVersionQuery::minor, std::nullopt);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x0A0008U);
-    fake.systemVersion.setAnswer(SystemVersionQuery::bugFix, std::nullopt);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x0A0000U);
-}
-
-TEST_F(SystemVersionTest, EachFieldIsCutToAByte)
-{
-    fake.systemVersion.setAnswer(SystemVersionQuery::packed, 0x1099);
-    fake.systemVersion.setAnswer(SystemVersionQuery::major, 0x10A);
-    fake.systemVersion.setAnswer(SystemVersionQuery::minor, 0x20B);
-    fake.systemVersion.setAnswer(SystemVersionQuery::bugFix, -1);
-    EXPECT_EQ(BCDSystemVersionFunction(), 0x0A0BFFU);
+    using Answer = std::optional<std::int32_t>;
+    struct Row {
+        const char* what;
+        Answer packed;
+        Answer major;
+        Answer minor;
+        Answer bugFix;
+        std::uint32_t expected;
+    };
+    const Answer none;
+    const Row rows[] = {
+        {"an old packed answer in decimal digits", 0x1039, none, none, none, 0x0A0309},
+        {"a major version below ten", 0x0922, none, none, none, 0x090202},
+        {"the last that needs no single ones", 0x103F, 10, 11, 10, 0x0A030F},
+        {"the first that needs them", 0x1040, 10, 11, 10, 0x0A0B0A},
+        {"a platform that does not tell", none, 11, 6, 8, 0x0A0000},
+        {"no major version", 0x1168, none, 6, 8, 0x0A0608},
+        {"no minor version either", 0x1168, none, none, 8, 0x0A0008},
+        {"no single answer", 0x1168, none, none, none, 0x0A0000},
+        {"fields beyond a byte", 0x1099, 0x10A, 0x20B, -1, 0x0A0BFF},
+    };
+    for (const Row& row : rows) {
+        fake.systemVersion.setAnswer(SystemVersionQuery::packed, row.packed);
+        fake.systemVersion.setAnswer(SystemVersionQuery::major, row.major);
+        fake.systemVersion.setAnswer(SystemVersionQuery::minor, row.minor);
+        fake.systemVersion.setAnswer(SystemVersionQuery::bugFix, row.bugFix);
+        EXPECT_EQ(BCDSystemVersionFunction(), row.expected) << row.what;
+    }
 }
 
 TEST_F(SystemVersionTest, TheApplicationsNameForItTellsTheSame)

@@ -21,16 +21,11 @@ protected:
     std::string path;
 };
 
-TEST_F(BundleImageNamed, LoadsTheTiffOfThatName)
+TEST_F(BundleImageNamed, LoadsTheTiffOfThatNameAndRegistersItUnderItsBareName)
 {
     const auto image = bundleImageNamed(source, "SliderKnob");
     ASSERT_NE(image, nullptr);
     EXPECT_EQ(image->size(), (Size{4, 3}));
-}
-
-TEST_F(BundleImageNamed, RegistersItUnderItsBareName)
-{
-    const auto image = bundleImageNamed(source, "SliderKnob");
     EXPECT_EQ(images->imageNamed("SliderKnob"), image);
     EXPECT_EQ(images->imageNamed(path), nullptr);
 }

@@ -54,10 +54,8 @@ TEST_F(QLNBonjourBrowserFaults, AnAnswerAfterTheTimeOutIsAnnouncedAndEndsNoOther
 
 TEST_F(QLNBonjourBrowserFaults, OneAnswerEndsTheWaitForThatServiceOnly)
 {
-    browser->init();
-    announce({device("Desk", answersAfter(1)), device("Sofa", answersAfter(2)),
-              device("Wall", answersAfter(3))});
-    settle();
+    find({device("Desk", answersAfter(1)), device("Sofa", answersAfter(2)),
+          device("Wall", answersAfter(3))});
     EXPECT_EQ(fake.runLoop.waitCount(), 3U);
     advance(1);
     EXPECT_EQ(fake.runLoop.waitCount(), 2U);
@@ -80,9 +78,7 @@ TEST_F(QLNBonjourBrowserFaults, TheSameServiceTwiceInABatchDoesNotHoldItUp)
 
 TEST_F(QLNBonjourBrowserFaults, ABatchBeingResolvedIsAppliedAfterAStop)
 {
-    browser->init();
-    announce({device("Slow", answersAfter(3))});
-    settle();
+    find({device("Slow", answersAfter(3))});
     browser->stop();
     advance(3);
     EXPECT_THAT(active(), ElementsAre("Slow"));
@@ -91,11 +87,8 @@ TEST_F(QLNBonjourBrowserFaults, ABatchBeingResolvedIsAppliedAfterAStop)
 
 TEST_F(QLNBonjourBrowserFaults, NothingHappensWhenItIsDestroyedWhileResolving)
 {
-    browser->init();
-    announce({device("Slow", answersAfter(3)), device("Dead", neverAnswers())});
-    settle();
-    announce({device("Waiting")});
-    settle();
+    find({device("Slow", answersAfter(3)), device("Dead", neverAnswers())});
+    findMore({device("Waiting")});
     const auto services = fake.discovery.browsers().back()->services();
     forget();
     browser.reset();
@@ -134,9 +127,7 @@ TEST_F(QLNBonjourBrowserFaults, MayBeStoppedAndStartedAnewByWhoHearsOfABatch)
         browser->stop();
         browser->start();
     });
-    browser->init();
-    announce({device("Desk")});
-    settle();
+    find({device("Desk")});
     EXPECT_EQ(rounds, 2);
     EXPECT_THAT(active(), ElementsAre("Desk", "Desk")) << "a new search reports all again";
 }
@@ -144,38 +135,10 @@ TEST_F(QLNBonjourBrowserFaults, MayBeStoppedAndStartedAnewByWhoHearsOfABatch)
 TEST_F(QLNBonjourBrowserFaults, EmptyingTheListBeforeTheResolvesDoesNotHoldItUp)
 {
     whenPosted(kQLNBonjourBrowserWillAddService, [&] { browser->setUpdatedServiceList({}); });
-    browser->init();
-    announce({device("Desk")});
-    settle();
+    find({device("Desk")});
     EXPECT_THAT(journal, ElementsAre("WillAddService", "DidAddService"));
-    announce({device("Sofa")});
-    settle();
+    findMore({device("Sofa")});
     EXPECT_EQ(journal.size(), 4U);
-}
-
-TEST_F(QLNBonjourBrowserFaults, AServiceRemovedBeforeItsBatchEndedComesAndGoes)
-{
-    browser->init();
-    announce({device("Dead", neverAnswers())});
-    settle();
-    fake.discovery.remove({"Dead"});
-    advance(5);
-    EXPECT_THAT(journal, ElementsAre("WillAddService", "DidAddService", "WillRemoveService",
-                                     "DidRemoveService"));
-    EXPECT_THAT(active(), IsEmpty());
-}
-
-TEST_F(QLNBonjourBrowserFaults, HostileNamesAreKeptAsTheyCame)
-{
-    const std::vector<std::string> hostile{"", std::string(63, '\xc3'), "<b>&\n\x1b[31m",
-                                           std::string("a\0b", 3)};
-    browser->init();
-    std::vector<farview::FakeDevice> devices;
-    for (const auto& name : hostile)
-        devices.push_back(device(name));
-    announce(std::move(devices));
-    settle();
-    EXPECT_EQ(active(), hostile);
 }
 
 TEST_F(QLNBonjourBrowserFaults, ASuspensionAndAClockJumpWhileResolvingChangeNothing)
@@ -200,8 +163,7 @@ TEST_F(QLNBonjourBrowserFaults, FiveHundredAtOnceAreOneBatch)
         devices.push_back(device("Device" + std::to_string(number)));
         devicesNames.push_back(devices.back().name);
     }
-    announce(std::move(devices));
-    settle();
+    findMore(std::move(devices));
     EXPECT_EQ(active(), devicesNames);
     EXPECT_THAT(journal, SizeIs(502));
     fake.discovery.remove(devicesNames);

@@ -60,9 +60,7 @@ protected:
 
 TEST_F(QLNBonjourBrowserTXT, MonitorsNothingUnlessAsked)
 {
-    browser->init();
-    announce({device("Desk")});
-    settle();
+    find({device("Desk")});
     EXPECT_FALSE(fake.discovery.service("Desk")->isMonitoring());
     const auto service = fake.discovery.service("Desk");
     fake.discovery.remove({"Desk"});
@@ -72,14 +70,11 @@ TEST_F(QLNBonjourBrowserTXT, MonitorsNothingUnlessAsked)
 
 TEST_F(QLNBonjourBrowserTXT, TheFlagTakesEffectAtTheNextBatchOfFindsForAllThatAreListed)
 {
-    browser->init();
-    announce({device("Desk")});
-    settle();
+    find({device("Desk")});
     browser->setMonitorTXTRecordUpdates(true);
     settle();
     EXPECT_FALSE(fake.discovery.service("Desk")->isMonitoring());
-    announce({device("Sofa")});
-    settle();
+    findMore({device("Sofa")});
     EXPECT_TRUE(fake.discovery.service("Desk")->isMonitoring());
     EXPECT_TRUE(fake.discovery.service("Sofa")->isMonitoring());
 }
@@ -129,8 +124,7 @@ TEST_F(QLNBonjourBrowserTXT, TheResolveAfterAChangeIsNotWaitedFor)
     fake.discovery.setTXTRecord("Desk", {});
     advance(0.5);
     EXPECT_THAT(journal, ElementsAre("DidUpdateTXTRecord"));
-    announce({device("Wall")});
-    settle();
+    findMore({device("Wall")});
     EXPECT_THAT(active(), ElementsAre("Desk", "Sofa", "Wall"));
     advance(5);
     EXPECT_THAT(journal, ElementsAre("DidUpdateTXTRecord", "WillAddService", "DidUpdateService",

@@ -71,9 +71,7 @@ TEST_F(QLNBonjourBrowserTest, TheOtherInitWaitsForStart)
 
 TEST_F(QLNBonjourBrowserTest, ThreeInOneBatchAreOneAnnouncementAndThreeResolves)
 {
-    browser->init();
-    announce({device("Desk"), device("Sofa"), device("Wall")});
-    settle();
+    find({device("Desk"), device("Sofa"), device("Wall")});
     EXPECT_THAT(journal, ElementsAre("WillAddService", "DidUpdateService", "DidUpdateService",
                                      "DidUpdateService", "DidAddService"));
     EXPECT_THAT(active(), ElementsAre("Desk", "Sofa", "Wall"));
@@ -97,9 +95,7 @@ TEST_F(QLNBonjourBrowserTest, EveryAnnouncementNamesTheBrowserAsItsObject)
 
 TEST_F(QLNBonjourBrowserTest, TheResolvesOfABatchBeginTogether)
 {
-    browser->init();
-    announce({device("Desk", answersAfter(2)), device("Sofa", answersAfter(3))});
-    settle();
+    find({device("Desk", answersAfter(2)), device("Sofa", answersAfter(3))});
     for (const auto& service : fake.discovery.browsers().back()->services())
         EXPECT_TRUE(service->isResolving());
     EXPECT_EQ(browser->currentLoop(), &fake.runLoop);
@@ -130,9 +126,7 @@ TEST_F(QLNBonjourBrowserTest, ABatchIsAppliedWhenItsLastResolveHasEnded)
 
 TEST_F(QLNBonjourBrowserTest, AServiceThatFailsToResolveIsListedToo)
 {
-    browser->init();
-    announce({device("Fails", fails()), device("Desk")});
-    settle();
+    find({device("Fails", fails()), device("Desk")});
     EXPECT_THAT(active(), ElementsAre("Fails", "Desk"));
     EXPECT_THAT(journal, ElementsAre("WillAddService", "DidUpdateService", "DidAddService"));
 }
@@ -150,11 +144,8 @@ TEST_F(QLNBonjourBrowserTest, AServiceThatNeverAnswersIsListedAfterFiveSeconds)
 
 TEST_F(QLNBonjourBrowserTest, EachBatchAddsBehindTheOneBefore)
 {
-    browser->init();
-    announce({device("Desk")});
-    settle();
-    announce({device("Sofa"), device("Wall")});
-    settle();
+    find({device("Desk")});
+    findMore({device("Sofa"), device("Wall")});
     EXPECT_THAT(active(), ElementsAre("Desk", "Sofa", "Wall"));
     EXPECT_EQ(fake.discovery.service("Desk")->resolveCount(), 1);
 }
@@ -163,8 +154,7 @@ TEST_F(QLNBonjourBrowserTest, AServiceReportedTwiceIsListedTwice)
 {
     browser->init();
     announce({device("Desk")});
-    announce({device("Desk")});
-    settle();
+    findMore({device("Desk")});
     EXPECT_THAT(active(), ElementsAre("Desk", "Desk"));
 }
 
@@ -172,17 +162,13 @@ TEST_F(QLNBonjourBrowserTest, AnAppliedBatchCanBeSeenByWhoHearsOfIt)
 {
     std::vector<std::string> seen;
     whenPosted(kQLNBonjourBrowserDidAddService, [&] { seen = active(); });
-    browser->init();
-    announce({device("Desk"), device("Sofa")});
-    settle();
+    find({device("Desk"), device("Sofa")});
     EXPECT_THAT(seen, ElementsAre("Desk", "Sofa"));
 }
 
 TEST_F(QLNBonjourBrowserTest, TwoRemovedInOneBatchAreOneAnnouncementWithBothNames)
 {
-    browser->init();
-    announce({device("Desk"), device("Sofa"), device("Wall")});
-    settle();
+    find({device("Desk"), device("Sofa"), device("Wall")});
     forget();
     fake.discovery.remove({"Wall", "Desk"});
     settle();
@@ -211,9 +197,7 @@ TEST_F(QLNBonjourBrowserTest, ADepartingServiceIsResolvedOnceMoreForNobody)
 
 TEST_F(QLNBonjourBrowserTest, RemovalGoesByEqualityNotByIdentity)
 {
-    browser->init();
-    announce({device("Desk"), device("Sofa")});
-    settle();
+    find({device("Desk"), device("Sofa")});
     const auto twin = std::make_shared<farview::FakeNetService>(
         fake.runLoop, std::make_shared<farview::FakeDevice>(device("Desk")));
     browser->didRemoveService(*browser->browser(), twin, false);
@@ -232,9 +216,7 @@ TEST_F(QLNBonjourBrowserTest, RemovingAnUnknownServiceIsAnnouncedAllTheSame)
 
 TEST_F(QLNBonjourBrowserTest, WhatIsFoundMeanwhileWaitsForTheBatchBefore)
 {
-    browser->init();
-    announce({device("Slow", answersAfter(3))});
-    settle();
+    find({device("Slow", answersAfter(3))});
     announce({device("Quick")});
     advance(1);
     EXPECT_THAT(journal, ElementsAre("WillAddService"));
@@ -247,9 +229,7 @@ TEST_F(QLNBonjourBrowserTest, WhatIsFoundMeanwhileWaitsForTheBatchBefore)
 
 TEST_F(QLNBonjourBrowserTest, WhatIsRemovedMeanwhileIsRemovedAfterTheBatchWasApplied)
 {
-    browser->init();
-    announce({device("Slow", answersAfter(3)), device("Desk")});
-    settle();
+    find({device("Slow", answersAfter(3)), device("Desk")});
     forget();
     fake.discovery.remove({"Desk"});
     settle();
@@ -262,9 +242,7 @@ TEST_F(QLNBonjourBrowserTest, WhatIsRemovedMeanwhileIsRemovedAfterTheBatchWasApp
 
 TEST_F(QLNBonjourBrowserTest, WaitingReportsAreHandledInTheOrderOfTheirArrival)
 {
-    browser->init();
-    announce({device("First", answersAfter(2))});
-    settle();
+    find({device("First", answersAfter(2))});
     announce({device("Second", answersAfter(2))});
     fake.discovery.remove({"Second"});
     announce({device("Third"), device("Fourth")});
@@ -284,17 +262,14 @@ TEST_F(QLNBonjourBrowserTest, StopEndsTheSearch)
 {
     browser->init();
     browser->stop();
-    announce({device("Desk")});
-    settle();
+    findMore({device("Desk")});
     EXPECT_FALSE(fake.discovery.browsers().back()->isSearching());
     EXPECT_THAT(journal, IsEmpty());
 }
 
 TEST_F(QLNBonjourBrowserTest, AccessorsAreJustThat)
 {
-    browser->init();
-    announce({device("Desk")});
-    settle();
+    find({device("Desk")});
     const auto list = browser->activeServiceList();
     browser->setActiveServiceList({});
     browser->setUpdatedServiceList(list);

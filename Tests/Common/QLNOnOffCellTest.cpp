@@ -39,16 +39,12 @@ TEST_F(QLNOnOffCellTest, TheKnobReachesOverBothEndsOfTheTrack)
 
 TEST_F(QLNOnOffCellTest, TheKnobStandsAtWholePoints)
 {
-    put(0.5);
-    EXPECT_EQ(knobX(), 28);
-    put(0.51);
-    EXPECT_EQ(knobX(), 28);
-    put(0.516);
-    EXPECT_EQ(knobX(), 28);
-    put(0.517);
-    EXPECT_EQ(knobX(), 29);
-    put(0.9999);
-    EXPECT_EQ(knobX(), 57);
+    const std::map<double, double> places = {
+        {0.5, 28}, {0.51, 28}, {0.516, 28}, {0.517, 29}, {0.9999, 57}};
+    for (const auto& [value, x] : places) {
+        put(value);
+        EXPECT_EQ(knobX(), x) << value;
+    }
 }
 
 TEST_F(QLNOnOffCellTest, APictureOfHalvesIsRoundedOutward)
@@ -189,15 +185,13 @@ TEST_F(QLNOnOffCellTest, AClickOnTheTrackSwitchesJustAsWell)
 
 TEST_F(QLNOnOffCellTest, TheEdgesOfTheKnob)
 {
-    slider->mouseDown({41.99, 10});
-    EXPECT_EQ(cell->state(), QLNOnOffCell::pressedOnKnob);
-    slider->cancelTracking();
-    slider->mouseDown({42, 10});
-    EXPECT_EQ(cell->state(), QLNOnOffCell::pressedOnTrack);
-    slider->cancelTracking();
-    slider->mouseDown({10, 32});
-    EXPECT_EQ(cell->state(), QLNOnOffCell::pressedOnTrack);
-    slider->cancelTracking();
+    for (const auto& [point, state] : {std::pair{Point{41.99, 10}, QLNOnOffCell::pressedOnKnob},
+                                       {Point{42, 10}, QLNOnOffCell::pressedOnTrack},
+                                       {Point{10, 32}, QLNOnOffCell::pressedOnTrack}}) {
+        slider->mouseDown(point);
+        EXPECT_EQ(cell->state(), state) << point.x << ' ' << point.y;
+        slider->cancelTracking();
+    }
 }
 
 TEST_F(QLNOnOffCellTest, AClickDuringAMovementIsRefused)

@@ -16,17 +16,13 @@ class QLNOnOffTest : public SwitchFixture
 {
 };
 
-TEST_F(QLNOnOffTest, AMoveOverTheWholeWayTakesAFifthOfASecond)
+TEST_F(QLNOnOffTest, AMoveOverTheWholeWayTakesAFifthOfASecondAndHalfTheWayHalfOfIt)
 {
     slider->setDoubleValue(1.0, true);
     ASSERT_TRUE(animator->movement);
     EXPECT_DOUBLE_EQ(animator->movement->duration.count(), 0.2);
     EXPECT_EQ(animator->movement->from, 0.0);
     EXPECT_EQ(animator->movement->to, 1.0);
-}
-
-TEST_F(QLNOnOffTest, AMoveOverHalfTheWayTakesHalfTheTime)
-{
     put(0.5);
     slider->setDoubleValue(0.0, true);
     EXPECT_DOUBLE_EQ(animator->movement->duration.count(), 0.1);
@@ -54,11 +50,14 @@ TEST_F(QLNOnOffTest, TheDestinationIsKnownAtOnceAndTheKnobFollows)
     EXPECT_EQ(slider->doubleValue(), 1.0);
 }
 
-TEST_F(QLNOnOffTest, WithoutAnAnimationTheKnobIsThereAtOnce)
+TEST_F(QLNOnOffTest, WithoutAnAnimationOrAPlayerTheKnobIsThereAtOnce)
 {
     slider->setDoubleValue(1.0, false);
     EXPECT_EQ(slider->doubleValue(), 1.0);
     EXPECT_EQ(animator->movements, 0);
+    slider->setAnimator(nullptr);
+    slider->setDoubleValue(0.0, true);
+    EXPECT_EQ(slider->doubleValue(), 0.0);
 }
 
 TEST_F(QLNOnOffTest, AMoveWithoutAnAnimationEndsTheOneThatPlays)
@@ -68,13 +67,6 @@ TEST_F(QLNOnOffTest, AMoveWithoutAnAnimationEndsTheOneThatPlays)
     slider->setDoubleValue(0.0, false);
     EXPECT_FALSE(animator->isPlaying());
     EXPECT_FALSE(slider->animating());
-}
-
-TEST_F(QLNOnOffTest, WhereNobodyPlaysItTheKnobIsThereAtOnce)
-{
-    slider->setAnimator(nullptr);
-    slider->setDoubleValue(1.0, true);
-    EXPECT_EQ(slider->doubleValue(), 1.0);
 }
 
 TEST_F(QLNOnOffTest, IsAnimatingWhileTheKnobIsNotWhereItBelongs)

@@ -59,14 +59,6 @@ TEST_F(QLNRegistryExplorerTest, AServiceThatIsPublishedIsFound)
     EXPECT_THAT(dictionary, SizeIs(6));
 }
 
-TEST_F(QLNRegistryExplorerTest, AServiceThatIsNotPublishedIsNot)
-{
-    EXPECT_EQ(explorer.findNamedIORegistryService("QLExGFX"), std::nullopt);
-    registry.publish("Other");
-    EXPECT_EQ(explorer.findNamedIORegistryService("QLExGFX"), std::nullopt);
-    EXPECT_EQ(explorer.findNamedIORegistryService("nö"), std::nullopt);
-}
-
 TEST_F(QLNRegistryExplorerTest, AServiceIsLookedUpInItsOwnPlaneWhateverTheCurrentOne)
 {
     const auto service = registry.publish("QLExGFX");
@@ -104,6 +96,7 @@ TEST_F(QLNRegistryExplorerTest, ANameIsCutToItsBuffer)
     EXPECT_EQ(nameOf({.name = std::string(300, 'n')}), std::string(127, 'n'));
     EXPECT_EQ(nameOf({.name = std::string(126, 'n') + "ä"}), std::string(126, 'n'))
         << "never in the middle of a character";
+    EXPECT_EQ(nameOf({.name = std::string(300, '\x80')}), std::string(127, '\x80')) << "no text";
 }
 
 TEST_F(QLNRegistryExplorerTest, InheritanceIsTheChainOfClassesRootFirst)
@@ -119,11 +112,6 @@ TEST_F(QLNRegistryExplorerTest, AChainOfClassesThatNeverEndsIsCut)
     registry.setSuperclass("A", "B");
     registry.setSuperclass("B", "A");
     EXPECT_LT(explorer.createInheritanceStringForIORegistryClassName("A").size(), 1000u);
-}
-
-TEST_F(QLNRegistryExplorerTest, BytesThatAreNoTextAreCutToTheBufferToo)
-{
-    EXPECT_EQ(nameOf({.name = std::string(300, '\x80')}), std::string(127, '\x80'));
 }
 
 TEST_F(QLNRegistryExplorerTest, ThePlaneIsGivenInASCIIOnly)
@@ -193,26 +181,31 @@ public:
     int questions = 0;
 };
 
-TEST(QLNRegistryExplorerOnAnEndlessRegistry, LeavesOutAnEntryThatIsBelowItself)
+class QLNRegistryExplorerOnAnEndlessRegistry : public testing::Test
 {
+protected:
+    void build()
+    {
+        explorer.init();
+        explorer.setCurrentPlane("IOService");
+        explorer.buildFullRegistryDictionary();
+    }
+
     EndlessRegistry endless;
+    farview::FakeText caseOfText;
+    QLNRegistryExplorer explorer{endless, caseOfText};
+};
+
+TEST_F(QLNRegistryExplorerOnAnEndlessRegistry, LeavesOutAnEntryThatIsBelowItself)
+{
     endless.isBranching = true;
-    const farview::FakeText caseOfText;
-    QLNRegistryExplorer explorer(endless, caseOfText);
-    explorer.init();
-    explorer.setCurrentPlane("IOService");
-    explorer.buildFullRegistryDictionary();
+    build();
     EXPECT_EQ(endless.questions, 4) << "1, 2, 3 and 4, each once";
 }
 
-TEST(QLNRegistryExplorerOnAnEndlessRegistry, GoesDownAsFarAsAMachineCanGo)
+TEST_F(QLNRegistryExplorerOnAnEndlessRegistry, GoesDownAsFarAsAMachineCanGo)
 {
-    EndlessRegistry endless;
-    const farview::FakeText caseOfText;
-    QLNRegistryExplorer explorer(endless, caseOfText);
-    explorer.init();
-    explorer.setCurrentPlane("IOService");
-    explorer.buildFullRegistryDictionary();
+    build();
     EXPECT_GT(endless.questions, 100);
     EXPECT_LT(endless.questions, 1000);
     EXPECT_EQ(explorer.searchResultsForText("X", true, false).size(),

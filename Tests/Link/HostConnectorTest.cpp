@@ -76,6 +76,18 @@ protected:
             [this](const std::string& why) { failure = why; });
     }
     bool isDecided() const { return socket || failure; }
+    void expectConnection()
+    {
+        ASSERT_TRUE(waitUntil([&] { return isDecided(); }));
+        ASSERT_TRUE(socket);
+        EXPECT_EQ(socket->state(), QAbstractSocket::ConnectedState);
+        EXPECT_EQ(socket->peerPort(), server.serverPort());
+    }
+    void expectFailure(const char* why)
+    {
+        EXPECT_TRUE(waitUntil([&] { return isDecided(); }));
+        EXPECT_EQ(failure, why);
+    }
 
     QTcpServer server;
     std::unique_ptr<QTcpSocket> socket;
@@ -89,50 +101,40 @@ TEST_F(HostConnectorTest, HandsOverAConnectedSocket)
 {
     start({{kHere, server.serverPort()}});
     EXPECT_FALSE(isDecided()) << "never inside the call";
-    ASSERT_TRUE(waitUntil([&] { return isDecided(); }));
-    ASSERT_TRUE(socket);
-    EXPECT_EQ(socket->state(), QAbstractSocket::ConnectedState);
-    EXPECT_EQ(socket->peerPort(), server.serverPort());
+    expectConnection();
 }
 
 TEST_F(HostConnectorTest, GoesOnToTheNextAddressWhenOneRefuses)
 {
     start({{kHere, closedPort()}, {kHere, closedPort()}, {kHere, server.serverPort()}});
-    ASSERT_TRUE(waitUntil([&] { return isDecided(); }));
-    ASSERT_TRUE(socket);
-    EXPECT_EQ(socket->peerPort(), server.serverPort());
+    expectConnection();
 }
 
 TEST_F(HostConnectorTest, DoesNotWaitForAnAddressThatNeverAnswers)
 {
     const FullPort full;
     start({{kHere, full.port}, {kHere, server.serverPort()}});
-    ASSERT_TRUE(waitUntil([&] { return isDecided(); }));
-    ASSERT_TRUE(socket);
-    EXPECT_EQ(socket->peerPort(), server.serverPort());
+    expectConnection();
 }
 
 TEST_F(HostConnectorTest, GivesUpAtItsDeadline)
 {
     const FullPort full;
     start({{kHere, full.port}});
-    ASSERT_TRUE(waitUntil([&] { return isDecided(); }));
-    EXPECT_EQ(failure, "The device did not answer in time.");
+    expectFailure("The device did not answer in time.");
 }
 
 TEST_F(HostConnectorTest, TellsWhyNoAddressWorks)
 {
     start({{kHere, closedPort()}});
-    ASSERT_TRUE(waitUntil([&] { return isDecided(); }));
-    EXPECT_EQ(failure, "Connection refused");
+    expectFailure("Connection refused");
 }
 
 TEST_F(HostConnectorTest, FailsWithoutAnAddress)
 {
     start({});
     EXPECT_FALSE(isDecided()) << "never inside the call";
-    ASSERT_TRUE(waitUntil([&] { return isDecided(); }));
-    EXPECT_EQ(failure, "The device has no address to connect to.");
+    expectFailure("The device has no address to connect to.");
 }
 
 TEST_F(HostConnectorTest, MayBeDestroyedFromInsideItsReport)

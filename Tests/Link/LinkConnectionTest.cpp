@@ -29,6 +29,10 @@ protected:
         begin();
         ASSERT_TRUE(waitUntil([&] { return atHost->opened && atDevice->opened; }));
     }
+    bool bothEnd()
+    {
+        return waitUntil([&] { return atHost->ended() && atDevice->ended(); });
+    }
 
     std::shared_ptr<LinkRecorder> atHost = std::make_shared<LinkRecorder>();
     std::shared_ptr<LinkRecorder> atDevice = std::make_shared<LinkRecorder>();
@@ -71,6 +75,11 @@ protected:
     {
         const QByteArray bytes = stranger->readAll();
         return {bytes.begin(), bytes.end()};
+    }
+    void expectEnd(LinkEndReason reason)
+    {
+        EXPECT_TRUE(waitUntil([&] { return seen->ended(); }));
+        EXPECT_EQ(seen->reason(), reason);
     }
     bool strangerWasClosed()
     {
@@ -126,7 +135,7 @@ TEST_F(LinkConnectionTest, HandsTheDevicesRefusalToTheHost)
         link.refuse({LinkRefusalCode::inUse, "In use by 192.0.2.1"});
     };
     begin();
-    ASSERT_TRUE(waitUntil([&] { return atHost->ended() && atDevice->ended(); }));
+    ASSERT_TRUE(bothEnd());
     EXPECT_EQ(atHost->reason(), LinkEndReason::refused);
     EXPECT_EQ(atHost->ends.front().text, "In use by 192.0.2.1");
     EXPECT_EQ(atDevice->reason(), LinkEndReason::closedHere);
@@ -146,7 +155,7 @@ TEST_F(LinkConnectionTest, CutsALongRefusalToItsLimit)
 TEST_F(LinkConnectionTest, EndsOnBothSidesWithoutACommonVersion)
 {
     begin({2, 3, {}}, {1, 1, {}});
-    ASSERT_TRUE(waitUntil([&] { return atHost->ended() && atDevice->ended(); }));
+    ASSERT_TRUE(bothEnd());
     EXPECT_EQ(atHost->reason(), LinkEndReason::noAgreement);
     EXPECT_EQ(atDevice->reason(), LinkEndReason::noAgreement);
     EXPECT_FALSE(atDevice->greeted);
@@ -156,7 +165,7 @@ TEST_F(LinkConnectionTest, SaysGoodbyeToThePeer)
 {
     open();
     host->close({LinkGoodbyeCode::quitting, "Until tomorrow"});
-    ASSERT_TRUE(waitUntil([&] { return atHost->ended() && atDevice->ended(); }));
+    ASSERT_TRUE(bothEnd());
     EXPECT_EQ(atHost->reason(), LinkEndReason::closedHere);
     EXPECT_EQ(atDevice->reason(), LinkEndReason::goodbye);
     EXPECT_EQ(atDevice->ends.front().text, "Until tomorrow");
@@ -168,7 +177,7 @@ TEST_F(LinkConnectionTest, ReportsItsEndOnce)
     host->close({});
     host->close({});
     device->close({});
-    ASSERT_TRUE(waitUntil([&] { return atHost->ended() && atDevice->ended(); }));
+    ASSERT_TRUE(bothEnd());
     runLoopFor(std::chrono::milliseconds(300));
     EXPECT_EQ(atHost->ends.size(), 1U);
     EXPECT_EQ(atDevice->ends.size(), 1U);
@@ -213,7 +222,7 @@ TEST_F(LinkConnectionTest, MayBeClosedFromInsideAReport)
 {
     atHost->onOpen = [&] { host->close({LinkGoodbyeCode::byUser, ""}); };
     begin();
-    ASSERT_TRUE(waitUntil([&] { return atHost->ended() && atDevice->ended(); }));
+    ASSERT_TRUE(bothEnd());
     EXPECT_EQ(atDevice->reason(), LinkEndReason::goodbye);
 }
 
@@ -237,16 +246,14 @@ TEST_F(LinkConnectionToStranger, GreetsFirstAndAtOnce)
 TEST_F(LinkConnectionToStranger, GivesUpOnADeviceThatNeverAnswers)
 {
     beginHost();
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::notAnswered);
+    expectEnd(LinkEndReason::notAnswered);
     EXPECT_TRUE(strangerWasClosed());
 }
 
 TEST_F(LinkConnectionToStranger, GivesUpOnAHostThatNeverGreets)
 {
     beginDevice();
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::notAnswered);
+    expectEnd(LinkEndReason::notAnswered);
 }
 
 TEST_F(LinkConnectionToStranger, GivesUpOnAHostThatGreetsTooSlowly)
@@ -257,8 +264,7 @@ TEST_F(LinkConnectionToStranger, GivesUpOnAHostThatGreetsTooSlowly)
         writeBytes(*stranger, {greeting[index]});
         runLoopFor(quickTimes().greeting / 8);
     }
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::notAnswered);
+    expectEnd(LinkEndReason::notAnswered);
 }
 
 TEST_F(LinkConnectionToStranger, UnderstandsAHostThatSendsByteByByte)
@@ -281,8 +287,7 @@ TEST_F(LinkConnectionToStranger, EndsAtADeviceThatAnswersWithGarbage)
 {
     beginHost();
     stranger->write("HTTP/1.1 400 Bad Request\r\n\r\n");
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::brokenRule);
+    expectEnd(LinkEndReason::brokenRule);
 }
 
 TEST_F(LinkConnectionToStranger, TellsAStrangerThatThisIsNoGreeting)
@@ -293,8 +298,7 @@ TEST_F(LinkConnectionToStranger, TellsAStrangerThatThisIsNoGreeting)
     const auto answer = decodeAnswer(received());
     ASSERT_EQ(answer.status, DecodeStatus::complete);
     EXPECT_EQ(std::get<LinkRefusal>(answer.value).code, LinkRefusalCode::notAGreeting);
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::brokenRule);
+    expectEnd(LinkEndReason::brokenRule);
     EXPECT_TRUE(strangerWasClosed());
 }
 
@@ -302,8 +306,7 @@ TEST_F(LinkConnectionToStranger, DoesNotKeepWhatAStrangerPoursIn)
 {
     beginDevice();
     stranger->write(QByteArray(8 << 20, 'x'));
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::brokenRule);
+    expectEnd(LinkEndReason::brokenRule);
     EXPECT_FALSE(seen->greeted);
 }
 
@@ -312,8 +315,7 @@ TEST_F(LinkConnectionToStranger, RefusesAnAnswerFromWhichItsRequiredFeatureIsMis
     link = LinkConnection::make(LinkSide::host, std::move(sockets.host), seen,
                                 {1, 1, {{"encryption", true}}}, quickTimes());
     writeBytes(*sockets.device, encodeAnswer(LinkAgreement{}));
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::noAgreement);
+    expectEnd(LinkEndReason::noAgreement);
     EXPECT_FALSE(seen->opened);
 }
 
@@ -325,16 +327,14 @@ TEST_F(LinkConnectionToStranger, DoesNotListenToAHostBeforeItAcceptedIt)
     const Bytes options = encodeFrame(LinkOptions{});
     bytes.insert(bytes.end(), options.begin(), options.end());
     writeBytes(*stranger, bytes);
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::brokenRule);
+    expectEnd(LinkEndReason::brokenRule);
     EXPECT_TRUE(seen->frames.empty());
 }
 
 TEST_F(LinkConnectionToStranger, NoticesThatThePeerFellSilent)
 {
     openDevice();
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::silent);
+    expectEnd(LinkEndReason::silent);
 }
 
 TEST_F(LinkConnectionToStranger, SendsSignsOfLifeWhileIdle)
@@ -377,24 +377,21 @@ TEST_F(LinkConnectionToStranger, SaysGoodbyeToAPeerThatBreaksARule)
     const auto frame = decodeFrame(received());
     ASSERT_EQ(frame.status, DecodeStatus::complete);
     EXPECT_EQ(std::get<LinkGoodbye>(frame.value).code, LinkGoodbyeCode::brokenRule);
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::brokenRule);
+    expectEnd(LinkEndReason::brokenRule);
 }
 
 TEST_F(LinkConnectionToStranger, DoesNotTakeAScreenRectangleThatWasNotAgreed)
 {
     openDevice();
     writeBytes(*stranger, encodeFrame(LinkScreenRectangle{}));
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::brokenRule);
+    expectEnd(LinkEndReason::brokenRule);
 }
 
 TEST_F(LinkConnectionToStranger, DoesNotTakeOptionsFromADevice)
 {
     openHost();
     writeBytes(*stranger, encodeFrame(LinkOptions{}));
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::brokenRule);
+    expectEnd(LinkEndReason::brokenRule);
 }
 
 TEST_F(LinkConnectionToStranger, EndsAfterTheFarewellTimeWhenThePeerIsSilent)
@@ -423,8 +420,7 @@ TEST_F(LinkConnectionToStranger, NoticesAPeerThatCloses)
 {
     openHost();
     stranger->abort();
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::lost);
+    expectEnd(LinkEndReason::lost);
 }
 
 TEST_F(LinkConnectionToStranger, HearsTheGoodbyeThatCameWithTheClose)
@@ -432,7 +428,6 @@ TEST_F(LinkConnectionToStranger, HearsTheGoodbyeThatCameWithTheClose)
     openHost();
     writeBytes(*stranger, encodeFrame(LinkGoodbye{LinkGoodbyeCode::byUser, "switched off"}));
     stranger->disconnectFromHost();
-    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
-    EXPECT_EQ(seen->reason(), LinkEndReason::goodbye);
+    expectEnd(LinkEndReason::goodbye);
     EXPECT_EQ(seen->ends.front().text, "switched off");
 }

@@ -38,15 +38,6 @@ TEST_F(FakeRunLoopTest, FiresInOrderOfSchedulingWhatIsDueTogether)
     EXPECT_FALSE(timer->isValid());
 }
 
-TEST_F(FakeRunLoopTest, FiresNothingBeforeItsTime)
-{
-    loop.performAfterDelay(Duration(15), target, note("due"));
-    loop.advance(Duration(14.9));
-    EXPECT_THAT(said, IsEmpty());
-    loop.advance(Duration(0.2));
-    EXPECT_THAT(said, ElementsAre("due"));
-}
-
 TEST_F(FakeRunLoopTest, ShowsEachHandlerItsOwnTime)
 {
     std::vector<double> times;
@@ -92,14 +83,6 @@ TEST_F(FakeRunLoopTest, ATurnLeavesWhatItSchedulesToTheNext)
     EXPECT_TRUE(loop.turn());
     EXPECT_THAT(said, ElementsAre("one", "two"));
     EXPECT_FALSE(loop.turn());
-}
-
-TEST_F(FakeRunLoopTest, RunningUntilIdleFollowsWhatIsScheduledMeanwhile)
-{
-    loop.performAfterDelay(Duration(0), target,
-                           [this] { loop.performAfterDelay(Duration(0), target, note("two")); });
-    loop.runUntilIdle();
-    EXPECT_THAT(said, ElementsAre("two"));
 }
 
 TEST_F(FakeRunLoopTest, RefusesANestedLoop)

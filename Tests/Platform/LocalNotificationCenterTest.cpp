@@ -32,10 +32,15 @@ public:
     std::vector<std::string> names;
 };
 
-TEST(LocalNotificationCenter, DeliversBeforeThePostReturns)
+class LocalNotificationCenterTest : public testing::Test
 {
+protected:
     LocalNotificationCenter center;
-    const auto observer = std::make_shared<int>();
+    const std::shared_ptr<int> observer = std::make_shared<int>();
+};
+
+TEST_F(LocalNotificationCenterTest, DeliversBeforeThePostReturns)
+{
     std::string text;
     center.addObserver(
         observer, [&](const Notification& heard) { text = *heard.text("key"); }, "Name", nullptr);
@@ -43,10 +48,8 @@ TEST(LocalNotificationCenter, DeliversBeforeThePostReturns)
     EXPECT_EQ(text, "value");
 }
 
-TEST(LocalNotificationCenter, TellsWhoPosted)
+TEST_F(LocalNotificationCenterTest, TellsWhoPosted)
 {
-    LocalNotificationCenter center;
-    const auto observer = std::make_shared<int>();
     const Poster poster;
     const Poster stranger;
     std::vector<const farview::Object*> posters;
@@ -59,9 +62,8 @@ TEST(LocalNotificationCenter, TellsWhoPosted)
     EXPECT_THAT(posters, ElementsAre(&poster));
 }
 
-TEST(LocalNotificationCenter, PerformsAnOperationByNameWhileTheResponderLives)
+TEST_F(LocalNotificationCenterTest, PerformsAnOperationByNameWhileTheResponderLives)
 {
-    LocalNotificationCenter center;
     auto listener = std::make_shared<Listener>();
     const auto names = [&] { return listener->names; };
     center.addObserver(listener, farview::performing(listener, {"heard:"}), "Name", nullptr);
@@ -72,10 +74,8 @@ TEST(LocalNotificationCenter, PerformsAnOperationByNameWhileTheResponderLives)
     EXPECT_EQ(center.registrationCount(), 0U);
 }
 
-TEST(LocalNotificationCenter, APostInsideAPostIsDeliveredFirst)
+TEST_F(LocalNotificationCenterTest, APostInsideAPostIsDeliveredFirst)
 {
-    LocalNotificationCenter center;
-    const auto observer = std::make_shared<int>();
     std::vector<std::string> said;
     center.addObserver(
         observer,
@@ -88,23 +88,6 @@ TEST(LocalNotificationCenter, APostInsideAPostIsDeliveredFirst)
         observer, [&](const Notification&) { said.emplace_back("inner"); }, "Inner", nullptr);
     center.postNotificationName("Outer", nullptr, {});
     EXPECT_THAT(said, ElementsAre("inner", "outer"));
-}
-
-TEST(LocalNotificationCenter, RemovesByNameAndObject)
-{
-    LocalNotificationCenter center;
-    const auto observer = std::make_shared<int>();
-    const Poster poster;
-    const auto ignore = [](const Notification&) {};
-    center.addObserver(observer, ignore, "Name", &poster);
-    center.addObserver(observer, ignore, "Name", nullptr);
-    center.removeObserver(observer, "Name", &poster);
-    EXPECT_EQ(center.registrationCount(), 1U);
-    center.removeObserver(observer, "Name", nullptr);
-    EXPECT_EQ(center.registrationCount(), 0U);
-    center.addObserver(observer, ignore, "Name", nullptr);
-    center.removeObserver(observer);
-    EXPECT_EQ(center.registrationCount(), 0U);
 }
 
 TEST(Notification, GivesATextOnlyWhereThereIsOne)

@@ -10,7 +10,6 @@ using farview::Data;
 using farview::FakeDevice;
 using farview::FakeNetService;
 using farview::NetService;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace
@@ -28,52 +27,36 @@ Data wire(std::initializer_list<std::string> entries)
 
 Record decoded(const Data& data) { return NetService::dictionaryFromTXTRecordData(data); }
 
-TEST(TXTRecord, DecodesKeysAndValues)
+TEST(TXTRecord, IsDecodedByTheTable)
 {
-    const auto record = decoded(wire({"ConnState=Connected", "other=1=2"}));
-    EXPECT_EQ(record, (Record{{"ConnState", Data::fromText("Connected")},
-                              {"other", Data::fromText("1=2")}}));
-}
-
-TEST(TXTRecord, AnEmptyRecordHasNoEntries) { EXPECT_THAT(decoded(Data{}), IsEmpty()); }
-
-TEST(TXTRecord, OneZeroByteHasNoEntries) { EXPECT_THAT(decoded(Data{{0}}), IsEmpty()); }
-
-TEST(TXTRecord, ASingleLengthByteWithoutItsEntryHasNoEntries)
-{
-    EXPECT_THAT(decoded(Data{{1}}), IsEmpty());
-    EXPECT_THAT(decoded(Data{{255}}), IsEmpty());
-}
-
-TEST(TXTRecord, AnEntryWithoutEqualsSignHasAnEmptyValue)
-{
-    EXPECT_EQ(decoded(wire({"flag", "empty="})), (Record{{"flag", {}}, {"empty", {}}}));
-}
-
-TEST(TXTRecord, SkipsEntriesWithoutAKey)
-{
-    EXPECT_EQ(decoded(wire({"=value", "", "=", "key=value"})),
-              (Record{{"key", Data::fromText("value")}}));
-}
-
-TEST(TXTRecord, TheFirstOfTwoEqualKeysWins)
-{
-    EXPECT_EQ(decoded(wire({"key=first", "key=second"})),
-              (Record{{"key", Data::fromText("first")}}));
-}
-
-TEST(TXTRecord, ALengthPastTheEndEndsTheReading)
-{
-    auto data = wire({"key=value"});
-    data.bytes.push_back(200);
-    data.bytes.push_back('x');
-    EXPECT_EQ(decoded(data), (Record{{"key", Data::fromText("value")}}));
-}
-
-TEST(TXTRecord, KeepsBinaryValuesAsTheyAre)
-{
-    const std::string value("\x00\xff=\x80", 4);
-    EXPECT_EQ(decoded(wire({"key=" + value})), (Record{{"key", Data::fromText(value)}}));
+    struct Row {
+        const char* what;
+        Data bytes;
+        Record expected;
+    };
+    const std::string binary("\x00\xff=\x80", 4);
+    auto tooLong = wire({"key=value"});
+    tooLong.bytes.insert(tooLong.bytes.end(), {200, 'x'});
+    const std::vector<Row> table = {
+        {"keys and values",
+         wire({"ConnState=Connected", "other=1=2"}),
+         {{"ConnState", Data::fromText("Connected")}, {"other", Data::fromText("1=2")}}},
+        {"an empty record", {}, {}},
+        {"one zero byte", {{0}}, {}},
+        {"a length without its entry", {{1}}, {}},
+        {"a great length without its entry", {{255}}, {}},
+        {"no equals sign, no value", wire({"flag", "empty="}), {{"flag", {}}, {"empty", {}}}},
+        {"entries without a key",
+         wire({"=value", "", "=", "key=value"}),
+         {{"key", Data::fromText("value")}}},
+        {"the first of two equal keys wins",
+         wire({"key=first", "key=second"}),
+         {{"key", Data::fromText("first")}}},
+        {"a length past the end ends the reading", tooLong, {{"key", Data::fromText("value")}}},
+        {"binary values", wire({"key=" + binary}), {{"key", Data::fromText(binary)}}},
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(decoded(row.bytes), row.expected) << row.what;
 }
 
 TEST(TXTRecord, DecodesAnOversizedRecord)

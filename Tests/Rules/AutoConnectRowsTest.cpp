@@ -48,16 +48,6 @@ TEST(AutoConnectRows, KeepNamesThatAreNoTexts)
     EXPECT_EQ(rowsToStore(rows).chosen, odd);
 }
 
-TEST(AutoConnectRows, AreNoneWithoutSources) { EXPECT_TRUE(autoConnectRows({}, {}, {}).empty()); }
-
-TEST(AutoConnectRows, SayWhoIsOnTheNetwork)
-{
-    const auto rows = autoConnectRows({"A", "B", 7}, {"B", "C", "7"}, {"D", "C"});
-    const auto expected = std::vector<DeviceRow>{chosen("A"), chosenAndThere("B"), chosen(7),
-                                                 found("C"),  found("7"),          seen("D")};
-    EXPECT_EQ(rows, expected);
-}
-
 TEST(AutoConnectRows, TenThousandNamesKeepTheirOrderTheirDuplicatesAndTheirKind)
 {
     Array stored;

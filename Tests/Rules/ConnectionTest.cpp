@@ -30,23 +30,18 @@ TEST(DeviceForReportedName, NoNameNeverEqualsNoName)
     EXPECT_EQ(deviceFor(names, ""), std::nullopt);
 }
 
-TEST(ConnectionByAddress, AStoredAddressIsTheOneAndIsRememberedAsTyped)
+TEST(ConnectionByAddress, IsTheStoredAddressElseTheKnownOneElseTheReportedOne)
 {
-    const ConnectionByAddress expected{"10.0.0.5", "10.0.0.5", std::nullopt};
-    EXPECT_EQ(connectionByAddress("10.0.0.5", true, "10.0.0.9", "10.0.0.7"), expected);
-}
-
-TEST(ConnectionByAddress, ElseTheKnownAddressBecomesTheDeviceInUse)
-{
-    const ConnectionByAddress expected{std::nullopt, std::nullopt, "10.0.0.9"};
-    EXPECT_EQ(connectionByAddress("pad.local", false, "10.0.0.9", "10.0.0.7"), expected);
-}
-
-TEST(ConnectionByAddress, ElseTheReportedAddressIsTaken)
-{
-    const ConnectionByAddress expected{"10.0.0.7", std::nullopt, std::nullopt};
-    EXPECT_EQ(connectionByAddress("", false, std::nullopt, "10.0.0.7"), expected);
-    EXPECT_EQ(connectionByAddress("", false, std::nullopt, std::nullopt), ConnectionByAddress{});
+    const auto none = std::nullopt;
+    EXPECT_EQ(connectionByAddress("10.0.0.5", true, "10.0.0.9", "10.0.0.7"),
+              (ConnectionByAddress{"10.0.0.5", "10.0.0.5", none}))
+        << "remembered as typed";
+    EXPECT_EQ(connectionByAddress("pad.local", false, "10.0.0.9", "10.0.0.7"),
+              (ConnectionByAddress{none, none, "10.0.0.9"}))
+        << "becomes the device in use";
+    EXPECT_EQ(connectionByAddress("", false, none, "10.0.0.7"),
+              (ConnectionByAddress{"10.0.0.7", none, none}));
+    EXPECT_EQ(connectionByAddress("", false, none, none), ConnectionByAddress{});
 }
 
 QueryResultStep step(const std::string& name, bool anyDevice)
@@ -54,25 +49,17 @@ QueryResultStep step(const std::string& name, bool anyDevice)
     return queryResultStep(&name, anyDevice);
 }
 
-TEST(QueryResultStep, ANamelessResultIsIgnored)
+TEST(QueryResultStep, WaitsForDevicesUnlessItNamesNoneOrAnAddress)
 {
-    EXPECT_EQ(queryResultStep(nullptr, true), QueryResultStep::ignore);
-    EXPECT_EQ(queryResultStep(nullptr, false), QueryResultStep::ignore);
-    EXPECT_EQ(step("", true), QueryResultStep::ignore);
-    EXPECT_EQ(step("", false), QueryResultStep::ignore);
-}
-
-TEST(QueryResultStep, ANameWaitsUntilDevicesAreKnown)
-{
-    EXPECT_EQ(step("pad.local", false), QueryResultStep::tryAgainLater);
-    EXPECT_EQ(step("pad.local", true), QueryResultStep::handle);
-}
-
-TEST(QueryResultStep, AConnectionByAddressNeedsNoDevices)
-{
-    EXPECT_EQ(step("Other", false), QueryResultStep::handle);
-    EXPECT_EQ(step("Other", true), QueryResultStep::handle);
-    EXPECT_EQ(step("other", false), QueryResultStep::tryAgainLater);
+    const auto later = QueryResultStep::tryAgainLater;
+    const auto handle = QueryResultStep::handle;
+    for (const bool anyDevice : {true, false}) {
+        EXPECT_EQ(queryResultStep(nullptr, anyDevice), QueryResultStep::ignore);
+        EXPECT_EQ(step("", anyDevice), QueryResultStep::ignore);
+        EXPECT_EQ(step("Other", anyDevice), handle);
+        EXPECT_EQ(step("pad.local", anyDevice), anyDevice ? handle : later);
+        EXPECT_EQ(step("other", anyDevice), anyDevice ? handle : later);
+    }
 }
 
 TEST(SwitchOutOfStep, OnlyWhenItContradictsAKnownResult)

@@ -29,106 +29,53 @@ MenuEntry inBackground(const char* name)
 
 using Entries = std::vector<MenuEntry>;
 
-TEST(DeviceMenu, HasTwoEntriesWhenThereIsNothing)
+TEST(DeviceMenu, FollowsTheTable)
 {
-    EXPECT_EQ(deviceMenuEntries({}), (Entries{noDevice, connectToOther}));
-}
-
-TEST(DeviceMenu, ListsDevicesInTheirOrderWithBusyOnesDisabled)
-{
-    DeviceMenuInputs inputs;
-    inputs.devices = {{"B", false, false}, {"A", true, false}, {"B", false, false}};
-    EXPECT_EQ(deviceMenuEntries(inputs),
-              (Entries{noDevice, free("B", 0), busy("A", 1), free("B", 2), connectToOther}));
-}
-
-TEST(DeviceMenu, NoDeviceEntryIsWithoutTargetWhenItMayNotBeChosen)
-{
-    DeviceMenuInputs inputs;
-    inputs.noDeviceEntryEnabled = false;
+    struct Row {
+        const char* what;
+        DeviceMenuInputs inputs;
+        Entries expected;
+    };
     const MenuEntry disabled{MenuEntryKind::noDevice, "", false, false, false, 0};
-    EXPECT_EQ(deviceMenuEntries(inputs), (Entries{disabled, connectToOther}));
-}
-
-TEST(DeviceMenu, AListedSelectedDeviceNeedsNoEntryOfItsOwn)
-{
-    DeviceMenuInputs inputs;
-    inputs.devices = {{"A", false, true}, {"B", false, false}};
-    inputs.selectedName = "A";
-    EXPECT_EQ(deviceMenuEntries(inputs),
-              (Entries{noDevice, free("A", 0), free("B", 1), connectToOther}));
-}
-
-TEST(DeviceMenu, ASelectedDeviceThatIsNotListedStandsBelowEverything)
-{
-    DeviceMenuInputs inputs;
-    inputs.devices = {{"B", false, false}};
-    inputs.selectedName = "A";
-    EXPECT_EQ(deviceMenuEntries(inputs),
-              (Entries{noDevice, free("B", 0), connectToOther, inBackground("A")}));
-}
-
-TEST(DeviceMenu, AnotherDeviceOfTheSelectedNameDoesNotCountAsIt)
-{
-    DeviceMenuInputs inputs;
-    inputs.devices = {{"A", false, false}};
-    inputs.selectedName = "A";
-    EXPECT_EQ(deviceMenuEntries(inputs),
-              (Entries{noDevice, free("A", 0), connectToOther, inBackground("A")}));
-}
-
-TEST(DeviceMenu, AConnectionByAddressStandsAboveConnectToOther)
-{
-    DeviceMenuInputs inputs;
-    inputs.devices = {{"B", false, false}};
-    inputs.connectedByAddress = true;
-    inputs.address = "10.0.0.5";
-    EXPECT_EQ(deviceMenuEntries(inputs),
-              (Entries{noDevice, free("B", 0), address("10.0.0.5"), connectToOther}));
-}
-
-TEST(DeviceMenu, AnAddressHidesADeviceInTheBackground)
-{
-    DeviceMenuInputs inputs;
-    inputs.connectedByAddress = true;
-    inputs.address = "10.0.0.5";
-    inputs.selectedName = "A";
-    EXPECT_EQ(deviceMenuEntries(inputs), (Entries{noDevice, address("10.0.0.5"), connectToOther}));
-}
-
-TEST(DeviceMenu, AListedSelectedDeviceHidesTheAddress)
-{
-    DeviceMenuInputs inputs;
-    inputs.devices = {{"A", false, true}};
-    inputs.selectedName = "A";
-    inputs.connectedByAddress = true;
-    inputs.address = "10.0.0.5";
-    EXPECT_EQ(deviceMenuEntries(inputs), (Entries{noDevice, free("A", 0), connectToOther}));
-}
-
-TEST(DeviceMenu, AnAddressThatIsNotInUseIsNotShown)
-{
-    DeviceMenuInputs inputs;
-    inputs.address = "10.0.0.5";
-    EXPECT_EQ(deviceMenuEntries(inputs), (Entries{noDevice, connectToOther}));
-}
-
-TEST(DeviceMenu, AConnectionByAnEmptyOrUnknownAddressHasNoEntry)
-{
-    DeviceMenuInputs inputs;
-    inputs.connectedByAddress = true;
-    EXPECT_EQ(deviceMenuEntries(inputs), (Entries{noDevice, connectToOther}));
-    inputs.address = "";
-    EXPECT_EQ(deviceMenuEntries(inputs), (Entries{noDevice, connectToOther}));
-}
-
-TEST(DeviceMenu, AnEmptyAddressWithASelectedDeviceShowsThatDeviceInTheBackground)
-{
-    DeviceMenuInputs inputs;
-    inputs.connectedByAddress = true;
-    inputs.address = "";
-    inputs.selectedName = "A";
-    EXPECT_EQ(deviceMenuEntries(inputs), (Entries{noDevice, connectToOther, inBackground("A")}));
+    const char* typed = "10.0.0.5";
+    const std::vector<Row> table = {
+        {"nothing there", {}, {noDevice, connectToOther}},
+        {"devices in their order, busy ones disabled",
+         {.devices = {{"B", false, false}, {"A", true, false}, {"B", false, false}}},
+         {noDevice, free("B", 0), busy("A", 1), free("B", 2), connectToOther}},
+        {"none may not be chosen", {.noDeviceEntryEnabled = false}, {disabled, connectToOther}},
+        {"a listed selected device has no entry of its own",
+         {.devices = {{"A", false, true}, {"B", false, false}}, .selectedName = "A"},
+         {noDevice, free("A", 0), free("B", 1), connectToOther}},
+        {"a selected device that is not listed stands below everything",
+         {.devices = {{"B", false, false}}, .selectedName = "A"},
+         {noDevice, free("B", 0), connectToOther, inBackground("A")}},
+        {"another device of the selected name does not count as it",
+         {.devices = {{"A", false, false}}, .selectedName = "A"},
+         {noDevice, free("A", 0), connectToOther, inBackground("A")}},
+        {"an address in use stands above connecting to another",
+         {.devices = {{"B", false, false}}, .connectedByAddress = true, .address = typed},
+         {noDevice, free("B", 0), address(typed), connectToOther}},
+        {"an address hides a device in the background",
+         {.connectedByAddress = true, .address = typed, .selectedName = "A"},
+         {noDevice, address(typed), connectToOther}},
+        {"a listed selected device hides the address",
+         {.devices = {{"A", false, true}},
+          .connectedByAddress = true,
+          .address = typed,
+          .selectedName = "A"},
+         {noDevice, free("A", 0), connectToOther}},
+        {"an address that is not in use", {.address = typed}, {noDevice, connectToOther}},
+        {"an unknown address", {.connectedByAddress = true}, {noDevice, connectToOther}},
+        {"an empty address",
+         {.connectedByAddress = true, .address = ""},
+         {noDevice, connectToOther}},
+        {"an empty address hides no device in the background",
+         {.connectedByAddress = true, .address = "", .selectedName = "A"},
+         {noDevice, connectToOther, inBackground("A")}},
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(deviceMenuEntries(row.inputs), row.expected) << row.what;
 }
 
 TEST(SelectedEntry, IsTheDeviceThenTheAddressThenNone)

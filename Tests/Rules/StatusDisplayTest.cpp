@@ -33,41 +33,29 @@ StatusDisplay display(const char* word, const char* sentence, PopUpDisplay popUp
     return {word, sentence, popUp, instructions, false};
 }
 
-TEST(StatusDisplay, OffDisablesThePopUpWhateverIsInSight)
+TEST(StatusDisplay, FollowsTheStateAndWhatIsInSight)
 {
-    const auto expected = display("Off", offSentence, PopUpDisplay::disabledOffTitle);
-    EXPECT_EQ(statusDisplay(inputs(0)), expected);
-    EXPECT_EQ(statusDisplay(inputs(0, true)), expected);
-    EXPECT_EQ(statusDisplay(inputs(0, false, true)), expected);
-}
-
-TEST(StatusDisplay, OnWithNothingInSightOnlyRebuildsTheMenu)
-{
-    EXPECT_EQ(statusDisplay(inputs(1)), display("On", onSentence, PopUpDisplay::menu));
-}
-
-TEST(StatusDisplay, OnWithADeviceOrAnAddressSelectsToo)
-{
-    const auto expected = display("On", onSentence, PopUpDisplay::menuAndSelection);
-    EXPECT_EQ(statusDisplay(inputs(1, true)), expected);
-    EXPECT_EQ(statusDisplay(inputs(1, false, true)), expected);
-    EXPECT_EQ(statusDisplay(inputs(1, true, true)), expected);
-}
-
-TEST(StatusDisplay, TroubleTreatsTheMenuAsOnDoes)
-{
-    EXPECT_EQ(statusDisplay(inputs(2)), display("Error", errorSentence, PopUpDisplay::menu));
-    EXPECT_EQ(statusDisplay(inputs(2, true)),
-              display("Error", errorSentence, PopUpDisplay::menuAndSelection));
-}
-
-TEST(StatusDisplay, AnyOtherStateEmptiesTheTextsAndStillRebuildsTheMenu)
-{
-    for (const long state : {3L, -1L, 7L, std::numeric_limits<long>::min()}) {
-        EXPECT_EQ(statusDisplay(inputs(state)), display("", "", PopUpDisplay::menu)) << state;
-        EXPECT_EQ(statusDisplay(inputs(state, true)),
-                  display("", "", PopUpDisplay::menuAndSelection))
-            << state;
+    struct Row {
+        long state;
+        const char* word;
+        const char* sentence;
+        PopUpDisplay nothingInSight;
+        PopUpDisplay somethingInSight;
+    };
+    const auto off = PopUpDisplay::disabledOffTitle;
+    const auto menu = PopUpDisplay::menu;
+    const auto selection = PopUpDisplay::menuAndSelection;
+    const long least = std::numeric_limits<long>::min();
+    for (const Row& row :
+         {Row{0, "Off", offSentence, off, off}, Row{1, "On", onSentence, menu, selection},
+          Row{2, "Error", errorSentence, menu, selection}, Row{3, "", "", menu, selection},
+          Row{-1, "", "", menu, selection}, Row{least, "", "", menu, selection}}) {
+        const auto nothing = display(row.word, row.sentence, row.nothingInSight);
+        const auto something = display(row.word, row.sentence, row.somethingInSight);
+        EXPECT_EQ(statusDisplay(inputs(row.state)), nothing) << row.state;
+        EXPECT_EQ(statusDisplay(inputs(row.state, true)), something) << row.state;
+        EXPECT_EQ(statusDisplay(inputs(row.state, false, true)), something) << row.state;
+        EXPECT_EQ(statusDisplay(inputs(row.state, true, true)), something) << row.state;
     }
 }
 

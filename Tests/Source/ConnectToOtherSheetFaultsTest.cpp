@@ -106,8 +106,7 @@ TEST_F(ConnectToOtherSheetFaults, TheServerDiesWhileItWaits)
 
 TEST_F(ConnectToOtherSheetFaults, AServerThatBeginsIsAskedForTheAddressAndNotForTheDeviceBefore)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     ASSERT_TRUE(choose("Pad"));
     fake.runLoop.runUntilIdle();
     openAndConnectTo("10.0.0.5");
@@ -132,8 +131,7 @@ TEST_F(ConnectToOtherSheetFaults, DevicesComeAndGoWhileItIsOpen)
     EXPECT_TRUE(isOpen());
     EXPECT_EQ(sheet().otherTextField()->stringValue(), "10.0.0.5");
     EXPECT_NE(entry("Pad"), nullptr);
-    fake.discovery.remove({"Pad"});
-    fake.runLoop.runUntilIdle();
+    leave({"Pad"});
     EXPECT_TRUE(isOpen());
     EXPECT_TRUE(okIsEnabled());
 }

@@ -373,35 +373,23 @@ protected:
 
 TEST_F(FreezeIssues, AreThoseOfTwoModelsUpToOneVersion)
 {
-    setModel("MacBookPro6,2");
-    fake.systemVersion.setVersion(10, 6, 4);
-    EXPECT_TRUE(computerHasXMuxGPUFreezeIssues());
-    fake.systemVersion.setVersion(10, 6, 5);
-    EXPECT_FALSE(computerHasXMuxGPUFreezeIssues());
-    fake.systemVersion.setVersion(10, 7, 0);
-    EXPECT_FALSE(computerHasXMuxGPUFreezeIssues());
-}
-
-TEST_F(FreezeIssues, TheOtherModelHasThemToo)
-{
-    setModel("MacBookPro6,1");
-    fake.systemVersion.setVersion(10, 0, 0);
-    EXPECT_TRUE(computerHasXMuxGPUFreezeIssues());
-}
-
-class OtherModel : public FreezeIssues, public testing::WithParamInterface<const char*>
-{
-};
-
-INSTANTIATE_TEST_SUITE_P(Names, OtherModel,
-                         testing::Values("", "MacBookPro6,3", "macbookpro6,2", "MacBookPro6,22",
-                                         " MacBookPro6,2"));
-
-TEST_P(OtherModel, HasNone)
-{
-    setModel(GetParam());
-    fake.systemVersion.setVersion(10, 6, 4);
-    EXPECT_FALSE(computerHasXMuxGPUFreezeIssues());
+    struct Row {
+        const char* model;
+        int minor;
+        int bugFix;
+        bool freezes;
+    };
+    for (const Row& row :
+         {Row{"MacBookPro6,2", 6, 4, true}, Row{"MacBookPro6,2", 6, 5, false},
+          Row{"MacBookPro6,2", 7, 0, false}, Row{"MacBookPro6,1", 0, 0, true}, Row{"", 6, 4, false},
+          Row{"MacBookPro6,3", 6, 4, false}, Row{"macbookpro6,2", 6, 4, false},
+          Row{"MacBookPro6,22", 6, 4, false}, Row{" MacBookPro6,2", 6, 4, false}}) {
+        fake.registry = FakeRegistry();
+        setModel(row.model);
+        fake.systemVersion.setVersion(10, row.minor, row.bugFix);
+        EXPECT_EQ(computerHasXMuxGPUFreezeIssues(), row.freezes)
+            << '"' << row.model << "\" " << row.minor << '.' << row.bugFix;
+    }
 }
 
 TEST_F(FreezeIssues, AreLookedForInAFreshSnapshotOfTheServicePlane)

@@ -21,8 +21,13 @@ protected:
     void showWithTwoDevices()
     {
         serverRuns();
-        showWithState(1);
-        announce({device("Pad", "pad.local"), device("Slab", "slab.local")});
+        showWithPadAndSlab();
+    }
+
+    void pickPad()
+    {
+        showWithTwoDevices();
+        ASSERT_TRUE(choose("Pad"));
     }
 
     /// A server that has just begun, and was asked for nothing since.
@@ -77,8 +82,7 @@ TEST_F(PaneConnection, RequestingShowsANarrowDisabledPopUpAndTheSpinnerAQuarterS
 
 TEST_F(PaneConnection, TheEchoOfTheRequestEnablesThePopUpWhichStaysNarrow)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     EXPECT_FALSE(popUpIsEnabled()) << "never inside the post";
     fake.runLoop.runUntilIdle();
     EXPECT_TRUE(popUpIsEnabled());
@@ -110,8 +114,7 @@ TEST_F(PaneConnection, ConnectedHidesTheSpinnerAndSelectsTheDevice)
 
 TEST_F(PaneConnection, ConnectedBeforeTheSpinnerAppearedItStillAppearsAndGoesWithItsSafetyTimer)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     serverConnectedTo("pad.local");
     EXPECT_EQ(popUpWidth(), reducedWidth);
     EXPECT_TRUE(popUpIsEnabled());
@@ -125,8 +128,7 @@ TEST_F(PaneConnection, ConnectedBeforeTheSpinnerAppearedItStillAppearsAndGoesWit
 
 TEST_F(PaneConnection, AServerThatBeginsAfterTheChoiceIsAskedAgain)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     after(1);
     ASSERT_EQ(requests(), 1);
     serverBegins();
@@ -144,8 +146,7 @@ TEST_F(PaneConnection, AServerThatBeginsAfterTheChoiceIsAskedAgain)
 
 TEST_F(PaneConnection, AServerThatBeginsIsAskedAgainOnlyOnce)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     serverBegins();
     serverBegins();
     EXPECT_EQ(requests(), 2);
@@ -182,8 +183,7 @@ TEST_F(PaneConnection, AServerThatBeginsIsAskedForNothingThatIsSettled)
 
 TEST_F(PaneConnection, AServerThatBeginsIsAskedForNothingThatWasSwitchedOffElsewhere)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     changeElsewhere(kCurrentState, std::int64_t{0});
     changeElsewhere(kCurrentState, std::int64_t{1});
     serverBegins();
@@ -192,8 +192,7 @@ TEST_F(PaneConnection, AServerThatBeginsIsAskedForNothingThatWasSwitchedOffElsew
 
 TEST_F(PaneConnection, AServerThatBeginsIsAskedForNothingThatSomebodyElseReplaced)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     serverPosts(kConnectServerToHost, {{kConnectToHostNameKey, "slab.local"}});
     const int before = requests();
     serverBegins();
@@ -216,8 +215,7 @@ TEST_F(PaneConnection, AServerThatBeginsIsToldOnceMoreThatNoDeviceIsWanted)
 
 TEST_F(PaneConnection, NoAnswerWithinFifteenSecondsShowsTheError)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     after(14.9);
     EXPECT_FALSE(warningShows());
     after(0.2);
@@ -275,8 +273,7 @@ TEST_F(PaneConnection, TheHelpNamesThePortOfTheDeviceThatWasAskedFor)
 
 TEST_F(PaneConnection, AnErrorAskedForByTheServerShowsAtOnceAndLeavesTheSpinner)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     after(1);
     serverPosts(kRequestingErrorMsgFromPrefPane);
     EXPECT_TRUE(warningShows());
@@ -330,8 +327,7 @@ TEST_F(PaneConnection, PickingAgainClearsTheErrorTextButNotItsHold)
 
 TEST_F(PaneConnection, PickingAnotherDeviceStartsTheFifteenSecondsAnew)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     after(10);
     ASSERT_TRUE(choose("Slab"));
     after(10);
@@ -454,13 +450,13 @@ TEST_F(PaneConnection, ByAddressTheReportedAddressIsTakenWhenNoneIsKnown)
     serverConnectedTo("Other");
     EXPECT_EQ(pane->connectedToOtherDeviceIPString(), "192.168.1.20");
     EXPECT_EQ(selectedTitle(), "192.168.1.20");
+    EXPECT_TRUE(popUpIsEnabled()) << "connected by address counts as a device in sight";
     EXPECT_EQ(storedText(kCurrentVirtualScreenDeviceName), "");
 }
 
 TEST_F(PaneConnection, ByAddressNeitherSpinnerNorCheckEnd)
 {
-    showWithTwoDevices();
-    ASSERT_TRUE(choose("Pad"));
+    pickPad();
     after(1);
     serverConnectedTo("Other");
     EXPECT_TRUE(spinnerShows());

@@ -11,8 +11,7 @@ protected:
     void pick()
     {
         fake.processTable.add(4711, "ScreenCapture");
-        showWithState(1);
-        announce({device("Pad", "pad.local"), device("Slab", "slab.local")});
+        showWithPadAndSlab();
         ASSERT_TRUE(choose("Pad"));
     }
     /// Every timer and delayed perform that a pane can have is pending.
@@ -23,8 +22,7 @@ protected:
         pane->setConnectErrorCheckTimer(
             fake.runLoop.scheduledTimer(farview::Duration(15), false, pane,
                                         [this] { pane->checkForConnectionError(nullptr); }));
-        fake.discovery.remove({"Pad", "Slab"});
-        fake.runLoop.runUntilIdle();
+        leave({"Pad", "Slab"});
         serverPosts(kQueryResultForConnectedHost, {{"DeviceName", "pad.local"}});
     }
 };
@@ -112,11 +110,9 @@ TEST_F(PaneFaults, ADeviceThatLeavesWhileItIsAskedForEndsInTheError)
 
 TEST_F(PaneFaults, AnEntryOfAnOldMenuCanStillBeChosenWithoutHarm)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     const auto old = entry("Pad");
-    fake.discovery.remove({"Pad"});
-    fake.runLoop.runUntilIdle();
+    leave({"Pad"});
     ASSERT_TRUE(old->canBeChosen());
     pane->takeVirtualScreenFrom(old.get());
     EXPECT_EQ(posts(kConnectServerToHost).size(), 1u) << "the device may well still answer";
@@ -124,8 +120,7 @@ TEST_F(PaneFaults, AnEntryOfAnOldMenuCanStillBeChosenWithoutHarm)
 
 TEST_F(PaneFaults, AnOpenMenuOutlivesThePane)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     const auto popUp = pane->virtualScreenSelectionPopup();
     const auto old = entry("Pad");
     pane.reset();

@@ -5,6 +5,20 @@
 using farview::Data;
 using farview::PropertyList;
 
+bool FakeInterfaceLoader::loadNibNamed(const std::string& name, const Owner& owner,
+                                       std::string& error)
+{
+    loaded.push_back(name);
+    if (isBroken) {
+        error = "the file is broken";
+        return false;
+    }
+    for (const auto& outlet : owner->outlets())
+        outlet.connect(*owner);
+    wire(owner);
+    return true;
+}
+
 PaneFixture::PaneFixture()
 {
     bundle = fake.bundles.add("/opt/Farview Preferences.prefPane");
@@ -92,6 +106,12 @@ void PaneFixture::announce(std::vector<farview::FakeDevice> devices)
     fake.runLoop.runUntilIdle();
 }
 
+void PaneFixture::leave(const std::vector<std::string>& names)
+{
+    fake.discovery.remove(names);
+    fake.runLoop.runUntilIdle();
+}
+
 std::shared_ptr<farview::NetService> PaneFixture::listed(const std::string& name) const
 {
     const auto& services = pane->bonjourBrowser()->activeServiceList();
@@ -113,10 +133,21 @@ void PaneFixture::serverConnectedTo(const std::string& hostName)
                 {{"DeviceName", hostName}, {"DeviceAddress", "192.168.1.20"}});
 }
 
-void PaneFixture::showConnectedToPad()
+void PaneFixture::showWithPad()
+{
+    showWithState(1);
+    announce({device("Pad", "pad.local")});
+}
+
+void PaneFixture::showWithPadAndSlab()
 {
     showWithState(1);
     announce({device("Pad", "pad.local"), device("Slab", "slab.local")});
+}
+
+void PaneFixture::showConnectedToPad()
+{
+    showWithPadAndSlab();
     serverConnectedTo("pad.local");
 }
 

@@ -8,10 +8,24 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+/// Connects outlets as an interface file does, and what `wire` adds: targets and actions.
+class FakeInterfaceLoader final : public farview::InterfaceLoader
+{
+public:
+    using Owner = std::shared_ptr<farview::InterfaceOwner>;
+
+    bool loadNibNamed(const std::string& name, const Owner& owner, std::string& error) override;
+
+    std::function<void(const Owner&)> wire;
+    bool isBroken = false;
+    std::vector<std::string> loaded;
+};
 
 /// A pane on a scripted machine, its controls in the state that the interface file gives them. The
 /// driver is there unless a test takes it away before `load`.
@@ -27,6 +41,11 @@ protected:
     /// One showing, with everything that follows from it at once.
     void show();
     void hide();
+    void loadAndShow()
+    {
+        load();
+        show();
+    }
     /// A loaded pane on show with that stored state.
     void showWithState(long state);
     void newPane();
@@ -40,13 +59,19 @@ protected:
     static farview::FakeDevice device(const std::string& name, const std::string& hostName,
                                       const std::string& state = "NotConnected");
     void announce(std::vector<farview::FakeDevice> devices);
+    /// These say goodbye.
+    void leave(const std::vector<std::string>& names);
     /// The first listed service of that name.
     std::shared_ptr<farview::NetService> listed(const std::string& name) const;
     /// A report of the server's, delivered.
     void serverPosts(const std::string& name,
                      farview::DistributedNotificationCenter::TextUserInfo userInfo = {});
     void serverConnectedTo(const std::string& hostName);
-    /// Shown, on, "Pad" (pad.local) and "Slab" (slab.local) listed, and connected to "Pad".
+    /// Shown, on, "Pad" (pad.local) listed.
+    void showWithPad();
+    /// The same with "Slab" (slab.local) too.
+    void showWithPadAndSlab();
+    /// The same and connected to "Pad".
     void showConnectedToPad();
 
     Texts menuTitles() const;
@@ -82,4 +107,5 @@ protected:
     std::shared_ptr<farview::FakeBundle> bundle;
     farview::FakeRegistry::Entry driver = 0;
     std::shared_ptr<FVEPreferencePane> pane;
+    std::shared_ptr<FakeInterfaceLoader> loader = std::make_shared<FakeInterfaceLoader>();
 };

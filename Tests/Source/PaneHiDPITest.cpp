@@ -25,44 +25,21 @@ constexpr const char* toolOn =
 constexpr const char* toolOff =
     "/opt/Farview Preferences.prefPane/Contents/Resources/com.quillon.displayresolutionsoff";
 
-/// Connects outlets and actions as the interface file of the window does.
-class WindowLoader final : public farview::InterfaceLoader
-{
-public:
-    bool loadNibNamed(const std::string& name,
-                      const std::shared_ptr<farview::InterfaceOwner>& owner,
-                      std::string& error) override
-    {
-        loaded.push_back(name);
-        if (isBroken) {
-            error = "the file is broken";
-            return false;
-        }
-        for (const auto& outlet : owner->outlets())
-            outlet.connect(*owner);
-        auto& controller = dynamic_cast<FVEEnableHiDPIController&>(*owner);
-        controller.okButton()->setTarget(owner);
-        controller.okButton()->setAction({"takeOK:"});
-        controller.cancelButton()->setTarget(owner);
-        controller.cancelButton()->setAction({"takeCancel:"});
-        windows.push_back(controller.window());
-        return true;
-    }
-    int visibleWindows() const
-    {
-        return static_cast<int>(std::count_if(windows.begin(), windows.end(),
-                                              [](const auto& each) { return each->isVisible(); }));
-    }
-
-    bool isBroken = false;
-    std::vector<std::string> loaded;
-    std::vector<std::shared_ptr<Window>> windows;
-};
-
 class PaneHiDPI : public PaneFixture
 {
 protected:
-    PaneHiDPI() { pane->setInterfaceLoader(loader); }
+    PaneHiDPI()
+    {
+        loader->wire = [this](const FakeInterfaceLoader::Owner& owner) {
+            auto& controller = dynamic_cast<FVEEnableHiDPIController&>(*owner);
+            controller.okButton()->setTarget(owner);
+            controller.okButton()->setAction({"takeOK:"});
+            controller.cancelButton()->setTarget(owner);
+            controller.cancelButton()->setAction({"takeCancel:"});
+            windows.push_back(controller.window());
+        };
+        pane->setInterfaceLoader(loader);
+    }
 
     void storeSetting(const char* key, std::optional<PropertyList> value)
     {
@@ -96,9 +73,14 @@ protected:
     std::string explanation() const { return controller()->explanationText()->stringValue(); }
     std::string progress() const { return controller()->progressText()->stringValue(); }
     std::vector<std::string> runTools() const { return fake.authorization.runTools(); }
+    auto visibleWindows() const
+    {
+        return std::count_if(windows.begin(), windows.end(),
+                             [](const auto& each) { return each->isVisible(); });
+    }
     bool logSays(const std::string& text) const { return fake.log.contains(text); }
 
-    std::shared_ptr<WindowLoader> loader = std::make_shared<WindowLoader>();
+    std::vector<std::shared_ptr<Window>> windows;
 };
 
 TEST_F(PaneHiDPI, ConfirmingRunsTheToolThatTurnsTheSettingInForceAround)
@@ -175,7 +157,7 @@ TEST_F(PaneHiDPI, CancelTakesTheClickBackAndAsksForNothing)
     EXPECT_EQ(box().state(), 0);
     pressCancel();
     EXPECT_EQ(box().state(), 1);
-    EXPECT_EQ(loader->visibleWindows(), 0);
+    EXPECT_EQ(visibleWindows(), 0);
     EXPECT_THAT(runTools(), IsEmpty());
 }
 
@@ -186,7 +168,7 @@ TEST_F(PaneHiDPI, ClosingTheWindowOtherwiseRunsNothingAndLeavesTheBoxAsClicked)
     EXPECT_EQ(box().state(), 1);
     EXPECT_THAT(runTools(), IsEmpty());
     click();
-    EXPECT_EQ(loader->visibleWindows(), 1) << "it opens again";
+    EXPECT_EQ(visibleWindows(), 1) << "it opens again";
 }
 
 TEST_F(PaneHiDPI, ASecondClickAsksAnewInOneWindow)
@@ -195,11 +177,11 @@ TEST_F(PaneHiDPI, ASecondClickAsksAnewInOneWindow)
     const auto first = controller();
     click();
     EXPECT_NE(controller(), first);
-    EXPECT_EQ(loader->visibleWindows(), 1);
+    EXPECT_EQ(visibleWindows(), 1);
     EXPECT_EQ(box().state(), 0);
     pressCancel();
     EXPECT_EQ(box().state(), 1) << "the last click is taken back";
-    EXPECT_EQ(loader->visibleWindows(), 0);
+    EXPECT_EQ(visibleWindows(), 0);
 }
 
 TEST_F(PaneHiDPI, TheWindowSaysWhatIsInForceAndWhatOKWillDo)
@@ -267,7 +249,7 @@ TEST_F(PaneHiDPI, EveryEndWithoutARightIsANumberInTheLogAndRunsNothing)
         EXPECT_TRUE(logSays(std::string("Failed to create AuthorizationRef, return code ") + text));
         EXPECT_EQ(box().state(), before) << "as it was clicked";
         EXPECT_TRUE(box().isEnabled());
-        EXPECT_EQ(loader->visibleWindows(), 0);
+        EXPECT_EQ(visibleWindows(), 0);
         click();
     }
     EXPECT_THAT(runTools(), IsEmpty());
@@ -303,7 +285,7 @@ TEST_F(PaneHiDPI, BoxAndWindowTakeNothingWhileAnAdministratorIsAwaited)
     EXPECT_FALSE(controller()->cancelButton()->isEnabled());
     EXPECT_EQ(progress(), "Waiting for an administrator…");
     EXPECT_EQ(controller()->progressText()->textRole(), Role::normal);
-    EXPECT_EQ(loader->visibleWindows(), 1);
+    EXPECT_EQ(visibleWindows(), 1);
     controller()->perform({"takeOK:"}, nullptr);
     controller()->perform({"takeCancel:"}, nullptr);
     pane->perform({"enableHiDPIPressed:"}, nullptr);
@@ -312,7 +294,7 @@ TEST_F(PaneHiDPI, BoxAndWindowTakeNothingWhileAnAdministratorIsAwaited)
 
     EXPECT_TRUE(fake.authorization.answer(Status::success));
     EXPECT_TRUE(box().isEnabled());
-    EXPECT_EQ(loader->visibleWindows(), 0);
+    EXPECT_EQ(visibleWindows(), 0);
     EXPECT_THAT(runTools(), ElementsAre(toolOn));
 }
 
@@ -343,7 +325,7 @@ TEST_F(PaneHiDPI, HidingThePaneClosesTheWindowAndTheAuthorizationGoesOn)
     openAndClick();
     pressOK();
     hide();
-    EXPECT_EQ(loader->visibleWindows(), 0);
+    EXPECT_EQ(visibleWindows(), 0);
     show();
     EXPECT_FALSE(box().isEnabled()) << "it still waits";
     EXPECT_TRUE(fake.authorization.answer(Status::success));
@@ -356,7 +338,7 @@ TEST_F(PaneHiDPI, HidingThePaneClosesAWindowThatNobodyAnswered)
 {
     openAndClick();
     hide();
-    EXPECT_EQ(loader->visibleWindows(), 0);
+    EXPECT_EQ(visibleWindows(), 0);
     EXPECT_THAT(runTools(), IsEmpty());
     show();
     EXPECT_EQ(box().state(), 0) << "as the setting is";

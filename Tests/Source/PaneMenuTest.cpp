@@ -97,16 +97,15 @@ TEST_F(PaneMenu, RecordsThatSayNothingUsefulCountAsFree)
 TEST_F(PaneMenu, ASelectedDeviceThatLeftStandsInTheBackground)
 {
     showConnectedToPad();
-    fake.discovery.remove({"Pad"});
-    fake.runLoop.runUntilIdle();
+    leave({"Pad"});
     expectEntries({noDeviceRow(), deviceRow("Slab"), connectToOtherRow(), inBackgroundRow("Pad")});
     EXPECT_FALSE(entry("Pad (in background)")->canBeChosen());
+    EXPECT_EQ(selectedTitle(), noDevice) << "as installing the menu left it";
 }
 
 TEST_F(PaneMenu, AConnectionByAddressStandsCheckedAboveConnectToOther)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     pane->setConnectedToOtherDeviceIPString("10.0.0.5");
     serverConnectedTo("Other");
     expectEntries({noDeviceRow(),
@@ -141,8 +140,7 @@ TEST_F(PaneMenu, NoDeviceCannotBeChosenWhileAutoConnectionWouldUndoIt)
 
 TEST_F(PaneMenu, ARecordThatTurnsBusyDisablesItsEntryAtOnce)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local"), device("Slab", "slab.local")});
+    showWithPadAndSlab();
     fake.discovery.setTXTRecord("Slab", {{"ConnState", farview::Data::fromText("Connected")}});
     after(1);
     EXPECT_FALSE(entry("Slab")->canBeChosen());
@@ -154,8 +152,7 @@ TEST_F(PaneMenu, ARecordThatTurnsBusyDisablesItsEntryAtOnce)
 
 TEST_F(PaneMenu, PickingADevicePostsItsHostName)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     ASSERT_TRUE(choose("Pad"));
     ASSERT_EQ(connectRequests(), 1);
     EXPECT_EQ(posts(kConnectServerToHost)[0],
@@ -218,8 +215,7 @@ TEST_F(PaneMenu, PickingADeviceWithoutHostNameSpinsAndFailsLater)
 
 TEST_F(PaneMenu, AnythingButAnEntryIsNoSenderOfAPick)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     pane->takeVirtualScreenFrom(nullptr);
     pane->takeVirtualScreenFrom(pane->autoConnect().get());
     pane->takeVirtualOtherDeviceScreenFrom(nullptr);
@@ -254,8 +250,7 @@ TEST_F(PaneMenu, ChoosingNoDeviceActsEvenWhenNothingWasConnected)
 
 TEST_F(PaneMenu, SelectingStoresTheHostNameAndForgettingLeavesIt)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     pane->setSelectedNetService(listed("Pad"));
     EXPECT_EQ(storedText(kCurrentVirtualScreenDeviceName), "pad.local");
     const int sets = fake.preferences.setCount();
@@ -278,11 +273,9 @@ TEST_F(PaneMenu, ANewDeviceMakesThePaneAskAgainAndRemembersIt)
 
 TEST_F(PaneMenu, ADeviceThatLeavesIsNoReasonToAskAgain)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     fake.distributedNotificationCenter.forgetPosts();
-    fake.discovery.remove({"Pad"});
-    fake.runLoop.runUntilIdle();
+    leave({"Pad"});
     EXPECT_TRUE(posts(kQueryRequestForConnectedHost).empty());
     EXPECT_EQ(menuTitles(), (Texts{noDevice, connectToOther}));
     EXPECT_EQ(rows(), (Texts{"Pad"})) << "remembered";

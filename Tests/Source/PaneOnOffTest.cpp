@@ -30,8 +30,7 @@ protected:
 
 TEST_F(PaneOnOff, FirstShowingOpensTheSettingsAndLaterOnesTheFirstTab)
 {
-    load();
-    show();
+    loadAndShow();
     EXPECT_EQ(pane->tabView()->selectedIdentifier(), "Settings");
     EXPECT_EQ(stored(kOpenPrefsInSettingsPane), farview::PropertyList(false));
     hide();
@@ -188,21 +187,13 @@ TEST_F(PaneOnOff, AStateStoredElsewhereMovesTheSwitchAndStartsAndStopsNothing)
     EXPECT_EQ(serverLaunches(), launches);
 }
 
-TEST_F(PaneOnOff, AnOutOfRangeStoredStateIsOff)
-{
-    showWithState(7);
-    EXPECT_EQ(switchState(), 0);
-    EXPECT_EQ(status(), "Off");
-}
-
 TEST_F(PaneOnOff, TheHiDPIBoxIsDisabledBefore10_7WhateverTheSettingSays)
 {
     fake.systemVersion.setVersion(10, 6, 8);
     fake.preferences.writeAsAnotherProcess("DisplayResolutionEnabled", true,
                                            "com.apple.windowserver", farview::PreferencesUser::any,
                                            farview::PreferencesHost::current);
-    load();
-    show();
+    loadAndShow();
     EXPECT_FALSE(pane->enableHiDPIResolutions()->isEnabled());
     EXPECT_EQ(pane->enableHiDPIResolutions()->state(), 1);
     hide();
@@ -268,8 +259,7 @@ TEST_F(PaneOnOff, TwoHundredShowingsLeaveNothingBehind)
 
 TEST_F(PaneOnOff, ADeviceThatDiedSilentlyIsLookedAtAgainAtTheNextShowing)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     hide();
     fake.discovery.kill("Pad");
     const int before = fake.discovery.checkAgainCount();
@@ -328,14 +318,6 @@ TEST_F(PaneOnOff, AfterTheBusReturnedSettingsAreReadAndTheConnectionIsAskedFor)
     fake.distributedNotificationCenter.reconnect();
     fake.runLoop.runUntilIdle();
     EXPECT_TRUE(posts(kQueryRequestForConnectedHost).empty()) << "a hidden pane asks when shown";
-}
-
-TEST_F(PaneOnOff, TheQueryGoesToAllSessionsWithoutHurry)
-{
-    showWithState(0);
-    ASSERT_EQ(posts(kQueryRequestForConnectedHost).size(), 1u);
-    EXPECT_EQ(posts(kQueryRequestForConnectedHost)[0],
-              (Post{kQueryRequestForConnectedHost, "", {}, 2u}));
 }
 
 TEST_F(PaneOnOff, ActivationOfTheApplicationIsHeardAndChangesNothing)

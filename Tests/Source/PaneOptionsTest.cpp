@@ -242,17 +242,6 @@ TEST_F(PaneOptions, WithoutAnInstallerAddressOrAManualNothingOpens)
     EXPECT_TRUE(fake.workspace.opened().empty());
 }
 
-TEST_F(PaneOptions, AutomaticUpdatesAreStoredAndShown)
-{
-    setStored(kAutoUpdateOption, false);
-    showWithState(1);
-    EXPECT_EQ(pane->autoUpdateCheckbox()->state(), 0);
-    click(pane->autoUpdateCheckbox(), "autoUpdatePressed:");
-    EXPECT_EQ(stored(kAutoUpdateOption), PropertyList(true));
-    pane->autoUpdatePressed(nullptr);
-    EXPECT_EQ(stored(kAutoUpdateOption), PropertyList(true));
-}
-
 TEST_F(PaneOptions, BeforeAnUpdateServerAndStatusItemAreAskedToQuit)
 {
     showWithState(1);

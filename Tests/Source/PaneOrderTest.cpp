@@ -95,15 +95,6 @@ TEST_F(PaneOrder, OffIsStoredAndShownBeforeTheServerIsAskedToQuit)
     pane->offTextPressed(nullptr);
 }
 
-TEST_F(PaneOrder, ASettingIsStoredBeforeItIsAnnounced)
-{
-    showWithState(0);
-    const auto announced = atPost(kFVEPrefsDidChangeNotification, [&] {
-        EXPECT_EQ(stored(kCurrentState), farview::PropertyList(1));
-    });
-    pane->onTextPressed(nullptr);
-}
-
 TEST_F(PaneOrder, AChangeElsewhereIsReadBeforeItIsShown)
 {
     showWithState(1);
@@ -117,8 +108,7 @@ TEST_F(PaneOrder, AChangeElsewhereIsReadBeforeItIsShown)
 
 TEST_F(PaneOrder, AnOldErrorIsGoneAndTheCheckBegunBeforeTheServerIsAskedToConnect)
 {
-    showWithState(1);
-    announce({device("Pad", "pad.local")});
+    showWithPad();
     pane->instructionsLabel()->setStringValue("some error");
     const auto asked = atPost(kConnectServerToHost, [&] {
         EXPECT_NE(instructions(), "some error");
@@ -140,8 +130,7 @@ TEST_F(PaneOrder, ADeviceIsForgottenBeforeTheServerIsAskedToLeaveIt)
 
 TEST_F(PaneOrder, AHiddenPaneListensNoMoreWhenItStoresItsList)
 {
-    load();
-    show();
+    loadAndShow();
     const auto stored = atPost(kFVEPrefsDidChangeNotification,
                                [&] { EXPECT_FALSE(hears(kFVEPrefsDidChangeNotification)); });
     pane->willUnselect();
@@ -149,8 +138,7 @@ TEST_F(PaneOrder, AHiddenPaneListensNoMoreWhenItStoresItsList)
 
 TEST_F(PaneOrder, AtItsEndItListensNoMoreWhenItLetsGoOfItsControls)
 {
-    load();
-    show();
+    loadAndShow();
     const auto letGo = [&](auto* control) {
         lookNow([&] { EXPECT_FALSE(hears(kServerConnectedToDevice)); });
         delete control;

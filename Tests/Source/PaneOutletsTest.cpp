@@ -181,8 +181,7 @@ TEST_F(PaneOutlets, TheInterfaceFileSendsTheActionsAndNoUnknownOnes)
 
 TEST_F(PaneOutlets, ShowDevicesTurnsToTheDeviceList)
 {
-    load();
-    show();
+    loadAndShow();
     ASSERT_EQ(pane->tabView()->selectedIdentifier(), "Settings");
     EXPECT_TRUE(pane->perform({"showDevices:"}, nullptr));
     EXPECT_EQ(pane->tabView()->selectedIdentifier(), "Main");

@@ -82,22 +82,6 @@ TEST_F(PaneStatus, OnWithADeviceListedSelectsNoDevice)
     EXPECT_EQ(selectedTitle(), noDevice);
 }
 
-TEST_F(PaneStatus, OnWithASelectedDeviceSelectsIt)
-{
-    showConnectedToPad();
-    EXPECT_TRUE(popUpIsEnabled());
-    EXPECT_EQ(selectedTitle(), "Pad");
-}
-
-TEST_F(PaneStatus, OnAndConnectedByAddressSelectsTheAddress)
-{
-    showWithState(1);
-    setStored(kCurrentVirtualScreenDeviceName, "10.0.0.5");
-    serverConnectedTo("Other");
-    EXPECT_TRUE(popUpIsEnabled()) << "connected by address counts as a device in sight";
-    EXPECT_EQ(selectedTitle(), "10.0.0.5");
-}
-
 TEST_F(PaneStatus, TroubleShowsAsAnErrorWhileTheSwitchIsOn)
 {
     showWithState(2);
@@ -106,15 +90,6 @@ TEST_F(PaneStatus, TroubleShowsAsAnErrorWhileTheSwitchIsOn)
                              "unknown error has occurred.");
     EXPECT_EQ(switchState(), 1);
     EXPECT_EQ(menuTitles(), (Texts{noDevice, connectToOther}));
-}
-
-TEST_F(PaneStatus, ADeviceThatIsOnlyInTheBackgroundIsNotSelected)
-{
-    showConnectedToPad();
-    fake.discovery.remove({"Pad"});
-    fake.runLoop.runUntilIdle();
-    EXPECT_EQ(menuTitles(), (Texts{noDevice, "Slab", connectToOther, "Pad (in background)"}));
-    EXPECT_EQ(selectedTitle(), noDevice) << "as installing the menu left it";
 }
 
 TEST_F(PaneStatus, ConnectionErrorTextSurvivesRefreshesWhileItIsOnShow)
@@ -132,17 +107,6 @@ TEST_F(PaneStatus, ConnectionErrorTextSurvivesRefreshesWhileItIsOnShow)
     EXPECT_FALSE(popUpIsEnabled());
     EXPECT_EQ(instructions(), errorText);
     EXPECT_TRUE(warningShows());
-}
-
-TEST_F(PaneStatus, ConnectionErrorTextGoesWithTheFirstRefreshAfterItsTime)
-{
-    showWithState(1);
-    pane->checkForConnectionError(nullptr);
-    after(5);
-    EXPECT_NE(instructions(), normalText) << "nothing refreshed the display yet";
-    pane->updateUI();
-    EXPECT_EQ(instructions(), normalText);
-    EXPECT_FALSE(warningShows());
 }
 
 TEST_F(PaneStatus, WithoutDriverTheSwitchDisappearsAndTheErrorTellsWhy)

@@ -22,33 +22,6 @@ using Stage = farview::UpdateStatus::Stage;
 
 constexpr double day = 24 * 3600;
 
-/// Connects outlets and actions as the interface file of the sheet does.
-class SheetLoader final : public farview::InterfaceLoader
-{
-public:
-    bool loadNibNamed(const std::string& name,
-                      const std::shared_ptr<farview::InterfaceOwner>& owner,
-                      std::string& error) override
-    {
-        if (isBroken) {
-            error = "the file is broken";
-            return false;
-        }
-        loaded.push_back(name);
-        for (const auto& outlet : owner->outlets())
-            outlet.connect(*owner);
-        auto& sheet = dynamic_cast<FVEUpdateSheetController&>(*owner);
-        sheet.firstButton()->setTarget(owner);
-        sheet.firstButton()->setAction({"firstButtonPressed:"});
-        sheet.secondButton()->setTarget(owner);
-        sheet.secondButton()->setAction({"secondButtonPressed:"});
-        return true;
-    }
-
-    bool isBroken = false;
-    std::vector<std::string> loaded;
-};
-
 class PaneUpdates : public PaneFixture
 {
 protected:
@@ -56,6 +29,13 @@ protected:
 
     void connect()
     {
+        loader->wire = [](const FakeInterfaceLoader::Owner& owner) {
+            auto& sheet = dynamic_cast<FVEUpdateSheetController&>(*owner);
+            sheet.firstButton()->setTarget(owner);
+            sheet.firstButton()->setAction({"firstButtonPressed:"});
+            sheet.secondButton()->setTarget(owner);
+            sheet.secondButton()->setAction({"secondButtonPressed:"});
+        };
         pane->setInterfaceLoader(loader);
         pane->checkNowForUpdateButton()->setTitle("Check Now");
         pane->checkNowForUpdateButton()->setTarget(pane);
@@ -75,6 +55,24 @@ protected:
     {
         open();
         checkNow();
+    }
+    /// Long enough that it looks by itself.
+    void openAndLook()
+    {
+        open();
+        pass(150);
+    }
+    void openAndDownload()
+    {
+        openWithSheet();
+        find();
+        pressFirst();
+    }
+    void openAndInstall()
+    {
+        openAndDownload();
+        updater->verify();
+        updater->getReady();
     }
     void checkNow() { pane->checkNowForUpdateButton()->performClick(nullptr); }
     void find() { updater->find("1.3", "Faster."); }
@@ -109,7 +107,6 @@ protected:
             std::count(updater->calls().begin(), updater->calls().end(), "check"));
     }
 
-    std::shared_ptr<SheetLoader> loader = std::make_shared<SheetLoader>();
     std::shared_ptr<farview::FakeUpdater> updater =
         fake.updaters.fakeForBundle("/opt/Farview Preferences.prefPane");
 };
@@ -120,6 +117,7 @@ TEST_F(PaneUpdates, TheOptionIsTheUpdatersFlagAndTheBox)
 {
     setStored(kAutoUpdateOption, false);
     open();
+    EXPECT_EQ(pane->autoUpdateCheckbox()->state(), 0);
     EXPECT_FALSE(updater->automaticallyChecksForUpdates());
     pane->autoUpdateCheckbox()->performClick(nullptr);
     EXPECT_EQ(stored(kAutoUpdateOption), PropertyList(true));
@@ -145,8 +143,7 @@ TEST_F(PaneUpdates, AnOptionThatAnotherProgramChangesReachesBoxAndUpdater)
 
 TEST_F(PaneUpdates, TheFirstShowingEverLooksForNothing)
 {
-    load();
-    show();
+    loadAndShow();
     pass(9 * day);
     EXPECT_EQ(looks(), 0);
     EXPECT_EQ(fake.networkCondition.questions(), 0);
@@ -160,8 +157,7 @@ TEST_F(PaneUpdates, TheFirstShowingEverLooksForNothing)
 TEST_F(PaneUpdates, NothingIsLookedForBeforeTheWindowHasBeenThereForAWhile)
 {
     setStored(kAutoUpdateOptionShown, true);
-    load();
-    show();
+    loadAndShow();
     pass(12);
     EXPECT_EQ(fake.networkCondition.questions(), 0);
     pass(120);
@@ -191,8 +187,7 @@ TEST_F(PaneUpdates, ALookOfTodayHoldsUntilTomorrow)
 TEST_F(PaneUpdates, AClockThatWentBackHoldsNothingUp)
 {
     setStored(kLastUpdateCheck, farview::Date{now() + 300 * day});
-    open();
-    pass(150);
+    openAndLook();
     EXPECT_EQ(looks(), 1);
 }
 
@@ -207,8 +202,7 @@ TEST_F(PaneUpdates, NobodyLooksWhereItCostsOrCannotWork)
         hide();
     }
     fake.networkCondition.setKind(NetworkKind::unmetered);
-    open();
-    pass(150);
+    openAndLook();
     EXPECT_EQ(looks(), 1) << "and as soon as there is another network, somebody does";
 }
 
@@ -226,8 +220,7 @@ TEST_F(PaneUpdates, NobodyLooksWhenTheOptionIsOff)
 TEST_F(PaneUpdates, AnOptionTurnedOffWhileTheNetworkIsAskedIsHeeded)
 {
     fake.networkCondition.hold();
-    open();
-    pass(150);
+    openAndLook();
     ASSERT_EQ(fake.networkCondition.questions(), 1);
     pane->autoUpdateCheckbox()->performClick(nullptr);
     fake.networkCondition.answer();
@@ -237,8 +230,7 @@ TEST_F(PaneUpdates, AnOptionTurnedOffWhileTheNetworkIsAskedIsHeeded)
 TEST_F(PaneUpdates, APanelThatWasClosedLooksForNothing)
 {
     fake.networkCondition.hold();
-    open();
-    pass(150);
+    openAndLook();
     hide();
     fake.networkCondition.answer();
     pass(9 * day);
@@ -247,8 +239,7 @@ TEST_F(PaneUpdates, APanelThatWasClosedLooksForNothing)
 
 TEST_F(PaneUpdates, WhatIsFoundUnaskedIsALineAndAButtonAndNoWindow)
 {
-    open();
-    pass(150);
+    openAndLook();
     find();
     EXPECT_FALSE(sheetIsOpen());
     EXPECT_EQ(line(), "Farview 1.3 is available.");
@@ -262,8 +253,7 @@ TEST_F(PaneUpdates, WhatIsFoundUnaskedIsALineAndAButtonAndNoWindow)
 
 TEST_F(PaneUpdates, WhatFailsUnaskedIsOnlyToldInTheLine)
 {
-    open();
-    pass(150);
+    openAndLook();
     updater->fail(UpdateProblem::server);
     EXPECT_FALSE(sheetIsOpen());
     EXPECT_EQ(line(), "Looked for updates today at " + line().substr(28, 5) +
@@ -275,8 +265,7 @@ TEST_F(PaneUpdates, WhatFailsUnaskedIsOnlyToldInTheLine)
 
 TEST_F(PaneUpdates, TheLineTellsOfTheLastLookAlsoAfterARestart)
 {
-    load();
-    show();
+    loadAndShow();
     EXPECT_EQ(line(), "Updates were not looked for yet.");
     hide();
     setStored(kLastUpdateCheck, farview::Date{now() - 40 * day});
@@ -331,16 +320,14 @@ TEST_F(PaneUpdates, CheckNowSaysWhyItFailedAndWhatToDo)
 TEST_F(PaneUpdates, CheckNowLooksAlsoOnTheFirstDayAndOnAnyNetwork)
 {
     fake.networkCondition.setKind(NetworkKind::metered);
-    load();
-    show();
+    loadAndShow();
     checkNow();
     EXPECT_EQ(looks(), 1);
 }
 
 TEST_F(PaneUpdates, CheckNowJoinsALookThatIsUnderWay)
 {
-    open();
-    pass(150);
+    openAndLook();
     checkNow();
     EXPECT_EQ(looks(), 1);
     EXPECT_EQ(headline(), "Looking for updates…");
@@ -373,9 +360,7 @@ TEST_F(PaneUpdates, AnUpdateIsOfferedWithItsNotes)
 
 TEST_F(PaneUpdates, AnUpdateGoesFromTheClickToItsEnd)
 {
-    openWithSheet();
-    find();
-    pressFirst();
+    openAndDownload();
     EXPECT_EQ(headline(), "Downloading Farview 1.3…");
     updater->receive(2'000'000, 4'000'000);
     EXPECT_EQ(detail(), "2000 kB / 4000 kB");
@@ -396,11 +381,7 @@ TEST_F(PaneUpdates, AnUpdateGoesFromTheClickToItsEnd)
 
 TEST_F(PaneUpdates, WhoDoesNotReopenNowIsRemindedAndCanDoItLater)
 {
-    openWithSheet();
-    find();
-    pressFirst();
-    updater->verify();
-    updater->getReady();
+    openAndInstall();
     updater->finishInstallation();
     pressSecond();
     EXPECT_EQ(fake.application->reopenings(), 0);
@@ -414,9 +395,7 @@ TEST_F(PaneUpdates, WhoDoesNotReopenNowIsRemindedAndCanDoItLater)
 TEST_F(PaneUpdates, BothProgramsAreToldToEndBeforeTheInstallationAndAreNotStartedAfterwards)
 {
     setStored(kCurrentState, 1);
-    openWithSheet();
-    find();
-    pressFirst();
+    openAndDownload();
     updater->verify();
     const auto launches = fake.workspace.launches().size();
     EXPECT_THAT(posts(kTerminateScreenServer), IsEmpty());
@@ -430,9 +409,7 @@ TEST_F(PaneUpdates, BothProgramsAreToldToEndBeforeTheInstallationAndAreNotStarte
 
 TEST_F(PaneUpdates, AnUpdateThatFailsKeepsWhatTheLookCameTo)
 {
-    openWithSheet();
-    find();
-    pressFirst();
+    openAndDownload();
     updater->fail(UpdateProblem::wrongSignature);
     EXPECT_EQ(headline(), "Farview was not updated.");
     EXPECT_EQ(detail(), "The update that arrived is damaged or not genuine.\n"
@@ -442,9 +419,7 @@ TEST_F(PaneUpdates, AnUpdateThatFailsKeepsWhatTheLookCameTo)
 
 TEST_F(PaneUpdates, YetAnotherVersionIsOfferedAnew)
 {
-    openWithSheet();
-    find();
-    pressFirst();
+    openAndDownload();
     updater->find("1.4", "");
     EXPECT_EQ(headline(), "Farview 1.4 is available.");
     EXPECT_TRUE(sheet().notesArea()->isHidden());
@@ -453,9 +428,7 @@ TEST_F(PaneUpdates, YetAnotherVersionIsOfferedAnew)
 
 TEST_F(PaneUpdates, ClosingThePanelGivesUpADownload)
 {
-    openWithSheet();
-    find();
-    pressFirst();
+    openAndDownload();
     hide();
     EXPECT_EQ(updater->calls().back(), "cancel");
     EXPECT_FALSE(sheetIsOpen());
@@ -463,11 +436,7 @@ TEST_F(PaneUpdates, ClosingThePanelGivesUpADownload)
 
 TEST_F(PaneUpdates, ClosingThePanelLeavesAnInstallationAlone)
 {
-    openWithSheet();
-    find();
-    pressFirst();
-    updater->verify();
-    updater->getReady();
+    openAndInstall();
     hide();
     EXPECT_EQ(updater->calls().back(), "install");
     updater->finishInstallation();
@@ -484,16 +453,14 @@ TEST_F(PaneUpdates, APaneThatGoesHearsNothingMore)
 
 TEST_F(PaneUpdates, ANewPaneShowsWhatIsKnownWithoutStoringItAgain)
 {
-    open();
-    pass(150);
+    openAndLook();
     find();
     hide();
     const auto at = stored(kLastUpdateCheck);
     pass(3600);
     newPane();
     connect();
-    load();
-    show();
+    loadAndShow();
     EXPECT_EQ(line(), "Farview 1.3 is available.");
     checkNow();
     EXPECT_EQ(headline(), "Farview 1.3 is available.");

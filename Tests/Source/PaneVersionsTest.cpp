@@ -20,12 +20,6 @@ protected:
     std::string toolTip() const { return pane->versionNumberLabel()->toolTip(); }
 };
 
-TEST_F(PaneVersions, TheLabelShowsThePanesVersionAndBuild)
-{
-    load();
-    EXPECT_EQ(pane->versionNumberLabel()->stringValue(), "1.2 (15644)");
-}
-
 TEST_F(PaneVersions, TheToolTipNamesFourPiecesAndEachKextByTheOthersConstant)
 {
     const std::string folder = resources;

@@ -8,40 +8,23 @@
 #include <utility>
 #include <vector>
 
-/// Connects outlets and actions as the interface file of the sheet does.
-class FakeInterfaceLoader final : public farview::InterfaceLoader
-{
-public:
-    bool loadNibNamed(const std::string& name,
-                      const std::shared_ptr<farview::InterfaceOwner>& owner,
-                      std::string& error) override
-    {
-        loaded.push_back(name);
-        if (isBroken) {
-            error = "the file is broken";
-            return false;
-        }
-        for (const auto& outlet : owner->outlets())
-            outlet.connect(*owner);
-        auto& sheet = dynamic_cast<FVEConnectToOtherSheetController&>(*owner);
-        sheet.otherTextField()->setEditable(true);
-        sheet.connectToOtherOKButton()->setTitle("OK");
-        sheet.connectToOtherOKButton()->setTarget(owner);
-        sheet.connectToOtherOKButton()->setAction({"okButtonPressed:"});
-        return true;
-    }
-
-    bool isBroken = false;
-    std::vector<std::string> loaded;
-};
-
 /// A pane on show whose user opens the sheet and types.
 class SheetFixture : public PaneFixture
 {
 protected:
     using Role = farview::TextField::Role;
 
-    SheetFixture() { pane->setInterfaceLoader(loader); }
+    SheetFixture()
+    {
+        loader->wire = [](const FakeInterfaceLoader::Owner& owner) {
+            auto& sheet = dynamic_cast<FVEConnectToOtherSheetController&>(*owner);
+            sheet.otherTextField()->setEditable(true);
+            sheet.connectToOtherOKButton()->setTitle("OK");
+            sheet.connectToOtherOKButton()->setTarget(owner);
+            sheet.connectToOtherOKButton()->setAction({"okButtonPressed:"});
+        };
+        pane->setInterfaceLoader(loader);
+    }
 
     void open()
     {
@@ -98,6 +81,4 @@ protected:
         EXPECT_EQ(heardResult, heardReport) << "both or none";
         return heardResult && heardReport;
     }
-
-    std::shared_ptr<FakeInterfaceLoader> loader = std::make_shared<FakeInterfaceLoader>();
 };

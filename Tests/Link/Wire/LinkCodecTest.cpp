@@ -118,39 +118,29 @@ TEST(GreetingCodec, RefusesASizeBeyondTheLimitBeforeItsBytesCome)
     EXPECT_EQ(greetingStatus(bytes), DecodeStatus::incomplete) << "502 bytes";
 }
 
-struct BadBody {
-    const char* why;
-    Bytes body;
-};
-
-void PrintTo(const BadBody& bad, std::ostream* out) { *out << bad.why; }
-
-class BadGreeting : public testing::TestWithParam<BadBody>
+TEST(GreetingCodec, RefusesABadBody)
 {
-};
-
-TEST_P(BadGreeting, IsRefused)
-{
-    EXPECT_EQ(greetingStatus(withBody(GetParam().body)), DecodeStatus::malformed);
+    Bytes nameTooLong{1, 1, 1, 0, 25};
+    nameTooLong.insert(nameTooLong.end(), 25, 'a');
+    const std::vector<std::pair<const char*, Bytes>> bodies = {
+        {"no body", {}},
+        {"cut after the versions", {1, 1}},
+        {"version 0", {0, 1, 0}},
+        {"range upside down", {3, 2, 0}},
+        {"something behind", {1, 1, 0, 0}},
+        {"feature promised, none there", {1, 1, 1}},
+        {"feature without a name", {1, 1, 1, 0, 0}},
+        {"feature cut short", {1, 1, 1, 0, 3, 'a', 'b'}},
+        {"unknown flag", {1, 1, 1, 2, 1, 'a'}},
+        {"capital letter", {1, 1, 1, 0, 1, 'A'}},
+        {"control character", {1, 1, 1, 0, 1, 7}},
+        {"wrong order", {1, 1, 2, 0, 1, 'b', 0, 1, 'a'}},
+        {"twice the same", {1, 1, 2, 0, 1, 'a', 0, 1, 'a'}},
+        {"17 features", {1, 1, 17}},
+        {"name too long", nameTooLong}};
+    for (const auto& [what, body] : bodies)
+        EXPECT_EQ(greetingStatus(withBody(body)), DecodeStatus::malformed) << what;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Bytes, BadGreeting,
-    testing::Values(BadBody{"no body", {}}, BadBody{"cut after the versions", {1, 1}},
-                    BadBody{"version 0", {0, 1, 0}}, BadBody{"range upside down", {3, 2, 0}},
-                    BadBody{"something behind", {1, 1, 0, 0}},
-                    BadBody{"feature promised, none there", {1, 1, 1}},
-                    BadBody{"feature without a name", {1, 1, 1, 0, 0}},
-                    BadBody{"feature cut short", {1, 1, 1, 0, 3, 'a', 'b'}},
-                    BadBody{"unknown flag", {1, 1, 1, 2, 1, 'a'}},
-                    BadBody{"capital letter", {1, 1, 1, 0, 1, 'A'}},
-                    BadBody{"control character", {1, 1, 1, 0, 1, 7}},
-                    BadBody{"wrong order", {1, 1, 2, 0, 1, 'b', 0, 1, 'a'}},
-                    BadBody{"twice the same", {1, 1, 2, 0, 1, 'a', 0, 1, 'a'}},
-                    BadBody{"17 features", {1, 1, 17}},
-                    BadBody{"name too long", {1,   1,   1,   0,   25,  'a', 'a', 'a', 'a', 'a',
-                                              'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a',
-                                              'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a'}}));
 
 TEST(GreetingCodec, WritesOnlyFeaturesThatCanBeRead)
 {
@@ -275,30 +265,19 @@ TEST(FrameCodec, RefusesWhatWasNotAgreed)
         << "unknown option";
 }
 
-struct BadNumbers {
-    const char* what;
-    Bytes bytes;
-};
-
-class BadPicture : public testing::TestWithParam<BadNumbers>
+TEST(FrameCodec, RefusesNumbersThatNoPictureOrScreenHas)
 {
-};
-
-TEST_P(BadPicture, IsRefused)
-{
-    EXPECT_EQ(frameStatus(GetParam().bytes), DecodeStatus::malformed) << GetParam().what;
+    const std::vector<std::pair<const char*, Bytes>> frames = {
+        {"no width", {19, 0, 0, 0, 4, 0, 0, 0, 0, 0, 1, 0}},
+        {"no height", {19, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0}},
+        {"too wide", {19, 0, 0, 0, 4, 0, 0, 0, 1, 0x40, 1, 0}},
+        {"a screen of 65535", {20, 0, 0, 0, 8, 0, 0, 0, 255, 255, 1, 0, 100, 0, 60, 0}},
+        {"scale 0.49", {20, 0, 0, 0, 8, 0, 0, 0, 1, 0, 1, 0, 49, 0, 60, 0}},
+        {"no refresh", {20, 0, 0, 0, 8, 0, 0, 0, 1, 0, 1, 0, 100, 0, 0, 0}},
+        {"half a number", {17, 0, 0, 0, 2, 0, 0, 0, 1, 0}}};
+    for (const auto& [what, bytes] : frames)
+        EXPECT_EQ(frameStatus(bytes), DecodeStatus::malformed) << what;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    FrameCodec, BadPicture,
-    testing::Values(BadNumbers{"no width", {19, 0, 0, 0, 4, 0, 0, 0, 0, 0, 1, 0}},
-                    BadNumbers{"no height", {19, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0}},
-                    BadNumbers{"too wide", {19, 0, 0, 0, 4, 0, 0, 0, 1, 0x40, 1, 0}},
-                    BadNumbers{"a screen of 65535",
-                               {20, 0, 0, 0, 8, 0, 0, 0, 255, 255, 1, 0, 100, 0, 60, 0}},
-                    BadNumbers{"scale 0.49", {20, 0, 0, 0, 8, 0, 0, 0, 1, 0, 1, 0, 49, 0, 60, 0}},
-                    BadNumbers{"no refresh", {20, 0, 0, 0, 8, 0, 0, 0, 1, 0, 1, 0, 100, 0, 0, 0}},
-                    BadNumbers{"half a number", {17, 0, 0, 0, 2, 0, 0, 0, 1, 0}}));
 
 TEST(LinkFrame, IsSaidByOneSideOrBoth)
 {

@@ -1,4 +1,4 @@
-#include "Applications/Doctor/BusProbe.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/Discovery/AvahiDaemonLink.h"

@@ -1,4 +1,4 @@
-#include "Applications/Doctor/DesktopProbes.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Applications/Doctor/SessionProbe.h"
 #include "Platform/Desktop/Screens/X11/RandrConnection.h"

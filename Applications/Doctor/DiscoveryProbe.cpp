@@ -1,4 +1,4 @@
-#include "Applications/Doctor/DiscoveryProbe.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Platform/Desktop/Discovery/HostAddresses.h"
 

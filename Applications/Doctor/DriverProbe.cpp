@@ -1,4 +1,4 @@
-#include "Applications/Doctor/DriverProbe.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Common/FVEConstants.h"
 #include "Common/Registry/QLNRegistryExplorer.h"

@@ -1,10 +1,6 @@
 #include "Applications/Doctor/Examination.h"
 
-#include "Applications/Doctor/DesktopProbes.h"
-#include "Applications/Doctor/DriverProbe.h"
-#include "Applications/Doctor/PreferencesProbe.h"
-#include "Applications/Doctor/ProcessesProbe.h"
-#include "Applications/Doctor/VersionsProbe.h"
+#include "Applications/Doctor/Probes.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Platform.h"
 #include "Platform/Posix/Settings/PreferencesLocations.h"

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "Applications/Doctor/BusProbe.h"
 #include "Applications/Doctor/DevicesProbe.h"
-#include "Applications/Doctor/DiscoveryProbe.h"
 #include "Applications/Doctor/Notebook.h"
-#include "Applications/Doctor/PolkitProbe.h"
+#include "Applications/Doctor/Probes.h"
 #include "Applications/Doctor/SessionProbe.h"
 #include "Platform/Desktop/Discovery/AvahiDaemonLink.h"
 

@@ -2,7 +2,10 @@
 
 #include "Applications/Doctor/Report.h"
 
+#include <algorithm>
+#include <iterator>
 #include <mutex>
+#include <utility>
 
 namespace farview
 {
@@ -11,12 +14,31 @@ namespace farview
 class Notebook
 {
 public:
-    Notebook(std::string version, std::string date);
+    Notebook(std::string version, std::string date) : mReport{std::move(version), std::move(date)}
+    {
+    }
 
-    void add(Findings findings);
-    void setComplete();
+    void add(Findings findings)
+    {
+        const std::lock_guard lock(mMutex);
+        std::move(findings.begin(), findings.end(), std::back_inserter(mReport.findings));
+        std::stable_sort(
+            mReport.findings.begin(), mReport.findings.end(),
+            [](const Finding& left, const Finding& right) { return left.area < right.area; });
+    }
+
+    void setComplete()
+    {
+        const std::lock_guard lock(mMutex);
+        mReport.isComplete = true;
+    }
+
     /// A copy, the findings in the order of their areas.
-    Report report() const;
+    Report report() const
+    {
+        const std::lock_guard lock(mMutex);
+        return mReport;
+    }
 
 private:
     mutable std::mutex mMutex;

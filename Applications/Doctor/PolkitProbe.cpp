@@ -1,4 +1,4 @@
-#include "Applications/Doctor/PolkitProbe.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Common/FVEConstants.h"
 #include "Common/Rules/HiDPITexts.h"

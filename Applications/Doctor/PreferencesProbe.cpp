@@ -1,4 +1,4 @@
-#include "Applications/Doctor/PreferencesProbe.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Common/FVEConstants.h"
 #include "Platform/Posix/FolderListing.h"

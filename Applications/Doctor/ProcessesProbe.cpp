@@ -1,4 +1,4 @@
-#include "Applications/Doctor/ProcessesProbe.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Applications/Doctor/SessionProbe.h"
 #include "Common/FVEConstants.h"

@@ -1,4 +1,4 @@
-#include "Applications/Doctor/VersionsProbe.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Common/FVEConstants.h"
 #include "Platform/Bundle.h"

@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <tuple>
+
 // What travels in the menu's interface ("com.canonical.dbusmenu") and in the item's. Field by field
 // as the wire has them.
 
@@ -22,6 +24,8 @@ struct DBusMenuLayoutItem { // (ia{sv}av)
 struct DBusMenuProperties { // (ia{sv})
     int id = 0;
     QVariantMap properties;
+
+    auto fields() { return std::tie(id, properties); }
 };
 using DBusMenuPropertiesList = QList<DBusMenuProperties>;
 
@@ -30,6 +34,8 @@ struct DBusMenuEvent { // (isvu)
     QString event;
     QDBusVariant data;
     uint timestamp = 0;
+
+    auto fields() { return std::tie(id, event, data, timestamp); }
 };
 using DBusMenuEvents = QList<DBusMenuEvent>;
 using DBusMenuIds = QList<int>;
@@ -38,6 +44,8 @@ struct DBusIcon { // (iiay), ARGB in network byte order
     int width = 0;
     int height = 0;
     QByteArray bytes;
+
+    auto fields() { return std::tie(width, height, bytes); }
 };
 using DBusIcons = QList<DBusIcon>;
 
@@ -46,18 +54,35 @@ struct DBusToolTip { // (sa(iiay)ss)
     DBusIcons icons;
     QString title;
     QString text;
+
+    auto fields() { return std::tie(icon, icons, title, text); }
 };
 
 QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuLayoutItem& item);
 const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuLayoutItem& item);
-QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuProperties& item);
-const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuProperties& item);
-QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuEvent& event);
-const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuEvent& event);
-QDBusArgument& operator<<(QDBusArgument& argument, const DBusIcon& icon);
-const QDBusArgument& operator>>(const QDBusArgument& argument, DBusIcon& icon);
-QDBusArgument& operator<<(QDBusArgument& argument, const DBusToolTip& toolTip);
-const QDBusArgument& operator>>(const QDBusArgument& argument, DBusToolTip& toolTip);
+/// A record goes over the wire as a structure of its fields.
+template <typename Record>
+concept DBusRecord = requires(Record record)
+{
+    record.fields();
+};
+
+template <DBusRecord Record> QDBusArgument& operator<<(QDBusArgument& argument, Record record)
+{
+    argument.beginStructure();
+    std::apply([&](const auto&... each) { (argument << ... << each); }, record.fields());
+    argument.endStructure();
+    return argument;
+}
+
+template <DBusRecord Record>
+const QDBusArgument& operator>>(const QDBusArgument& argument, Record& record)
+{
+    argument.beginStructure();
+    std::apply([&](auto&... each) { (argument >> ... >> each); }, record.fields());
+    argument.endStructure();
+    return argument;
+}
 
 /// Makes the types known to the bus library. Before the first use; idempotent.
 void registerDBusMenuTypes();

@@ -1,7 +1,6 @@
 #include "Applications/CommandLine.h"
 #include "Applications/Preferences/PaneInterface.h"
 #include "Applications/Preferences/PreferencesHost.h"
-#include "Applications/Preferences/SmokeTest.h"
 #include "Applications/Preferences/WindowOfTheSession.h"
 #include "Applications/TerminationSignals.h"
 #include "Common/NSURL_Additions.h"
@@ -15,11 +14,14 @@
 #include <QApplication>
 #include <QDir>
 #include <QTextStream>
+#include <QTimer>
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -94,6 +96,74 @@ bool hasDisplay()
            !qEnvironmentVariableIsEmpty("DISPLAY") ||
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
+
+/// All preference panes of the user, of this computer and of the system, in this order.
+QStringList findPanes(farview::SearchPaths& searchPaths)
+{
+    QStringList panes;
+    const auto folders =
+        searchPaths.directories(farview::SearchPathDirectory::preferencePanes,
+                                farview::userDomain | farview::localDomain | farview::systemDomain);
+    for (const auto& folder : folders) {
+        const QDir directory(QString::fromStdString(folder));
+        // Without a name filter: that would bring the pattern machinery into every start.
+        for (const QString& name : directory.entryList(QDir::Dirs, QDir::Name)) {
+            if (name.endsWith(u".prefPane"_qs))
+                panes += QDir::cleanPath(directory.absoluteFilePath(name));
+        }
+    }
+    return panes;
+}
+
+/// The pane to open: the one asked for (a path, perhaps a relative one), else the first of that
+/// name in the search paths, else an empty text.
+QString paneToOpen(const QString& asked, const QString& name, farview::SearchPaths& searchPaths)
+{
+    if (!asked.isEmpty())
+        return QDir::cleanPath(QDir::current().absoluteFilePath(asked));
+    for (const QString& pane : findPanes(searchPaths)) {
+        if (pane.endsWith(u'/' + name))
+            return pane;
+    }
+    return {};
+}
+
+/// Shows the pane twice, for a moment each, then quits the application.
+class SmokeTest : public QObject
+{
+public:
+    SmokeTest(PreferencesHost& host, QString bundlePath)
+        : mHost(host), mBundlePath(std::move(bundlePath))
+    {
+    }
+
+    /// Begins with the first showing. Its error is the result; the rest follows by itself.
+    HostError start()
+    {
+        const HostError error = mHost.open(mBundlePath);
+        if (error.status == HostStatus::success)
+            QTimer::singleShot(timeOnShow, this, &SmokeTest::endShowing);
+        return error;
+    }
+
+private:
+    static constexpr int showings = 2;
+    static constexpr std::chrono::milliseconds timeOnShow{150};
+
+    void endShowing()
+    {
+        mHost.unselect();
+        mHost.window().hide();
+        if (++mShowings == showings)
+            QCoreApplication::quit();
+        else
+            start();
+    }
+
+    PreferencesHost& mHost;
+    QString mBundlePath;
+    int mShowings = 0;
+};
 
 int runSmokeTest(const QString& pane, farview::Bundles& bundles)
 {

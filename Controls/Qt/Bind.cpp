@@ -1,22 +1,304 @@
-#include "Controls/Qt/ControlBindings.h"
+#include "Controls/Qt/Binding.h"
 #include "Controls/Qt/Forms/FrameBinding.h"
 #include "Controls/Qt/Forms/FrameContainer.h"
-#include "Controls/Qt/Forms/SheetBinding.h"
+#include "Controls/Qt/Forms/SheetBindings.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
-#include "Controls/Qt/Forms/WindowBinding.h"
 #include "Controls/Qt/PopUp/PopUpBinding.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
-#include "Controls/Qt/Switch/SwitchBinding.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
+#include "Controls/Qt/Switch/WidgetAnimator.h"
 #include "Controls/Qt/Table/TableBinding.h"
 #include "Controls/Qt/Text/ChiseledTextWidget.h"
-#include "Controls/Qt/Text/LineEditBinding.h"
+#include "Controls/Qt/Text/LabelTint.h"
+#include "Controls/Qt/Text/PlainText.h"
+#include "Controls/Switch/FVEChiseledTextButton.h"
+#include "Controls/Switch/QLNOnOffView.h"
+#include "Controls/TabView.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStyle>
+#include <QTabWidget>
+
+#include <string>
+#include <utility>
 
 namespace farview
 {
 namespace
 {
+
+/// The on/off switch. The widget hands the user's moves to the slider itself.
+class SwitchBinding : public Binding
+{
+public:
+    SwitchBinding(std::shared_ptr<QLNOnOffView> view, SwitchWidget* widget)
+        : Binding(view, widget), mOnOff(std::move(view)), mSwitch(widget)
+    {
+    }
+
+    ~SwitchBinding() override
+    {
+        // The switch may outlive its window, and the pictures' bundle.
+        mOnOff->slider()->setAnimator(nullptr);
+        mOnOff->setImageSource({});
+    }
+
+protected:
+    void adopt() override
+    {
+        if (mSwitch->testAttribute(Qt::WA_ForceDisabled))
+            mOnOff->setEnabled(false);
+        mOnOff->setImageSource(mSwitch->imageSource());
+        mOnOff->initWithFrame({{double(mSwitch->x()), double(mSwitch->y())}, {}});
+        mOnOff->slider()->setAnimator(std::make_shared<WidgetAnimator>(mSwitch));
+        mSwitch->setSlider(mOnOff->slider());
+        mSliderSubscription = mOnOff->slider()->observe([this](Change change) { refresh(change); });
+    }
+
+    void show(Change /*change*/) override
+    {
+        mSwitch->setEnabled(mOnOff->isEnabled());
+        mSwitch->refresh();
+    }
+
+private:
+    std::shared_ptr<QLNOnOffView> mOnOff;
+    SwitchWidget* mSwitch;
+    Subscription mSliderSubscription;
+};
+
+/// A field to type into.
+class LineEditBinding : public Binding
+{
+public:
+    LineEditBinding(std::shared_ptr<TextField> field, QLineEdit* lineEdit)
+        : Binding(field, lineEdit), mField(std::move(field)), mLineEdit(lineEdit)
+    {
+        connect(lineEdit, &QLineEdit::textChanged, this, [this](const QString& text) {
+            // Assistive technology sets the text instead of typing it.
+            if (isShowing())
+                return;
+            // What was typed is on show already: setting it again would move the cursor.
+            mShownText = text.toStdString();
+            userDid([this] { mField->userTyped(mShownText); });
+        });
+    }
+
+protected:
+    void adopt() override
+    {
+        mShownText = mLineEdit->text().toStdString();
+        mField->setStringValue(mShownText);
+        mField->setEditable(!mLineEdit->isReadOnly());
+    }
+
+    void show(Change change) override
+    {
+        mLineEdit->setReadOnly(!mField->isEditable());
+        if (mField->stringValue() != mShownText) {
+            mShownText = mField->stringValue();
+            mLineEdit->setText(plainLine(mShownText));
+        }
+        if (change == Change::textSelection) {
+            mLineEdit->selectAll();
+            mLineEdit->setFocus();
+        }
+    }
+
+private:
+    std::shared_ptr<TextField> mField;
+    QLineEdit* mLineEdit;
+    std::string mShownText;
+};
+
+/// A push button, a flat text button or a check box.
+class ButtonBinding : public Binding
+{
+public:
+    ButtonBinding(std::shared_ptr<Button> button, QAbstractButton* widget)
+        : Binding(button, widget), mButton(std::move(button)), mButtonWidget(widget)
+    {
+        const auto click = [this] { userDid([this] { mButton->performClick(nullptr); }); };
+        // Assistive technology ticks a box without a click.
+        if (widget->isCheckable())
+            connect(widget, &QAbstractButton::toggled, this, click);
+        else
+            connect(widget, &QAbstractButton::clicked, this, click);
+    }
+
+protected:
+    void adopt() override
+    {
+        mFileText = mButtonWidget->text();
+        mShownTitle = withoutShortcut(mFileText);
+        mButton->setTitle(mShownTitle);
+        mButton->setKind(mButtonWidget->isCheckable() ? Button::Kind::checkBox
+                                                      : Button::Kind::push);
+        mButton->setState(mButtonWidget->isChecked() ? 1 : 0);
+    }
+
+    void show(Change /*change*/) override
+    {
+        // The file's own text carries the shortcut, so it stays until another one is set, and
+        // returns.
+        if (mButton->title() != mShownTitle) {
+            mShownTitle = mButton->title();
+            const bool isFiles = mShownTitle == withoutShortcut(mFileText);
+            mButtonWidget->setText(isFiles ? mFileText : plainMenuText(mShownTitle));
+        }
+        if (mButtonWidget->isCheckable())
+            mButtonWidget->setChecked(mButton->state() != 0);
+    }
+
+private:
+    std::shared_ptr<Button> mButton;
+    QAbstractButton* mButtonWidget;
+    QString mFileText;
+    std::string mShownTitle;
+};
+
+/// A button that draws its own title.
+class ChiseledTextBinding : public ButtonBinding
+{
+public:
+    ChiseledTextBinding(std::shared_ptr<FVEChiseledTextButton> button, ChiseledTextWidget* widget)
+        : ButtonBinding(button, widget), mEngraved(std::move(button)), mTextWidget(widget)
+    {
+    }
+
+protected:
+    void adopt() override
+    {
+        ButtonBinding::adopt();
+        mTextWidget->setButton(mEngraved);
+    }
+
+private:
+    std::shared_ptr<FVEChiseledTextButton> mEngraved;
+    ChiseledTextWidget* mTextWidget;
+};
+
+/// A label. Its text is never taken for markup.
+class TextFieldBinding : public Binding
+{
+public:
+    TextFieldBinding(std::shared_ptr<TextField> field, QLabel* label)
+        : Binding(field, label), mField(std::move(field)), mLabel(label)
+    {
+        label->setTextFormat(Qt::PlainText);
+    }
+
+protected:
+    void adopt() override
+    {
+        mShownText =
+            mLabel->buddy() ? withoutShortcut(mLabel->text()) : mLabel->text().toStdString();
+        mField->setStringValue(mShownText);
+    }
+
+    void show(Change /*change*/) override
+    {
+        showRole();
+        if (mField->stringValue() == mShownText)
+            return;
+        mShownText = mField->stringValue();
+        mLabel->setText(plainText(mShownText));
+    }
+
+private:
+    void showRole()
+    {
+        if (std::exchange(mShownRole, mField->textRole()) != mField->textRole())
+            LabelTint::of(*mLabel).setError(mShownRole == TextField::Role::error);
+    }
+
+    std::shared_ptr<TextField> mField;
+    QLabel* mLabel;
+    std::string mShownText;
+    TextField::Role mShownRole = TextField::Role::normal;
+};
+
+/// A picture: the desktop's own warning sign, loaded when it is first seen.
+class ImageViewBinding : public Binding
+{
+public:
+    ImageViewBinding(std::shared_ptr<ImageView> image, QLabel* label)
+        : Binding(std::move(image), label), mLabel(label)
+    {
+        const int size = label->style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, label);
+        label->setFixedSize(size, size);
+    }
+
+protected:
+    void show(Change /*change*/) override
+    {
+        if (isHidden() || !mLabel->pixmap(Qt::ReturnByValue).isNull())
+            return;
+        const QIcon sign =
+            mLabel->style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, mLabel);
+        mLabel->setPixmap(sign.pixmap(mLabel->size(), mLabel->devicePixelRatioF()));
+    }
+
+private:
+    QLabel* mLabel;
+};
+
+class ProgressIndicatorBinding : public Binding
+{
+public:
+    ProgressIndicatorBinding(std::shared_ptr<ProgressIndicator> indicator, SpinnerWidget* spinner)
+        : Binding(indicator, spinner), mIndicator(std::move(indicator)), mSpinner(spinner)
+    {
+    }
+
+protected:
+    void show(Change /*change*/) override { mSpinner->setAnimating(mIndicator->isAnimating()); }
+
+private:
+    std::shared_ptr<ProgressIndicator> mIndicator;
+    SpinnerWidget* mSpinner;
+};
+
+/// Tabs; a page is identified by its object name.
+class TabViewBinding : public Binding
+{
+public:
+    TabViewBinding(std::shared_ptr<TabView> tabs, QTabWidget* widget)
+        : Binding(tabs, widget), mTabs(std::move(tabs)), mTabWidget(widget)
+    {
+        connect(widget, &QTabWidget::currentChanged, this, [this] {
+            const QWidget* page = mTabWidget->currentWidget();
+            if (!page)
+                return;
+            const std::string identifier = page->objectName().toStdString();
+            userDid([this, identifier] { mTabs->selectTabViewItemWithIdentifier(identifier); });
+        });
+    }
+
+protected:
+    void adopt() override
+    {
+        std::vector<std::string> identifiers;
+        for (int i = 0; i < mTabWidget->count(); ++i)
+            identifiers.push_back(mTabWidget->widget(i)->objectName().toStdString());
+        mTabs->setIdentifiers(std::move(identifiers));
+    }
+
+    void show(Change /*change*/) override
+    {
+        for (int i = 0; i < mTabWidget->count(); ++i) {
+            if (mTabWidget->widget(i)->objectName().toStdString() == mTabs->selectedIdentifier())
+                mTabWidget->setCurrentIndex(i);
+        }
+    }
+
+private:
+    std::shared_ptr<TabView> mTabs;
+    QTabWidget* mTabWidget;
+};
 
 /// A view without a look of its own: only its place counts.
 class PlainBinding : public Binding

@@ -6,6 +6,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace farview
@@ -15,17 +16,64 @@ namespace farview
 class FakeFileManager final : public FileManager
 {
 public:
-    bool fileExistsAtPath(const std::string& path) override;
-    bool createDirectoryAtPath(const std::string& path) override;
-    std::optional<PropertyList> propertyListWithContentsOfFile(const std::string& path) override;
-    bool writePropertyList(const PropertyList& list, const std::string& path) override;
-    bool writeData(std::span<const std::uint8_t> bytes, const std::string& path) override;
+    bool fileExistsAtPath(const std::string& path) override
+    {
+        return mLists.contains(path) || mData.contains(path) || mOthers.contains(path) ||
+               mDirectories.contains(path);
+    }
+
+    bool createDirectoryAtPath(const std::string& path) override
+    {
+        if (mWritesFail)
+            return mDirectories.contains(path);
+        mDirectories.insert(path);
+        return true;
+    }
+
+    std::optional<PropertyList> propertyListWithContentsOfFile(const std::string& path) override
+    {
+        const auto found = mLists.find(path);
+        return found == mLists.end() ? std::nullopt : std::optional(found->second);
+    }
+
+    bool writePropertyList(const PropertyList& list, const std::string& path) override
+    {
+        if (mWritesFail)
+            return false;
+        if (mOthers.erase(path) + mData.erase(path) > 0)
+            mSetAside.push_back(path);
+        mWrites.push_back(path);
+        mLists.insert_or_assign(path, list);
+        return true;
+    }
+
+    bool writeData(std::span<const std::uint8_t> bytes, const std::string& path) override
+    {
+        if (mWritesFail)
+            return false;
+        mLists.erase(path);
+        mOthers.erase(path);
+        mWrites.push_back(path);
+        mData.insert_or_assign(path, Data{{bytes.begin(), bytes.end()}});
+        return true;
+    }
 
     /// A file or folder of that path exists; it is no property list.
     void addFile(const std::string& path) { mOthers.insert(path); }
     /// As another process would write it; not counted.
-    void putPropertyList(const std::string& path, PropertyList list);
-    void removeFile(const std::string& path);
+    void putPropertyList(const std::string& path, PropertyList list)
+    {
+        mLists.insert_or_assign(path, std::move(list));
+    }
+
+    void removeFile(const std::string& path)
+    {
+        mLists.erase(path);
+        mData.erase(path);
+        mOthers.erase(path);
+        mDirectories.erase(path);
+    }
+
     /// While failing, nothing can be written or created.
     void setWritesFail(bool fail) { mWritesFail = fail; }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace farview
@@ -17,7 +18,11 @@ namespace farview
 class FakeNetService final : public NetService, public std::enable_shared_from_this<FakeNetService>
 {
 public:
-    FakeNetService(FakeRunLoop& loop, std::shared_ptr<const FakeDevice> device);
+    FakeNetService(FakeRunLoop& loop, std::shared_ptr<const FakeDevice> device)
+        : mLoop(loop), mDevice(std::move(device)), mName(mDevice->name), mType(mDevice->type),
+          mDomain(mDevice->domain)
+    {
+    }
 
     const std::string& name() const override { return mName; }
     const std::string& type() const override { return mType; }
@@ -25,17 +30,77 @@ public:
     std::optional<std::string> hostName() const override { return mHostName; }
     Data TXTRecordData() const override { return mTXTRecord; }
     std::vector<Endpoint> endpoints() const override { return mEndpoints; }
-    void setDelegate(std::weak_ptr<NetServiceDelegate> delegate) override;
-    void resolveWithTimeout(Duration timeout) override;
-    void startMonitoring() override;
-    void stopMonitoring() override;
+    void setDelegate(std::weak_ptr<NetServiceDelegate> delegate) override
+    {
+        mDelegate = std::move(delegate);
+    }
+
+    void resolveWithTimeout(Duration timeout) override
+    {
+        using enum FakeResolve::Outcome;
+        ++mResolveCount;
+        ++mResolveNumber;
+        mLastTimeout = timeout;
+        mResolving = true;
+        const FakeResolve& script = mDevice->resolve;
+        const bool tooLate = script.outcome == never || script.delay > timeout;
+        if (script.heedsTimeout && tooLate)
+            endResolveAfter(timeout, false);
+        else if (script.outcome != never)
+            endResolveAfter(script.delay, script.outcome == succeeds);
+    }
+
+    void startMonitoring() override
+    {
+        ++mStartMonitoringCount;
+        mMonitoring = true;
+    }
+
+    void stopMonitoring() override
+    {
+        ++mStopMonitoringCount;
+        mMonitoring = false;
+    }
 
     /// The device's record changed: who monitors hears of it on the next turn.
-    void TXTRecordChanged();
+    void TXTRecordChanged()
+    {
+        mLoop.performAfterDelay(Duration::zero(), weak_from_this(), [this] {
+            if (!mMonitoring)
+                return;
+            mTXTRecord = mDevice->TXTRecordData();
+            if (const auto delegate = mDelegate.lock())
+                delegate->didUpdateTXTRecordData(shared_from_this(), mTXTRecord);
+        });
+    }
+
     /// As if it had been resolved before: fills in host, record and endpoints, tells nobody.
-    void makeResolved();
+    void makeResolved()
+    {
+        mHostName.reset();
+        if (!mDevice->hostName.empty())
+            mHostName = mDevice->hostName;
+        mTXTRecord = mDevice->TXTRecordData();
+        mEndpoints = mDevice->endpoints;
+    }
+
     /// The resolve that is under way ends now with this result; for outcomes that never end.
-    void endResolve(bool success);
+    void endResolve(bool success)
+    {
+        if (!std::exchange(mResolving, false))
+            return;
+        ++mResolveNumber;
+        const auto self = shared_from_this();
+        if (success)
+            makeResolved();
+        const auto delegate = mDelegate.lock();
+        if (!delegate)
+            return;
+        if (success)
+            delegate->netServiceDidResolveAddress(self);
+        else
+            delegate->didNotResolve(self, "no answer");
+    }
 
     const std::shared_ptr<const FakeDevice>& device() const { return mDevice; }
     std::weak_ptr<NetServiceDelegate> delegate() const { return mDelegate; }
@@ -47,7 +112,14 @@ public:
     int stopMonitoringCount() const { return mStopMonitoringCount; }
 
 private:
-    void endResolveAfter(Duration delay, bool success);
+    void endResolveAfter(Duration delay, bool success)
+    {
+        const auto number = mResolveNumber;
+        mLoop.performAfterDelay(delay, weak_from_this(), [this, number, success] {
+            if (number == mResolveNumber)
+                endResolve(success);
+        });
+    }
 
     FakeRunLoop& mLoop;
     std::shared_ptr<const FakeDevice> mDevice;

@@ -2,10 +2,13 @@
 
 #include "Platform/ProcessTable.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <deque>
 #include <functional>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace farview
@@ -15,12 +18,47 @@ namespace farview
 class FakeProcessTable final : public ProcessTable
 {
 public:
-    int size(std::size_t& recordCount) override;
-    int contents(std::span<ProcessRecord> records, std::size_t& recordCount) override;
+    int size(std::size_t& recordCount) override
+    {
+        ++mSizeCount;
+        if (mSizeError != 0)
+            return mSizeError;
+        recordCount = mClaimedSize.value_or(mRecords.size());
+        return 0;
+    }
+
+    int contents(std::span<ProcessRecord> records, std::size_t& recordCount) override
+    {
+        ++mContentsCount;
+        if (const auto change = std::exchange(mBeforeContents, nullptr))
+            change();
+        if (!mContentsErrors.empty()) {
+            const int error = mContentsErrors.front();
+            mContentsErrors.pop_front();
+            return error;
+        }
+        if (records.size() < mRecords.size())
+            return ENOMEM;
+        std::copy(mRecords.begin(), mRecords.end(), records.begin());
+        recordCount = mRecords.size();
+        return 0;
+    }
 
     /// Adds a running process; its short name is the first 16 bytes of `name`.
-    void add(std::int32_t pid, std::string_view name);
-    void remove(std::int32_t pid);
+    void add(std::int32_t pid, std::string_view name)
+    {
+        ProcessRecord record;
+        record.pid = pid;
+        const auto length = std::min(name.size(), record.shortName.size());
+        std::copy_n(name.begin(), length, record.shortName.begin());
+        mRecords.push_back(record);
+    }
+
+    void remove(std::int32_t pid)
+    {
+        std::erase_if(mRecords, [pid](const ProcessRecord& record) { return record.pid == pid; });
+    }
+
     void clear() { mRecords.clear(); }
 
     /// From now on the size query fails with this errno; 0 ends that.

@@ -1,12 +1,5 @@
-#include "Applications/Doctor/BusProbe.h"
-#include "Applications/Doctor/DesktopProbes.h"
 #include "Applications/Doctor/DevicesProbe.h"
-#include "Applications/Doctor/DiscoveryProbe.h"
-#include "Applications/Doctor/DriverProbe.h"
-#include "Applications/Doctor/PolkitProbe.h"
-#include "Applications/Doctor/PreferencesProbe.h"
-#include "Applications/Doctor/ProcessesProbe.h"
-#include "Applications/Doctor/VersionsProbe.h"
+#include "Applications/Doctor/Probes.h"
 #include "Tests/Applications/DoctorNames.h"
 
 #include <gmock/gmock.h>

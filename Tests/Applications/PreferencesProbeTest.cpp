@@ -1,4 +1,4 @@
-#include "Applications/Doctor/PreferencesProbe.h"
+#include "Applications/Doctor/Probes.h"
 
 #include "Platform/Posix/Settings/PreferencesLocations.h"
 #include "Tests/Applications/DoctorNames.h"

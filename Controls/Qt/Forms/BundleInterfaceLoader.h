@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Controls/InterfaceOwner.h"
+#include "Controls/Qt/Forms/InterfaceFile.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -18,11 +19,28 @@ class Bundle;
 class BundleInterfaceLoader final : public InterfaceLoader
 {
 public:
-    explicit BundleInterfaceLoader(std::shared_ptr<const Bundle> bundle);
-    ~BundleInterfaceLoader() override;
+    explicit BundleInterfaceLoader(std::shared_ptr<const Bundle> bundle)
+        : mBundle(std::move(bundle))
+    {
+    }
+
+    ~BundleInterfaceLoader() override
+    {
+        for (const auto& window : mWindows)
+            delete window.data();
+    }
 
     bool loadNibNamed(const std::string& name, const std::shared_ptr<InterfaceOwner>& owner,
-                      std::string& error) override;
+                      std::string& error) override
+    {
+        auto window = InterfaceFile(*mBundle, name).load(owner, error);
+        if (!window)
+            return false;
+        // Windows that are closed for good go by themselves.
+        std::erase_if(mWindows, [](const auto& each) { return each.isNull(); });
+        mWindows.emplace_back(window.release());
+        return true;
+    }
 
 private:
     std::shared_ptr<const Bundle> mBundle;

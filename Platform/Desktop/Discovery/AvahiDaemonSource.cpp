@@ -1,12 +1,13 @@
-#include "Platform/Desktop/Discovery/AvahiDaemonSource.h"
-
 #include "Platform/Desktop/Discovery/AvahiDaemonObject.h"
+#include "Platform/Desktop/Discovery/DiscoverySource.h"
 #include "Platform/Desktop/Discovery/ServiceNames.h"
 
 #include <QDBusArgument>
 #include <QTimer>
 
 #include <chrono>
+#include <map>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -65,12 +66,11 @@ ResolveAnswer answerOf(const QDBusMessage& reply)
     return resolved;
 }
 
-} // namespace
-
-struct AvahiDaemonSource::Search {
+/// One search, which begins anew with each daemon.
+struct Search {
     std::string type;
     std::string domain;
-    SearchEvents events;
+    DiscoverySource::SearchEvents events;
     std::shared_ptr<AvahiDaemonObject> browser;
 
     void hear(const QDBusMessage& signal)
@@ -85,8 +85,9 @@ struct AvahiDaemonSource::Search {
     }
 };
 
-struct AvahiDaemonSource::Watch {
-    RecordEvents events;
+/// One watch for a TXT record.
+struct Watch {
+    DiscoverySource::RecordEvents events;
     std::shared_ptr<AvahiDaemonObject> browser;
 
     void hear(const QDBusMessage& signal)
@@ -101,117 +102,132 @@ struct AvahiDaemonSource::Watch {
     }
 };
 
-AvahiDaemonSource::AvahiDaemonSource(std::shared_ptr<AvahiDaemonLink> link) : mLink(std::move(link))
+/// What the discovery daemon knows. Its searches survive the daemon's death and begin anew when one
+/// is back.
+class AvahiDaemonSource final : public QObject, public DiscoverySource
 {
-    connect(mLink.get(), &AvahiDaemonLink::presenceChanged, this,
-            &AvahiDaemonSource::handlePresence);
-}
-
-AvahiDaemonSource::~AvahiDaemonSource() = default;
-
-void AvahiDaemonSource::handlePresence()
-{
-    const bool isPresent = mLink->presence() == AvahiDaemonLink::Presence::present;
-    const auto searches = mSearches;
-    for (const auto& [number, search] : searches) {
-        if (isPresent)
-            begin(search);
-        else
-            lose(*search);
+public:
+    explicit AvahiDaemonSource(std::shared_ptr<AvahiDaemonLink> link) : mLink(std::move(link))
+    {
+        connect(mLink.get(), &AvahiDaemonLink::presenceChanged, this,
+                &AvahiDaemonSource::handlePresence);
     }
-}
 
-Subscription AvahiDaemonSource::search(const std::string& type, const std::string& domain,
-                                       SearchEvents events)
-{
-    const auto number = ++mLastSearch;
-    auto search = std::make_shared<Search>(Search{type, domain, std::move(events), nullptr});
-    mSearches[number] = search;
-    if (mLink->presence() == AvahiDaemonLink::Presence::present)
-        begin(search);
-    return Subscription([this, number] { mSearches.erase(number); });
-}
+    Subscription search(const std::string& type, const std::string& domain,
+                        SearchEvents events) override
+    {
+        const auto number = ++mLastSearch;
+        auto search = std::make_shared<Search>(Search{type, domain, std::move(events), nullptr});
+        mSearches[number] = search;
+        if (mLink->presence() == AvahiDaemonLink::Presence::present)
+            begin(search);
+        return Subscription([this, number] { mSearches.erase(number); });
+    }
 
-void AvahiDaemonSource::begin(const std::shared_ptr<Search>& search)
-{
-    const std::weak_ptr weak = search;
-    AvahiDaemonObject::Events events;
-    events.signal = [this, weak](const QDBusMessage& signal) {
-        const auto living = weak.lock();
-        if (living && signal.member() == QLatin1String("Failure")) {
-            lose(*living);
-            beginLater(weak);
-        } else if (living) {
-            living->hear(signal);
+    Subscription resolve(const ServiceName& service, Sighting sighting, int addressProtocol,
+                         std::function<void(ResolveAnswer)> answer) override
+    {
+        auto request = AvahiDaemonLink::serverCall(QStringLiteral("ResolveService"));
+        request << sighting.interfaceIndex << sighting.protocol << text(service.name)
+                << text(service.type) << text(service.domain) << addressProtocol << noFlags;
+        auto wanted = std::make_shared<bool>(true);
+        mLink->call(request, [wanted, answer = std::move(answer)](const QDBusMessage& reply) {
+            if (*wanted)
+                answer(answerOf(reply));
+        });
+        return Subscription([wanted] { *wanted = false; });
+    }
+
+    Subscription watchTXTRecord(const ServiceName& service, RecordEvents events) override
+    {
+        auto watch = std::make_shared<Watch>(Watch{std::move(events), nullptr});
+        const std::weak_ptr weak = watch;
+        AvahiDaemonObject::Events objectEvents;
+        objectEvents.signal = [weak](const QDBusMessage& signal) {
+            if (const auto living = weak.lock())
+                living->hear(signal);
+        };
+        objectEvents.ready = [this, weak] {
+            if (const auto living = weak.lock())
+                mLink->send(living->browser->message(QStringLiteral("Start")));
+        };
+        // The record is still read at each resolve; only its changes stay unseen.
+        objectEvents.refused = [](const QString&) {};
+        watch->browser = std::make_shared<AvahiDaemonObject>(
+            *mLink, QStringLiteral("org.freedesktop.Avahi.RecordBrowser"), std::move(objectEvents));
+        auto request = AvahiDaemonLink::serverCall(QStringLiteral("RecordBrowserPrepare"));
+        request << Sighting::anyInterface << Sighting::anyProtocol << text(fullServiceName(service))
+                << QVariant::fromValue(internetClass) << QVariant::fromValue(textRecord) << noFlags;
+        watch->browser->prepare(request);
+        return Subscription([watch]() mutable { watch.reset(); });
+    }
+
+private:
+    void handlePresence()
+    {
+        const bool isPresent = mLink->presence() == AvahiDaemonLink::Presence::present;
+        const auto searches = mSearches;
+        for (const auto& [number, search] : searches) {
+            if (isPresent)
+                begin(search);
+            else
+                lose(*search);
         }
-    };
-    events.ready = [this, weak] {
-        if (const auto living = weak.lock())
-            mLink->send(living->browser->message(QStringLiteral("Start")));
-    };
-    events.refused = [this, weak](const QString&) { beginLater(weak); };
-    search->browser = std::make_shared<AvahiDaemonObject>(
-        *mLink, QStringLiteral("org.freedesktop.Avahi.ServiceBrowser"), std::move(events));
-    auto request = AvahiDaemonLink::serverCall(QStringLiteral("ServiceBrowserPrepare"));
-    request << Sighting::anyInterface << Sighting::anyProtocol << text(search->type)
-            << text(search->domain) << noFlags;
-    search->browser->prepare(request);
-}
+    }
 
-/// A daemon that is just starting may refuse at first.
-void AvahiDaemonSource::beginLater(const std::weak_ptr<Search>& search)
-{
-    QTimer::singleShot(pauseBeforeRetry, this, [this, search, number = mLink->daemonNumber()] {
-        const auto living = search.lock();
-        if (living && number == mLink->daemonNumber() &&
-            mLink->presence() == AvahiDaemonLink::Presence::present)
-            begin(living);
-    });
-}
+    void begin(const std::shared_ptr<Search>& search)
+    {
+        const std::weak_ptr weak = search;
+        AvahiDaemonObject::Events events;
+        events.signal = [this, weak](const QDBusMessage& signal) {
+            const auto living = weak.lock();
+            if (living && signal.member() == QLatin1String("Failure")) {
+                lose(*living);
+                beginLater(weak);
+            } else if (living) {
+                living->hear(signal);
+            }
+        };
+        events.ready = [this, weak] {
+            if (const auto living = weak.lock())
+                mLink->send(living->browser->message(QStringLiteral("Start")));
+        };
+        events.refused = [this, weak](const QString&) { beginLater(weak); };
+        search->browser = std::make_shared<AvahiDaemonObject>(
+            *mLink, QStringLiteral("org.freedesktop.Avahi.ServiceBrowser"), std::move(events));
+        auto request = AvahiDaemonLink::serverCall(QStringLiteral("ServiceBrowserPrepare"));
+        request << Sighting::anyInterface << Sighting::anyProtocol << text(search->type)
+                << text(search->domain) << noFlags;
+        search->browser->prepare(request);
+    }
 
-void AvahiDaemonSource::lose(Search& search)
-{
-    search.browser.reset();
-    search.events.lost();
-}
+    /// A daemon that is just starting may refuse at first.
+    void beginLater(const std::weak_ptr<Search>& search)
+    {
+        QTimer::singleShot(pauseBeforeRetry, this, [this, search, number = mLink->daemonNumber()] {
+            const auto living = search.lock();
+            if (living && number == mLink->daemonNumber() &&
+                mLink->presence() == AvahiDaemonLink::Presence::present)
+                begin(living);
+        });
+    }
 
-Subscription AvahiDaemonSource::resolve(const ServiceName& service, Sighting sighting,
-                                        int addressProtocol,
-                                        std::function<void(ResolveAnswer)> answer)
-{
-    auto request = AvahiDaemonLink::serverCall(QStringLiteral("ResolveService"));
-    request << sighting.interfaceIndex << sighting.protocol << text(service.name)
-            << text(service.type) << text(service.domain) << addressProtocol << noFlags;
-    auto wanted = std::make_shared<bool>(true);
-    mLink->call(request, [wanted, answer = std::move(answer)](const QDBusMessage& reply) {
-        if (*wanted)
-            answer(answerOf(reply));
-    });
-    return Subscription([wanted] { *wanted = false; });
-}
+    void lose(Search& search)
+    {
+        search.browser.reset();
+        search.events.lost();
+    }
 
-Subscription AvahiDaemonSource::watchTXTRecord(const ServiceName& service, RecordEvents events)
+    std::shared_ptr<AvahiDaemonLink> mLink;
+    std::map<unsigned, std::shared_ptr<Search>> mSearches;
+    unsigned mLastSearch = 0;
+};
+
+} // namespace
+
+std::shared_ptr<DiscoverySource> daemonSource(std::shared_ptr<AvahiDaemonLink> link)
 {
-    auto watch = std::make_shared<Watch>(Watch{std::move(events), nullptr});
-    const std::weak_ptr weak = watch;
-    AvahiDaemonObject::Events objectEvents;
-    objectEvents.signal = [weak](const QDBusMessage& signal) {
-        if (const auto living = weak.lock())
-            living->hear(signal);
-    };
-    objectEvents.ready = [this, weak] {
-        if (const auto living = weak.lock())
-            mLink->send(living->browser->message(QStringLiteral("Start")));
-    };
-    // The record is still read at each resolve; only its changes stay unseen.
-    objectEvents.refused = [](const QString&) {};
-    watch->browser = std::make_shared<AvahiDaemonObject>(
-        *mLink, QStringLiteral("org.freedesktop.Avahi.RecordBrowser"), std::move(objectEvents));
-    auto request = AvahiDaemonLink::serverCall(QStringLiteral("RecordBrowserPrepare"));
-    request << Sighting::anyInterface << Sighting::anyProtocol << text(fullServiceName(service))
-            << QVariant::fromValue(internetClass) << QVariant::fromValue(textRecord) << noFlags;
-    watch->browser->prepare(request);
-    return Subscription([watch]() mutable { watch.reset(); });
+    return std::make_shared<AvahiDaemonSource>(std::move(link));
 }
 
 } // namespace farview

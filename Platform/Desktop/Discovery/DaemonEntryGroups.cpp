@@ -1,6 +1,5 @@
-#include "Platform/Desktop/Discovery/DaemonEntryGroups.h"
-
 #include "Platform/Desktop/Discovery/AvahiDaemonObject.h"
+#include "Platform/Desktop/Discovery/EntryGroup.h"
 
 #include <QDBusArgument>
 
@@ -142,28 +141,39 @@ private:
     bool mHasFailed = false;
 };
 
+/// Announces through the discovery daemon. Its groups end silently when the daemon goes.
+class DaemonEntryGroups final : public EntryGroupMaker
+{
+public:
+    explicit DaemonEntryGroups(std::shared_ptr<AvahiDaemonLink> link) : mLink(std::move(link)) {}
+
+    std::unique_ptr<EntryGroup> announceHost(const std::string& host,
+                                             const std::vector<HostAddress>& addresses,
+                                             EntryGroup::StateChanged changed) override
+    {
+        std::vector<Call> calls;
+        for (const auto& address : addresses)
+            calls.push_back(addAddress(host, address));
+        return std::make_unique<Group>(mLink, std::move(calls), std::move(changed));
+    }
+
+    std::unique_ptr<EntryGroup> announceService(const ServiceAnnouncement& announcement,
+                                                const std::string& host,
+                                                EntryGroup::StateChanged changed) override
+    {
+        return std::make_unique<Group>(mLink, std::vector{addService(announcement, host)},
+                                       std::move(changed));
+    }
+
+private:
+    std::shared_ptr<AvahiDaemonLink> mLink;
+};
+
 } // namespace
 
-DaemonEntryGroups::DaemonEntryGroups(std::shared_ptr<AvahiDaemonLink> link) : mLink(std::move(link))
+std::unique_ptr<EntryGroupMaker> daemonEntryGroups(std::shared_ptr<AvahiDaemonLink> link)
 {
-}
-
-std::unique_ptr<EntryGroup>
-DaemonEntryGroups::announceHost(const std::string& host, const std::vector<HostAddress>& addresses,
-                                EntryGroup::StateChanged changed)
-{
-    std::vector<Call> calls;
-    for (const auto& address : addresses)
-        calls.push_back(addAddress(host, address));
-    return std::make_unique<Group>(mLink, std::move(calls), std::move(changed));
-}
-
-std::unique_ptr<EntryGroup>
-DaemonEntryGroups::announceService(const ServiceAnnouncement& announcement, const std::string& host,
-                                   EntryGroup::StateChanged changed)
-{
-    return std::make_unique<Group>(mLink, std::vector{addService(announcement, host)},
-                                   std::move(changed));
+    return std::make_unique<DaemonEntryGroups>(std::move(link));
 }
 
 } // namespace farview

@@ -1,7 +1,6 @@
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
 
-#include "Platform/Desktop/Discovery/DaemonEntryGroups.h"
-#include "Platform/Desktop/Discovery/EmbeddedEntryGroups.h"
+#include "Platform/Desktop/Discovery/EmbeddedServer.h"
 #include "Platform/Desktop/Discovery/ServiceNames.h"
 
 #include <avahi-common/domain.h>
@@ -107,7 +106,7 @@ void DesktopNetServicePublisher::announce()
         return;
     mRetry.stop();
     mUsesDaemon = mLink->presence() == Presence::present;
-    auto maker = mUsesDaemon ? std::make_unique<DaemonEntryGroups>(mLink) : embeddedMaker();
+    auto maker = mUsesDaemon ? daemonEntryGroups(mLink) : embeddedMaker();
     if (maker)
         announceBy(std::move(maker));
     else
@@ -124,7 +123,7 @@ std::unique_ptr<EntryGroupMaker> DesktopNetServicePublisher::embeddedMaker()
             weak->handleFailure("the embedded discovery stack failed", false);
     });
     mLog.write(LogLevel::info, "No discovery daemon answers; announcing without it");
-    return std::make_unique<EmbeddedEntryGroups>(std::move(start.server));
+    return embeddedEntryGroups(std::move(start.server));
 }
 
 void DesktopNetServicePublisher::announceBy(std::unique_ptr<EntryGroupMaker> maker)

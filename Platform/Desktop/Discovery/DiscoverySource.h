@@ -4,11 +4,14 @@
 
 #include <compare>
 #include <functional>
+#include <memory>
 #include <string>
 #include <variant>
 
 namespace farview
 {
+
+class AvahiDaemonLink;
 
 /// One way on which a service was seen; the numbers are the system's and Avahi's.
 struct Sighting {
@@ -73,5 +76,9 @@ public:
     /// The service's TXT records as they come and go.
     virtual Subscription watchTXTRecord(const ServiceName& service, RecordEvents events) = 0;
 };
+
+/// What the discovery daemon knows. Its searches survive the daemon's death and begin anew when one
+/// is back.
+std::shared_ptr<DiscoverySource> daemonSource(std::shared_ptr<AvahiDaemonLink> link);
 
 } // namespace farview

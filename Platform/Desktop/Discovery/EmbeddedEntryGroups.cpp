@@ -1,4 +1,5 @@
-#include "Platform/Desktop/Discovery/EmbeddedEntryGroups.h"
+#include "Platform/Desktop/Discovery/EmbeddedServer.h"
+#include "Platform/Desktop/Discovery/EntryGroup.h"
 
 #include <avahi-common/address.h>
 #include <avahi-common/error.h>
@@ -134,33 +135,45 @@ private:
     int mError = AVAHI_OK;
 };
 
+/// Announces by itself.
+class EmbeddedEntryGroups final : public EntryGroupMaker
+{
+public:
+    explicit EmbeddedEntryGroups(std::shared_ptr<EmbeddedServer> server)
+        : mServer(std::move(server))
+    {
+    }
+
+    std::unique_ptr<EntryGroup> announceHost(const std::string& host,
+                                             const std::vector<HostAddress>& addresses,
+                                             EntryGroup::StateChanged changed) override
+    {
+        auto group = std::make_unique<Group>(mServer, std::move(changed));
+        for (const auto& address : addresses)
+            group->add(host, address);
+        group->commit();
+        return group;
+    }
+
+    std::unique_ptr<EntryGroup> announceService(const ServiceAnnouncement& announcement,
+                                                const std::string& host,
+                                                EntryGroup::StateChanged changed) override
+    {
+        auto group = std::make_unique<Group>(mServer, std::move(changed));
+        group->add(announcement, host);
+        group->commit();
+        return group;
+    }
+
+private:
+    std::shared_ptr<EmbeddedServer> mServer;
+};
+
 } // namespace
 
-EmbeddedEntryGroups::EmbeddedEntryGroups(std::shared_ptr<EmbeddedServer> server)
-    : mServer(std::move(server))
+std::unique_ptr<EntryGroupMaker> embeddedEntryGroups(std::shared_ptr<EmbeddedServer> server)
 {
-}
-
-std::unique_ptr<EntryGroup>
-EmbeddedEntryGroups::announceHost(const std::string& host,
-                                  const std::vector<HostAddress>& addresses,
-                                  EntryGroup::StateChanged changed)
-{
-    auto group = std::make_unique<Group>(mServer, std::move(changed));
-    for (const auto& address : addresses)
-        group->add(host, address);
-    group->commit();
-    return group;
-}
-
-std::unique_ptr<EntryGroup>
-EmbeddedEntryGroups::announceService(const ServiceAnnouncement& announcement,
-                                     const std::string& host, EntryGroup::StateChanged changed)
-{
-    auto group = std::make_unique<Group>(mServer, std::move(changed));
-    group->add(announcement, host);
-    group->commit();
-    return group;
+    return std::make_unique<EmbeddedEntryGroups>(std::move(server));
 }
 
 } // namespace farview

@@ -11,6 +11,9 @@
 namespace farview
 {
 
+class AvahiDaemonLink;
+class EmbeddedServer;
+
 /// Records that are announced together: either a host's addresses or one service. Withdrawn, with a
 /// goodbye, by destruction.
 class EntryGroup
@@ -42,6 +45,12 @@ public:
                                                         const std::string& host,
                                                         EntryGroup::StateChanged changed) = 0;
 };
+
+/// Announces through the discovery daemon. Its groups end silently when the daemon goes.
+std::unique_ptr<EntryGroupMaker> daemonEntryGroups(std::shared_ptr<AvahiDaemonLink> link);
+
+/// Announces by itself.
+std::unique_ptr<EntryGroupMaker> embeddedEntryGroups(std::shared_ptr<EmbeddedServer> server);
 
 /// The entries "key=value" of a record, none longer than one may be.
 std::vector<std::string> recordEntries(const std::map<std::string, Data>& record);

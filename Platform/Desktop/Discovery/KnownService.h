@@ -1,17 +1,45 @@
 #pragma once
 
 #include "Platform/Desktop/Discovery/ResolveQueue.h"
-#include "Platform/Desktop/Discovery/TXTRecordTracker.h"
 
 #include <chrono>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace farview
 {
+
+/// Tells from the coming and going of a service's TXT records which is the current one. A new
+/// record comes before the old one goes, once per interface and protocol.
+class TXTRecordTracker
+{
+public:
+    void seen(Sighting sighting, const Data& record)
+    {
+        std::erase(mPresent, std::pair(sighting, record));
+        mPresent.emplace_back(sighting, record);
+        mLatest = record;
+    }
+
+    void gone(Sighting sighting, const Data& record)
+    {
+        std::erase(mPresent, std::pair(sighting, record));
+        // A service that changes its mind within a second takes back a record that never went away.
+        if (!mPresent.empty())
+            mLatest = mPresent.back().second;
+    }
+
+    /// Nothing until a record was seen; the last one stays when all have gone.
+    const std::optional<Data>& latest() const { return mLatest; }
+
+private:
+    std::vector<std::pair<Sighting, Data>> mPresent;
+    std::optional<Data> mLatest;
+};
 
 /// Who wants to hear what becomes of a known service.
 class KnownServiceObserver

@@ -22,8 +22,7 @@ constexpr auto reachOfCheck = 3s;
 } // namespace
 
 SourceChooser::SourceChooser(Log& log)
-    : mLog(log), mLink(std::make_shared<AvahiDaemonLink>(log)),
-      mDaemon(std::make_shared<AvahiDaemonSource>(mLink))
+    : mLog(log), mLink(std::make_shared<AvahiDaemonLink>(log)), mDaemon(daemonSource(mLink))
 {
     mRetry.setSingleShot(true);
     mRetry.setInterval(pauseBeforeRetry);

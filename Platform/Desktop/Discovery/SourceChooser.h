@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Platform/Desktop/Discovery/AvahiDaemonLink.h"
-#include "Platform/Desktop/Discovery/AvahiDaemonSource.h"
 #include "Platform/Desktop/Discovery/EmbeddedSource.h"
 #include "Platform/Desktop/Discovery/NetworkWatch.h"
 #include "Platform/Desktop/Discovery/TypeSearch.h"
@@ -51,7 +50,7 @@ private:
 
     Log& mLog;
     std::shared_ptr<AvahiDaemonLink> mLink;
-    std::shared_ptr<AvahiDaemonSource> mDaemon;
+    std::shared_ptr<DiscoverySource> mDaemon;
     std::weak_ptr<EmbeddedSource> mEmbedded;
     DiscoveryCondition mEmbeddedCondition = DiscoveryCondition::starting;
     std::vector<std::weak_ptr<TypeSearch>> mSearches;

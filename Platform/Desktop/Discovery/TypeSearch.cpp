@@ -1,12 +1,19 @@
 #include "Platform/Desktop/Discovery/TypeSearch.h"
 
+#include "Platform/Desktop/Discovery/EmbeddedSource.h"
+
 #include <algorithm>
+#include <chrono>
+#include <functional>
 #include <utility>
 
 namespace farview
 {
 namespace
 {
+
+/// Long enough for three questions and the answer to the last.
+constexpr auto timeToAnswer = std::chrono::seconds(4);
 
 /// Lets a search that has just begun report what is remembered before it is doubted.
 constexpr int timeToReport = 400;
@@ -16,15 +23,87 @@ constexpr int timeToForgetOldRecords = 1200;
 
 } // namespace
 
+/// Finds out which services still answer. Whoever remembers records may keep those of a dead host
+/// for an hour, so this asks with a memory of its own that begins empty, and goes on listening for
+/// those that did not answer.
+class LivenessCheck : public QObject
+{
+public:
+    struct Events {
+        /// It did not answer. It is listened for from now on.
+        std::function<void(const std::string& name)> died;
+        /// One that had died answers.
+        std::function<void(const std::string& name)> returned;
+    };
+
+    explicit LivenessCheck(Events events) : mEvents(std::move(events)) {}
+
+    /// Those that are being asked or listened for already are left alone.
+    void check(const std::vector<ServiceName>& services)
+    {
+        auto start = EmbeddedServer::start();
+        // A daemon that allows no other beside it: what it says has to be believed.
+        if (!start.server)
+            return;
+        EmbeddedSource source(std::move(start.server));
+        std::vector<std::string> asked;
+        for (const auto& service : services) {
+            const auto [position, isNew] = mListeners.try_emplace(service.name);
+            if (!isNew)
+                continue;
+            const auto name = service.name;
+            position->second.listening = source.listenFor(service, [this, name] { hear(name); });
+            asked.push_back(name);
+        }
+        QTimer::singleShot(timeToAnswer, this, [this, asked] { judge(asked); });
+    }
+
+    /// Ends the interest in one.
+    void forget(const std::string& name) { mListeners.erase(name); }
+
+private:
+    struct Listener {
+        Subscription listening;
+        bool isDead = false;
+    };
+
+    void hear(const std::string& name)
+    {
+        const auto found = mListeners.find(name);
+        if (found == mListeners.end())
+            return;
+        const bool wasDead = found->second.isDead;
+        const auto ended = mListeners.extract(found);
+        if (wasDead)
+            mEvents.returned(name);
+    }
+
+    void judge(const std::vector<std::string>& names)
+    {
+        for (const auto& name : names) {
+            const auto found = mListeners.find(name);
+            if (found == mListeners.end() || std::exchange(found->second.isDead, true))
+                continue;
+            mEvents.died(name);
+        }
+    }
+
+    Events mEvents;
+    std::map<std::string, Listener> mListeners;
+};
+
 TypeSearch::TypeSearch(std::string type, std::string domain)
     : mType(std::move(type)), mDomain(std::move(domain)),
-      mLiveness({[this](const std::string& name) { died(name); },
-                 [this](const std::string& name) { returned(name); }})
+      mLiveness(std::make_unique<LivenessCheck>(
+          LivenessCheck::Events{[this](const std::string& name) { died(name); },
+                                [this](const std::string& name) { returned(name); }}))
 {
     mCheckSoon.setSingleShot(true);
     mCheckSoon.setInterval(timeToReport);
     connect(&mCheckSoon, &QTimer::timeout, this, &TypeSearch::askAll);
 }
+
+TypeSearch::~TypeSearch() = default;
 
 void TypeSearch::useSource(std::shared_ptr<DiscoverySource> source)
 {
@@ -86,7 +165,7 @@ void TypeSearch::seen(const std::string& name, Sighting sighting)
     std::vector<Sighting> sightings{sighting};
     // A record that was forgotten meanwhile and came anew: the service is back.
     if (const auto dead = mDead.extract(name)) {
-        mLiveness.forget(name);
+        mLiveness->forget(name);
         sightings.insert(sightings.end(), dead.mapped().sightings.begin(),
                          dead.mapped().sightings.end());
     }
@@ -111,14 +190,14 @@ void TypeSearch::goneWhileDead(Dead& dead, Sighting sighting)
     if (!dead.sightings.empty())
         return;
     const auto name = dead.name.name;
-    mLiveness.forget(name);
+    mLiveness->forget(name);
     mDead.erase(name);
 }
 
 void TypeSearch::lost()
 {
     for (const auto& [name, dead] : mDead)
-        mLiveness.forget(name);
+        mLiveness->forget(name);
     mDead.clear();
     const auto services = mServices;
     for (const auto& service : services)
@@ -177,7 +256,7 @@ void TypeSearch::askAll()
         service->resolve();
     }
     if (!names.empty())
-        mLiveness.check(names);
+        mLiveness->check(names);
 }
 
 } // namespace farview

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Platform/Desktop/Discovery/KnownService.h"
-#include "Platform/Desktop/Discovery/LivenessCheck.h"
 
+#include <QObject>
 #include <QTimer>
 
 #include <map>
@@ -12,6 +12,8 @@
 
 namespace farview
 {
+
+class LivenessCheck;
 
 /// Who searches for services of one type.
 class TypeSearchObserver
@@ -30,6 +32,7 @@ public:
     using Services = std::vector<std::shared_ptr<KnownService>>;
 
     TypeSearch(std::string type, std::string domain);
+    ~TypeSearch() override;
 
     const std::string& type() const { return mType; }
     const std::string& domain() const { return mDomain; }
@@ -74,7 +77,7 @@ private:
     Services mServices;
     std::map<std::string, std::shared_ptr<KnownService>> mByName;
     std::map<std::string, Dead> mDead;
-    LivenessCheck mLiveness;
+    std::unique_ptr<LivenessCheck> mLiveness;
     QTimer mCheckSoon;
     Subscription mSearch;
 };

@@ -1,13 +1,20 @@
 #pragma once
 
-#include "Platform/Desktop/Programs/ApplicationLauncher.h"
 #include "Platform/Workspace.h"
 
 #include <QObject>
 #include <QString>
 
+#include <memory>
+
 namespace farview
 {
+
+class ApplicationLauncher;
+class Bundles;
+class Log;
+class RunLoop;
+class SessionBus;
 
 /// Starts applications and opens documents: in the desktop's portal, else with `xdg-open`; a pane's
 /// bundle in `farview-preferences`. Never waits for what it starts. Main thread only.
@@ -18,6 +25,7 @@ class DesktopWorkspace final : public QObject, public Workspace
 public:
     /// The references must outlive this.
     DesktopWorkspace(SessionBus& bus, Bundles& bundles, const RunLoop& clock, Log& log);
+    ~DesktopWorkspace() override;
 
     /// No option changes anything here: every launch is asynchronous, activates nothing and adds
     /// to no list.
@@ -30,7 +38,7 @@ private:
     bool openWithDesktopOpener(const QString& address);
 
     SessionBus& mBus;
-    ApplicationLauncher mLauncher;
+    std::unique_ptr<ApplicationLauncher> mLauncher;
 };
 
 } // namespace farview

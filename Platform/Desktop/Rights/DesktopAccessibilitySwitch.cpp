@@ -3,13 +3,29 @@
 #include <QDBusError>
 #include <QDBusVariant>
 #include <QPointer>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
 
+#include <chrono>
 #include <utility>
 
 namespace farview
 {
 namespace
 {
+
+constexpr std::chrono::seconds toolLimit{5};
+constexpr qint64 longestOutput = 100; // the answers are "true" and "false"
+
+QStringList about(const char* verb)
+{
+    return {QString::fromLatin1(verb), QStringLiteral("org.gnome.desktop.interface"),
+            QStringLiteral("toolkit-accessibility")};
+}
+
+QString word(bool on) { return on ? QStringLiteral("true") : QStringLiteral("false"); }
 
 using Problem = AccessibilitySwitch::Problem;
 
@@ -40,7 +56,63 @@ Problem problemOf(const QDBusMessage& reply)
 
 } // namespace
 
-DesktopAccessibilitySwitch::DesktopAccessibilitySwitch(SessionBus& bus) : mBus(bus)
+/// The lasting setting for accessibility of the desktops that share GNOME's, reached through their
+/// settings tool, `gsettings`. Never blocks; what is asked for ends unanswered with this object.
+class AccessibilitySetting : public QObject
+{
+public:
+    using QObject::QObject;
+    using Answer = std::function<void(bool)>;
+
+    /// Whether this desktop has the setting and lets its user change it.
+    void isThere(Answer answer)
+    {
+        run(about("writable"),
+            [answer = std::move(answer)](const Output& output) { answer(output == word(true)); });
+    }
+
+    /// Changes it. The answer tells whether another program sees the change: the tool itself
+    /// reports success also when nothing was stored.
+    void store(bool on, Answer answer)
+    {
+        run(about("set") << word(on), [this, on, answer = std::move(answer)](const Output& output) {
+            if (!output) {
+                answer(false);
+                return;
+            }
+            run(about("get"), [on, answer](const Output& stored) { answer(stored == word(on)); });
+        });
+    }
+
+private:
+    using Output = std::optional<QString>;
+
+    /// `done` gets what the tool printed; nothing when it failed, is missing or took too long.
+    void run(const QStringList& words, std::function<void(const Output&)> done)
+    {
+        auto* tool = new QProcess(this);
+        const auto end = [this, tool, done = std::move(done)] {
+            tool->disconnect(this);
+            const bool succeeded = tool->exitStatus() == QProcess::NormalExit &&
+                                   tool->exitCode() == 0 && tool->error() == QProcess::UnknownError;
+            tool->deleteLater();
+            done(succeeded ? Output(QString::fromUtf8(tool->read(longestOutput)).trimmed())
+                           : std::nullopt);
+        };
+        connect(tool, &QProcess::finished, this, end);
+        connect(tool, &QProcess::errorOccurred, this, [tool, end] {
+            if (tool->state() == QProcess::NotRunning)
+                end();
+        });
+        QTimer::singleShot(toolLimit, tool, &QProcess::kill);
+        tool->setStandardInputFile(QProcess::nullDevice());
+        tool->setStandardErrorFile(QProcess::nullDevice());
+        tool->start(QStringLiteral("gsettings"), words);
+    }
+};
+
+DesktopAccessibilitySwitch::DesktopAccessibilitySwitch(SessionBus& bus)
+    : mBus(bus), mSetting(new AccessibilitySetting(this))
 {
     connect(&mBus, &SessionBus::connected, this, &DesktopAccessibilitySwitch::listen);
     if (mBus.isConnected())
@@ -61,7 +133,7 @@ Subscription DesktopAccessibilitySwitch::observe(Observer observer)
     mObserver = std::move(observer);
     mIsKnown = false;
     mService.emplace(mBus, serviceName, [this](bool isThere) { serviceChanged(isThere); });
-    mSetting.isThere(
+    mSetting->isThere(
         [this](bool isThere) { learnLifetime(isThere ? Lifetime::kept : Lifetime::session); });
     return Subscription([self = QPointer(this), observation = ++mObservation] {
         if (!self || self->mObservation != observation)
@@ -104,7 +176,7 @@ void DesktopAccessibilitySwitch::set(bool on, Done done)
         setOnBus(on, done);
         return;
     }
-    mSetting.store(on, [this, on, done = std::move(done)](bool isStored) {
+    mSetting->store(on, [this, on, done = std::move(done)](bool isStored) {
         if (!isStored)
             learnLifetime(Lifetime::session);
         setOnBus(on, done);

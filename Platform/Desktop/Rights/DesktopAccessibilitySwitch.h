@@ -2,7 +2,6 @@
 
 #include "Platform/AccessibilitySwitch.h"
 #include "Platform/Desktop/Bus/BusNameWatcher.h"
-#include "Platform/Desktop/Rights/AccessibilitySetting.h"
 
 #include <QObject>
 #include <QVariantMap>
@@ -12,6 +11,8 @@
 
 namespace farview
 {
+
+class AccessibilitySetting;
 
 /// The switch as the session's accessibility service offers it (`org.a11y.Status`), together with
 /// the lasting setting, where the desktop has it. Main thread only; never blocks.
@@ -42,7 +43,7 @@ private:
     void tell(const State& state);
 
     SessionBus& mBus;
-    AccessibilitySetting mSetting;
+    AccessibilitySetting* mSetting; ///< a child of this
     Observer mObserver;
     std::optional<BusNameWatcher> mService;
     unsigned mObservation = 0; ///< counts the observers so far

@@ -10,35 +10,6 @@ using testing::IsEmpty;
 
 INSTANTIATE_TEST_SUITE_P(Ways, Discovering, testing::Values(Way::daemon, Way::embedded), nameOfWay);
 
-TEST_P(Discovering, AServiceIsFoundResolvedAndRemoved)
-{
-    ASSERT_TRUE(mPublisher.publish({"Dev 1"}));
-    const auto browser = search(mRecorder);
-    EXPECT_THAT(mRecorder->present, IsEmpty());
-    ASSERT_TRUE(waitFor(1));
-    const auto service = mRecorder->present.front();
-    EXPECT_EQ(service->name(), "Dev 1");
-    EXPECT_EQ(service->type(), deviceType);
-    EXPECT_EQ(service->domain(), localDomain);
-    EXPECT_EQ(service->hostName(), std::nullopt);
-
-    service->resolveWithTimeout(Duration(5));
-    EXPECT_THAT(mRecorder->resolved, IsEmpty());
-    ASSERT_TRUE(waitUntil([&] { return mRecorder->resolved.size() == 1; }));
-    EXPECT_EQ(service->hostName(), "hostB.local");
-    ASSERT_EQ(service->endpoints().size(), 1u);
-    EXPECT_EQ(service->endpoints().front().address, "10.77.0.2");
-    EXPECT_EQ(service->endpoints().front().port, 6001);
-    EXPECT_GT(service->endpoints().front().interfaceIndex, 1u);
-    EXPECT_EQ(service->TXTRecordData(), Data::fromText("\x16"
-                                                       "ConnState=NotConnected"));
-
-    mPublisher.withdraw("Dev 1");
-    ASSERT_TRUE(waitFor(0));
-    EXPECT_TRUE(mRecorder->removedSameObject);
-    EXPECT_EQ(mDiscovery->condition(), DiscoveryCondition::working);
-}
-
 TEST_P(Discovering, AChangedRecordIsReportedToThoseWhoMonitor)
 {
     ASSERT_TRUE(mPublisher.publish({"Dev 1"}));
@@ -108,19 +79,6 @@ TEST_P(Discovering, BrowsersOfOneTypeShareWhatIsKnownButNotTheirObjects)
     mPublisher.withdraw("Dev 1");
     ASSERT_TRUE(waitFor(0));
     EXPECT_EQ(elder->present.size(), 1u);
-}
-
-TEST_P(Discovering, SearchingAgainBeginsAnew)
-{
-    ASSERT_TRUE(mPublisher.publish({"Dev 1"}));
-    const auto browser = search(mRecorder);
-    ASSERT_TRUE(waitFor(1));
-    browser->searchForServicesOfType("_farview-other._udp", localDomain);
-    mRecorder->present.clear();
-    runLoopFor(500ms);
-    EXPECT_THAT(mRecorder->present, IsEmpty());
-    browser->searchForServicesOfType(deviceType, localDomain);
-    ASSERT_TRUE(waitFor(1));
 }
 
 TEST_P(Discovering, EverythingMayEndInTheMiddle)

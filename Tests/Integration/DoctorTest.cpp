@@ -1,14 +1,12 @@
 // The diagnosis as a program, on a machine of the test's own on which one thing after another
 // breaks.
 
-#include "Link/LinkConnection.h"
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
 #include "Tests/Integration/DoctorRun.h"
 #include "Tests/Integration/ServerAndDevice.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <QTcpServer>
-#include <QTcpSocket>
 
 #include <gmock/gmock.h>
 
@@ -34,14 +32,6 @@ struct UnpluggedNetwork {
     ~UnpluggedNetwork() { EXPECT_EQ(std::system("ip link set fv1 up && ip link set fv0 up"), 0); }
     UnpluggedNetwork(const UnpluggedNetwork&) = delete;
     UnpluggedNetwork& operator=(const UnpluggedNetwork&) = delete;
-};
-
-/// A host that talks to the device, as the screen server would.
-struct User final : LinkConnectionDelegate {
-    bool isOpen = false;
-    void linkDidOpen(LinkConnection& /*connection*/) override { isOpen = true; }
-    void linkDidReceive(LinkConnection& /*connection*/, const LinkFrame& /*frame*/) override {}
-    void linkDidEnd(LinkConnection& /*connection*/, const LinkEnd& /*end*/) override {}
 };
 
 /// Notices when the network knows of the test's own device.
@@ -221,13 +211,7 @@ TEST_F(Doctor, FindsADeviceThatRefuses)
 TEST_F(Doctor, FindsADeviceThatIsInUseAndLeavesItsUserAlone)
 {
     startAnnouncedDevice();
-    auto socket = std::make_unique<QTcpSocket>();
-    socket->connectToHost(QStringLiteral("127.0.0.1"), 6001);
-    const auto user = std::make_shared<User>();
-    ASSERT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
-    const auto link =
-        LinkConnection::make(LinkSide::host, std::move(socket), user, ownGreeting(), LinkTimes{});
-    ASSERT_TRUE(waitUntil([&] { return user->isOpen; }));
+    const auto link = occupyDevice(6001);
     expect(examine(), "devices.in-use", "works", 0);
     EXPECT_TRUE(link->isOpen());
 }

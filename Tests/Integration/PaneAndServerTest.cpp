@@ -1,6 +1,7 @@
 // The real pane, the real screen server and a real device, from the choice to the end.
 
 #include "Tests/Integration/PaneSystem.h"
+#include "Tests/Source/SheetFixture.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -20,6 +21,20 @@ class PaneAndServer : public PaneSystem
 protected:
     ~PaneAndServer() override { QDBusConnection::disconnectFromBus(connectionName); }
 
+    FVEConnectToOtherSheetController& sheet() { return *pane->connectToOtherSheetController(); }
+    void typeAndPressOK(const std::string& address)
+    {
+        sheet().otherTextField()->userTyped("");
+        sheet().otherTextField()->userTyped(address);
+        sheet().connectToOtherOKButton()->performClick(nullptr);
+    }
+    void connectTo(const std::string& address)
+    {
+        pane->setInterfaceLoader(std::make_shared<FakeInterfaceLoader>());
+        ASSERT_TRUE(choose("Connect To Other..."));
+        ASSERT_TRUE(sheet().isOpen());
+        typeAndPressOK(address);
+    }
     /// The server that is known as the running one on the bus; 0 for none.
     pid_t runningServer() const
     {
@@ -40,6 +55,8 @@ TEST_F(PaneAndServer, AChosenDeviceIsConnectedAndOffFreesIt)
     ASSERT_TRUE(selects("Desk")) << text("device.log");
     EXPECT_TRUE(deviceSays("Connected to the host at")) << text("device.log");
     EXPECT_EQ(preferences().currentVirtualScreenDevice(), "desk-7.local");
+    EXPECT_FALSE(isConnecting());
+    EXPECT_TRUE(pane->spinningForServerTimer().expired());
     EXPECT_TRUE(pane->warningImage()->isHidden());
     EXPECT_EQ(servers().size(), 1u);
 
@@ -63,14 +80,6 @@ TEST_F(PaneAndServer, APickBeforeTheServerCanHearItIsKept)
     ASSERT_TRUE(servers().empty() || runningServer() == 0);
     ASSERT_TRUE(choose("Desk"));
     EXPECT_TRUE(selects("Desk")) << text("device.log");
-}
-
-TEST_F(PaneAndServer, TheSpinnerGoesWithTheReportOfTheConnection)
-{
-    showConnectedToDesk();
-    runLoopFor(milliseconds(500));
-    EXPECT_FALSE(isConnecting());
-    EXPECT_TRUE(pane->spinningForServerTimer().expired());
 }
 
 TEST_F(PaneAndServer, HiddenAndShownAgainEverythingIsAsItWas)
@@ -164,6 +173,35 @@ TEST_F(PaneAndServer, OnAndOffInQuickSuccessionEndsWithoutAServer)
     EXPECT_TRUE(serversAre(0));
     pane->watchdogTimerOperation(nullptr);
     EXPECT_EQ(switchState(), 0);
+}
+
+TEST_F(PaneAndServer, TheSheetReachesADeviceByItsAddressAndCloses)
+{
+    showWithDesk();
+    connectTo("127.0.0.1");
+    ASSERT_TRUE(waitUntil([this] { return pane->connectedToOtherDevice(); }));
+    EXPECT_EQ(sheet().connectToOtherProgress()->stringValue(), "Connected...");
+    EXPECT_TRUE(waitUntil([this] { return !sheet().isOpen(); }));
+    EXPECT_EQ(pane->connectedToOtherDeviceIPString(), "127.0.0.1");
+    EXPECT_EQ(pane->virtualScreenSelectionPopup()->title(), "127.0.0.1");
+    EXPECT_TRUE(deviceSays("Connected to the host at"));
+    pane->takeNoVirtualScreenFrom(nullptr);
+    EXPECT_TRUE(deviceSays("The host is gone")) << text("device.log");
+}
+
+TEST_F(PaneAndServer, AnAddressWhereNobodyAnswersLeavesTheSheetOpenForAnotherOne)
+{
+    load();
+    show();
+    turnOn();
+    connectTo("127.0.0.1");
+    ASSERT_TRUE(showsError(errorLimit));
+    EXPECT_TRUE(sheet().isOpen());
+    EXPECT_FALSE(pane->connectedToOtherDevice());
+    startDesk();
+    ASSERT_TRUE(deviceSays("Announced"));
+    typeAndPressOK("127.0.0.1");
+    EXPECT_TRUE(waitUntil([this] { return pane->connectedToOtherDevice() && !sheet().isOpen(); }));
 }
 
 } // namespace

@@ -137,22 +137,13 @@ TEST_F(PaneDeviceFaults, OneThatVanishesWithoutAGoodbyeLeavesAndCanBeChosenWhenI
     EXPECT_TRUE(selects("Desk")) << text("device.log");
 }
 
-TEST_F(PaneDeviceFaults, OneThatVanishesIsConnectedAgainWhenItReturns)
+TEST_F(PaneDeviceFaults, OneThatVanishesIsConnectedAgainWhereItReturns)
 {
     showConnectedToDesk();
     device->kill();
     EXPECT_TRUE(selectsNothing(seconds(6)));
     runLoopFor(seconds(3));
     EXPECT_FALSE(errorShows()) << "nobody asked for it now";
-    startDesk();
-    EXPECT_TRUE(selects("Desk")) << text("device.log");
-}
-
-TEST_F(PaneDeviceFaults, OneThatReturnsOnAnotherPortIsFoundThere)
-{
-    showConnectedToDesk();
-    device->kill();
-    EXPECT_TRUE(selectsNothing(seconds(6)));
     startDesk({"--port", "6011"});
     EXPECT_TRUE(selects("Desk")) << text("device.log");
 }

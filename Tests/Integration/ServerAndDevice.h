@@ -6,6 +6,7 @@
 #include "Platform/Posix/Processes/PosixProcessTable.h"
 #include "Platform/Posix/Settings/FilePreferences.h"
 #include "Tests/Integration/TestPanel.h"
+#include "Tests/Link/LinkPeers.h"
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/Isolation.h"
 #include "Tests/Support/PrivateBus.h"
@@ -82,6 +83,17 @@ protected:
         ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
         panel->reports.clear();
     }
+    /// Connects to a device as another computer does; `anotherHost` tells what comes of it.
+    std::shared_ptr<LinkConnection> occupyDevice(std::uint16_t port)
+    {
+        auto socket = std::make_unique<QTcpSocket>();
+        socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+        EXPECT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
+        auto link = LinkConnection::make(LinkSide::host, std::move(socket), anotherHost,
+                                         ownGreeting(), LinkTimes{});
+        EXPECT_TRUE(waitUntil([this] { return anotherHost->opened; }));
+        return link;
+    }
     std::string text(const std::string& log) const
     {
         std::ostringstream all;
@@ -122,6 +134,7 @@ protected:
     std::unique_ptr<FilePreferences> stored;
     /// The user's settings, as the panel changes them.
     std::unique_ptr<FVEPreferences> preferences;
+    std::shared_ptr<LinkRecorder> anotherHost = std::make_shared<LinkRecorder>();
     std::unique_ptr<ChildProcess> device;
     std::unique_ptr<ChildProcess> server;
 };

@@ -3,7 +3,6 @@
 #include "Tests/Integration/ServerAndDevice.h"
 #include "Common/FVEConstants.h"
 #include "Platform/Posix/PosixFileManager.h"
-#include "Tests/Link/LinkPeers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,31 +16,6 @@ using testing::HasSubstr;
 
 namespace
 {
-
-/// A device that the test scripts, on the port where addresses are tried.
-class ServerAndStranger : public ServerAndDevice
-{
-protected:
-    void SetUp() override
-    {
-        ServerAndDevice::SetUp();
-        if (IsSkipped())
-            return;
-        ASSERT_TRUE(stranger.listen(QHostAddress(QHostAddress::LocalHost), 6001));
-        startServer();
-    }
-    QTcpSocket* connection()
-    {
-        waitUntil([this] { return stranger.hasPendingConnections(); });
-        return stranger.nextPendingConnection();
-    }
-    bool asksForTheErrorText(milliseconds limit = seconds(7))
-    {
-        return panel->hears(kRequestingErrorMsgFromPrefPane, limit);
-    }
-
-    QTcpServer stranger;
-};
 
 /// As the tool that root runs does.
 void allowHiDPI()
@@ -57,48 +31,14 @@ void allowHiDPI()
 
 } // namespace
 
-TEST_F(ServerAndDevice, MeetByHostName)
-{
-    startDevice();
-    startServer();
-    connectByName();
-    EXPECT_EQ(panel->last(kServerConnectedToDevice)->deviceName, "desk-7.local");
-    EXPECT_NE(panel->last(kServerConnectedToDevice)->deviceAddress, "");
-    EXPECT_TRUE(deviceSays("Connected to the host at")) << deviceLog();
-}
-
 TEST_F(ServerAndDevice, MeetByHostNameOnAnyPort)
 {
     startDevice({"--port", "0"});
     startServer();
     connectByName();
+    EXPECT_EQ(panel->last(kServerConnectedToDevice)->deviceName, "desk-7.local");
+    EXPECT_NE(panel->last(kServerConnectedToDevice)->deviceAddress, "");
     EXPECT_THAT(deviceLog(), HasSubstr("needs port 6001"));
-}
-
-TEST_F(ServerAndDevice, MeetByAddress)
-{
-    startDevice();
-    startServer();
-    ASSERT_TRUE(deviceSays("Announced")) << deviceLog();
-    panel->connectToAddress("127.0.0.1");
-    ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog();
-    EXPECT_EQ(panel->last(kServerConnectedToDevice)->deviceName, "Other");
-    EXPECT_EQ(panel->last(kServerConnectedToDevice)->deviceAddress, "127.0.0.1");
-    panel->post(kQueryRequestForConnectedHost);
-    ASSERT_TRUE(panel->hears(kQueryResultForConnectedHost));
-    EXPECT_EQ(panel->last(kQueryResultForConnectedHost)->deviceAddress, "127.0.0.1");
-}
-
-TEST_F(ServerAndDevice, PartWhenThePanelAsks)
-{
-    startDevice();
-    startServer();
-    connectByAddress();
-    panel->post(kDisconnectCurrentServerFromHost);
-    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice));
-    EXPECT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
-    panel->reports.clear();
-    connectByAddress();
 }
 
 TEST_F(ServerAndDevice, TellTheUserThatTheDeviceIsInUse)
@@ -106,64 +46,11 @@ TEST_F(ServerAndDevice, TellTheUserThatTheDeviceIsInUse)
     startDevice();
     startServer();
     ASSERT_TRUE(deviceSays("Announced"));
-    auto socket = std::make_unique<QTcpSocket>();
-    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), 6001);
-    ASSERT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
-    const auto seen = std::make_shared<LinkRecorder>();
-    const auto first =
-        LinkConnection::make(LinkSide::host, std::move(socket), seen, ownGreeting(), LinkTimes{});
-    ASSERT_TRUE(waitUntil([&] { return seen->opened; }));
-
+    const auto first = occupyDevice(6001);
     panel->connectToAddress("127.0.0.1");
     ASSERT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));
     EXPECT_THAT(serverLog(), HasSubstr("in use by another computer"));
     EXPECT_TRUE(first->isOpen());
-}
-
-TEST_F(ServerAndDevice, TellTheUserThatTheDeviceRefuses)
-{
-    startDevice({"--refuse", "Closed for maintenance"});
-    startServer();
-    panel->connectTo("desk-7.local");
-    ASSERT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));
-    EXPECT_THAT(serverLog(), HasSubstr("Closed for maintenance"));
-}
-
-TEST_F(ServerAndDevice, ReportADeviceThatIsKilled)
-{
-    startDevice();
-    startServer();
-    connectByAddress();
-    device->kill();
-    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed)) << serverLog();
-}
-
-TEST_F(ServerAndDevice, ReportADeviceThatStopsAnswering)
-{
-    startDevice();
-    startServer();
-    connectByAddress();
-    device->sendSignal(SIGSTOP);
-    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed)) << serverLog();
-    EXPECT_THAT(serverLog(), HasSubstr("stopped answering"));
-
-    device->sendSignal(SIGCONT);
-    ASSERT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
-    connectByAddress();
-}
-
-TEST_F(ServerAndDevice, MeetAgainAfterTheDeviceVanishedAndReturned)
-{
-    startDevice();
-    startServer();
-    connectByName();
-    device->kill();
-    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed));
-    panel->reports.clear();
-    std::filesystem::remove(home.path("device.log"));
-    startDevice();
-    ASSERT_TRUE(deviceSays("Announced")) << deviceLog();
-    EXPECT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
 }
 
 TEST_F(ServerAndDevice, HearTheDevicesGoodbye)
@@ -202,32 +89,6 @@ TEST_F(ServerAndDevice, EndInTimeThoughTheOtherIsStopped)
     EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice));
 }
 
-TEST_F(ServerAndDevice, EndWhenThePanelSaysSo)
-{
-    startDevice();
-    startServer();
-    connectByAddress();
-    panel->post(kTerminateScreenServer);
-    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice));
-    EXPECT_TRUE(serverEnded()) << serverLog();
-    EXPECT_TRUE(deviceSays("The host is gone"));
-}
-
-TEST_F(ServerAndDevice, FreeTheDeviceAndStartAgainWhenTheServerIsKilled)
-{
-    preferences->setCurrentState(1);
-    startDevice();
-    startServer();
-    connectByAddress();
-    const std::int32_t killed = serverPid();
-    ASSERT_GT(killed, 0);
-    ::kill(killed, SIGKILL);
-    EXPECT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
-    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice)) << "the server that follows";
-    EXPECT_NE(serverPid(), killed);
-    EXPECT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
-}
-
 TEST_F(ServerAndDevice, StayAwayAfterACrashWhenFarviewIsOff)
 {
     preferences->setCurrentState(1);
@@ -257,33 +118,6 @@ TEST_F(ServerAndDevice, FreeTheDeviceWhenTheServerIsStopped)
     EXPECT_TRUE(deviceSays("The host is gone", kNoticed)) << deviceLog();
     ::kill(stopped, SIGCONT);
     EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice, kNoticed)) << serverLog();
-}
-
-TEST_F(ServerAndDevice, SurviveTheBus)
-{
-    startDevice();
-    startServer();
-    connectByAddress();
-    bus.stop();
-    ASSERT_TRUE(waitUntil([&] { return !panel->isConnectedToBus(); }));
-    bus.start();
-    ASSERT_TRUE(waitUntil([&] { return panel->isConnectedToBus(); }));
-    // The panel asks for itself when the bus is back; the server also speaks unasked.
-    ASSERT_TRUE(waitUntil([&] {
-        panel->post(kQueryRequestForConnectedHost);
-        return panel->last(kQueryResultForConnectedHost) != nullptr;
-    })) << serverLog();
-    EXPECT_EQ(panel->last(kQueryResultForConnectedHost)->deviceAddress, "127.0.0.1");
-    EXPECT_EQ(panel->last(kServerDisconnectedFromDevice), nullptr) << "the device stayed";
-}
-
-TEST_F(ServerAndDevice, TellTheDeviceWhatTheUserWants)
-{
-    startDevice();
-    startServer();
-    connectByAddress();
-    // The user's defaults.
-    EXPECT_TRUE(deviceSays("these options: touch retina windows-move-back")) << deviceLog();
 }
 
 TEST_F(ServerAndDevice, TellTheDeviceEachChangeOfTheOptions)
@@ -353,58 +187,4 @@ TEST_F(ServerAndDevice, IsOneServerForTheUser)
     EXPECT_TRUE(server->isRunning());
     panel->post(kQueryRequestForConnectedHost);
     EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice));
-}
-
-TEST_F(ServerAndDevice, TellTheUserThatNobodyIsThere)
-{
-    startServer();
-    panel->connectToAddress("127.0.0.1");
-    EXPECT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));
-    EXPECT_THAT(serverLog(), HasSubstr("refused"));
-}
-
-TEST_F(ServerAndStranger, TellTheUserOfADeviceThatNeverGreets)
-{
-    panel->connectToAddress("127.0.0.1");
-    QTcpSocket* const silent = connection();
-    ASSERT_TRUE(silent);
-    EXPECT_TRUE(asksForTheErrorText()) << serverLog();
-}
-
-TEST_F(ServerAndStranger, TellTheUserOfADeviceThatNeverAccepts)
-{
-    // The system completes the connection; nobody takes it.
-    stranger.pauseAccepting();
-    panel->connectToAddress("127.0.0.1");
-    EXPECT_TRUE(asksForTheErrorText()) << serverLog();
-}
-
-TEST_F(ServerAndStranger, TellTheUserOfADeviceThatGreetsWithGarbage)
-{
-    panel->connectToAddress("127.0.0.1");
-    QTcpSocket* const garbled = connection();
-    ASSERT_TRUE(garbled);
-    garbled->write("SSH-2.0-OpenSSH_9.2p1\r\n");
-    EXPECT_TRUE(asksForTheErrorText(seconds(2))) << serverLog();
-}
-
-TEST_F(ServerAndStranger, TellTheUserOfADeviceThatVanishesAtTheGreeting)
-{
-    panel->connectToAddress("127.0.0.1");
-    QTcpSocket* const vanishing = connection();
-    ASSERT_TRUE(vanishing);
-    vanishing->abort();
-    EXPECT_TRUE(asksForTheErrorText(seconds(2))) << serverLog();
-}
-
-TEST_F(ServerAndStranger, GoOnAfterABadDevice)
-{
-    panel->connectToAddress("127.0.0.1");
-    QTcpSocket* const garbled = connection();
-    ASSERT_TRUE(garbled);
-    garbled->write(QByteArray(100000, '\xFF'));
-    ASSERT_TRUE(asksForTheErrorText(seconds(2)));
-    stranger.close();
-    startDevice();
-    connectByAddress();
 }

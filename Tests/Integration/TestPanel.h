@@ -57,7 +57,6 @@ public:
         return found == reports.rend() ? nullptr : &*found;
     }
     DistributedNotificationCenter& center() { return mCenter; }
-    bool isConnectedToBus() const { return mBus.isConnected(); }
 
     std::vector<Report> reports;
 

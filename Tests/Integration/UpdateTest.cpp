@@ -174,16 +174,7 @@ TEST_F(InstalledUpdate, StopsBothProgramsReplacesTheBundleStartsThemAgainAndHarm
     EXPECT_NE(stored("lastUpdateCheck"), "");
     EXPECT_EQ(preferences().lastUpdateOutcome(), "installed");
     EXPECT_EQ(preferences().currentState(), 1) << "the next start finds what the user wanted";
-}
 
-TEST_F(InstalledUpdate, TheNewVersionIsCurrentAndHasItsPrograms)
-{
-    publish(key);
-    ASSERT_NO_FATAL_FAILURE(openWithPrograms());
-    checkNow();
-    ASSERT_TRUE(shows("Farview 1.1 is available.")) << report();
-    sheet().firstButton()->performClick(nullptr);
-    ASSERT_TRUE(shows("Farview 1.1 is installed.")) << report();
     hide();
     bundle = platform().bundles->bundleWithPath(bundlePath);
     reload();

@@ -38,7 +38,9 @@ protected:
         ASSERT_TRUE(pane->initWithBundle(fake.bundles.add("/opt/Farview Preferences.prefPane")));
         for (const auto& outlet : pane->outlets())
             outlet.connect(*pane);
-        pane->setInterfaceLoader(std::make_shared<FakeInterfaceLoader>());
+        const auto loader = std::make_shared<FakeInterfaceLoader>();
+        loader->wire = wireSheet;
+        pane->setInterfaceLoader(loader);
         pane->mainViewDidLoad();
         pane->willSelect();
         pane->didSelect();

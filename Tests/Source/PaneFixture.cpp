@@ -5,20 +5,6 @@
 using farview::Data;
 using farview::PropertyList;
 
-bool FakeInterfaceLoader::loadNibNamed(const std::string& name, const Owner& owner,
-                                       std::string& error)
-{
-    loaded.push_back(name);
-    if (isBroken) {
-        error = "the file is broken";
-        return false;
-    }
-    for (const auto& outlet : owner->outlets())
-        outlet.connect(*owner);
-    wire(owner);
-    return true;
-}
-
 PaneFixture::PaneFixture()
 {
     bundle = fake.bundles.add("/opt/Farview Preferences.prefPane");

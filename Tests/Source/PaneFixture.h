@@ -20,7 +20,18 @@ class FakeInterfaceLoader final : public farview::InterfaceLoader
 public:
     using Owner = std::shared_ptr<farview::InterfaceOwner>;
 
-    bool loadNibNamed(const std::string& name, const Owner& owner, std::string& error) override;
+    bool loadNibNamed(const std::string& name, const Owner& owner, std::string& error) override
+    {
+        loaded.push_back(name);
+        if (isBroken) {
+            error = "the file is broken";
+            return false;
+        }
+        for (const auto& outlet : owner->outlets())
+            outlet.connect(*owner);
+        wire(owner);
+        return true;
+    }
 
     std::function<void(const Owner&)> wire;
     bool isBroken = false;

@@ -8,6 +8,16 @@
 #include <utility>
 #include <vector>
 
+/// Connects the sheet as its interface file does.
+inline void wireSheet(const FakeInterfaceLoader::Owner& owner)
+{
+    auto& sheet = dynamic_cast<FVEConnectToOtherSheetController&>(*owner);
+    sheet.otherTextField()->setEditable(true);
+    sheet.connectToOtherOKButton()->setTitle("OK");
+    sheet.connectToOtherOKButton()->setTarget(owner);
+    sheet.connectToOtherOKButton()->setAction({"okButtonPressed:"});
+}
+
 /// A pane on show whose user opens the sheet and types.
 class SheetFixture : public PaneFixture
 {
@@ -16,13 +26,7 @@ protected:
 
     SheetFixture()
     {
-        loader->wire = [](const FakeInterfaceLoader::Owner& owner) {
-            auto& sheet = dynamic_cast<FVEConnectToOtherSheetController&>(*owner);
-            sheet.otherTextField()->setEditable(true);
-            sheet.connectToOtherOKButton()->setTitle("OK");
-            sheet.connectToOtherOKButton()->setTarget(owner);
-            sheet.connectToOtherOKButton()->setAction({"okButtonPressed:"});
-        };
+        loader->wire = wireSheet;
         pane->setInterfaceLoader(loader);
     }
 

@@ -1,5 +1,4 @@
 #include "Controls/Qt/Binding.h"
-#include "Controls/Qt/Forms/FrameBinding.h"
 #include "Controls/Qt/Forms/FrameContainer.h"
 #include "Controls/Qt/Forms/SheetBindings.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
@@ -367,7 +366,7 @@ constexpr Attempt attempts[] = {
 bool bindToWidget(const std::shared_ptr<View>& view, QWidget* widget)
 {
     if (auto* container = qobject_cast<FrameContainer*>(widget->parentWidget()))
-        new FrameBinding(view, widget, container);
+        container->hold(view, widget);
     for (const Attempt attempt : attempts) {
         const Match match = attempt(view, widget);
         if (match != Match::otherControl)

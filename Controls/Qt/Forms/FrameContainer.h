@@ -2,8 +2,12 @@
 
 #include <QWidget>
 
+#include <memory>
+
 namespace farview
 {
+
+class View;
 
 /// Holds widgets that are placed by frames rather than by a layout, so that an animated frame is
 /// not undone by one. Their frames in the interface file are those of a container as wide as the
@@ -14,6 +18,11 @@ class FrameContainer : public QWidget
 
 public:
     explicit FrameContainer(QWidget* parent);
+
+    /// Keeps that widget of this container at the view's frame (mirrored when reading from right to
+    /// left); the frame grows and shrinks with the container. A widget with the dynamic property
+    /// "trailing" keeps its size and moves along with the far edge instead.
+    void hold(std::shared_ptr<View> view, QWidget* widget);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

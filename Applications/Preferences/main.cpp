@@ -97,37 +97,6 @@ bool hasDisplay()
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-/// All preference panes of the user, of this computer and of the system, in this order.
-QStringList findPanes(farview::SearchPaths& searchPaths)
-{
-    QStringList panes;
-    const auto folders =
-        searchPaths.directories(farview::SearchPathDirectory::preferencePanes,
-                                farview::userDomain | farview::localDomain | farview::systemDomain);
-    for (const auto& folder : folders) {
-        const QDir directory(QString::fromStdString(folder));
-        // Without a name filter: that would bring the pattern machinery into every start.
-        for (const QString& name : directory.entryList(QDir::Dirs, QDir::Name)) {
-            if (name.endsWith(u".prefPane"_qs))
-                panes += QDir::cleanPath(directory.absoluteFilePath(name));
-        }
-    }
-    return panes;
-}
-
-/// The pane to open: the one asked for (a path, perhaps a relative one), else the first of that
-/// name in the search paths, else an empty text.
-QString paneToOpen(const QString& asked, const QString& name, farview::SearchPaths& searchPaths)
-{
-    if (!asked.isEmpty())
-        return QDir::cleanPath(QDir::current().absoluteFilePath(asked));
-    for (const QString& pane : findPanes(searchPaths)) {
-        if (pane.endsWith(u'/' + name))
-            return pane;
-    }
-    return {};
-}
-
 /// Shows the pane twice, for a moment each, then quits the application.
 class SmokeTest : public QObject
 {

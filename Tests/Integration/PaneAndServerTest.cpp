@@ -30,7 +30,9 @@ protected:
     }
     void connectTo(const std::string& address)
     {
-        pane->setInterfaceLoader(std::make_shared<FakeInterfaceLoader>());
+        const auto loader = std::make_shared<FakeInterfaceLoader>();
+        loader->wire = wireSheet;
+        pane->setInterfaceLoader(loader);
         ASSERT_TRUE(choose("Connect To Other..."));
         ASSERT_TRUE(sheet().isOpen());
         typeAndPressOK(address);

@@ -75,6 +75,16 @@ const std::vector<std::string> waits = {
     // The diagnosis asks whether the buses answer before it has a window, or none at all.
     "Platform/Desktop/Bus/BusHandshake.cpp:        const int count = ::poll(&waiting, 1, "
     "std::max(0, static_cast<int>(left.count())));",
+    // A monitor is taken away by its own thread, for half a second at most where the X server
+    // stands
+    // still; after that the connection is cut.
+    "Platform/Desktop/Screens/X11/MonitorThread.cpp:        if (!mEnded.wait_for(lock, patience, "
+    "[this] { return mHasEnded; }))",
+    // The watcher is a process of its own, and the monitor has a thread of its own.
+    "Platform/Desktop/Screens/X11/MonitorWatcher.cpp:        "
+    "std::this_thread::sleep_for(std::chrono::milliseconds(2));",
+    "Platform/Desktop/Screens/X11/ShownMonitor.cpp:    ::poll(files.data(), files.size(), "
+    "longestWait());",
     // An X server is asked by the diagnosis alone, for half a second at most.
     "Platform/Desktop/Screens/X11/RandrConnection.cpp:        return ended.wait_for(lock, limit, "
     "[this] { return isOver; });",

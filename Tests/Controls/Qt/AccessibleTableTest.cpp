@@ -9,10 +9,14 @@ namespace farview::test
 namespace
 {
 
-struct TableForAssistiveTechnology : TableFixture<TableWidget> {
+/// Before there is a widget, as in the product.
+struct WithAccessibleWidgets {
+    WithAccessibleWidgets() { installAccessibleWidgets(); }
+};
+
+struct TableForAssistiveTechnology : WithAccessibleWidgets, TableFixture<TableWidget> {
     TableForAssistiveTechnology()
     {
-        installAccessibleWidgets();
         rows->names = {"Tablet", "Phone"};
         rows->immovable = 0;
         widget.resize(300, 200);

@@ -13,11 +13,11 @@ namespace farview
 namespace
 {
 
-constexpr std::array<int, 3> kSignals{SIGTERM, SIGINT, SIGHUP};
+constexpr std::array<int, 3> endingSignals{SIGTERM, SIGINT, SIGHUP};
 
 // A signal handler reaches nothing but globals.
 int eventDescriptor = -1;
-std::array<struct sigaction, kSignals.size()> previousActions{};
+std::array<struct sigaction, endingSignals.size()> previousActions{};
 
 void handle(int)
 {
@@ -42,14 +42,14 @@ TerminationSignals::TerminationSignals(std::function<void()> action)
     };
     ours.sa_handler = handle;
     ours.sa_flags = SA_RESTART;
-    for (std::size_t index = 0; index < kSignals.size(); ++index)
-        ::sigaction(kSignals[index], &ours, &previousActions[index]);
+    for (std::size_t index = 0; index < endingSignals.size(); ++index)
+        ::sigaction(endingSignals[index], &ours, &previousActions[index]);
 }
 
 TerminationSignals::~TerminationSignals()
 {
-    for (std::size_t index = 0; index < kSignals.size(); ++index)
-        ::sigaction(kSignals[index], &previousActions[index], nullptr);
+    for (std::size_t index = 0; index < endingSignals.size(); ++index)
+        ::sigaction(endingSignals[index], &previousActions[index], nullptr);
     mNotifier.reset();
     ::close(eventDescriptor);
 }

@@ -13,14 +13,14 @@ namespace farview
 namespace
 {
 
-constexpr std::size_t kCandidateLimit = 32;
-constexpr std::size_t kZoneLimit = 16;
+constexpr std::size_t candidateLimit = 32;
+constexpr std::size_t zoneLimit = 16;
 
 void add(std::vector<LinkCandidate>& candidates, const LinkCandidate& candidate)
 {
     const bool known =
         std::find(candidates.begin(), candidates.end(), candidate) != candidates.end();
-    if (!known && candidates.size() < kCandidateLimit)
+    if (!known && candidates.size() < candidateLimit)
         candidates.push_back(candidate);
 }
 
@@ -41,7 +41,7 @@ std::vector<LinkCandidate> linkCandidates(const std::vector<Endpoint>& endpoints
         const std::string plain = endpoint.address.substr(0, percent);
         const std::string zone =
             percent == std::string::npos ? "" : endpoint.address.substr(percent + 1);
-        if (endpoint.port == 0 || zone.size() > kZoneLimit || !isValidIPAddress(plain))
+        if (endpoint.port == 0 || zone.size() > zoneLimit || !isValidIPAddress(plain))
             continue;
         const QHostAddress address(QString::fromStdString(plain));
         const bool needsZone =

@@ -13,10 +13,10 @@ namespace farview
 namespace
 {
 
-constexpr qint64 kReadAtOnce = qint64{64} * 1024;
+constexpr qint64 readAtOnce = qint64{64} * 1024;
 /// After its time a silent peer gets this long: when this process itself was stopped, the peer's
 /// bytes wait in the socket and are read first.
-constexpr std::chrono::milliseconds kSecondLook{100};
+constexpr std::chrono::milliseconds secondLook{100};
 
 std::string numericAddress(QHostAddress address)
 {
@@ -85,7 +85,7 @@ void LinkConnection::begin()
     for (QTimer* timer : {&mDeadline, &mSilence, &mKeepAlive})
         timer->setSingleShot(true);
 
-    mSocket->setReadBufferSize(4 * kReadAtOnce);
+    mSocket->setReadBufferSize(4 * readAtOnce);
     mSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     keepSystemsQueueShort(*mSocket);
     mDeadline.start(mTimes.greeting);
@@ -103,7 +103,7 @@ void LinkConnection::begin()
 void LinkConnection::readBytes()
 {
     while (mState != State::ended && !wasDropped() && mSocket->bytesAvailable() > 0) {
-        const QByteArray chunk = mSocket->read(kReadAtOnce);
+        const QByteArray chunk = mSocket->read(readAtOnce);
         if (chunk.isEmpty())
             return;
         mSilenceSuspected = false;
@@ -319,7 +319,7 @@ void LinkConnection::silenceElapsed()
         return;
     }
     mSilenceSuspected = true;
-    mSilence.start(kSecondLook);
+    mSilence.start(secondLook);
 }
 
 void LinkConnection::write(Bytes bytes)

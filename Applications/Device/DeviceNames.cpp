@@ -11,9 +11,9 @@ namespace farview
 namespace
 {
 
-constexpr std::size_t kLongestLabel = 63;
+constexpr std::size_t longestLabel = 63;
 /// Room for the dash and the digits behind the computer's name.
-constexpr std::size_t kLongestPrefix = 40;
+constexpr std::size_t longestPrefix = 40;
 
 bool isLetterOrDigit(char c)
 {
@@ -54,7 +54,7 @@ std::string readableDeviceName(const std::string& computerHostName)
 {
     std::string name;
     bool isFirstOfWord = true;
-    for (const char c : firstLabel(computerHostName).substr(0, kLongestLabel)) {
+    for (const char c : firstLabel(computerHostName).substr(0, longestLabel)) {
         const bool isWordCharacter = isLetterOrDigit(c);
         if (isWordCharacter && isFirstOfWord && !name.empty())
             name += ' ';
@@ -75,7 +75,7 @@ std::string ownDeviceHostName(const std::string& computerHostName, std::string_v
         else if (!prefix.empty() && prefix.back() != '-')
             prefix += '-';
     }
-    prefix.resize(std::min(prefix.size(), kLongestPrefix));
+    prefix.resize(std::min(prefix.size(), longestPrefix));
     while (!prefix.empty() && prefix.back() == '-')
         prefix.pop_back();
     const std::string identity = std::string(machineIdentity) + '\n' + std::string(deviceName);
@@ -84,14 +84,14 @@ std::string ownDeviceHostName(const std::string& computerHostName, std::string_v
 
 bool isDeviceName(const std::string& text)
 {
-    return !text.empty() && text.size() <= kLongestLabel &&
-           plainLinkText(text, kLongestLabel) == text;
+    return !text.empty() && text.size() <= longestLabel &&
+           plainLinkText(text, longestLabel) == text;
 }
 
 bool isHostLabel(const std::string& text)
 {
     const auto fits = [](char c) { return isLetterOrDigit(c) || c == '-'; };
-    return !text.empty() && text.size() <= kLongestLabel && text.front() != '-' &&
+    return !text.empty() && text.size() <= longestLabel && text.front() != '-' &&
            text.back() != '-' && std::all_of(text.begin(), text.end(), fits);
 }
 

@@ -13,8 +13,8 @@ namespace
 {
 
 /// All connections together, those that are saying goodbye included.
-constexpr std::size_t kMostGuests = 32;
-constexpr std::chrono::milliseconds kStopLimit{950};
+constexpr std::size_t mostGuests = 32;
+constexpr std::chrono::milliseconds stopLimit{950};
 
 std::map<std::string, Data> record(FVExConnectState state)
 {
@@ -114,7 +114,7 @@ void DeviceServer::admit(std::unique_ptr<QTcpSocket> socket)
                                        [](const Guest& guest) { return guest.isWaiting; });
     if (static_cast<std::size_t>(waiting) >= mostWaiting)
         displaceOldestWaiting();
-    if (mGuests.size() >= kMostGuests)
+    if (mGuests.size() >= mostGuests)
         dropOldestLeaving();
     mGuests.push_back({LinkConnection::make(LinkSide::device, std::move(socket), weak_from_this(),
                                             ownGreeting(), mTimes)});
@@ -260,7 +260,7 @@ void DeviceServer::stop(std::function<void()> then)
         mGuests.clear();
         finishWhenAlone();
     });
-    mStopLimit.start(mGuests.empty() ? std::chrono::milliseconds(0) : kStopLimit);
+    mStopLimit.start(mGuests.empty() ? std::chrono::milliseconds(0) : stopLimit);
 }
 
 void DeviceServer::finishWhenAlone()

@@ -8,8 +8,8 @@ namespace farview
 namespace
 {
 
-constexpr int kWidth = 420;
-constexpr double kHeadlineScale = 1.6;
+constexpr int windowWidth = 420;
+constexpr double headlineScale = 1.6;
 
 /// Names and addresses are foreign: never markup.
 QLabel* plainLabel(QVBoxLayout& layout, const char* objectName)
@@ -73,10 +73,10 @@ DeviceWindow::DeviceWindow(std::function<void()> closed) : mClosed(std::move(clo
     mTrouble = plainLabel(*layout, "deviceTrouble");
     layout->addStretch();
     QFont large = mName->font();
-    large.setPointSizeF(large.pointSizeF() * kHeadlineScale);
+    large.setPointSizeF(large.pointSizeF() * headlineScale);
     mName->setFont(large);
     setWindowTitle(QStringLiteral("Farview Device"));
-    resize(kWidth, sizeHint().height());
+    resize(windowWidth, sizeHint().height());
 }
 
 void DeviceWindow::closeEvent(QCloseEvent* event)

@@ -22,7 +22,7 @@ namespace
 
 using namespace farview;
 
-constexpr int kNoPort = 3;
+constexpr int noPort = 3;
 
 /// Whether there is a display to show a window on.
 bool hasDisplay()
@@ -86,7 +86,7 @@ private:
             showWindow();
         if (!mServer->start()) {
             mPlatform.log->write(LogLevel::error, "There is no port to listen on");
-            QCoreApplication::exit(kNoPort);
+            QCoreApplication::exit(noPort);
         }
     }
     void showWindow()

@@ -15,9 +15,9 @@ namespace farview
 namespace
 {
 
-constexpr long kStateOn = 1;
+constexpr long stateOn = 1;
 /// How long a device that failed may take to say where it is now.
-constexpr Duration kResolveLimit{5.0};
+constexpr Duration resolveLimit{5.0};
 
 std::vector<AnnouncedDevice> announcedDevices(const QLNBonjourBrowser::ServiceList& services)
 {
@@ -117,7 +117,7 @@ void AutoConnector::preferencesChanged()
 bool AutoConnector::isWanted()
 {
     return mServices.preferences.autoConnectOption() &&
-           mServices.preferences.currentState() == kStateOn;
+           mServices.preferences.currentState() == stateOn;
 }
 
 QLNBonjourBrowser::ServiceList AutoConnector::servicesOfHost(const std::string& hostName) const
@@ -166,7 +166,7 @@ void AutoConnector::attemptFailed(const std::string& hostName)
     for (const auto& service : servicesOfHost(hostName)) {
         mTried.insert(service->name());
         // It may have moved to another address or port.
-        service->resolveWithTimeout(kResolveLimit);
+        service->resolveWithTimeout(resolveLimit);
     }
     considerSoon();
 }

@@ -13,13 +13,13 @@ namespace farview
 namespace
 {
 
-constexpr std::size_t kLongestHostName = 255;
+constexpr std::size_t longestHostName = 255;
 
 bool isHostName(const std::string* text)
 {
     const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
-    return text && !text->empty() && text->size() <= kLongestHostName &&
-           *text != kOtherDeviceName && std::none_of(text->begin(), text->end(), isControl);
+    return text && !text->empty() && text->size() <= longestHostName && *text != kOtherDeviceName &&
+           std::none_of(text->begin(), text->end(), isControl);
 }
 
 } // namespace

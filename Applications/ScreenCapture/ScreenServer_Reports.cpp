@@ -12,12 +12,12 @@ namespace farview
 namespace
 {
 
-constexpr unsigned kToAllAtOnce = DistributedNotificationCenter::deliverImmediately |
-                                  DistributedNotificationCenter::postToAllSessions;
+constexpr unsigned toAllAtOnce = DistributedNotificationCenter::deliverImmediately |
+                                 DistributedNotificationCenter::postToAllSessions;
 /// How long the bus may take to bring our last post back, which proves that it is on its way.
-constexpr Duration kLastPostLimit{0.3};
+constexpr Duration lastPostLimit{0.3};
 /// When the server ends, whatever is still open.
-constexpr Duration kQuitLimit{0.95};
+constexpr Duration quitLimit{0.95};
 
 } // namespace
 
@@ -31,7 +31,7 @@ void ScreenServer::announceState()
 
 void ScreenServer::post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo)
 {
-    mServices.center.postNotificationName(name, "", std::move(userInfo), kToAllAtOnce);
+    mServices.center.postNotificationName(name, "", std::move(userInfo), toAllAtOnce);
 }
 
 void ScreenServer::postDevice(const char* name)
@@ -73,8 +73,8 @@ void ScreenServer::quit()
     mServices.center.addObserver(
         self, [postIsSent](const Notification&) { postIsSent(); }, kServerDisconnectedFromDevice,
         "");
-    mServices.runLoop.performAfterDelay(kLastPostLimit, self, postIsSent);
-    mServices.runLoop.performAfterDelay(kQuitLimit, self, [this] {
+    mServices.runLoop.performAfterDelay(lastPostLimit, self, postIsSent);
+    mServices.runLoop.performAfterDelay(quitLimit, self, [this] {
         mGoodbyeSaid = true;
         finishWhenSaid();
     });

@@ -162,7 +162,8 @@ std::optional<PropertyList> QLNRegistryExplorer::findNamedIORegistryService(cons
     if (!isASCII(name))
         return std::nullopt;
     const auto end = name.find('\0');
-    const auto path = std::string(servicePlane) + ":/IOResources/" + name.substr(0, end);
+    std::string path(servicePlane);
+    path.append(":/IOResources/").append(name, 0, end);
     const auto entry = mRegistry.entryFromPath(path);
     if (entry == 0)
         return std::nullopt;

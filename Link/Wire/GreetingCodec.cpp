@@ -11,11 +11,11 @@ namespace farview
 namespace
 {
 
-constexpr std::array<std::uint8_t, 8> kMagic{'F', 'V', 'E', 'L', 'I', 'N', 'K', '\n'};
-constexpr std::size_t kEnvelopeSize = kMagic.size() + 2;
-constexpr std::uint32_t kRequiredFlag = 1;
-constexpr std::uint32_t kAccepted = 1;
-constexpr std::uint32_t kRefused = 2;
+constexpr std::array<std::uint8_t, 8> magic{'F', 'V', 'E', 'L', 'I', 'N', 'K', '\n'};
+constexpr std::size_t envelopeSize = magic.size() + 2;
+constexpr std::uint32_t requiredFlag = 1;
+constexpr std::uint32_t accepted = 1;
+constexpr std::uint32_t refused = 2;
 
 bool isFeatureName(const std::string& name)
 {
@@ -43,7 +43,7 @@ void appendFeatures(Bytes& bytes, std::vector<LinkFeature> features)
     features = encodable(std::move(features));
     appendNumber(bytes, static_cast<std::uint32_t>(features.size()), 1);
     for (const LinkFeature& feature : features) {
-        appendNumber(bytes, feature.required ? kRequiredFlag : 0, 1);
+        appendNumber(bytes, feature.required ? requiredFlag : 0, 1);
         appendNumber(bytes, static_cast<std::uint32_t>(feature.name.size()), 1);
         bytes.insert(bytes.end(), feature.name.begin(), feature.name.end());
     }
@@ -69,14 +69,14 @@ std::optional<std::vector<LinkFeature>> readFeatures(ByteReader& reader, std::ui
             return std::nullopt;
         if (!features.empty() && features.back().name >= name)
             return std::nullopt;
-        features.push_back({std::move(name), flags == kRequiredFlag});
+        features.push_back({std::move(name), flags == requiredFlag});
     }
     return features;
 }
 
 Bytes enveloped(const Bytes& body)
 {
-    Bytes bytes(kMagic.begin(), kMagic.end());
+    Bytes bytes(magic.begin(), magic.end());
     appendNumber(bytes, static_cast<std::uint32_t>(body.size()), 2);
     bytes.insert(bytes.end(), body.begin(), body.end());
     return bytes;
@@ -86,28 +86,28 @@ Bytes enveloped(const Bytes& body)
 template <typename Value, typename Read> Decoded<Value> decodeEnveloped(ByteView bytes, Read read)
 {
     Decoded<Value> result;
-    const std::size_t known = std::min(bytes.size(), kMagic.size());
+    const std::size_t known = std::min(bytes.size(), magic.size());
     if (!std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(known),
-                    kMagic.begin())) {
+                    magic.begin())) {
         result.status = DecodeStatus::malformed;
         return result;
     }
-    if (bytes.size() < kEnvelopeSize)
+    if (bytes.size() < envelopeSize)
         return result;
-    const std::size_t size = ByteReader(bytes.subspan(kMagic.size())).number(2);
-    if (kEnvelopeSize + size > kLinkGreetingLimit) {
+    const std::size_t size = ByteReader(bytes.subspan(magic.size())).number(2);
+    if (envelopeSize + size > kLinkGreetingLimit) {
         result.status = DecodeStatus::malformed;
         return result;
     }
-    if (bytes.size() < kEnvelopeSize + size)
+    if (bytes.size() < envelopeSize + size)
         return result;
-    ByteReader reader(bytes.subspan(kEnvelopeSize, size));
+    ByteReader reader(bytes.subspan(envelopeSize, size));
     std::optional<Value> value = read(reader);
     const bool good = value.has_value() && reader.isExhausted();
     result.status = good ? DecodeStatus::complete : DecodeStatus::malformed;
     if (good) {
         result.value = std::move(*value);
-        result.consumed = kEnvelopeSize + size;
+        result.consumed = envelopeSize + size;
     }
     return result;
 }
@@ -117,7 +117,7 @@ std::optional<LinkGreeting> readGreeting(ByteReader& reader)
     LinkGreeting greeting;
     greeting.lowestVersion = static_cast<std::uint8_t>(reader.number(1));
     greeting.highestVersion = static_cast<std::uint8_t>(reader.number(1));
-    auto features = readFeatures(reader, kRequiredFlag);
+    auto features = readFeatures(reader, requiredFlag);
     if (!features || greeting.lowestVersion < 1 || greeting.highestVersion < greeting.lowestVersion)
         return std::nullopt;
     greeting.features = std::move(*features);
@@ -151,9 +151,9 @@ std::optional<LinkAnswer> readRefusal(ByteReader& reader)
 std::optional<LinkAnswer> readAnswer(ByteReader& reader)
 {
     switch (reader.number(1)) {
-    case kAccepted:
+    case accepted:
         return readAgreement(reader);
-    case kRefused:
+    case refused:
         return readRefusal(reader);
     default:
         return std::nullopt;
@@ -173,7 +173,7 @@ Bytes encodeAnswer(const LinkAnswer& answer)
 {
     Bytes body;
     if (const auto* refusal = std::get_if<LinkRefusal>(&answer)) {
-        body = {kRefused, static_cast<std::uint8_t>(refusal->code)};
+        body = {refused, static_cast<std::uint8_t>(refusal->code)};
         appendText(body, refusal->text);
         return enveloped(body);
     }
@@ -181,7 +181,7 @@ Bytes encodeAnswer(const LinkAnswer& answer)
     std::vector<LinkFeature> features;
     for (const std::string& name : agreement.features)
         features.push_back({name, false});
-    body = {kAccepted, agreement.version};
+    body = {accepted, agreement.version};
     appendFeatures(body, std::move(features));
     return enveloped(body);
 }

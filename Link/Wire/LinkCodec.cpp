@@ -20,10 +20,10 @@ enum FrameKind : std::uint8_t {
     deviceScreen = 20,
 };
 
-constexpr std::uint32_t kTouchBit = 1;
-constexpr std::uint32_t kRetinaBit = 2;
-constexpr std::uint32_t kHiDPIBit = 4;
-constexpr std::uint32_t kWindowsMoveBackBit = 8;
+constexpr std::uint32_t touchBit = 1;
+constexpr std::uint32_t retinaBit = 2;
+constexpr std::uint32_t hiDPIBit = 4;
+constexpr std::uint32_t windowsMoveBackBit = 8;
 
 struct FrameBody {
     FrameKind kind;
@@ -33,9 +33,9 @@ struct FrameBody {
 
 FrameBody body(const LinkOptions& value)
 {
-    const std::uint32_t bits = (value.touch ? kTouchBit : 0) | (value.retina ? kRetinaBit : 0) |
-                               (value.hiDPI ? kHiDPIBit : 0) |
-                               (value.windowsMoveBack ? kWindowsMoveBackBit : 0);
+    const std::uint32_t bits = (value.touch ? touchBit : 0) | (value.retina ? retinaBit : 0) |
+                               (value.hiDPI ? hiDPIBit : 0) |
+                               (value.windowsMoveBack ? windowsMoveBackBit : 0);
     FrameBody result{FrameKind::options, {}};
     appendNumber(result.payload, bits, 4);
     return result;
@@ -114,10 +114,10 @@ bool sizeFits(std::uint32_t kind, std::size_t size)
 std::optional<LinkFrame> readOptions(ByteReader& reader)
 {
     const std::uint32_t bits = reader.number(4);
-    if ((bits & ~(kTouchBit | kRetinaBit | kHiDPIBit | kWindowsMoveBackBit)) != 0)
+    if ((bits & ~(touchBit | retinaBit | hiDPIBit | windowsMoveBackBit)) != 0)
         return std::nullopt;
-    return LinkOptions{(bits & kTouchBit) != 0, (bits & kRetinaBit) != 0, (bits & kHiDPIBit) != 0,
-                       (bits & kWindowsMoveBackBit) != 0};
+    return LinkOptions{(bits & touchBit) != 0, (bits & retinaBit) != 0, (bits & hiDPIBit) != 0,
+                       (bits & windowsMoveBackBit) != 0};
 }
 
 std::optional<LinkFrame> readGoodbye(ByteReader& reader)

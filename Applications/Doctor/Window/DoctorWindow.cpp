@@ -17,8 +17,8 @@ namespace farview
 namespace
 {
 
-constexpr QSize kSize{720, 560};
-constexpr int kAreas = static_cast<int>(Area::devices) + 1;
+constexpr QSize windowSize{720, 560};
+constexpr int areas = static_cast<int>(Area::devices) + 1;
 
 QLabel* plainLabel(QBoxLayout& layout, const char* objectName)
 {
@@ -36,7 +36,7 @@ DoctorWindow::DoctorWindow(Actions actions) : mActions(std::move(actions))
 {
     buildControls();
     setWindowTitle(text("Farview Diagnosis"));
-    resize(kSize);
+    resize(windowSize);
     showBeginning();
 }
 
@@ -49,7 +49,7 @@ void DoctorWindow::buildControls()
     mVerdict->setFont(bold);
     mProgress = new QProgressBar;
     mProgress->setObjectName(QStringLiteral("progressBar"));
-    mProgress->setRange(0, kAreas);
+    mProgress->setRange(0, areas);
     mProgress->setTextVisible(false);
     mProgress->setAccessibleName(text("Progress of the diagnosis"));
     layout->addWidget(mProgress);

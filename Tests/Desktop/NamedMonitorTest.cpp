@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
+#include "Tests/Desktop/ScreenListener.h"
 #include "Tests/Support/PrivateXServer.h"
 #include "Tests/Support/WaitUntil.h"
 
@@ -13,17 +14,6 @@ namespace farview
 {
 namespace
 {
-
-struct Listener final : VirtualScreenDelegate {
-    std::optional<ScreenGeometry> geometry;
-    std::optional<ScreenObstacle> end;
-
-    void didAppear(const ScreenGeometry& appeared) override { geometry = appeared; }
-    void didChange(const ScreenGeometry& changed) override { geometry = changed; }
-    void frameReady() override {}
-    void cursorChanged() override {}
-    void didEnd(ScreenObstacle reason) override { end = reason; }
-};
 
 /// A server on which every output is on.
 class NamedMonitorTest : public testing::Test
@@ -54,7 +44,7 @@ protected:
     ScreenArranger mOthers{mServer.display()};
     QtRunLoop mLoop;
     X11VirtualScreens mScreens{mLoop, FARVIEW_MONITOR_WATCHER};
-    std::shared_ptr<Listener> mListener = std::make_shared<Listener>();
+    std::shared_ptr<ScreenListener> mListener = std::make_shared<ScreenListener>();
     std::unique_ptr<VirtualScreen> mScreen;
 };
 

@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 
 #include "Platform/Desktop/QtRunLoop.h"
+#include "Tests/Desktop/ScreenListener.h"
 #include "Tests/Support/PrivateXServer.h"
 #include "Tests/Support/WaitUntil.h"
 
@@ -12,17 +13,6 @@ namespace farview
 {
 namespace
 {
-
-struct Listener final : VirtualScreenDelegate {
-    std::optional<ScreenGeometry> geometry;
-    std::optional<ScreenObstacle> end;
-
-    void didAppear(const ScreenGeometry& appeared) override { geometry = appeared; }
-    void didChange(const ScreenGeometry& changed) override { geometry = changed; }
-    void frameReady() override {}
-    void cursorChanged() override {}
-    void didEnd(ScreenObstacle reason) override { end = reason; }
-};
 
 class X11VirtualScreensTest : public testing::Test
 {
@@ -53,7 +43,7 @@ protected:
     ScreenArranger mOthers{mServer.display()};
     QtRunLoop mLoop;
     X11VirtualScreens mScreens{mLoop, FARVIEW_MONITOR_WATCHER};
-    std::shared_ptr<Listener> mListener = std::make_shared<Listener>();
+    std::shared_ptr<ScreenListener> mListener = std::make_shared<ScreenListener>();
     std::unique_ptr<VirtualScreen> mScreen;
 };
 
@@ -160,7 +150,7 @@ TEST_F(X11VirtualScreensTest, WhatOthersSwitchedOffLeavesNothing)
 TEST_F(X11VirtualScreensTest, OneMonitorOnOneDisplay)
 {
     open();
-    const auto second = std::make_shared<Listener>();
+    const auto second = std::make_shared<ScreenListener>();
     const auto other = mScreens.open({.name = "Tablet", .width = 800, .height = 600}, second);
     ASSERT_TRUE(waitUntil([&] { return second->end.has_value(); }));
     EXPECT_EQ(second->end, ScreenObstacle::inUse);

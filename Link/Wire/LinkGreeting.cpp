@@ -1,5 +1,7 @@
 #include "Link/Wire/LinkGreeting.h"
 
+#include "Link/Wire/LinkFrame.h"
+
 #include <algorithm>
 
 namespace farview
@@ -35,7 +37,10 @@ bool LinkAgreement::has(const std::string& feature) const
     return std::find(features.begin(), features.end(), feature) != features.end();
 }
 
-LinkGreeting ownGreeting() { return {}; }
+LinkGreeting ownGreeting()
+{
+    return {.features = {{kLinkScreenFeature}, {kLinkZstdFeature}}};
+}
 
 LinkGreeting probingGreeting()
 {

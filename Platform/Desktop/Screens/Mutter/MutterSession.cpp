@@ -42,9 +42,12 @@ QString pathIn(const QDBusMessage& reply)
     return reply.arguments().at(0).value<QDBusObjectPath>().path();
 }
 
-ScreenObstacle obstacleOf(QDBusError::ErrorType error)
+ScreenObstacle obstacleOf(const QDBusMessage& reply)
 {
-    switch (error) {
+    // The library has no number for this one.
+    if (reply.errorName() == u"org.freedesktop.DBus.Error.NameHasNoOwner")
+        return ScreenObstacle::protocolMissing;
+    switch (QDBusError(reply).type()) {
     case QDBusError::ServiceUnknown:
     case QDBusError::UnknownObject:
     case QDBusError::UnknownInterface:
@@ -64,7 +67,7 @@ ScreenObstacle obstacleOf(QDBusError::ErrorType error)
 void findObstacle(SessionBus& bus, QObject* asker, const QDBusMessage& reply,
                   std::function<void(ScreenObstacle)> then)
 {
-    const auto obstacle = obstacleOf(QDBusError(reply).type());
+    const auto obstacle = obstacleOf(reply);
     if (obstacle != ScreenObstacle::notPermitted)
         return then(obstacle);
     // While the screen is locked Mutter lets nobody have a session.

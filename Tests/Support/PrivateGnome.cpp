@@ -62,6 +62,7 @@ PrivateGnome::PrivateGnome(const std::vector<std::string>& monitors) : mPipeWire
 std::unique_ptr<ChildProcess> PrivateGnome::start(const std::string& command)
 {
     const auto log = mFolder.path(command.substr(0, command.find(' ')) + ".log");
+    setenv("MUTTER_DEBUG", "screen-cast", 1); setenv("G_MESSAGES_DEBUG", "all", 1);
     return std::make_unique<ChildProcess>(
         std::vector<std::string>{"sh", "-c", "exec " + command + " >'" + log + "' 2>&1"});
 }
@@ -89,7 +90,10 @@ void GnomeArranger::bePointer()
                             QStringLiteral("CreateSession"));
     mPointer = reply.arguments().value(0).value<QDBusObjectPath>().path();
     call(kRemoteDesktop, mPointer, kRemoteSession, QStringLiteral("Start"));
-    movePointer(0, 0);
+    // Into the corner, wherever it was.
+    movePointer(-20000, -20000);
+    mPointerX = 0;
+    mPointerY = 0;
 }
 
 GnomeArranger::~GnomeArranger()
@@ -138,10 +142,10 @@ bool GnomeArranger::apply(const farview::DisplayLayout& layout)
 
 void GnomeArranger::movePointer(int x, int y)
 {
-    // Into the corner, wherever it was.
-    for (const auto& [dx, dy] : {std::pair(-20000.0, -20000.0), std::pair<double, double>(x, y)})
-        call(kRemoteDesktop, mPointer, kRemoteSession,
-             QStringLiteral("NotifyPointerMotionRelative"), {dx, dy});
+    call(kRemoteDesktop, mPointer, kRemoteSession, QStringLiteral("NotifyPointerMotionRelative"),
+         {double(x - mPointerX), double(y - mPointerY)});
+    mPointerX = x;
+    mPointerY = y;
 }
 
 void GnomeArranger::fill(int x, int y, int width, int height, std::uint32_t colour)

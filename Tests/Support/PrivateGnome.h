@@ -73,6 +73,8 @@ private:
 
     QDBusConnection mConnection;
     QString mPointer;
+    int mPointerX = 0;
+    int mPointerY = 0;
     int mCommands = -1;
     std::unique_ptr<ChildProcess> mPainter;
 };

@@ -108,8 +108,12 @@ private:
         QPixmap image(int(numbers.at(0)), int(numbers.at(0)));
         image.fill(QColor(numbers.at(1)));
         mCursor = QCursor(image, int(numbers.at(2)), int(numbers.at(2)));
-        for (const auto& [screen, canvas] : mCanvases)
-            canvas->setCursor(mCursor);
+        // Mutter 43 may look at a new image before it is drawn, and then not again. The second time
+        // it is drawn already.
+        for (const auto& [screen, canvas] : mCanvases) {
+            for (const auto& cursor : {mCursor, QCursor(Qt::BlankCursor), mCursor})
+                canvas->setCursor(cursor);
+        }
         return true;
     }
 

@@ -62,7 +62,8 @@ PrivateGnome::PrivateGnome(const std::vector<std::string>& monitors) : mPipeWire
 std::unique_ptr<ChildProcess> PrivateGnome::start(const std::string& command)
 {
     const auto log = mFolder.path(command.substr(0, command.find(' ')) + ".log");
-    setenv("MUTTER_DEBUG", "screen-cast", 1); setenv("G_MESSAGES_DEBUG", "all", 1);
+    setenv("MUTTER_DEBUG", "screen-cast", 1);
+    setenv("G_MESSAGES_DEBUG", "all", 1);
     return std::make_unique<ChildProcess>(
         std::vector<std::string>{"sh", "-c", "exec " + command + " >'" + log + "' 2>&1"});
 }
@@ -86,8 +87,8 @@ GnomeArranger::GnomeArranger(PrivateGnome& desktop)
 /// From the beginning: programs lose the first motion on a seat that has no pointer yet.
 void GnomeArranger::bePointer()
 {
-    const auto reply = call(kRemoteDesktop, kRemoteDesktopPath, kRemoteDesktop,
-                            QStringLiteral("CreateSession"));
+    const auto reply =
+        call(kRemoteDesktop, kRemoteDesktopPath, kRemoteDesktop, QStringLiteral("CreateSession"));
     mPointer = reply.arguments().value(0).value<QDBusObjectPath>().path();
     call(kRemoteDesktop, mPointer, kRemoteSession, QStringLiteral("Start"));
     // Into the corner, wherever it was.

@@ -58,6 +58,8 @@ public:
         // A screen may come after the order to paint on it.
         connect(&mRetry, &QTimer::timeout, this, &Painter::obeyAll);
         mRetry.start(5);
+        connect(&mRepeat, &QTimer::timeout, this, &Painter::repeat);
+        mRepeat.start(200);
     }
 
 private:
@@ -108,17 +110,31 @@ private:
         QPixmap image(int(numbers.at(0)), int(numbers.at(0)));
         image.fill(QColor(numbers.at(1)));
         mCursor = QCursor(image, int(numbers.at(2)), int(numbers.at(2)));
-        // Mutter 43 may look at a new image before it is drawn, and then not again. The second time
-        // it is drawn already.
+        showCursor();
+        return true;
+    }
+
+    /// Mutter 43 may look at a new image before it is drawn, and then not again: so it is hidden
+    /// and shown once more.
+    void showCursor()
+    {
         for (const auto& [screen, canvas] : mCanvases) {
             for (const auto& cursor : {mCursor, QCursor(Qt::BlankCursor), mCursor})
                 canvas->setCursor(cursor);
         }
-        return true;
+    }
+
+    /// PipeWire 0.3 drops a frame when another buffer follows before its reader is awake.
+    void repeat()
+    {
+        for (const auto& [screen, canvas] : mCanvases)
+            canvas->update();
+        showCursor();
     }
 
     QSocketNotifier mInput{STDIN_FILENO, QSocketNotifier::Read};
     QTimer mRetry;
+    QTimer mRepeat;
     QByteArray mText;
     QCursor mCursor;
     std::map<QScreen*, std::unique_ptr<Canvas>> mCanvases;

@@ -225,10 +225,10 @@ void PipeWireStream::usePointer(const spa_buffer& buffer)
     auto news = pointerIn(buffer);
     if (!news)
         return;
-    const bool isNews = mScreen->moveCursor(news->position) || news->image;
-    if (news->image)
-        mScreen->setCursor(std::move(*news->image));
-    if (isNews)
+    const bool looksDifferent = news->image && *news->image != mPointer;
+    if (looksDifferent)
+        mScreen->setCursor(mPointer = std::move(*news->image));
+    if (mScreen->moveCursor(news->position) || looksDifferent)
         tell(&Events::cursorChanged);
 }
 

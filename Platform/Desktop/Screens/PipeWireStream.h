@@ -91,6 +91,7 @@ private:
     Size mSize;
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;
     pw_buffer* mNewest = nullptr; ///< not copied yet: a frame is out
+    CursorImage mPointer;
     bool mIsFirst = true;         ///< of its size
     bool mHasEnded = false;
 };

@@ -382,7 +382,7 @@ TEST_F(LinkConnectionToStranger, SaysGoodbyeToAPeerThatBreaksARule)
 
 TEST_F(LinkConnectionToStranger, DoesNotTakeAScreenRectangleThatWasNotAgreed)
 {
-    openDevice();
+    openDevice({});
     writeBytes(*stranger, encodeFrame(LinkScreenRectangle{}));
     expectEnd(LinkEndReason::brokenRule);
 }

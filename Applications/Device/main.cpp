@@ -1,3 +1,4 @@
+#include "Applications/Device/AwakeScreen.h"
 #include "Applications/Device/DeviceArguments.h"
 #include "Applications/Device/DeviceNames.h"
 #include "Applications/Device/DeviceServer.h"
@@ -9,6 +10,7 @@
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
 #include "Platform/Desktop/Looks/AppearancePortal.h"
+#include "Platform/Posix/Languages.h"
 #include "Platform/Posix/Settings/MachineIdentifier.h"
 
 #include <QApplication>
@@ -80,8 +82,10 @@ private:
     }
     void serve()
     {
+        if (mHasWindow)
+            makeWindow();
         mServer = std::make_shared<DeviceServer>(settingsFor(mArguments), mPublisher,
-                                                 *mPlatform.log, LinkTimes{});
+                                                 *mPlatform.log, LinkTimes{}, mWindow.get());
         if (mHasWindow)
             showWindow();
         if (!mServer->start()) {
@@ -89,11 +93,16 @@ private:
             QCoreApplication::exit(noPort);
         }
     }
-    void showWindow()
+    void makeWindow()
     {
         mPortal.emplace(mDesktop.sessionBus().connection(),
                         [this](const AppearancePreferences& wanted) { mLook.follow(wanted); });
-        mWindow = std::make_unique<DeviceWindow>([this] { quit(); });
+        mWindow = std::make_unique<DeviceWindow>(
+            mTexts, DeviceWindow::Actions{[this] { quit(); }, [this] { mServer->sendHostAway(); },
+                                          [this](bool isShown) { mAwake.keep(isShown); }});
+    }
+    void showWindow()
+    {
         mServer->setObserver([this] { mWindow->showStatus(mServer->status()); });
         mWindow->showStatus(mServer->status());
         mWindow->show();
@@ -107,8 +116,10 @@ private:
     std::optional<AppearancePortal> mPortal;
     DesktopNetServicePublisher mPublisher{*mPlatform.log};
     std::shared_ptr<OtherDevices> mOthers;
-    std::shared_ptr<DeviceServer> mServer;
+    DeviceTexts mTexts{preferredLanguages(Environment(EnvironmentUse::honoured))};
+    AwakeScreen mAwake{mDesktop.sessionBus(), mTexts.text("Shows the picture of another computer")};
     std::unique_ptr<DeviceWindow> mWindow;
+    std::shared_ptr<DeviceServer> mServer;
 };
 
 int run(const DeviceArguments& arguments, bool hasWindow)

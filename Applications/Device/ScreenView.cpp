@@ -1,5 +1,7 @@
 #include "Applications/Device/ScreenView.h"
 
+#include "Applications/Device/PictureImage.h"
+
 #include <QPaintEvent>
 #include <QPainter>
 
@@ -14,14 +16,6 @@ namespace
 constexpr std::size_t mostParts = 500;
 
 QRect toRect(const PixelRect& part) { return {part.x, part.y, part.width, part.height}; }
-
-/// The pixels where they are: nothing is copied.
-QImage imageOf(const Picture& picture, QImage::Format format)
-{
-    const auto* pixels = reinterpret_cast<const uchar*>(picture.view().pixels);
-    return {pixels, picture.width(), picture.height(),
-            picture.width() * static_cast<int>(sizeof(std::uint32_t)), format};
-}
 
 } // namespace
 

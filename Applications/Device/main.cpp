@@ -4,6 +4,7 @@
 #include "Applications/Device/DeviceServer.h"
 #include "Applications/Device/DeviceWindow.h"
 #include "Applications/Device/OtherDevices.h"
+#include "Applications/Device/PictureFile.h"
 #include "Applications/TerminationSignals.h"
 #include "Controls/Qt/DesktopLook.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
@@ -84,8 +85,12 @@ private:
     {
         if (mHasWindow)
             makeWindow();
+        if (mArguments.pictureFile)
+            mFile = std::make_unique<PictureFile>(QString::fromStdString(*mArguments.pictureFile),
+                                                  *mPlatform.log);
+        Glass* const glass = mFile ? static_cast<Glass*>(mFile.get()) : mWindow.get();
         mServer = std::make_shared<DeviceServer>(settingsFor(mArguments), mPublisher,
-                                                 *mPlatform.log, LinkTimes{}, mWindow.get());
+                                                 *mPlatform.log, LinkTimes{}, glass);
         if (mHasWindow)
             showWindow();
         if (!mServer->start()) {
@@ -119,6 +124,7 @@ private:
     DeviceTexts mTexts{preferredLanguages(Environment(EnvironmentUse::honoured))};
     AwakeScreen mAwake{mDesktop.sessionBus(), mTexts.text("Shows the picture of another computer")};
     std::unique_ptr<DeviceWindow> mWindow;
+    std::unique_ptr<PictureFile> mFile;
     std::shared_ptr<DeviceServer> mServer;
 };
 

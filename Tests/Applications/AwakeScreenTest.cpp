@@ -2,54 +2,15 @@
 
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/ScriptedScreenSaver.h"
 #include "Tests/Support/TestBus.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
-
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <set>
 
 namespace farview
 {
 namespace
 {
-
-/// A desktop that can be kept awake.
-class ScreenSaver : public QDBusVirtualObject
-{
-public:
-    explicit ScreenSaver(const std::string& address)
-        : mConnection(QDBusConnection::connectToBus(QString::fromStdString(address), name))
-    {
-        mConnection.registerVirtualObject(QStringLiteral("/org/freedesktop/ScreenSaver"), this);
-        mConnection.registerService(QStringLiteral("org.freedesktop.ScreenSaver"));
-    }
-    ~ScreenSaver() override { QDBusConnection::disconnectFromBus(name); }
-
-    QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override
-    {
-        if (message.member() == QStringLiteral("UnInhibit"))
-            return cookies.erase(message.arguments().at(0).toUInt()) == 1;
-        cookies.insert(++mLast);
-        reason = message.arguments().at(1).toString().toStdString();
-        return connection.send(isBroken ? message.createErrorReply(QDBusError::NoMemory, {})
-                                        : message.createReply(mLast));
-    }
-
-    std::set<uint> cookies; ///< of those who want it awake
-    std::string reason;
-    bool isBroken = false;
-
-private:
-    static inline const QString name = QStringLiteral("screen-saver");
-    QDBusConnection mConnection;
-    uint mLast = 100;
-};
 
 class AwakeScreenTest : public testing::Test
 {
@@ -57,7 +18,8 @@ protected:
     PrivateBus bus;
     SessionBusScope session{bus.address()};
     FakeLog log;
-    std::unique_ptr<ScreenSaver> desktop = std::make_unique<ScreenSaver>(bus.address());
+    std::unique_ptr<ScriptedScreenSaver> desktop =
+        std::make_unique<ScriptedScreenSaver>(bus.address());
     TestBus ours{log};
     AwakeScreen awake{ours, QStringLiteral("Shows a picture")};
 };
@@ -90,7 +52,7 @@ TEST_F(AwakeScreenTest, IsKeptAwakeOnTheBusThatComesAfter)
     bus.stop();
     ASSERT_TRUE(waitUntil([&] { return !ours.isConnected(); }));
     bus.start();
-    desktop = std::make_unique<ScreenSaver>(bus.address());
+    desktop = std::make_unique<ScriptedScreenSaver>(bus.address());
     EXPECT_TRUE(waitUntil([&] { return desktop->cookies.size() == 1; }));
 }
 

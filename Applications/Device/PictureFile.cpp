@@ -31,10 +31,11 @@ void PictureFile::showFrame(const std::vector<PixelRect>& /*changed*/, std::size
 
 bool PictureFile::write() const
 {
+    QImage image = imageOf(mPicture->picture());
+    image.reinterpretAsFormat(QImage::Format_RGB32);
     QSaveFile file(mPath);
     const QByteArray format = QFileInfo(mPath).suffix().toUpper().toLatin1();
-    return file.open(QIODevice::WriteOnly) &&
-           imageOf(mPicture->picture(), QImage::Format_RGB32).save(&file, format.constData()) &&
+    return file.open(QIODevice::WriteOnly) && image.save(&file, format.constData()) &&
            file.commit();
 }
 

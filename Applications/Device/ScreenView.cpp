@@ -133,13 +133,14 @@ void ScreenView::drawPart(QPainter& painter, const QRect& part) const
     const QRect pixels =
         QRectF(part.x() * ratio, part.y() * ratio, part.width() * ratio, part.height() * ratio)
             .toAlignedRect();
-    if (!mPlace.area.contains(pixels))
-        painter.fillRect(pixels, Qt::black);
+    painter.fillRect(pixels, Qt::black);
     painter.setClipRect(mPlace.area, Qt::IntersectClip);
-    painter.drawImage(mPlace.area, imageOf(mPicture->picture(), QImage::Format_RGB32));
+    // Received pixels say nothing of their opacity: added to black they are opaque.
+    painter.setCompositionMode(QPainter::CompositionMode_Plus);
+    painter.drawImage(mPlace.area, imageOf(mPicture->picture()));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     if (const auto& cursor = mPicture->cursor())
-        painter.drawImage(mPlace.onGlass(pointerPart()),
-                          imageOf(cursor->image, QImage::Format_ARGB32_Premultiplied));
+        painter.drawImage(mPlace.onGlass(pointerPart()), imageOf(cursor->image));
     painter.restore();
 }
 

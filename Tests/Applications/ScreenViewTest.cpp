@@ -236,6 +236,24 @@ TEST_F(ScreenViewTest, PixelForPixelALargerPictureFollowsThePointer)
     EXPECT_TRUE(isEqual(onTheGlass(), part(size.width(), size.height())));
 }
 
+// On some desktops windows are mixed with what lies behind them.
+TEST_F(ScreenViewTest, NothingShinesThrough)
+{
+    begin(inPixels(glass / 2));
+    open();
+    scenes.writeText(*frame, wholeOf(*frame));
+    scenes.takePhotograph(*frame, pixelRect(0, 0, 64, 64));
+    send();
+    for (const bool isFitted : {true, false}) {
+        view.setFitted(isFitted);
+        QImage seen(glass, QImage::Format_ARGB32_Premultiplied);
+        seen.fill(Qt::transparent);
+        view.render(&seen, {}, {}, {});
+        for (int x = 0; x < seen.width(); ++x)
+            ASSERT_EQ(qAlpha(seen.pixel(x, seen.height() / 2)), 255) << x;
+    }
+}
+
 TEST_F(ScreenViewTest, IsBlackWithoutAPicture)
 {
     begin(inPixels(glass));

@@ -117,22 +117,26 @@ RequestedPart requested(const DisplayState& state, const LogicalMonitor& part)
     return request;
 }
 
-/// How far to the right a part reaches.
-int rightEdge(const DisplayState& state, const LogicalMonitor& part)
+/// Of a screen; no real one is larger.
+std::int16_t shortNumber(int number)
+{
+    using Limits = std::numeric_limits<std::int16_t>;
+    return static_cast<std::int16_t>(std::clamp<int>(number, Limits::min(), Limits::max()));
+}
+
+/// In the desktop's own units.
+PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part)
 {
     const auto* monitor = state.monitor(part.monitors.value(0));
     const auto* mode = monitor ? monitor->currentMode() : nullptr;
     if (!mode)
-        return part.x;
+        return {shortNumber(part.x), shortNumber(part.y), 0, 0};
+    const double scale = state.isScaled ? part.scale : 1;
+    const auto width = shortNumber(static_cast<int>(std::lround(mode->width / scale)));
+    const auto height = shortNumber(static_cast<int>(std::lround(mode->height / scale)));
     const bool isTurned = part.transform % 2 != 0;
-    const int pixels = isTurned ? mode->height : mode->width;
-    return part.x + (state.isScaled ? static_cast<int>(std::lround(pixels / part.scale)) : pixels);
-}
-
-PixelPoint pointOnAScreen(int x, int y)
-{
-    constexpr int furthest = std::numeric_limits<std::int16_t>::max();
-    return pixelPoint(std::clamp(x, 0, furthest), std::clamp(y, 0, furthest));
+    return {shortNumber(part.x), shortNumber(part.y), isTurned ? height : width,
+            isTurned ? width : height};
 }
 
 } // namespace
@@ -232,12 +236,20 @@ bool haveSameMonitors(const DisplayLayout& left, const DisplayLayout& right)
            std::all_of(right.begin(), right.end(), isIn(left));
 }
 
-PixelPoint besideEverything(const DisplayState& state, const DisplayLayout& layout)
+std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout)
+{
+    std::vector<PixelRect> areas;
+    for (const auto& part : layout)
+        areas.insert(part.isPrimary ? areas.begin() : areas.end(), areaOf(state, part));
+    return areas;
+}
+
+PixelPoint besideEverything(const std::vector<PixelRect>& areas)
 {
     PixelPoint corner;
-    for (const auto& part : layout) {
-        if (const int edge = rightEdge(state, part); edge > corner.x)
-            corner = pointOnAScreen(edge, part.y);
+    for (const auto& area : areas) {
+        if (const int edge = area.x + area.width; edge > corner.x)
+            corner = {shortNumber(edge), area.y};
     }
     return corner;
 }

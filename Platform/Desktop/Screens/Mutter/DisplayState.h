@@ -8,6 +8,7 @@
 #include <QVariantMap>
 
 #include <optional>
+#include <vector>
 
 namespace farview
 {
@@ -88,8 +89,10 @@ DisplayLayout withPrimary(DisplayLayout layout);
 bool isSameLayout(const DisplayLayout& left, const DisplayLayout& right);
 /// Whether the same monitors show something, wherever.
 bool haveSameMonitors(const DisplayLayout& left, const DisplayLayout& right);
+/// What the parts cover in the desktop's own units, the primary one first.
+std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout);
 /// The upper right corner of what is furthest to the right.
-PixelPoint besideEverything(const DisplayState& state, const DisplayLayout& layout);
+PixelPoint besideEverything(const std::vector<PixelRect>& areas);
 /// Two scales are the same when they differ by less.
 constexpr double scaleAccuracy = 0.01;
 /// The one that is wanted, where the mode has it; else the mode's usual one.

@@ -1,8 +1,6 @@
 #include "Platform/Desktop/Screens/Mutter/MutterMonitor.h"
 
-#include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 namespace farview
@@ -21,13 +19,6 @@ constexpr int longestSide = 16384;
 bool isPossible(int width, int height)
 {
     return width > 0 && width <= longestSide && height > 0 && height <= longestSide;
-}
-
-PixelPoint cornerOf(const LogicalMonitor& part)
-{
-    using Limits = std::numeric_limits<std::int16_t>;
-    return pixelPoint(std::clamp<int>(part.x, Limits::min(), Limits::max()),
-                      std::clamp<int>(part.y, Limits::min(), Limits::max()));
 }
 
 } // namespace
@@ -137,17 +128,18 @@ void MutterMonitor::adoptLayout()
     const auto* part = shownBy(mState->layout, *mOurs);
     if (!part || !mode())
         return end(ScreenObstacle::takenAway);
-    const auto corner = cornerOf(*part);
-    if (corner != mCorner.value_or(besideEverything(*mState, mUsers)))
+    const auto others = areasOf(*mState, mUsers);
+    const auto corner = pixelPoint(part->x, part->y);
+    if (corner != mCorner.value_or(besideEverything(others)))
         mCorner = corner;
     if (part->scale != possibleScale(*mode(), mWish.scale))
         mWish.scale = part->scale;
-    report({corner, mode()->width, mode()->height, part->scale, mode()->rate});
+    report({corner, mode()->width, mode()->height, part->scale, mode()->rate, others});
 }
 
 DisplayLayout MutterMonitor::layoutWithOurs(std::optional<PixelPoint> corner) const
 {
-    const auto place = corner.value_or(besideEverything(*mState, mUsers));
+    const auto place = corner.value_or(besideEverything(areasOf(*mState, mUsers)));
     const double scale = mode() ? possibleScale(*mode(), mWish.scale) : 1;
     auto layout = mUsers;
     layout.append({place.x, place.y, scale, 0, false, {*mOurs}});

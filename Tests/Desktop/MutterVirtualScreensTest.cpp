@@ -70,14 +70,15 @@ TEST_F(MutterVirtualScreensTest, TheUsersMonitorsStayWhereTheyWere)
 {
     const auto before = usersMonitors();
     open();
-    EXPECT_EQ(usersMonitors(), before);
+    EXPECT_TRUE(waitUntil([&] { return usersMonitors() == before; }));
     EXPECT_EQ(geometry().place, pixelPoint(2560, 1080));
     EXPECT_EQ(geometry().others,
               (std::vector{pixelRect(0, 1080, 2560, 1600), pixelRect(0, 0, 1920, 1080)}));
     mScreen->resize(3840, 2160);
     ASSERT_TRUE(becomes(3840, 2160));
-    EXPECT_EQ(usersMonitors(), before);
-    EXPECT_EQ(geometry().place, pixelPoint(2560, 1080));
+    runLoopFor(std::chrono::milliseconds(200));
+    EXPECT_TRUE(waitUntil([&] { return usersMonitors() == before; }));
+    EXPECT_TRUE(waitUntil([&] { return geometry().place == pixelPoint(2560, 1080); }));
 }
 
 TEST_F(MutterVirtualScreensTest, RemovalLeavesEverythingAsItWas)
@@ -89,9 +90,10 @@ TEST_F(MutterVirtualScreensTest, RemovalLeavesEverythingAsItWas)
     mScreen->place(pixelPoint(1920, 0));
     ASSERT_TRUE(waitUntil([&] { return geometry().place == pixelPoint(1920, 0); }));
     mScreen.reset();
+    // Mutter may arrange them once more after that.
     EXPECT_TRUE(isLayout(before));
-    runLoopFor(std::chrono::milliseconds(200));
-    EXPECT_EQ(mOthers.layout(), before);
+    runLoopFor(std::chrono::milliseconds(500));
+    EXPECT_TRUE(isLayout(before));
 }
 
 TEST_F(MutterVirtualScreensTest, APlaceThatCannotBeChangesNothing)
@@ -122,8 +124,8 @@ TEST_F(MutterVirtualScreensTest, WhatTheUserArrangesMeanwhileStays)
     const auto users = usersMonitors();
     mScreen->resize(800, 600);
     ASSERT_TRUE(becomes(800, 600));
-    EXPECT_EQ(geometry().place, pixelPoint(2560, 1200));
-    EXPECT_EQ(usersMonitors(), users);
+    EXPECT_TRUE(waitUntil(
+        [&] { return usersMonitors() == users && geometry().place == pixelPoint(2560, 1200); }));
     mScreen.reset();
     EXPECT_TRUE(isLayout(users.substr(0, users.size() - 1)));
 }

@@ -217,6 +217,11 @@ DisplayLayout withPrimary(DisplayLayout layout)
     return layout;
 }
 
+bool isOneRow(const DisplayLayout& layout)
+{
+    return std::all_of(layout.begin(), layout.end(), [](const auto& part) { return part.y == 0; });
+}
+
 bool isSameLayout(const DisplayLayout& left, const DisplayLayout& right)
 {
     return left.size() == right.size() &&

@@ -85,6 +85,8 @@ const LogicalMonitor* shownBy(const DisplayLayout& layout, const MonitorId& id);
 DisplayLayout without(DisplayLayout layout, const MonitorId& id);
 /// With one part that is the primary one: Mutter wants that.
 DisplayLayout withPrimary(DisplayLayout layout);
+/// As Mutter arranges monitors by itself.
+bool isOneRow(const DisplayLayout& layout);
 /// In whatever order.
 bool isSameLayout(const DisplayLayout& left, const DisplayLayout& right);
 /// Whether the same monitors show something, wherever.

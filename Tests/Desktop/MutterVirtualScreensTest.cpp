@@ -26,7 +26,7 @@ protected:
         });
         layout[0].x = 0;
         layout[0].isPrimary = false;
-        layout[1] = {0, 1080, 2, 0, true, layout[1].monitors};
+        layout[1] = {0, 720, 2, 0, true, layout[1].monitors};
         EXPECT_TRUE(mOthers.apply(layout));
     }
     void open(int width = 1024, int height = 600, double scale = 1)
@@ -56,7 +56,7 @@ protected:
         return waitUntil([&] { return mOthers.layout() == layout; });
     }
 
-    PrivateGnome mDesktop{{"1920x1080", "2560x1600"}};
+    PrivateGnome mDesktop{{"1280x720", "1920x1200"}};
     GnomeArranger mOthers{mDesktop};
     FakeLog mLog;
     TestBus mBus{mLog};
@@ -71,14 +71,14 @@ TEST_F(MutterVirtualScreensTest, TheUsersMonitorsStayWhereTheyWere)
     const auto before = usersMonitors();
     open();
     EXPECT_TRUE(waitUntil([&] { return usersMonitors() == before; }));
-    EXPECT_EQ(geometry().place, pixelPoint(2560, 1080));
+    EXPECT_EQ(geometry().place, pixelPoint(1920, 720));
     EXPECT_EQ(geometry().others,
-              (std::vector{pixelRect(0, 1080, 2560, 1600), pixelRect(0, 0, 1920, 1080)}));
-    mScreen->resize(3840, 2160);
-    ASSERT_TRUE(becomes(3840, 2160));
+              (std::vector{pixelRect(0, 720, 1920, 1200), pixelRect(0, 0, 1280, 720)}));
+    mScreen->resize(1600, 1200);
+    ASSERT_TRUE(becomes(1600, 1200));
     runLoopFor(std::chrono::milliseconds(200));
     EXPECT_TRUE(waitUntil([&] { return usersMonitors() == before; }));
-    EXPECT_TRUE(waitUntil([&] { return geometry().place == pixelPoint(2560, 1080); }));
+    EXPECT_TRUE(waitUntil([&] { return geometry().place == pixelPoint(1920, 720); }));
 }
 
 TEST_F(MutterVirtualScreensTest, RemovalLeavesEverythingAsItWas)
@@ -87,8 +87,8 @@ TEST_F(MutterVirtualScreensTest, RemovalLeavesEverythingAsItWas)
     open();
     mScreen->resize(800, 600);
     ASSERT_TRUE(becomes(800, 600));
-    mScreen->place(pixelPoint(1920, 0));
-    ASSERT_TRUE(waitUntil([&] { return geometry().place == pixelPoint(1920, 0); }));
+    mScreen->place(pixelPoint(1280, 0));
+    ASSERT_TRUE(waitUntil([&] { return geometry().place == pixelPoint(1280, 0); }));
     mScreen.reset();
     // Mutter may arrange them once more after that.
     EXPECT_TRUE(isLayout(before));
@@ -106,7 +106,7 @@ TEST_F(MutterVirtualScreensTest, APlaceThatCannotBeChangesNothing)
     EXPECT_EQ(mOthers.layout(), before);
     mScreen->resize(800, 600);
     ASSERT_TRUE(becomes(800, 600));
-    EXPECT_EQ(geometry().place, pixelPoint(2560, 1080));
+    EXPECT_EQ(geometry().place, pixelPoint(1920, 720));
 }
 
 TEST_F(MutterVirtualScreensTest, WhatTheUserArrangesMeanwhileStays)
@@ -117,15 +117,15 @@ TEST_F(MutterVirtualScreensTest, WhatTheUserArrangesMeanwhileStays)
         if (part.monitors[0].connector == u"Meta-0")
             part.x = 640;
         if (part.monitors[0].connector == u"Meta-2")
-            part = {2560, 1200, 1, 0, false, part.monitors};
+            part = {1920, 840, 1, 0, false, part.monitors};
     }
     ASSERT_TRUE(mOthers.apply(layout));
-    ASSERT_TRUE(waitUntil([&] { return geometry().place == pixelPoint(2560, 1200); }));
+    ASSERT_TRUE(waitUntil([&] { return geometry().place == pixelPoint(1920, 840); }));
     const auto users = usersMonitors();
     mScreen->resize(800, 600);
     ASSERT_TRUE(becomes(800, 600));
     EXPECT_TRUE(waitUntil(
-        [&] { return usersMonitors() == users && geometry().place == pixelPoint(2560, 1200); }));
+        [&] { return usersMonitors() == users && geometry().place == pixelPoint(1920, 840); }));
     mScreen.reset();
     EXPECT_TRUE(isLayout(users.substr(0, users.size() - 1)));
 }

@@ -189,6 +189,25 @@ TEST_P(PanelInEachLanguage, InTheRoomThatItsWindowGivesNothingScrolls)
     }
 }
 
+TEST_P(PanelInEachLanguage, WhatIsSaidOfTheMonitorIsInThatLanguage)
+{
+    load(GetParam());
+    fake.preferences.setAppValue("currentState", 1, "com.quillon.Farview");
+    show();
+    announce("Desk", "desk.local.");
+    serverConnectedTo("desk.local.");
+    auto report = shownScreen();
+    report.scale = 2;
+    serverReports(report);
+    const auto text = find<QLabel>("deviceHintLabel")->text();
+    const bool isEnglish = GetParam() == std::string("en");
+    for (const char* number : {"1920", "1200", "60", "200"})
+        EXPECT_TRUE(text.contains(QString::fromLatin1(number))) << text.toStdString();
+    EXPECT_FALSE(text.contains(u'$')) << text.toStdString();
+    EXPECT_EQ(text.contains(u"your main display"_qs), isEnglish) << text.toStdString();
+    EXPECT_EQ(text.contains(u"enlarged"_qs), isEnglish) << text.toStdString();
+}
+
 TEST_P(PanelInEachLanguage, NoShortcutIsGivenTwiceOnOnePage)
 {
     load(GetParam());

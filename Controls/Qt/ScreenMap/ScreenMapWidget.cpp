@@ -16,7 +16,7 @@ constexpr int marginAround = 6; // for the focus ring
 constexpr double lineWidth = 1.5;
 constexpr double screenRadius = 2;
 constexpr double ringRadius = 6;
-constexpr int linesHigh = 7;
+constexpr int linesHigh = 9;
 constexpr int linesWide = 14;
 constexpr int answerTime = 1000; // milliseconds
 

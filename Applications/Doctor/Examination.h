@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,6 +62,7 @@ private:
     Findings examineDisplay();
     void examineNext();
     void askForRights();
+    void askForScreen();
     void lookForDevices();
     void end(std::vector<DeviceFact> devices, std::size_t more, bool isComplete);
     DiscoveryFacts discoveryFacts() const;
@@ -75,6 +77,7 @@ private:
     std::unique_ptr<AvahiDaemonLink> mDaemon;
     std::shared_ptr<DevicesProbe> mDevices;
     PolkitFacts mRights;
+    std::optional<ScreenAvailability> mScreen;
 };
 
 } // namespace farview

@@ -5,6 +5,7 @@
 #include "Platform/Desktop/Bus/BusHandshake.h"
 #include "Platform/Types/AuthorizationStatus.h"
 #include "Platform/Types/DiscoveryCondition.h"
+#include "Platform/VirtualScreens.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -174,5 +175,8 @@ struct DisplayFacts {
 
 DisplayFacts displayFacts(const SessionFacts& session);
 Findings findingsAboutDisplay(const DisplayFacts& facts);
+
+/// `answer` is nothing when nobody said in time what is possible.
+Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer);
 
 } // namespace farview

@@ -62,8 +62,6 @@ ScreenMapWidget::ScreenMapWidget(QWidget* parent) : QWidget(parent)
 
 void ScreenMapWidget::setMap(std::shared_ptr<ScreenMap> map) { mMap = std::move(map); }
 
-void ScreenMapWidget::refresh() { letGo(); }
-
 void ScreenMapWidget::choose(ScreenSide side)
 {
     const auto map = mMap;
@@ -151,7 +149,7 @@ void ScreenMapWidget::mouseReleaseEvent(QMouseEvent* event)
     if (!mPressed || event->button() != Qt::LeftButton)
         return;
     const ScreenSide asked = sideAt(event->position());
-    letGo();
+    refresh();
     if (asked != side())
         choose(asked);
 }
@@ -164,7 +162,7 @@ void ScreenMapWidget::keyPressEvent(QKeyEvent* event)
     else if (event->matches(QKeySequence::Undo) && mMap)
         std::shared_ptr(mMap)->userTookBack();
     else if (event->matches(QKeySequence::Cancel) && mPressed)
-        letGo();
+        refresh();
     else
         QWidget::keyPressEvent(event);
 }
@@ -172,25 +170,25 @@ void ScreenMapWidget::keyPressEvent(QKeyEvent* event)
 bool ScreenMapWidget::event(QEvent* event)
 {
     if (event->type() == QEvent::UngrabMouse && mPressed)
-        letGo();
+        refresh();
     return QWidget::event(event);
 }
 
 void ScreenMapWidget::hideEvent(QHideEvent* event)
 {
-    letGo();
+    refresh();
     QWidget::hideEvent(event);
 }
 
 void ScreenMapWidget::timerEvent(QTimerEvent* event)
 {
     if (event->timerId() == mPatience.timerId())
-        letGo();
+        refresh();
     else
         QWidget::timerEvent(event);
 }
 
-void ScreenMapWidget::letGo()
+void ScreenMapWidget::refresh()
 {
     mPatience.stop();
     mPressed.reset();

@@ -22,7 +22,7 @@ public:
     explicit ScreenMapWidget(QWidget* parent);
 
     void setMap(std::shared_ptr<ScreenMap> map);
-    /// Shows what the map is now.
+    /// Shows what the map is now, and lets go of what the user holds or asked for.
     void refresh();
     /// What the user asks for, wherever.
     void choose(ScreenSide side);
@@ -52,7 +52,6 @@ private:
     PixelRect shownMonitor() const;
     ScreenSide side() const { return sideOf(mMap->monitor(), mMap->screens().front()); }
     ScreenSide sideAt(QPointF mouse) const;
-    void letGo();
     void drawScreens(QPainter& painter) const;
 
     std::shared_ptr<ScreenMap> mMap;

@@ -32,11 +32,11 @@ void Examination::start(std::function<void(Area)> areaBegun, std::function<void(
     mAreaBegun = std::move(areaBegun);
     mEnded = std::move(ended);
     auto& loop = *mContext.platform.runLoop;
-    askForSessionFacts(mContext.platform, mContext.bus, weak_from_this(),
-                       [this](const SessionFacts& session) {
-                           mSession = session;
-                           examineNext();
-                       });
+    askForSessionAnswers(mContext.platform, mContext.bus, weak_from_this(),
+                         [this](const SessionAnswers& session) {
+                             mSession = session;
+                             examineNext();
+                         });
     loop.performAfterDelay(limit, weak_from_this(), [this] {
         end(mDevices ? mDevices->devices() : std::vector<DeviceFact>{}, 0, false);
     });

@@ -70,7 +70,7 @@ private:
     DiagnosisContext mContext;
     Notebook& mNotebook;
     DevicesProbe::Times mTimes;
-    SessionFacts mSession;
+    SessionAnswers mSession;
     std::size_t mNext = 0;
     std::function<void(Area)> mAreaBegun;
     std::function<void()> mEnded;

@@ -111,8 +111,9 @@ TEST_F(Doctor, FindsEverythingInOrderAndChangesNothing)
     EXPECT_EQ(run.detail("devices.ready", "host"), "desk-7.local");
     EXPECT_EQ(run.detail("devices.ready", "port"), "6001");
     EXPECT_THAT(run.detail("devices.ready", "addresses"), HasSubstr("10.88.0.1:6001"));
-    for (const char* each : {"versions.pane", "versions.server", "bus.session", "driver.published",
-                             "discovery.embedded", "preferences.good", "processes.server-off"})
+    for (const char* each :
+         {"versions.pane", "versions.server", "bus.session", "driver.published",
+          "discovery.embedded", "preferences.good", "processes.server-off", "screen.no-desktop"})
         EXPECT_TRUE(run.finds(each)) << each << "\n" << run.output();
     EXPECT_EQ(files(), before);
     EXPECT_EQ(deviceLog().find("Connected to the host"), std::string::npos) << deviceLog();

@@ -137,7 +137,7 @@ TEST_F(LaunchOnABusTest, TwoProgramsThatLaunchAtOnceEndUpWithOne)
     runLoopFor(100ms);
     EXPECT_EQ(countOf("started"), 1);
     EXPECT_EQ(countOf("second"), 1);
-    EXPECT_EQ(mApplications.running().size(), 1u);
+    EXPECT_TRUE(waitUntil([&] { return mApplications.running().size() == 1; }));
 }
 
 TEST_F(LaunchOnABusTest, AnApplicationThatRunsIsNotStartedAgain)
@@ -188,8 +188,7 @@ TEST_F(LaunchOnABusTest, OffAndOnWhileItIsStillComingUpStartsANewOneToo)
     askToQuit();
     EXPECT_TRUE(launch(mWorkspace));
     EXPECT_TRUE(waitUntil([&] { return countOf("started") == 2; }));
-    runLoopFor(300ms);
-    EXPECT_EQ(mApplications.running().size(), 1u);
+    EXPECT_TRUE(waitUntil([&] { return mApplications.running().size() == 1; }));
 }
 
 TEST_F(LaunchOnABusTest, AnApplicationThatCrashedIsStartedAgain)

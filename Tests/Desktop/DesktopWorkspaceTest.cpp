@@ -7,6 +7,7 @@
 #include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -167,7 +168,9 @@ TEST_F(LaunchOnABusTest, OffAndOnInQuickSuccessionStartsANewOneThatWaitsItsTurn)
     askToQuit();
     EXPECT_TRUE(launch(mWorkspace));
     ASSERT_TRUE(waitForNotes(5));
-    EXPECT_EQ(notes(), (Notes{"started", "turn", "started", "ended", "turn"}));
+    // Which of the two is quicker is nobody's affair.
+    EXPECT_THAT(notes(), testing::AnyOf(Notes{"started", "turn", "started", "ended", "turn"},
+                                        Notes{"started", "turn", "ended", "started", "turn"}));
 }
 
 TEST_F(LaunchOnABusTest, OffAndOnRightAfterAnotherLaunchStartsANewOneToo)

@@ -73,7 +73,10 @@ Findings Examination::examineDriver()
 
 Findings Examination::examineProcesses()
 {
-    return findingsAboutProcesses(processFacts(mContext.platform, mSession));
+    auto findings = findingsAboutProcesses(processFacts(mContext.platform, mSession));
+    for (auto& each : findingsAboutPacketLog(packetLogFacts(mContext.platform)))
+        findings.push_back(std::move(each));
+    return findings;
 }
 
 Findings Examination::examinePreferences()

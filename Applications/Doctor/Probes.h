@@ -109,6 +109,16 @@ struct ProcessFacts {
 ProcessFacts processFacts(Platform& platform, const SessionAnswers& session);
 Findings findingsAboutProcesses(const ProcessFacts& facts);
 
+/// What is kept of the packets that the server sent.
+struct PacketLogFacts {
+    bool isOn = false;  ///< what the user set
+    std::string home;   ///< the folder in which logs are made
+    std::string latest; ///< the folder of the last log; empty when there is none
+};
+
+PacketLogFacts packetLogFacts(Platform& platform);
+Findings findingsAboutPacketLog(const PacketLogFacts& facts);
+
 /// One file of settings.
 struct PreferencesFileFact {
     enum class State {

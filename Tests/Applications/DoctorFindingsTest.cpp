@@ -173,6 +173,16 @@ TEST(ProcessFindings, SayWhenTheTableCannotBeRead)
     EXPECT_THAT(names(findingsAboutProcesses(facts)), ElementsAre("unreadable"));
 }
 
+TEST(PacketLogFindings, SayWhetherItIsOnAndWhereItLies)
+{
+    EXPECT_THAT(names(findingsAboutPacketLog({})), ElementsAre("packet-log-off"));
+    EXPECT_THAT(troubles(findingsAboutPacketLog({})), IsEmpty());
+    EXPECT_THAT(troubles(findingsAboutPacketLog({true, "/home/anna", ""})),
+                ElementsAre("packet-log-on"));
+    EXPECT_THAT(troubles(findingsAboutPacketLog({false, "/home/anna", "/home/anna/log"})),
+                ElementsAre("packet-log"));
+}
+
 TEST(PreferencesFindings, FollowTheStateOfEachFile)
 {
     using State = PreferencesFileFact::State;

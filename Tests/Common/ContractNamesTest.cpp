@@ -41,6 +41,7 @@ const Frozen frozenTexts[] = {
     FROZEN(kAutoUpdateOptionShown, "autoUpdateOptionShown"),
     FROZEN(kLastUpdateCheck, "lastUpdateCheck"),
     FROZEN(kLastUpdateOutcome, "lastUpdateOutcome"),
+    FROZEN(kLogScreenPackets, "logScreenPackets"),
     FROZEN(kDebuggingDontSendKBEvents, "QLNDebuggingDontSendKBEvents"),
     FROZEN(kApplicationID, "com.quillon.Farview"),
     FROZEN(kScalingEnabledPreferenceKey, "kScalingEnabledPreferenceKey"),

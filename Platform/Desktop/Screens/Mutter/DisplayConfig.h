@@ -39,6 +39,7 @@ private:
     QString mOwner;
     bool mIsAsking = false;
     bool mAskAgain = false; ///< something changed meanwhile
+    bool mIsApplying = false;
 };
 
 /// Tells layouts that Mutter made from those that the user wanted. Mutter arranges monitors by

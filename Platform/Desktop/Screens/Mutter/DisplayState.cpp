@@ -124,7 +124,8 @@ std::int16_t shortNumber(int number)
     return static_cast<std::int16_t>(std::clamp<int>(number, Limits::min(), Limits::max()));
 }
 
-/// In the desktop's own units.
+} // namespace
+
 PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part)
 {
     const auto* monitor = state.monitor(part.monitors.value(0));
@@ -138,8 +139,6 @@ PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part)
     return {shortNumber(part.x), shortNumber(part.y), isTurned ? height : width,
             isTurned ? width : height};
 }
-
-} // namespace
 
 const MonitorMode* ConnectedMonitor::currentMode() const
 {

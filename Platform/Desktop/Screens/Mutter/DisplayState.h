@@ -80,6 +80,10 @@ QVariantList layoutRequest(unsigned serial, const DisplayState& state, const Dis
 const ConnectedMonitor* newMonitor(const DisplayState& before, const DisplayState& now, int width,
                                    int height);
 
+/// What a part shows of the desktop, in its own units; empty when its monitor is off.
+PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part);
+/// The same for each part of a layout, the primary one first.
+std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout);
 /// The part that the monitor shows; null when it is off.
 const LogicalMonitor* shownBy(const DisplayLayout& layout, const MonitorId& id);
 DisplayLayout without(DisplayLayout layout, const MonitorId& id);
@@ -91,8 +95,6 @@ bool isOneRow(const DisplayLayout& layout);
 bool isSameLayout(const DisplayLayout& left, const DisplayLayout& right);
 /// Whether the same monitors show something, wherever.
 bool haveSameMonitors(const DisplayLayout& left, const DisplayLayout& right);
-/// What the parts cover in the desktop's own units, the primary one first.
-std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout);
 /// The upper right corner of what is furthest to the right.
 PixelPoint besideEverything(const std::vector<PixelRect>& areas);
 /// Two scales are the same when they differ by less.

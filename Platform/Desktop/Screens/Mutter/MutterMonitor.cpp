@@ -80,7 +80,7 @@ void MutterMonitor::applyWish()
         return;
     QList<DisplayLayout> choices = {layoutWithOurs(mCorner), layoutWithOurs(std::nullopt)};
     if (mTold)
-        choices.insert(1, layoutWithOurs(mTold->place));
+        choices.insert(1, layoutWithOurs(PixelPoint{mTold->area.x, mTold->area.y}));
     mDisplays.apply(*mState, choices);
 }
 
@@ -129,12 +129,13 @@ void MutterMonitor::adoptLayout()
     if (!part || !mode())
         return end(ScreenObstacle::takenAway);
     const auto others = areasOf(*mState, mUsers);
-    const auto corner = pixelPoint(part->x, part->y);
+    const auto area = areaOf(*mState, *part);
+    const PixelPoint corner{area.x, area.y};
     if (corner != mCorner.value_or(besideEverything(others)))
         mCorner = corner;
     if (part->scale != possibleScale(*mode(), mWish.scale))
         mWish.scale = part->scale;
-    report({corner, mode()->width, mode()->height, part->scale, mode()->rate, others});
+    report({area, mode()->width, mode()->height, part->scale, mode()->rate, others});
 }
 
 DisplayLayout MutterMonitor::layoutWithOurs(std::optional<PixelPoint> corner) const

@@ -8,12 +8,11 @@ namespace farview
 namespace
 {
 
-const QString service = QStringLiteral("org.gnome.Mutter.DisplayConfig");
-/// For Mutter to arrange monitors, on a computer that is busy.
+/// Until Mutter has arranged monitors by itself, on a computer that is busy.
 constexpr Duration longestDelay{10.0};
 
+const QString service = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString path = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
-
 const QString staleState = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
 
 QDBusMessage callOf(const char* member)
@@ -45,8 +44,8 @@ public:
 private:
     void useState(const DisplayState* state)
     {
-        if (state && !state->monitor(mOurs) && haveSameMonitors(state->layout, mLayout) &&
-            !isSameLayout(state->layout, mLayout) && mJudge.isMutters(*state, mLoop.now()) &&
+        if (state && !state->monitor(mOurs) && mJudge.isMutters(*state, mLoop.now()) &&
+            haveSameMonitors(state->layout, mLayout) && !isSameLayout(state->layout, mLayout) &&
             mJudge.mayReplace())
             mDisplays.apply(*state, {mLayout});
     }

@@ -148,6 +148,13 @@ TEST_F(MutterVirtualScreensTest, AScaleIsTakenWhereTheSizeAllowsIt)
     EXPECT_EQ(geometry().scale, 2);
 }
 
+TEST_F(MutterVirtualScreensTest, ASinglePixelIsAMonitor)
+{
+    open(1, 1);
+    EXPECT_EQ(geometry().width, 1);
+    EXPECT_TRUE(waitUntil([&] { return mScreen->frames().takeFrame().has_value(); }));
+}
+
 TEST_F(MutterVirtualScreensTest, FiftySizesASecondEndInTheLast)
 {
     const auto before = mOthers.layout();

@@ -46,6 +46,7 @@ private:
     void tellOfPicture(News news);
     void tell(News news);
     void lose(ScreenObstacle reason);
+    void endSoon(ScreenObstacle reason);
     void end(ScreenObstacle reason);
     void remove();
 

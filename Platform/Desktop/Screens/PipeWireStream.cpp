@@ -22,8 +22,9 @@ namespace
 // something changes, unless it is asked for.
 constexpr std::chrono::milliseconds patienceForFirst{500};
 constexpr std::chrono::milliseconds patience{1000};
-/// The answer may end with a buffer that brings nothing but the pointer, too.
-constexpr std::chrono::milliseconds leastPause{3000};
+/// The answer may end with such a buffer, too: where nothing has changed, it is not asked for ever.
+constexpr int mostVainRefreshes = 3;
+constexpr std::chrono::seconds longestMemory{10};
 
 constexpr int longestSide = std::numeric_limits<std::int16_t>::max();
 
@@ -258,9 +259,12 @@ void PipeWireStream::process()
 void PipeWireStream::refresh(std::uint64_t)
 {
     const auto now = std::chrono::steady_clock::now();
-    if (!mIsFirst && now < mRefreshed + leastPause)
+    if (now > mRefreshed + longestMemory)
+        mVainRefreshes = 0;
+    if (!mIsFirst && mVainRefreshes >= mostVainRefreshes)
         return;
     mRefreshed = now;
+    ++mVainRefreshes;
     pw_stream_set_active(mStream.get(), false);
     pw_stream_set_active(mStream.get(), true);
     if (mIsFirst)
@@ -311,6 +315,8 @@ std::vector<PixelRect> PipeWireStream::copy(const spa_buffer& buffer)
     if (!view)
         return {};
     auto changes = copyChangedRows(*view, mPixels->data());
+    if (!changes.empty())
+        mVainRefreshes = 0;
     if (std::exchange(mIsFirst, false))
         changes = {pixelRect(0, 0, mSize.width, mSize.height)};
     return changes;

@@ -98,6 +98,7 @@ private:
     spa_hook mCoreHook{};
     spa_source* mTimer = nullptr;
     std::chrono::steady_clock::time_point mRefreshed;
+    int mVainRefreshes = 0;
     Size mSize;
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;
     pw_buffer* mNewest = nullptr; ///< not copied yet: a frame is out

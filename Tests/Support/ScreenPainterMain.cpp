@@ -59,7 +59,6 @@ public:
         connect(&mRetry, &QTimer::timeout, this, &Painter::obeyAll);
         mRetry.start(5);
         connect(&mRepeat, &QTimer::timeout, this, &Painter::showCursor);
-        mRepeat.start(200);
     }
 
 private:
@@ -111,6 +110,7 @@ private:
         image.fill(QColor(numbers.at(1)));
         mCursor = QCursor(image, int(numbers.at(2)), int(numbers.at(2)));
         showCursor();
+        mRepeat.start(200);
         return true;
     }
 

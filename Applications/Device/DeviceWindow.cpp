@@ -48,7 +48,8 @@ QString useText(const DeviceTexts& texts, const DeviceStatus& status)
         return texts.text(
             "Not in use. Choose this device in Farview Preferences on another computer.");
     if (status.isPictureAgreed)
-        return texts.text("Connected to the computer at %@. Waiting for its picture…",
+        return texts.text("Connected to the computer at %@, waiting for its picture. If none "
+                          "comes, Farview Preferences there says why.",
                           {*status.usedBy});
     return texts.text("Connected to the computer at %@. Its version of Farview sends no pictures.",
                       {*status.usedBy});
@@ -190,6 +191,7 @@ void DeviceWindow::beginPicture(const PictureReceiver& picture)
         return;
     mPages->setCurrentWidget(mView);
     fillScreen(true);
+    raise();
     mRest.start();
     mActions.pictureShown(true);
 }

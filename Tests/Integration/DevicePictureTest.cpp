@@ -49,7 +49,9 @@ protected:
         const std::vector<std::string> command{
             "sh", "-c", "exec \"$0\" --port 0 --name Desk >'" + folder.path("log") + "' 2>&1",
             FARVIEW_BINARY_DIR "/farview-device"};
-        device = std::make_unique<ChildProcess>(command);
+        // The session of somebody who speaks French.
+        device = std::make_unique<ChildProcess>(
+            command, ChildProcess::Environment{{"LC_ALL", "fr_FR.UTF-8"}, {"LANGUAGE", "fr"}});
     }
     std::string log() const
     {
@@ -90,11 +92,12 @@ protected:
         });
     }
     /// What a window manager does with a window that asks for the whole screen. There is none here.
+    /// The window is found by its title, which is in the session's language.
     static void giveTheWholeDisplay()
     {
         QProcess process;
         process.start(u"xdotool"_qs,
-                      {u"search"_qs, u"--name"_qs, u"^Farview Device$"_qs, u"windowmove"_qs,
+                      {u"search"_qs, u"--name"_qs, u"^Appareil Farview$"_qs, u"windowmove"_qs,
                        u"0"_qs, u"0"_qs, u"windowsize"_qs, u"100%"_qs, u"100%"_qs});
         ASSERT_TRUE(process.waitForFinished());
         ASSERT_EQ(process.exitCode(), 0);

@@ -156,14 +156,17 @@ TEST_F(DeviceWindowTest, FillsTheScreenWithTheFirstPictureOnly)
 
 TEST_F(DeviceWindowTest, IsSmallAgainAfterThePicture)
 {
-    const QSize before = window.size();
+    window.move(30, 40);
+    const QRect before = window.geometry();
     window.beginPicture(picture);
-    ASSERT_TRUE(waitUntil([&] { return window.size() != before; }));
+    ASSERT_TRUE(
+        waitUntil([&] { return window.geometry() == window.QWidget::screen()->geometry(); }));
     window.endPicture();
     EXPECT_FALSE(window.isFullScreen());
     EXPECT_FALSE(view().isVisible());
     EXPECT_TRUE(label("deviceName").isVisible());
-    EXPECT_TRUE(waitUntil([&] { return window.width() == before.width(); }));
+    EXPECT_EQ(window.geometry().topLeft(), before.topLeft());
+    EXPECT_EQ(window.width(), before.width());
     window.endPicture();
     EXPECT_THAT(shown, ElementsAre(true, false)) << "it ends once";
 }

@@ -91,17 +91,6 @@ protected:
             return shown && shown->number == sent;
         });
     }
-    /// What a window manager does with a window that asks for the whole screen. There is none here.
-    /// The window is found by its title, which is in the session's language.
-    static void giveTheWholeDisplay()
-    {
-        QProcess process;
-        process.start(u"xdotool"_qs,
-                      {u"search"_qs, u"--name"_qs, u"^Appareil Farview$"_qs, u"windowmove"_qs,
-                       u"0"_qs, u"0"_qs, u"windowsize"_qs, u"100%"_qs, u"100%"_qs});
-        ASSERT_TRUE(process.waitForFinished());
-        ASSERT_EQ(process.exitCode(), 0);
-    }
     bool isExactOnTheDisplay() const
     {
         const QImage image = QGuiApplication::primaryScreen()->grabWindow().toImage();
@@ -132,7 +121,6 @@ TEST_F(DevicePicture, FillsTheDisplayBitForBit)
 {
     EXPECT_EQ(QSize(screen.width, screen.height), QGuiApplication::primaryScreen()->size());
     beginPicture();
-    giveTheWholeDisplay();
     scenes.writeText(*frame, wholeOf(*frame));
     ASSERT_TRUE(send()) << log();
     EXPECT_TRUE(waitUntil([&] { return isExactOnTheDisplay(); })) << "growing takes a moment";
@@ -141,6 +129,14 @@ TEST_F(DevicePicture, FillsTheDisplayBitForBit)
         ASSERT_TRUE(send());
         ASSERT_TRUE(isExactOnTheDisplay()) << "told as shown, it stands there: " << count;
     }
+}
+
+TEST_F(DevicePicture, HasATitleInTheSessionsLanguage)
+{
+    QProcess process;
+    process.start(u"xdotool"_qs, {u"search"_qs, u"--name"_qs, u"^Appareil Farview$"_qs});
+    ASSERT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 0);
 }
 
 TEST_F(DevicePicture, KeepsTheDesktopAwakeAsLongAsItLasts)

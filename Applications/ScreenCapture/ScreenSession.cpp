@@ -1,6 +1,7 @@
 #include "Applications/ScreenCapture/ScreenSession.h"
 
-#include <cmath>
+#include "Common/Rules/ScreenTexts.h"
+
 #include <utility>
 
 namespace farview
@@ -10,20 +11,12 @@ namespace
 
 constexpr double hundredths = 100;
 
-/// Where the monitor is, in the desktop's own units.
-PixelRect areaOf(const ScreenGeometry& geometry)
-{
-    return pixelRect(geometry.place.x, geometry.place.y,
-                     static_cast<int>(std::lround(geometry.width / geometry.scale)),
-                     static_cast<int>(std::lround(geometry.height / geometry.scale)));
-}
-
 /// Nothing where the desktop has no other screen.
 std::optional<ScreenSide> sideOfMonitor(const ScreenGeometry& geometry)
 {
     if (geometry.others.empty())
         return std::nullopt;
-    return sideOf(areaOf(geometry), geometry.others.front());
+    return sideOf(geometry.area, geometry.others.front());
 }
 
 ScreenReport reportOf(const ScreenGeometry& geometry)
@@ -33,7 +26,7 @@ ScreenReport reportOf(const ScreenGeometry& geometry)
             .height = geometry.height,
             .scale = geometry.scale,
             .rate = geometry.rate,
-            .monitor = areaOf(geometry),
+            .monitor = geometry.area,
             .screens = geometry.others};
 }
 
@@ -121,7 +114,7 @@ void ScreenSession::followSide(std::optional<ScreenSide> side)
 {
     if (std::exchange(mSide, side) == side || !side || mGeometry.others.empty())
         return;
-    const PixelRect area = areaOf(mGeometry);
+    const PixelRect& area = mGeometry.area;
     mScreen->place(cornerBeside(*side, area.width, area.height, mGeometry.others));
 }
 
@@ -155,7 +148,8 @@ void ScreenSession::rememberShape(const ScreenGeometry& before, const ScreenGeom
         remember({remembered().side, now.width, now.height, now.scale, *mDeviceScreen});
     }
     const auto side = sideOfMonitor(now);
-    if (now.place != before.place && side && side != (mSide ? mSide : sideOfMonitor(before))) {
+    const bool isMoved = now.area.x != before.area.x || now.area.y != before.area.y;
+    if (isMoved && side && side != (mSide ? mSide : sideOfMonitor(before))) {
         mSide = side;
         RememberedScreen moved = remembered();
         moved.side = side;
@@ -167,7 +161,8 @@ void ScreenSession::didEnd(ScreenObstacle reason)
 {
     if (close())
         tellPictureIsOver();
-    mServices.log.write(LogLevel::warning, "There is no monitor for " + mDevice);
+    mServices.log.write(LogLevel::warning, "There is no monitor for " + mDevice + ": " +
+                                               obstacleTexts(reason).trouble);
     tell({.state = ScreenReport::State::missing, .obstacle = reason});
     if (reason == ScreenObstacle::locked)
         mServices.runLoop.performAfterDelay(lockedPause, weak_from_this(), [this] { open(); });
@@ -208,8 +203,10 @@ void ScreenSession::beginPicture()
 
 void ScreenSession::send(PictureThread::Frames frames)
 {
-    for (LinkFrame& frame : frames)
+    for (LinkFrame& frame : frames) {
+        mServices.packetLog.write(frame);
         mServices.link.send(std::move(frame));
+    }
     linkHasRoom();
 }
 

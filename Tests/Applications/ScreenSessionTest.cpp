@@ -34,7 +34,8 @@ protected:
     void makeSession()
     {
         session = std::make_shared<ScreenSession>(
-            ScreenSession::Services{fake.virtualScreens, fake.runLoop, preferences, link, fake.log},
+            ScreenSession::Services{fake.virtualScreens, fake.runLoop, preferences, link, packetLog,
+                                    fake.log},
             kTablet, [this] { states.push_back(session->report().state); });
     }
     void open(const LinkDeviceScreen& screen = tablet)
@@ -76,6 +77,7 @@ protected:
     FakePlatform fake;
     FVEPreferences preferences;
     FakeDeviceLink link;
+    PacketLog packetLog{fake.log};
     std::vector<State> states;
     std::shared_ptr<ScreenSession> session;
 };
@@ -212,7 +214,7 @@ TEST_F(AScreenSession, RemembersWhatTheUserDidWithTheDesktopsOwnMeans)
     auto changed = monitor()->geometry();
     changed.width = 1024;
     changed.height = 768;
-    changed.place = pixelPoint(0, 1080);
+    changed.area = pixelRect(0, 1080, 1024, 768);
     monitor()->change(changed);
     fake.runLoop.runUntilIdle();
     EXPECT_EQ(remembered(), (RememberedScreen{ScreenSide::below, 1024, 768, 1, {1280, 800, 1}}));

@@ -46,6 +46,7 @@ bool PictureProbe::takeChange()
     while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(mConnection.get())}) {
         if ((event->response_type & 0x7F) == mDamageEvent + XCB_DAMAGE_NOTIFY) {
             xcb_damage_subtract(mConnection.get(), mDamage, XCB_NONE, XCB_NONE);
+            xcb_flush(mConnection.get());
             return true;
         }
     }

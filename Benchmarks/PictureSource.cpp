@@ -145,15 +145,18 @@ private:
                                  isMarkWhite(number, column, row) ? Qt::white : Qt::black);
         }
     }
+    /// Paints once more what is seen: the last whole picture, and what came upon it.
     void end()
     {
-        mStore.beginPaint(markedPart);
         QImage last(reinterpret_cast<uchar*>(mRun.last.data()), kPictureWidth, kPictureHeight,
                     kPictureWidth * 4, QImage::Format_RGB32);
         QPainter painter(&last);
-        painter.drawImage(0, 0, *static_cast<const QImage*>(mStore.paintDevice()));
-        painter.end();
-        mStore.endPaint();
+        int step = mStep;
+        while (mScene.partOf(step) != whole)
+            --step;
+        for (; step <= mStep; ++step)
+            mScene.paint(painter, step);
+        paintMark(painter, mRun.newest);
         mRun.hasEnded = true;
     }
 

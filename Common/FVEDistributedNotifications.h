@@ -23,6 +23,9 @@ inline constexpr const char* kServerConnectedToDevice =
 /// begun and was asked for nothing: what was asked for before was not heard.
 inline constexpr const char* kServerDisconnectedFromDevice =
     "com.quillon.Farview.ServerDisconnectedFromDevice";
+/// Server: what became of the monitor for the device that is connected; a `ScreenReport` as a text
+/// under `kScreenReportKey`. After each report of a connection, and whenever it changes.
+inline constexpr const char* kServerScreenDidChange = "com.quillon.Farview.ServerScreenDidChange";
 /// Server: the device could not be reached; the panel is to show its error text.
 inline constexpr const char* kRequestingErrorMsgFromPrefPane =
     "com.quillon.Farview.RequestingErrorMsgFromPrefPane";
@@ -48,6 +51,7 @@ inline constexpr const char* kBatteryLevelKey = "BatteryLevel";
 
 inline constexpr const char* kDeviceNameKey = "DeviceName";
 inline constexpr const char* kDeviceAddressKey = "DeviceAddress";
+inline constexpr const char* kScreenReportKey = "Screen";
 inline constexpr const char* kAwaitsRequestKey = "AwaitsRequest";
 inline constexpr const char* kConnectToHostNameKey = "connectToHostName";
 inline constexpr const char* kConnectUsingTicketKey = "connectUsingTicket";

@@ -202,6 +202,26 @@ PropertyList::Array FVEPreferences::autoConnectDevices()
     return {};
 }
 
+PropertyList FVEPreferences::deviceScreen(const std::string& device)
+{
+    const auto screens = valueOf<PropertyList::Dictionary>(kDeviceScreens);
+    const auto found = screens ? screens->find(device) : PropertyList::Dictionary::const_iterator{};
+    return screens && found != screens->end() ? found->second : PropertyList();
+}
+
+void FVEPreferences::setDeviceScreen(const std::string& device, const PropertyList& screen)
+{
+    auto screens =
+        valueOf<PropertyList::Dictionary>(kDeviceScreens).value_or(PropertyList::Dictionary{});
+    if (const auto found = screens.find(device); found != screens.end() && found->second == screen)
+        return;
+    while (screens.size() >= mostDeviceScreens && !screens.contains(device))
+        screens.erase(screens.begin());
+    screens[device] = screen;
+    mPreferences.setAppValue(kDeviceScreens, PropertyList(screens), kApplicationID);
+    synchronizeWithNotification();
+}
+
 void FVEPreferences::setAutoConnectDevices(const PropertyList::Array& devices)
 {
     mPreferences.setAppValue(kAutoConnectDevices, PropertyList(devices), kApplicationID);

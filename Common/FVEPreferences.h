@@ -16,6 +16,7 @@ inline constexpr const char* kAutoMoveWindowsBackOption = "autoMoveWindowsBackOp
 inline constexpr const char* kEnableTouchDisplayOption = "enableDisplayTouch";
 inline constexpr const char* kEnableRetinaDisplayOption = "enableRetinaDisplay";
 inline constexpr const char* kAutoConnectDevices = "autoConnectDevices";
+inline constexpr const char* kDeviceScreens = "deviceScreens";
 inline constexpr const char* kLastOtherDeviceName = "lastOtherDeviceName";
 inline constexpr const char* kFirstRun = "firstRun";
 inline constexpr const char* kOpenPrefsInSettingsPane = "openPrefsInSettingsPane";
@@ -70,6 +71,12 @@ public:
     /// Names of devices, in the user's order of preference. The elements are not checked.
     farview::PropertyList::Array autoConnectDevices();
     void setAutoConnectDevices(const farview::PropertyList::Array& devices);
+    /// What is remembered of that device's monitor, by its host name or its address; read and made
+    /// by the functions of `Common/Rules/DeviceScreen.h`.
+    farview::PropertyList deviceScreen(const std::string& device);
+    /// Writes nothing when nothing changes. Beyond `mostDeviceScreens` another one is forgotten.
+    void setDeviceScreen(const std::string& device, const farview::PropertyList& screen);
+    static constexpr std::size_t mostDeviceScreens = 256;
     /// The address typed last.
     std::string lastOtherDevice();
     void setLastOtherDevice(const std::string& address);

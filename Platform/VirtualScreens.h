@@ -2,28 +2,16 @@
 
 #include "Platform/CursorSource.h"
 #include "Platform/ScreenSource.h"
+#include "Platform/Types/ScreenObstacle.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace farview
 {
-
-/// Why there can be no additional monitor here, or why there is none any more.
-enum class ScreenObstacle {
-    noDesktop,       ///< no display, or of a kind that nothing here can ask
-    noSpareOutput,   ///< no output without a plug is left, and the window manager needs one
-    protocolMissing, ///< the desktop lacks what it would be asked with
-    notPermitted,    ///< the desktop could, but does not let this program
-    locked,          ///< not while the screen is locked; afterwards it can be asked again
-    inUse,           ///< another Farview has its monitor on this display
-    tooLarge,        ///< the desktop cannot become that large
-    takenAway,       ///< somebody else switched the monitor off
-    gone,            ///< the desktop has ended
-    failed,          ///< refused without a reason
-};
 
 /// How a monitor is made.
 enum class ScreenWay {
@@ -55,6 +43,8 @@ struct ScreenGeometry {
     int height = 0;
     double scale = 1;
     double rate = 0; ///< frames per second; 0 when the desktop does not say
+    /// The user's own screens, in the desktop's own units; the main one first.
+    std::vector<PixelRect> others = {};
 
     bool operator==(const ScreenGeometry&) const = default;
 };

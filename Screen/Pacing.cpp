@@ -23,17 +23,15 @@ int qualityAfter(int quality, PictureTime took)
     return std::clamp(quality + step, kLeastPictureQuality, kBestPictureQuality);
 }
 
-bool mayBeginFrame(std::size_t unshown, std::size_t unsentBytes)
-{
-    return unshown < mostUnshown && unsentBytes == 0;
-}
+bool mayBeginFrame(std::size_t unshown, bool hasRoom) { return hasRoom && unshown < mostUnshown; }
 
 bool isSmallChange(int changedTiles) { return changedTiles <= mostTilesOfSmallChange; }
 
-bool Pacing::mayBegin(PictureTime now, int changedTiles, std::size_t unsentBytes) const
+int refinedAtOnce(int quality) { return quality >= kBestPictureQuality - 10 ? 32 : 8; }
+
+bool Pacing::mayBegin(PictureTime now, int changedTiles, bool hasRoom) const
 {
-    return mayBeginFrame(unshown(), unsentBytes) &&
-           (isSmallChange(changedTiles) || now - mLastBegan >= frameTime);
+    return mayBeginFrame(unshown(), hasRoom) && (isSmallChange(changedTiles) || now >= nextBeat());
 }
 
 std::uint32_t Pacing::begin(PictureTime now, std::size_t bytes)

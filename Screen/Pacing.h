@@ -18,11 +18,15 @@ using PictureTime = std::chrono::microseconds;
 int qualityAfter(int quality, PictureTime took);
 
 /// Whether another frame may be sent: the newest picture, never a queue. `unshown` are the frames
-/// that the device has not shown yet, `unsentBytes` what waits in this computer.
-bool mayBeginFrame(std::size_t unshown, std::size_t unsentBytes);
+/// that the device has not shown yet; without room what was sent still waits in this computer.
+bool mayBeginFrame(std::size_t unshown, bool hasRoom);
 
 /// Whether a change is so small (typing, a pointer) that it need not wait for the next beat.
 bool isSmallChange(int changedTiles);
+
+/// How many tiles are sent once more without loss in one frame: few where the link is slow, so that
+/// changes need not wait for them.
+int refinedAtOnce(int quality);
 
 /// When frames leave, and how good they are, by what the device says it has shown. One thread.
 class Pacing
@@ -31,15 +35,21 @@ public:
     /// A beat: frames with large changes leave this long after one another.
     static constexpr PictureTime frameTime = std::chrono::microseconds(16'667);
 
+    /// `lastFrame` is the number of the last frame before.
+    explicit Pacing(std::uint32_t lastFrame = 0) : mLast(lastFrame) {}
+
     /// Whether a frame may leave now that changes this many tiles.
-    bool mayBegin(PictureTime now, int changedTiles, std::size_t unsentBytes) const;
+    bool mayBegin(PictureTime now, int changedTiles, bool hasRoom) const;
     /// The number of the frame that leaves now.
     std::uint32_t begin(PictureTime now, std::size_t bytes);
     /// The device has shown that frame, and so all before it. False, and nothing happens, when no
     /// such frame is on its way: the device broke a rule.
     bool shown(std::uint32_t frame, PictureTime now);
 
+    /// When a large change may leave, by the beat alone.
+    PictureTime nextBeat() const { return mLastBegan + frameTime; }
     int quality() const { return mQuality; }
+    std::uint32_t lastFrame() const { return mLast; }
     std::size_t unshown() const { return mOnTheirWay.size(); }
 
 private:
@@ -52,7 +62,7 @@ private:
     void follow(const Frame& frame, PictureTime now);
 
     std::deque<Frame> mOnTheirWay;
-    std::uint32_t mLast = 0;
+    std::uint32_t mLast;
     PictureTime mLastBegan = -frameTime;
     int mQuality = kBestPictureQuality;
 };

@@ -23,6 +23,10 @@ public:
     virtual void deviceDidConnect(const std::string& address) = 0;
     /// The device could not be reached or refused. `why` is a short printable text.
     virtual void deviceDidNotConnect(const std::string& why) = 0;
+    /// The device sent what only a device with a picture sends.
+    virtual void deviceDidSend(const LinkFrame& frame) = 0;
+    /// The connection takes more of a picture again, after it did not.
+    virtual void deviceHasRoom() = 0;
     /// The connection ended, and not by the server.
     virtual void deviceDidDisconnect(const LinkEnd& end) = 0;
 };
@@ -40,6 +44,12 @@ public:
                            const std::optional<LinkOptions>& options) = 0;
     /// Sends the options while connected; ignored otherwise.
     virtual void setOptions(const LinkOptions& options) = 0;
+    /// Whether the device that is connected agreed to that.
+    virtual bool hasFeature(const std::string& feature) const = 0;
+    /// Sends a part of a picture while connected; ignored otherwise.
+    virtual void send(LinkFrame frame) = 0;
+    /// Whether a connection takes more of a picture now.
+    virtual bool hasRoom() const = 0;
     /// Ends the attempt or the connection with a goodbye. `then` (may be empty) is called on a
     /// later turn, within a second, when everything is closed.
     virtual void disconnect(LinkGoodbyeCode code, std::function<void()> then) = 0;

@@ -48,6 +48,19 @@ void NetworkDeviceLink::setOptions(const LinkOptions& options)
         mConnection->send(options);
 }
 
+bool NetworkDeviceLink::hasFeature(const std::string& feature) const
+{
+    return mConnection && mConnection->isOpen() && mConnection->agreement().has(feature);
+}
+
+void NetworkDeviceLink::send(LinkFrame frame)
+{
+    if (mConnection)
+        mConnection->send(std::move(frame));
+}
+
+bool NetworkDeviceLink::hasRoom() const { return mConnection && mConnection->hasRoom(); }
+
 void NetworkDeviceLink::disconnect(LinkGoodbyeCode code, std::function<void()> then)
 {
     leave(code);
@@ -79,9 +92,18 @@ void NetworkDeviceLink::linkDidOpen(LinkConnection& connection)
         delegate->deviceDidConnect(connection.peerAddress());
 }
 
-// A device of this version sends nothing that a host takes.
-void NetworkDeviceLink::linkDidReceive(LinkConnection& /*connection*/, const LinkFrame& /*frame*/)
+void NetworkDeviceLink::linkDidReceive(LinkConnection& connection, const LinkFrame& frame)
 {
+    const auto delegate = mDelegate.lock();
+    if (delegate && mConnection.get() == &connection)
+        delegate->deviceDidSend(frame);
+}
+
+void NetworkDeviceLink::linkHasRoom(LinkConnection& connection)
+{
+    const auto delegate = mDelegate.lock();
+    if (delegate && mConnection.get() == &connection)
+        delegate->deviceHasRoom();
 }
 
 void NetworkDeviceLink::linkDidEnd(LinkConnection& connection, const LinkEnd& end)

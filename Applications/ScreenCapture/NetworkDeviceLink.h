@@ -23,10 +23,14 @@ public:
     void connectTo(const std::vector<Endpoint>& endpoints,
                    const std::optional<LinkOptions>& options) override;
     void setOptions(const LinkOptions& options) override;
+    bool hasFeature(const std::string& feature) const override;
+    void send(LinkFrame frame) override;
+    bool hasRoom() const override;
     void disconnect(LinkGoodbyeCode code, std::function<void()> then) override;
 
     void linkDidOpen(LinkConnection& connection) override;
     void linkDidReceive(LinkConnection& connection, const LinkFrame& frame) override;
+    void linkHasRoom(LinkConnection& connection) override;
     void linkDidEnd(LinkConnection& connection, const LinkEnd& end) override;
 
 private:

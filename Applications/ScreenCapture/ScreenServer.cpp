@@ -124,6 +124,7 @@ void ScreenServer::connectToHost(const Notification& notification)
         keepChoice();
         announceState();
         sendOptions();
+        beginScreen();
         return;
     }
     if (tookOverAttempt(*hostName))
@@ -179,6 +180,9 @@ void ScreenServer::preferencesChanged(const Notification& /*notification*/)
 {
     mAutoConnector->preferencesChanged();
     sendOptions();
+    beginScreen();
+    if (mScreen)
+        mScreen->preferencesChanged();
 }
 
 // --- the road to a device --------------------------------------------------------------------
@@ -236,6 +240,7 @@ void ScreenServer::connectByItself(const std::string& deviceName,
 void ScreenServer::leaveDevice()
 {
     const State before = std::exchange(mState, State::idle);
+    endScreen();
     if (before == State::connecting || before == State::connected)
         mServices.link.disconnect(LinkGoodbyeCode::byUser, {});
     if (before == State::connected)
@@ -311,10 +316,57 @@ void ScreenServer::deviceDidDisconnect(const LinkEnd& end)
     mServices.log.write(vanished ? LogLevel::error : LogLevel::info,
                         "The connection to " + mDeviceName + " ended: " + end.text);
     mState = State::idle;
+    endScreen();
     if (vanished)
         mServices.discovery.checkAgain();
     announceState();
     mAutoConnector->connectionEnded(mDeviceName);
+}
+
+// --- the picture -----------------------------------------------------------------------------
+
+void ScreenServer::deviceDidSend(const LinkFrame& frame)
+{
+    if (mState != State::connected)
+        return;
+    const auto* shown = std::get_if<LinkShown>(&frame);
+    if (const auto* screen = std::get_if<LinkDeviceScreen>(&frame)) {
+        mDeviceScreen = *screen;
+        if (mScreen)
+            mScreen->deviceScreenIs(*screen);
+        else
+            beginScreen();
+    } else if (shown && !(mScreen && mScreen->deviceShowed(*shown))) {
+        mServices.link.disconnect(LinkGoodbyeCode::brokenRule, {});
+        deviceDidDisconnect({LinkEndReason::brokenRule, "The device showed what it was not sent"});
+    }
+}
+
+void ScreenServer::deviceHasRoom()
+{
+    if (mScreen)
+        mScreen->linkHasRoom();
+}
+
+/// A device that may know how the user works, and has told its screen, becomes a monitor.
+void ScreenServer::beginScreen()
+{
+    if (mState != State::connected || mScreen || !mDeviceScreen || !mayHaveOptions())
+        return;
+    const std::string& device = mDeviceName == kOtherDeviceName ? mDeviceAddress : mDeviceName;
+    mScreen = std::make_shared<ScreenSession>(
+        ScreenSession::Services{mServices.screens, mServices.runLoop, mServices.preferences,
+                                mServices.link, mServices.log},
+        device, [this] { postScreen(); });
+    mScreen->deviceScreenIs(*mDeviceScreen);
+}
+
+/// The monitor goes before the connection does.
+void ScreenServer::endScreen()
+{
+    mDeviceScreen.reset();
+    if (std::exchange(mScreen, nullptr))
+        postScreen();
 }
 
 LinkOptions ScreenServer::options()

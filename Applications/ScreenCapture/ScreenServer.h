@@ -2,6 +2,7 @@
 
 #include "Applications/ScreenCapture/AutoConnector.h"
 #include "Applications/ScreenCapture/DeviceLink.h"
+#include "Applications/ScreenCapture/ScreenSession.h"
 #include "Common/Bonjour/QLNBonjourBrowser.h"
 #include "Common/FVEPreferences.h"
 #include "Platform/Log.h"
@@ -42,8 +43,9 @@ private:
 ///
 /// It connects to one device at a time. A new request replaces what is under way; while there is
 /// none, the server connects by itself: to the device that the user chose last and that was
-/// connected, else to those that the user ticked (`AutoConnector`). It ends by the terminate
-/// notification or by `quit`, and by nothing else. Made with `std::make_shared`. Main thread only.
+/// connected, else to those that the user ticked (`AutoConnector`). A device that the user
+/// confirmed becomes a monitor (`ScreenSession`). It ends by the terminate notification or by
+/// `quit`, and by nothing else. Made with `std::make_shared`. Main thread only.
 class ScreenServer final : public DeviceLinkDelegate,
                            public AutoConnectServer,
                            public std::enable_shared_from_this<ScreenServer>
@@ -57,6 +59,7 @@ public:
         DistributedNotificationCenter& center;
         FVEPreferences& preferences;
         DeviceLink& link;
+        VirtualScreens& screens;
         Log& log;
         Preferences& storage; ///< for what the server keeps for itself
         /// The host name or address that the user chose and that was connected, until the user
@@ -92,6 +95,8 @@ public:
 
     void deviceDidConnect(const std::string& address) override;
     void deviceDidNotConnect(const std::string& why) override;
+    void deviceDidSend(const LinkFrame& frame) override;
+    void deviceHasRoom() override;
     void deviceDidDisconnect(const LinkEnd& end) override;
     bool isIdle() const override { return mState == State::idle; }
     std::string chosenDevice() const override;
@@ -130,6 +135,9 @@ private:
     LinkOptions options();
     bool mayHaveOptions();
     void sendOptions();
+    void beginScreen();
+    void endScreen();
+    void postScreen();
 
     Services mServices;
     Ending mEnding;
@@ -144,6 +152,9 @@ private:
     /// Where it is: as typed for "Other", else as it was reached.
     std::string mDeviceAddress;
     std::optional<LinkOptions> mSentOptions;
+    /// As the device that is connected told it.
+    std::optional<LinkDeviceScreen> mDeviceScreen;
+    std::shared_ptr<ScreenSession> mScreen;
     /// Nobody asked for what is connected or under way.
     bool mIsAutomatic = false;
     unsigned mRequest = 0;

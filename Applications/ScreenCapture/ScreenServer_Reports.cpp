@@ -46,6 +46,13 @@ void ScreenServer::postDevice(const char* name)
         return;
     }
     post(name, {{kDeviceNameKey, mDeviceName}, {kDeviceAddressKey, mDeviceAddress}});
+    postScreen();
+}
+
+void ScreenServer::postScreen()
+{
+    const ScreenReport report = mScreen ? mScreen->report() : ScreenReport{};
+    post(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
 }
 
 // --- the end ---------------------------------------------------------------------------------
@@ -56,6 +63,7 @@ void ScreenServer::quit()
         return;
     mState = State::quitting;
     mServices.chosenDevice.set({});
+    endScreen();
     mEnding.quitting();
     if (mBrowser)
         mBrowser->stop();

@@ -6,6 +6,7 @@
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Programs/DetachedProcess.h"
 #include "Platform/Desktop/Programs/Supervisor.h"
+#include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 #include "Platform/Platform.h"
 
 #include <QCoreApplication>
@@ -43,6 +44,12 @@ KeptText& chosenDeviceOfAllServers()
     return memory ? *new (memory) KeptText : ofThisServer;
 }
 
+/// It lies beside this one.
+std::string watcherProgram()
+{
+    return (QCoreApplication::applicationDirPath() + "/farview-monitor-watcher").toStdString();
+}
+
 int runServer(int argc, char** argv, unsigned crashes, KeptText& chosenDevice)
 {
     QCoreApplication application(argc, argv);
@@ -52,11 +59,12 @@ int runServer(int argc, char** argv, unsigned crashes, KeptText& chosenDevice)
     FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
     if (crashes > 0 && !isStillWanted(preferences, *platform.log))
         return 0;
+    X11VirtualScreens screens(*platform.runLoop, watcherProgram());
     SingleInstance instance(desktop.sessionBus(), kFVEScreenServerBundleID);
     const auto link = std::make_shared<NetworkDeviceLink>();
     const auto server = std::make_shared<ScreenServer>(
         ScreenServer::Services{*platform.discovery, *platform.runLoop, *platform.notificationCenter,
-                               *platform.distributedNotificationCenter, preferences, *link,
+                               *platform.distributedNotificationCenter, preferences, *link, screens,
                                *platform.log, *platform.preferences, chosenDevice},
         ScreenServer::Ending{[&] { instance.release(); }, [&] { application.quit(); }});
     const TerminationSignals termination([&] { server->quit(); });

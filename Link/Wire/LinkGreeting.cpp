@@ -37,10 +37,7 @@ bool LinkAgreement::has(const std::string& feature) const
     return std::find(features.begin(), features.end(), feature) != features.end();
 }
 
-LinkGreeting ownGreeting()
-{
-    return {.features = {{kLinkScreenFeature}, {kLinkZstdFeature}}};
-}
+LinkGreeting ownGreeting() { return {.features = {{kLinkScreenFeature}, {kLinkZstdFeature}}}; }
 
 LinkGreeting probingGreeting()
 {

@@ -55,6 +55,7 @@ struct FakeMonitor::Lease {
     ~Lease()
     {
         if (const auto monitor = owner.lock()) {
+            const std::lock_guard lock(monitor->mMutex);
             monitor->mIsFrameOut = false;
             monitor->announceFrame();
         }
@@ -64,8 +65,12 @@ struct FakeMonitor::Lease {
 FakeMonitor::FakeMonitor(FakeRunLoop& loop, ScreenWish wish,
                          std::weak_ptr<VirtualScreenDelegate> delegate)
     : mLoop(loop), mWish(std::move(wish)),
-      mDelegate(std::move(delegate)), mGeometry{pixelPoint(1920, 0), mWish.width, mWish.height,
-                                                mWish.scale, 60}
+      mDelegate(std::move(delegate)), mGeometry{pixelPoint(1920, 0),
+                                                mWish.width,
+                                                mWish.height,
+                                                mWish.scale,
+                                                60,
+                                                {pixelRect(0, 0, 1920, 1080)}}
 {
 }
 
@@ -85,20 +90,30 @@ void FakeMonitor::appear()
 
 void FakeMonitor::clear()
 {
+    const std::lock_guard lock(mMutex);
     mPixels.assign(static_cast<std::size_t>(mGeometry.width) * mGeometry.height, 0);
-    mDamage.clear();
-    damage(whole(mGeometry));
+    mDamage = {whole(mGeometry)};
+    announceFrame();
 }
 
 void FakeMonitor::paint(const PixelRect& part, std::uint32_t colour)
 {
+    {
+        const std::lock_guard lock(mMutex);
+        fill(part, colour);
+    }
+    damage(part);
+}
+
+void FakeMonitor::fill(const PixelRect& part, std::uint32_t colour)
+{
     for (int y = part.y; y < part.y + part.height; ++y)
         std::fill_n(mPixels.begin() + y * mGeometry.width + part.x, part.width, colour);
-    damage(part);
 }
 
 void FakeMonitor::damage(const PixelRect& part)
 {
+    const std::lock_guard lock(mMutex);
     mDamage.push_back(part);
     announceFrame();
 }
@@ -112,6 +127,7 @@ void FakeMonitor::announceFrame()
 
 std::optional<ScreenFrame> FakeMonitor::takeFrame()
 {
+    const std::lock_guard lock(mMutex);
     if (mDamage.empty() || mIsFrameOut)
         return std::nullopt;
     mIsFrameOut = true;
@@ -123,17 +139,33 @@ std::optional<ScreenFrame> FakeMonitor::takeFrame()
 
 void FakeMonitor::setCursor(CursorImage image)
 {
-    mImage = std::move(image);
+    {
+        const std::lock_guard lock(mMutex);
+        mImage = std::move(image);
+    }
     tell([](auto& delegate) { delegate.cursorChanged(); });
 }
 
 void FakeMonitor::moveCursor(std::optional<PixelPoint> position)
 {
-    mPosition = position;
+    {
+        const std::lock_guard lock(mMutex);
+        mPosition = position;
+    }
     tell([](auto& delegate) { delegate.cursorChanged(); });
 }
 
-std::optional<CursorImage> FakeMonitor::takeImage() { return std::exchange(mImage, std::nullopt); }
+std::optional<CursorImage> FakeMonitor::takeImage()
+{
+    const std::lock_guard lock(mMutex);
+    return std::exchange(mImage, std::nullopt);
+}
+
+std::optional<PixelPoint> FakeMonitor::position()
+{
+    const std::lock_guard lock(mMutex);
+    return mPosition;
+}
 
 void FakeMonitor::change(const ScreenGeometry& geometry)
 {

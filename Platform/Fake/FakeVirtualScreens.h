@@ -4,12 +4,14 @@
 #include "Platform/VirtualScreens.h"
 
 #include <functional>
+#include <mutex>
 #include <vector>
 
 namespace farview
 {
 
-/// A monitor that shows what a test paints on it.
+/// A monitor that shows what a test paints on it, beside a screen of 1920x1080. Its frames and its
+/// pointer may be asked for on any thread, everything else is for the test's own.
 class FakeMonitor final : public ScreenSource,
                           public CursorSource,
                           public std::enable_shared_from_this<FakeMonitor>
@@ -33,7 +35,7 @@ public:
     std::optional<ScreenFrame> takeFrame() override;
     bool isInFrames() const override { return false; }
     std::optional<CursorImage> takeImage() override;
-    std::optional<PixelPoint> position() override { return mPosition; }
+    std::optional<PixelPoint> position() override;
 
 private:
     friend class FakeVirtualScreens;
@@ -42,6 +44,7 @@ private:
     void appear();
     void tell(std::function<void(VirtualScreenDelegate&)> news);
     void clear();
+    void fill(const PixelRect& part, std::uint32_t colour);
     void announceFrame();
 
     FakeRunLoop& mLoop;
@@ -52,6 +55,7 @@ private:
     std::vector<PixelRect> mDamage;
     std::optional<CursorImage> mImage;
     std::optional<PixelPoint> mPosition;
+    std::mutex mMutex; ///< of what the sources give
     bool mIsFrameOut = false;
     bool mIsFrameAnnounced = false;
     bool mHasEnded = false;

@@ -14,6 +14,7 @@
 using namespace farview;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 namespace
 {
@@ -42,7 +43,8 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.log, fake.preferences, chosenDevice},
+                                   preferences, link, fake.virtualScreens, fake.log,
+                                   fake.preferences, chosenDevice},
             ScreenServer::Ending{});
     }
     void choose(PropertyList::Array names)
@@ -611,6 +613,17 @@ TEST_F(AutoConnectorTest, TellsAnUnconfirmedDeviceTheOptionsOnceTheUserChoosesIt
     EXPECT_EQ(link.sentOptions.front().touch, preferences.enableTouchDisplay());
     EXPECT_EQ(tried(), "A");
     EXPECT_TRUE(ConfirmedDevices(fake.preferences).contains("A", "a.local"));
+}
+
+TEST_F(AutoConnectorTest, SendsAnUnconfirmedDeviceNoPictureBeforeTheUserChoosesIt)
+{
+    connect({"A"}, {"A"});
+    link.deviceSends(LinkDeviceScreen{1280, 800, 100, 60});
+    advance(600);
+    EXPECT_THAT(fake.virtualScreens.monitors(), IsEmpty());
+    EXPECT_THAT(link.sent, IsEmpty());
+    userChooses("A");
+    EXPECT_THAT(fake.virtualScreens.monitors(), SizeIs(1));
 }
 
 TEST_F(AutoConnectorTest, TellsTheOptionsWhenTheUserTookTheAttemptOver)

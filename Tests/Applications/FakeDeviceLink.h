@@ -2,6 +2,7 @@
 
 #include "Applications/ScreenCapture/DeviceLink.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <utility>
@@ -31,20 +32,40 @@ public:
     void setOptions(const LinkOptions& options) override { sentOptions.push_back(options); }
     void disconnect(LinkGoodbyeCode code, std::function<void()> then) override
     {
+        onDisconnect();
         goodbyes.push_back(code);
         if (then)
             goodbyeIsSaid = std::move(then);
     }
+
+    bool hasFeature(const std::string& feature) const override
+    {
+        return std::find(features.begin(), features.end(), feature) != features.end();
+    }
+    void send(LinkFrame frame) override { sent.push_back(std::move(frame)); }
+    bool hasRoom() const override { return room; }
 
     /// The device accepts, cannot be reached or refuses, or goes away.
     void accept(const std::string& address) { mDelegate.lock()->deviceDidConnect(address); }
     void fail(const std::string& why) { mDelegate.lock()->deviceDidNotConnect(why); }
     void end(LinkEndReason reason) { mDelegate.lock()->deviceDidDisconnect({reason, "the end"}); }
 
+    void deviceSends(const LinkFrame& frame) { mDelegate.lock()->deviceDidSend(frame); }
+    void makeRoom(bool flag)
+    {
+        room = flag;
+        if (room)
+            mDelegate.lock()->deviceHasRoom();
+    }
+
+    std::vector<std::string> features{kLinkScreenFeature, kLinkZstdFeature};
+    bool room = true;
+    std::vector<LinkFrame> sent;
     std::vector<Attempt> attempts;
     std::vector<LinkOptions> sentOptions;
     std::vector<LinkGoodbyeCode> goodbyes;
     std::function<void()> goodbyeIsSaid;
+    std::function<void()> onDisconnect = [] {};
 
 private:
     std::weak_ptr<DeviceLinkDelegate> mDelegate;

@@ -26,7 +26,8 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.log, fake.preferences, chosenDevice},
+                                   preferences, link, fake.virtualScreens, fake.log,
+                                   fake.preferences, chosenDevice},
             ScreenServer::Ending{[this] { ++quitting; }, [this] { ++finished; }});
     }
 
@@ -81,13 +82,13 @@ protected:
         ASSERT_EQ(center.countOf(kServerConnectedToDevice), 1);
         center.forgetPosts();
     }
-    /// The names of the reports so far, without those of the preferences.
+    /// The names of the reports of the connection so far.
     std::vector<std::string> reports() const
     {
         std::vector<std::string> names;
         for (const auto& post : center.posts()) {
             if (post.name != kFVEPrefsWillChangeNotification &&
-                post.name != kFVEPrefsDidChangeNotification)
+                post.name != kFVEPrefsDidChangeNotification && post.name != kServerScreenDidChange)
                 names.push_back(post.name);
         }
         return names;
@@ -574,3 +575,100 @@ TEST_F(ScreenServerTest, LeavesNothingBehindWhenItIsDestroyedAmidEverything)
     advance(30);
     EXPECT_EQ(finished, 0);
 }
+
+// --- the picture -----------------------------------------------------------------------------
+
+namespace
+{
+
+class ScreenServerWithAScreen : public ScreenServerTest
+{
+protected:
+    void connectToTablet()
+    {
+        connectToDesk();
+        link.deviceSends(LinkDeviceScreen{1280, 800, 100, 60});
+        fake.runLoop.runUntilIdle();
+    }
+    std::size_t monitors() const { return fake.virtualScreens.monitors().size(); }
+    ScreenReport lastReport() const
+    {
+        const auto posts = center.postsNamed(kServerScreenDidChange);
+        return posts.empty() ? ScreenReport{}
+                             : screenReport(&posts.back().userInfo.at(kScreenReportKey));
+    }
+};
+
+TEST_F(ScreenServerWithAScreen, MakesAMonitorForTheDeviceAndSaysSo)
+{
+    connectToDesk();
+    EXPECT_EQ(monitors(), 0U) << "the device has not told its screen";
+    link.deviceSends(LinkDeviceScreen{1280, 800, 100, 60});
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(monitors(), 1U);
+    EXPECT_EQ(lastReport().state, ScreenReport::State::shown);
+    EXPECT_EQ(lastReport().width, 1280);
+}
+
+TEST_F(ScreenServerWithAScreen, SaysItAgainToWhoeverAsks)
+{
+    connectToTablet();
+    center.forgetPosts();
+    request(kQueryRequestForConnectedHost);
+    EXPECT_EQ(lastReport().state, ScreenReport::State::shown);
+    EXPECT_EQ(center.posts().back().options, 3U);
+}
+
+TEST_F(ScreenServerWithAScreen, RemovesTheMonitorWithTheConnection)
+{
+    connectToTablet();
+    request(kDisconnectCurrentServerFromHost);
+    EXPECT_EQ(monitors(), 0U);
+    EXPECT_EQ(lastReport(), ScreenReport{});
+}
+
+TEST_F(ScreenServerWithAScreen, RemovesTheMonitorOfADeviceThatIsLost)
+{
+    connectToTablet();
+    link.end(LinkEndReason::silent);
+    EXPECT_EQ(monitors(), 0U);
+}
+
+TEST_F(ScreenServerWithAScreen, RemovesTheMonitorBeforeItSaysGoodbyeAtTheEnd)
+{
+    connectToTablet();
+    link.onDisconnect = [this] { EXPECT_EQ(monitors(), 0U); };
+    server->quit();
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::quitting));
+}
+
+TEST_F(ScreenServerWithAScreen, RemovesTheMonitorWhenItGoesToAnotherDevice)
+{
+    connectToTablet();
+    requestTicket("192.168.1.99");
+    EXPECT_EQ(monitors(), 0U);
+    accept("192.168.1.99");
+    EXPECT_EQ(monitors(), 0U) << "the other one has not told its screen";
+}
+
+TEST_F(ScreenServerWithAScreen, LeavesADeviceThatShowedWhatItWasNotSent)
+{
+    connectToTablet();
+    link.deviceSends(LinkShown{7, 100});
+    EXPECT_THAT(link.goodbyes, ElementsAre(LinkGoodbyeCode::brokenRule));
+    EXPECT_EQ(monitors(), 0U);
+    EXPECT_EQ(center.countOf(kServerDisconnectedFromDevice), 1);
+}
+
+TEST_F(ScreenServerWithAScreen, RemembersTheMonitorOfAnAddressByTheAddress)
+{
+    start();
+    requestTicket("192.168.1.99");
+    preferences.setDeviceScreen("192.168.1.99", storedScreen({.side = ScreenSide::below}));
+    accept("192.168.1.99");
+    link.deviceSends(LinkDeviceScreen{1280, 800, 100, 60});
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(lastReport().monitor.y, 1080);
+}
+
+} // namespace

@@ -85,6 +85,11 @@ const std::vector<std::string> waits = {
     "std::this_thread::sleep_for(std::chrono::milliseconds(2));",
     "Platform/Desktop/Screens/X11/ShownMonitor.cpp:    ::poll(files.data(), files.size(), "
     "longestWait());",
+    // A picture has a thread of its own.
+    "Applications/ScreenCapture/PictureThread.cpp:        mChanged.wait_until(lock, stop, "
+    "clockTime(mNextRefinement), hasNews);",
+    "Applications/ScreenCapture/PictureThread.cpp:    mChanged.wait_until(lock, stop, "
+    "clockTime(mPacing.nextBeat()), mayBegin);",
     // An X server is asked by the diagnosis alone, for half a second at most.
     "Platform/Desktop/Screens/X11/RandrConnection.cpp:        return ended.wait_for(lock, limit, "
     "[this] { return isOver; });",

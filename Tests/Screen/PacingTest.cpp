@@ -32,10 +32,10 @@ INSTANTIATE_TEST_SUITE_P(Pacing, QualityAfter,
 
 TEST(MayBeginFrame, WhileLittleIsOnItsWay)
 {
-    EXPECT_TRUE(mayBeginFrame(0, 0));
-    EXPECT_TRUE(mayBeginFrame(1, 0));
-    EXPECT_FALSE(mayBeginFrame(2, 0));
-    EXPECT_FALSE(mayBeginFrame(0, 1));
+    EXPECT_TRUE(mayBeginFrame(0, true));
+    EXPECT_TRUE(mayBeginFrame(1, true));
+    EXPECT_FALSE(mayBeginFrame(2, true));
+    EXPECT_FALSE(mayBeginFrame(0, false));
 }
 
 constexpr int typing = 1;
@@ -50,18 +50,18 @@ protected:
 TEST_F(APacedPicture, SendsSmallChangesAtOnceAndLargeOnesAtTheBeat)
 {
     pacing.begin(0ms, 100'000);
-    EXPECT_TRUE(pacing.mayBegin(1ms, typing, 0));
-    EXPECT_FALSE(pacing.mayBegin(1ms, film, 0));
-    EXPECT_TRUE(pacing.mayBegin(17ms, film, 0));
+    EXPECT_TRUE(pacing.mayBegin(1ms, typing, true));
+    EXPECT_FALSE(pacing.mayBegin(1ms, film, true));
+    EXPECT_TRUE(pacing.mayBegin(17ms, film, true));
 }
 
 TEST_F(APacedPicture, WaitsForADeviceThatShowsNothing)
 {
     pacing.begin(0ms, 100);
     pacing.begin(20ms, 100);
-    EXPECT_FALSE(pacing.mayBegin(10s, typing, 0));
+    EXPECT_FALSE(pacing.mayBegin(10s, typing, true));
     EXPECT_TRUE(pacing.shown(1, 10s));
-    EXPECT_TRUE(pacing.mayBegin(10s, typing, 0));
+    EXPECT_TRUE(pacing.mayBegin(10s, typing, true));
 }
 
 TEST_F(APacedPicture, TakesALaterFrameAsTheWordForThoseBefore)
@@ -88,6 +88,12 @@ TEST_F(APacedPicture, LosesQualityOverASlowLinkAndNotByTyping)
     EXPECT_EQ(pacing.quality(), kBestPictureQuality);
     pacing.shown(pacing.begin(1s, 100'000), 1300ms);
     EXPECT_LT(pacing.quality(), kBestPictureQuality);
+}
+
+TEST_F(APacedPicture, RefinesLittleAtATimeOverASlowLink)
+{
+    EXPECT_GT(refinedAtOnce(kBestPictureQuality), refinedAtOnce(kLeastPictureQuality));
+    EXPECT_GT(refinedAtOnce(kLeastPictureQuality), 0);
 }
 
 } // namespace

@@ -93,6 +93,18 @@ bool isBelievable(const RandrLayout& layout, const MonitorJournal& journal)
     return output && hasNoPlug(output->name);
 }
 
+/// What the other outputs show, the primary one first; what two of them show, once.
+std::vector<PixelRect> areasWithout(const RandrLayout& layout, RandrNumber output)
+{
+    std::vector<PixelRect> areas;
+    for (const auto each : onlineOutputs(layout)) {
+        const auto area = areaOf(*shownBy(layout, each));
+        if (each != output && std::find(areas.begin(), areas.end(), area) == areas.end())
+            areas.push_back(area);
+    }
+    return areas;
+}
+
 /// Others may have made another output show the same: that one stays on.
 void switchOff(RandrServer& server, const RandrLayout& layout, RandrNumber output)
 {
@@ -299,8 +311,9 @@ std::optional<ScreenGeometry> VirtualMonitor::geometry()
         return std::nullopt;
     if (mJournal.output == 0)
         holdAgainstOthers(*layout, *shown);
-    return ScreenGeometry{pixelPoint(shown->x, shown->y), shown->width, shown->height, 1,
-                          framesPerSecond};
+    return ScreenGeometry{
+        pixelPoint(shown->x, shown->y),        shown->width, shown->height, 1, framesPerSecond,
+        areasWithout(*layout, mJournal.output)};
 }
 
 bool undoMonitor(RandrServer& server)

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Platform/Types/PixelRect.h"
+#include "Platform/Types/ScreenObstacle.h"
+
+#include <string>
+#include <vector>
+
+namespace farview
+{
+
+/// What became of the monitor for the device that is connected, as the server tells the others.
+struct ScreenReport {
+    enum class State {
+        none,    ///< no device is connected, or one that shows no picture
+        coming,  ///< it is being made
+        shown,   ///< it is there, and its picture is sent
+        missing, ///< the device is connected without a picture
+    };
+
+    State state = State::none;
+    ScreenObstacle obstacle = ScreenObstacle::failed; ///< while it is missing
+
+    // While it is shown.
+    int width = 0; ///< in pixels
+    int height = 0;
+    double scale = 1;       ///< how many pixels are one point
+    double rate = 0;        ///< pictures a second; 0 when the desktop does not say
+    PixelRect monitor = {}; ///< where it is, in the desktop's own units
+    /// The user's own screens, in the same units; the main one first. At most `mostScreens`.
+    std::vector<PixelRect> screens = {};
+
+    static constexpr std::size_t mostScreens = 16;
+
+    bool operator==(const ScreenReport&) const = default;
+};
+
+/// The report as it travels: a word and numbers.
+std::string textOfScreenReport(const ScreenReport& report);
+/// Of a foreign text; what cannot be read, or no text, is a report of nothing.
+ScreenReport screenReport(const std::string* text);
+
+} // namespace farview

@@ -1,0 +1,56 @@
+#include "Common/Rules/ScreenReport.h"
+
+#include <gtest/gtest.h>
+
+namespace farview
+{
+namespace
+{
+
+ScreenReport shown()
+{
+    return {.state = ScreenReport::State::shown,
+            .width = 1920,
+            .height = 1200,
+            .scale = 1.5,
+            .rate = 59.95,
+            .monitor = pixelRect(1280, -20, 1280, 800),
+            .screens = {pixelRect(0, 0, 1280, 800), pixelRect(-800, 0, 800, 600)}};
+}
+
+ScreenReport read(const std::string& text) { return screenReport(&text); }
+
+TEST(ScreenReport, ComesBackAsItWasTold)
+{
+    EXPECT_EQ(read(textOfScreenReport(shown())), shown());
+    EXPECT_EQ(read(textOfScreenReport({})), ScreenReport{});
+    const ScreenReport coming{.state = ScreenReport::State::coming};
+    EXPECT_EQ(read(textOfScreenReport(coming)), coming);
+    for (int obstacle = 0; obstacle <= static_cast<int>(ScreenObstacle::failed); ++obstacle) {
+        const ScreenReport missing{.state = ScreenReport::State::missing,
+                                   .obstacle = static_cast<ScreenObstacle>(obstacle)};
+        EXPECT_EQ(read(textOfScreenReport(missing)), missing);
+    }
+}
+
+TEST(ScreenReport, TellsOfNoMoreScreensThanFitIn)
+{
+    ScreenReport report = shown();
+    report.screens.resize(100, pixelRect(0, 0, 32767, 32767));
+    EXPECT_EQ(read(textOfScreenReport(report)).screens.size(), ScreenReport::mostScreens);
+    EXPECT_EQ(read(textOfScreenReport(shown()) + " 5 5 10").screens, shown().screens);
+}
+
+TEST(ScreenReport, WhatCannotBeReadIsNothing)
+{
+    EXPECT_EQ(screenReport(nullptr), ScreenReport{});
+    for (const char* text :
+         {"", "shows", "shown", "shown 1 2 3", "shown 0 5 100 0 0 0 1 1", "shown 5 5 0 0 0 0 1 1",
+          "shown 5 5 100 -1 0 0 1 1", "shown 5 5 100 0 0 0 0 1", "shown 99999 5 100 0 0 0 1 1",
+          "shown 5 5 100 0 99999 0 1 1", "missing", "missing -1", "missing 10", "missing x"})
+        EXPECT_EQ(read(text), ScreenReport{}) << text;
+    EXPECT_EQ(read("coming" + std::string(2000, ' ')), ScreenReport{});
+}
+
+} // namespace
+} // namespace farview

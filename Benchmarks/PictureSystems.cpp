@@ -96,7 +96,7 @@ const std::vector<PictureSystem>& pictureSystems()
 {
     static const std::vector<PictureSystem> systems{
         {"Farview",
-         {},
+         {"openbox"},
          "DISPLAY=$B exec " + farviewPrograms + "/farview-device --name Desk --host-name desk-7",
          6001,
          "DISPLAY=$A exec " + farviewPrograms + "/ScreenCapture",

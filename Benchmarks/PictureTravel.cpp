@@ -2,7 +2,7 @@
 // programs that do the same, in turn. DISPLAY is where it arrives: 1920x1080, and nothing else on
 // it. Needs a network and a session bus of its own.
 //
-// usage: picture-travel [ROUNDS]
+// usage: picture-travel [ROUNDS [SYSTEM...]]        (a system is one of PictureSystems.cpp)
 
 #include "Benchmarks/Figures.h"
 #include "Benchmarks/PictureObserver.h"
@@ -15,6 +15,7 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -41,19 +42,23 @@ void setBackground(const std::string& display, std::uint32_t colour)
 
 using Records = std::map<std::string, PictureRecord>; ///< by scene
 
+std::string exactness(const PictureRecord& record)
+{
+    if (record.exactAfter.size() < record.timePerPicture.size())
+        return "not exact";
+    return "exact after " + std::to_string(std::lround(median(record.exactAfter))) + " ms";
+}
+
 void print(const std::string& name, const PictureRecord& record)
 {
     std::printf("  %-17s", name.c_str());
     if (!record.delays.empty())
-        std::printf("%6.3g ms, 99 %% %6.3g ms, %4.3g pictures a second, ", median(record.delays),
-                    quantile(record.delays, 0.99), 1000 / median(record.timePerPicture));
-    std::printf("%.3g Mbit/s; server: %.3g %%, %.3g wake-ups a second, %.3g MB; ",
+        std::printf("%4.3g ms, 99 %% %4.3g ms, %4.3g pictures a second, %s; ",
+                    median(record.delays), quantile(record.delays, 0.99),
+                    1000 / median(record.timePerPicture), exactness(record).c_str());
+    std::printf("%.3g Mbit/s; server %.3g %%, %.3g wake-ups a second, %.3g MB\n",
                 median(record.megabits), median(record.processor), median(record.wakeUps),
                 median(record.megabytes));
-    if (record.exactAfter.size() < record.megabits.size())
-        std::printf("not exact\n");
-    else
-        std::printf("exact after %.0f ms\n", median(record.exactAfter));
 }
 
 class Measurement
@@ -111,14 +116,20 @@ private:
     /// From the user's choice to the first picture, in milliseconds.
     double pick(const std::string& address)
     {
-        if (!mPanel.hears(kServerDisconnectedFromDevice))
-            throw std::runtime_error("the screen server says nothing");
         mPanel.reports.clear();
+        const auto answers = [this] {
+            mPanel.post(kQueryRequestForConnectedHost);
+            return mPanel.last(kServerDisconnectedFromDevice) != nullptr;
+        };
+        if (!waitUntil(answers))
+            throw std::runtime_error("the screen server does not answer");
         mPanel.connectToAddress(address);
         return mObserver.waitForBackground();
     }
 
     std::string mViewer;
+    /// Without one no window fills the screen.
+    ChildProcess mWindowManager{{"openbox"}, {{"DISPLAY", mViewer}}};
     PrivateXServer mSource;
     PictureObserver mObserver{mViewer};
     TestPanel mPanel;
@@ -149,7 +160,8 @@ const Target targets[] = {
     {"film", "exact after", &PictureRecord::exactAfter, 0.5, 300, "ms"},
     {"film", "memory", &PictureRecord::megabytes, 0.5, 60, "MB"},
     {"nothing", "processor", &PictureRecord::processor, 0.5, 0.2, "%"},
-    {"nothing", "wake-ups", &PictureRecord::wakeUps, 0.5, 2, "a second"},
+    // A sign of life each way.
+    {"nothing", "wake-ups", &PictureRecord::wakeUps, 0.5, 3, "a second"},
 };
 
 /// The best of the peers has the smallest median, of whichever kind it is.
@@ -189,9 +201,8 @@ void printVerdicts(const std::map<std::string, Records>& records)
 }
 
 /// Leaves those out that cannot be measured. Whether Farview could.
-bool measureAll(Measurement& measurement, int rounds)
+bool measureAll(Measurement& measurement, int rounds, std::vector<PictureSystem> systems)
 {
-    auto systems = pictureSystems();
     for (int round = 0; round < rounds; ++round)
         std::erase_if(systems, [&](const auto& system) { return !measurement.measure(system); });
     for (const auto& scene : scenes) {
@@ -206,14 +217,19 @@ bool measureAll(Measurement& measurement, int rounds)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication application(argc, argv);
     const char* viewer = std::getenv("DISPLAY");
     if (!viewer) {
         std::fprintf(stderr, "%s: there is no DISPLAY to show pictures on\n", argv[0]);
         return 2;
     }
+    QCoreApplication application(argc, argv);
+    auto systems = pictureSystems();
+    if (argc > 2)
+        std::erase_if(systems, [&](const auto& system) {
+            return std::find(argv + 2, argv + argc, system.name) == argv + argc;
+        });
     Measurement measurement(viewer);
-    if (!measureAll(measurement, argc > 1 ? std::atoi(argv[1]) : 2))
+    if (!measureAll(measurement, argc > 1 ? std::atoi(argv[1]) : 2, systems))
         return 1;
     printVerdicts(measurement.records());
     printAtMost("pick to first picture", median(measurement.starts()), 500, "ms");

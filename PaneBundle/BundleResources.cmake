@@ -1,8 +1,3 @@
-# Every bundle speaks these.
-set(FARVIEW_LANGUAGES de en es fr it pt-BR ja zh-Hans)
-set(FARVIEW_CATALOGUES ${FARVIEW_LANGUAGES})
-list(TRANSFORM FARVIEW_CATALOGUES APPEND ".lproj/Localizable.strings")
-
 # A target that copies files of this folder into the resources of a bundle whenever they changed.
 function(farview_bundle_resources TARGET CONTENTS)
   set(copies)

@@ -2,6 +2,11 @@
 
 set(FARVIEW_WARNINGS -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual)
 
+# Whatever has texts for people speaks these.
+set(FARVIEW_LANGUAGES de en es fr it pt-BR ja zh-Hans)
+set(FARVIEW_CATALOGUES ${FARVIEW_LANGUAGES})
+list(TRANSFORM FARVIEW_CATALOGUES APPEND ".lproj/Localizable.strings")
+
 add_library(farview_options INTERFACE)
 target_compile_options(farview_options INTERFACE ${FARVIEW_WARNINGS} -fPIC -pthread)
 target_link_options(farview_options INTERFACE -pthread)

@@ -25,6 +25,10 @@ const CommandLine::Options& options()
          "announced; connecting by address works with 6001 only"_qs,
          u"PORT"_qs},
         {u"headless"_qs, u"Run without a window"_qs},
+        {u"picture-file"_qs,
+         u"Run without a window and write each picture of the host to this file (.png, .ppm), for "
+         "diagnosis"_qs,
+         u"FILE"_qs},
         {u"refuse"_qs, u"Refuse every host with this reason (for maintenance)"_qs, u"REASON"_qs},
         {u"unless-seen"_qs, u"End at once when another device is seen within that time"_qs,
          u"SECONDS"_qs},
@@ -52,7 +56,9 @@ DeviceArguments readDeviceArguments(const QStringList& words)
 {
     CommandLine line(words, purpose, options(), {});
     DeviceArguments result;
-    result.isHeadless = line.has("headless");
+    line.read("picture-file",
+              [&](const auto& value) { return !(result.pictureFile = value)->empty(); });
+    result.isHeadless = line.has("headless") || result.pictureFile;
     line.read("name", [&](const auto& value) { return isDeviceName(*(result.name = value)); });
     line.read("host-name",
               [&](const auto& value) { return isHostLabel(*(result.hostName = value)); });

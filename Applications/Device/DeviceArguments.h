@@ -15,6 +15,8 @@ struct DeviceArguments {
     std::optional<std::string> hostName;
     std::uint16_t port = 6001;
     bool isHeadless = false;
+    /// Where pictures are written instead of shown.
+    std::optional<std::string> pictureFile;
     /// Refuse every host, for this reason.
     std::optional<std::string> refusal;
     /// End at once when a device is seen within that many seconds.

@@ -29,11 +29,17 @@ std::string inWords(const LinkOptions& options)
            word(" windows-move-back", options.windowsMoveBack);
 }
 
+std::string inWords(HostPicture::Verdict verdict)
+{
+    return verdict == HostPicture::Verdict::tooLarge ? "The picture is too large for this device."
+                                                     : "The picture breaks the rules of the link.";
+}
+
 } // namespace
 
 DeviceServer::DeviceServer(DeviceSettings settings, NetServicePublisher& publisher, Log& log,
-                           LinkTimes times)
-    : mSettings(std::move(settings)), mPublisher(publisher), mLog(log), mTimes(times)
+                           LinkTimes times, Glass* glass)
+    : mSettings(std::move(settings)), mPublisher(publisher), mLog(log), mTimes(times), mGlass(glass)
 {
 }
 
@@ -57,12 +63,10 @@ bool DeviceServer::listen()
             return false;
     }
     status.port = mServer.serverPort();
-    if (status.port != kMainDataTrafficPort) {
-        status.portWarning =
-            "Hosts find this device by its name only: connecting by address needs port " +
-            std::to_string(kMainDataTrafficPort) + ".";
-        mLog.write(LogLevel::warning, status.portWarning);
-    }
+    if (status.port != kMainDataTrafficPort)
+        mLog.write(LogLevel::warning,
+                   "Hosts find this device by its name only: connecting by address needs port " +
+                       std::to_string(kMainDataTrafficPort) + ".");
     tell(status);
     return true;
 }
@@ -93,8 +97,8 @@ void DeviceServer::didNotPublish(const std::string& reason)
 {
     DeviceStatus status = mStatus;
     status.announcedName.clear();
-    status.trouble = "This device cannot be announced: " + plainLinkText(reason, kLinkTextLimit);
-    mLog.write(LogLevel::error, status.trouble);
+    status.trouble = plainLinkText(reason, kLinkTextLimit);
+    mLog.write(LogLevel::error, "This device cannot be announced: " + status.trouble);
     tell(status);
 }
 
@@ -117,7 +121,7 @@ void DeviceServer::admit(std::unique_ptr<QTcpSocket> socket)
     if (mGuests.size() >= mostGuests)
         dropOldestLeaving();
     mGuests.push_back({LinkConnection::make(LinkSide::device, std::move(socket), weak_from_this(),
-                                            ownGreeting(), mTimes)});
+                                            mGlass ? ownGreeting() : LinkGreeting{}, mTimes)});
 }
 
 /// A host greets within moments, so the oldest that has not is the least likely to.
@@ -185,20 +189,52 @@ void DeviceServer::linkDidOpen(LinkConnection& connection)
     mLog.write(LogLevel::info, "Connected to the host at " + connection.peerAddress());
     DeviceStatus status = mStatus;
     status.usedBy = connection.peerAddress();
+    status.isPictureAgreed = connection.agreement().has(kLinkScreenFeature);
     status.options.reset();
+    status.lastVerdict = HostPicture::Verdict::good;
     tellState();
     tell(status);
+    if (status.isPictureAgreed)
+        mPicture = std::make_unique<HostPicture>(
+            connection.agreement(), *mGlass,
+            [&connection](const LinkFrame& frame) { connection.send(frame); });
 }
 
 void DeviceServer::linkDidReceive(LinkConnection& connection, const LinkFrame& frame)
 {
-    const auto* options = std::get_if<LinkOptions>(&frame);
-    if (!options || &connection != mUser)
+    if (&connection != mUser)
         return;
+    if (const auto* options = std::get_if<LinkOptions>(&frame))
+        takeOptions(*options);
+    else if (mPicture)
+        takePicture(connection, frame);
+}
+
+void DeviceServer::takeOptions(const LinkOptions& options)
+{
     DeviceStatus status = mStatus;
-    status.options = *options;
-    mLog.write(LogLevel::info, "The host asks for " + inWords(*options));
+    status.options = options;
+    mLog.write(LogLevel::info, "The host asks for " + inWords(options));
     tell(status);
+}
+
+void DeviceServer::takePicture(LinkConnection& connection, const LinkFrame& frame)
+{
+    const auto verdict = mPicture->take(frame);
+    if (verdict == HostPicture::Verdict::good)
+        return;
+    mPicture.reset();
+    mLog.write(LogLevel::warning, inWords(verdict));
+    DeviceStatus status = mStatus;
+    status.lastVerdict = verdict;
+    tell(status);
+    connection.close({LinkGoodbyeCode::brokenRule, inWords(verdict)});
+}
+
+void DeviceServer::sendHostAway()
+{
+    if (mUser)
+        mUser->close({LinkGoodbyeCode::byUser, "The device's user disconnected."});
 }
 
 void DeviceServer::linkDidEnd(LinkConnection& connection, const LinkEnd& end)
@@ -220,8 +256,10 @@ void DeviceServer::userLeft(const LinkEnd& end)
         end.reason != LinkEndReason::goodbye && end.reason != LinkEndReason::closedHere;
     mLog.write(vanished ? LogLevel::warning : LogLevel::info,
                "The host is gone" + (end.text.empty() ? "" : ": " + end.text));
+    mPicture.reset();
     DeviceStatus status = mStatus;
     status.usedBy.reset();
+    status.isPictureAgreed = false;
     status.options.reset();
     tellState();
     tell(status);
@@ -257,6 +295,7 @@ void DeviceServer::stop(std::function<void()> then)
     }
     mStopLimit.setSingleShot(true);
     QObject::connect(&mStopLimit, &QTimer::timeout, &mServer, [this] {
+        mPicture.reset();
         mGuests.clear();
         finishWhenAlone();
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/Device/HostPicture.h"
 #include "Link/LinkConnection.h"
 #include "Platform/Log.h"
 #include "Platform/NetServicePublisher.h"
@@ -33,14 +34,16 @@ struct DeviceStatus {
     std::string announcedName;
     /// 0 while nothing listens.
     std::uint16_t port = 0;
-    /// For people: what the port that is not the usual one means. Empty for the usual one.
-    std::string portWarning;
-    /// For people: why it is not announced. Empty when all is well.
+    /// Why it is not announced. Empty when all is well.
     std::string trouble;
     /// The numeric address of the host that uses the device.
     std::optional<std::string> usedBy;
+    /// Whether a picture is to come from that host.
+    bool isPictureAgreed = false;
     /// What that host wants; nothing until it told.
     std::optional<LinkOptions> options;
+    /// Why the last host was sent away; "good" when it was not, or another has come.
+    HostPicture::Verdict lastVerdict = HostPicture::Verdict::good;
 
     bool operator==(const DeviceStatus&) const = default;
 };
@@ -55,9 +58,10 @@ public:
     /// How many connections may wait for their greeting; one more displaces the oldest.
     static constexpr std::size_t mostWaiting = 4;
 
-    /// `publisher` and `log` outlive the server.
-    DeviceServer(DeviceSettings settings, NetServicePublisher& publisher, Log& log,
-                 LinkTimes times);
+    /// `publisher`, `log` and `glass` outlive the server. Without a glass no host is offered to
+    /// send pictures.
+    DeviceServer(DeviceSettings settings, NetServicePublisher& publisher, Log& log, LinkTimes times,
+                 Glass* glass = nullptr);
 
     /// Listens and announces. A port that is taken is replaced by a free one. False when there is
     /// none at all. Called once.
@@ -65,6 +69,8 @@ public:
     /// Takes the announcement back and says goodbye. `then` is called on a later turn, within a
     /// second. A second call does nothing.
     void stop(std::function<void()> then);
+    /// Says goodbye to the host that uses the device; another may come then.
+    void sendHostAway();
 
     const DeviceStatus& status() const { return mStatus; }
     /// `changed` is called whenever the status has changed, never inside a call to the server but
@@ -95,6 +101,8 @@ private:
     void dropOldestLeaving();
     Guest* guest(const LinkConnection& connection);
     std::optional<LinkRefusal> reasonToRefuse() const;
+    void takeOptions(const LinkOptions& options);
+    void takePicture(LinkConnection& connection, const LinkFrame& frame);
     void userLeft(const LinkEnd& end);
     void tellState();
     void tell(const DeviceStatus& status);
@@ -104,10 +112,12 @@ private:
     NetServicePublisher& mPublisher;
     Log& mLog;
     LinkTimes mTimes;
+    Glass* mGlass;
     QTcpServer mServer;
     std::vector<Guest> mGuests;
     /// The one that was accepted; owned by `mGuests`.
-    const LinkConnection* mUser = nullptr;
+    LinkConnection* mUser = nullptr;
+    std::unique_ptr<HostPicture> mPicture; ///< while that one may send pictures
     DeviceStatus mStatus;
     std::function<void()> mChanged = [] {};
     std::function<void()> mStopped;

@@ -1,6 +1,14 @@
 #include "Applications/Device/DeviceWindow.h"
 
+#include "Common/FVEConstants.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
+
+#include <utility>
 
 namespace farview
 {
@@ -10,6 +18,11 @@ namespace
 
 constexpr int windowWidth = 420;
 constexpr double headlineScale = 1.6;
+/// How near to the upper edge the bar is asked for, in points: a finger's width.
+constexpr int edge = 24;
+constexpr std::chrono::seconds restAfter{3};
+/// A picture in a window leaves as much of the screen free.
+constexpr double partOfScreen = 0.75;
 
 /// Names and addresses are foreign: never markup.
 QLabel* plainLabel(QVBoxLayout& layout, const char* objectName)
@@ -23,50 +36,89 @@ QLabel* plainLabel(QVBoxLayout& layout, const char* objectName)
     return label;
 }
 
-void setText(QLabel& label, const std::string& text)
+void setText(QLabel& label, const QString& text)
 {
-    label.setText(QString::fromStdString(text));
-    label.setVisible(!text.empty());
+    label.setText(text);
+    label.setVisible(!text.isEmpty());
 }
 
-std::string headline(const DeviceStatus& status)
+QString useText(const DeviceTexts& texts, const DeviceStatus& status)
 {
-    if (status.announcedName.empty())
-        return "Not announced yet";
-    return status.announcedName;
+    if (!status.usedBy)
+        return texts.text(
+            "Not in use. Choose this device in Farview Preferences on another computer.");
+    if (status.isPictureAgreed)
+        return texts.text("Connected to the computer at %@. Waiting for its picture…",
+                          {*status.usedBy});
+    return texts.text("Connected to the computer at %@. Its version of Farview sends no pictures.",
+                      {*status.usedBy});
 }
 
-std::string useText(const DeviceStatus& status)
-{
-    if (status.usedBy)
-        return "In use by the computer at " + *status.usedBy + ".";
-    return "Not in use. Choose this device in Farview Preferences on another computer.";
-}
-
-std::string optionsText(const DeviceStatus& status)
+QString optionsText(const DeviceTexts& texts, const DeviceStatus& status)
 {
     if (!status.options)
-        return "";
-    const auto line = [](const char* what, bool on) {
-        return std::string(what) + (on ? ": on" : ": off");
+        return {};
+    const auto line = [&](const QString& what, bool on) {
+        return texts.text(on ? "%@: on" : "%@: off", {what.toStdString()});
     };
-    return line("Touch", status.options->touch) + "\n" +
-           line("Retina resolutions", status.options->retina) + "\n" +
-           line("HiDPI resolutions", status.options->hiDPI) + "\n" +
-           line("Windows move back", status.options->windowsMoveBack);
+    return line(texts.text("Touch"), status.options->touch) + u'\n' +
+           line(texts.text("Retina resolutions"), status.options->retina) + u'\n' +
+           line(texts.text("HiDPI resolutions"), status.options->hiDPI) + u'\n' +
+           line(texts.text("Windows move back"), status.options->windowsMoveBack);
 }
 
-std::string troubleText(const DeviceStatus& status)
+QString verdictText(const DeviceTexts& texts, HostPicture::Verdict verdict)
 {
-    const bool both = !status.trouble.empty() && !status.portWarning.empty();
-    return status.trouble + (both ? "\n" : "") + status.portWarning;
+    if (verdict == HostPicture::Verdict::good)
+        return {};
+    return verdict == HostPicture::Verdict::tooLarge
+               ? texts.text("The last computer was sent away: its picture is too large for this "
+                            "device.")
+               : texts.text("The last computer was sent away: its picture cannot be read.");
+}
+
+QString troubleText(const DeviceTexts& texts, const DeviceStatus& status)
+{
+    QStringList lines;
+    if (!status.trouble.empty())
+        lines += texts.text("This device cannot be announced: %@", {status.trouble});
+    if (status.port != 0 && status.port != kMainDataTrafficPort)
+        lines += texts.text("Computers find this device by its name only: connecting by address "
+                            "needs port %@.",
+                            {std::to_string(kMainDataTrafficPort)});
+    lines += verdictText(texts, status.lastVerdict);
+    lines.removeAll(QString());
+    return lines.join(u'\n');
 }
 
 } // namespace
 
-DeviceWindow::DeviceWindow(std::function<void()> closed) : mClosed(std::move(closed))
+DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions)
+    : mTexts(texts), mActions(std::move(actions)), mPages(new QStackedLayout(this)),
+      mView(new ScreenView)
 {
-    auto* layout = new QVBoxLayout(this);
+    mPages->addWidget(makeStatusPage());
+    mPages->addWidget(mView);
+    mView->setAccessibleName(texts.text("Picture of the other computer"));
+    mBar = new PictureBar(texts,
+                          {[this](bool isFitted) { mView->setFitted(isFitted); },
+                           [this](bool isFull) { fillScreen(isFull); }, mActions.disconnect},
+                          mView);
+    mRest.setSingleShot(true);
+    mRest.setInterval(restAfter);
+    connect(&mRest, &QTimer::timeout, this, &DeviceWindow::rest);
+    // A screen that turns tells several changes at once.
+    mScreenChanged.setSingleShot(true);
+    connect(&mScreenChanged, &QTimer::timeout, this, [this] { mTellScreen(); });
+    setMouseTracking(true);
+    setWindowTitle(texts.text("Farview Device"));
+    becomeSmall();
+}
+
+QWidget* DeviceWindow::makeStatusPage()
+{
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
     mName = plainLabel(*layout, "deviceName");
     mUse = plainLabel(*layout, "deviceUse");
     mOptions = plainLabel(*layout, "deviceOptions");
@@ -75,22 +127,175 @@ DeviceWindow::DeviceWindow(std::function<void()> closed) : mClosed(std::move(clo
     QFont large = mName->font();
     large.setPointSizeF(large.pointSizeF() * headlineScale);
     mName->setFont(large);
-    setWindowTitle(QStringLiteral("Farview Device"));
-    resize(windowWidth, sizeHint().height());
+    return page;
+}
+
+void DeviceWindow::showStatus(const DeviceStatus& status)
+{
+    setText(*mName, status.announcedName.empty() ? mTexts.text("Not announced yet")
+                                                 : QString::fromStdString(status.announcedName));
+    setText(*mUse, useText(mTexts, status));
+    setText(*mOptions, optionsText(mTexts, status));
+    setText(*mTrouble, troubleText(mTexts, status));
+    mBar->setDeviceName(status.announcedName);
 }
 
 void DeviceWindow::closeEvent(QCloseEvent* event)
 {
     QWidget::closeEvent(event);
-    mClosed();
+    mActions.closed();
 }
 
-void DeviceWindow::showStatus(const DeviceStatus& status)
+// --- the screen ------------------------------------------------------------------------------
+
+LinkDeviceScreen DeviceWindow::screen() const
 {
-    setText(*mName, headline(status));
-    setText(*mUse, useText(status));
-    setText(*mOptions, optionsText(status));
-    setText(*mTrouble, troubleText(status));
+    const QScreen& mine = *QWidget::screen();
+    return screenToTell(mine.size(), mine.devicePixelRatio(), mine.refreshRate());
+}
+
+void DeviceWindow::setScreenObserver(std::function<void()> changed)
+{
+    mTellScreen = std::move(changed);
+}
+
+void DeviceWindow::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    connect(windowHandle(), &QWindow::screenChanged, this, &DeviceWindow::followScreen,
+            Qt::UniqueConnection);
+    followScreen();
+}
+
+void DeviceWindow::followScreen()
+{
+    for (const auto& each : std::exchange(mScreenSignals, {}))
+        disconnect(each);
+    const QScreen* mine = QWidget::screen();
+    const auto tell = [this] { mScreenChanged.start(0); };
+    mScreenSignals = {connect(mine, &QScreen::geometryChanged, this, tell),
+                      connect(mine, &QScreen::logicalDotsPerInchChanged, this, tell),
+                      connect(mine, &QScreen::refreshRateChanged, this, tell)};
+    tell();
+}
+
+// --- the picture -----------------------------------------------------------------------------
+
+void DeviceWindow::beginPicture(const PictureReceiver& picture)
+{
+    const bool isFirst = !mView->hasPicture();
+    mView->beginPicture(picture);
+    mBar->setPictureSize(mView->pictureSize());
+    if (!isFirst)
+        return;
+    mPages->setCurrentWidget(mView);
+    fillScreen(true);
+    mRest.start();
+    mActions.pictureShown(true);
+}
+
+void DeviceWindow::showFrame(const std::vector<PixelRect>& changed, std::size_t bytes,
+                             std::function<void()> drawn)
+{
+    mBar->countFrame(bytes);
+    mView->showFrame(changed, std::move(drawn));
+}
+
+void DeviceWindow::endPicture()
+{
+    if (!mView->hasPicture())
+        return;
+    mView->endPicture();
+    mRest.stop();
+    rest();
+    mView->unsetCursor();
+    mPages->setCurrentIndex(0);
+    becomeSmall();
+    mActions.pictureShown(false);
+}
+
+void DeviceWindow::fillScreen(bool isFull)
+{
+    setWindowState(isFull ? Qt::WindowFullScreen : Qt::WindowNoState);
+    if (isFull)
+        return;
+    const QSize room = QWidget::screen()->availableSize() * partOfScreen;
+    const QSize points = (QSizeF(mView->pictureSize()) / devicePixelRatioF()).toSize();
+    resize(points.boundedTo(points.scaled(room, Qt::KeepAspectRatio)));
+}
+
+void DeviceWindow::becomeSmall()
+{
+    setWindowState(Qt::WindowNoState);
+    resize(windowWidth, mPages->widget(0)->sizeHint().height());
+}
+
+// --- bar, keys and mouse ---------------------------------------------------------------------
+
+void DeviceWindow::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        mBar->setFullScreen(isFullScreen());
+}
+
+void DeviceWindow::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    mBar->setGeometry(0, 0, width(), mBar->sizeHint().height());
+}
+
+void DeviceWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (!mView->hasPicture())
+        return QWidget::keyPressEvent(event);
+    if (event->key() == Qt::Key_F11)
+        fillScreen(!isFullScreen());
+    else if (event->key() == Qt::Key_F10)
+        mBar->open();
+    else if (event->key() == Qt::Key_Escape && mBar->isVisible())
+        mBar->hide();
+    else if (event->key() == Qt::Key_Escape && isFullScreen())
+        fillScreen(false);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void DeviceWindow::mouseMoveEvent(QMouseEvent* event)
+{
+    mView->unsetCursor();
+    openBarAt(event->position());
+}
+
+void DeviceWindow::mousePressEvent(QMouseEvent* event)
+{
+    if (!mBar->geometry().contains(event->position().toPoint()))
+        mBar->hide();
+    openBarAt(event->position());
+}
+
+void DeviceWindow::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (mView->hasPicture() && event->button() == Qt::LeftButton)
+        fillScreen(!isFullScreen());
+}
+
+void DeviceWindow::openBarAt(const QPointF& place)
+{
+    if (!mView->hasPicture())
+        return;
+    if (place.y() < edge)
+        mBar->show();
+    mRest.start();
+}
+
+void DeviceWindow::rest()
+{
+    const bool isInUse = mBar->underMouse() || mBar->isAncestorOf(focusWidget());
+    if (mBar->isVisible() && isInUse && mView->hasPicture())
+        return mRest.start();
+    mBar->hide();
+    mView->setCursor(Qt::BlankCursor);
 }
 
 } // namespace farview

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "Applications/Device/DeviceServer.h"
+#include "Applications/Device/PictureBar.h"
+#include "Applications/Device/ScreenView.h"
 
 #include <QLabel>
+#include <QStackedLayout>
 #include <QWidget>
 
 #include <functional>
@@ -10,25 +13,63 @@
 namespace farview
 {
 
-/// The device's small window: its name, whether and by whom it is used, what that host wants, and
-/// what is wrong. Closing it ends the program.
-class DeviceWindow final : public QWidget
+/// The device's window. While there is no picture it is small and says what is happening; with the
+/// first picture it fills the screen. F11 and a double click change between the screen and a
+/// window, Escape leaves the screen, F10 or a touch of the upper edge brings the bar. All other
+/// keys are left to others.
+class DeviceWindow final : public QWidget, public Glass
 {
 public:
-    /// `closed` is called when the user closes the window.
-    explicit DeviceWindow(std::function<void()> closed);
+    struct Actions {
+        std::function<void()> closed;     ///< by the user
+        std::function<void()> disconnect; ///< the user wants to be rid of the host
+        std::function<void(bool isShown)> pictureShown;
+    };
+
+    /// `texts` outlive it.
+    DeviceWindow(const DeviceTexts& texts, Actions actions);
 
     void showStatus(const DeviceStatus& status);
 
+    LinkDeviceScreen screen() const override;
+    void setScreenObserver(std::function<void()> changed) override;
+    void beginPicture(const PictureReceiver& picture) override;
+    void showFrame(const std::vector<PixelRect>& changed, std::size_t bytes,
+                   std::function<void()> drawn) override;
+    void movePointer() override { mView->movePointer(); }
+    void endPicture() override;
+
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    std::function<void()> mClosed;
-    QLabel* mName;
-    QLabel* mUse;
-    QLabel* mOptions;
-    QLabel* mTrouble;
+    QWidget* makeStatusPage();
+    void followScreen();
+    void fillScreen(bool isFull);
+    void becomeSmall();
+    void openBarAt(const QPointF& place);
+    void rest();
+
+    const DeviceTexts& mTexts;
+    Actions mActions;
+    QStackedLayout* mPages;
+    QLabel* mName = nullptr;
+    QLabel* mUse = nullptr;
+    QLabel* mOptions = nullptr;
+    QLabel* mTrouble = nullptr;
+    ScreenView* mView;
+    PictureBar* mBar;
+    QTimer mRest; ///< until bar and mouse pointer go
+    QTimer mScreenChanged;
+    std::function<void()> mTellScreen = [] {};
+    QList<QMetaObject::Connection> mScreenSignals;
 };
 
 } // namespace farview

@@ -1,14 +1,17 @@
+#include "Applications/Device/AwakeScreen.h"
 #include "Applications/Device/DeviceArguments.h"
 #include "Applications/Device/DeviceNames.h"
 #include "Applications/Device/DeviceServer.h"
 #include "Applications/Device/DeviceWindow.h"
 #include "Applications/Device/OtherDevices.h"
+#include "Applications/Device/PictureFile.h"
 #include "Applications/TerminationSignals.h"
 #include "Controls/Qt/DesktopLook.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
 #include "Platform/Desktop/Looks/AppearancePortal.h"
+#include "Platform/Posix/Languages.h"
 #include "Platform/Posix/Settings/MachineIdentifier.h"
 
 #include <QApplication>
@@ -80,8 +83,14 @@ private:
     }
     void serve()
     {
+        if (mHasWindow)
+            makeWindow();
+        if (mArguments.pictureFile)
+            mFile = std::make_unique<PictureFile>(QString::fromStdString(*mArguments.pictureFile),
+                                                  *mPlatform.log);
+        Glass* const glass = mFile ? static_cast<Glass*>(mFile.get()) : mWindow.get();
         mServer = std::make_shared<DeviceServer>(settingsFor(mArguments), mPublisher,
-                                                 *mPlatform.log, LinkTimes{});
+                                                 *mPlatform.log, LinkTimes{}, glass);
         if (mHasWindow)
             showWindow();
         if (!mServer->start()) {
@@ -89,11 +98,16 @@ private:
             QCoreApplication::exit(noPort);
         }
     }
-    void showWindow()
+    void makeWindow()
     {
         mPortal.emplace(mDesktop.sessionBus().connection(),
                         [this](const AppearancePreferences& wanted) { mLook.follow(wanted); });
-        mWindow = std::make_unique<DeviceWindow>([this] { quit(); });
+        mWindow = std::make_unique<DeviceWindow>(
+            mTexts, DeviceWindow::Actions{[this] { quit(); }, [this] { mServer->sendHostAway(); },
+                                          [this](bool isShown) { mAwake.keep(isShown); }});
+    }
+    void showWindow()
+    {
         mServer->setObserver([this] { mWindow->showStatus(mServer->status()); });
         mWindow->showStatus(mServer->status());
         mWindow->show();
@@ -107,8 +121,11 @@ private:
     std::optional<AppearancePortal> mPortal;
     DesktopNetServicePublisher mPublisher{*mPlatform.log};
     std::shared_ptr<OtherDevices> mOthers;
-    std::shared_ptr<DeviceServer> mServer;
+    DeviceTexts mTexts{preferredLanguages(Environment(EnvironmentUse::honoured))};
+    AwakeScreen mAwake{mDesktop.sessionBus(), mTexts.text("Shows the picture of another computer")};
     std::unique_ptr<DeviceWindow> mWindow;
+    std::unique_ptr<PictureFile> mFile;
+    std::shared_ptr<DeviceServer> mServer;
 };
 
 int run(const DeviceArguments& arguments, bool hasWindow)

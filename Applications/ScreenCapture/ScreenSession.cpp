@@ -165,19 +165,29 @@ void ScreenSession::rememberShape(const ScreenGeometry& before, const ScreenGeom
 
 void ScreenSession::didEnd(ScreenObstacle reason)
 {
-    close();
+    if (close())
+        tellPictureIsOver();
     mServices.log.write(LogLevel::warning, "There is no monitor for " + mDevice);
     tell({.state = ScreenReport::State::missing, .obstacle = reason});
     if (reason == ScreenObstacle::locked)
         mServices.runLoop.performAfterDelay(lockedPause, weak_from_this(), [this] { open(); });
 }
 
-void ScreenSession::close()
+/// Whether there was a picture.
+bool ScreenSession::close()
 {
-    if (mPicture)
+    const bool hadPicture = mPicture != nullptr;
+    if (hadPicture)
         mLastFrame = mPicture->lastFrame();
     mPicture.reset();
     mScreen.reset();
+    return hadPicture;
+}
+
+/// What was made of the picture before is on its way to the link already.
+void ScreenSession::tellPictureIsOver()
+{
+    mServices.runLoop.post(weak_from_this(), [this] { mServices.link.send(LinkPictureSize{}); });
 }
 
 // --- the picture -----------------------------------------------------------------------------

@@ -78,7 +78,8 @@ private:
     void beginPicture();
     void send(PictureThread::Frames frames);
     void pictureFailed();
-    void close();
+    bool close();
+    void tellPictureIsOver();
     void tell(const ScreenReport& report);
 
     Services mServices;

@@ -146,9 +146,9 @@ std::optional<std::uint16_t> readWithin(ByteReader& reader, std::uint16_t least,
 
 std::optional<LinkFrame> readPictureSize(ByteReader& reader)
 {
-    const auto width = readWithin(reader, 1, kLargestPictureSide);
-    const auto height = readWithin(reader, 1, kLargestPictureSide);
-    if (!width || !height)
+    const auto width = readWithin(reader, 0, kLargestPictureSide);
+    const auto height = readWithin(reader, 0, kLargestPictureSide);
+    if (!width || !height || (*width == 0) != (*height == 0))
         return std::nullopt;
     return LinkPictureSize{*width, *height};
 }

@@ -63,10 +63,10 @@ struct LinkShown {
 /// The largest side of a picture, in pixels.
 inline constexpr std::uint16_t kLargestPictureSide = 16384;
 
-/// From now on the picture has this size, and is black.
+/// From now on the picture has this size, and is black; 0 and 0: there is none for now.
 struct LinkPictureSize {
-    std::uint16_t width = 1;
-    std::uint16_t height = 1;
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
 
     bool operator==(const LinkPictureSize&) const = default;
 };

@@ -49,6 +49,14 @@ TEST(DeviceArguments, AreReadInBothSpellings)
     EXPECT_EQ(arguments.unlessSeenWithin, 3.0);
 }
 
+TEST(DeviceArguments, AFileForPicturesTakesThePlaceOfTheWindow)
+{
+    const DeviceArguments arguments = argumentsOf({"--picture-file", "/tmp/a.png"});
+    EXPECT_EQ(arguments.pictureFile, "/tmp/a.png");
+    EXPECT_TRUE(arguments.isHeadless);
+    EXPECT_THAT(mistake({"--picture-file", ""}), HasSubstr("--picture-file cannot have"));
+}
+
 TEST(DeviceArguments, AllowAnyFreePort) { EXPECT_EQ(argumentsOf({"--port", "0"}).port, 0); }
 
 TEST(DeviceArguments, NameTheirMistakes)

@@ -1,6 +1,7 @@
 #include "Applications/Device/DeviceServer.h"
 
 #include "Platform/Fake/FakeLog.h"
+#include "Tests/Applications/FakeGlass.h"
 #include "Tests/Applications/FakePublisher.h"
 #include "Tests/Link/LinkPeers.h"
 
@@ -42,7 +43,7 @@ protected:
 
     void start()
     {
-        server = std::make_shared<DeviceServer>(settings, publisher, log, quickTimes());
+        server = std::make_shared<DeviceServer>(settings, publisher, log, quickTimes(), shownOn);
         server->setObserver([this] { ++changes; });
         ASSERT_TRUE(server->start());
     }
@@ -55,6 +56,16 @@ protected:
         start();
         auto guest = host();
         EXPECT_TRUE(waitUntil([&] { return isUsed(); }));
+        return guest;
+    }
+    /// A host whose picture of that size has begun.
+    std::unique_ptr<TestHost> startWithAPicture(LinkPictureSize size)
+    {
+        shownOn = &glass;
+        auto guest = startWithAHost();
+        EXPECT_TRUE(waitUntil([&] { return guest->seen->opened; }));
+        guest->link->send(size);
+        EXPECT_TRUE(waitUntil([&] { return glass.picture != nullptr || !isUsed(); }));
         return guest;
     }
     /// A connection that never says a word.
@@ -70,6 +81,8 @@ protected:
     DeviceSettings settings;
     FakePublisher publisher;
     FakeLog log;
+    FakeGlass glass;
+    Glass* shownOn = nullptr;
     int changes = 0;
     std::shared_ptr<DeviceServer> server;
 };
@@ -114,7 +127,6 @@ TEST_F(DeviceServerTest, TakesAFreePortAndWarnsWhenItsOwnIsTaken)
     EXPECT_NE(server->status().port, 0);
     EXPECT_NE(server->status().port, other.serverPort());
     EXPECT_EQ(publisher.service->port, server->status().port);
-    EXPECT_THAT(server->status().portWarning, HasSubstr("6001"));
     EXPECT_TRUE(log.contains("needs port 6001"));
 }
 
@@ -273,4 +285,106 @@ TEST_F(DeviceServerTest, LetsNobodyInWhileItStops)
     ASSERT_TRUE(waitUntil([&] { return stopped; }));
     waitUntil([&] { return late.state() == QAbstractSocket::UnconnectedState; });
     EXPECT_NE(late.state(), QAbstractSocket::ConnectedState);
+}
+
+// --- the picture -----------------------------------------------------------------------------
+
+TEST_F(DeviceServerTest, WithoutAGlassItOffersNoPictures)
+{
+    const auto guest = startWithAHost();
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->opened; }));
+    EXPECT_TRUE(guest->link->agreement().features.empty());
+    EXPECT_FALSE(server->status().isPictureAgreed);
+}
+
+TEST_F(DeviceServerTest, TellsAHostItsScreenAndAgainWhenThatTurns)
+{
+    shownOn = &glass;
+    const auto guest = startWithAHost();
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->frames.size() == 1; }));
+    EXPECT_TRUE(guest->link->agreement().has(kLinkZstdFeature));
+    EXPECT_TRUE(server->status().isPictureAgreed);
+    EXPECT_EQ(guest->seen->frames.back(), LinkFrame(glass.deviceScreen));
+    glass.deviceScreen = {800, 1280, 150, 60};
+    glass.screenChanged();
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->frames.size() == 2; }));
+    EXPECT_EQ(guest->seen->frames.back(), LinkFrame(glass.deviceScreen));
+}
+
+TEST_F(DeviceServerTest, TellsAHostThatItsFrameIsShown)
+{
+    const auto guest = startWithAPicture({64, 64});
+    guest->link->send(LinkFrameEnd{1});
+    ASSERT_TRUE(waitUntil([&] { return glass.isWaiting(); }));
+    glass.draw();
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->frames.size() == 2; }));
+    EXPECT_EQ(std::get<LinkShown>(guest->seen->frames.back()).number, 1u);
+}
+
+TEST_F(DeviceServerTest, SendsAHostAwayWhosePictureBreaksTheRules)
+{
+    const auto guest = startWithAPicture({64, 64});
+    guest->link->send(LinkScreenRectangle{{60, 0, 8, 8}, QLScreenEncodingLibz, {1, 2, 3}});
+    ASSERT_TRUE(waitUntil([&] { return !isUsed() && guest->seen->ended(); }));
+    EXPECT_EQ(guest->seen->reason(), LinkEndReason::goodbye);
+    EXPECT_THAT(guest->seen->ends.front().text, HasSubstr("breaks the rules"));
+    EXPECT_EQ(glass.picture, nullptr);
+    EXPECT_EQ(server->status().lastVerdict, HostPicture::Verdict::brokenRule);
+    const auto next = host();
+    ASSERT_TRUE(waitUntil([&] { return next->seen->opened && isUsed(); }));
+    EXPECT_EQ(server->status().lastVerdict, HostPicture::Verdict::good);
+}
+
+TEST_F(DeviceServerTest, SaysThatAPictureIsTooLargeForIt)
+{
+    const auto guest = startWithAPicture({16384, 16384});
+    ASSERT_TRUE(waitUntil([&] { return guest->seen->ended(); }));
+    EXPECT_THAT(guest->seen->ends.front().text, HasSubstr("too large"));
+    EXPECT_EQ(glass.pictures, 0);
+}
+
+TEST_F(DeviceServerTest, EndsThePictureOfAHostThatVanishesInTheMiddleOfAFrame)
+{
+    shownOn = &glass;
+    start();
+    auto stranger = silentSocket();
+    Bytes bytes = encodeGreeting(ownGreeting());
+    writeBytes(*stranger, bytes);
+    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    bytes = encodeFrame(LinkPictureSize{64, 64});
+    const auto packet =
+        encodeFrame(LinkScreenRectangle{{0, 0, 64, 64}, QLScreenEncodingLibz, Bytes(5000, 1)});
+    bytes.insert(bytes.end(), packet.begin(), packet.begin() + 2000);
+    writeBytes(*stranger, bytes);
+    ASSERT_TRUE(waitUntil([&] { return glass.picture != nullptr; }));
+    stranger.reset();
+    ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
+    EXPECT_EQ(glass.picture, nullptr);
+    EXPECT_FALSE(glass.isWaiting());
+}
+
+TEST_F(DeviceServerTest, ItsUserCanSendTheHostAway)
+{
+    const auto guest = startWithAPicture({64, 64});
+    server->sendHostAway();
+    ASSERT_TRUE(waitUntil([&] { return !isUsed() && guest->seen->ended(); }));
+    EXPECT_EQ(guest->seen->reason(), LinkEndReason::goodbye);
+    EXPECT_EQ(glass.picture, nullptr);
+    server->sendHostAway();
+    EXPECT_FALSE(isUsed()) << "there is nobody to send away";
+}
+
+TEST_F(DeviceServerTest, StopsWhileAHostThatDoesNotReadHasAPicture)
+{
+    shownOn = &glass;
+    start();
+    const auto stranger = silentSocket();
+    writeBytes(*stranger, encodeGreeting(ownGreeting()));
+    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    writeBytes(*stranger, encodeFrame(LinkPictureSize{8, 8}));
+    ASSERT_TRUE(waitUntil([&] { return glass.picture != nullptr; }));
+    bool stopped = false;
+    server->stop([&] { stopped = true; });
+    EXPECT_TRUE(waitUntil([&] { return stopped; }));
+    EXPECT_EQ(glass.picture, nullptr);
 }

@@ -1,11 +1,17 @@
 #include "Applications/Device/DeviceWindow.h"
 
+#include "Screen/Codecs/ZlibCodec.h"
+#include "Tests/Support/WaitUntil.h"
+
 #include <QApplication>
+#include <QScreen>
+#include <QTest>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace farview;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace
@@ -21,10 +27,28 @@ protected:
         return *window.findChild<QLabel*>(QString::fromLatin1(name));
     }
     std::string text(const char* name) { return label(name).text().toStdString(); }
+    QPushButton& button(const char* name)
+    {
+        return *window.findChild<QPushButton*>(QString::fromLatin1(name));
+    }
+    QWidget& bar() { return *window.findChild<QWidget*>(QStringLiteral("pictureBar")); }
+    QWidget& view() { return *window.findChild<QWidget*>(QStringLiteral("screenView")); }
+    void press(Qt::Key key)
+    {
+        QWidget* focused = window.focusWidget();
+        QTest::keyClick(focused ? focused : &window, key);
+    }
 
-    DeviceStatus status{"Desk", 6001, "", "", std::nullopt, std::nullopt};
+    DeviceStatus status{.announcedName = "Desk", .port = 6001};
     int closed = 0;
-    DeviceWindow window{[this] { ++closed; }};
+    int disconnects = 0;
+    std::vector<bool> shown;
+    DeviceTexts texts{{"en"}};
+    ZlibCodec zlib;
+    PictureReceiver picture{320, 200, zlib, {}};
+    DeviceWindow window{texts,
+                        {[this] { ++closed; }, [this] { ++disconnects; },
+                         [this](bool isShown) { shown.push_back(isShown); }}};
 };
 
 } // namespace
@@ -44,9 +68,19 @@ TEST_F(DeviceWindowTest, ShowsWhoUsesItAndWhatTheyWant)
     status.options = LinkOptions{true, false, false, true};
     window.showStatus(status);
     EXPECT_THAT(text("deviceUse"), HasSubstr("192.0.2.9"));
+    EXPECT_THAT(text("deviceUse"), HasSubstr("sends no pictures"));
     EXPECT_EQ(text("deviceOptions"), "Touch: on\nRetina resolutions: off\n"
                                      "HiDPI resolutions: off\nWindows move back: on");
     EXPECT_TRUE(label("deviceOptions").isVisible());
+}
+
+TEST_F(DeviceWindowTest, SaysThatItWaitsForThePicture)
+{
+    status.usedBy = "192.0.2.9";
+    status.isPictureAgreed = true;
+    window.showStatus(status);
+    EXPECT_EQ(text("deviceUse"),
+              "Connected to the computer at 192.0.2.9. Waiting for its picture…");
 }
 
 TEST_F(DeviceWindowTest, ForgetsItsHostWhenThatHasGone)
@@ -67,11 +101,23 @@ TEST_F(DeviceWindowTest, ShowsTrouble)
     status.trouble = "No network";
     window.showStatus(status);
     EXPECT_EQ(text("deviceName"), "Not announced yet");
-    EXPECT_EQ(text("deviceTrouble"), "No network");
-    status.portWarning = "Another port";
+    EXPECT_EQ(text("deviceTrouble"), "This device cannot be announced: No network");
+    status.port = 7001;
     window.showStatus(status);
-    EXPECT_EQ(text("deviceTrouble"), "No network\nAnother port");
+    EXPECT_THAT(text("deviceTrouble"), HasSubstr("No network\nComputers find this device by its "
+                                                 "name only: connecting by address needs port "
+                                                 "6001."));
     EXPECT_TRUE(label("deviceTrouble").isVisible());
+}
+
+TEST_F(DeviceWindowTest, SaysWhyTheLastHostWasSentAway)
+{
+    status.lastVerdict = HostPicture::Verdict::tooLarge;
+    window.showStatus(status);
+    EXPECT_THAT(text("deviceTrouble"), HasSubstr("too large"));
+    status.lastVerdict = HostPicture::Verdict::brokenRule;
+    window.showStatus(status);
+    EXPECT_THAT(text("deviceTrouble"), HasSubstr("cannot be read"));
 }
 
 TEST_F(DeviceWindowTest, TakesNoMarkupFromANetwork)
@@ -79,6 +125,7 @@ TEST_F(DeviceWindowTest, TakesNoMarkupFromANetwork)
     status.announcedName = "<b>Desk</b>";
     window.showStatus(status);
     EXPECT_EQ(text("deviceName"), "<b>Desk</b>");
+    EXPECT_EQ(text("barName"), "<b>Desk</b>");
     for (const QLabel* each : window.findChildren<QLabel*>())
         EXPECT_EQ(each->textFormat(), Qt::PlainText) << each->objectName().toStdString();
 }
@@ -89,10 +136,175 @@ TEST_F(DeviceWindowTest, TellsThatItWasClosed)
     EXPECT_EQ(closed, 1);
 }
 
+// --- the picture -----------------------------------------------------------------------------
+
+TEST_F(DeviceWindowTest, FillsTheScreenWithTheFirstPictureOnly)
+{
+    EXPECT_FALSE(view().isVisible());
+    window.beginPicture(picture);
+    EXPECT_TRUE(view().isVisible());
+    EXPECT_TRUE(window.isFullScreen());
+    press(Qt::Key_F11);
+    EXPECT_FALSE(window.isFullScreen());
+    const PictureReceiver next(100, 100, zlib, {});
+    window.beginPicture(next);
+    EXPECT_FALSE(window.isFullScreen()) << "the user left it";
+    EXPECT_THAT(shown, ElementsAre(true));
+    window.endPicture();
+}
+
+TEST_F(DeviceWindowTest, IsSmallAgainAfterThePicture)
+{
+    const QSize before = window.size();
+    window.beginPicture(picture);
+    ASSERT_TRUE(waitUntil([&] { return window.size() != before; }));
+    window.endPicture();
+    EXPECT_FALSE(window.isFullScreen());
+    EXPECT_FALSE(view().isVisible());
+    EXPECT_TRUE(label("deviceName").isVisible());
+    EXPECT_TRUE(waitUntil([&] { return window.width() == before.width(); }));
+    window.endPicture();
+    EXPECT_THAT(shown, ElementsAre(true, false)) << "it ends once";
+}
+
+TEST_F(DeviceWindowTest, StaysClosedWhenThePictureEndsAfterwards)
+{
+    window.beginPicture(picture);
+    window.close();
+    window.endPicture();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(DeviceWindowTest, FramesAreShownWhileItIsSeen)
+{
+    window.beginPicture(picture);
+    int drawn = 0;
+    window.showFrame({{0, 0, 320, 200}}, 1000, [&] { ++drawn; });
+    EXPECT_EQ(drawn, 0) << "never inside the call";
+    EXPECT_TRUE(waitUntil([&] { return drawn == 1; }));
+    window.showFrame({}, 12, [&] { ++drawn; });
+    EXPECT_TRUE(waitUntil([&] { return drawn == 2; })) << "also one that changed nothing";
+    window.endPicture();
+}
+
+TEST_F(DeviceWindowTest, KeysChangeBetweenScreenAndWindow)
+{
+    window.beginPicture(picture);
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(window.isFullScreen());
+    press(Qt::Key_F11);
+    EXPECT_TRUE(window.isFullScreen());
+    QTest::mouseDClick(&view(), Qt::LeftButton);
+    EXPECT_FALSE(window.isFullScreen());
+    window.endPicture();
+    press(Qt::Key_F11);
+    EXPECT_FALSE(window.isFullScreen()) << "there is nothing to fill it with";
+}
+
+TEST_F(DeviceWindowTest, KeysThatItHasNoUseForAreLeftToOthers)
+{
+    window.beginPicture(picture);
+    press(Qt::Key_Escape);
+    for (const int key : {Qt::Key_A, Qt::Key_Escape, Qt::Key_Tab, Qt::Key_F1, Qt::Key_Space}) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&window, &event);
+        EXPECT_FALSE(event.isAccepted()) << key;
+    }
+    window.endPicture();
+}
+
+TEST_F(DeviceWindowTest, TheUpperEdgeBringsTheBarAndATouchElsewhereTakesItAway)
+{
+    window.beginPicture(picture);
+    EXPECT_FALSE(bar().isVisible());
+    QTest::mouseClick(&view(), Qt::LeftButton, {}, {100, 3});
+    EXPECT_TRUE(bar().isVisible());
+    QTest::mouseClick(&view(), Qt::LeftButton, {}, {100, view().height() - 5});
+    EXPECT_FALSE(bar().isVisible());
+    window.endPicture();
+}
+
+TEST_F(DeviceWindowTest, TheBarIsReachedByTheKeyboard)
+{
+    window.beginPicture(picture);
+    window.activateWindow();
+    press(Qt::Key_F10);
+    ASSERT_TRUE(bar().isVisible());
+    EXPECT_EQ(window.focusWidget(), &button("fitButton"));
+    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), &button("disconnectButton"));
+    QTest::keyClick(window.focusWidget(), Qt::Key_Space);
+    EXPECT_EQ(disconnects, 1);
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(bar().isVisible());
+    EXPECT_TRUE(window.isFullScreen()) << "the bar goes first";
+    window.endPicture();
+}
+
+TEST_F(DeviceWindowTest, TheBarChangesHowThePictureIsShown)
+{
+    window.beginPicture(picture);
+    press(Qt::Key_F10);
+    EXPECT_TRUE(button("fullButton").isChecked());
+    button("fullButton").click();
+    EXPECT_FALSE(window.isFullScreen());
+    auto& screenView = static_cast<ScreenView&>(view());
+    EXPECT_TRUE(screenView.isFitted());
+    button("fitButton").click();
+    EXPECT_FALSE(screenView.isFitted());
+    window.endPicture();
+}
+
+TEST_F(DeviceWindowTest, TheBarTellsWhatItCounted)
+{
+    window.beginPicture(picture);
+    press(Qt::Key_F10);
+    window.showFrame({}, 500'000, [] {});
+    ASSERT_TRUE(waitUntil([&] { return !text("barRate").empty(); }));
+    EXPECT_THAT(text("barRate"), HasSubstr("320 × 200"));
+    EXPECT_THAT(text("barRate"), HasSubstr("pictures a second"));
+    window.endPicture();
+}
+
+TEST_F(DeviceWindowTest, EverythingInTheBarHasANameForAssistiveTechnology)
+{
+    for (const char* name : {"fitButton", "fullButton", "disconnectButton"})
+        EXPECT_FALSE(button(name).text().isEmpty()) << name;
+    EXPECT_FALSE(bar().accessibleName().isEmpty());
+    EXPECT_FALSE(view().accessibleName().isEmpty());
+}
+
+TEST_F(DeviceWindowTest, TellsTheScreenThatItIsOn)
+{
+    int told = 0;
+    window.setScreenObserver([&] { ++told; });
+    QScreen& mine = *QApplication::primaryScreen();
+    EXPECT_EQ(window.screen().width, mine.size().width());
+    EXPECT_EQ(window.screen().scale, 100);
+    Q_EMIT mine.geometryChanged(mine.geometry());
+    Q_EMIT mine.refreshRateChanged(mine.refreshRate());
+    EXPECT_TRUE(waitUntil([&] { return told > 0; }));
+    runLoopFor(std::chrono::milliseconds(20));
+    EXPECT_EQ(told, 1) << "changes that come together are told once";
+}
+
+TEST(RateText, IsCountedNotPromised)
+{
+    const DeviceTexts texts({"en"});
+    EXPECT_EQ(rateText(texts, {1920, 1080}, {30, 1'250'000, 1000}).toStdString(),
+              "1920 × 1080 pixels, 30 pictures a second, 10.0 Mbit/s");
+    EXPECT_EQ(rateText(texts, {1, 1}, {4, 0, 2000}).toStdString(),
+              "1 × 1 pixels, 2 pictures a second, 0.0 Mbit/s");
+    EXPECT_EQ(rateText(texts, {1, 1}, {0, 0, 0}).toStdString(),
+              "1 × 1 pixels, 0 pictures a second, 0.0 Mbit/s");
+}
+
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
     const QApplication application(argc, argv);
+    QLocale::setDefault(QLocale::c());
     return RUN_ALL_TESTS();
 }

@@ -130,6 +130,15 @@ TEST_F(AScreenSession, ComesBackAfterALock)
     EXPECT_EQ(session->report().state, State::shown);
 }
 
+TEST_F(AScreenSession, TellsTheDeviceThatThePictureIsOver)
+{
+    open();
+    ASSERT_TRUE(comesTrue([&] { return !sentFrames().empty(); }));
+    monitor()->end(ScreenObstacle::locked);
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(link.sent.back(), LinkFrame(LinkPictureSize{}));
+}
+
 TEST_F(AScreenSession, EndsInTheMiddleOfALock)
 {
     open();

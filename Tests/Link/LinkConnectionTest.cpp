@@ -24,9 +24,9 @@ protected:
         device = LinkConnection::make(LinkSide::device, std::move(sockets.device), atDevice,
                                       deviceSpeaks, quickTimes());
     }
-    void open()
+    void open(const LinkGreeting& hostSpeaks = ownGreeting())
     {
-        begin();
+        begin(hostSpeaks);
         ASSERT_TRUE(waitUntil([&] { return atHost->opened && atDevice->opened; }));
     }
     bool bothEnd()
@@ -228,7 +228,7 @@ TEST_F(LinkConnectionTest, MayBeClosedFromInsideAReport)
 
 TEST_F(LinkConnectionTest, DoesNotSendAScreenRectangleThatWasNotAgreed)
 {
-    open();
+    open({});
     host->send(LinkScreenRectangle{});
     host->send(LinkOptions{});
     ASSERT_TRUE(waitUntil([&] { return !atDevice->frames.empty(); }));
@@ -382,7 +382,7 @@ TEST_F(LinkConnectionToStranger, SaysGoodbyeToAPeerThatBreaksARule)
 
 TEST_F(LinkConnectionToStranger, DoesNotTakeAScreenRectangleThatWasNotAgreed)
 {
-    openDevice();
+    openDevice({});
     writeBytes(*stranger, encodeFrame(LinkScreenRectangle{}));
     expectEnd(LinkEndReason::brokenRule);
 }

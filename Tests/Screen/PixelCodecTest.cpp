@@ -6,6 +6,7 @@
 #include "Tests/Screen/Scenes.h"
 
 #include <gtest/gtest.h>
+#include <turbojpeg.h>
 
 namespace farview
 {
@@ -85,6 +86,31 @@ TYPED_TEST(ALosslessCodec, RefusesAFewBytesThatStandForMany)
     const auto bomb = this->codec.encode(large.view(), wholeOf(large), quality);
     ASSERT_LT(bomb.size(), 500'000u);
     EXPECT_FALSE(this->codec.decode(bomb, this->target, part));
+}
+
+// A few bytes of such a JPEG can make a reader go over the whole picture thousands of times.
+TEST(JpegCodec, RefusesOneThatIsRefinedInManyPasses)
+{
+    Picture picture(64, 64);
+    const std::unique_ptr<void, int (*)(void*)> packer(tjInitCompress(), tjDestroy);
+    for (const int flags : {0, TJFLAG_PROGRESSIVE}) {
+        Bytes packed(tjBufSize(64, 64, TJSAMP_420));
+        auto* to = packed.data();
+        unsigned long size = packed.size();
+        ASSERT_EQ(tjCompress2(packer.get(),
+                              reinterpret_cast<const unsigned char*>(picture.view().pixels), 64, 0,
+                              64, TJPF_BGRX, &to, &size, TJSAMP_420, quality,
+                              flags | TJFLAG_NOREALLOC),
+                  0);
+        packed.resize(size);
+        EXPECT_EQ(JpegCodec().decode(packed, picture, wholeOf(picture)), flags == 0) << flags;
+        // What a reader skips must not hide the frame's header.
+        for (const std::uint8_t skipped : {0xff, 0xd0, 0x01}) {
+            Bytes longer = packed;
+            longer.insert(longer.begin() + 2, {0xff, skipped});
+            EXPECT_FALSE(JpegCodec().decode(longer, picture, wholeOf(picture))) << +skipped;
+        }
+    }
 }
 
 TEST(JpegCodec, KeepsAPhotographRecognisable)

@@ -14,37 +14,6 @@
 namespace
 {
 
-const char* const kConfiguration = R"(
-Section "ServerFlags"
-  Option "AutoAddDevices" "false"
-  Option "AutoEnableDevices" "false"
-  Option "DontVTSwitch" "true"
-  Option "AllowMouseOpenFail" "true"
-  Option "PciForceNone" "true"
-EndSection
-Section "Device"
-  Identifier "device"
-  Driver "dummy"
-  VideoRam 256000
-EndSection
-Section "Monitor"
-  Identifier "monitor"
-  HorizSync 5.0-1000.0
-  VertRefresh 5.0-200.0
-EndSection
-Section "Screen"
-  Identifier "screen"
-  Device "device"
-  Monitor "monitor"
-  DefaultDepth 24
-  SubSection "Display"
-    Depth 24
-    Virtual 7680 4320
-    Modes "1920x1080" "1280x800"
-  EndSubSection
-EndSection
-)";
-
 struct Free {
     void operator()(void* memory) const { std::free(memory); }
 };
@@ -164,12 +133,10 @@ std::string firstLineOf(const std::string& path)
 
 PrivateXServer::PrivateXServer()
 {
-    const auto configuration = mFolder.write("x.conf", kConfiguration);
     const auto number = mFolder.path("number");
-    const auto command = "exec Xorg -displayfd 3 -config '" + configuration +
-                         "' -noreset -nolisten tcp -novtswitch -sharevts -logfile '" +
-                         mFolder.path("log") + "' 3>'" + number + "' >'" + mFolder.path("output") +
-                         "' 2>&1";
+    const auto command = "exec '" FARVIEW_X_SERVER "' '" + mFolder.path() +
+                         "' 1920x1080 -displayfd 3 3>'" + number + "' >'" +
+                         mFolder.path("output") + "' 2>&1";
     mServer = std::make_unique<ChildProcess>(std::vector<std::string>{"sh", "-c", command});
     const bool isUp =
         waitUntil([&] { return !firstLineOf(number).empty() || !mServer->isRunning(); },

@@ -64,6 +64,7 @@ std::vector<LinkFrame> everyFrame()
             LinkFrameEnd{0xfffefdfc},
             LinkShown{1, 16'667},
             LinkPictureSize{kLargestPictureSide, 1},
+            LinkPictureSize{},
             LinkDeviceScreen{1920, 1200, 125, 60}};
 }
 

@@ -177,8 +177,10 @@ std::optional<ScreenObstacle> VirtualMonitor::make(int width, int height)
             return ScreenObstacle::tooLarge;
         writeJournal(mServer, mJournal);
         if (!arrange(*layout, wanted)) {
+            const auto reached = mServer.layout();
+            const bool isLarge = reached && reached->size == united(layout->size, extentOf(wanted));
             undoMonitor(mServer);
-            return ScreenObstacle::failed;
+            return isLarge ? ScreenObstacle::failed : ScreenObstacle::tooLarge;
         }
     }
     askWhatIsConnected(mServer);

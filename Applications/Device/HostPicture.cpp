@@ -1,0 +1,116 @@
+#include "Applications/Device/HostPicture.h"
+
+#include "Link/Wire/LinkCodec.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <utility>
+
+namespace farview
+{
+
+HostPicture::HostPicture(const LinkAgreement& agreement, Glass& glass, Send send, Now now)
+    : mGlass(glass), mSend(std::move(send)), mNow(std::move(now)), mAgreed{&mJpeg}
+{
+    if (agreement.has(kLinkZstdFeature))
+        mAgreed.push_back(&mZstd);
+    mGlass.setScreenObserver([this] { tellScreen(); });
+    tellScreen();
+}
+
+HostPicture::~HostPicture()
+{
+    mGlass.setScreenObserver([] {});
+    mGlass.endPicture();
+}
+
+std::chrono::microseconds HostPicture::steadyTime()
+{
+    return std::chrono::duration_cast<std::chrono::microseconds>(
+        std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void HostPicture::tellScreen()
+{
+    const LinkDeviceScreen screen = mGlass.screen();
+    if (mTold == screen)
+        return;
+    mTold = screen;
+    mSend(screen);
+}
+
+HostPicture::Verdict HostPicture::take(const LinkFrame& frame)
+{
+    try {
+        return judge(frame);
+    } catch (const std::bad_alloc&) {
+        return Verdict::tooLarge;
+    }
+}
+
+HostPicture::Verdict HostPicture::judge(const LinkFrame& frame)
+{
+    bool isGood = true;
+    if (const auto* size = std::get_if<LinkPictureSize>(&frame))
+        return begin(*size);
+    if (const auto* packet = std::get_if<LinkScreenRectangle>(&frame))
+        isGood = apply(*packet);
+    if (const auto* end = std::get_if<LinkFrameEnd>(&frame))
+        isGood = finish(*end);
+    return isGood ? Verdict::good : Verdict::brokenRule;
+}
+
+HostPicture::Verdict HostPicture::begin(const LinkPictureSize& size)
+{
+    if (std::int64_t{size.width} * size.height > mostPixels)
+        return Verdict::tooLarge;
+    if (!mayTouch(size.width, size.height))
+        return Verdict::brokenRule;
+    auto next = std::make_unique<PictureReceiver>(size.width, size.height, mZlib, mAgreed);
+    mGlass.beginPicture(*next);
+    mReceiver = std::move(next);
+    return Verdict::good;
+}
+
+bool HostPicture::apply(const LinkScreenRectangle& packet)
+{
+    const auto& part = packet.rectangle;
+    const bool isOfPointer = packet.encoding == QLScreenEncodingMousePos ||
+                             packet.encoding == QLScreenEncodingMouseCursor;
+    if (!mReceiver || (!isOfPointer && !mayTouch(part.width, part.height)) ||
+        !mReceiver->apply(packet))
+        return false;
+    mBytes += kLinkFrameHeaderSize + kScreenPacketHeaderSize + packet.data.size();
+    if (isOfPointer)
+        mGlass.movePointer();
+    return true;
+}
+
+/// Sides below zero are refused later, where the rectangle is read.
+bool HostPicture::mayTouch(int width, int height)
+{
+    mWork += leastWork + std::int64_t{std::max(width, 0)} * std::max(height, 0);
+    return mWork <= mostWork;
+}
+
+bool HostPicture::finish(const LinkFrameEnd& end)
+{
+    if (!mReceiver || end.number != mEnded + 1 || mEnded - mShown >= mostUnshown)
+        return false;
+    mEnded = end.number;
+    mWork = 0;
+    mGlass.showFrame(mReceiver->takeChanged(), std::exchange(mBytes, 0),
+                     [this, number = end.number, arrived = mNow()] { tellShown(number, arrived); });
+    return true;
+}
+
+void HostPicture::tellShown(std::uint32_t number, std::chrono::microseconds arrived)
+{
+    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
+    const auto took = std::clamp<std::int64_t>((mNow() - arrived).count(), 0, most);
+    mShown = number;
+    mSend(LinkShown{number, static_cast<std::uint32_t>(took)});
+}
+
+} // namespace farview

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Applications/Device/Glass.h"
+#include "Link/Wire/LinkGreeting.h"
+#include "Screen/Codecs/JpegCodec.h"
+#include "Screen/Codecs/ZlibCodec.h"
+#include "Screen/Codecs/ZstdCodec.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace farview
+{
+
+/// The picture of the host that uses the device: from its frames to the glass, and back the word
+/// that they are shown. Lives as long as the link. Main thread only.
+class HostPicture
+{
+public:
+    enum class Verdict { good, brokenRule, tooLarge };
+    using Send = std::function<void(const LinkFrame&)>;
+    using Now = std::function<std::chrono::microseconds()>;
+
+    /// The pixels of the largest picture that is shown: those of 8K.
+    static constexpr std::int64_t mostPixels = std::int64_t{1} << 25;
+    /// The pixels that may be touched until a frame ends, so that no host keeps the device from its
+    /// user: each rectangle and each new picture counts with its area, and a little more.
+    static constexpr std::int64_t mostWork = 4 * mostPixels;
+    static constexpr std::int64_t leastWork = 256;
+    /// The frames that may wait to be shown.
+    static constexpr std::uint32_t mostUnshown = 2;
+
+    /// Tells the host at once, through `send`, what the glass's screen is, and again when that
+    /// changes. `glass` outlives this; `now` is a clock that only goes forward.
+    HostPicture(const LinkAgreement& agreement, Glass& glass, Send send, Now now = steadyTime);
+    ~HostPicture();
+    HostPicture(const HostPicture&) = delete;
+    HostPicture& operator=(const HostPicture&) = delete;
+
+    /// Takes what the host sends. After anything but "good" the link is to be ended.
+    Verdict take(const LinkFrame& frame);
+
+private:
+    static std::chrono::microseconds steadyTime();
+
+    void tellScreen();
+    Verdict judge(const LinkFrame& frame);
+    Verdict begin(const LinkPictureSize& size);
+    bool apply(const LinkScreenRectangle& packet);
+    bool finish(const LinkFrameEnd& end);
+    bool mayTouch(int width, int height);
+    void tellShown(std::uint32_t number, std::chrono::microseconds arrived);
+
+    Glass& mGlass;
+    Send mSend;
+    Now mNow;
+    ZlibCodec mZlib;
+    ZstdCodec mZstd;
+    JpegCodec mJpeg;
+    std::vector<PixelCodec*> mAgreed; ///< beside zlib
+    std::unique_ptr<PictureReceiver> mReceiver;
+    std::optional<LinkDeviceScreen> mTold;
+    std::int64_t mWork = 0;   ///< pixels touched since the last frame's end
+    std::size_t mBytes = 0;   ///< received since then
+    std::uint32_t mEnded = 0; ///< the last frame that is complete
+    std::uint32_t mShown = 0; ///< the last of which the host was told
+};
+
+} // namespace farview

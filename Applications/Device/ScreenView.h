@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Applications/Device/GlassGeometry.h"
+#include "Screen/PictureReceiver.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <vector>
+
+namespace farview
+{
+
+/// Draws a host's picture and its pointer, from the memory that the picture is received in.
+class ScreenView final : public QWidget
+{
+public:
+    ScreenView();
+
+    /// `picture` is read until the next begins or `endPicture` is called.
+    void beginPicture(const PictureReceiver& picture);
+    /// Draws at once what changed, as far as it can be seen. `drawn` is called on a later turn,
+    /// when it was handed to the window system; a later frame replaces it.
+    void showFrame(const std::vector<PixelRect>& changed, std::function<void()> drawn);
+    /// Draws the pointer anew, on a later turn.
+    void movePointer();
+    void endPicture();
+    bool hasPicture() const { return mPicture != nullptr; }
+    QSize pictureSize() const;
+
+    /// As large as there is room, else pixel for pixel.
+    bool isFitted() const { return mIsFitted; }
+    void setFitted(bool isFitted);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    PicturePlace place() const;
+    QRect pointerPart() const;
+    QRegion inPoints(const std::vector<PixelRect>& parts) const;
+    QRect inPoints(const QRect& pixels) const;
+    void drawPart(QPainter& painter, const QRect& part) const;
+    void tellDrawn();
+
+    const PictureReceiver* mPicture = nullptr;
+    std::function<void()> mDrawn;
+    PicturePlace mPlace; ///< as it was drawn last
+    QRect mPointer;      ///< where it was drawn last, in points
+    bool mIsFitted = true;
+};
+
+} // namespace farview

@@ -1,0 +1,163 @@
+// The real device on a display of its own, with a host that sends it a picture.
+
+#include "Screen/Codecs/JpegCodec.h"
+#include "Screen/Codecs/ZstdCodec.h"
+#include "Screen/PictureSender.h"
+#include "Tests/Link/LinkPeers.h"
+#include "Tests/Screen/Scenes.h"
+#include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/ScriptedScreenSaver.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+#include <QGuiApplication>
+#include <QProcess>
+#include <QScreen>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+namespace farview
+{
+namespace
+{
+
+using namespace std::chrono_literals;
+
+class DevicePicture : public testing::Test
+{
+protected:
+    ~DevicePicture() override
+    {
+        device->sendSignal(SIGTERM);
+        device->waitForEnd();
+    }
+    void SetUp() override
+    {
+        start();
+        const auto isAnnounced = [this] { return log().find("Announced") != std::string::npos; };
+        ASSERT_TRUE(waitUntil(isAnnounced)) << log();
+        connect();
+        ASSERT_TRUE(waitUntil([this] { return !seen->frames.empty(); })) << log();
+        screen = std::get<LinkDeviceScreen>(seen->frames.front());
+    }
+    void start()
+    {
+        const std::vector<std::string> command{
+            "sh", "-c", "exec \"$0\" --port 0 --name Desk >'" + folder.path("log") + "' 2>&1",
+            FARVIEW_BINARY_DIR "/farview-device"};
+        device = std::make_unique<ChildProcess>(command);
+    }
+    std::string log() const
+    {
+        std::ostringstream all;
+        all << std::ifstream(folder.path("log")).rdbuf();
+        return all.str();
+    }
+    void connect()
+    {
+        std::smatch port;
+        const std::string said = log();
+        ASSERT_TRUE(std::regex_search(said, port, std::regex("Announced as .*port (\\d+)")))
+            << said;
+        auto socket = std::make_unique<QTcpSocket>();
+        socket->connectToHost(QHostAddress(QHostAddress::LocalHost),
+                              static_cast<quint16>(std::stoi(port[1])));
+        ASSERT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
+        link = LinkConnection::make(LinkSide::host, std::move(socket), seen, ownGreeting(),
+                                    LinkTimes{});
+    }
+    void beginPicture()
+    {
+        link->send(LinkPictureSize{screen.width, screen.height});
+        frame.emplace(screen.width, screen.height);
+        sender.emplace(screen.width, screen.height, zstd, jpeg);
+    }
+    /// Sends what changed; whether it is told as shown.
+    bool send()
+    {
+        const PixelRect whole = wholeOf(*frame);
+        sender->noteDamage({&whole, 1});
+        for (auto& packet : sender->packetsFor(frame->view(), kBestPictureQuality, 0ms))
+            link->send(std::move(packet));
+        link->send(LinkFrameEnd{++sent});
+        return waitUntil([&] {
+            const auto* shown = std::get_if<LinkShown>(&seen->frames.back());
+            return shown && shown->number == sent;
+        });
+    }
+    /// What a window manager does with a window that asks for the whole screen. There is none here.
+    static void giveTheWholeDisplay()
+    {
+        QProcess process;
+        process.start(u"xdotool"_qs,
+                      {u"search"_qs, u"--name"_qs, u"^Farview Device$"_qs, u"windowmove"_qs,
+                       u"0"_qs, u"0"_qs, u"windowsize"_qs, u"100%"_qs, u"100%"_qs});
+        ASSERT_TRUE(process.waitForFinished());
+        ASSERT_EQ(process.exitCode(), 0);
+    }
+    bool isExactOnTheDisplay() const
+    {
+        const QImage image = QGuiApplication::primaryScreen()->grabWindow().toImage();
+        for (int y = 0; y < frame->height(); ++y) {
+            for (int x = 0; x < frame->width(); ++x) {
+                if ((image.pixel(x, y) & 0xffffff) != frame->view().row(y)[x])
+                    return false;
+            }
+        }
+        return true;
+    }
+
+    TemporaryFolder folder;
+    ScriptedScreenSaver desktop{qgetenv("DBUS_SESSION_BUS_ADDRESS").toStdString()};
+    std::unique_ptr<ChildProcess> device;
+    std::shared_ptr<LinkRecorder> seen = std::make_shared<LinkRecorder>();
+    std::shared_ptr<LinkConnection> link;
+    LinkDeviceScreen screen;
+    Scenes scenes;
+    ZstdCodec zstd;
+    JpegCodec jpeg;
+    std::optional<Picture> frame;
+    std::optional<PictureSender> sender;
+    std::uint32_t sent = 0;
+};
+
+TEST_F(DevicePicture, FillsTheDisplayBitForBit)
+{
+    EXPECT_EQ(QSize(screen.width, screen.height), QGuiApplication::primaryScreen()->size());
+    beginPicture();
+    giveTheWholeDisplay();
+    scenes.writeText(*frame, wholeOf(*frame));
+    ASSERT_TRUE(send()) << log();
+    EXPECT_TRUE(waitUntil([&] { return isExactOnTheDisplay(); })) << "growing takes a moment";
+    for (int count = 0; count < 20; ++count) {
+        scenes.writeText(*frame, pixelRect(scenes.number(900), scenes.number(500), 200, 150));
+        ASSERT_TRUE(send());
+        ASSERT_TRUE(isExactOnTheDisplay()) << "told as shown, it stands there: " << count;
+    }
+}
+
+TEST_F(DevicePicture, KeepsTheDesktopAwakeAsLongAsItLasts)
+{
+    EXPECT_TRUE(desktop.cookies.empty());
+    beginPicture();
+    EXPECT_TRUE(waitUntil([&] { return desktop.cookies.size() == 1; }));
+    link->close({LinkGoodbyeCode::byUser, ""});
+    EXPECT_TRUE(waitUntil([&] { return desktop.cookies.empty(); }));
+}
+
+TEST_F(DevicePicture, SurvivesAHostThatAsksForAGigabyte)
+{
+    link->send(LinkPictureSize{16384, 16384});
+    ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
+    EXPECT_EQ(seen->ends.front().text, "The picture is too large for this device.");
+    seen->frames.clear();
+    connect();
+    EXPECT_TRUE(waitUntil([&] { return !seen->frames.empty(); })) << log();
+}
+
+} // namespace
+} // namespace farview

@@ -82,9 +82,9 @@ public:
                 mObserver.observe(pictures, scene, mRecords[system.name][scene]);
         });
     }
-    bool measureBadLink()
+    void measureBadLink()
     {
-        return attempt("the bad link", [this] {
+        attempt("the bad link", [this] {
             const auto link = carryShapedLink();
             const RunningPictures pictures(pictureSystems().front(), mSource.display(), mViewer);
             pick(kShapedAddress);
@@ -227,9 +227,10 @@ int main(int argc, char** argv)
             return std::find(argv + 2, argv + argc, system.name) == argv + argc;
         });
     Measurement measurement(viewer);
-    if (!measureAll(measurement, argc > 1 ? std::atoi(argv[1]) : 2, systems))
+    if (!measureAll(measurement, argc > 1 ? std::atoi(argv[1]) : 3, systems))
         return 1;
     printVerdicts(measurement.records());
     printAtMost("pick to first picture", median(measurement.starts()), 500, "ms");
-    return measurement.measureBadLink() ? 0 : 1;
+    measurement.measureBadLink();
+    return 0;
 }

@@ -32,7 +32,7 @@ int refinedAtOnce(int quality);
 class Pacing
 {
 public:
-    /// A beat: frames with large changes leave this long after one another.
+    /// A beat: frames with large changes are begun to be made this long after one another.
     static constexpr PictureTime frameTime = std::chrono::microseconds(16'667);
 
     /// `lastFrame` is the number of the last frame before.
@@ -40,7 +40,7 @@ public:
 
     /// Whether a frame may leave now that changes this many tiles.
     bool mayBegin(PictureTime now, int changedTiles, bool hasRoom) const;
-    /// A frame with large changes is begun to be made now. The quality that it gets.
+    /// A frame is begun to be made now, and leaves when it is done. The quality that it gets.
     int beat(PictureTime now);
     /// The number of the frame that leaves now.
     std::uint32_t begin(PictureTime now, std::size_t bytes);

@@ -37,6 +37,8 @@ void PictureObserver::observe(const RunningPictures& pictures, const std::string
         !waitFor([&] { return mRun->isMoving || mRun->hasEnded; }, milliseconds(2000)))
         throw std::runtime_error("its picture does not arrive");
     collect(pictures, record);
+    if (record.delays.empty() && scene != "nothing")
+        throw std::runtime_error("no picture of " + scene + " arrives");
     if (!waitFor([&] { return mRun->hasEnded.load(); }, milliseconds(5000)))
         throw std::runtime_error("the source does not end");
     waitForExactness(record.exactAfter);

@@ -96,7 +96,7 @@ const std::vector<PictureSystem>& pictureSystems()
 {
     static const std::vector<PictureSystem> systems{
         {"Farview",
-         {"openbox"},
+         {},
          "DISPLAY=$B exec " + farviewPrograms + "/farview-device --name Desk --host-name desk-7",
          6001,
          "DISPLAY=$A exec " + farviewPrograms + "/ScreenCapture",
@@ -181,7 +181,7 @@ std::unique_ptr<ChildProcess> RunningPictures::start(const std::string& line) co
 PictureCost RunningPictures::cost() const
 {
     PictureCost cost;
-    cost.bytes = numberAfter("lo:", "/proc/net/dev");
+    cost.bytes = numberAfter("lo:", "/proc/net/dev") + numberAfter("shaped:", "/proc/net/dev");
     for (const pid_t server : servers()) {
         const std::filesystem::path process("/proc/" + std::to_string(server));
         cost.processor += processorSeconds(server);

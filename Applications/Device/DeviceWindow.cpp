@@ -217,8 +217,11 @@ void DeviceWindow::endPicture()
 void DeviceWindow::fillScreen(bool isFull)
 {
     setWindowState(isFull ? Qt::WindowFullScreen : Qt::WindowNoState);
-    if (isFull)
+    if (isFull) {
+        // Where there is no window manager, nobody else makes it that large.
+        setGeometry(QWidget::screen()->geometry());
         return;
+    }
     const QSize room = QWidget::screen()->availableSize() * partOfScreen;
     const QSize points = (QSizeF(mView->pictureSize()) / devicePixelRatioF()).toSize();
     resize(points.boundedTo(points.scaled(room, Qt::KeepAspectRatio)));

@@ -63,6 +63,13 @@ HostPicture::Verdict HostPicture::judge(const LinkFrame& frame)
 
 HostPicture::Verdict HostPicture::begin(const LinkPictureSize& size)
 {
+    // What was not shown of the picture before will never be.
+    mShown = mEnded;
+    if (size == LinkPictureSize{}) {
+        mGlass.endPicture();
+        mReceiver.reset();
+        return Verdict::good;
+    }
     if (std::int64_t{size.width} * size.height > mostPixels)
         return Verdict::tooLarge;
     if (!mayTouch(size.width, size.height))

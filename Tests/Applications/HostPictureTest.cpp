@@ -247,6 +247,20 @@ TEST_F(HostPictureTest, AThirdFrameThatNobodyWaitedForBreaksTheRules)
     EXPECT_EQ(end(3), Verdict::brokenRule);
 }
 
+TEST_F(HostPictureTest, GoesFromTheGlassWhenThereIsNoneForNowAndComesBack)
+{
+    beginWithASize();
+    EXPECT_EQ(end(1), Verdict::good);
+    EXPECT_EQ(end(2), Verdict::good);
+    EXPECT_EQ(picture->take(LinkPictureSize{}), Verdict::good);
+    EXPECT_EQ(glass.picture, nullptr);
+    EXPECT_EQ(end(3), Verdict::brokenRule) << "a frame of nothing";
+    EXPECT_EQ(picture->take(LinkPictureSize{width, height}), Verdict::good);
+    EXPECT_EQ(end(3), Verdict::good) << "nobody waits for the frames of the picture before";
+    glass.draw();
+    EXPECT_EQ(shown().back().number, 3u);
+}
+
 TEST_F(HostPictureTest, APictureOfOnePixelIsOne)
 {
     begin();

@@ -1,12 +1,17 @@
 #include "Platform/Desktop/QtRunLoop.h"
+#include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
+#include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeVirtualScreens.h"
+#include "Tests/Support/PrivateGnome.h"
 #include "Tests/Support/PrivateXServer.h"
+#include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace farview
@@ -17,6 +22,11 @@ namespace
 using Condition = std::function<bool()>;
 
 /// Notes what it is told.
+PixelPoint cornerOf(const ScreenGeometry& geometry)
+{
+    return pixelPoint(geometry.area.x, geometry.area.y);
+}
+
 struct Listener final : VirtualScreenDelegate {
     std::vector<ScreenGeometry> appeared;
     std::vector<ScreenGeometry> changes;
@@ -60,7 +70,11 @@ struct ScriptedScreens {
     }
     void switchOff() { monitor().end(ScreenObstacle::takenAway); }
     void endDesktop() { monitor().end(ScreenObstacle::gone); }
-    void takeEverySpareOutput() { body.setObstacle(ScreenObstacle::noSpareOutput); }
+    ScreenObstacle obstruct()
+    {
+        body.setObstacle(ScreenObstacle::noSpareOutput);
+        return ScreenObstacle::noSpareOutput;
+    }
 };
 
 struct ScreensOfAnXServer {
@@ -73,9 +87,8 @@ struct ScreensOfAnXServer {
     void settle() { runLoopFor(std::chrono::milliseconds(50)); }
     void draw(const ScreenGeometry& geometry, const PixelRect& part, std::uint32_t colour)
     {
-        arranger.fill(
-            {geometry.place.x + part.x, geometry.place.y + part.y, part.width, part.height},
-            0xAB000000 | colour);
+        arranger.fill({geometry.area.x + part.x, geometry.area.y + part.y, part.width, part.height},
+                      0xAB000000 | colour);
     }
     void setCursor(int side, std::uint32_t colour, int hotspot)
     {
@@ -83,14 +96,47 @@ struct ScreensOfAnXServer {
     }
     void movePointer(const ScreenGeometry& geometry, int x, int y)
     {
-        arranger.movePointer(geometry.place.x + x, geometry.place.y + y);
+        arranger.movePointer(geometry.area.x + x, geometry.area.y + y);
     }
     void switchOff() { arranger.hide(1); }
     void endDesktop() { server.process().kill(); }
-    void takeEverySpareOutput()
+    ScreenObstacle obstruct()
     {
         for (std::size_t index = 1; index < arranger.outputs().size(); ++index)
             arranger.show(index, 0, 0);
+        return ScreenObstacle::noSpareOutput;
+    }
+};
+
+struct ScreensOfGnome {
+    PrivateGnome desktop;
+    GnomeArranger arranger{desktop};
+    QtRunLoop loop;
+    FakeLog log;
+    TestBus bus{log};
+    MutterVirtualScreens body{loop, bus};
+
+    bool waitFor(const Condition& condition) { return waitUntil(condition); }
+    void settle() { runLoopFor(std::chrono::milliseconds(50)); }
+    void draw(const ScreenGeometry& geometry, const PixelRect& part, std::uint32_t colour)
+    {
+        arranger.fill(geometry.area.x + part.x, geometry.area.y + part.y, part.width, part.height,
+                      colour);
+    }
+    void setCursor(int side, std::uint32_t colour, int hotspot)
+    {
+        arranger.setCursor(side, colour, hotspot);
+    }
+    void movePointer(const ScreenGeometry& geometry, int x, int y)
+    {
+        arranger.movePointer(geometry.area.x + x, geometry.area.y + y);
+    }
+    void switchOff() {}
+    void endDesktop() { desktop.mutter().kill(); }
+    ScreenObstacle obstruct()
+    {
+        endDesktop();
+        return ScreenObstacle::protocolMissing;
     }
 };
 
@@ -106,6 +152,19 @@ protected:
     {
         open(width, height);
         ASSERT_TRUE(waitFor([&] { return !mListener->appeared.empty(); }));
+    }
+    /// On which everything that is drawn is seen, of one colour.
+    void openEmpty()
+    {
+        openAndAppear();
+        draw(pixelRect(0, 0, geometry().width, geometry().height), 0x202428);
+        ASSERT_TRUE(waitFor([&] {
+            if (std::exchange(mListener->frames, 0) == 0)
+                return false;
+            const auto frame = mScreen->frames().takeFrame();
+            return frame && frame->view.row(0)[0] == 0x202428 &&
+                   frame->view.row(frame->view.height - 1)[frame->view.width - 1] == 0x202428;
+        }));
     }
     const ScreenGeometry& geometry()
     {
@@ -153,7 +212,7 @@ bool isDamagedAsAWhole(const ScreenFrame& frame)
 
 std::uint32_t pixel(const ScreenFrame& frame, int x, int y) { return frame.view.row(y)[x]; }
 
-using Scenes = testing::Types<ScriptedScreens, ScreensOfAnXServer>;
+using Scenes = testing::Types<ScriptedScreens, ScreensOfAnXServer, ScreensOfGnome>;
 TYPED_TEST_SUITE(VirtualScreensContract, Scenes);
 
 TYPED_TEST(VirtualScreensContract, SaysThatItCanMakeAMonitor)
@@ -172,7 +231,7 @@ TYPED_TEST(VirtualScreensContract, AMonitorAppearsInItsSizeOnALaterTurn)
     const auto& geometry = this->geometry();
     EXPECT_EQ(geometry.width, 1024);
     EXPECT_EQ(geometry.height, 600);
-    EXPECT_EQ(geometry.place, pixelPoint(1920, 0));
+    EXPECT_EQ(cornerOf(geometry), pixelPoint(1920, 0));
     EXPECT_EQ(this->mListener->appeared.size(), 1U);
     EXPECT_TRUE(this->mListener->ends.empty());
 }
@@ -188,8 +247,7 @@ TYPED_TEST(VirtualScreensContract, TheFirstFrameIsWhole)
 
 TYPED_TEST(VirtualScreensContract, WhatIsDrawnArrivesAsDamageWithItsPixels)
 {
-    this->openAndAppear();
-    this->nextFrame();
+    this->openEmpty();
     this->draw(pixelRect(100, 50, 40, 30), 0x336699);
     const auto frame = this->nextFrame();
     EXPECT_TRUE(covers(frame, 100, 50));
@@ -203,8 +261,7 @@ TYPED_TEST(VirtualScreensContract, WhatIsDrawnArrivesAsDamageWithItsPixels)
 
 TYPED_TEST(VirtualScreensContract, AFrameStaysAsItIsUntilItIsReleased)
 {
-    this->openAndAppear();
-    this->nextFrame();
+    this->openEmpty();
     this->draw(pixelRect(0, 0, 8, 8), 0x112233);
     auto frame = this->nextFrame();
     this->draw(pixelRect(0, 0, 8, 8), 0x445566);
@@ -218,8 +275,7 @@ TYPED_TEST(VirtualScreensContract, AFrameStaysAsItIsUntilItIsReleased)
 
 TYPED_TEST(VirtualScreensContract, TheNewestFrameReplacesOlderOnes)
 {
-    this->openAndAppear();
-    this->nextFrame();
+    this->openEmpty();
     for (const std::uint32_t colour : {0x111111U, 0x222222U, 0x333333U})
         this->draw(pixelRect(10, 10, 4, 4), colour);
     ASSERT_TRUE(this->waitFor([&] {
@@ -251,7 +307,7 @@ TYPED_TEST(VirtualScreensContract, ResizesWhileItIsOpenAndShowsAWholeFrame)
     ASSERT_TRUE(this->waitFor([&] { return !this->mListener->changes.empty(); }));
     EXPECT_EQ(this->geometry().width, 600);
     EXPECT_EQ(this->geometry().height, 1024);
-    EXPECT_EQ(this->geometry().place, pixelPoint(1920, 0));
+    EXPECT_EQ(cornerOf(this->geometry()), pixelPoint(1920, 0));
     const auto frame = this->nextFrame();
     EXPECT_EQ(frame.view.width, 600);
     EXPECT_EQ(frame.view.height, 1024);
@@ -263,7 +319,7 @@ TYPED_TEST(VirtualScreensContract, MovesToAPlaceOfItsOwn)
     this->openAndAppear();
     this->mScreen->place(pixelPoint(0, 1080));
     ASSERT_TRUE(this->waitFor([&] { return !this->mListener->changes.empty(); }));
-    EXPECT_EQ(this->geometry().place, pixelPoint(0, 1080));
+    EXPECT_EQ(cornerOf(this->geometry()), pixelPoint(0, 1080));
     EXPECT_EQ(this->geometry().width, 1024);
     this->draw(pixelRect(5, 5, 2, 2), 0x0A0B0C);
     EXPECT_TRUE(this->waitFor([&] {
@@ -274,12 +330,13 @@ TYPED_TEST(VirtualScreensContract, MovesToAPlaceOfItsOwn)
 
 TYPED_TEST(VirtualScreensContract, ShowsThePointerApartFromTheFrames)
 {
-    this->openAndAppear();
+    this->openEmpty();
     auto& cursor = this->mScreen->cursor();
     EXPECT_FALSE(cursor.isInFrames());
     this->mScene.movePointer(this->geometry(), 30, 40);
-    ASSERT_TRUE(this->waitFor([&] { return cursor.position() == pixelPoint(30, 40); }));
-    EXPECT_GT(this->mListener->cursorChanges, 0);
+    ASSERT_TRUE(this->waitFor([&] {
+        return this->mListener->cursorChanges > 0 && cursor.position() == pixelPoint(30, 40);
+    }));
     this->mScene.setCursor(9, 0xFF8040, 3);
     std::optional<CursorImage> image;
     ASSERT_TRUE(this->waitFor([&] {
@@ -297,6 +354,9 @@ TYPED_TEST(VirtualScreensContract, ShowsThePointerApartFromTheFrames)
 
 TYPED_TEST(VirtualScreensContract, EndsWhenSomebodyElseSwitchesItOff)
 {
+    if constexpr (std::is_same_v<TypeParam, ScreensOfGnome>)
+        GTEST_SKIP()
+            << "Mutter 43 crashes when a monitor that it shows to a program is switched off";
     this->openAndAppear();
     this->mScene.switchOff();
     EXPECT_EQ(this->ends(), std::vector{ScreenObstacle::takenAway});
@@ -311,14 +371,14 @@ TYPED_TEST(VirtualScreensContract, EndsWithTheDesktop)
 
 TYPED_TEST(VirtualScreensContract, SaysWhatIsInTheWay)
 {
-    this->mScene.takeEverySpareOutput();
+    const auto obstacle = this->mScene.obstruct();
     std::optional<ScreenAvailability> answer;
     this->mScene.body.availability(this->mListener, [&](const auto& found) { answer = found; });
     ASSERT_TRUE(this->waitFor([&] { return answer.has_value(); }));
     EXPECT_FALSE(answer->way);
-    EXPECT_EQ(answer->obstacle, ScreenObstacle::noSpareOutput);
+    EXPECT_EQ(answer->obstacle, obstacle);
     this->open();
-    EXPECT_EQ(this->ends(), std::vector{ScreenObstacle::noSpareOutput});
+    EXPECT_EQ(this->ends(), std::vector{obstacle});
     EXPECT_TRUE(this->mListener->appeared.empty());
 }
 

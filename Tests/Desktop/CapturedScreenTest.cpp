@@ -1,4 +1,4 @@
-#include "Platform/Desktop/Screens/X11/CapturedScreen.h"
+#include "Platform/Desktop/Screens/CapturedScreen.h"
 
 #include <gtest/gtest.h>
 

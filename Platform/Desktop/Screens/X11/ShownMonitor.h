@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/Screens/X11/CapturedScreen.h"
+#include "Platform/Desktop/Screens/CapturedScreen.h"
 #include "Platform/Desktop/Screens/X11/MonitorOrders.h"
 #include "Platform/Desktop/Screens/X11/RootCapture.h"
 #include "Platform/Desktop/Screens/X11/RootCursor.h"

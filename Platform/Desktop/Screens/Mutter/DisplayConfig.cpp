@@ -1,0 +1,74 @@
+#include "Platform/Desktop/Screens/Mutter/DisplayConfig.h"
+
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+const QString service = QStringLiteral("org.gnome.Mutter.DisplayConfig");
+const QString path = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
+
+QDBusMessage callOf(const char* member)
+{
+    auto call = QDBusMessage::createMethodCall(service, path, service, QLatin1String(member));
+    call.setAutoStartService(false);
+    return call;
+}
+
+QDBusMessage requestOf(unsigned serial, const DisplayState& state, const DisplayLayout& layout)
+{
+    auto call = callOf("ApplyMonitorsConfig");
+    call.setArguments(layoutRequest(serial, state, layout));
+    return call;
+}
+
+} // namespace
+
+DisplayConfig::DisplayConfig(SessionBus& bus, Use use) : mBus(bus), mUse(std::move(use)) {}
+
+void DisplayConfig::ask()
+{
+    mAskAgain = mIsAsking;
+    if (!std::exchange(mIsAsking, true))
+        mBus.ask(callOf("GetCurrentState"), this, [this](const auto& reply) { take(reply); });
+}
+
+void DisplayConfig::take(const QDBusMessage& reply)
+{
+    mIsAsking = false;
+    listenTo(reply.service());
+    if (std::exchange(mAskAgain, false))
+        return ask();
+    const auto state = displayStateIn(reply);
+    mUse(state ? &*state : nullptr);
+}
+
+/// To Mutter's own name on the bus, which only its answer tells.
+void DisplayConfig::listenTo(const QString& owner)
+{
+    if (owner.isEmpty() || std::exchange(mOwner, owner) == owner)
+        return;
+    mBus.connection().connect(mOwner, path, service, QStringLiteral("MonitorsChanged"), this,
+                              SLOT(ask()));
+}
+
+void DisplayConfig::apply(const DisplayState& state, const QList<DisplayLayout>& choices)
+{
+    mBus.ask(requestOf(state.serial, state, choices.first()), this,
+             [this, state, choices](const QDBusMessage& reply) {
+                 const bool isRefused = reply.type() != QDBusMessage::ReplyMessage;
+                 if (isRefused && choices.size() > 1)
+                     apply(state, choices.mid(1));
+                 else
+                     ask();
+             });
+}
+
+void DisplayConfig::applyNext(const DisplayState& state, const DisplayLayout& layout)
+{
+    mBus.send(requestOf(state.serial + 1, state, layout));
+}
+
+} // namespace farview

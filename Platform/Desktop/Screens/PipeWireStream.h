@@ -1,0 +1,99 @@
+#pragma once
+
+#include "Platform/Desktop/Screens/CapturedScreen.h"
+#include "Platform/Posix/FileDescriptor.h"
+#include "Platform/RunLoop.h"
+
+#include <pipewire/pipewire.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace farview
+{
+
+/// The pixels and the pointer of a monitor that a PipeWire node shows, in a size that we choose.
+/// Frames are copied where they have changed, by a thread of PipeWire's: whoever has one needs no
+/// PipeWire any more. Main thread only.
+class PipeWireStream
+{
+public:
+    /// Called on the main thread, on a later turn, and never once the object is gone.
+    struct Events {
+        std::function<void()> frameReady; ///< not again until a frame was taken and released
+        std::function<void()> cursorChanged;
+        /// PipeWire has gone or is not there, the node has gone, or there is no memory.
+        std::function<void()> ended;
+    };
+
+    /// The loop must live longer.
+    PipeWireStream(RunLoop& loop, Events events);
+    /// Waits for a copy that is being made, some milliseconds.
+    ~PipeWireStream();
+    PipeWireStream(const PipeWireStream&) = delete;
+    PipeWireStream& operator=(const PipeWireStream&) = delete;
+
+    /// Begins to take what the node shows. Once.
+    void connect(std::uint32_t node, int width, int height);
+    /// Asks the node for another size, after `connect`.
+    void resize(int width, int height);
+
+    CapturedScreen& screen() { return *mScreen; }
+
+private:
+    /// The library is set up as long as there is one of these.
+    struct Library {
+        Library() { pw_init(nullptr, nullptr); }
+        ~Library() { pw_deinit(); }
+        Library(const Library&) = delete;
+        Library& operator=(const Library&) = delete;
+    };
+    struct Destroy {
+        void operator()(pw_thread_loop* thread) const { pw_thread_loop_destroy(thread); }
+        void operator()(pw_context* context) const { pw_context_destroy(context); }
+        void operator()(pw_stream* stream) const { pw_stream_destroy(stream); }
+    };
+    struct Size {
+        int width = 0;
+        int height = 0;
+    };
+
+    template <auto operation, typename... Arguments>
+    static void call(void* self, Arguments... arguments);
+    static const pw_stream_events& handlers();
+
+    bool begin(std::uint32_t node, Size size);
+    void tell(std::function<void()> Events::*event);
+    void end();
+    // On PipeWire's thread:
+    void useState(pw_stream_state before, pw_stream_state now, const char* error);
+    void useParameter(std::uint32_t id, const spa_pod* value);
+    void useFormat(Size size);
+    void forget(pw_buffer* buffer);
+    void process();
+    void usePointer(const spa_buffer& buffer);
+    void wake(int descriptor, std::uint32_t mask);
+    void copyNewest();
+    std::vector<PixelRect> copy(const spa_buffer& buffer);
+
+    RunLoop& mLoop;
+    std::shared_ptr<Events> mEvents;
+    /// Wakes the thread when a frame has come back, from wherever, perhaps after our end.
+    std::shared_ptr<FileDescriptor> mWake;
+    std::shared_ptr<CapturedScreen> mScreen;
+    Library mLibrary;
+    std::unique_ptr<pw_thread_loop, Destroy> mThread;
+    std::unique_ptr<pw_context, Destroy> mContext;
+    std::unique_ptr<pw_stream, Destroy> mStream;
+    spa_hook mHook{};
+    Size mSize;
+    std::shared_ptr<std::vector<std::uint32_t>> mPixels;
+    pw_buffer* mNewest = nullptr; ///< not copied yet: a frame is out
+    CursorImage mPointer;
+    bool mIsFirst = true;         ///< of its size
+    bool mHasEnded = false;
+};
+
+} // namespace farview

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+#include "Platform/Desktop/Screens/Mutter/DisplayState.h"
+
+#include <QDBusConnection>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// GNOME's window manager without hardware, on Wayland, with a bus and a PipeWire of its own. Ends
+/// with the object. For its length it is the desktop of this process, too.
+class PrivateGnome
+{
+public:
+    /// Starts it with monitors of those sizes and waits until it answers.
+    explicit PrivateGnome(const std::vector<std::string>& monitors = {"1920x1080"});
+
+    PrivateBus& bus() { return mBus; }
+    ChildProcess& mutter() { return *mMutter; }
+    ChildProcess& pipeWire() { return *mPipeWire; }
+
+private:
+    std::unique_ptr<ChildProcess> start(const std::string& command);
+
+    PrivateBus mBus;
+    TemporaryFolder mFolder;
+    SessionBusScope mSession{mBus.address()};
+    ScopedEnvironment mSystemBus{"DBUS_SYSTEM_BUS_ADDRESS", mBus.address().c_str()};
+    ScopedEnvironment mRuntime{"XDG_RUNTIME_DIR", mFolder.path().c_str()};
+    ScopedEnvironment mConfiguration{"XDG_CONFIG_HOME", mFolder.path().c_str()};
+    ScopedEnvironment mSettings{"GSETTINGS_BACKEND", "memory"};
+    ScopedEnvironment mWayland{"WAYLAND_DISPLAY", "wayland-test"};
+    ScopedEnvironment mDisplay{"DISPLAY", nullptr};
+    std::unique_ptr<ChildProcess> mPipeWire;
+    std::unique_ptr<ChildProcess> mSessionManager;
+    std::unique_ptr<ChildProcess> mMutter;
+};
+
+/// Other programs on that desktop: one that arranges monitors and moves the pointer, which waits
+/// for every answer, and one that paints.
+class GnomeArranger
+{
+public:
+    explicit GnomeArranger(PrivateGnome& desktop);
+    ~GnomeArranger();
+    GnomeArranger(const GnomeArranger&) = delete;
+    GnomeArranger& operator=(const GnomeArranger&) = delete;
+
+    farview::DisplayState state();
+    /// Where which monitor is, in words.
+    std::string layout();
+    /// False when it is refused.
+    bool apply(const farview::DisplayLayout& layout);
+    /// As a mouse would.
+    void movePointer(int x, int y);
+
+    /// Draws on a window that covers the monitor there; its rest is black.
+    void fill(int x, int y, int width, int height, std::uint32_t colour);
+    /// A square of one colour in the place of the pointer, over windows that `fill` has made.
+    void setCursor(int side, std::uint32_t colour, int hotspot);
+
+private:
+    void bePointer();
+    QDBusMessage call(const QString& service, const QString& path, const QString& interface,
+                      const QString& member, const QVariantList& arguments = {});
+    void say(const std::string& line);
+
+    QDBusConnection mConnection;
+    QString mPointer;
+    int mPointerX = 0;
+    int mPointerY = 0;
+    int mCommands = -1;
+    std::unique_ptr<ChildProcess> mPainter;
+};

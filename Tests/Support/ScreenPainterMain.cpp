@@ -1,0 +1,152 @@
+// Paints on the screens of its desktop what it is told on its standard input, one line each:
+//   fill X Y WIDTH HEIGHT COLOUR     on a window that covers the screen there, once there is one
+//   cursor SIDE COLOUR HOTSPOT       a square in the place of the pointer
+
+#include <QGuiApplication>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QRasterWindow>
+#include <QScreen>
+#include <QSocketNotifier>
+#include <QTextStream>
+#include <QTimer>
+
+#include <unistd.h>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+class Canvas : public QRasterWindow
+{
+public:
+    explicit Canvas(QScreen* screen) : mImage(screen->size(), QImage::Format_RGB32)
+    {
+        mImage.fill(Qt::black);
+        setScreen(screen);
+        setGeometry(screen->geometry());
+        showFullScreen();
+    }
+
+    void fill(const QRect& area, QRgb colour)
+    {
+        QPainter(&mImage).fillRect(area, QColor(colour));
+        update(area);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        QPainter painter(this);
+        for (const auto& part : event->region())
+            painter.drawImage(part, mImage, part);
+    }
+
+private:
+    QImage mImage;
+};
+
+class Painter : public QObject
+{
+public:
+    Painter()
+    {
+        connect(&mInput, &QSocketNotifier::activated, this, &Painter::read);
+        // A screen may come after the order to paint on it.
+        connect(&mRetry, &QTimer::timeout, this, &Painter::obeyAll);
+        mRetry.start(5);
+        connect(&mRepeat, &QTimer::timeout, this, &Painter::repeat);
+        mRepeat.start(200);
+    }
+
+private:
+    void read()
+    {
+        char bytes[4096];
+        const auto count = ::read(STDIN_FILENO, bytes, sizeof bytes);
+        if (count <= 0)
+            return QGuiApplication::quit();
+        mText.append(bytes, count);
+        obeyAll();
+    }
+
+    void obeyAll()
+    {
+        for (auto end = mText.indexOf('\n'); end >= 0; end = mText.indexOf('\n')) {
+            if (!obey(QString::fromLatin1(mText.first(end)).split(' ')))
+                return;
+            mText.remove(0, end + 1);
+        }
+    }
+
+    bool obey(const QStringList& words)
+    {
+        std::vector<unsigned> numbers;
+        for (const auto& word : words.mid(1))
+            numbers.push_back(static_cast<unsigned>(word.toLongLong()));
+        return words.first() == QStringLiteral("fill") ? fill(numbers) : setCursor(numbers);
+    }
+
+    bool fill(const std::vector<unsigned>& numbers)
+    {
+        const QRect area(int(numbers.at(0)), int(numbers.at(1)), int(numbers.at(2)),
+                         int(numbers.at(3)));
+        auto* screen = QGuiApplication::screenAt(area.topLeft());
+        if (!screen)
+            return false;
+        auto& canvas = mCanvases[screen];
+        if (!canvas || canvas->size() != screen->size())
+            canvas = std::make_unique<Canvas>(screen);
+        canvas->setCursor(mCursor);
+        canvas->fill(area.translated(-screen->geometry().topLeft()), numbers.at(4));
+        return true;
+    }
+
+    bool setCursor(const std::vector<unsigned>& numbers)
+    {
+        QPixmap image(int(numbers.at(0)), int(numbers.at(0)));
+        image.fill(QColor(numbers.at(1)));
+        mCursor = QCursor(image, int(numbers.at(2)), int(numbers.at(2)));
+        showCursor();
+        return true;
+    }
+
+    /// Mutter 43 may look at a new image before it is drawn, and then not again: so it is hidden
+    /// and shown once more.
+    void showCursor()
+    {
+        for (const auto& [screen, canvas] : mCanvases) {
+            for (const auto& cursor : {mCursor, QCursor(Qt::BlankCursor), mCursor})
+                canvas->setCursor(cursor);
+        }
+    }
+
+    /// PipeWire 0.3 drops a frame when another buffer follows before its reader is awake.
+    void repeat()
+    {
+        for (const auto& [screen, canvas] : mCanvases)
+            canvas->update();
+        showCursor();
+    }
+
+    QSocketNotifier mInput{STDIN_FILENO, QSocketNotifier::Read};
+    QTimer mRetry;
+    QTimer mRepeat;
+    QByteArray mText;
+    QCursor mCursor;
+    std::map<QScreen*, std::unique_ptr<Canvas>> mCanvases;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "wayland");
+    qputenv("QT_WAYLAND_DISABLE_WINDOWDECORATION", "1");
+    QGuiApplication application(argc, argv);
+    const Painter painter;
+    return QGuiApplication::exec();
+}

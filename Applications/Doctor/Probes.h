@@ -5,6 +5,7 @@
 #include "Platform/Desktop/Bus/BusHandshake.h"
 #include "Platform/Types/AuthorizationStatus.h"
 #include "Platform/Types/DiscoveryCondition.h"
+#include "Platform/VirtualScreens.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +21,7 @@ namespace farview
 class Bundle;
 struct Platform;
 class PreferencesLocations;
-struct SessionFacts;
+struct SessionAnswers;
 
 /// One piece of the system that lies in a bundle.
 struct Piece {
@@ -105,8 +106,18 @@ struct ProcessFacts {
     ProgramFact statusItem;
 };
 
-ProcessFacts processFacts(Platform& platform, const SessionFacts& session);
+ProcessFacts processFacts(Platform& platform, const SessionAnswers& session);
 Findings findingsAboutProcesses(const ProcessFacts& facts);
+
+/// What is kept of the packets that the server sent.
+struct PacketLogFacts {
+    bool isOn = false;  ///< what the user set
+    std::string home;   ///< the folder in which logs are made
+    std::string latest; ///< the folder of the last log; empty when there is none
+};
+
+PacketLogFacts packetLogFacts(Platform& platform);
+Findings findingsAboutPacketLog(const PacketLogFacts& facts);
 
 /// One file of settings.
 struct PreferencesFileFact {
@@ -155,24 +166,17 @@ struct AccessibilityFacts {
 
 Findings findingsAboutAccessibility(const AccessibilityFacts& facts);
 
-struct X11Outputs {
-    std::size_t online = 0; ///< show something
-    std::size_t spare = 0;  ///< could show something and do not
-};
-
-/// What windows are shown on, and what it offers for screens that are no monitors.
+/// What windows are shown on.
 struct DisplayFacts {
-    std::string x11;                ///< DISPLAY
-    std::string wayland;            ///< WAYLAND_DISPLAY
-    std::string desktop;            ///< as the session names it: "GNOME"
-    int mutterScreenCast = 0;       ///< as in `SessionFacts`
-    unsigned portalSourceTypes = 0; ///< as in `SessionFacts`
-    bool hasSway = false;           ///< whose command creates outputs
-    /// The X server's outputs; nothing when it did not tell.
-    std::optional<X11Outputs> x11Outputs{};
+    std::string x11;     ///< DISPLAY
+    std::string wayland; ///< WAYLAND_DISPLAY
+    std::string desktop; ///< as the session names it: "GNOME"
 };
 
-DisplayFacts displayFacts(const SessionFacts& session);
+DisplayFacts displayFacts();
 Findings findingsAboutDisplay(const DisplayFacts& facts);
+
+/// `answer` is nothing when nobody said in time what is possible.
+Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer);
 
 } // namespace farview

@@ -6,8 +6,6 @@
 #include "Platform/Desktop/Bus/SingleInstance.h"
 #include "Platform/Platform.h"
 
-#include <QDBusVariant>
-
 #include <utility>
 
 namespace farview
@@ -15,52 +13,32 @@ namespace farview
 namespace
 {
 
-constexpr int limit = 1000; // milliseconds
-
 /// The answers so far.
 class SessionQuestions : public std::enable_shared_from_this<SessionQuestions>
 {
 public:
     SessionQuestions(SessionBus& bus, std::weak_ptr<void> asker,
-                     std::function<void(const SessionFacts&)> then)
+                     std::function<void(const SessionAnswers&)> then)
         : mBus(bus), mAsker(std::move(asker)), mThen(std::move(then))
     {
     }
 
-    void askWhetherItRuns(const char* identifier, bool SessionFacts::*fact)
+    void askWhetherItRuns(const char* identifier, bool SessionAnswers::*fact)
     {
         ++mOpen;
         mBus.askForOwner(QString::fromStdString(applicationBusName(identifier)), &mBus,
                          [self = shared_from_this(), fact](bool runs) { self->take(fact, runs); });
     }
-    template <typename Value> void askForProperty(const QString& service, const QString& path,
-                                                  const QString& interface, const QString& name,
-                                                  Value SessionFacts::*fact)
-    {
-        ++mOpen;
-        auto call = QDBusMessage::createMethodCall(
-            service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
-            QStringLiteral("Get"));
-        call << interface << name;
-        call.setAutoStartService(false);
-        const auto use = [self = shared_from_this(), fact](const QDBusMessage& reply) {
-            const auto value = reply.signature() == u"v"
-                                   ? reply.arguments().at(0).value<QDBusVariant>().variant()
-                                   : QVariant();
-            self->take(fact, value.value<Value>());
-        };
-        mBus.ask(call, &mBus, use, limit);
-    }
     void askWhetherWindowsMayBeMoved(Accessibility& accessibility)
     {
         ++mOpen;
         accessibility.askWhetherEnabled(mAsker, [self = shared_from_this()](bool isEnabled) {
-            self->take(&SessionFacts::letsWindowsBeMoved, isEnabled);
+            self->take(&SessionAnswers::letsWindowsBeMoved, isEnabled);
         });
     }
 
 private:
-    template <typename Value> void take(Value SessionFacts::*fact, Value value)
+    void take(bool SessionAnswers::*fact, bool value)
     {
         mFacts.*fact = value;
         if (--mOpen > 0 || mAsker.expired())
@@ -71,29 +49,20 @@ private:
 
     SessionBus& mBus;
     std::weak_ptr<void> mAsker;
-    std::function<void(const SessionFacts&)> mThen;
-    SessionFacts mFacts;
+    std::function<void(const SessionAnswers&)> mThen;
+    SessionAnswers mFacts;
     int mOpen = 0;
 };
 
 } // namespace
 
-void askForSessionFacts(Platform& platform, SessionBus& bus, std::weak_ptr<void> asker,
-                        std::function<void(const SessionFacts&)> then)
+void askForSessionAnswers(Platform& platform, SessionBus& bus, std::weak_ptr<void> asker,
+                          std::function<void(const SessionAnswers&)> then)
 {
     const auto questions =
         std::make_shared<SessionQuestions>(bus, std::move(asker), std::move(then));
-    questions->askWhetherItRuns(kFVEScreenServerBundleID, &SessionFacts::hasServer);
-    questions->askWhetherItRuns(kFVEMenuExtraBundleID, &SessionFacts::hasStatusItem);
-    questions->askForProperty(QStringLiteral("org.gnome.Mutter.ScreenCast"),
-                              QStringLiteral("/org/gnome/Mutter/ScreenCast"),
-                              QStringLiteral("org.gnome.Mutter.ScreenCast"),
-                              QStringLiteral("Version"), &SessionFacts::mutterScreenCast);
-    questions->askForProperty(QStringLiteral("org.freedesktop.portal.Desktop"),
-                              QStringLiteral("/org/freedesktop/portal/desktop"),
-                              QStringLiteral("org.freedesktop.portal.ScreenCast"),
-                              QStringLiteral("AvailableSourceTypes"),
-                              &SessionFacts::portalSourceTypes);
+    questions->askWhetherItRuns(kFVEScreenServerBundleID, &SessionAnswers::hasServer);
+    questions->askWhetherItRuns(kFVEMenuExtraBundleID, &SessionAnswers::hasStatusItem);
     questions->askWhetherWindowsMayBeMoved(*platform.accessibility);
 }
 

@@ -1,5 +1,6 @@
 #include "Applications/Doctor/DevicesProbe.h"
 #include "Applications/Doctor/Probes.h"
+#include "Common/Rules/ScreenTexts.h"
 #include "Tests/Applications/DoctorNames.h"
 
 #include <gmock/gmock.h>
@@ -172,6 +173,16 @@ TEST(ProcessFindings, SayWhenTheTableCannotBeRead)
     EXPECT_THAT(names(findingsAboutProcesses(facts)), ElementsAre("unreadable"));
 }
 
+TEST(PacketLogFindings, SayWhetherItIsOnAndWhereItLies)
+{
+    EXPECT_THAT(names(findingsAboutPacketLog({})), ElementsAre("packet-log-off"));
+    EXPECT_THAT(troubles(findingsAboutPacketLog({})), IsEmpty());
+    EXPECT_THAT(troubles(findingsAboutPacketLog({true, "/home/anna", ""})),
+                ElementsAre("packet-log-on"));
+    EXPECT_THAT(troubles(findingsAboutPacketLog({false, "/home/anna", "/home/anna/log"})),
+                ElementsAre("packet-log"));
+}
+
 TEST(PreferencesFindings, FollowTheStateOfEachFile)
 {
     using State = PreferencesFileFact::State;
@@ -219,35 +230,50 @@ TEST(PolkitFindings, FollowTheTable)
         EXPECT_THAT(names(findingsAboutPolkit({"/tool", {kind, "/"}, status})), ElementsAre(name));
 }
 
-TEST(DisplayFindings, NameTheDisplayAndWhatItOffers)
+TEST(DisplayFindings, NameTheDisplay)
 {
     EXPECT_THAT(names(findingsAboutDisplay({})), ElementsAre("none"));
-    DisplayFacts facts;
-    facts.x11 = ":0";
-    facts.wayland = "wayland-0";
-    facts.desktop = "GNOME";
-    EXPECT_THAT(names(findingsAboutDisplay(facts)),
-                ElementsAre("wayland", "x11", "virtual-unknown"));
-    facts.mutterScreenCast = 4;
-    facts.portalSourceTypes = 7;
-    EXPECT_THAT(names(findingsAboutDisplay(facts)),
-                ElementsAre("wayland", "x11", "mutter-virtual", "portal-virtual"));
-    facts.portalSourceTypes = 3;
-    EXPECT_THAT(names(findingsAboutDisplay(facts)),
-                ElementsAre("wayland", "x11", "mutter-virtual"));
+    EXPECT_THAT(names(findingsAboutDisplay({":0", "wayland-0", "GNOME"})),
+                ElementsAre("wayland", "x11"));
 }
 
-TEST(DisplayFindings, CountWhatAnXServerHasToSpare)
+TEST(ScreenFindings, NameTheWayInWhichAScreenIsAdded)
 {
-    DisplayFacts facts;
-    facts.x11 = ":0";
-    facts.x11Outputs = X11Outputs{1, 0};
-    EXPECT_THAT(names(findingsAboutDisplay(facts)), ElementsAre("x11", "x11-fixed"));
-    facts.x11Outputs = X11Outputs{1, 15};
-    EXPECT_THAT(names(findingsAboutDisplay(facts)), ElementsAre("x11", "x11-virtual"));
-    facts.hasSway = true;
-    EXPECT_THAT(names(findingsAboutDisplay(facts)),
-                ElementsAre("x11", "sway-virtual", "x11-virtual"));
+    for (const auto& [way, name] : {std::pair{ScreenWay::spareOutput, "spare-output"},
+                                    std::pair{ScreenWay::namedMonitor, "named-monitor"},
+                                    std::pair{ScreenWay::desktopProtocol, "desktop"}}) {
+        const auto findings = findingsAboutScreen(ScreenAvailability{way});
+        EXPECT_THAT(names(findings), ElementsAre(name));
+        EXPECT_THAT(troubles(findings), IsEmpty());
+        EXPECT_EQ(findings.front().area, Area::screen);
+    }
+}
+
+TEST(ScreenFindings, SayWhatIsInTheWayAndWhatToDoInTheWordsOfThePanel)
+{
+    using enum ScreenObstacle;
+    for (const auto obstacle : {noSpareOutput, protocolMissing, notPermitted, gone, failed}) {
+        const auto findings = findingsAboutScreen(ScreenAvailability{{}, obstacle});
+        ASSERT_EQ(names(findings).size(), 1u);
+        EXPECT_EQ(findings.front().severity, Severity::problem) << findings.front().name;
+        EXPECT_EQ(findings.front().text.key, obstacleTexts(obstacle).trouble);
+        EXPECT_EQ(findings.front().advice.key, obstacleTexts(obstacle).remedy);
+    }
+    for (const auto obstacle : {noDesktop, locked})
+        EXPECT_EQ(findingsAboutScreen(ScreenAvailability{{}, obstacle}).front().severity,
+                  Severity::note);
+}
+
+TEST(ScreenFindings, AScreenThatFarviewHasAddedIsNoTrouble)
+{
+    const auto findings = findingsAboutScreen(ScreenAvailability{{}, ScreenObstacle::inUse});
+    EXPECT_THAT(names(findings), ElementsAre("in-use"));
+    EXPECT_THAT(troubles(findings), IsEmpty());
+}
+
+TEST(ScreenFindings, WhenNobodyAnswersThatIsSaid)
+{
+    EXPECT_THAT(names(findingsAboutScreen(std::nullopt)), ElementsAre("unanswered"));
 }
 
 TEST(AccessibilityFindings, SayWhetherWindowsMayBeMoved)

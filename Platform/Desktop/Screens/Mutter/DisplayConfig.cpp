@@ -1,5 +1,6 @@
 #include "Platform/Desktop/Screens/Mutter/DisplayConfig.h"
 
+#include <memory>
 #include <utility>
 
 namespace farview
@@ -7,8 +8,12 @@ namespace farview
 namespace
 {
 
+/// Until Mutter has arranged monitors by itself, on a computer that is busy.
+constexpr Duration longestDelay{10.0};
+
 const QString service = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString path = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
+const QString staleState = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
 
 QDBusMessage callOf(const char* member)
 {
@@ -24,12 +29,44 @@ QDBusMessage requestOf(unsigned serial, const DisplayState& state, const Display
     return call;
 }
 
+/// Replaces Mutter's layouts for a while. Deletes itself.
+class LayoutKeeper : public QObject
+{
+public:
+    LayoutKeeper(RunLoop& loop, SessionBus& bus, MonitorId ours, DisplayLayout layout)
+        : QObject(&bus), mLoop(loop), mOurs(std::move(ours)), mLayout(std::move(layout)),
+          mDisplays(bus, [this](const auto* state) { useState(state); })
+    {
+        loop.performAfterDelay(longestDelay, mLife, [this] { deleteLater(); });
+        mDisplays.ask();
+    }
+
+private:
+    void useState(const DisplayState* state)
+    {
+        if (state && !state->monitor(mOurs) && mJudge.isMutters(*state, mLoop.now()) &&
+            haveSameMonitors(state->layout, mLayout) && !isSameLayout(state->layout, mLayout) &&
+            mJudge.mayReplace())
+            mDisplays.apply(*state, {mLayout});
+    }
+
+    RunLoop& mLoop;
+    std::shared_ptr<void> mLife = std::make_shared<int>();
+    MonitorId mOurs;
+    DisplayLayout mLayout;
+    LayoutJudge mJudge;
+    DisplayConfig mDisplays;
+};
+
 } // namespace
 
 DisplayConfig::DisplayConfig(SessionBus& bus, Use use) : mBus(bus), mUse(std::move(use)) {}
 
 void DisplayConfig::ask()
 {
+    // What is told while a layout is being made may be from before, and is asked for afterwards.
+    if (mIsApplying)
+        return;
     mAskAgain = mIsAsking;
     if (!std::exchange(mIsAsking, true))
         mBus.ask(callOf("GetCurrentState"), this, [this](const auto& reply) { take(reply); });
@@ -39,6 +76,8 @@ void DisplayConfig::take(const QDBusMessage& reply)
 {
     mIsAsking = false;
     listenTo(reply.service());
+    if (mIsApplying)
+        return;
     if (std::exchange(mAskAgain, false))
         return ask();
     const auto state = displayStateIn(reply);
@@ -56,19 +95,35 @@ void DisplayConfig::listenTo(const QString& owner)
 
 void DisplayConfig::apply(const DisplayState& state, const QList<DisplayLayout>& choices)
 {
+    mIsApplying = true;
     mBus.ask(requestOf(state.serial, state, choices.first()), this,
              [this, state, choices](const QDBusMessage& reply) {
-                 const bool isRefused = reply.type() != QDBusMessage::ReplyMessage;
+                 // Where another change came first, the layout may still be possible.
+                 const bool isRefused =
+                     reply.type() != QDBusMessage::ReplyMessage && reply.errorName() != staleState;
                  if (isRefused && choices.size() > 1)
-                     apply(state, choices.mid(1));
-                 else
-                     ask();
+                     return apply(state, choices.mid(1));
+                 mIsApplying = false;
+                 ask();
              });
 }
 
-void DisplayConfig::applyNext(const DisplayState& state, const DisplayLayout& layout)
+bool LayoutJudge::isMutters(const DisplayState& state, Duration now)
 {
-    mBus.send(requestOf(state.serial + 1, state, layout));
+    if (mSerial == state.serial)
+        return now < mEnd && isOneRow(state.layout);
+    mSerial = state.serial;
+    mEnd = now + longestDelay;
+    mTries = 0;
+    return true;
+}
+
+void restoreLayout(RunLoop& loop, SessionBus& bus, const DisplayState& last, const MonitorId& ours,
+                   const DisplayLayout& layout)
+{
+    // For a program that ends now. It may come too early: then Mutter arranges them once more.
+    bus.send(requestOf(last.serial + 1, last, layout));
+    new LayoutKeeper(loop, bus, ours, layout);
 }
 
 } // namespace farview

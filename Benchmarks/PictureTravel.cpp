@@ -227,7 +227,7 @@ int main(int argc, char** argv)
             return std::find(argv + 2, argv + argc, system.name) == argv + argc;
         });
     Measurement measurement(viewer);
-    if (!measureAll(measurement, argc > 1 ? std::atoi(argv[1]) : 2, systems))
+    if (!measureAll(measurement, argc > 1 ? std::atoi(argv[1]) : 3, systems))
         return 1;
     printVerdicts(measurement.records());
     printAtMost("pick to first picture", median(measurement.starts()), 500, "ms");

@@ -2,6 +2,8 @@
 
 #include "Applications/ScreenCapture/ScreenServer.h"
 
+#include "Common/FVEDistributedNotifications.h"
+
 #include <memory>
 #include <utility>
 

@@ -25,7 +25,7 @@ bool isHostName(const std::string* text)
 } // namespace
 
 ScreenServer::ScreenServer(Services services, Ending ending)
-    : mServices(services), mEnding(std::move(ending))
+    : mServices(services), mEnding(std::move(ending)), mPacketLog(services.log)
 {
 }
 
@@ -47,6 +47,7 @@ void ScreenServer::start()
     observe(kQueryRequestForConnectedHost, &ScreenServer::answerQuery);
     observe(kFVEPrefsDidChangeNotification, &ScreenServer::preferencesChanged);
     observeReconnection();
+    mPacketLog.setOn(mServices.preferences.logsScreenPackets());
     startBrowsing();
     if (mHeldRequest) {
         announceState();
@@ -180,6 +181,7 @@ void ScreenServer::preferencesChanged(const Notification& /*notification*/)
 {
     mAutoConnector->preferencesChanged();
     sendOptions();
+    mPacketLog.setOn(mServices.preferences.logsScreenPackets());
     beginScreen();
     if (mScreen)
         mScreen->preferencesChanged();
@@ -321,52 +323,6 @@ void ScreenServer::deviceDidDisconnect(const LinkEnd& end)
         mServices.discovery.checkAgain();
     announceState();
     mAutoConnector->connectionEnded(mDeviceName);
-}
-
-// --- the picture -----------------------------------------------------------------------------
-
-void ScreenServer::deviceDidSend(const LinkFrame& frame)
-{
-    if (mState != State::connected)
-        return;
-    const auto* shown = std::get_if<LinkShown>(&frame);
-    if (const auto* screen = std::get_if<LinkDeviceScreen>(&frame)) {
-        mDeviceScreen = *screen;
-        if (mScreen)
-            mScreen->deviceScreenIs(*screen);
-        else
-            beginScreen();
-    } else if (shown && !(mScreen && mScreen->deviceShowed(*shown))) {
-        mServices.link.disconnect(LinkGoodbyeCode::brokenRule, {});
-        deviceDidDisconnect({LinkEndReason::brokenRule, "The device showed what it was not sent"});
-    }
-}
-
-void ScreenServer::deviceHasRoom()
-{
-    if (mScreen)
-        mScreen->linkHasRoom();
-}
-
-/// A device that may know how the user works, and has told its screen, becomes a monitor.
-void ScreenServer::beginScreen()
-{
-    if (mState != State::connected || mScreen || !mDeviceScreen || !mayHaveOptions())
-        return;
-    const std::string& device = mDeviceName == kOtherDeviceName ? mDeviceAddress : mDeviceName;
-    mScreen = std::make_shared<ScreenSession>(
-        ScreenSession::Services{mServices.screens, mServices.runLoop, mServices.preferences,
-                                mServices.link, mServices.log},
-        device, [this] { postScreen(); });
-    mScreen->deviceScreenIs(*mDeviceScreen);
-}
-
-/// The monitor goes before the connection does.
-void ScreenServer::endScreen()
-{
-    mDeviceScreen.reset();
-    if (std::exchange(mScreen, nullptr))
-        postScreen();
 }
 
 LinkOptions ScreenServer::options()

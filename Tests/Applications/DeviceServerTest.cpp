@@ -87,8 +87,6 @@ protected:
     std::shared_ptr<DeviceServer> server;
 };
 
-} // namespace
-
 TEST_F(DeviceServerTest, AnnouncesItselfAsFree)
 {
     start();
@@ -321,6 +319,17 @@ TEST_F(DeviceServerTest, TellsAHostThatItsFrameIsShown)
     EXPECT_EQ(std::get<LinkShown>(guest->seen->frames.back()).number, 1u);
 }
 
+TEST_F(DeviceServerTest, FollowsAHostThatGoesOnForLong)
+{
+    const auto guest = startWithAPicture({64, 64});
+    for (int count = 0; count < 600; ++count) {
+        const int before = glass.pictures;
+        guest->link->send(LinkPictureSize{32, 32});
+        ASSERT_TRUE(waitUntil([&] { return glass.pictures > before || !isUsed(); }));
+    }
+    EXPECT_TRUE(isUsed());
+}
+
 TEST_F(DeviceServerTest, SendsAHostAwayWhosePictureBreaksTheRules)
 {
     const auto guest = startWithAPicture({64, 64});
@@ -388,3 +397,5 @@ TEST_F(DeviceServerTest, StopsWhileAHostThatDoesNotReadHasAPicture)
     EXPECT_TRUE(waitUntil([&] { return stopped; }));
     EXPECT_EQ(glass.picture, nullptr);
 }
+
+} // namespace

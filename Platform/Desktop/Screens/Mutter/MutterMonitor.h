@@ -6,6 +6,7 @@
 #include "Platform/RunLoop.h"
 #include "Platform/VirtualScreens.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>

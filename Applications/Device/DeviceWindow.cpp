@@ -93,8 +93,8 @@ QString troubleText(const DeviceTexts& texts, const DeviceStatus& status)
 
 } // namespace
 
-DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions)
-    : mTexts(texts), mActions(std::move(actions)), mPages(new QStackedLayout(this)),
+DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First first)
+    : mTexts(texts), mActions(std::move(actions)), mFirst(first), mPages(new QStackedLayout(this)),
       mView(new ScreenView)
 {
     mPages->addWidget(makeStatusPage());
@@ -151,7 +151,8 @@ void DeviceWindow::closeEvent(QCloseEvent* event)
 LinkDeviceScreen DeviceWindow::screen() const
 {
     const QScreen& mine = *QWidget::screen();
-    return screenToTell(mine.size(), mine.devicePixelRatio(), mine.refreshRate());
+    const QSize room = mFirst == First::fillsScreen ? mine.size() : mine.size() * 2 / 3;
+    return screenToTell(room, mine.devicePixelRatio(), mine.refreshRate());
 }
 
 void DeviceWindow::setScreenObserver(std::function<void()> changed)
@@ -189,7 +190,7 @@ void DeviceWindow::beginPicture(const PictureReceiver& picture)
     if (!isFirst)
         return;
     mPages->setCurrentWidget(mView);
-    fillScreen(true);
+    fillScreen(mFirst == First::fillsScreen);
     mRest.start();
     mActions.pictureShown(true);
 }

@@ -26,8 +26,11 @@ public:
         std::function<void(bool isShown)> pictureShown;
     };
 
-    /// `texts` outlive it.
-    DeviceWindow(const DeviceTexts& texts, Actions actions);
+    /// What the first picture does to the window.
+    enum class First { fillsScreen, staysInWindow };
+
+    /// `texts` outlive it. A picture that stays in the window is smaller than the screen.
+    DeviceWindow(const DeviceTexts& texts, Actions actions, First first = First::fillsScreen);
 
     void showStatus(const DeviceStatus& status);
 
@@ -59,6 +62,7 @@ private:
 
     const DeviceTexts& mTexts;
     Actions mActions;
+    First mFirst;
     QStackedLayout* mPages;
     QLabel* mName = nullptr;
     QLabel* mUse = nullptr;

@@ -153,6 +153,20 @@ TEST_F(DeviceWindowTest, FillsTheScreenWithTheFirstPictureOnly)
     window.endPicture();
 }
 
+TEST_F(DeviceWindowTest, APictureMayStayInTheWindowAndIsAskedForSmaller)
+{
+    DeviceWindow beside(texts, {[] {}, [] {}, [](bool) {}}, DeviceWindow::First::staysInWindow);
+    beside.show();
+    const QSize whole = beside.QWidget::screen()->size();
+    const LinkDeviceScreen asked = beside.screen();
+    EXPECT_EQ(QSize(asked.width, asked.height), whole * 2 / 3);
+    const PictureReceiver large(asked.width, asked.height, zlib, {});
+    beside.beginPicture(large);
+    EXPECT_FALSE(beside.isFullScreen());
+    EXPECT_TRUE(waitUntil([&] { return beside.size() == whole * 2 / 3; })) << "pixel for pixel";
+    beside.endPicture();
+}
+
 TEST_F(DeviceWindowTest, IsSmallAgainAfterThePicture)
 {
     const QSize before = window.size();

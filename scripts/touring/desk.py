@@ -19,6 +19,7 @@ from touring import looks, pseudo  # noqa: E402
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
 WAYLAND = "WAYLAND_DISPLAY" in os.environ
 FOLDER, LOOK, NAME = sys.argv[1:]
+HOME = os.environ["HOME"]
 BUILD = os.path.join(ROOT, "build")
 if looks.language(LOOK) in pseudo.ALPHABETS:
     BUILD = pseudo.copy_that_speaks(BUILD, looks.language(LOOK))
@@ -222,8 +223,12 @@ def enabled(node):
     return node if node is not None and node.getState().contains(pyatspi.STATE_ENABLED) else None
 
 
-def take_picture(path):
-    subprocess.run(["grim", path] if WAYLAND else ["import", "-window", "root", path], check=True)
+def take_picture(path, display=None):
+    """Of the whole desktop, or of another display."""
+    if WAYLAND:
+        subprocess.run(["grim", path], check=True)
+    else:
+        subprocess.run(["import", "-display", display or os.environ["DISPLAY"], "-window", "root", path], check=True)
 
 
 def windows_of(program):
@@ -261,12 +266,12 @@ def say(text):
     print(f"{time.monotonic() - begin:7.2f} s  {text}", flush=True)
 
 
-def step(title, name, program="farview-preferences"):
-    """Takes a picture; the program is the one whose windows matter in it."""
+def step(title, name, program="farview-preferences", display=None):
+    """Takes a picture of the desktop, where the windows of that program matter, or of another display."""
     time.sleep(0.4)  # let animations end: for the picture only
     file = f"{len(steps) + 1:02d}-{name}.png"
-    take_picture(os.path.join(FOLDER, file))
-    steps.append({"name": name, "title": title, "file": file, "box": box_of_windows(program)})
+    take_picture(os.path.join(FOLDER, file), display)
+    steps.append({"name": name, "title": title, "file": file, "box": None if display else box_of_windows(program)})
     say(f"{title}  [build/tour/{NAME}/{file}]")
 
 

@@ -37,6 +37,10 @@ def screen_size(look):
     return max(part[1] for part in parts(look))
 
 
+def tablet_size(look):
+    return "2048x1536" if screen_size(look) == "2560x1600" else "1024x768"
+
+
 def environment(look):
     return {name: value for part in parts(look) for name, value in part[3].items()}
 

@@ -14,13 +14,12 @@ sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
 
 import pyatspi  # noqa: E402
 
-from touring import looks  # noqa: E402
+from touring import looks, screens  # noqa: E402
 from touring.desk import (  # noqa: E402
-    children, click, click_at, drag, enabled, failures, find, FOLDER, LOOK, number_of_windows, place_of, press, ROOT,
-    running, say, seen, SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND,
+    children, click, click_at, drag, enabled, failures, find, FOLDER, HOME, LOOK, mouse, number_of_windows, place_of, press,
+    ROOT, running, say, seen, SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND,
     windows_of, WORDS, write_steps)
 
-HOME = os.environ["HOME"]
 OFF = "Farview is currently turned off."
 ON = "Farview is currently on."
 ERROR = "There was a problem connecting to a device."
@@ -62,6 +61,7 @@ def open_menu(entry):
 
 
 def main():
+    outputs_before = arrange_desktop()
     panel = start("farview-preferences")
     if not wait("the panel's window", lambda: find(BUTTON, "Choose a Device")):
         return
@@ -77,7 +77,7 @@ def main():
     wait("the screen server runs", lambda: running("ScreenCapture"))
     step("Switched on; no device is there yet", "on-without-device")
 
-    device = start("farview-device", "--name", DEVICE, "--headless")
+    device = start_tablet()
     wait("the hint goes when a device is there", lambda: not says(HINT)())
     entry = open_menu(DEVICE)
     step("A device announced itself and stands in the menu", "menu")
@@ -88,6 +88,7 @@ def main():
     wait("the device is in use", lambda: is_in_use(0))
     let_the_wheel_stop()
     step("Picked: the device is connected", "connected")
+    show_second_screen()
 
     refusing = start("farview-device", "--name", REFUSING, "--headless", "--port", "0",
                      "--refuse", "Closed for maintenance")
@@ -112,7 +113,8 @@ def main():
     click(seen(BUTTON, "Off"))
     wait("the main tab says that Farview is off", says(OFF))
     wait("the screen server ended", lambda: not running("ScreenCapture"))
-    step("Switched off; the server has ended", "off-again")
+    wait("the monitors are as they were", lambda: WAYLAND or screens.outputs() == outputs_before)
+    step("Switched off; the server has ended, and the monitors are as they were", "off-again")
 
     show_settings()
     show_diagnosis()
@@ -132,6 +134,40 @@ def main():
         if stop(child) != 0:
             failures.append("a program ends cleanly")
     show_device()
+
+
+def arrange_desktop():
+    """As people have it. Gives what the display says of its outputs."""
+    if WAYLAND:
+        return None
+    start("/usr/bin/openbox")
+    screens.use_spare_output_once()
+    screens.draw_wallpaper()
+    return screens.outputs()
+
+
+def start_tablet():
+    if WAYLAND:
+        return start("farview-device", "--name", DEVICE, "--headless")
+    return start("farview-device", "--name", DEVICE, DISPLAY=screens.TABLET, QT_SCALE_FACTOR="1")
+
+
+def show_second_screen():
+    if WAYLAND:
+        print("          This compositor gets no further screen yet: it is shown on the X display and on GNOME only", flush=True)
+        return
+    if not wait("the desktop has a second monitor", lambda: len(screens.monitors()) == 2):
+        return
+    second = screens.monitors()[1]
+    screens.draw_wallpaper()
+    page = screens.show_page(second)
+    wait("the tablet shows each pixel of its monitor", screens.is_exact_on_tablet)
+    width, height, left, top = second
+    mouse.move(left + width // 4, top + height // 2)
+    step("The desktop goes on to the right, on the tablet", "desktop")
+    step("What the tablet shows: a window and the mouse pointer", "tablet", display=screens.TABLET)
+    page.terminate()
+    page.wait(10)
 
 
 def let_the_wheel_stop():

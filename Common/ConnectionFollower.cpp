@@ -99,6 +99,7 @@ void ConnectionFollower::followAddress(const Notification& report, FVEPreference
 bool ConnectionFollower::followEnd(const Notification& report)
 {
     mIsByAddress = false;
+    mScreen.reset();
     const bool serverBegins = report.text(kAwaitsRequestKey);
     // The end of a connection answers the request for no device, and no other.
     if (!mRequest || (!serverBegins && !mRequest->userInfo.empty()))
@@ -107,6 +108,11 @@ bool ConnectionFollower::followEnd(const Notification& report)
     if (serverBegins)
         command(request.name, request.userInfo);
     return request.userInfo.contains(kConnectToHostNameKey);
+}
+
+void ConnectionFollower::followScreen(const Notification& report)
+{
+    mScreen = screenReport(report.text(kScreenReportKey));
 }
 
 } // namespace farview

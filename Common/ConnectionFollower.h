@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Common/Rules/ScreenReport.h"
 #include "Platform/NetService.h"
 #include "Platform/NotificationCenter.h"
 
@@ -51,6 +52,10 @@ public:
     /// latest request, once: one that came to an end over it is not asked a third time. True when
     /// that asks for the device of a host.
     bool followEnd(const Notification& report);
+    /// Takes in the report about the monitor for the device that is connected.
+    void followScreen(const Notification& report);
+    /// Nothing before the server has told of it, and none outlives its connection.
+    const std::optional<ScreenReport>& screen() const { return mScreen; }
 
     /// The connection was made by address, and to which one. The address outlives the connection.
     bool isByAddress() const { return mIsByAddress; }
@@ -70,6 +75,7 @@ private:
     std::optional<Request> mRequest;
     bool mIsByAddress = false;
     std::optional<std::string> mAddress;
+    std::optional<ScreenReport> mScreen;
 };
 
 } // namespace farview

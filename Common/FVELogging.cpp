@@ -87,16 +87,18 @@ std::string freshUUIDString()
 std::string freshFolderPath()
 {
     auto& platform = Platform::current();
-    return platform.searchPaths->homeDirectory() + "/FarviewLogging (" +
+    return platform.searchPaths->homeDirectory() + "/" + kFVELoggingFolderName + " (" +
            description(platform.clock->date()) + ")";
 }
 
-void writeData(std::uint8_t encoding, std::span<const std::uint8_t> data)
+bool writeData(std::uint8_t encoding, farview::ByteView data)
 {
     const auto name = freshUUIDString() + "." + NSStringExtensionFromEncoding(encoding);
-    Platform::current().fileManager->writeData(data, loggingFolder.value_or("") + "/" + name);
+    const bool isWritten =
+        Platform::current().fileManager->writeData(data, loggingFolder.value_or("") + "/" + name);
     logLine("screenRectangle has buffer of size " + std::to_string(data.size()) + ", written to " +
             name);
+    return isWritten;
 }
 
 } // namespace
@@ -132,13 +134,19 @@ std::string NSStringFromQLSimpleRect(const QLSimpleRect& rect)
 
 void NSLogScreenRectangle(const std::uint8_t* header, const std::uint8_t* data, std::int64_t length)
 {
+    const bool hasData = data && length > 0;
+    farview::logScreenRectangle(
+        header, {data, hasData ? static_cast<std::size_t>(length) : std::size_t{0}});
+}
+
+bool farview::logScreenRectangle(const std::uint8_t* header, ByteView data)
+{
     if (!header || !isLogging)
-        return;
-    farview::ByteReader reader({header, farview::kScreenPacketHeaderSize});
-    const auto values = farview::readScreenPacketHeader(reader);
+        return false;
+    ByteReader reader({header, kScreenPacketHeaderSize});
+    const auto values = readScreenPacketHeader(reader);
     logLine("screenRectangle = " + NSStringFromQLSimpleRect(values.rectangle) +
             ", encoding: " + NSStringFromEncoding(values.encoding) +
             ", dataSize: " + std::to_string(static_cast<std::int32_t>(values.dataSize)));
-    if (data && length > 0)
-        writeData(values.encoding, {data, static_cast<std::size_t>(length)});
+    return data.empty() || writeData(values.encoding, data);
 }

@@ -10,9 +10,12 @@
 using QLSimplePoint = farview::PixelPoint;
 using QLSimpleRect = farview::PixelRect;
 
+/// What the name of a folder with logged packets begins with; the date follows, in brackets.
+inline constexpr const char* kFVELoggingFolderName = "FarviewLogging";
+
 /// From now on every screen packet is written to a new folder in the user's home, which only the
 /// user can read. Called again, it goes on in another folder. For debugging; for the life of the
-/// process.
+/// process. Whoever logs packets from a thread of its own calls this there too.
 void EnableLoggingScreenRectangleLogging();
 bool IsEnableLoggingScreenRectangleLogging();
 
@@ -32,3 +35,12 @@ std::string NSStringFromQLSimpleRect(const QLSimpleRect& rect);
 /// `length` bytes, or is null. That the file cannot be written is told to nobody.
 void NSLogScreenRectangle(const std::uint8_t* header, const std::uint8_t* data,
                           std::int64_t length);
+
+namespace farview
+{
+
+/// What `NSLogScreenRectangle` does. False when logging is off and when the data could not be
+/// written.
+bool logScreenRectangle(const std::uint8_t* header, ByteView data);
+
+} // namespace farview

@@ -256,6 +256,9 @@ bool FVEPreferences::debuggingDontSendKBEvents()
     return booleanDefaultingToNo(kDebuggingDontSendKBEvents);
 }
 
+bool FVEPreferences::logsScreenPackets() { return booleanDefaultingToNo(kLogScreenPackets); }
+void FVEPreferences::setLogsScreenPackets(bool flag) { setBoolean(kLogScreenPackets, flag); }
+
 bool FVEPreferences::autoUpdateOptionShown()
 {
     return booleanDefaultingToNo(kAutoUpdateOptionShown);

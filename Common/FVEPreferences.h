@@ -23,6 +23,7 @@ inline constexpr const char* kOpenPrefsInSettingsPane = "openPrefsInSettingsPane
 inline constexpr const char* kAutoUpdateOptionShown = "autoUpdateOptionShown";
 inline constexpr const char* kLastUpdateCheck = "lastUpdateCheck";
 inline constexpr const char* kLastUpdateOutcome = "lastUpdateOutcome";
+inline constexpr const char* kLogScreenPackets = "logScreenPackets";
 inline constexpr const char* kDebuggingDontSendKBEvents = "QLNDebuggingDontSendKBEvents";
 
 namespace farview
@@ -94,6 +95,9 @@ public:
     /// Stores both at once.
     void setLastUpdateCheck(farview::Date date, const std::string& outcome);
     bool debuggingDontSendKBEvents();
+    /// Whether the server logs what it sends of the screen. Until it is set, no.
+    bool logsScreenPackets();
+    void setLogsScreenPackets(bool flag);
 
     /// The window server's setting, which holds for all users of this computer.
     bool enableHiDPIResolutions();

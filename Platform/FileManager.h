@@ -25,7 +25,8 @@ public:
     /// Replaces the file in one step: at any moment it holds the old or the new list. False on
     /// failure.
     virtual bool writePropertyList(const PropertyList& list, const std::string& path) = 0;
-    /// The same for bytes of any kind; whatever file is in that place is replaced.
+    /// The same for bytes of any kind, without waiting for the disk: a power failure may take them
+    /// away. Whatever file is in that place is replaced.
     virtual bool writeData(std::span<const std::uint8_t> bytes, const std::string& path) = 0;
 };
 

@@ -37,8 +37,8 @@ struct ScreenWish {
 
 /// The monitor as it is.
 struct ScreenGeometry {
-    /// Where it is among the other screens, in the desktop's own units.
-    PixelPoint place;
+    /// What it shows of the desktop, in the desktop's own units.
+    PixelRect area;
     int width = 0; ///< in pixels
     int height = 0;
     double scale = 1;

@@ -90,6 +90,7 @@ public:
     void serverDisconnectedFromDeviceNotification(const farview::Notification& notification);
     void serverRespondedToConnectRequest(const farview::Notification& notification);
     void requestingErrorMsgFromPrefPane(const farview::Notification& notification);
+    void serverScreenDidChange(const farview::Notification& notification);
     void checkForConnectionError(farview::Object* sender);
     void errorMessageCanNowBeCleared(farview::Object* sender);
     void clearConnectionError();
@@ -98,6 +99,9 @@ public:
     void hideProgressIndicator();
     void launchWatchdogTimer();
     void watchdogTimerOperation(farview::Object* sender);
+
+    /// The user moved the device's screen in the picture of the screens.
+    void screenPlaced(farview::Object* sender);
 
     // Options, help and updates.
     void menuExtraCheckboxPressed(farview::Object* sender);
@@ -158,7 +162,10 @@ private:
     void showInstructions(const farview::StatusDisplay& display);
     void showDriverMissing();
     void updateDeviceHint();
-    std::string connectedText() const;
+    std::string connectedText();
+    std::string screenText();
+    std::string connectedDevice() const;
+    void showScreen(bool isConnected);
     bool searchesInVain(bool waits);
     void showConnectionHelp();
     void hideConnectionHelp();

@@ -49,6 +49,9 @@ constexpr auto outletTable = std::to_array<Outlet>({
     outlet<&Pane::waitingForServerIndicator>("waitingForServerIndicator"),
     outlet<&Pane::versionNumberLabel>("versionNumberLabel"),
     outlet<&Pane::deviceHintLabel>("deviceHintLabel"),
+    outlet<&Pane::screenDiagnoseButton>("screenDiagnoseButton"),
+    outlet<&Pane::screenPlaceBox>("screenPlaceBox"),
+    outlet<&Pane::screenMap>("screenMap"),
     outlet<&Pane::connectionHelpLabel>("connectionHelpLabel"),
     outlet<&Pane::connectionDiagnoseButton>("connectionDiagnoseButton"),
 });

@@ -2,6 +2,7 @@
 
 #include "Controls/InterfaceOwner.h"
 #include "Controls/Menu.h"
+#include "Controls/ScreenMap.h"
 #include "Controls/Switch/FVEChiseledTextButton.h"
 #include "Controls/Switch/QLNOnOffView.h"
 #include "Controls/TabView.h"
@@ -49,6 +50,9 @@ public:
     Outlet<farview::ProgressIndicator> waitingForServerIndicator;
     Outlet<farview::TextField> versionNumberLabel;
     Outlet<farview::TextField> deviceHintLabel;
+    Outlet<farview::Button> screenDiagnoseButton;
+    Outlet<farview::View> screenPlaceBox;
+    Outlet<farview::ScreenMap> screenMap;
     Outlet<farview::TextField> connectionHelpLabel;
     Outlet<farview::Button> connectionDiagnoseButton;
 

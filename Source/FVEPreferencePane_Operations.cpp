@@ -47,6 +47,7 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     action<&Pane::reinstallDriversPressed>("reinstallDriversPressed:"),
     action<&Pane::helpPressed>("helpPressed:"),
     action<&Pane::diagnosePressed>("diagnosePressed:"),
+    action<&Pane::screenPlaced>("screenPlaced:"),
     action<&Pane::checkNowForUpdatePressed>("checkNowForUpdatePressed:"),
     action<&Pane::autoUpdatePressed>("autoUpdatePressed:"),
     observer<&Pane::prefsChanged>("prefsChanged:"),
@@ -60,6 +61,7 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
         "serverDisconnectedFromDeviceNotification:"),
     observer<&Pane::serverRespondedToConnectRequest>("serverRespondedToConnectRequest:"),
     observer<&Pane::requestingErrorMsgFromPrefPane>("requestingErrorMsgFromPrefPane:"),
+    observer<&Pane::serverScreenDidChange>("serverScreenDidChange:"),
 });
 
 struct Registration {
@@ -76,6 +78,7 @@ constexpr std::array distributedRegistrations = {
     Registration{kServerConnectedToDevice, {"serverConnectedToDeviceNotification:"}},
     Registration{kServerDisconnectedFromDevice, {"serverDisconnectedFromDeviceNotification:"}},
     Registration{kRequestingErrorMsgFromPrefPane, {"requestingErrorMsgFromPrefPane:"}},
+    Registration{kServerScreenDidChange, {"serverScreenDidChange:"}},
 };
 
 constexpr std::array browserRegistrations = {

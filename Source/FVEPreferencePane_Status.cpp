@@ -137,17 +137,19 @@ void FVEPreferencePane::updateDeviceHint()
     inputs.connected = selectedNetService() || connectedToOtherDevice();
     inputs.condition = mPlatform.discovery->condition();
     inputs.inVain = searchesInVain(farview::waitsForDevices(inputs));
-    deviceHintLabel()->setStringValue(inputs.on && inputs.connected
-                                          ? connectedText()
-                                          : localized(farview::discoveryHint(inputs)));
+    const bool isConnected = inputs.on && inputs.connected;
+    deviceHintLabel()->setStringValue(isConnected ? connectedText()
+                                                  : localized(farview::discoveryHint(inputs)));
+    showScreen(isConnected);
 }
 
-std::string FVEPreferencePane::connectedText() const
+std::string FVEPreferencePane::connectedText()
 {
     const auto name = selectedNetService() ? std::optional(selectedNetService()->name())
                                            : connectedToOtherDeviceIPString();
-    return name && !name->empty() ? farview::filledText(localized("Connected to %@"), *name)
-                                  : std::string{};
+    return name && !name->empty()
+               ? farview::filledText(localized("Connected to %@"), *name) + screenText()
+               : std::string{};
 }
 
 bool FVEPreferencePane::searchesInVain(bool waits)

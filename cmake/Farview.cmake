@@ -14,9 +14,9 @@ target_link_options(farview_options INTERFACE -pthread)
 target_compile_options(farview_options INTERFACE $<$<CONFIG:RelWithDebInfo>:-g1>)
 target_include_directories(farview_options INTERFACE ${CMAKE_SOURCE_DIR})
 if(FARVIEW_SANITIZE)
-  target_compile_options(farview_options INTERFACE -fsanitize=address,undefined
+  target_compile_options(farview_options INTERFACE -fsanitize=${FARVIEW_SANITIZE}
                          -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
-  target_link_options(farview_options INTERFACE -fsanitize=address,undefined)
+  target_link_options(farview_options INTERFACE -fsanitize=${FARVIEW_SANITIZE})
 endif()
 if(FARVIEW_FUZZERS)
   target_compile_options(farview_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined
@@ -144,6 +144,10 @@ function(farview_test NAME)
   if(FARVIEW_SANITIZE)
     # Programs are ten times as large then, and slower: some tests copy, pack and start them.
     math(EXPR ARG_TIMEOUT "5 * ${ARG_TIMEOUT}")
+  endif()
+  if(NAME IN_LIST FARVIEW_THREADED_TESTS AND FARVIEW_SANITIZE STREQUAL "thread")
+    add_dependencies(threaded_tests ${NAME})
+    set(ARG_LABELS threads)
   endif()
   gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${NAME}."
                        PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")

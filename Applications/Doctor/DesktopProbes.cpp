@@ -88,7 +88,7 @@ Findings findingsAboutAccessibility(const AccessibilityFacts& facts)
                     "Switch the desktop's accessibility on.")};
 }
 
-DisplayFacts displayFacts(const SessionFacts& session)
+DisplayFacts displayFacts(const SessionAnswers& session)
 {
     DisplayFacts facts;
     facts.x11 = qEnvironmentVariable("DISPLAY").toStdString();

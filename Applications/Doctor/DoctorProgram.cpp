@@ -2,9 +2,12 @@
 
 #include "Applications/OwnPane.h"
 #include "Common/FVEConstants.h"
+#include "Common/FVEPreferences.h"
 #include "Common/NSString_Additions.h"
 #include "Platform/Bundle.h"
 #include "Platform/Posix/PosixSearchPaths.h"
+#include "Platform/Posix/Settings/PreferencesLocations.h"
+#include "Platform/Preferences.h"
 
 #include <QDateTime>
 
@@ -18,6 +21,12 @@ namespace
 constexpr const char* noBus = "unix:path=/nonexistent";
 
 std::string now() { return QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toStdString(); }
+
+std::string seenDevicesFile()
+{
+    return applicationSupportPath() + "/" + kFVEApplicationSupportFolderName + "/" +
+           kSeenDevicesForAutoConnectTableFilename;
+}
 
 std::unique_ptr<Notebook> emptyNotebook()
 {
@@ -56,11 +65,30 @@ void DoctorProgram::examine(std::function<void(Area)> areaBegun, std::function<v
     const PosixSearchPaths paths(EnvironmentUse::honoured);
     mExamination = std::make_shared<Examination>(
         DiagnosisContext{mDesktop.platform(), mDesktop.sessionBus(), mBuses, mPane,
-                         paths.extensionFolders(),
-                         applicationSupportPath() + "/" + kFVEApplicationSupportFolderName + "/" +
-                             kSeenDevicesForAutoConnectTableFilename},
+                         paths.extensionFolders(), seenDevicesFile()},
         *mNotebook, DevicesProbe::Times{});
     mExamination->start(std::move(areaBegun), std::move(ended));
+}
+
+void DoctorProgram::switchPacketLog(bool isOn, std::function<void(const Findings&)> then)
+{
+    auto& platform = mDesktop.platform();
+    FVEPreferences(*platform.preferences, *platform.distributedNotificationCenter)
+        .setLogsScreenPackets(isOn);
+    // The announcement goes over the bus before these questions: it has left when they are
+    // answered.
+    askForSessionFacts(
+        platform, mDesktop.sessionBus(), mLife,
+        [this, then = std::move(then)](const SessionFacts&) { then(packetLogFindings()); });
+}
+
+Findings DoctorProgram::packetLogFindings()
+{
+    auto& platform = mDesktop.platform();
+    if (platform.preferences->appSynchronize(kApplicationID))
+        return findingsAboutPacketLog(packetLogFacts(platform));
+    return findingsAboutPreferences(
+        preferencesFacts(PreferencesLocations(EnvironmentUse::honoured), seenDevicesFile()));
 }
 
 } // namespace farview

@@ -27,16 +27,22 @@ public:
     std::string translated(const std::string& text) const;
     /// Begins a run, from the beginning; one that is under way is broken off.
     void examine(std::function<void(Area)> areaBegun, std::function<void()> ended);
+    /// Has the server log what it sends of the screen, or not. `then` is called on a later turn,
+    /// with what holds from now on.
+    void switchPacketLog(bool isOn, std::function<void(const Findings&)> then);
     SessionBus& sessionBus() { return mDesktop.sessionBus(); }
     const Notebook& notebook() const { return *mNotebook; }
 
 private:
+    Findings packetLogFindings();
+
     BusFacts mBuses;
     DesktopPlatform mDesktop;
     Platform::Scope mInstalled;
     std::shared_ptr<Bundle> mPane;
     std::unique_ptr<Notebook> mNotebook;
     std::shared_ptr<Examination> mExamination;
+    const std::shared_ptr<int> mLife = std::make_shared<int>(0); ///< of what is asked
 };
 
 } // namespace farview

@@ -32,11 +32,11 @@ void Examination::start(std::function<void(Area)> areaBegun, std::function<void(
     mAreaBegun = std::move(areaBegun);
     mEnded = std::move(ended);
     auto& loop = *mContext.platform.runLoop;
-    askForSessionFacts(mContext.platform, mContext.bus, weak_from_this(),
-                       [this](const SessionFacts& session) {
-                           mSession = session;
-                           examineNext();
-                       });
+    askForSessionAnswers(mContext.platform, mContext.bus, weak_from_this(),
+                         [this](const SessionAnswers& session) {
+                             mSession = session;
+                             examineNext();
+                         });
     loop.performAfterDelay(limit, weak_from_this(), [this] {
         end(mDevices ? mDevices->devices() : std::vector<DeviceFact>{}, 0, false);
     });
@@ -73,7 +73,10 @@ Findings Examination::examineDriver()
 
 Findings Examination::examineProcesses()
 {
-    return findingsAboutProcesses(processFacts(mContext.platform, mSession));
+    auto findings = findingsAboutProcesses(processFacts(mContext.platform, mSession));
+    for (auto& each : findingsAboutPacketLog(packetLogFacts(mContext.platform)))
+        findings.push_back(std::move(each));
+    return findings;
 }
 
 Findings Examination::examinePreferences()
@@ -92,6 +95,7 @@ Findings Examination::examineDisplay() { return findingsAboutDisplay(displayFact
 void Examination::lookForDevices()
 {
     askForRights();
+    askForScreen();
     mAreaBegun(Area::devices);
     // Which way devices are found is asked beside the search, which does not tell.
     mDaemon = std::make_unique<AvahiDaemonLink>(*mContext.platform.log);
@@ -112,6 +116,13 @@ void Examination::askForRights()
                           [this](const PolkitFacts& facts) { mRights = facts; });
 }
 
+/// As above. Changes nothing on the desktop.
+void Examination::askForScreen()
+{
+    mContext.platform.virtualScreens->availability(
+        weak_from_this(), [this](const ScreenAvailability& answer) { mScreen = answer; });
+}
+
 DiscoveryFacts Examination::discoveryFacts() const
 {
     return {mDaemon && mDaemon->presence() == AvahiDaemonLink::Presence::present,
@@ -124,6 +135,7 @@ void Examination::end(std::vector<DeviceFact> devices, std::size_t more, bool is
     if (!ended)
         return;
     mNotebook.add(findingsAboutPolkit(mRights));
+    mNotebook.add(findingsAboutScreen(mScreen));
     mNotebook.add(findingsAboutDiscovery(discoveryFacts()));
     mNotebook.add(
         findingsAboutDevices({std::move(devices), more,

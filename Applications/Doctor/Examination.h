@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,6 +62,7 @@ private:
     Findings examineDisplay();
     void examineNext();
     void askForRights();
+    void askForScreen();
     void lookForDevices();
     void end(std::vector<DeviceFact> devices, std::size_t more, bool isComplete);
     DiscoveryFacts discoveryFacts() const;
@@ -68,13 +70,14 @@ private:
     DiagnosisContext mContext;
     Notebook& mNotebook;
     DevicesProbe::Times mTimes;
-    SessionFacts mSession;
+    SessionAnswers mSession;
     std::size_t mNext = 0;
     std::function<void(Area)> mAreaBegun;
     std::function<void()> mEnded;
     std::unique_ptr<AvahiDaemonLink> mDaemon;
     std::shared_ptr<DevicesProbe> mDevices;
     PolkitFacts mRights;
+    std::optional<ScreenAvailability> mScreen;
 };
 
 } // namespace farview

@@ -24,6 +24,7 @@ constexpr std::array areas = {
     AreaNames{"accessibility", "Accessibility"},
     AreaNames{"polkit", "Administrator's rights"},
     AreaNames{"display", "Display"},
+    AreaNames{"screen", "Additional screen"},
     AreaNames{"devices", "Devices"},
 };
 static_assert(areas.size() == static_cast<std::size_t>(Area::devices) + 1);

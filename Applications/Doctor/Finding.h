@@ -19,6 +19,7 @@ enum class Area {
     accessibility,
     polkit,
     display,
+    screen,
     devices,
 };
 

@@ -5,6 +5,7 @@
 #include "Platform/Desktop/Bus/BusHandshake.h"
 #include "Platform/Types/AuthorizationStatus.h"
 #include "Platform/Types/DiscoveryCondition.h"
+#include "Platform/VirtualScreens.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +21,7 @@ namespace farview
 class Bundle;
 struct Platform;
 class PreferencesLocations;
-struct SessionFacts;
+struct SessionAnswers;
 
 /// One piece of the system that lies in a bundle.
 struct Piece {
@@ -105,8 +106,18 @@ struct ProcessFacts {
     ProgramFact statusItem;
 };
 
-ProcessFacts processFacts(Platform& platform, const SessionFacts& session);
+ProcessFacts processFacts(Platform& platform, const SessionAnswers& session);
 Findings findingsAboutProcesses(const ProcessFacts& facts);
+
+/// What is kept of the packets that the server sent.
+struct PacketLogFacts {
+    bool isOn = false;  ///< what the user set
+    std::string home;   ///< the folder in which logs are made
+    std::string latest; ///< the folder of the last log; empty when there is none
+};
+
+PacketLogFacts packetLogFacts(Platform& platform);
+Findings findingsAboutPacketLog(const PacketLogFacts& facts);
 
 /// One file of settings.
 struct PreferencesFileFact {
@@ -165,14 +176,17 @@ struct DisplayFacts {
     std::string x11;                ///< DISPLAY
     std::string wayland;            ///< WAYLAND_DISPLAY
     std::string desktop;            ///< as the session names it: "GNOME"
-    int mutterScreenCast = 0;       ///< as in `SessionFacts`
-    unsigned portalSourceTypes = 0; ///< as in `SessionFacts`
+    int mutterScreenCast = 0;       ///< as in `SessionAnswers`
+    unsigned portalSourceTypes = 0; ///< as in `SessionAnswers`
     bool hasSway = false;           ///< whose command creates outputs
     /// The X server's outputs; nothing when it did not tell.
     std::optional<X11Outputs> x11Outputs{};
 };
 
-DisplayFacts displayFacts(const SessionFacts& session);
+DisplayFacts displayFacts(const SessionAnswers& session);
 Findings findingsAboutDisplay(const DisplayFacts& facts);
+
+/// `answer` is nothing when nobody said in time what is possible.
+Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer);
 
 } // namespace farview

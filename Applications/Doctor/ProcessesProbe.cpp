@@ -109,7 +109,7 @@ bool isDeaf(const ProcessFacts& facts, const ProgramFact& program)
 
 } // namespace
 
-ProcessFacts processFacts(Platform& platform, const SessionFacts& session)
+ProcessFacts processFacts(Platform& platform, const SessionAnswers& session)
 {
     ProcessFacts facts;
     facts.isTableReadable = readProgram(kFVEScreenServerApplicationName, facts.server) &&

@@ -36,6 +36,8 @@ int exitStatusFor(Verdict verdict);
 /// A text in the user's language.
 using Translate = std::function<std::string(const std::string& text)>;
 
+/// A finding for people, as the report for them shows it.
+std::string renderedText(const Finding& finding, const Translate& translate);
 /// The report for people: lines of plain text, by area. Whatever is no visible character in the
 /// values is spelled out.
 std::string renderedText(const Report& report, const Translate& translate);

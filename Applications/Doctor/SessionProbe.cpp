@@ -22,12 +22,12 @@ class SessionQuestions : public std::enable_shared_from_this<SessionQuestions>
 {
 public:
     SessionQuestions(SessionBus& bus, std::weak_ptr<void> asker,
-                     std::function<void(const SessionFacts&)> then)
+                     std::function<void(const SessionAnswers&)> then)
         : mBus(bus), mAsker(std::move(asker)), mThen(std::move(then))
     {
     }
 
-    void askWhetherItRuns(const char* identifier, bool SessionFacts::*fact)
+    void askWhetherItRuns(const char* identifier, bool SessionAnswers::*fact)
     {
         ++mOpen;
         mBus.askForOwner(QString::fromStdString(applicationBusName(identifier)), &mBus,
@@ -35,7 +35,7 @@ public:
     }
     template <typename Value> void askForProperty(const QString& service, const QString& path,
                                                   const QString& interface, const QString& name,
-                                                  Value SessionFacts::*fact)
+                                                  Value SessionAnswers::*fact)
     {
         ++mOpen;
         auto call = QDBusMessage::createMethodCall(
@@ -55,12 +55,12 @@ public:
     {
         ++mOpen;
         accessibility.askWhetherEnabled(mAsker, [self = shared_from_this()](bool isEnabled) {
-            self->take(&SessionFacts::letsWindowsBeMoved, isEnabled);
+            self->take(&SessionAnswers::letsWindowsBeMoved, isEnabled);
         });
     }
 
 private:
-    template <typename Value> void take(Value SessionFacts::*fact, Value value)
+    template <typename Value> void take(Value SessionAnswers::*fact, Value value)
     {
         mFacts.*fact = value;
         if (--mOpen > 0 || mAsker.expired())
@@ -71,29 +71,29 @@ private:
 
     SessionBus& mBus;
     std::weak_ptr<void> mAsker;
-    std::function<void(const SessionFacts&)> mThen;
-    SessionFacts mFacts;
+    std::function<void(const SessionAnswers&)> mThen;
+    SessionAnswers mFacts;
     int mOpen = 0;
 };
 
 } // namespace
 
-void askForSessionFacts(Platform& platform, SessionBus& bus, std::weak_ptr<void> asker,
-                        std::function<void(const SessionFacts&)> then)
+void askForSessionAnswers(Platform& platform, SessionBus& bus, std::weak_ptr<void> asker,
+                          std::function<void(const SessionAnswers&)> then)
 {
     const auto questions =
         std::make_shared<SessionQuestions>(bus, std::move(asker), std::move(then));
-    questions->askWhetherItRuns(kFVEScreenServerBundleID, &SessionFacts::hasServer);
-    questions->askWhetherItRuns(kFVEMenuExtraBundleID, &SessionFacts::hasStatusItem);
+    questions->askWhetherItRuns(kFVEScreenServerBundleID, &SessionAnswers::hasServer);
+    questions->askWhetherItRuns(kFVEMenuExtraBundleID, &SessionAnswers::hasStatusItem);
     questions->askForProperty(QStringLiteral("org.gnome.Mutter.ScreenCast"),
                               QStringLiteral("/org/gnome/Mutter/ScreenCast"),
                               QStringLiteral("org.gnome.Mutter.ScreenCast"),
-                              QStringLiteral("Version"), &SessionFacts::mutterScreenCast);
+                              QStringLiteral("Version"), &SessionAnswers::mutterScreenCast);
     questions->askForProperty(QStringLiteral("org.freedesktop.portal.Desktop"),
                               QStringLiteral("/org/freedesktop/portal/desktop"),
                               QStringLiteral("org.freedesktop.portal.ScreenCast"),
                               QStringLiteral("AvailableSourceTypes"),
-                              &SessionFacts::portalSourceTypes);
+                              &SessionAnswers::portalSourceTypes);
     questions->askWhetherWindowsMayBeMoved(*platform.accessibility);
 }
 

@@ -10,7 +10,7 @@ struct Platform;
 class SessionBus;
 
 /// What the session's programs say of themselves over the bus.
-struct SessionFacts {
+struct SessionAnswers {
     bool hasBus = false;
     bool hasServer = false; ///< the screen server can be heard and told to quit
     bool hasStatusItem = false;
@@ -24,7 +24,7 @@ struct SessionFacts {
 
 /// Asks everybody at once. `then` is called once, on a later turn, when all have answered or a
 /// second has passed with each; never when `asker` is gone. Nobody is started to be asked.
-void askForSessionFacts(Platform& platform, SessionBus& bus, std::weak_ptr<void> asker,
-                        std::function<void(const SessionFacts&)> then);
+void askForSessionAnswers(Platform& platform, SessionBus& bus, std::weak_ptr<void> asker,
+                          std::function<void(const SessionAnswers&)> then);
 
 } // namespace farview

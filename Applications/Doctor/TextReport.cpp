@@ -21,7 +21,9 @@ const char* markOf(Severity severity)
     return "Problem";
 }
 
-std::string lineFor(const Finding& finding, const Translate& translate)
+} // namespace
+
+std::string renderedText(const Finding& finding, const Translate& translate)
 {
     std::string lines = "  [" + translate(markOf(finding.severity)) + "] " +
                         shownSentence(finding.text, translate) + "\n";
@@ -29,8 +31,6 @@ std::string lineFor(const Finding& finding, const Translate& translate)
         lines += "      " + shownSentence(finding.advice, translate) + "\n";
     return lines;
 }
-
-} // namespace
 
 std::string renderedText(const Report& report, const Translate& translate)
 {
@@ -42,7 +42,7 @@ std::string renderedText(const Report& report, const Translate& translate)
         if (area != finding.area)
             text += "\n" + translate(titleOf(finding.area)) + "\n";
         area = finding.area;
-        text += lineFor(finding, translate);
+        text += renderedText(finding, translate);
     }
     return text;
 }

@@ -26,6 +26,12 @@ bool is(const Finding& finding, const std::set<std::string>& set)
 
 bool answers(const Finding& finding) { return is(finding, {"devices.ready", "devices.in-use"}); }
 
+/// Nothing can show a picture: no monitor can be added here.
+bool isScreenInTrouble(const Finding& finding)
+{
+    return finding.area == Area::screen && finding.severity == Severity::problem;
+}
+
 /// A device that is there and cannot be used.
 bool isDeviceInTrouble(const Finding& finding)
 {
@@ -42,7 +48,7 @@ bool isBlocked(const Findings& findings)
     const auto stands = [](const std::set<std::string>& set) {
         return [&set](const Finding& finding) { return is(finding, set); };
     };
-    if (any(findings, stands(obstacles)))
+    if (any(findings, stands(obstacles)) || any(findings, isScreenInTrouble))
         return true;
     return !any(findings, answers) &&
            (any(findings, stands(obstaclesOfDiscovery)) || any(findings, isDeviceInTrouble));

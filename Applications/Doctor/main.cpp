@@ -5,7 +5,10 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <cstdio>
+#include <optional>
+#include <string>
 
 namespace
 {
@@ -25,7 +28,8 @@ would. Takes at most 10 seconds.
 const auto exitStatuses = QStringLiteral(R"(
 Exit status:
    0  a device can be used: nothing was found that is in the way of it
-   1  no device can be used; the lines marked "Problem" say why
+   1  no device can be used, or the setting cannot be kept; the lines marked
+      "Problem" say why
    2  wrong use
    3  unknown: time was over before everything had answered)");
 
@@ -45,6 +49,24 @@ int conclude(const DoctorProgram& program, bool asJSON)
     return exitStatusFor(verdictOf(report));
 }
 
+bool isProblem(const Finding& finding) { return finding.severity == Severity::problem; }
+
+int switchPacketLog(int argc, char** argv, bool isOn)
+{
+    const BusFacts buses = checkBuses();
+    const QCoreApplication application(argc, argv);
+    DoctorProgram program(buses);
+    program.switchPacketLog(isOn, [&](const Findings& findings) {
+        for (const auto& each : findings)
+            std::fputs(
+                renderedText(each, [&](const auto& text) { return program.translated(text); })
+                    .c_str(),
+                stdout);
+        QCoreApplication::exit(std::any_of(findings.begin(), findings.end(), isProblem) ? 1 : 0);
+    });
+    return QCoreApplication::exec();
+}
+
 int run(int argc, char** argv, bool asJSON)
 {
     const BusFacts buses = checkBuses();
@@ -60,9 +82,19 @@ int run(int argc, char** argv, bool asJSON)
 
 int main(int argc, char** argv)
 {
-    const CommandLine line(CommandLine::words(argc, argv), purpose,
-                           {{u"json"_qs, u"Print the report for programs, as JSON with English "
-                                         "texts"_qs}},
-                           exitStatuses);
-    return line.answer() ? print(*line.answer()) : run(argc, argv, line.has("json"));
+    std::optional<bool> packetLog;
+    CommandLine line(CommandLine::words(argc, argv), purpose,
+                     {{u"json"_qs, u"Print the report for programs, as JSON with English texts"_qs},
+                      {u"packet-log"_qs,
+                       u"Instead, have the screen server log what it sends of the screen, in files "
+                       "that only you can read, or end that"_qs,
+                       u"on|off"_qs}},
+                     exitStatuses);
+    line.read("packet-log", [&](const std::string& value) {
+        packetLog = value == "on";
+        return value == "on" || value == "off";
+    });
+    if (line.answer())
+        return print(*line.answer());
+    return packetLog ? switchPacketLog(argc, argv, *packetLog) : run(argc, argv, line.has("json"));
 }

@@ -42,6 +42,7 @@ void StatusMenu::start()
     observe(kServerConnectedToDevice, &StatusMenu::connectedToDevice);
     observe(kQueryResultForConnectedHost, &StatusMenu::connectedToDevice);
     observe(kServerDisconnectedFromDevice, &StatusMenu::disconnectedFromDevice);
+    observe(kServerScreenDidChange, &StatusMenu::screenChanged);
     observe(kRequestingErrorMsgFromPrefPane, &StatusMenu::connectFailed);
     for (const char* name :
          {kConnectServerToHost, kConnectServerToTicket, kDisconnectCurrentServerFromHost})
@@ -217,6 +218,12 @@ void StatusMenu::disconnectedFromDevice(const Notification& notification)
     mConnection.followEnd(notification);
     // The server repeats that it is not connected whenever it is asked.
     mConnectFailed = failed;
+    refresh();
+}
+
+void StatusMenu::screenChanged(const Notification& notification)
+{
+    mConnection.followScreen(notification);
     refresh();
 }
 

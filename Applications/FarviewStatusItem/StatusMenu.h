@@ -80,6 +80,7 @@ private:
     // What the others report.
     void connectedToDevice(const Notification& notification);
     void disconnectedFromDevice(const Notification& notification);
+    void screenChanged(const Notification& notification);
     void connectFailed(const Notification& notification);
     void connectRequested(const Notification& notification);
     void preferencesChanged(const Notification& notification);
@@ -95,6 +96,7 @@ private:
     StatusItemDisplay makeDisplay();
     std::string headline(StatusIcon icon) const;
     std::string sentence(long currentState) const;
+    std::string screenText() const;
     void addDevices(Menu& menu, bool on);
     std::shared_ptr<MenuItem> deviceItem(const MenuEntry& entry, bool on);
     DeviceMenuInputs deviceMenuInputs();

@@ -3,6 +3,7 @@
 #include "Common/Bonjour/DeviceState.h"
 #include "Common/Rules/AutoConnectRows.h"
 #include "Common/Rules/FilledText.h"
+#include "Common/Rules/ScreenTexts.h"
 #include "Common/Rules/StatusDisplay.h"
 
 namespace farview
@@ -10,10 +11,14 @@ namespace farview
 namespace
 {
 
-void addSeparator(Menu& menu)
+void addInertLine(Menu& menu, const std::string& title)
 {
-    menu.insertItem(std::make_shared<MenuItem>(), menu.numberOfItems());
+    auto item = std::make_shared<MenuItem>();
+    item->title = title;
+    menu.insertItem(item, menu.numberOfItems());
 }
+
+void addSeparator(Menu& menu) { addInertLine(menu, {}); }
 
 } // namespace
 
@@ -35,9 +40,9 @@ StatusItemDisplay StatusMenu::makeDisplay()
     display.headline = headline(display.icon);
     display.sentence = sentence(state);
     auto menu = std::make_shared<Menu>();
-    auto inert = std::make_shared<MenuItem>();
-    inert->title = display.headline;
-    menu->insertItem(inert, 0);
+    addInertLine(*menu, display.headline);
+    if (const auto screen = screenText(); !screen.empty())
+        addInertLine(*menu, screen);
     if (mDriverInstalled)
         addItem(*menu, on ? "Turn Farview Off" : "Turn Farview On",
                 on ? Selector{"turnOff:"} : Selector{"turnOn:"});
@@ -69,10 +74,21 @@ std::string StatusMenu::sentence(long currentState) const
 {
     if (mDriverInstalled && mConnectFailed && currentState != 0)
         return localized(connectionErrorText);
+    if (const auto screen = screenText(); !screen.empty())
+        return screen;
     StatusInputs inputs;
     inputs.driverInstalled = mDriverInstalled;
     inputs.currentState = currentState;
     return localized(statusDisplay(inputs).sentence);
+}
+
+/// What became of the connected device's monitor; empty while there is nothing to say of it.
+std::string StatusMenu::screenText() const
+{
+    const auto& report = mConnection.screen();
+    if (!report || !isConnected())
+        return {};
+    return screenSentence(*report, [this](const std::string& text) { return localized(text); });
 }
 
 std::string StatusMenu::deviceName() const

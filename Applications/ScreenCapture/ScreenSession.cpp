@@ -1,6 +1,5 @@
 #include "Applications/ScreenCapture/ScreenSession.h"
 
-#include <cmath>
 #include <utility>
 
 namespace farview
@@ -10,20 +9,12 @@ namespace
 
 constexpr double hundredths = 100;
 
-/// Where the monitor is, in the desktop's own units.
-PixelRect areaOf(const ScreenGeometry& geometry)
-{
-    return pixelRect(geometry.place.x, geometry.place.y,
-                     static_cast<int>(std::lround(geometry.width / geometry.scale)),
-                     static_cast<int>(std::lround(geometry.height / geometry.scale)));
-}
-
 /// Nothing where the desktop has no other screen.
 std::optional<ScreenSide> sideOfMonitor(const ScreenGeometry& geometry)
 {
     if (geometry.others.empty())
         return std::nullopt;
-    return sideOf(areaOf(geometry), geometry.others.front());
+    return sideOf(geometry.area, geometry.others.front());
 }
 
 ScreenReport reportOf(const ScreenGeometry& geometry)
@@ -33,7 +24,7 @@ ScreenReport reportOf(const ScreenGeometry& geometry)
             .height = geometry.height,
             .scale = geometry.scale,
             .rate = geometry.rate,
-            .monitor = areaOf(geometry),
+            .monitor = geometry.area,
             .screens = geometry.others};
 }
 
@@ -121,7 +112,7 @@ void ScreenSession::followSide(std::optional<ScreenSide> side)
 {
     if (std::exchange(mSide, side) == side || !side || mGeometry.others.empty())
         return;
-    const PixelRect area = areaOf(mGeometry);
+    const PixelRect& area = mGeometry.area;
     mScreen->place(cornerBeside(*side, area.width, area.height, mGeometry.others));
 }
 
@@ -155,7 +146,8 @@ void ScreenSession::rememberShape(const ScreenGeometry& before, const ScreenGeom
         remember({remembered().side, now.width, now.height, now.scale, *mDeviceScreen});
     }
     const auto side = sideOfMonitor(now);
-    if (now.place != before.place && side && side != (mSide ? mSide : sideOfMonitor(before))) {
+    const bool isMoved = now.area.x != before.area.x || now.area.y != before.area.y;
+    if (isMoved && side && side != (mSide ? mSide : sideOfMonitor(before))) {
         mSide = side;
         RememberedScreen moved = remembered();
         moved.side = side;

@@ -6,6 +6,8 @@
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Programs/DetachedProcess.h"
 #include "Platform/Desktop/Programs/Supervisor.h"
+#include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
+#include "Platform/Desktop/Screens/ScreenBackends.h"
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 #include "Platform/Platform.h"
 
@@ -59,7 +61,9 @@ int runServer(int argc, char** argv, unsigned crashes, KeptText& chosenDevice)
     FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
     if (crashes > 0 && !isStillWanted(preferences, *platform.log))
         return 0;
-    X11VirtualScreens screens(*platform.runLoop, watcherProgram());
+    X11VirtualScreens x11(*platform.runLoop, watcherProgram());
+    MutterVirtualScreens mutter(*platform.runLoop, desktop.sessionBus());
+    ScreenBackends screens(desktop.sessionBus(), sessionFacts(), x11, mutter);
     SingleInstance instance(desktop.sessionBus(), kFVEScreenServerBundleID);
     const auto link = std::make_shared<NetworkDeviceLink>();
     const auto server = std::make_shared<ScreenServer>(

@@ -1,6 +1,7 @@
 #include "Common/Rules/ScreenPlacement.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 
 namespace farview
@@ -51,8 +52,8 @@ PixelPoint cornerBeside(ScreenSide side, int width, int height, std::span<const 
 ScreenSide sideOf(const PixelRect& monitor, const PixelRect& mainScreen)
 {
     // Between the centres, in proportion to the screens.
-    const int across = 2 * (monitor.x - mainScreen.x) + monitor.width - mainScreen.width;
-    const int down = 2 * (monitor.y - mainScreen.y) + monitor.height - mainScreen.height;
+    const std::int64_t across = 2 * (monitor.x - mainScreen.x) + monitor.width - mainScreen.width;
+    const std::int64_t down = 2 * (monitor.y - mainScreen.y) + monitor.height - mainScreen.height;
     if (std::abs(across) * (monitor.height + mainScreen.height) >=
         std::abs(down) * (monitor.width + mainScreen.width))
         return across >= 0 ? ScreenSide::right : ScreenSide::left;

@@ -4,6 +4,7 @@
 #include "Controls/Qt/Forms/SheetWidget.h"
 #include "Controls/Qt/PopUp/PopUpBinding.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/ScreenMap/ScreenMapBinding.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Controls/Qt/Switch/WidgetAnimator.h"
@@ -355,6 +356,7 @@ constexpr Attempt attempts[] = {
     tryBind<ImageViewBinding, ImageView, QLabel>,
     tryBind<ProgressIndicatorBinding, ProgressIndicator, SpinnerWidget>,
     tryBind<TabViewBinding, TabView, QTabWidget>,
+    tryBind<ScreenMapBinding, ScreenMap, ScreenMapWidget>,
     tryBind<SwitchBinding, QLNOnOffView, SwitchWidget>,
     tryBind<SheetBinding, Panel, SheetWidget>,
     tryBind<WindowBinding, Window, SheetWidget>,

@@ -1,5 +1,7 @@
 #include "Platform/Desktop/QtRunLoop.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -128,11 +130,27 @@ std::shared_ptr<RunLoop::Wait> QtRunLoop::run(Duration limit, std::weak_ptr<void
 
 void QtRunLoop::post(std::weak_ptr<void> target, Action action)
 {
-    auto perform = [target = std::move(target), action = std::move(action)] {
-        if (const auto alive = target.lock())
-            action();
-    };
-    QMetaObject::invokeMethod(&mReceiver, std::move(perform), Qt::QueuedConnection);
+    mInbox.add(std::move(target), std::move(action));
+}
+
+void QtRunLoop::Inbox::add(std::weak_ptr<void> target, Action action)
+{
+    {
+        const std::lock_guard lock(mMutex);
+        mPosted.emplace_back(std::move(target), std::move(action));
+    }
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+/// Each event stands for one post.
+void QtRunLoop::Inbox::customEvent(QEvent*)
+{
+    std::unique_lock lock(mMutex);
+    const auto [target, action] = std::move(mPosted.front());
+    mPosted.pop_front();
+    lock.unlock();
+    if (const auto alive = target.lock())
+        action();
 }
 
 Duration QtRunLoop::now() const { return std::chrono::steady_clock::now().time_since_epoch(); }

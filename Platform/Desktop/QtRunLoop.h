@@ -4,7 +4,10 @@
 
 #include <QObject>
 
+#include <deque>
 #include <memory>
+#include <mutex>
+#include <utility>
 
 namespace farview
 {
@@ -34,8 +37,22 @@ public:
     class Pending;
 
 private:
+    /// What was posted, handed over under a lock of our own: the thread sanitizer does not see
+    /// those of Qt.
+    class Inbox final : public QObject
+    {
+    public:
+        void add(std::weak_ptr<void> target, Action action);
+
+    private:
+        void customEvent(QEvent*) override;
+
+        std::mutex mMutex;
+        std::deque<std::pair<std::weak_ptr<void>, Action>> mPosted;
+    };
+
     std::shared_ptr<Pending> mPending;
-    QObject mReceiver; ///< of posts: they go with it
+    Inbox mInbox;
 };
 
 } // namespace farview

@@ -8,6 +8,18 @@ namespace farview
 namespace
 {
 
+/// What a monitor shows of a desktop on which its scale makes everything larger.
+template <typename Monitor> PixelRect placed(const Monitor& monitor, const PixelPoint& corner)
+{
+    return pixelRect(corner.x, corner.y, static_cast<int>(monitor.width / monitor.scale),
+                     static_cast<int>(monitor.height / monitor.scale));
+}
+
+PixelPoint cornerOf(const ScreenGeometry& geometry)
+{
+    return pixelPoint(geometry.area.x, geometry.area.y);
+}
+
 class FakeVirtualScreen final : public VirtualScreen
 {
 public:
@@ -20,18 +32,20 @@ public:
         auto wanted = mMonitor->geometry();
         wanted.width = width;
         wanted.height = height;
+        wanted.area = placed(wanted, cornerOf(wanted));
         mMonitor->change(wanted);
     }
     void setScale(double scale) override
     {
         auto wanted = mMonitor->geometry();
         wanted.scale = scale;
+        wanted.area = placed(wanted, cornerOf(wanted));
         mMonitor->change(wanted);
     }
     void place(PixelPoint corner) override
     {
         auto wanted = mMonitor->geometry();
-        wanted.place = corner;
+        wanted.area = placed(wanted, corner);
         mMonitor->change(wanted);
     }
     ScreenSource& frames() override { return *mMonitor; }
@@ -65,7 +79,7 @@ struct FakeMonitor::Lease {
 FakeMonitor::FakeMonitor(FakeRunLoop& loop, ScreenWish wish,
                          std::weak_ptr<VirtualScreenDelegate> delegate)
     : mLoop(loop), mWish(std::move(wish)),
-      mDelegate(std::move(delegate)), mGeometry{pixelPoint(1920, 0),
+      mDelegate(std::move(delegate)), mGeometry{placed(mWish, pixelPoint(1920, 0)),
                                                 mWish.width,
                                                 mWish.height,
                                                 mWish.scale,

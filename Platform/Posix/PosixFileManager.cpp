@@ -45,7 +45,7 @@ bool PosixFileManager::writeData(std::span<const std::uint8_t> bytes, const std:
     const auto target = resolvedLink(path);
     if (target.empty())
         return false;
-    FileReplacement replacement(target);
+    FileReplacement replacement(target, Durability::leftToTheSystem);
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return replacement.write(text, 0600) == 0 && replacement.commit() == 0;
 }

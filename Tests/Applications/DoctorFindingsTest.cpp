@@ -1,5 +1,6 @@
 #include "Applications/Doctor/DevicesProbe.h"
 #include "Applications/Doctor/Probes.h"
+#include "Common/Rules/ScreenTexts.h"
 #include "Tests/Applications/DoctorNames.h"
 
 #include <gmock/gmock.h>
@@ -172,6 +173,16 @@ TEST(ProcessFindings, SayWhenTheTableCannotBeRead)
     EXPECT_THAT(names(findingsAboutProcesses(facts)), ElementsAre("unreadable"));
 }
 
+TEST(PacketLogFindings, SayWhetherItIsOnAndWhereItLies)
+{
+    EXPECT_THAT(names(findingsAboutPacketLog({})), ElementsAre("packet-log-off"));
+    EXPECT_THAT(troubles(findingsAboutPacketLog({})), IsEmpty());
+    EXPECT_THAT(troubles(findingsAboutPacketLog({true, "/home/anna", ""})),
+                ElementsAre("packet-log-on"));
+    EXPECT_THAT(troubles(findingsAboutPacketLog({false, "/home/anna", "/home/anna/log"})),
+                ElementsAre("packet-log"));
+}
+
 TEST(PreferencesFindings, FollowTheStateOfEachFile)
 {
     using State = PreferencesFileFact::State;
@@ -248,6 +259,45 @@ TEST(DisplayFindings, CountWhatAnXServerHasToSpare)
     facts.hasSway = true;
     EXPECT_THAT(names(findingsAboutDisplay(facts)),
                 ElementsAre("x11", "sway-virtual", "x11-virtual"));
+}
+
+TEST(ScreenFindings, NameTheWayInWhichAScreenIsAdded)
+{
+    for (const auto& [way, name] : {std::pair{ScreenWay::spareOutput, "spare-output"},
+                                    std::pair{ScreenWay::namedMonitor, "named-monitor"},
+                                    std::pair{ScreenWay::desktopProtocol, "desktop"}}) {
+        const auto findings = findingsAboutScreen(ScreenAvailability{way});
+        EXPECT_THAT(names(findings), ElementsAre(name));
+        EXPECT_THAT(troubles(findings), IsEmpty());
+        EXPECT_EQ(findings.front().area, Area::screen);
+    }
+}
+
+TEST(ScreenFindings, SayWhatIsInTheWayAndWhatToDoInTheWordsOfThePanel)
+{
+    using enum ScreenObstacle;
+    for (const auto obstacle : {noSpareOutput, protocolMissing, notPermitted, gone, failed}) {
+        const auto findings = findingsAboutScreen(ScreenAvailability{{}, obstacle});
+        ASSERT_EQ(names(findings).size(), 1u);
+        EXPECT_EQ(findings.front().severity, Severity::problem) << findings.front().name;
+        EXPECT_EQ(findings.front().text.key, obstacleTexts(obstacle).trouble);
+        EXPECT_EQ(findings.front().advice.key, obstacleTexts(obstacle).remedy);
+    }
+    for (const auto obstacle : {noDesktop, locked})
+        EXPECT_EQ(findingsAboutScreen(ScreenAvailability{{}, obstacle}).front().severity,
+                  Severity::note);
+}
+
+TEST(ScreenFindings, AScreenThatFarviewHasAddedIsNoTrouble)
+{
+    const auto findings = findingsAboutScreen(ScreenAvailability{{}, ScreenObstacle::inUse});
+    EXPECT_THAT(names(findings), ElementsAre("in-use"));
+    EXPECT_THAT(troubles(findings), IsEmpty());
+}
+
+TEST(ScreenFindings, WhenNobodyAnswersThatIsSaid)
+{
+    EXPECT_THAT(names(findingsAboutScreen(std::nullopt)), ElementsAre("unanswered"));
 }
 
 TEST(AccessibilityFindings, SayWhetherWindowsMayBeMoved)

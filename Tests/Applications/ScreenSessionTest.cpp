@@ -212,7 +212,7 @@ TEST_F(AScreenSession, RemembersWhatTheUserDidWithTheDesktopsOwnMeans)
     auto changed = monitor()->geometry();
     changed.width = 1024;
     changed.height = 768;
-    changed.place = pixelPoint(0, 1080);
+    changed.area = pixelRect(0, 1080, 1024, 768);
     monitor()->change(changed);
     fake.runLoop.runUntilIdle();
     EXPECT_EQ(remembered(), (RememberedScreen{ScreenSide::below, 1024, 768, 1, {1280, 800, 1}}));

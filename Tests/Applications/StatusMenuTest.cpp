@@ -156,6 +156,33 @@ TEST_F(StatusMenuTest, MarksTheConnectedDevice)
     EXPECT_THAT(entries(), testing::Contains("*No device selected"));
 }
 
+TEST_F(StatusMenuTest, SaysWhatBecameOfTheMonitorBelowTheHeadlineAndInTheToolTip)
+{
+    startConnectedToPad();
+    const auto before = menu->display().sentence;
+    ScreenReport report{.state = ScreenReport::State::shown, .width = 1920, .height = 1200};
+    report.rate = 60;
+    report.monitor = pixelRect(1280, 0, 1920, 1200);
+    report.screens = {pixelRect(0, 0, 1280, 1024)};
+    hear(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
+    const std::string told = "1920 × 1200 at 60 Hz, to the right of your main display";
+    EXPECT_EQ(menu->display().sentence, told);
+    EXPECT_EQ(entries().at(0), "Connected to Pad!");
+    EXPECT_EQ(entries().at(1), told + "!");
+    hear(kServerScreenDidChange, {{kScreenReportKey, "missing 4"}});
+    EXPECT_EQ(entries().at(1), "There is no picture while the screen of this computer is locked.!");
+    hear(kServerDisconnectedFromDevice);
+    EXPECT_EQ(menu->display().sentence, before);
+    EXPECT_EQ(entries().at(1), "Turn Farview Off");
+}
+
+TEST_F(StatusMenuTest, SaysNothingOfAMonitorWhileNoDeviceIsConnected)
+{
+    startWithPad();
+    hear(kServerScreenDidChange, {{kScreenReportKey, "none"}});
+    EXPECT_EQ(entries().at(1), "Turn Farview Off");
+}
+
 TEST_F(StatusMenuTest, AConnectedDeviceThatIsFoundLaterIsMarkedThen)
 {
     startWith(1);

@@ -87,6 +87,20 @@ TEST_F(ConnectionFollowerTest, AskedForSomethingElseByAnotherProgramItKeepsNothi
     EXPECT_FALSE(hear(none));
 }
 
+TEST_F(ConnectionFollowerTest, KnowsTheReportAboutTheMonitorUntilTheConnectionEnds)
+{
+    EXPECT_FALSE(follower.screen());
+    const ScreenReport locked{.state = ScreenReport::State::missing,
+                              .obstacle = ScreenObstacle::locked};
+    follower.followScreen(
+        {kServerScreenDidChange, nullptr, {{kScreenReportKey, textOfScreenReport(locked)}}});
+    EXPECT_EQ(follower.screen(), locked);
+    follower.followScreen({kServerScreenDidChange, nullptr, {}});
+    EXPECT_EQ(follower.screen(), ScreenReport{}) << "what cannot be read tells of no picture";
+    end();
+    EXPECT_FALSE(follower.screen());
+}
+
 TEST_F(ConnectionFollowerTest, KeepsNothingThatIsForgottenOrSwitchedOff)
 {
     follower.connectToHost("pad.local");

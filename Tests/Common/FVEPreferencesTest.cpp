@@ -254,6 +254,17 @@ TEST_F(FVEPreferencesTest, TheLastLookForUpdatesIsNothingUntilItIsStoredWithItsO
     EXPECT_TRUE(preferences.autoUpdateOptionShown());
 }
 
+TEST_F(FVEPreferencesTest, ScreenPacketsAreLoggedOnlyOnceThatIsStored)
+{
+    EXPECT_FALSE(preferences.logsScreenPackets());
+    EXPECT_EQ(fake.preferences.setCount(), 0) << "asking writes no default";
+    preferences.setLogsScreenPackets(true);
+    EXPECT_EQ(pairsAnnounced(), 1u);
+    EXPECT_TRUE(preferences.logsScreenPackets());
+    store(kLogScreenPackets, "yes");
+    EXPECT_FALSE(preferences.logsScreenPackets());
+}
+
 TEST_F(FVEPreferencesTest, AWronglyTypedLookForUpdatesIsNoneAndStays)
 {
     store(kLastUpdateCheck, "yesterday");

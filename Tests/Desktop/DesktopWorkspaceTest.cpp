@@ -7,6 +7,7 @@
 #include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -137,7 +138,7 @@ TEST_F(LaunchOnABusTest, TwoProgramsThatLaunchAtOnceEndUpWithOne)
     runLoopFor(100ms);
     EXPECT_EQ(countOf("started"), 1);
     EXPECT_EQ(countOf("second"), 1);
-    EXPECT_EQ(mApplications.running().size(), 1u);
+    EXPECT_TRUE(waitUntil([&] { return mApplications.running().size() == 1; }));
 }
 
 TEST_F(LaunchOnABusTest, AnApplicationThatRunsIsNotStartedAgain)
@@ -167,7 +168,9 @@ TEST_F(LaunchOnABusTest, OffAndOnInQuickSuccessionStartsANewOneThatWaitsItsTurn)
     askToQuit();
     EXPECT_TRUE(launch(mWorkspace));
     ASSERT_TRUE(waitForNotes(5));
-    EXPECT_EQ(notes(), (Notes{"started", "turn", "started", "ended", "turn"}));
+    // Which of the two is quicker is nobody's affair.
+    EXPECT_THAT(notes(), testing::AnyOf(Notes{"started", "turn", "started", "ended", "turn"},
+                                        Notes{"started", "turn", "ended", "started", "turn"}));
 }
 
 TEST_F(LaunchOnABusTest, OffAndOnRightAfterAnotherLaunchStartsANewOneToo)
@@ -188,8 +191,7 @@ TEST_F(LaunchOnABusTest, OffAndOnWhileItIsStillComingUpStartsANewOneToo)
     askToQuit();
     EXPECT_TRUE(launch(mWorkspace));
     EXPECT_TRUE(waitUntil([&] { return countOf("started") == 2; }));
-    runLoopFor(300ms);
-    EXPECT_EQ(mApplications.running().size(), 1u);
+    EXPECT_TRUE(waitUntil([&] { return mApplications.running().size() == 1; }));
 }
 
 TEST_F(LaunchOnABusTest, AnApplicationThatCrashedIsStartedAgain)

@@ -111,8 +111,9 @@ TEST_F(Doctor, FindsEverythingInOrderAndChangesNothing)
     EXPECT_EQ(run.detail("devices.ready", "host"), "desk-7.local");
     EXPECT_EQ(run.detail("devices.ready", "port"), "6001");
     EXPECT_THAT(run.detail("devices.ready", "addresses"), HasSubstr("10.88.0.1:6001"));
-    for (const char* each : {"versions.pane", "versions.server", "bus.session", "driver.published",
-                             "discovery.embedded", "preferences.good", "processes.server-off"})
+    for (const char* each :
+         {"versions.pane", "versions.server", "bus.session", "driver.published",
+          "discovery.embedded", "preferences.good", "processes.server-off", "screen.no-desktop"})
         EXPECT_TRUE(run.finds(each)) << each << "\n" << run.output();
     EXPECT_EQ(files(), before);
     EXPECT_EQ(deviceLog().find("Connected to the host"), std::string::npos) << deviceLog();
@@ -295,8 +296,46 @@ TEST_F(DoctorWindowProgram, ExaminesAlsoWhenTheBusDoesNotAnswer)
     bus.process().sendSignal(SIGCONT);
 }
 
+TEST_F(Doctor, SwitchesThePacketLogAndTellsTheServer)
+{
+    const std::string logs = home.path("FarviewLogging (2026-0");
+    fs::create_directory(logs + "1-02 03:04:05 +0000)");
+    fs::create_directory(logs + "2-02 03:04:05 +0000)");
+    int told = 0;
+    const auto listener = std::make_shared<int>(0);
+    panel->center().addObserver(
+        listener, [&](const Notification&) { ++told; }, kFVEPrefsDidChangeNotification, "");
+    const auto on = examine({"--packet-log", "on"});
+    EXPECT_EQ(on.status(), 0) << on.output();
+    EXPECT_THAT(on.output(), HasSubstr("[Note] The screen server logs what it sends"));
+    EXPECT_TRUE(preferences->logsScreenPackets());
+    EXPECT_TRUE(waitUntil([&] { return told == 1; }));
+    const auto report = examine();
+    EXPECT_EQ(report.detail("processes.packet-log-on", "path"), home.path());
+    EXPECT_EQ(report.detail("processes.packet-log", "path"), logs + "2-02 03:04:05 +0000)");
+    EXPECT_EQ(examine({"--packet-log", "off"}).status(), 0);
+    EXPECT_FALSE(preferences->logsScreenPackets());
+    EXPECT_TRUE(waitUntil([&] { return told == 2; }));
+}
+
+TEST_F(Doctor, SaysThatThePacketLogCannotBeSwitched)
+{
+    environment["XDG_CONFIG_HOME"] = "/dev/null/config";
+    const auto run = examine({"--packet-log", "on"});
+    EXPECT_EQ(run.status(), 1);
+    EXPECT_THAT(run.output(), HasSubstr("[Problem] Settings cannot be kept in /dev/null/config"));
+}
+
+TEST_F(Doctor, SwitchesThePacketLogWithoutABus)
+{
+    bus.stop();
+    EXPECT_EQ(examine({"--packet-log", "on"}).status(), 0);
+    EXPECT_TRUE(preferences->logsScreenPackets());
+}
+
 TEST_F(Doctor, RefusesArgumentsThatItDoesNotKnow)
 {
+    EXPECT_EQ(examine({"--packet-log", "perhaps"}).status(), 2);
     EXPECT_EQ(examine({"--something"}).status(), 2);
     EXPECT_EQ(examine({"--help"}).status(), 0);
     for (const char* line : {"\n   0  ", "\n   1  ", "\n   2  ", "\n   3  "})

@@ -3,11 +3,8 @@
 
 #include "Common/Rules/DeviceScreen.h"
 #include "Common/Rules/ScreenReport.h"
-#include "Screen/Codecs/JpegCodec.h"
-#include "Screen/Codecs/ZlibCodec.h"
-#include "Screen/Codecs/ZstdCodec.h"
-#include "Screen/PictureReceiver.h"
 #include "Tests/Integration/ServerAndDevice.h"
+#include "Tests/Integration/Tablet.h"
 #include "Tests/Support/PrivateXServer.h"
 
 #include <gmock/gmock.h>
@@ -23,73 +20,6 @@ namespace
 
 using testing::HasSubstr;
 using State = ScreenReport::State;
-
-constexpr LinkDeviceScreen kTablet{800, 600, 100, 60};
-
-/// A device that keeps the picture, and says that it has shown each frame unless told not to.
-class Tablet final : public LinkConnectionDelegate, public std::enable_shared_from_this<Tablet>
-{
-public:
-    bool listen()
-    {
-        QObject::connect(&mServer, &QTcpServer::newConnection, &mServer, [this] { accept(); });
-        return mServer.listen(QHostAddress::Any, 6001);
-    }
-    void linkDidGreet(LinkConnection& connection) override { connection.accept(); }
-    void linkDidOpen(LinkConnection& connection) override { connection.send(screen); }
-    void linkDidReceive(LinkConnection&, const LinkFrame& frame) override
-    {
-        if (const auto* size = std::get_if<LinkPictureSize>(&frame))
-            receiver.emplace(size->width, size->height, mZlib,
-                             std::vector<PixelCodec*>{&mZstd, &mJpeg});
-        else if (const auto* packet = std::get_if<LinkScreenRectangle>(&frame))
-            EXPECT_TRUE(receiver && receiver->apply(*packet));
-        else if (const auto* end = std::get_if<LinkFrameEnd>(&frame))
-            finish(end->number);
-    }
-    void linkDidEnd(LinkConnection&, const LinkEnd& end) override { ended = end; }
-
-    void send(const LinkFrame& frame) { mLink->send(frame); }
-    /// Is gone without a word.
-    void vanish()
-    {
-        mServer.close();
-        mLink.reset();
-    }
-    std::uint32_t pixel(int x, int y) const
-    {
-        const bool holds = receiver && receiver->picture().view().holds(pixelRect(x, y, 1, 1));
-        return holds ? receiver->picture().view().row(y)[x] : 0;
-    }
-
-    LinkDeviceScreen screen = kTablet;
-    bool isSilent = false;
-    std::optional<PictureReceiver> receiver;
-    std::uint32_t frames = 0;
-    std::optional<LinkEnd> ended;
-
-private:
-    void accept()
-    {
-        std::unique_ptr<QTcpSocket> socket(mServer.nextPendingConnection());
-        socket->setParent(nullptr);
-        ended.reset();
-        mLink = LinkConnection::make(LinkSide::device, std::move(socket), weak_from_this(),
-                                     ownGreeting(), LinkTimes{});
-    }
-    void finish(std::uint32_t number)
-    {
-        frames = number;
-        if (!isSilent)
-            mLink->send(LinkShown{number, 1000});
-    }
-
-    QTcpServer mServer;
-    std::shared_ptr<LinkConnection> mLink;
-    ZlibCodec mZlib;
-    ZstdCodec mZstd;
-    JpegCodec mJpeg;
-};
 
 class AScreen : public ServerAndDevice
 {

@@ -48,6 +48,15 @@ TEST(ScreenPlacement, WhereverItWasPutItHasASide)
     EXPECT_EQ(sideOf(mainScreen, mainScreen), ScreenSide::right);
 }
 
+TEST(ScreenPlacement, TheFarthestPlacesThatCanBeToldHaveASide)
+{
+    constexpr PixelRect farLeft = pixelRect(-32768, -32768, 32767, 32767);
+    constexpr PixelRect farRight = pixelRect(32767, -32768, 32767, 32767);
+    EXPECT_EQ(sideOf(farRight, farLeft), ScreenSide::right);
+    EXPECT_EQ(sideOf(farLeft, farRight), ScreenSide::left);
+    EXPECT_EQ(sideOf(pixelRect(-32768, 32767, 32767, 32767), farLeft), ScreenSide::below);
+}
+
 TEST(ScreenPlacement, AMonitorIsOnTheSideWhereItWasPut)
 {
     for (const auto side :

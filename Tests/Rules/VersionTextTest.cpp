@@ -32,5 +32,14 @@ TEST(FilledText, TheValueTakesTheFirstPlace)
     EXPECT_EQ(textOrNull("x"), "x");
 }
 
+TEST(FilledText, ValuesTakeThePlacesThatNameThem)
+{
+    EXPECT_EQ(filledPlaces("%2$@ of %1$@", {"a", "b"}), "b of a");
+    EXPECT_EQ(filledPlaces("%1$@ %2$@", {"%2$@", "b"}), "%2$@ b");
+    EXPECT_EQ(filledPlaces("%1$@ %3$@ %0$@", {"a", "b"}), "a %3$@ %0$@");
+    EXPECT_EQ(filledPlaces("%1$@ %", {"200"}), "200 %");
+    EXPECT_EQ(filledPlaces("%1$", {"200"}), "%1$");
+}
+
 } // namespace
 } // namespace farview

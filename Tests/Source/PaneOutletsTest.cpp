@@ -40,6 +40,9 @@ const std::set<std::string_view> outletNames = {
     "waitingForServerIndicator",
     "versionNumberLabel",
     "deviceHintLabel",
+    "screenDiagnoseButton",
+    "screenPlaceBox",
+    "screenMap",
     "connectionHelpLabel",
     "connectionDiagnoseButton",
     "orderHintLabel",
@@ -123,7 +126,9 @@ TEST_F(PaneOutlets, EveryNameThatOthersCallIsAnswered)
                              "helpPressed:",
                              "checkNowForUpdatePressed:",
                              "autoUpdatePressed:",
-                             "showDevices:"})
+                             "showDevices:",
+                             "screenPlaced:",
+                             "serverScreenDidChange:"})
         EXPECT_TRUE(pane->respondsTo({name})) << name;
 }
 
@@ -173,7 +178,7 @@ TEST_F(PaneOutlets, TheInterfaceFileSendsTheActionsAndNoUnknownOnes)
          {"onTextPressed:", "offTextPressed:", "autoConnectPressed:", "menuExtraCheckboxPressed:",
           "enableTouchDisplayPressed:", "enableRetinaPressed:", "enableHiDPIPressed:",
           "autoMoveWindowsBackPressed:", "reinstallDriversPressed:", "helpPressed:",
-          "checkNowForUpdatePressed:", "autoUpdatePressed:", "showDevices:"})
+          "checkNowForUpdatePressed:", "autoUpdatePressed:", "showDevices:", "screenPlaced:"})
         EXPECT_TRUE(sent.contains(name)) << name;
     for (const auto& name : sent)
         EXPECT_TRUE(pane->respondsTo({name})) << name;

@@ -199,6 +199,19 @@ TEST_P(Contrast, OfTheErrorIsEnough)
     EXPECT_GE(expectReadable(*view), 8);
 }
 
+TEST_P(Contrast, OfWhatIsSaidOfTheMonitorIsEnough)
+{
+    serverConnectedTo("desk.local.");
+    serverReports(shownScreen());
+    view->resize(640, 800);
+    settle();
+    ASSERT_TRUE(find<QWidget>("screenMapHint")->isVisible());
+    EXPECT_GE(expectReadable(*view), 9);
+    serverReports({.state = ScreenReport::State::missing, .obstacle = ScreenObstacle::failed});
+    ASSERT_TRUE(find<QWidget>("screenDiagnoseButton")->isVisible());
+    EXPECT_GE(expectReadable(*view), 9);
+}
+
 TEST_P(Contrast, OfTheSettingsIsEnough)
 {
     // One device in sight, and one that is only remembered.

@@ -2,8 +2,11 @@
 
 #include "Applications/Preferences/HostWindow.h"
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/FVEPreferences.h"
+#include "Common/Rules/DeviceScreen.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/ScreenMap/ScreenMapWidget.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Tests/Window/PanelFixture.h"
 
@@ -92,7 +95,8 @@ protected:
         QList<QWidget*> found = {tabs()};
         for (auto* each : tabs()->currentWidget()->findChildren<QWidget*>()) {
             const bool isControl = qobject_cast<QAbstractButton*>(each) ||
-                                   qobject_cast<SwitchWidget*>(each) || each == table();
+                                   qobject_cast<SwitchWidget*>(each) ||
+                                   qobject_cast<ScreenMapWidget*>(each) || each == table();
             const bool isOwn = !each->objectName().isEmpty();
             if (isControl && isOwn && each->isVisible() && each->isEnabled())
                 found += each;
@@ -152,6 +156,41 @@ TEST_P(KeyboardInEachDirection, TheTabKeyReachesEverythingInReadingOrderAndGoesB
         EXPECT_GE(operable().size(), page == 0 ? 5 : 10);
         expectTabToReachEverything();
     }
+}
+
+TEST_P(KeyboardInEachDirection, TheTabKeyReachesThePictureOfTheScreensAndTheDiagnosisInTheCard)
+{
+    open(true);
+    if (GetParam())
+        view->setLayoutDirection(Qt::RightToLeft);
+    openPage(0);
+    serverConnectedTo("desk.local.");
+    serverReports(shownScreen());
+    view->resize(view->width(), 800);
+    settle();
+    EXPECT_TRUE(operable().contains(find<QWidget>("screenMap")));
+    expectTabToReachEverything();
+    serverReports({.state = ScreenReport::State::missing, .obstacle = ScreenObstacle::failed});
+    EXPECT_TRUE(operable().contains(find<QWidget>("screenDiagnoseButton")));
+    expectTabToReachEverything();
+}
+
+TEST_F(KeyboardOnly, ArrowsMoveTheDevicesScreenAndCtrlZTakesThatBack)
+{
+    open(true);
+    openPage(0);
+    serverConnectedTo("desk.local.");
+    serverReports(shownScreen());
+    const auto side = [] {
+        return rememberedScreen(FVEPreferences::sharedAppPrefs().deviceScreen("desk.local.")).side;
+    };
+    goTo(find<QWidget>("screenMap"));
+    const QImage before = find<QWidget>("screenMap")->grab().toImage();
+    press(Qt::Key_Up);
+    EXPECT_EQ(side(), ScreenSide::above);
+    EXPECT_NE(find<QWidget>("screenMap")->grab().toImage(), before);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(side(), ScreenSide::right);
 }
 
 TEST_F(KeyboardOnly, TheTabKeyReachesTheButtonForAMissingDriver)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/ScreenReport.h"
 #include "Controls/Qt/AlertBoxes.h"
 #include "Controls/Qt/Forms/BundleInterfaceLoader.h"
 #include "Controls/Qt/Forms/InterfaceFile.h"
@@ -84,6 +86,30 @@ protected:
     {
         fake.discovery.announce({FakeDevice{name, hostName}});
         settle();
+    }
+    void serverPosts(const char* name, DistributedNotificationCenter::TextUserInfo userInfo)
+    {
+        fake.distributedNotificationCenter.postFromAnotherProcess(name, std::move(userInfo));
+        settle();
+    }
+    void serverConnectedTo(const std::string& hostName)
+    {
+        serverPosts(kServerConnectedToDevice,
+                    {{kDeviceNameKey, hostName}, {kDeviceAddressKey, "192.168.1.20"}});
+    }
+    void serverReports(const ScreenReport& report)
+    {
+        serverPosts(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
+    }
+    /// A monitor to the right of two screens of the user.
+    static ScreenReport shownScreen()
+    {
+        return {.state = ScreenReport::State::shown,
+                .width = 1920,
+                .height = 1200,
+                .rate = 60,
+                .monitor = pixelRect(3200, 0, 1920, 1200),
+                .screens = {pixelRect(0, 0, 1920, 1080), pixelRect(1920, 0, 1280, 1024)}};
     }
     void useLargeFont() { useFontScale(1.5); }
     /// Type of that size, in relation to the desktop's.

@@ -189,6 +189,29 @@ TEST_P(PanelInEachLanguage, InTheRoomThatItsWindowGivesNothingScrolls)
     }
 }
 
+TEST_P(PanelInEachLanguage, WhatIsSaidOfTheMonitorIsInThatLanguage)
+{
+    load(GetParam());
+    fake.preferences.setAppValue("currentState", 1, "com.quillon.Farview");
+    show();
+    announce("Desk", "desk.local.");
+    serverConnectedTo("desk.local.");
+    auto report = shownScreen();
+    report.scale = 2;
+    const bool isEnglish = GetParam() == std::string("en");
+    for (const auto& corner : {pixelPoint(3200, 0), pixelPoint(-1920, 0), pixelPoint(0, -1200),
+                               pixelPoint(0, 1080)}) {
+        report.monitor = pixelRect(corner.x, corner.y, 1920, 1200);
+        serverReports(report);
+        const auto text = find<QLabel>("deviceHintLabel")->text();
+        for (const char* number : {"1920", "1200", "60", "200"})
+            EXPECT_TRUE(text.contains(QString::fromLatin1(number))) << text.toStdString();
+        EXPECT_FALSE(text.contains(u'$')) << text.toStdString();
+        EXPECT_EQ(text.contains(u"your main display"_qs), isEnglish) << text.toStdString();
+        EXPECT_EQ(text.contains(u"enlarged"_qs), isEnglish) << text.toStdString();
+    }
+}
+
 TEST_P(PanelInEachLanguage, NoShortcutIsGivenTwiceOnOnePage)
 {
     load(GetParam());

@@ -1,5 +1,8 @@
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/FVEPreferences.h"
+#include "Common/Rules/DeviceScreen.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/ScreenMap/ScreenMapWidget.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Source/FVEConnectToOtherSheetController.h"
 #include "Tests/Window/RealPanel.h"
@@ -112,6 +115,39 @@ TEST_F(RealInput, TheMouseDragsTheKnobOfTheSwitch)
     EXPECT_FALSE(onOff->isOn());
     drag("20");
     EXPECT_TRUE(waitUntil([&] { return onOff->isOn() && onOff->position() == 1.0; }));
+}
+
+TEST_F(RealInput, TheDevicesScreenIsDraggedToAnotherSideAndBack)
+{
+    open(true);
+    serverConnectedTo("living.local.");
+    auto report = shownScreen();
+    serverReports(report);
+    auto* map = find<ScreenMapWidget>("screenMap");
+    ASSERT_TRUE(map->isVisible());
+    const auto onScreen = [&](const QRectF& place) {
+        const QPoint middle = map->mapToGlobal(place.center().toPoint());
+        return QStringList{u"mousemove"_qs, QString::number(middle.x()),
+                           QString::number(middle.y())};
+    };
+    const auto dragTo = [&](const PixelRect& place) {
+        xdotool(onScreen(map->drawnMonitor()) + QStringList{u"mousedown"_qs, u"1"_qs} +
+                onScreen(map->drawn(place)) + QStringList{u"mouseup"_qs, u"1"_qs});
+    };
+    const auto remembers = [](ScreenSide side) {
+        return waitUntil([side] {
+            auto& preferences = FVEPreferences::sharedAppPrefs();
+            return rememberedScreen(preferences.deviceScreen("living.local.")).side == side;
+        });
+    };
+    const PixelRect before = report.monitor;
+    dragTo(pixelRect(-1920, 0, 1920, 1200));
+    EXPECT_TRUE(remembers(ScreenSide::left));
+    report.monitor = pixelRect(-1920, 0, 1920, 1200);
+    serverReports(report);
+    EXPECT_EQ(map->drawnMonitor(), map->drawn(report.monitor));
+    dragTo(before);
+    EXPECT_TRUE(remembers(ScreenSide::right));
 }
 
 TEST_F(RealInput, AssistiveTechnologyIsToldOfEachChangeOfTheSwitchOnce)

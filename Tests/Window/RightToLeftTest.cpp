@@ -3,6 +3,7 @@
 #include "Controls/Qt/Forms/FrameContainer.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/ScreenMap/ScreenMapWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Tests/Support/PseudoLanguages.h"
@@ -95,6 +96,18 @@ TEST_F(RightToLeft, EveryPageIsTheMirrorImage)
     expectMirrored(*view);
     openPage(1);
     expectMirrored(*view);
+}
+
+TEST_F(RightToLeft, ScreensStandInThePictureAsTheyDoOnTheDesk)
+{
+    open();
+    serverConnectedTo("desk.local.");
+    serverReports(shownScreen());
+    auto* map = find<ScreenMapWidget>("screenMap");
+    ASSERT_TRUE(map->isVisible());
+    const auto middle = map->drawn(shownScreen().screens.front()).center().x();
+    EXPECT_GT(map->drawnMonitor().center().x(), middle);
+    EXPECT_NE(find<QLabel>("deviceHintLabel")->text().indexOf(u"1920"_qs), -1);
 }
 
 TEST_F(RightToLeft, TheTextsAreTheLanguagesOwn)

@@ -107,6 +107,7 @@ protected:
         expectRoomOnPages("error");
         lookAtSheet();
         lookAtHiDPIWindow();
+        lookAtScreens();
         fake.discovery.remove({longName});
         click("offTextButton");
         settle();
@@ -127,6 +128,19 @@ protected:
         expectRoom(*sheet, "sheet after a failure");
         click("cancelButton");
         settle();
+    }
+    void lookAtScreens()
+    {
+        serverConnectedTo("tablet.local.");
+        auto report = shownScreen();
+        report.scale = 1.25;
+        serverReports(report);
+        ASSERT_TRUE(find<QWidget>("screenMap")->isVisible());
+        expectRoomOnPages("with a monitor");
+        serverReports(
+            {.state = ScreenReport::State::missing, .obstacle = ScreenObstacle::noSpareOutput});
+        ASSERT_TRUE(find<QWidget>("screenDiagnoseButton")->isVisible());
+        expectRoomOnPages("without a monitor");
     }
     void lookAtHiDPIWindow()
     {
@@ -155,7 +169,7 @@ protected:
         const PseudoLanguages pseudo(FARVIEW_PANE_BUNDLE);
         for (const char* each : pseudoLanguages)
             walk(each, pseudo.bundlePath());
-        EXPECT_EQ(mLookedAt, 10 * 16);
+        EXPECT_EQ(mLookedAt, 10 * 20);
     }
 
 private:

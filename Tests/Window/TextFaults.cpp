@@ -1,6 +1,7 @@
 #include "Tests/Window/TextFaults.h"
 
 #include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/ScreenMap/ScreenMapWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
 
@@ -57,6 +58,7 @@ private:
                           qobject_cast<const QAbstractButton*>(&widget) ||
                           qobject_cast<const SwitchWidget*>(&widget) ||
                           qobject_cast<const SpinnerWidget*>(&widget) ||
+                          qobject_cast<const ScreenMapWidget*>(&widget) ||
                           qobject_cast<const QTableView*>(&widget) ||
                           qobject_cast<const QLineEdit*>(&widget)));
     }

@@ -2,6 +2,7 @@
 
 #include "Controls/Qt/Accessible/AccessibleTable.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/ScreenMap/ScreenMapWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
 #include "Controls/Qt/Table/TableWidget.h"
@@ -97,12 +98,54 @@ private:
     PopUpWidget* mPopUp;
 };
 
+/// Its name tells where the device's screen is; each side has an action.
+class AccessibleScreenMap final : public QAccessibleWidget
+{
+public:
+    explicit AccessibleScreenMap(ScreenMapWidget* widget)
+        : QAccessibleWidget(widget, QAccessible::Graphic), mMap(widget)
+    {
+    }
+
+    QStringList actionNames() const override
+    {
+        QStringList names;
+        for (const auto& [side, property] : actions)
+            names += nameOf(property);
+        return mMap->isEnabled() ? names << setFocusAction() : QStringList{};
+    }
+    void doAction(const QString& name) override
+    {
+        for (const auto& [side, property] : actions) {
+            if (name == nameOf(property))
+                return mMap->choose(side);
+        }
+        QAccessibleWidget::doAction(name);
+    }
+
+private:
+    struct SideAction {
+        ScreenSide side;
+        const char* property; ///< of the widget, with what the form calls the action
+    };
+    static constexpr SideAction actions[] = {{ScreenSide::right, "moveRight"},
+                                             {ScreenSide::left, "moveLeft"},
+                                             {ScreenSide::above, "moveAbove"},
+                                             {ScreenSide::below, "moveBelow"}};
+
+    QString nameOf(const char* property) const { return mMap->property(property).toString(); }
+
+    ScreenMapWidget* mMap;
+};
+
 QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object)
 {
     if (auto* widget = qobject_cast<SwitchWidget*>(object))
         return new AccessibleSwitch(widget);
     if (auto* widget = qobject_cast<PopUpWidget*>(object))
         return new AccessiblePopUp(widget);
+    if (auto* widget = qobject_cast<ScreenMapWidget*>(object))
+        return new AccessibleScreenMap(widget);
     if (auto* widget = qobject_cast<SpinnerWidget*>(object))
         return new QAccessibleWidget(widget, QAccessible::Animation);
     if (auto* widget = qobject_cast<TableWidget*>(object))

@@ -6,6 +6,7 @@
 #include "Controls/Qt/Forms/PageScroller.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
+#include "Controls/Qt/ScreenMap/ScreenMapWidget.h"
 #include "Controls/Qt/SpinnerWidget.h"
 #include "Controls/Qt/Switch/ImageFiles.h"
 #include "Controls/Qt/Switch/SwitchWidget.h"
@@ -81,6 +82,8 @@ private:
             return new PageScroller(parent);
         if (className == u"farview::PopUpWidget")
             return new PopUpWidget(parent);
+        if (className == u"farview::ScreenMapWidget")
+            return new ScreenMapWidget(parent);
         if (className == u"farview::SheetWidget")
             return new SheetWidget(parent);
         if (className == u"farview::SpinnerWidget")

@@ -111,7 +111,10 @@ int setAsideFile(const std::string& path, std::string& asidePath)
     return EEXIST;
 }
 
-FileReplacement::FileReplacement(std::string path) : mPath(std::move(path)) {}
+FileReplacement::FileReplacement(std::string path, Durability durability)
+    : mPath(std::move(path)), mDurability(durability)
+{
+}
 
 FileReplacement::~FileReplacement()
 {
@@ -146,7 +149,7 @@ int FileReplacement::write(std::string_view bytes, mode_t mode)
         return errno;
     if (const int error = writeAll(mFile.get(), bytes))
         return error;
-    return ::fsync(mFile.get()) == 0 ? 0 : errno;
+    return mDurability == Durability::leftToTheSystem || ::fsync(mFile.get()) == 0 ? 0 : errno;
 }
 
 int FileReplacement::commit()
@@ -154,7 +157,7 @@ int FileReplacement::commit()
     if (::rename(mTemporaryPath.c_str(), mPath.c_str()) != 0)
         return errno;
     mFile = {};
-    return synchronizeFolder(parentFolder(mPath));
+    return mDurability == Durability::leftToTheSystem ? 0 : synchronizeFolder(parentFolder(mPath));
 }
 
 } // namespace farview

@@ -22,6 +22,9 @@ int makeFolders(const std::string& path, mode_t mode);
 /// free, so that replacing it loses nothing. Returns 0 and the name, or an errno.
 int setAsideFile(const std::string& path, std::string& asidePath);
 
+/// Whether a change is waited for until a power failure cannot take it back.
+enum class Durability { waitedFor, leftToTheSystem };
+
 /// Replaces a file in one step: a reader sees the old or the new contents, after a crash too.
 ///
 /// write() puts the new contents into a file beside it, commit() gives them its name. Without
@@ -30,20 +33,22 @@ int setAsideFile(const std::string& path, std::string& asidePath);
 class FileReplacement
 {
 public:
-    explicit FileReplacement(std::string path);
+    explicit FileReplacement(std::string path, Durability durability = Durability::waitedFor);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
 
-    /// Contents with exactly this mode, safe on the disk when it returns 0; else an errno. Once.
+    /// Contents with exactly this mode, as durable as wanted when it returns 0; else an errno.
+    /// Once.
     int write(std::string_view bytes, mode_t mode);
-    /// Returns 0 when the change is safe on the disk, else an errno.
+    /// Returns 0 when the change is as durable as wanted, else an errno.
     int commit();
 
 private:
     int openTemporary();
 
     std::string mPath;
+    Durability mDurability;
     std::string mTemporaryPath;
     FileDescriptor mFile; ///< locked for as long as it is open
 };

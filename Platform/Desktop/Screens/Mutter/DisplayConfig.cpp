@@ -10,6 +10,8 @@ namespace
 const QString service = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString path = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
 
+const QString staleState = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
+
 QDBusMessage callOf(const char* member)
 {
     auto call = QDBusMessage::createMethodCall(service, path, service, QLatin1String(member));
@@ -30,6 +32,9 @@ DisplayConfig::DisplayConfig(SessionBus& bus, Use use) : mBus(bus), mUse(std::mo
 
 void DisplayConfig::ask()
 {
+    // What is told while a layout is being made may be from before, and is asked for afterwards.
+    if (mIsApplying)
+        return;
     mAskAgain = mIsAsking;
     if (!std::exchange(mIsAsking, true))
         mBus.ask(callOf("GetCurrentState"), this, [this](const auto& reply) { take(reply); });
@@ -39,6 +44,8 @@ void DisplayConfig::take(const QDBusMessage& reply)
 {
     mIsAsking = false;
     listenTo(reply.service());
+    if (mIsApplying)
+        return;
     if (std::exchange(mAskAgain, false))
         return ask();
     const auto state = displayStateIn(reply);
@@ -56,13 +63,16 @@ void DisplayConfig::listenTo(const QString& owner)
 
 void DisplayConfig::apply(const DisplayState& state, const QList<DisplayLayout>& choices)
 {
+    mIsApplying = true;
     mBus.ask(requestOf(state.serial, state, choices.first()), this,
              [this, state, choices](const QDBusMessage& reply) {
-                 const bool isRefused = reply.type() != QDBusMessage::ReplyMessage;
+                 // Where another change came first, the layout may still be possible.
+                 const bool isRefused =
+                     reply.type() != QDBusMessage::ReplyMessage && reply.errorName() != staleState;
                  if (isRefused && choices.size() > 1)
-                     apply(state, choices.mid(1));
-                 else
-                     ask();
+                     return apply(state, choices.mid(1));
+                 mIsApplying = false;
+                 ask();
              });
 }
 

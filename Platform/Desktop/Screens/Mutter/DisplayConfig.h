@@ -40,6 +40,7 @@ private:
     QString mOwner;
     bool mIsAsking = false;
     bool mAskAgain = false; ///< something changed meanwhile
+    bool mIsApplying = false;
 };
 
 } // namespace farview

@@ -117,17 +117,31 @@ RequestedPart requested(const DisplayState& state, const LogicalMonitor& part)
     return request;
 }
 
-/// How far to the right a part reaches.
-int rightEdge(const DisplayState& state, const LogicalMonitor& part)
+} // namespace
+
+PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part)
 {
     const auto* monitor = state.monitor(part.monitors.value(0));
     const auto* mode = monitor ? monitor->currentMode() : nullptr;
     if (!mode)
-        return part.x;
+        return pixelRect(part.x, part.y, 0, 0);
+    const double pixels = state.isScaled ? part.scale : 1;
+    const auto width = static_cast<int>(std::lround(mode->width / pixels));
+    const auto height = static_cast<int>(std::lround(mode->height / pixels));
     const bool isTurned = part.transform % 2 != 0;
-    const int pixels = isTurned ? mode->height : mode->width;
-    return part.x + (state.isScaled ? static_cast<int>(std::lround(pixels / part.scale)) : pixels);
+    return pixelRect(part.x, part.y, isTurned ? height : width, isTurned ? width : height);
 }
+
+std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout)
+{
+    std::vector<PixelRect> areas;
+    for (const auto& part : layout)
+        areas.insert(part.isPrimary ? areas.begin() : areas.end(), areaOf(state, part));
+    return areas;
+}
+
+namespace
+{
 
 PixelPoint pointOnAScreen(int x, int y)
 {
@@ -236,8 +250,9 @@ PixelPoint besideEverything(const DisplayState& state, const DisplayLayout& layo
 {
     PixelPoint corner;
     for (const auto& part : layout) {
-        if (const int edge = rightEdge(state, part); edge > corner.x)
-            corner = pointOnAScreen(edge, part.y);
+        const auto area = areaOf(state, part);
+        if (area.x + area.width > corner.x)
+            corner = pointOnAScreen(area.x + area.width, part.y);
     }
     return corner;
 }

@@ -8,6 +8,7 @@
 #include <QVariantMap>
 
 #include <optional>
+#include <vector>
 
 namespace farview
 {
@@ -79,6 +80,10 @@ QVariantList layoutRequest(unsigned serial, const DisplayState& state, const Dis
 const ConnectedMonitor* newMonitor(const DisplayState& before, const DisplayState& now, int width,
                                    int height);
 
+/// What a part shows of the desktop; empty when its monitor is off.
+PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part);
+/// The same for each part of a layout, the primary one first.
+std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout);
 /// The part that the monitor shows; null when it is off.
 const LogicalMonitor* shownBy(const DisplayLayout& layout, const MonitorId& id);
 DisplayLayout without(DisplayLayout layout, const MonitorId& id);

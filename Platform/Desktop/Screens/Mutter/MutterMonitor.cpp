@@ -142,7 +142,8 @@ void MutterMonitor::adoptLayout()
         mCorner = corner;
     if (part->scale != possibleScale(*mode(), mWish.scale))
         mWish.scale = part->scale;
-    report({corner, mode()->width, mode()->height, part->scale, mode()->rate});
+    report({areaOf(*mState, *part), mode()->width, mode()->height, part->scale, mode()->rate,
+            areasOf(*mState, without(mState->layout, *mOurs))});
 }
 
 DisplayLayout MutterMonitor::layoutWithOurs(std::optional<PixelPoint> corner) const

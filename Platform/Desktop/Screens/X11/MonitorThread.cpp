@@ -89,7 +89,7 @@ void MonitorThread::run()
 /// Over a connection of its own.
 std::optional<ScreenObstacle> MonitorThread::converse(const Conversation& conversation)
 {
-    const XConnection connection(xcb_connect(mDisplay.c_str(), nullptr));
+    const auto connection = connectX(mDisplay.c_str());
     const BreakerHold hold(mBreaker, connection.get());
     RandrServer server(connection.get());
     return conversation(server);

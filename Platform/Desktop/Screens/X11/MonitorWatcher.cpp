@@ -70,7 +70,7 @@ bool watchMonitor()
     char byte = 0;
     while (::read(STDIN_FILENO, &byte, 1) < 0 && errno == EINTR) {
     }
-    const XConnection connection(xcb_connect(nullptr, nullptr));
+    const auto connection = connectX(nullptr);
     RandrServer server(connection.get());
     // The server notices the end of a program at its own time.
     for (int look = 0; look < 1000 && server.isUsable() && hasOwner(server); ++look)

@@ -45,7 +45,7 @@ struct RandrConnection::Server {
     RandrServer randr;
 
     Server(const std::string& display, ConnectionBreaker& breaker)
-        : connection(xcb_connect(display.c_str(), nullptr)), hold(breaker, connection.get()),
+        : connection(connectX(display.c_str())), hold(breaker, connection.get()),
           randr(connection.get())
     {
     }

@@ -14,11 +14,6 @@ namespace
 
 using Event = XReply<xcb_generic_event_t>;
 
-PixelRect areaOf(const ScreenGeometry& geometry)
-{
-    return pixelRect(geometry.place.x, geometry.place.y, geometry.width, geometry.height);
-}
-
 } // namespace
 
 int Beat::millisecondsLeft() const
@@ -72,7 +67,7 @@ std::optional<ScreenObstacle> ShownMonitor::appear()
 
 bool ShownMonitor::beginCapture()
 {
-    const bool hasMemory = mCapture.begin(areaOf(mGeometry));
+    const bool hasMemory = mCapture.begin(mGeometry.area);
     if (hasMemory)
         mScreen.setBuffer(mCapture.view(), mCapture.memory());
     mIsDamaged = true;
@@ -162,7 +157,7 @@ bool ShownMonitor::hasPointerMoved()
     const auto at = mCursor.position();
     if (std::exchange(mPointerPlace, at) == at)
         return false;
-    const auto area = areaOf(mGeometry);
+    const auto area = mGeometry.area;
     const bool isInside = at.x >= area.x && at.x < area.x + area.width && at.y >= area.y &&
                           at.y < area.y + area.height;
     const auto position =

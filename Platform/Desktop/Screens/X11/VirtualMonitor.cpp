@@ -313,9 +313,9 @@ std::optional<ScreenGeometry> VirtualMonitor::geometry()
         return std::nullopt;
     if (mJournal.output == 0)
         holdAgainstOthers(*layout, *shown);
-    return ScreenGeometry{
-        pixelPoint(shown->x, shown->y),        shown->width, shown->height, 1, framesPerSecond,
-        areasWithout(*layout, mJournal.output)};
+    return ScreenGeometry{areaOf(*shown),  shown->width,
+                          shown->height,   1,
+                          framesPerSecond, areasWithout(*layout, mJournal.output)};
 }
 
 bool undoMonitor(RandrServer& server)

@@ -77,7 +77,7 @@ public:
 private:
     void ask(const std::function<void(const ScreenAvailability&)>& answer)
     {
-        const XConnection connection(xcb_connect(nullptr, nullptr));
+        const auto connection = connectX(nullptr);
         const BreakerHold hold(mBreaker, connection.get());
         answer(availabilityOf(connection.get()));
         mIsAnswered = true;

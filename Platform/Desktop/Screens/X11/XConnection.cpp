@@ -5,6 +5,14 @@
 namespace farview
 {
 
+XConnection connectX(const char* display)
+{
+    // One thread at a time: the library that reads the key's file shares its path among them.
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    return XConnection(xcb_connect(display, nullptr));
+}
+
 void ConnectionBreaker::hold(int descriptor)
 {
     const std::lock_guard lock(mMutex);

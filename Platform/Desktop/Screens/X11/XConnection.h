@@ -21,6 +21,8 @@ struct DisconnectX {
     void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
 };
 using XConnection = std::unique_ptr<xcb_connection_t, DisconnectX>;
+/// Connects to a server, from any thread; null: to the one that $DISPLAY names.
+XConnection connectX(const char* display);
 
 /// Cuts a connection from another thread, so that whoever waits at it goes on.
 class ConnectionBreaker

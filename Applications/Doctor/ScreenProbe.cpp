@@ -1,0 +1,56 @@
+#include "Applications/Doctor/Probes.h"
+
+#include "Common/Rules/ScreenTexts.h"
+
+namespace farview
+{
+namespace
+{
+
+Finding finding(Severity severity, const char* name, const char* text, const char* advice = "")
+{
+    return {Area::screen, severity, name, {text}, {advice}};
+}
+
+Finding aboutWay(ScreenWay way)
+{
+    switch (way) {
+    case ScreenWay::spareOutput:
+        return finding(Severity::ok, "spare-output",
+                       "A screen can be added: the graphics driver has an output without a plug to "
+                       "spare.");
+    case ScreenWay::namedMonitor:
+        return finding(Severity::ok, "named-monitor",
+                       "A screen can be added: the X server and the window manager take one that "
+                       "no output shows.");
+    case ScreenWay::desktopProtocol:
+        break;
+    }
+    return finding(Severity::ok, "desktop",
+                   "A screen can be added: the desktop has operations for it.");
+}
+
+Finding aboutObstacle(ScreenObstacle obstacle)
+{
+    const auto& texts = obstacleTexts(obstacle);
+    // Most often it is this user's own server that has a device's screen there.
+    if (obstacle == ScreenObstacle::inUse)
+        return finding(Severity::ok, texts.name, "Farview has added a screen to this display.");
+    // The diagnosis may run outside the desktop, or while nobody is there.
+    const bool isPassing =
+        obstacle == ScreenObstacle::noDesktop || obstacle == ScreenObstacle::locked;
+    return finding(isPassing ? Severity::note : Severity::problem, texts.name, texts.trouble,
+                   texts.remedy);
+}
+
+} // namespace
+
+Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer)
+{
+    if (!answer)
+        return {finding(Severity::note, "unanswered",
+                        "Nobody said in time whether a screen can be added.")};
+    return {answer->way ? aboutWay(*answer->way) : aboutObstacle(answer->obstacle)};
+}
+
+} // namespace farview

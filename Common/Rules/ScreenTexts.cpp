@@ -1,0 +1,112 @@
+#include "Common/Rules/ScreenTexts.h"
+
+#include "Common/Rules/FilledText.h"
+
+#include <array>
+#include <cmath>
+
+namespace farview
+{
+namespace
+{
+
+constexpr const char* useGNOME = "Log in to GNOME on Wayland instead: it can add screens.";
+
+// In the order of the enumeration.
+constexpr std::array obstacles = {
+    ObstacleTexts{"Farview finds no desktop here that it could add a screen to.",
+                  "Log in to GNOME, or to a desktop on X11.", "no-desktop", true},
+    ObstacleTexts{"This desktop cannot get another screen: the graphics driver has no output to "
+                  "spare.",
+                  useGNOME, "no-spare-output", true},
+    ObstacleTexts{"This desktop lacks what Farview adds a screen with.", useGNOME,
+                  "protocol-missing", true},
+    ObstacleTexts{"The desktop does not let Farview add a screen.",
+                  "Ask the administrator of this computer to allow sharing of the screen.",
+                  "not-permitted", true},
+    ObstacleTexts{"There is no picture while the screen of this computer is locked.",
+                  "It comes back by itself after unlocking.", "locked", false},
+    ObstacleTexts{"Another Farview has added a screen to this display already.",
+                  "Turn the other one off, then turn this one off and on again.", "in-use", false},
+    ObstacleTexts{"The device's screen is larger than this desktop can get.",
+                  "Untick the full resolution in the settings, or give the device a lower one.",
+                  "too-large", false},
+    ObstacleTexts{"The device's screen was switched off in the settings of the desktop.",
+                  "To bring it back, turn Farview off and on again.", "taken-away", false},
+    ObstacleTexts{"The desktop that had the device's screen has ended.", "Log out and in again.",
+                  "gone", false},
+    ObstacleTexts{"The desktop did not add a screen, and did not say why.",
+                  "Turn Farview off and on again.", "failed", true},
+};
+static_assert(obstacles.size() == static_cast<std::size_t>(ScreenObstacle::failed) + 1);
+
+// In the order of the enumeration.
+constexpr std::array sides = {"to the right of your main display",
+                              "to the left of your main display", "above your main display",
+                              "below your main display"};
+
+constexpr const char* sizeText = "%1$@ × %2$@";
+constexpr const char* sizeAndRateText = "%1$@ × %2$@ at %3$@ Hz";
+constexpr const char* placeText = "%1$@, %2$@";
+constexpr const char* placeAndScaleText = "%1$@, %2$@, enlarged %3$@ %";
+
+std::string rounded(double number) { return std::to_string(std::lround(number)); }
+
+std::string sizeOf(const ScreenReport& report, const Localize& localized)
+{
+    const auto width = std::to_string(report.width);
+    const auto height = std::to_string(report.height);
+    return report.rate > 0
+               ? filledPlaces(localized(sizeAndRateText), {width, height, rounded(report.rate)})
+               : filledPlaces(localized(sizeText), {width, height});
+}
+
+std::string shownSentence(const ScreenReport& report, const Localize& localized)
+{
+    constexpr double percent = 100;
+    const auto size = sizeOf(report, localized);
+    if (report.screens.empty())
+        return size;
+    const auto place = screenPlace(sideOf(report.monitor, report.screens.front()), localized);
+    return report.scale == 1 ? filledPlaces(localized(placeText), {size, place})
+                             : filledPlaces(localized(placeAndScaleText),
+                                            {size, place, rounded(report.scale * percent)});
+}
+
+} // namespace
+
+const ObstacleTexts& obstacleTexts(ScreenObstacle obstacle)
+{
+    return obstacles.at(static_cast<std::size_t>(obstacle));
+}
+
+std::string screenPlace(ScreenSide side, const Localize& localized)
+{
+    return localized(sides.at(static_cast<std::size_t>(side)));
+}
+
+std::string screenSentence(const ScreenReport& report, const Localize& localized)
+{
+    switch (report.state) {
+    case ScreenReport::State::shown:
+        return shownSentence(report, localized);
+    case ScreenReport::State::coming:
+        return localized("The device's screen is being added to your desktop…");
+    case ScreenReport::State::missing:
+        return localized(obstacleTexts(report.obstacle).trouble);
+    case ScreenReport::State::none:
+        break;
+    }
+    return localized("This device shows no picture.");
+}
+
+std::string screenAdvice(const ScreenReport& report, bool wantsHiDPI, const Localize& localized)
+{
+    if (report.state == ScreenReport::State::missing)
+        return localized(obstacleTexts(report.obstacle).remedy);
+    if (report.state == ScreenReport::State::shown && wantsHiDPI && report.scale == 1)
+        return localized("HiDPI is on, but this desktop cannot enlarge the device's screen.");
+    return {};
+}
+
+} // namespace farview

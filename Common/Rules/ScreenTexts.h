@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Common/Rules/ScreenPlacement.h"
+#include "Common/Rules/ScreenReport.h"
+
+#include <functional>
+#include <string>
+
+namespace farview
+{
+
+/// Why a device has no picture. The texts are the English ones, the keys of their translations.
+struct ObstacleTexts {
+    const char* trouble;
+    const char* remedy;  ///< what to do about it
+    const char* name;    ///< for programs; never translated, never changed
+    bool diagnosisHelps; ///< whether the diagnosis can tell more
+};
+
+const ObstacleTexts& obstacleTexts(ScreenObstacle obstacle);
+
+/// A text in the user's language.
+using Localize = std::function<std::string(const std::string& text)>;
+
+/// Where a monitor is, in words: "to the right of your main display".
+std::string screenPlace(ScreenSide side, const Localize& localized);
+
+/// What became of the monitor for a connected device, in a line: "1920 × 1200 at 60 Hz, to the
+/// right of your main display", or why there is none.
+std::string screenSentence(const ScreenReport& report, const Localize& localized);
+
+/// What the user may want to know or do beside that: the remedy, or that `wantsHiDPI` is in vain.
+/// Empty when there is nothing.
+std::string screenAdvice(const ScreenReport& report, bool wantsHiDPI, const Localize& localized);
+
+} // namespace farview

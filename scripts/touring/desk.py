@@ -17,7 +17,9 @@ import pyatspi  # noqa: E402
 from touring import looks, pseudo  # noqa: E402
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
+GNOME = os.environ.get("XDG_CURRENT_DESKTOP") == "GNOME"
 WAYLAND = "WAYLAND_DISPLAY" in os.environ
+TABLET = os.environ["TABLET_DISPLAY"]
 FOLDER, LOOK, NAME = sys.argv[1:]
 HOME = os.environ["HOME"]
 BUILD = os.path.join(ROOT, "build")
@@ -26,6 +28,9 @@ if looks.language(LOOK) in pseudo.ALPHABETS:
 # Programs tell places in points, of which a sharp screen has fewer than dots.
 SHARPNESS = int(looks.environment(LOOK).get("QT_SCALE_FACTOR", "1"))
 WORDS = looks.Words([os.path.join(BUILD, pane) for pane in pseudo.PANES], looks.language(LOOK))
+BUTTON = ("push button", "button", "check box", "toggle button", "switch")
+MENU_ENTRY = ("menu item", "check menu item", "radio menu item")
+DEVICE = "Living Room Tablet"
 begin = time.monotonic()
 failures = []
 children = []
@@ -74,6 +79,10 @@ def find(role, beginning, program="farview-preferences"):
     """The control of the role whose English name begins so."""
     matches = WORDS.matcher(beginning)
     return next((node for node in showing(program) if node.getRoleName() in role and matches(node.name)), None)
+
+
+def device_menu():
+    return next((node for node in showing() if WORDS.matcher("Virtual screen")(node.description)), None)
 
 
 def wait_quietly(condition, limit):
@@ -182,7 +191,7 @@ class RemoteMouse:
         self.tell()
 
 
-mouse = RemoteMouse(os.environ["WITH_DESKTOP_INPUT"]) if WAYLAND else XMouse()
+mouse = None if GNOME else RemoteMouse(os.environ["WITH_DESKTOP_INPUT"]) if WAYLAND else XMouse()
 
 
 def click_at(x, y):
@@ -225,7 +234,7 @@ def enabled(node):
 
 def take_picture(path, display=None):
     """Of the whole desktop, or of another display."""
-    if WAYLAND:
+    if WAYLAND and not display:
         subprocess.run(["grim", path], check=True)
     else:
         subprocess.run(["import", "-display", display or os.environ["DISPLAY"], "-window", "root", path], check=True)
@@ -277,7 +286,7 @@ def step(title, name, program="farview-preferences", display=None):
 
 def write_steps():
     with open(os.path.join(FOLDER, "steps.json"), "w", encoding="utf-8") as file:
-        json.dump({"description": looks.description(LOOK) + (", on Wayland" if WAYLAND else ""), "steps": steps}, file)
+        json.dump({"description": looks.description(LOOK) + (", on GNOME" if GNOME else ", on Wayland" if WAYLAND else ""), "steps": steps}, file)
 
 
 def start(*command, **environment):
@@ -286,6 +295,11 @@ def start(*command, **environment):
                              stdin=subprocess.DEVNULL, env={**os.environ, **environment})
     children.append(child)
     return child
+
+
+def start_tablet(name):
+    """A device whose window is on a display of its own."""
+    return start("farview-device", "--name", name, DISPLAY=TABLET, QT_SCALE_FACTOR="1", QT_QPA_PLATFORM="xcb")
 
 
 def stop(child):
@@ -301,3 +315,18 @@ def stop(child):
 def running(name):
     # The kernel keeps 15 characters of it.
     return subprocess.run(["pgrep", "-x", name[:15]], stdout=subprocess.DEVNULL).returncode == 0
+
+
+def walk(road):
+    """Takes the road to its end, and ends the program with what came of it."""
+    os.environ.update(looks.environment(LOOK), PATH=os.path.join(HOME, "bin") + ":" + os.environ["PATH"])
+    try:
+        road()
+    finally:
+        for child in children:
+            if child.poll() is None:
+                child.kill()
+        write_steps()
+    if failures:
+        sys.exit("The tour failed: " + "; ".join(failures))
+    print(f"The tour is complete: {len(steps)} steps")

@@ -16,17 +16,14 @@ import pyatspi  # noqa: E402
 
 from touring import looks, screens  # noqa: E402
 from touring.desk import (  # noqa: E402
-    children, click, click_at, drag, enabled, failures, find, FOLDER, HOME, LOOK, mouse, number_of_windows, place_of, press,
-    ROOT, running, say, seen, SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND,
-    windows_of, WORDS, write_steps)
+    BUTTON, children, click, click_at, DEVICE, device_menu, drag, enabled, failures, find, FOLDER, HOME, LOOK, MENU_ENTRY,
+    mouse, number_of_windows, place_of, press, ROOT, running, say, seen, SHARPNESS, showing, start, start_tablet, step, stop,
+    TABLET, texts, type_text, wait, wait_quietly, walk, WAYLAND, windows_of, WORDS)
 
 OFF = "Farview is currently turned off."
 ON = "Farview is currently on."
 ERROR = "There was a problem connecting to a device."
 HINT = "No device yet?"
-BUTTON = ("push button", "button", "check box", "toggle button", "switch")
-MENU_ENTRY = ("menu item", "check menu item", "radio menu item")
-DEVICE = "Living Room Tablet"
 REFUSING = "Kitchen Laptop"
 OTHER = "Connect To Other..."
 WHEEL = "Connecting"
@@ -35,15 +32,12 @@ TAB = ("page tab",)
 CELL = ("table cell",)
 AUTO_CONNECT = "Connect automatically"
 DOCTOR = "FarviewDoctor"
+NO_DESKTOP = "Farview finds no desktop here that it could add a screen to."
 STATUS_ICON = "Show the Farview status icon"
 
 
 def says(beginning):
     return lambda: any(map(WORDS.matcher(beginning), texts()))
-
-
-def device_menu():
-    return next((node for node in showing() if WORDS.matcher("Virtual screen")(node.description)), None)
 
 
 def open_menu(entry):
@@ -61,6 +55,8 @@ def open_menu(entry):
 
 
 def main():
+    if looks.is_dark(LOOK):
+        prefer_dark_windows()
     outputs_before = arrange_desktop()
     panel = start("farview-preferences")
     if not wait("the panel's window", lambda: find(BUTTON, "Choose a Device")):
@@ -77,7 +73,7 @@ def main():
     wait("the screen server runs", lambda: running("ScreenCapture"))
     step("Switched on; no device is there yet", "on-without-device")
 
-    device = start_tablet()
+    device = start_tablet(DEVICE)
     wait("the hint goes when a device is there", lambda: not says(HINT)())
     entry = open_menu(DEVICE)
     step("A device announced itself and stands in the menu", "menu")
@@ -146,26 +142,23 @@ def arrange_desktop():
     return screens.outputs()
 
 
-def start_tablet():
-    if WAYLAND:
-        return start("farview-device", "--name", DEVICE, "--headless")
-    return start("farview-device", "--name", DEVICE, DISPLAY=screens.TABLET, QT_SCALE_FACTOR="1")
-
-
 def show_second_screen():
     if WAYLAND:
-        print("          This compositor gets no further screen yet: it is shown on the X display and on GNOME only", flush=True)
+        wait("the panel says that this compositor gets no further screen",
+             lambda: any(WORDS.texts[NO_DESKTOP] in text for text in texts()))
+        step("The panel says that this compositor gets no further screen", "no-screen")
         return
     if not wait("the desktop has a second monitor", lambda: len(screens.monitors()) == 2):
         return
     second = screens.monitors()[1]
+    wait("the panel says how large the device's screen is", lambda: any("{} × {}".format(*second) in text for text in texts()))
     screens.draw_wallpaper()
     page = screens.show_page(second)
     wait("the tablet shows each pixel of its monitor", screens.is_exact_on_tablet)
     width, height, left, top = second
     mouse.move(left + width // 4, top + height // 2)
     step("The desktop goes on to the right, on the tablet", "desktop")
-    step("What the tablet shows: a window and the mouse pointer", "tablet", display=screens.TABLET)
+    step("What the tablet shows: a window and the mouse pointer", "tablet", display=TABLET)
     page.terminate()
     page.wait(10)
 
@@ -368,18 +361,4 @@ def prefer_dark_windows():
     wait("the desktop prefers dark windows", lambda: subprocess.run(ask, capture_output=True).returncode == 0)
 
 
-os.environ.update(looks.environment(LOOK), PATH=os.path.join(HOME, "bin") + ":" + os.environ["PATH"])
-try:
-    if looks.is_dark(LOOK):
-        prefer_dark_windows()
-    main()
-finally:
-    for child in children:
-        if child.poll() is None:
-            child.kill()
-    write_steps()
-
-if failures:
-    print("The tour failed: " + "; ".join(failures))
-    sys.exit(1)
-print(f"The tour is complete: {len(steps)} steps")
+walk(main)

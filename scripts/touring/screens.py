@@ -5,9 +5,8 @@ import re
 import subprocess
 
 from touring import looks
-from touring.desk import BUILD, children, HOME, LOOK, take_picture
+from touring.desk import BUILD, children, HOME, LOOK, TABLET, take_picture
 
-TABLET = os.environ.get("TABLET_DISPLAY")
 MANUAL = os.path.join(BUILD, "Farview Preferences.prefPane", "Contents", "Resources", "Farview Documentation.pdf")
 # The sky from top to bottom, then the hills from the farthest to the nearest.
 COLOURS = ("#f6d7b0", "#9fc2cf", "#7fa9b8", "#5b8ea3", "#3d6f88", "#25506a")

@@ -25,7 +25,7 @@ bool isHostName(const std::string* text)
 } // namespace
 
 ScreenServer::ScreenServer(Services services, Ending ending)
-    : mServices(services), mEnding(std::move(ending))
+    : mServices(services), mEnding(std::move(ending)), mPacketLog(services.log)
 {
 }
 
@@ -47,6 +47,7 @@ void ScreenServer::start()
     observe(kQueryRequestForConnectedHost, &ScreenServer::answerQuery);
     observe(kFVEPrefsDidChangeNotification, &ScreenServer::preferencesChanged);
     observeReconnection();
+    mPacketLog.setOn(mServices.preferences.logsScreenPackets());
     startBrowsing();
     if (mHeldRequest) {
         announceState();
@@ -180,6 +181,7 @@ void ScreenServer::preferencesChanged(const Notification& /*notification*/)
 {
     mAutoConnector->preferencesChanged();
     sendOptions();
+    mPacketLog.setOn(mServices.preferences.logsScreenPackets());
     beginScreen();
     if (mScreen)
         mScreen->preferencesChanged();
@@ -356,7 +358,7 @@ void ScreenServer::beginScreen()
     const std::string& device = mDeviceName == kOtherDeviceName ? mDeviceAddress : mDeviceName;
     mScreen = std::make_shared<ScreenSession>(
         ScreenSession::Services{mServices.screens, mServices.runLoop, mServices.preferences,
-                                mServices.link, mServices.log},
+                                mServices.link, mPacketLog, mServices.log},
         device, [this] { postScreen(); });
     mScreen->deviceScreenIs(*mDeviceScreen);
 }

@@ -154,6 +154,7 @@ private:
     std::optional<LinkOptions> mSentOptions;
     /// As the device that is connected told it.
     std::optional<LinkDeviceScreen> mDeviceScreen;
+    PacketLog mPacketLog;
     std::shared_ptr<ScreenSession> mScreen;
     /// Nobody asked for what is connected or under way.
     bool mIsAutomatic = false;

@@ -1,5 +1,7 @@
 #include "Applications/ScreenCapture/ScreenSession.h"
 
+#include "Common/Rules/ScreenTexts.h"
+
 #include <utility>
 
 namespace farview
@@ -159,7 +161,8 @@ void ScreenSession::didEnd(ScreenObstacle reason)
 {
     if (close())
         tellPictureIsOver();
-    mServices.log.write(LogLevel::warning, "There is no monitor for " + mDevice);
+    mServices.log.write(LogLevel::warning, "There is no monitor for " + mDevice + ": " +
+                                               obstacleTexts(reason).trouble);
     tell({.state = ScreenReport::State::missing, .obstacle = reason});
     if (reason == ScreenObstacle::locked)
         mServices.runLoop.performAfterDelay(lockedPause, weak_from_this(), [this] { open(); });
@@ -200,8 +203,10 @@ void ScreenSession::beginPicture()
 
 void ScreenSession::send(PictureThread::Frames frames)
 {
-    for (LinkFrame& frame : frames)
+    for (LinkFrame& frame : frames) {
+        mServices.packetLog.write(frame);
         mServices.link.send(std::move(frame));
+    }
     linkHasRoom();
 }
 

@@ -3,6 +3,7 @@
 #include "Applications/ScreenCapture/DeviceLink.h"
 #include "Applications/ScreenCapture/PictureThread.h"
 #include "Common/FVEPreferences.h"
+#include "Common/PacketLog.h"
 #include "Common/Rules/DeviceScreen.h"
 #include "Common/Rules/ScreenReport.h"
 #include "Platform/Log.h"
@@ -31,6 +32,7 @@ public:
         RunLoop& runLoop;
         FVEPreferences& preferences;
         DeviceLink& link;
+        PacketLog& packetLog;
         Log& log;
     };
 

@@ -34,7 +34,8 @@ protected:
     void makeSession()
     {
         session = std::make_shared<ScreenSession>(
-            ScreenSession::Services{fake.virtualScreens, fake.runLoop, preferences, link, fake.log},
+            ScreenSession::Services{fake.virtualScreens, fake.runLoop, preferences, link, packetLog,
+                                    fake.log},
             kTablet, [this] { states.push_back(session->report().state); });
     }
     void open(const LinkDeviceScreen& screen = tablet)
@@ -76,6 +77,7 @@ protected:
     FakePlatform fake;
     FVEPreferences preferences;
     FakeDeviceLink link;
+    PacketLog packetLog{fake.log};
     std::vector<State> states;
     std::shared_ptr<ScreenSession> session;
 };

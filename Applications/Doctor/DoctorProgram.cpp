@@ -46,9 +46,12 @@ BusFacts checkBuses()
 }
 
 DoctorProgram::DoctorProgram(BusFacts buses)
-    : mBuses(std::move(buses)), mDesktop({.isSilent = true}), mInstalled(mDesktop.platform()),
-      mPane(ownPane(mDesktop.platform())), mNotebook(emptyNotebook())
+    : mBuses(std::move(buses)), mDesktop({.isSilent = true}),
+      mScreens(*mDesktop.platform().runLoop, mDesktop.sessionBus(), {}),
+      mInstalled(mDesktop.platform()), mPane(ownPane(mDesktop.platform())),
+      mNotebook(emptyNotebook())
 {
+    mDesktop.platform().virtualScreens = &mScreens.screens();
     // Reads the catalogue, so that from now on looking up a text changes nothing.
     translated("OK");
 }
@@ -77,9 +80,9 @@ void DoctorProgram::switchPacketLog(bool isOn, std::function<void(const Findings
         .setLogsScreenPackets(isOn);
     // The announcement goes over the bus before these questions: it has left when they are
     // answered.
-    askForSessionFacts(
+    askForSessionAnswers(
         platform, mDesktop.sessionBus(), mLife,
-        [this, then = std::move(then)](const SessionFacts&) { then(packetLogFindings()); });
+        [this, then = std::move(then)](const SessionAnswers&) { then(packetLogFindings()); });
 }
 
 Findings DoctorProgram::packetLogFindings()

@@ -2,6 +2,7 @@
 
 #include "Applications/Doctor/Examination.h"
 #include "Platform/Desktop/DesktopPlatform.h"
+#include "Platform/Desktop/Screens/DesktopScreens.h"
 #include "Platform/Platform.h"
 
 #include <memory>
@@ -38,6 +39,7 @@ private:
 
     BusFacts mBuses;
     DesktopPlatform mDesktop;
+    DesktopScreens mScreens;
     Platform::Scope mInstalled;
     std::shared_ptr<Bundle> mPane;
     std::unique_ptr<Notebook> mNotebook;

@@ -6,9 +6,7 @@
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Programs/DetachedProcess.h"
 #include "Platform/Desktop/Programs/Supervisor.h"
-#include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
-#include "Platform/Desktop/Screens/ScreenBackends.h"
-#include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
+#include "Platform/Desktop/Screens/DesktopScreens.h"
 #include "Platform/Platform.h"
 
 #include <QCoreApplication>
@@ -61,15 +59,14 @@ int runServer(int argc, char** argv, unsigned crashes, KeptText& chosenDevice)
     FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
     if (crashes > 0 && !isStillWanted(preferences, *platform.log))
         return 0;
-    X11VirtualScreens x11(*platform.runLoop, watcherProgram());
-    MutterVirtualScreens mutter(*platform.runLoop, desktop.sessionBus());
-    ScreenBackends screens(desktop.sessionBus(), sessionFacts(), x11, mutter);
+    DesktopScreens screens(*platform.runLoop, desktop.sessionBus(), watcherProgram());
     SingleInstance instance(desktop.sessionBus(), kFVEScreenServerBundleID);
     const auto link = std::make_shared<NetworkDeviceLink>();
     const auto server = std::make_shared<ScreenServer>(
         ScreenServer::Services{*platform.discovery, *platform.runLoop, *platform.notificationCenter,
-                               *platform.distributedNotificationCenter, preferences, *link, screens,
-                               *platform.log, *platform.preferences, chosenDevice},
+                               *platform.distributedNotificationCenter, preferences, *link,
+                               screens.screens(), *platform.log, *platform.preferences,
+                               chosenDevice},
         ScreenServer::Ending{[&] { instance.release(); }, [&] { application.quit(); }});
     const TerminationSignals termination([&] { server->quit(); });
     QObject::connect(&instance, &SingleInstance::replaced, &application, [&] { server->quit(); });

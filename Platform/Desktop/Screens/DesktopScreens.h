@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
+#include "Platform/Desktop/Screens/ScreenBackends.h"
+#include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
+
+#include <string>
+#include <utility>
+
+namespace farview
+{
+
+/// The monitors of the desktop on which this program runs, whichever it is. Main thread only; loop
+/// and bus must live longer.
+class DesktopScreens
+{
+public:
+    /// `watcher`: the path of the program that undoes a monitor of an X server when this process
+    /// has died.
+    DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher)
+        : mX11(loop, std::move(watcher)), mMutter(loop, bus),
+          mBackends(bus, sessionFacts(), mX11, mMutter)
+    {
+    }
+
+    VirtualScreens& screens() { return mBackends; }
+
+private:
+    X11VirtualScreens mX11;
+    MutterVirtualScreens mMutter;
+    ScreenBackends mBackends;
+};
+
+} // namespace farview

@@ -4,6 +4,7 @@ Wants three arguments on the command line of the program: the folder for picture
 """
 import json
 import os
+import re
 import socket
 import struct
 import subprocess
@@ -244,9 +245,10 @@ def windows_of(program):
     """The places of its visible windows: left, top, width, height."""
     found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", program], capture_output=True, text=True).stdout
     for window in found.split():
-        shell = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True).stdout
-        values = dict(line.split("=") for line in shell.split())
-        yield tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        told = subprocess.run(["xwininfo", "-id", window], capture_output=True, text=True).stdout
+        values = dict(re.findall(r"(Absolute upper-left X|Absolute upper-left Y|Width|Height): +(-?\d+)", told))
+        if len(values) == 4:  # else it has gone meanwhile
+            yield tuple(map(int, values.values()))
 
 
 def number_of_windows(program="farview-preferences"):

@@ -82,6 +82,8 @@ def main():
     press(wait("the device menu", device_menu))
     press(seen(MENU_ENTRY, DEVICE))
     wait("GNOME has a second monitor", lambda: len(monitors()[0]) == 2)
+    size = looks.tablet_size(LOOK).replace("x", " × ")
+    wait("the panel says how large it is", lambda: any(size in text for text in texts()))
     wait("the tablet shows it", lambda: changed_part(waiting) > 0.9)
     step("The tablet is a monitor of GNOME", "gnome-monitor", display=TABLET)
     alone = tablet_picture("alone")

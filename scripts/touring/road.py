@@ -136,7 +136,7 @@ def arrange_desktop():
     """As people have it. Gives what the display says of its outputs."""
     if WAYLAND:
         return None
-    start("/usr/bin/openbox")
+    screens.start_window_manager()
     screens.use_spare_output_once()
     screens.draw_wallpaper()
     return screens.outputs()
@@ -153,19 +153,19 @@ def show_second_screen():
     second = screens.monitors()[1]
     wait("the panel says how large the device's screen is", lambda: any("{} × {}".format(*second) in text for text in texts()))
     screens.draw_wallpaper()
-    page = screens.show_page(second)
+    pages = screens.show_pages(second)
     wait("the tablet shows each pixel of its monitor", screens.is_exact_on_tablet)
     width, height, left, top = second
-    mouse.move(left + width // 4, top + height // 2)
+    mouse.move(left + width // 16, top + height // 2)
     step("The desktop goes on to the right, on the tablet", "desktop")
     step("What the tablet shows: a window and the mouse pointer", "tablet", display=TABLET)
-    page.terminate()
-    page.wait(10)
+    pages.terminate()
+    pages.wait(10)
 
 
 def let_the_wheel_stop():
-    """It turns for up to 15 seconds, also when the device answered at once. A reader of the manual does not see it end."""
-    if looks.is_for_readers(LOOK) and wait("the turning wheel", says(WHEEL), 2):
+    """It turns until the desktop has another monitor, for up to 15 seconds. A reader of the manual does not see it end."""
+    if looks.is_for_readers(LOOK) and wait_quietly(says(WHEEL), 2):
         wait("the turning wheel has gone", lambda: not says(WHEEL)(), 17)
 
 
@@ -283,6 +283,7 @@ def show_status_item():
     subprocess.run(["xdotool", "key", "Down", "Return"], check=True)
     wait("its first entry turned Farview on", lambda: running("ScreenCapture"))
     wait("the first free device is connected to by itself", lambda: is_in_use(0))
+    wait("the desktop has a second monitor", lambda: len(screens.monitors()) == 2)
     if icon:
         click_at(*icon)
         wait("its menu", menu_of_status_icon)

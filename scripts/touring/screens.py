@@ -5,7 +5,7 @@ import re
 import subprocess
 
 from touring import looks
-from touring.desk import BUILD, children, HOME, LOOK, TABLET, take_picture
+from touring.desk import BUILD, children, HOME, LOOK, SHARPNESS, start, TABLET, take_picture
 
 MANUAL = os.path.join(BUILD, "Farview Preferences.prefPane", "Contents", "Resources", "Farview Documentation.pdf")
 # The sky from top to bottom, then the hills from the farthest to the nearest.
@@ -40,6 +40,16 @@ def hill(width, height, number):
     return f"polygon 0,{height} {outline} {width + 8},{height}"
 
 
+def start_window_manager():
+    """Its titles are as large as the texts below them."""
+    with open("/etc/xdg/openbox/rc.xml", encoding="utf-8") as file:
+        configuration = file.read().replace("<size>8</size>", f"<size>{8 * SHARPNESS}</size>")
+    path = os.path.join(HOME, "openbox.xml")
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(configuration)
+    start("/usr/bin/openbox", "--config-file", path)
+
+
 def draw_wallpaper():
     """One landscape over all monitors."""
     width = max(left + width for width, _, left, _ in monitors())
@@ -53,14 +63,14 @@ def draw_wallpaper():
     subprocess.run(["display", "-window", "root", path])  # its exit status says nothing
 
 
-def show_page(monitor):
-    """Opens a window with the first page of the manual in the middle of that monitor, and gives its program."""
+def show_pages(monitor):
+    """Opens a window with the first two pages of the manual on that monitor, and gives its program."""
     width, height, left, top = monitor
-    page = os.path.join(HOME, "page")
-    tall = height * 4 // 5
-    subprocess.run(["pdftoppm", "-png", "-singlefile", "-scale-to", str(tall), MANUAL, page], check=True)
-    place = f"+{left + width // 3}+{top + height // 10}"
-    viewer = subprocess.Popen(["display", "-title", "Farview", "-geometry", place, page + ".png"], stdin=subprocess.DEVNULL)
+    pages = os.path.join(HOME, "page")
+    subprocess.run(["pdftoppm", "-png", "-l", "2", "-scale-to", str(height * 7 // 10), MANUAL, pages], check=True)
+    place = f"+{left + width // 8}+{top + height // 8}"
+    subprocess.run(["convert", pages + "-*.png", "+append", pages + ".png"], check=True)
+    viewer = subprocess.Popen(["display", "-title", "Farview", "-geometry", place, pages + ".png"], stdin=subprocess.DEVNULL)
     children.append(viewer)
     return viewer
 

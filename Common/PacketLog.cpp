@@ -4,6 +4,9 @@
 #include "Link/Wire/LinkCodec.h"
 #include "Platform/Log.h"
 
+#include <exception>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace farview
@@ -24,12 +27,20 @@ void PacketLog::setOn(bool isOn)
 {
     if (std::exchange(mIsOn, isOn) == isOn)
         return;
-    mIsWriting = isOn;
-    if (!isOn)
-        return;
-    if (!mThread.joinable())
-        mThread = std::jthread([this](const std::stop_token& stop) { run(stop); });
-    add({});
+    mIsWriting = isOn && hasThread();
+    if (mIsWriting)
+        add({});
+}
+
+bool PacketLog::hasThread()
+{
+    try {
+        if (!mThread.joinable())
+            mThread = std::jthread([this](const std::stop_token& stop) { run(stop); });
+    } catch (const std::system_error&) {
+        mLog.write(LogLevel::warning, "The log of screen packets does not begin: no thread");
+    }
+    return mThread.joinable();
 }
 
 void PacketLog::write(const LinkFrame& frame)
@@ -58,19 +69,24 @@ void PacketLog::run(const std::stop_token& stop)
         const Bytes frame = std::move(mWaiting.front());
         mWaiting.pop_front();
         lock.unlock();
-        if (frame.empty())
-            begin();
-        else if (mRoom > 0)
-            store(ByteView(frame).subspan(kLinkFrameHeaderSize));
+        take(frame);
         lock.lock();
         mWaitingSize -= frame.size();
     }
 }
 
-void PacketLog::begin()
+void PacketLog::take(const Bytes& frame)
 {
-    EnableLoggingScreenRectangleLogging();
-    mRoom = mLimits.written;
+    try {
+        if (frame.empty()) {
+            EnableLoggingScreenRectangleLogging();
+            mRoom = mLimits.written;
+        } else if (mRoom > 0) {
+            store(ByteView(frame).subspan(kLinkFrameHeaderSize));
+        }
+    } catch (const std::exception&) {
+        end("there is no memory");
+    }
 }
 
 void PacketLog::store(ByteView packet)
@@ -83,10 +99,10 @@ void PacketLog::store(ByteView packet)
         end("its files cannot be written");
 }
 
-void PacketLog::end(const std::string& reason)
+void PacketLog::end(const char* reason)
 {
     mRoom = 0;
-    mLog.write(LogLevel::warning, "The log of screen packets ends: " + reason);
+    mLog.write(LogLevel::warning, std::string("The log of screen packets ends: ") + reason);
 }
 
 } // namespace farview

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <deque>
 #include <mutex>
-#include <string>
 #include <thread>
 
 namespace farview
@@ -40,11 +39,12 @@ public:
     void write(const LinkFrame& frame);
 
 private:
+    bool hasThread();
     void add(Bytes frame);
     void run(const std::stop_token& stop);
-    void begin();
+    void take(const Bytes& frame);
     void store(ByteView packet);
-    void end(const std::string& reason);
+    void end(const char* reason);
 
     Log& mLog;
     const Limits mLimits;

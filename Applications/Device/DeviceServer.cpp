@@ -220,6 +220,7 @@ void DeviceServer::takeOptions(const LinkOptions& options)
 
 void DeviceServer::takePicture(LinkConnection& connection, const LinkFrame& frame)
 {
+    awaitTurn();
     const auto verdict = mPicture->take(frame);
     if (verdict == HostPicture::Verdict::good)
         return;
@@ -229,6 +230,20 @@ void DeviceServer::takePicture(LinkConnection& connection, const LinkFrame& fram
     status.lastVerdict = verdict;
     tell(status);
     connection.close({LinkGoodbyeCode::brokenRule, inWords(verdict)});
+}
+
+void DeviceServer::awaitTurn()
+{
+    if (std::exchange(mTurnIsAwaited, true))
+        return;
+    QMetaObject::invokeMethod(
+        &mServer,
+        [this] {
+            mTurnIsAwaited = false;
+            if (mPicture)
+                mPicture->beginTurn();
+        },
+        Qt::QueuedConnection);
 }
 
 void DeviceServer::sendHostAway()

@@ -103,6 +103,7 @@ private:
     std::optional<LinkRefusal> reasonToRefuse() const;
     void takeOptions(const LinkOptions& options);
     void takePicture(LinkConnection& connection, const LinkFrame& frame);
+    void awaitTurn();
     void userLeft(const LinkEnd& end);
     void tellState();
     void tell(const DeviceStatus& status);
@@ -118,6 +119,7 @@ private:
     /// The one that was accepted; owned by `mGuests`.
     LinkConnection* mUser = nullptr;
     std::unique_ptr<HostPicture> mPicture; ///< while that one may send pictures
+    bool mTurnIsAwaited = false;
     DeviceStatus mStatus;
     std::function<void()> mChanged = [] {};
     std::function<void()> mStopped;

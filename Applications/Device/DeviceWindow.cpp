@@ -48,7 +48,8 @@ QString useText(const DeviceTexts& texts, const DeviceStatus& status)
         return texts.text(
             "Not in use. Choose this device in Farview Preferences on another computer.");
     if (status.isPictureAgreed)
-        return texts.text("Connected to the computer at %@. Waiting for its picture…",
+        return texts.text("Connected to the computer at %@, waiting for its picture. If none "
+                          "comes, Farview Preferences there says why.",
                           {*status.usedBy});
     return texts.text("Connected to the computer at %@. Its version of Farview sends no pictures.",
                       {*status.usedBy});
@@ -112,7 +113,7 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
     connect(&mScreenChanged, &QTimer::timeout, this, [this] { mTellScreen(); });
     setMouseTracking(true);
     setWindowTitle(texts.text("Farview Device"));
-    becomeSmall();
+    resize(smallSize());
 }
 
 QWidget* DeviceWindow::makeStatusPage()
@@ -191,6 +192,7 @@ void DeviceWindow::beginPicture(const PictureReceiver& picture)
         return;
     mPages->setCurrentWidget(mView);
     fillScreen(mFirst == First::fillsScreen);
+    raise();
     mRest.start();
     mActions.pictureShown(true);
 }
@@ -211,27 +213,38 @@ void DeviceWindow::endPicture()
     rest();
     mView->unsetCursor();
     mPages->setCurrentIndex(0);
-    becomeSmall();
+    becomeWindow(smallSize());
     mActions.pictureShown(false);
 }
 
 void DeviceWindow::fillScreen(bool isFull)
 {
-    setWindowState(isFull ? Qt::WindowFullScreen : Qt::WindowNoState);
-    if (isFull) {
-        // Where there is no window manager, nobody else makes it that large.
-        setGeometry(QWidget::screen()->geometry());
-        return;
-    }
-    const QSize room = QWidget::screen()->availableSize() * partOfScreen;
-    const QSize points = (QSizeF(mView->pictureSize()) / devicePixelRatioF()).toSize();
-    resize(points.boundedTo(points.scaled(room, Qt::KeepAspectRatio)));
+    if (!isFull)
+        return becomeWindow(sizeInWindow());
+    if (!isFullScreen())
+        mPlace = geometry().topLeft();
+    // Where there is no window manager, nobody else makes it that large.
+    setGeometry(QWidget::screen()->geometry());
+    setWindowState(Qt::WindowFullScreen);
 }
 
-void DeviceWindow::becomeSmall()
+void DeviceWindow::becomeWindow(const QSize& size)
 {
     setWindowState(Qt::WindowNoState);
-    resize(windowWidth, mPages->widget(0)->sizeHint().height());
+    setGeometry({mPlace, size});
+}
+
+/// Of the picture, pixel for pixel if there is room.
+QSize DeviceWindow::sizeInWindow() const
+{
+    const QSize room = QWidget::screen()->availableSize() * partOfScreen;
+    const QSize points = (QSizeF(mView->pictureSize()) / devicePixelRatioF()).toSize();
+    return points.boundedTo(points.scaled(room, Qt::KeepAspectRatio));
+}
+
+QSize DeviceWindow::smallSize() const
+{
+    return {windowWidth, mPages->widget(0)->sizeHint().height()};
 }
 
 // --- bar, keys and mouse ---------------------------------------------------------------------

@@ -56,7 +56,9 @@ private:
     QWidget* makeStatusPage();
     void followScreen();
     void fillScreen(bool isFull);
-    void becomeSmall();
+    void becomeWindow(const QSize& size);
+    QSize sizeInWindow() const;
+    QSize smallSize() const;
     void openBarAt(const QPointF& place);
     void rest();
 
@@ -70,7 +72,8 @@ private:
     QLabel* mTrouble = nullptr;
     ScreenView* mView;
     PictureBar* mBar;
-    QTimer mRest; ///< until bar and mouse pointer go
+    QPoint mPlace; ///< before it filled the screen
+    QTimer mRest;  ///< until bar and mouse pointer go
     QTimer mScreenChanged;
     std::function<void()> mTellScreen = [] {};
     QList<QMetaObject::Connection> mScreenSignals;

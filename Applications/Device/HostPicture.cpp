@@ -9,6 +9,16 @@
 
 namespace farview
 {
+namespace
+{
+
+/// Sides below zero are refused later, where the rectangle is read.
+std::int64_t areaOf(int width, int height)
+{
+    return std::int64_t{std::max(width, 0)} * std::max(height, 0);
+}
+
+} // namespace
 
 HostPicture::HostPicture(const LinkAgreement& agreement, Glass& glass, Send send, Now now)
     : mGlass(glass), mSend(std::move(send)), mNow(std::move(now)), mAgreed{&mJpeg}
@@ -70,9 +80,10 @@ HostPicture::Verdict HostPicture::begin(const LinkPictureSize& size)
         mReceiver.reset();
         return Verdict::good;
     }
-    if (std::int64_t{size.width} * size.height > mostPixels)
+    const auto pixels = areaOf(size.width, size.height);
+    if (pixels > mostPixels)
         return Verdict::tooLarge;
-    if (!mayTouch(size.width, size.height))
+    if (!mayTouch(std::max(pixels, leastOfPicture)))
         return Verdict::brokenRule;
     auto next = std::make_unique<PictureReceiver>(size.width, size.height, mZlib, mAgreed);
     mGlass.beginPicture(*next);
@@ -85,8 +96,8 @@ bool HostPicture::apply(const LinkScreenRectangle& packet)
     const auto& part = packet.rectangle;
     const bool isOfPointer = packet.encoding == QLScreenEncodingMousePos ||
                              packet.encoding == QLScreenEncodingMouseCursor;
-    if (!mReceiver || (!isOfPointer && !mayTouch(part.width, part.height)) ||
-        !mReceiver->apply(packet))
+    const auto pixels = leastOfPart + areaOf(part.width, part.height);
+    if (!mReceiver || (!isOfPointer && !mayTouch(pixels)) || !mReceiver->apply(packet))
         return false;
     mBytes += kLinkFrameHeaderSize + kScreenPacketHeaderSize + packet.data.size();
     if (isOfPointer)
@@ -94,10 +105,9 @@ bool HostPicture::apply(const LinkScreenRectangle& packet)
     return true;
 }
 
-/// Sides below zero are refused later, where the rectangle is read.
-bool HostPicture::mayTouch(int width, int height)
+bool HostPicture::mayTouch(std::int64_t pixels)
 {
-    mWork += leastWork + std::int64_t{std::max(width, 0)} * std::max(height, 0);
+    mWork += pixels;
     return mWork <= mostWork;
 }
 
@@ -106,7 +116,6 @@ bool HostPicture::finish(const LinkFrameEnd& end)
     if (!mReceiver || end.number != mEnded + 1 || mEnded - mShown >= mostUnshown)
         return false;
     mEnded = end.number;
-    mWork = 0;
     mGlass.showFrame(mReceiver->takeChanged(), std::exchange(mBytes, 0),
                      [this, number = end.number, arrived = mNow()] { tellShown(number, arrived); });
     return true;

@@ -26,10 +26,12 @@ public:
 
     /// The pixels of the largest picture that is shown: those of 8K.
     static constexpr std::int64_t mostPixels = std::int64_t{1} << 25;
-    /// The pixels that may be touched until a frame ends, so that no host keeps the device from its
-    /// user: each rectangle and each new picture counts with its area, and a little more.
-    static constexpr std::int64_t mostWork = 4 * mostPixels;
-    static constexpr std::int64_t leastWork = 256;
+    /// The pixels that may be touched in one turn of the event loop, so that no host keeps the
+    /// device from its user: each rectangle counts with its area and a little more, each new
+    /// picture with its area or what it takes to lay the window out for it.
+    static constexpr std::int64_t mostWork = 8 * mostPixels;
+    static constexpr std::int64_t leastOfPart = 256;
+    static constexpr std::int64_t leastOfPicture = std::int64_t{1} << 20;
     /// The frames that may wait to be shown.
     static constexpr std::uint32_t mostUnshown = 2;
 
@@ -42,6 +44,8 @@ public:
 
     /// Takes what the host sends. After anything but "good" the link is to be ended.
     Verdict take(const LinkFrame& frame);
+    /// The event loop has turned.
+    void beginTurn() { mWork = 0; }
 
 private:
     static std::chrono::microseconds steadyTime();
@@ -51,7 +55,7 @@ private:
     Verdict begin(const LinkPictureSize& size);
     bool apply(const LinkScreenRectangle& packet);
     bool finish(const LinkFrameEnd& end);
-    bool mayTouch(int width, int height);
+    bool mayTouch(std::int64_t pixels);
     void tellShown(std::uint32_t number, std::chrono::microseconds arrived);
 
     Glass& mGlass;
@@ -63,8 +67,8 @@ private:
     std::vector<PixelCodec*> mAgreed; ///< beside zlib
     std::unique_ptr<PictureReceiver> mReceiver;
     std::optional<LinkDeviceScreen> mTold;
-    std::int64_t mWork = 0;   ///< pixels touched since the last frame's end
-    std::size_t mBytes = 0;   ///< received since then
+    std::int64_t mWork = 0;   ///< pixels touched in this turn
+    std::size_t mBytes = 0;   ///< received since the last frame's end
     std::uint32_t mEnded = 0; ///< the last frame that is complete
     std::uint32_t mShown = 0; ///< the last of which the host was told
 };

@@ -13,7 +13,7 @@ inline QImage imageOf(const Picture& picture)
 {
     const auto* pixels = reinterpret_cast<const uchar*>(picture.view().pixels);
     return {pixels, picture.width(), picture.height(),
-            picture.width() * static_cast<int>(sizeof(std::uint32_t)),
+            picture.width() * static_cast<qsizetype>(sizeof(std::uint32_t)),
             QImage::Format_ARGB32_Premultiplied};
 }
 

@@ -90,7 +90,7 @@ Findings Examination::examineAccessibility()
     return findingsAboutAccessibility({mSession.letsWindowsBeMoved});
 }
 
-Findings Examination::examineDisplay() { return findingsAboutDisplay(displayFacts(mSession)); }
+Findings Examination::examineDisplay() { return findingsAboutDisplay(displayFacts()); }
 
 void Examination::lookForDevices()
 {

@@ -166,24 +166,14 @@ struct AccessibilityFacts {
 
 Findings findingsAboutAccessibility(const AccessibilityFacts& facts);
 
-struct X11Outputs {
-    std::size_t online = 0; ///< show something
-    std::size_t spare = 0;  ///< could show something and do not
-};
-
-/// What windows are shown on, and what it offers for screens that are no monitors.
+/// What windows are shown on.
 struct DisplayFacts {
-    std::string x11;                ///< DISPLAY
-    std::string wayland;            ///< WAYLAND_DISPLAY
-    std::string desktop;            ///< as the session names it: "GNOME"
-    int mutterScreenCast = 0;       ///< as in `SessionAnswers`
-    unsigned portalSourceTypes = 0; ///< as in `SessionAnswers`
-    bool hasSway = false;           ///< whose command creates outputs
-    /// The X server's outputs; nothing when it did not tell.
-    std::optional<X11Outputs> x11Outputs{};
+    std::string x11;     ///< DISPLAY
+    std::string wayland; ///< WAYLAND_DISPLAY
+    std::string desktop; ///< as the session names it: "GNOME"
 };
 
-DisplayFacts displayFacts(const SessionAnswers& session);
+DisplayFacts displayFacts();
 Findings findingsAboutDisplay(const DisplayFacts& facts);
 
 /// `answer` is nothing when nobody said in time what is possible.

@@ -6,16 +6,12 @@
 #include "Platform/Desktop/Bus/SingleInstance.h"
 #include "Platform/Platform.h"
 
-#include <QDBusVariant>
-
 #include <utility>
 
 namespace farview
 {
 namespace
 {
-
-constexpr int limit = 1000; // milliseconds
 
 /// The answers so far.
 class SessionQuestions : public std::enable_shared_from_this<SessionQuestions>
@@ -33,24 +29,6 @@ public:
         mBus.askForOwner(QString::fromStdString(applicationBusName(identifier)), &mBus,
                          [self = shared_from_this(), fact](bool runs) { self->take(fact, runs); });
     }
-    template <typename Value> void askForProperty(const QString& service, const QString& path,
-                                                  const QString& interface, const QString& name,
-                                                  Value SessionAnswers::*fact)
-    {
-        ++mOpen;
-        auto call = QDBusMessage::createMethodCall(
-            service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
-            QStringLiteral("Get"));
-        call << interface << name;
-        call.setAutoStartService(false);
-        const auto use = [self = shared_from_this(), fact](const QDBusMessage& reply) {
-            const auto value = reply.signature() == u"v"
-                                   ? reply.arguments().at(0).value<QDBusVariant>().variant()
-                                   : QVariant();
-            self->take(fact, value.value<Value>());
-        };
-        mBus.ask(call, &mBus, use, limit);
-    }
     void askWhetherWindowsMayBeMoved(Accessibility& accessibility)
     {
         ++mOpen;
@@ -60,7 +38,7 @@ public:
     }
 
 private:
-    template <typename Value> void take(Value SessionAnswers::*fact, Value value)
+    void take(bool SessionAnswers::*fact, bool value)
     {
         mFacts.*fact = value;
         if (--mOpen > 0 || mAsker.expired())
@@ -85,15 +63,6 @@ void askForSessionAnswers(Platform& platform, SessionBus& bus, std::weak_ptr<voi
         std::make_shared<SessionQuestions>(bus, std::move(asker), std::move(then));
     questions->askWhetherItRuns(kFVEScreenServerBundleID, &SessionAnswers::hasServer);
     questions->askWhetherItRuns(kFVEMenuExtraBundleID, &SessionAnswers::hasStatusItem);
-    questions->askForProperty(QStringLiteral("org.gnome.Mutter.ScreenCast"),
-                              QStringLiteral("/org/gnome/Mutter/ScreenCast"),
-                              QStringLiteral("org.gnome.Mutter.ScreenCast"),
-                              QStringLiteral("Version"), &SessionAnswers::mutterScreenCast);
-    questions->askForProperty(QStringLiteral("org.freedesktop.portal.Desktop"),
-                              QStringLiteral("/org/freedesktop/portal/desktop"),
-                              QStringLiteral("org.freedesktop.portal.ScreenCast"),
-                              QStringLiteral("AvailableSourceTypes"),
-                              &SessionAnswers::portalSourceTypes);
     questions->askWhetherWindowsMayBeMoved(*platform.accessibility);
 }
 

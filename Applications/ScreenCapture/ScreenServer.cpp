@@ -350,10 +350,16 @@ void ScreenServer::deviceHasRoom()
         mScreen->linkHasRoom();
 }
 
-/// A device that may know how the user works, and has told its screen, becomes a monitor.
+/// Whether the device shows pictures, and may know how the user works.
+bool ScreenServer::mayHaveScreen()
+{
+    return mServices.link.hasFeature(kLinkScreenFeature) && mayHaveOptions();
+}
+
+/// Once it has told its screen.
 void ScreenServer::beginScreen()
 {
-    if (mState != State::connected || mScreen || !mDeviceScreen || !mayHaveOptions())
+    if (mState != State::connected || mScreen || !mDeviceScreen || !mayHaveScreen())
         return;
     const std::string& device = mDeviceName == kOtherDeviceName ? mDeviceAddress : mDeviceName;
     mScreen = std::make_shared<ScreenSession>(

@@ -135,6 +135,7 @@ private:
     LinkOptions options();
     bool mayHaveOptions();
     void sendOptions();
+    bool mayHaveScreen();
     void beginScreen();
     void endScreen();
     void postScreen();

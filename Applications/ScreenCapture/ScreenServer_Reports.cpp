@@ -51,7 +51,10 @@ void ScreenServer::postDevice(const char* name)
 
 void ScreenServer::postScreen()
 {
-    const ScreenReport report = mScreen ? mScreen->report() : ScreenReport{};
+    ScreenReport report = mScreen ? mScreen->report() : ScreenReport{};
+    // The device is about to tell its screen.
+    if (mState == State::connected && !mScreen && mayHaveScreen())
+        report.state = ScreenReport::State::coming;
     post(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
 }
 

@@ -321,6 +321,17 @@ TEST_F(DeviceServerTest, TellsAHostThatItsFrameIsShown)
     EXPECT_EQ(std::get<LinkShown>(guest->seen->frames.back()).number, 1u);
 }
 
+TEST_F(DeviceServerTest, FollowsAHostThatGoesOnForLong)
+{
+    const auto guest = startWithAPicture({64, 64});
+    for (int count = 0; count < 600; ++count) {
+        const int before = glass.pictures;
+        guest->link->send(LinkPictureSize{32, 32});
+        ASSERT_TRUE(waitUntil([&] { return glass.pictures > before || !isUsed(); }));
+    }
+    EXPECT_TRUE(isUsed());
+}
+
 TEST_F(DeviceServerTest, SendsAHostAwayWhosePictureBreaksTheRules)
 {
     const auto guest = startWithAPicture({64, 64});

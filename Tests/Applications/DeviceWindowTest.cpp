@@ -1,11 +1,13 @@
 #include "Applications/Device/DeviceWindow.h"
 
 #include "Screen/Codecs/ZlibCodec.h"
+#include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <QApplication>
 #include <QScreen>
 #include <QTest>
+#include <QWindow>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -79,8 +81,7 @@ TEST_F(DeviceWindowTest, SaysThatItWaitsForThePicture)
     status.usedBy = "192.0.2.9";
     status.isPictureAgreed = true;
     window.showStatus(status);
-    EXPECT_EQ(text("deviceUse"),
-              "Connected to the computer at 192.0.2.9. Waiting for its picture…");
+    EXPECT_THAT(text("deviceUse"), HasSubstr("192.0.2.9, waiting for its picture"));
 }
 
 TEST_F(DeviceWindowTest, ForgetsItsHostWhenThatHasGone)
@@ -169,14 +170,17 @@ TEST_F(DeviceWindowTest, APictureMayStayInTheWindowAndIsAskedForSmaller)
 
 TEST_F(DeviceWindowTest, IsSmallAgainAfterThePicture)
 {
-    const QSize before = window.size();
+    window.move(30, 40);
+    const QRect before = window.geometry();
     window.beginPicture(picture);
-    ASSERT_TRUE(waitUntil([&] { return window.size() != before; }));
+    ASSERT_TRUE(
+        waitUntil([&] { return window.geometry() == window.QWidget::screen()->geometry(); }));
     window.endPicture();
     EXPECT_FALSE(window.isFullScreen());
     EXPECT_FALSE(view().isVisible());
     EXPECT_TRUE(label("deviceName").isVisible());
-    EXPECT_TRUE(waitUntil([&] { return window.width() == before.width(); }));
+    EXPECT_EQ(window.geometry().topLeft(), before.topLeft());
+    EXPECT_EQ(window.width(), before.width());
     window.endPicture();
     EXPECT_THAT(shown, ElementsAre(true, false)) << "it ends once";
 }
@@ -303,6 +307,38 @@ TEST_F(DeviceWindowTest, TellsTheScreenThatItIsOn)
     EXPECT_EQ(told, 1) << "changes that come together are told once";
 }
 
+TEST_F(DeviceWindowTest, TellsTheScreenThatItIsMovedTo)
+{
+    int told = 0;
+    window.setScreenObserver([&] { ++told; });
+    const auto screens = QApplication::screens();
+    ASSERT_EQ(screens.size(), 2);
+    window.windowHandle()->setScreen(screens[1]);
+    EXPECT_TRUE(waitUntil([&] { return told == 1; }));
+    EXPECT_EQ(window.screen(), (LinkDeviceScreen{1200, 1920, 150, 60}));
+    runLoopFor(std::chrono::milliseconds(20));
+    Q_EMIT screens[0]->geometryChanged({});
+    runLoopFor(std::chrono::milliseconds(20));
+    EXPECT_EQ(told, 1) << "the other screen is no longer of interest";
+    Q_EMIT screens[1]->geometryChanged({});
+    EXPECT_TRUE(waitUntil([&] { return told == 2; }));
+}
+
+TEST_F(DeviceWindowTest, TheBarKeepsItsButtonsInANarrowWindow)
+{
+    status.announcedName = "WWWWWWWWWW WWWWWWWWWW WWWWWWWWWW";
+    window.showStatus(status);
+    window.beginPicture(picture);
+    press(Qt::Key_F10);
+    window.setWindowState(Qt::WindowNoState);
+    window.resize(420, 300);
+    ASSERT_TRUE(waitUntil([&] { return bar().width() == 420; }));
+    for (const char* name : {"fitButton", "fullButton", "disconnectButton"})
+        EXPECT_GE(button(name).width(), button(name).sizeHint().width()) << name;
+    EXPECT_LT(button("disconnectButton").geometry().right(), 420);
+    window.endPicture();
+}
+
 TEST(RateText, IsCountedNotPromised)
 {
     const DeviceTexts texts({"en"});
@@ -314,9 +350,23 @@ TEST(RateText, IsCountedNotPromised)
               "1 × 1 pixels, 0 pictures a second, 0.0 Mbit/s");
 }
 
+namespace
+{
+
+/// One screen is a tablet's that is held upright.
+const char* const twoScreens = R"({"screens": [
+    {"name": "A", "x": 0, "y": 0, "width": 1000, "height": 800,
+     "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1},
+    {"name": "B", "x": 1000, "y": 0, "width": 800, "height": 1280,
+     "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1.5}]})";
+
+} // namespace
+
 int main(int argc, char** argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    TemporaryFolder folder;
+    const auto screens = folder.write("screens.json", twoScreens);
+    qputenv("QT_QPA_PLATFORM", QByteArray::fromStdString("offscreen:configfile=" + screens));
     testing::InitGoogleTest(&argc, argv);
     const QApplication application(argc, argv);
     QLocale::setDefault(QLocale::c());

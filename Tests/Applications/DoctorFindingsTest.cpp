@@ -230,35 +230,11 @@ TEST(PolkitFindings, FollowTheTable)
         EXPECT_THAT(names(findingsAboutPolkit({"/tool", {kind, "/"}, status})), ElementsAre(name));
 }
 
-TEST(DisplayFindings, NameTheDisplayAndWhatItOffers)
+TEST(DisplayFindings, NameTheDisplay)
 {
     EXPECT_THAT(names(findingsAboutDisplay({})), ElementsAre("none"));
-    DisplayFacts facts;
-    facts.x11 = ":0";
-    facts.wayland = "wayland-0";
-    facts.desktop = "GNOME";
-    EXPECT_THAT(names(findingsAboutDisplay(facts)),
-                ElementsAre("wayland", "x11", "virtual-unknown"));
-    facts.mutterScreenCast = 4;
-    facts.portalSourceTypes = 7;
-    EXPECT_THAT(names(findingsAboutDisplay(facts)),
-                ElementsAre("wayland", "x11", "mutter-virtual", "portal-virtual"));
-    facts.portalSourceTypes = 3;
-    EXPECT_THAT(names(findingsAboutDisplay(facts)),
-                ElementsAre("wayland", "x11", "mutter-virtual"));
-}
-
-TEST(DisplayFindings, CountWhatAnXServerHasToSpare)
-{
-    DisplayFacts facts;
-    facts.x11 = ":0";
-    facts.x11Outputs = X11Outputs{1, 0};
-    EXPECT_THAT(names(findingsAboutDisplay(facts)), ElementsAre("x11", "x11-fixed"));
-    facts.x11Outputs = X11Outputs{1, 15};
-    EXPECT_THAT(names(findingsAboutDisplay(facts)), ElementsAre("x11", "x11-virtual"));
-    facts.hasSway = true;
-    EXPECT_THAT(names(findingsAboutDisplay(facts)),
-                ElementsAre("x11", "sway-virtual", "x11-virtual"));
+    EXPECT_THAT(names(findingsAboutDisplay({":0", "wayland-0", "GNOME"})),
+                ElementsAre("wayland", "x11"));
 }
 
 TEST(ScreenFindings, NameTheWayInWhichAScreenIsAdded)

@@ -68,6 +68,7 @@ protected:
     std::chrono::microseconds now{5s};
     std::vector<LinkFrame> sent;
     std::optional<HostPicture> picture;
+    std::uint32_t frames = 0;
     ZlibCodec zlib;
     ZstdCodec zstd;
     JpegCodec jpeg;
@@ -299,6 +300,38 @@ TEST_F(HostPictureTest, ManyLargeSizesWithoutAFrameBreakTheRules)
         verdict = picture->take(LinkPictureSize{7680, 4320});
     EXPECT_EQ(verdict, Verdict::brokenRule);
     EXPECT_LT(count, 10);
+}
+
+TEST_F(HostPictureTest, PicturesThatComeAndGoWithoutATurnBreakTheRules)
+{
+    begin();
+    int count = 0;
+    while (count < 1000 && picture->take(LinkPictureSize{1, 1}) == Verdict::good &&
+           end(++frames) == Verdict::good && picture->take(LinkPictureSize{}) == Verdict::good)
+        ++count;
+    EXPECT_LT(count, 1000);
+}
+
+TEST_F(HostPictureTest, FramesThatNobodyWaitsForCannotAddUp)
+{
+    begin();
+    const LinkScreenRectangle copy{{0, 0, 7680, 4320}, QLScreenEncodingCopyRect, Bytes(4, 0)};
+    int count = 0;
+    while (count < 20 && picture->take(LinkPictureSize{7680, 4320}) == Verdict::good &&
+           picture->take(copy) == Verdict::good && end(++frames) == Verdict::good)
+        ++count;
+    EXPECT_LT(count, 20);
+}
+
+TEST_F(HostPictureTest, WorkIsCountedForEachTurnAlone)
+{
+    beginWithASize();
+    const LinkScreenRectangle copy{{0, 0, width, height}, QLScreenEncodingCopyRect, Bytes(4, 0)};
+    for (int turn = 0; turn < 3; ++turn) {
+        for (int count = 0; count < 3000; ++count)
+            ASSERT_EQ(picture->take(copy), Verdict::good) << turn << " " << count;
+        picture->beginTurn();
+    }
 }
 
 TEST_F(HostPictureTest, AFrameThatCopiesWithoutAnEndBreaksTheRules)

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <new>
 #include <optional>
 
 using namespace farview;
@@ -39,6 +40,8 @@ public:
         ++mWritesBegun;
         mChanged.notify_all();
         mChanged.wait(lock, [this] { return !mStandsStill; });
+        if (hasNoMemory)
+            throw std::bad_alloc();
         if (!isFull)
             files.emplace_back(path, Bytes(bytes.begin(), bytes.end()));
         return !isFull;
@@ -63,6 +66,7 @@ public:
 
     // Read and changed while nothing is being written.
     bool isFull = false;
+    bool hasNoMemory = false;
     std::vector<std::string> folders;
     std::vector<std::pair<std::string, Bytes>> files;
 
@@ -183,6 +187,18 @@ TEST_F(PacketLogTest, AFullDiskEndsTheLogOnly)
         EXPECT_THAT(disk.files, IsEmpty());
         EXPECT_EQ(lastLine(), "The log of screen packets ends: its files cannot be written");
         EXPECT_THAT(fake.log.lines(), SizeIs(4)) << "the second packet is not tried any more";
+    });
+}
+
+TEST_F(PacketLogTest, WantOfMemoryEndsTheLogOnly)
+{
+    inItsOwnProcess([this] {
+        disk.hasNoMemory = true;
+        withLog({}, [](PacketLog& log) {
+            log.write(packet(1));
+            log.write(packet(1));
+        });
+        EXPECT_EQ(lastLine(), "The log of screen packets ends: there is no memory");
     });
 }
 

@@ -120,6 +120,28 @@ TEST_F(AScreen, IsOnTheDeviceBitForBit)
     })) << serverLog();
 }
 
+TEST_F(AScreen, IsShownByTheRealDevice)
+{
+    tablet->vanish();
+    startDevice({"--picture-file", home.path("picture.ppm")});
+    startServer();
+    connectByAddress();
+    ASSERT_TRUE(reports(State::shown)) << serverLog() << deviceLog();
+    EXPECT_EQ(report.monitor, pixelRect(1920, 0, 1920, 1080)) << "as large as it says it is";
+    paint(0, 0, 1920, 1080, 0x00123456);
+    paint(700, 500, 200, 100, 0x00fedcba);
+    EXPECT_TRUE(waitUntil([&] {
+        const std::string file = text("picture.ppm");
+        const std::size_t size = 3 * 1920 * 1080;
+        const auto colour = [&](std::size_t x, std::size_t y) {
+            return file.substr(file.size() - size + 3 * (1920 * y + x), 3);
+        };
+        return file.size() > size && colour(799, 599) == "\xfe\xdc\xba" &&
+               colour(699, 499) == "\x12\x34\x56";
+    })) << serverLog()
+        << deviceLog();
+}
+
 TEST_F(AScreen, BringsThePointerAlong)
 {
     showMonitor();

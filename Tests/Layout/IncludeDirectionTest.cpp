@@ -86,6 +86,9 @@ std::string libraryOf(const std::string& header)
         if (header.starts_with(std::string(library) + "/"))
             return library;
     }
+    // Its headers come in two families.
+    if (header.starts_with("pipewire/") || header.starts_with("spa/"))
+        return "pipewire";
     for (const char* library : {"archive", "expat", "sodium", "turbojpeg", "zlib", "zstd"}) {
         if (header.starts_with(library))
             return library;

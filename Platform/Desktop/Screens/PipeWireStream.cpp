@@ -91,7 +91,7 @@ void PipeWireStream::call(void* self, Arguments... arguments)
         (stream.*operation)(arguments...);
     } catch (const std::exception&) {
         // No memory.
-        stream.end();
+        stream.end(ScreenObstacle::failed);
     }
 }
 
@@ -112,7 +112,7 @@ const pw_stream_events& PipeWireStream::handlers()
 void PipeWireStream::connect(std::uint32_t node, int width, int height)
 {
     if (!begin(node, {width, height}))
-        end();
+        end(ScreenObstacle::failed);
 }
 
 /// Everything belongs to the thread as soon as that runs.
@@ -157,21 +157,23 @@ void PipeWireStream::resize(int width, int height)
                        this);
 }
 
-void PipeWireStream::tell(std::function<void()> Events::*event)
+void PipeWireStream::tell(std::function<void(const Events&)> news)
 {
-    mLoop.post(mEvents, [events = mEvents.get(), event] { (events->*event)(); });
+    mLoop.post(mEvents, [events = mEvents.get(), news = std::move(news)] { news(*events); });
 }
 
-void PipeWireStream::end()
+void PipeWireStream::end(ScreenObstacle reason)
 {
     if (!std::exchange(mHasEnded, true))
-        tell(&Events::ended);
+        tell([reason](const auto& events) { events.ended(reason); });
 }
 
 void PipeWireStream::useState(pw_stream_state, pw_stream_state now, const char*)
 {
-    if (now == PW_STREAM_STATE_ERROR || now == PW_STREAM_STATE_UNCONNECTED)
-        end();
+    if (now == PW_STREAM_STATE_ERROR)
+        end(ScreenObstacle::takenAway);
+    else if (now == PW_STREAM_STATE_UNCONNECTED)
+        end(ScreenObstacle::failed);
 }
 
 void PipeWireStream::useParameter(std::uint32_t id, const spa_pod* value)
@@ -184,7 +186,7 @@ void PipeWireStream::useParameter(std::uint32_t id, const spa_pod* value)
     if (isKnown && width > 0 && width <= longestSide && height > 0 && height <= longestSide)
         useFormat({static_cast<int>(width), static_cast<int>(height)});
     else
-        end();
+        end(ScreenObstacle::failed);
 }
 
 void PipeWireStream::useFormat(Size size)
@@ -229,7 +231,7 @@ void PipeWireStream::usePointer(const spa_buffer& buffer)
     if (looksDifferent)
         mScreen->setCursor(mPointer = std::move(*news->image));
     if (mScreen->moveCursor(news->position) || looksDifferent)
-        tell(&Events::cursorChanged);
+        tell([](const auto& events) { events.cursorChanged(); });
 }
 
 void PipeWireStream::wake(int descriptor, std::uint32_t)
@@ -246,7 +248,7 @@ void PipeWireStream::copyNewest()
     const bool isNews = mScreen->endFrame(copy(*mNewest->buffer));
     pw_stream_queue_buffer(mStream.get(), std::exchange(mNewest, nullptr));
     if (isNews)
-        tell(&Events::frameReady);
+        tell([](const auto& events) { events.frameReady(); });
 }
 
 /// Returns where the frame differs from the one before it.

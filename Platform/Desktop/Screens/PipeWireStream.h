@@ -3,6 +3,7 @@
 #include "Platform/Desktop/Screens/CapturedScreen.h"
 #include "Platform/Posix/FileDescriptor.h"
 #include "Platform/RunLoop.h"
+#include "Platform/Types/ScreenObstacle.h"
 
 #include <pipewire/pipewire.h>
 
@@ -24,8 +25,9 @@ public:
     struct Events {
         std::function<void()> frameReady; ///< not again until a frame was taken and released
         std::function<void()> cursorChanged;
-        /// PipeWire has gone or is not there, the node has gone, or there is no memory.
-        std::function<void()> ended;
+        /// The node was `takenAway`; or it `failed`: PipeWire has gone or is not there, or there is
+        /// no memory.
+        std::function<void(ScreenObstacle reason)> ended;
     };
 
     /// The loop must live longer.
@@ -65,8 +67,8 @@ private:
     static const pw_stream_events& handlers();
 
     bool begin(std::uint32_t node, Size size);
-    void tell(std::function<void()> Events::*event);
-    void end();
+    void tell(std::function<void(const Events&)> news);
+    void end(ScreenObstacle reason);
     // On PipeWire's thread:
     void useState(pw_stream_state before, pw_stream_state now, const char* error);
     void useParameter(std::uint32_t id, const spa_pod* value);
@@ -92,7 +94,7 @@ private:
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;
     pw_buffer* mNewest = nullptr; ///< not copied yet: a frame is out
     CursorImage mPointer;
-    bool mIsFirst = true;         ///< of its size
+    bool mIsFirst = true; ///< of its size
     bool mHasEnded = false;
 };
 

@@ -9,8 +9,6 @@ namespace farview
 namespace
 {
 
-const std::string mutterName = "org.gnome.Mutter.ScreenCast";
-
 bool isGnome(const std::string& desktop)
 {
     return (":" + desktop + ":").find(":GNOME:") != std::string::npos;
@@ -35,9 +33,18 @@ SessionFacts sessionFacts()
 
 ScreenBackends::ScreenBackends(SessionBus& bus, SessionFacts facts, VirtualScreens& x11,
                                VirtualScreens& mutter)
-    : mBus(bus), mFacts(std::move(facts)), mX11(x11), mMutter(mutter),
-      mWatcher(bus, mutterName, [this](bool isOwned) { mFacts.hasMutter = isOwned; })
+    : mBus(bus), mFacts(std::move(facts)), mX11(x11), mMutter(mutter)
 {
+    lookForMutter([] {});
+}
+
+void ScreenBackends::lookForMutter(std::function<void()> then)
+{
+    mBus.askForOwner(QStringLiteral("org.gnome.Mutter.ScreenCast"), &mAsker,
+                     [this, then = std::move(then)](bool isOwned) {
+                         mFacts.hasMutter = isOwned;
+                         then();
+                     });
 }
 
 VirtualScreens* ScreenBackends::chosen() const
@@ -55,15 +62,12 @@ VirtualScreens* ScreenBackends::chosen() const
 
 void ScreenBackends::availability(std::weak_ptr<void> target, Answer then)
 {
-    // The watcher's first answer may still be on its way.
-    mBus.askForOwner(QString::fromStdString(mutterName), &mWatcher,
-                     [this, target = std::move(target), then = std::move(then)](bool isOwned) {
-                         mFacts.hasMutter = isOwned;
-                         if (auto* screens = chosen())
-                             screens->availability(target, then);
-                         else if (const auto kept = target.lock())
-                             then({std::nullopt, ScreenObstacle::noDesktop});
-                     });
+    lookForMutter([this, target = std::move(target), then = std::move(then)] {
+        if (auto* screens = chosen())
+            screens->availability(target, then);
+        else if (const auto kept = target.lock())
+            then({std::nullopt, ScreenObstacle::noDesktop});
+    });
 }
 
 std::unique_ptr<VirtualScreen> ScreenBackends::open(const ScreenWish& wish, Delegate delegate)

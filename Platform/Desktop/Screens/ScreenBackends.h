@@ -1,8 +1,9 @@
 #pragma once
 
-#include "Platform/Desktop/Bus/BusNameWatcher.h"
+#include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/VirtualScreens.h"
 
+#include <functional>
 #include <string>
 
 namespace farview
@@ -37,13 +38,14 @@ public:
     std::unique_ptr<VirtualScreen> open(const ScreenWish& wish, Delegate delegate) override;
 
 private:
+    void lookForMutter(std::function<void()> then);
     VirtualScreens* chosen() const;
 
     SessionBus& mBus;
     SessionFacts mFacts;
     VirtualScreens& mX11;
     VirtualScreens& mMutter;
-    BusNameWatcher mWatcher;
+    QObject mAsker;
 };
 
 } // namespace farview

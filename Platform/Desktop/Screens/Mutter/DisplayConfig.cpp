@@ -1,5 +1,6 @@
 #include "Platform/Desktop/Screens/Mutter/DisplayConfig.h"
 
+#include <memory>
 #include <utility>
 
 namespace farview
@@ -7,9 +8,11 @@ namespace farview
 namespace
 {
 
+/// Until Mutter has arranged monitors by itself, on a computer that is busy.
+constexpr Duration longestDelay{10.0};
+
 const QString service = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString path = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
-
 const QString staleState = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
 
 QDBusMessage callOf(const char* member)
@@ -25,6 +28,35 @@ QDBusMessage requestOf(unsigned serial, const DisplayState& state, const Display
     call.setArguments(layoutRequest(serial, state, layout));
     return call;
 }
+
+/// Replaces Mutter's layouts for a while. Deletes itself.
+class LayoutKeeper : public QObject
+{
+public:
+    LayoutKeeper(RunLoop& loop, SessionBus& bus, MonitorId ours, DisplayLayout layout)
+        : QObject(&bus), mLoop(loop), mOurs(std::move(ours)), mLayout(std::move(layout)),
+          mDisplays(bus, [this](const auto* state) { useState(state); })
+    {
+        loop.performAfterDelay(longestDelay, mLife, [this] { deleteLater(); });
+        mDisplays.ask();
+    }
+
+private:
+    void useState(const DisplayState* state)
+    {
+        if (state && !state->monitor(mOurs) && mJudge.isMutters(*state, mLoop.now()) &&
+            haveSameMonitors(state->layout, mLayout) && !isSameLayout(state->layout, mLayout) &&
+            mJudge.mayReplace())
+            mDisplays.apply(*state, {mLayout});
+    }
+
+    RunLoop& mLoop;
+    std::shared_ptr<void> mLife = std::make_shared<int>();
+    MonitorId mOurs;
+    DisplayLayout mLayout;
+    LayoutJudge mJudge;
+    DisplayConfig mDisplays;
+};
 
 } // namespace
 
@@ -76,9 +108,22 @@ void DisplayConfig::apply(const DisplayState& state, const QList<DisplayLayout>&
              });
 }
 
-void DisplayConfig::applyNext(const DisplayState& state, const DisplayLayout& layout)
+bool LayoutJudge::isMutters(const DisplayState& state, Duration now)
 {
-    mBus.send(requestOf(state.serial + 1, state, layout));
+    if (mSerial == state.serial)
+        return now < mEnd && isOneRow(state.layout);
+    mSerial = state.serial;
+    mEnd = now + longestDelay;
+    mTries = 0;
+    return true;
+}
+
+void restoreLayout(RunLoop& loop, SessionBus& bus, const DisplayState& last, const MonitorId& ours,
+                   const DisplayLayout& layout)
+{
+    // For a program that ends now. It may come too early: then Mutter arranges them once more.
+    bus.send(requestOf(last.serial + 1, last, layout));
+    new LayoutKeeper(loop, bus, ours, layout);
 }
 
 } // namespace farview

@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/Screens/Mutter/DisplayState.h"
+#include "Platform/RunLoop.h"
 
 #include <QObject>
 
@@ -28,8 +29,6 @@ public:
     /// Asks for the first of these layouts that Mutter accepts; whatever becomes of it, asks for
     /// the state then. `state` is what they were made from.
     void apply(const DisplayState& state, const QList<DisplayLayout>& choices);
-    /// As a last word: after the monitors of that state will have changed once more.
-    void applyNext(const DisplayState& state, const DisplayLayout& layout);
 
 private:
     void take(const QDBusMessage& reply);
@@ -42,5 +41,29 @@ private:
     bool mAskAgain = false; ///< something changed meanwhile
     bool mIsApplying = false;
 };
+
+/// Tells layouts that Mutter made from those that the user wanted. Mutter arranges monitors by
+/// itself when some have come, gone or changed: at once or some time later, all in one row, and
+/// tells of it as of any change.
+class LayoutJudge
+{
+public:
+    bool isMutters(const DisplayState& state, Duration now);
+    /// Whether to ask once more for another one: not for ever where that is refused. Counts.
+    bool mayReplace() { return mTries++ < mostTries; }
+
+private:
+    static constexpr int mostTries = 4;
+
+    std::optional<unsigned> mSerial;
+    Duration mEnd{0};
+    int mTries = 0;
+};
+
+/// Gives the user's monitors that layout back once our monitor has gone: Mutter arranges what is
+/// left by itself, and not always as it was. `last` is the last state with our monitor. Goes on for
+/// a while, as long as there are loop and bus.
+void restoreLayout(RunLoop& loop, SessionBus& bus, const DisplayState& last, const MonitorId& ours,
+                   const DisplayLayout& layout);
 
 } // namespace farview

@@ -117,6 +117,13 @@ RequestedPart requested(const DisplayState& state, const LogicalMonitor& part)
     return request;
 }
 
+/// Of a screen; no real one is larger.
+std::int16_t shortNumber(int number)
+{
+    using Limits = std::numeric_limits<std::int16_t>;
+    return static_cast<std::int16_t>(std::clamp<int>(number, Limits::min(), Limits::max()));
+}
+
 } // namespace
 
 PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part)
@@ -124,32 +131,14 @@ PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part)
     const auto* monitor = state.monitor(part.monitors.value(0));
     const auto* mode = monitor ? monitor->currentMode() : nullptr;
     if (!mode)
-        return pixelRect(part.x, part.y, 0, 0);
-    const double pixels = state.isScaled ? part.scale : 1;
-    const auto width = static_cast<int>(std::lround(mode->width / pixels));
-    const auto height = static_cast<int>(std::lround(mode->height / pixels));
+        return {shortNumber(part.x), shortNumber(part.y), 0, 0};
+    const double scale = state.isScaled ? part.scale : 1;
+    const auto width = shortNumber(static_cast<int>(std::lround(mode->width / scale)));
+    const auto height = shortNumber(static_cast<int>(std::lround(mode->height / scale)));
     const bool isTurned = part.transform % 2 != 0;
-    return pixelRect(part.x, part.y, isTurned ? height : width, isTurned ? width : height);
+    return {shortNumber(part.x), shortNumber(part.y), isTurned ? height : width,
+            isTurned ? width : height};
 }
-
-std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout)
-{
-    std::vector<PixelRect> areas;
-    for (const auto& part : layout)
-        areas.insert(part.isPrimary ? areas.begin() : areas.end(), areaOf(state, part));
-    return areas;
-}
-
-namespace
-{
-
-PixelPoint pointOnAScreen(int x, int y)
-{
-    constexpr int furthest = std::numeric_limits<std::int16_t>::max();
-    return pixelPoint(std::clamp(x, 0, furthest), std::clamp(y, 0, furthest));
-}
-
-} // namespace
 
 const MonitorMode* ConnectedMonitor::currentMode() const
 {
@@ -227,6 +216,11 @@ DisplayLayout withPrimary(DisplayLayout layout)
     return layout;
 }
 
+bool isOneRow(const DisplayLayout& layout)
+{
+    return std::all_of(layout.begin(), layout.end(), [](const auto& part) { return part.y == 0; });
+}
+
 bool isSameLayout(const DisplayLayout& left, const DisplayLayout& right)
 {
     return left.size() == right.size() &&
@@ -246,13 +240,20 @@ bool haveSameMonitors(const DisplayLayout& left, const DisplayLayout& right)
            std::all_of(right.begin(), right.end(), isIn(left));
 }
 
-PixelPoint besideEverything(const DisplayState& state, const DisplayLayout& layout)
+std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout)
+{
+    std::vector<PixelRect> areas;
+    for (const auto& part : layout)
+        areas.insert(part.isPrimary ? areas.begin() : areas.end(), areaOf(state, part));
+    return areas;
+}
+
+PixelPoint besideEverything(const std::vector<PixelRect>& areas)
 {
     PixelPoint corner;
-    for (const auto& part : layout) {
-        const auto area = areaOf(state, part);
-        if (area.x + area.width > corner.x)
-            corner = pointOnAScreen(area.x + area.width, part.y);
+    for (const auto& area : areas) {
+        if (const int edge = area.x + area.width; edge > corner.x)
+            corner = {shortNumber(edge), area.y};
     }
     return corner;
 }

@@ -80,7 +80,7 @@ QVariantList layoutRequest(unsigned serial, const DisplayState& state, const Dis
 const ConnectedMonitor* newMonitor(const DisplayState& before, const DisplayState& now, int width,
                                    int height);
 
-/// What a part shows of the desktop; empty when its monitor is off.
+/// What a part shows of the desktop, in its own units; empty when its monitor is off.
 PixelRect areaOf(const DisplayState& state, const LogicalMonitor& part);
 /// The same for each part of a layout, the primary one first.
 std::vector<PixelRect> areasOf(const DisplayState& state, const DisplayLayout& layout);
@@ -89,12 +89,14 @@ const LogicalMonitor* shownBy(const DisplayLayout& layout, const MonitorId& id);
 DisplayLayout without(DisplayLayout layout, const MonitorId& id);
 /// With one part that is the primary one: Mutter wants that.
 DisplayLayout withPrimary(DisplayLayout layout);
+/// As Mutter arranges monitors by itself.
+bool isOneRow(const DisplayLayout& layout);
 /// In whatever order.
 bool isSameLayout(const DisplayLayout& left, const DisplayLayout& right);
 /// Whether the same monitors show something, wherever.
 bool haveSameMonitors(const DisplayLayout& left, const DisplayLayout& right);
 /// The upper right corner of what is furthest to the right.
-PixelPoint besideEverything(const DisplayState& state, const DisplayLayout& layout);
+PixelPoint besideEverything(const std::vector<PixelRect>& areas);
 /// Two scales are the same when they differ by less.
 constexpr double scaleAccuracy = 0.01;
 /// The one that is wanted, where the mode has it; else the mode's usual one.

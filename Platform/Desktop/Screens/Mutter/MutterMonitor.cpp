@@ -1,8 +1,6 @@
 #include "Platform/Desktop/Screens/Mutter/MutterMonitor.h"
 
-#include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 namespace farview
@@ -12,8 +10,8 @@ namespace
 
 /// From the wish to the monitor.
 constexpr Duration longestStart{10.0};
-/// The stream may end before its session says why.
-constexpr Duration patience{1.0};
+/// A session and its stream end together, and each says something else.
+constexpr Duration patience{0.5};
 
 /// More than any picture that a graphics processor holds.
 constexpr int longestSide = 16384;
@@ -23,28 +21,18 @@ bool isPossible(int width, int height)
     return width > 0 && width <= longestSide && height > 0 && height <= longestSide;
 }
 
-PixelPoint cornerOf(const LogicalMonitor& part)
-{
-    using Limits = std::numeric_limits<std::int16_t>;
-    return pixelPoint(std::clamp<int>(part.x, Limits::min(), Limits::max()),
-                      std::clamp<int>(part.y, Limits::min(), Limits::max()));
-}
-
 } // namespace
 
 MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, const ScreenWish& wish,
                              VirtualScreens::Delegate delegate)
-    : mLoop(loop), mDelegate(std::move(delegate)), mWish(wish),
+    : mLoop(loop), mBus(bus), mDelegate(std::move(delegate)), mWish(wish),
       mSession(bus, {[this] { mDisplays.ask(); },
                      [this](auto node) { mStream.connect(node, mWish.width, mWish.height); },
-                     [this](auto reason) { end(reason); }}),
+                     [this](auto reason) { lose(reason); }}),
       mDisplays(bus, [this](const auto* state) { useState(state); }),
       mStream(loop, {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
                      [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },
-                     [this] {
-                         mLoop.performAfterDelay(patience, mLife,
-                                                 [this] { end(ScreenObstacle::failed); });
-                     }})
+                     [this](auto reason) { lose(reason); }})
 {
     begin();
 }
@@ -85,11 +73,15 @@ void MutterMonitor::place(PixelPoint corner)
     applyWish();
 }
 
-/// One that Mutter refuses is forgotten.
+/// Where Mutter refuses that, the monitor stays where it is, or goes where there is room.
 void MutterMonitor::applyWish()
 {
-    if (mState)
-        mDisplays.apply(*mState, {layoutWithOurs(mCorner)});
+    if (!mState)
+        return;
+    QList<DisplayLayout> choices = {layoutWithOurs(mCorner), layoutWithOurs(std::nullopt)};
+    if (mTold)
+        choices.insert(1, layoutWithOurs(PixelPoint{mTold->area.x, mTold->area.y}));
+    mDisplays.apply(*mState, choices);
 }
 
 void MutterMonitor::useState(const DisplayState* state)
@@ -107,14 +99,13 @@ void MutterMonitor::follow(const DisplayState& state)
 {
     if (mHasEnded || !isThere(state))
         return;
-    const bool isArrangedByMutter = !mState || mState->serial != state.serial;
     mState = state;
+    const bool isMutters = mJudge.isMutters(state, mLoop.now());
     const auto others = without(state.layout, *mOurs);
-    if (!isArrangedByMutter || !haveSameMonitors(others, mUsers))
+    if (!isMutters || !haveSameMonitors(others, mUsers))
         mUsers = others;
-    const auto wanted = layoutWithOurs(mCorner);
-    if (isArrangedByMutter && !isSameLayout(wanted, state.layout))
-        mDisplays.apply(state, {wanted, layoutWithOurs(std::nullopt)});
+    if (isMutters && !isSameLayout(layoutWithOurs(mCorner), state.layout) && mJudge.mayReplace())
+        applyWish();
     else
         adoptLayout();
 }
@@ -137,18 +128,19 @@ void MutterMonitor::adoptLayout()
     const auto* part = shownBy(mState->layout, *mOurs);
     if (!part || !mode())
         return end(ScreenObstacle::takenAway);
-    const auto corner = cornerOf(*part);
-    if (corner != mCorner.value_or(besideEverything(*mState, mUsers)))
+    const auto others = areasOf(*mState, mUsers);
+    const auto area = areaOf(*mState, *part);
+    const PixelPoint corner{area.x, area.y};
+    if (corner != mCorner.value_or(besideEverything(others)))
         mCorner = corner;
     if (part->scale != possibleScale(*mode(), mWish.scale))
         mWish.scale = part->scale;
-    report({areaOf(*mState, *part), mode()->width, mode()->height, part->scale, mode()->rate,
-            areasOf(*mState, without(mState->layout, *mOurs))});
+    report({area, mode()->width, mode()->height, part->scale, mode()->rate, others});
 }
 
 DisplayLayout MutterMonitor::layoutWithOurs(std::optional<PixelPoint> corner) const
 {
-    const auto place = corner.value_or(besideEverything(*mState, mUsers));
+    const auto place = corner.value_or(besideEverything(areasOf(*mState, mUsers)));
     const double scale = mode() ? possibleScale(*mode(), mWish.scale) : 1;
     auto layout = mUsers;
     layout.append({place.x, place.y, scale, 0, false, {*mOurs}});
@@ -190,12 +182,21 @@ void MutterMonitor::end(ScreenObstacle reason)
     remove();
 }
 
-/// Mutter arranges the monitors that are left by itself, and not always as they were.
+/// Mutter closes the session when PipeWire ends, and the node goes when the session is closed:
+/// whoever knows more may still say so.
+void MutterMonitor::lose(ScreenObstacle reason)
+{
+    if (reason == ScreenObstacle::takenAway)
+        mLoop.performAfterDelay(patience, mLife, [this, reason] { end(reason); });
+    else
+        end(reason);
+}
+
 void MutterMonitor::remove()
 {
     mSession.stop();
     if (const auto state = std::exchange(mState, std::nullopt); state && !mUsers.isEmpty())
-        mDisplays.applyNext(*state, withPrimary(mUsers));
+        restoreLayout(mLoop, mBus, *state, *mOurs, withPrimary(mUsers));
 }
 
 } // namespace farview

@@ -45,10 +45,12 @@ private:
     void report(const ScreenGeometry& geometry);
     void tellOfPicture(News news);
     void tell(News news);
+    void lose(ScreenObstacle reason);
     void end(ScreenObstacle reason);
     void remove();
 
     RunLoop& mLoop;
+    SessionBus& mBus;
     std::shared_ptr<void> mLife = std::make_shared<int>();
     VirtualScreens::Delegate mDelegate;
     ScreenWish mWish;
@@ -56,6 +58,7 @@ private:
     std::optional<DisplayState> mBefore; ///< without it
     std::optional<DisplayState> mState;  ///< with it
     std::optional<MonitorId> mOurs;
+    LayoutJudge mJudge;
     DisplayLayout mUsers; ///< where the user wants the other monitors
     std::optional<ScreenGeometry> mTold;
     std::vector<News> mEarly; ///< before the monitor was told of

@@ -1,0 +1,236 @@
+// How fast a picture goes from one display to another, and what that costs its sender: Farview and
+// programs that do the same, in turn. DISPLAY is where it arrives: 1920x1080, and nothing else on
+// it. Needs a network and a session bus of its own.
+//
+// usage: picture-travel [ROUNDS [SYSTEM...]]        (a system is one of PictureSystems.cpp)
+
+#include "Benchmarks/Figures.h"
+#include "Benchmarks/PictureObserver.h"
+#include "Benchmarks/PictureSystems.h"
+#include "Benchmarks/ShapedLink.h"
+#include "Platform/Desktop/Screens/X11/XConnection.h"
+#include "Tests/Integration/TestPanel.h"
+#include "Tests/Support/PrivateXServer.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <functional>
+#include <map>
+#include <stdexcept>
+
+namespace
+{
+
+using namespace farview;
+
+const std::vector<std::string> scenes{"typing", "scrolling", "film", "nothing"};
+
+/// What is seen of a part of a display that no window covers.
+void setBackground(const std::string& display, std::uint32_t colour)
+{
+    const XConnection connection(xcb_connect(display.c_str(), nullptr));
+    const auto root = screenOf(connection.get())->root;
+    xcb_change_window_attributes(connection.get(), root, XCB_CW_BACK_PIXEL, &colour);
+    std::free(xcb_request_check(connection.get(),
+                                xcb_clear_area_checked(connection.get(), 0, root, 0, 0, 0, 0)));
+}
+
+using Records = std::map<std::string, PictureRecord>; ///< by scene
+
+std::string exactness(const PictureRecord& record)
+{
+    if (record.exactAfter.size() < record.timePerPicture.size())
+        return "not exact";
+    return "exact after " + std::to_string(std::lround(median(record.exactAfter))) + " ms";
+}
+
+void print(const std::string& name, const PictureRecord& record)
+{
+    std::printf("  %-17s", name.c_str());
+    if (!record.delays.empty())
+        std::printf("%4.3g ms, 99 %% %4.3g ms, %4.3g pictures a second, %s; ",
+                    median(record.delays), quantile(record.delays, 0.99),
+                    1000 / median(record.timePerPicture), exactness(record).c_str());
+    std::printf("%.3g Mbit/s; server %.3g %%, %.3g wake-ups a second, %.3g MB\n",
+                median(record.megabits), median(record.processor), median(record.wakeUps),
+                median(record.megabytes));
+}
+
+class Measurement
+{
+public:
+    explicit Measurement(std::string viewer) : mViewer(std::move(viewer))
+    {
+        setBackground(mSource.display(), PictureObserver::background);
+    }
+
+    /// False, and nothing is left of it, when it cannot be measured here; says why.
+    bool measure(const PictureSystem& system)
+    {
+        return attempt(system.name, [&] {
+            if (const auto missing = missingPrograms(system); !missing.empty())
+                throw std::runtime_error("not installed:" + missing);
+            const RunningPictures pictures(system, mSource.display(), mViewer);
+            if (system.name == pictureSystems().front().name)
+                mStarts.push_back(pick("127.0.0.1"));
+            for (const auto& scene : scenes)
+                mObserver.observe(pictures, scene, mRecords[system.name][scene]);
+        });
+    }
+    void measureBadLink()
+    {
+        attempt("the bad link", [this] {
+            const auto link = carryShapedLink();
+            const RunningPictures pictures(pictureSystems().front(), mSource.display(), mViewer);
+            pick(kShapedAddress);
+            for (const auto* scene : {"typing", "scrolling", "film"}) {
+                PictureRecord record;
+                mObserver.observe(pictures, scene, record);
+                print(scene, record);
+                printAtMost(std::string(scene) + " over a bad link, delay of 99 %",
+                            quantile(record.delays, 0.99), 150, "ms");
+            }
+        });
+    }
+
+    const std::map<std::string, Records>& records() const { return mRecords; }
+    const PictureRecord::Samples& starts() const { return mStarts; }
+
+private:
+    bool attempt(const std::string& name, const std::function<void()>& action)
+    {
+        try {
+            action();
+            return true;
+        } catch (const std::exception& error) {
+            std::printf("  %s is left out: %s\n", name.c_str(), error.what());
+            mRecords.erase(name);
+            return false;
+        }
+    }
+    /// From the user's choice to the first picture, in milliseconds.
+    double pick(const std::string& address)
+    {
+        mPanel.reports.clear();
+        const auto answers = [this] {
+            mPanel.post(kQueryRequestForConnectedHost);
+            return mPanel.last(kServerDisconnectedFromDevice) != nullptr;
+        };
+        if (!waitUntil(answers))
+            throw std::runtime_error("the screen server does not answer");
+        mPanel.connectToAddress(address);
+        return mObserver.waitForBackground();
+    }
+
+    std::string mViewer;
+    PrivateXServer mSource;
+    PictureObserver mObserver{mViewer};
+    TestPanel mPanel;
+    PictureRecord::Samples mStarts;
+    std::map<std::string, Records> mRecords;
+};
+
+using Kind = PictureRecord::Samples PictureRecord::*;
+
+struct Target {
+    const char* scene;
+    const char* what;
+    Kind kind;
+    double share; ///< of the samples that have to hold it
+    double limit;
+    const char* unit;
+};
+const Target targets[] = {
+    {"typing", "delay", &PictureRecord::delays, 0.5, 2, "ms"},
+    {"typing", "delay of 99 %", &PictureRecord::delays, 0.99, 10, "ms"},
+    {"scrolling", "delay", &PictureRecord::delays, 0.5, 20, "ms"},
+    {"scrolling", "time for a picture", &PictureRecord::timePerPicture, 0.5, 1000.0 / 58, "ms"},
+    {"scrolling", "on the wire", &PictureRecord::megabits, 0.5, 20, "Mbit/s"},
+    {"scrolling", "exact after", &PictureRecord::exactAfter, 0.5, 300, "ms"},
+    {"film", "delay", &PictureRecord::delays, 0.5, 45, "ms"},
+    {"film", "time for a picture", &PictureRecord::timePerPicture, 0.5, 1000.0 / 50, "ms"},
+    {"film", "on the wire", &PictureRecord::megabits, 0.5, 150, "Mbit/s"},
+    {"film", "exact after", &PictureRecord::exactAfter, 0.5, 300, "ms"},
+    {"film", "memory", &PictureRecord::megabytes, 0.5, 60, "MB"},
+    {"nothing", "processor", &PictureRecord::processor, 0.5, 0.2, "%"},
+    // A sign of life each way.
+    {"nothing", "wake-ups", &PictureRecord::wakeUps, 0.5, 3, "a second"},
+};
+
+/// The best of the peers has the smallest median, of whichever kind it is.
+void printAgainstPeers(const std::map<std::string, Records>& records, const std::string& scene,
+                       const char* what, Kind kind)
+{
+    const auto& ours = pictureSystems().front().name;
+    Comparison result{scene + ", " + what, "", "ms", records.at(ours).at(scene).*kind};
+    for (const auto& [name, byScene] : records) {
+        const auto& samples = byScene.at(scene).*kind;
+        const bool isBetter = result.yardstick.empty() ||
+                              (!samples.empty() && median(samples) < median(result.yardstick));
+        if (name != ours && isBetter) {
+            result.yardstickName = name;
+            result.yardstick = samples;
+        }
+    }
+    if (!result.yardstick.empty() && !result.subject.empty())
+        printRatio(result, 1);
+}
+
+void printVerdicts(const std::map<std::string, Records>& records)
+{
+    const auto& ours = records.at(pictureSystems().front().name);
+    for (const auto& target : targets) {
+        const auto what = std::string(target.scene) + ", " + target.what;
+        const auto& samples = ours.at(target.scene).*target.kind;
+        if (samples.empty())
+            std::printf("%s: never: MISSED\n", what.c_str());
+        else
+            printAtMost(what, quantile(samples, target.share), target.limit, target.unit);
+    }
+    for (const auto* scene : {"typing", "scrolling", "film"})
+        printAgainstPeers(records, scene, "delay", &PictureRecord::delays);
+    for (const auto* scene : {"scrolling", "film"})
+        printAgainstPeers(records, scene, "time for a picture", &PictureRecord::timePerPicture);
+}
+
+/// Leaves those out that cannot be measured. Whether Farview could.
+bool measureAll(Measurement& measurement, int rounds, std::vector<PictureSystem> systems)
+{
+    for (int round = 0; round < rounds; ++round)
+        std::erase_if(systems, [&](const auto& system) { return !measurement.measure(system); });
+    for (const auto& scene : scenes) {
+        std::printf(" %s\n", scene.c_str());
+        for (const auto& system : systems)
+            print(system.name, measurement.records().at(system.name).at(scene));
+    }
+    return !systems.empty() && systems.front().name == pictureSystems().front().name;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const char* viewer = std::getenv("DISPLAY");
+    if (!viewer) {
+        std::fprintf(stderr, "%s: there is no DISPLAY to show pictures on\n", argv[0]);
+        return 2;
+    }
+    QCoreApplication application(argc, argv);
+    auto systems = pictureSystems();
+    if (argc > 2)
+        std::erase_if(systems, [&](const auto& system) {
+            return std::find(argv + 2, argv + argc, system.name) == argv + argc;
+        });
+    Measurement measurement(viewer);
+    if (!measureAll(measurement, argc > 1 ? std::atoi(argv[1]) : 3, systems))
+        return 1;
+    printVerdicts(measurement.records());
+    printAtMost("pick to first picture", median(measurement.starts()), 500, "ms");
+    measurement.measureBadLink();
+    return 0;
+}

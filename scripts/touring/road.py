@@ -157,6 +157,7 @@ def show_second_screen():
     wait("the tablet shows each pixel of its monitor", screens.is_exact_on_tablet)
     width, height, left, top = second
     mouse.move(left + width // 16, top + height // 2)
+    wait("the tablet shows the pointer, too", lambda: not screens.is_exact_on_tablet())
     step("The desktop goes on to the right, on the tablet", "desktop")
     step("What the tablet shows: a window and the mouse pointer", "tablet", display=TABLET)
     pages.terminate()

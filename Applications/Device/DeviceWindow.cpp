@@ -152,7 +152,7 @@ void DeviceWindow::closeEvent(QCloseEvent* event)
 LinkDeviceScreen DeviceWindow::screen() const
 {
     const QScreen& mine = *QWidget::screen();
-    const QSize room = mFirst == First::fillsScreen ? mine.size() : mine.size() * 2 / 3;
+    const QSize room = mFirst == First::fillsScreen ? mine.size() : mine.size() / 2;
     return screenToTell(room, mine.devicePixelRatio(), mine.refreshRate());
 }
 
@@ -230,8 +230,9 @@ void DeviceWindow::fillScreen(bool isFull)
 
 void DeviceWindow::becomeWindow(const QSize& size)
 {
+    const QPoint place = isFullScreen() ? mPlace : geometry().topLeft();
     setWindowState(Qt::WindowNoState);
-    setGeometry({mPlace, size});
+    setGeometry({place, size});
 }
 
 /// Of the picture, pixel for pixel if there is room.

@@ -25,6 +25,8 @@ const CommandLine::Options& options()
          "announced; connecting by address works with 6001 only"_qs,
          u"PORT"_qs},
         {u"headless"_qs, u"Run without a window"_qs},
+        {u"window"_qs,
+         u"Show pictures in a window, smaller than the screen: for a host on this very desktop"_qs},
         {u"picture-file"_qs,
          u"Run without a window and write each picture of the host to this file (.png, .ppm), for "
          "diagnosis"_qs,
@@ -59,6 +61,7 @@ DeviceArguments readDeviceArguments(const QStringList& words)
     line.read("picture-file",
               [&](const auto& value) { return !(result.pictureFile = value)->empty(); });
     result.isHeadless = line.has("headless") || result.pictureFile;
+    result.isInWindow = line.has("window");
     line.read("name", [&](const auto& value) { return isDeviceName(*(result.name = value)); });
     line.read("host-name",
               [&](const auto& value) { return isHostLabel(*(result.hostName = value)); });

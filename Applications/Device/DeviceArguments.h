@@ -15,6 +15,8 @@ struct DeviceArguments {
     std::optional<std::string> hostName;
     std::uint16_t port = 6001;
     bool isHeadless = false;
+    /// Whether pictures leave room for the host's own windows on the same screen.
+    bool isInWindow = false;
     /// Where pictures are written instead of shown.
     std::optional<std::string> pictureFile;
     /// Refuse every host, for this reason.

@@ -94,8 +94,8 @@ QString troubleText(const DeviceTexts& texts, const DeviceStatus& status)
 
 } // namespace
 
-DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions)
-    : mTexts(texts), mActions(std::move(actions)), mPages(new QStackedLayout(this)),
+DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First first)
+    : mTexts(texts), mActions(std::move(actions)), mFirst(first), mPages(new QStackedLayout(this)),
       mView(new ScreenView)
 {
     mPages->addWidget(makeStatusPage());
@@ -152,7 +152,8 @@ void DeviceWindow::closeEvent(QCloseEvent* event)
 LinkDeviceScreen DeviceWindow::screen() const
 {
     const QScreen& mine = *QWidget::screen();
-    return screenToTell(mine.size(), mine.devicePixelRatio(), mine.refreshRate());
+    const QSize room = mFirst == First::fillsScreen ? mine.size() : mine.size() / 2;
+    return screenToTell(room, mine.devicePixelRatio(), mine.refreshRate());
 }
 
 void DeviceWindow::setScreenObserver(std::function<void()> changed)
@@ -190,7 +191,7 @@ void DeviceWindow::beginPicture(const PictureReceiver& picture)
     if (!isFirst)
         return;
     mPages->setCurrentWidget(mView);
-    fillScreen(true);
+    fillScreen(mFirst == First::fillsScreen);
     raise();
     mRest.start();
     mActions.pictureShown(true);
@@ -229,8 +230,9 @@ void DeviceWindow::fillScreen(bool isFull)
 
 void DeviceWindow::becomeWindow(const QSize& size)
 {
+    const QPoint place = isFullScreen() ? mPlace : geometry().topLeft();
     setWindowState(Qt::WindowNoState);
-    setGeometry({mPlace, size});
+    setGeometry({place, size});
 }
 
 /// Of the picture, pixel for pixel if there is room.

@@ -26,8 +26,11 @@ public:
         std::function<void(bool isShown)> pictureShown;
     };
 
-    /// `texts` outlive it.
-    DeviceWindow(const DeviceTexts& texts, Actions actions);
+    /// What the first picture does to the window.
+    enum class First { fillsScreen, staysInWindow };
+
+    /// `texts` outlive it. A picture that stays in the window is smaller than the screen.
+    DeviceWindow(const DeviceTexts& texts, Actions actions, First first = First::fillsScreen);
 
     void showStatus(const DeviceStatus& status);
 
@@ -61,6 +64,7 @@ private:
 
     const DeviceTexts& mTexts;
     Actions mActions;
+    First mFirst;
     QStackedLayout* mPages;
     QLabel* mName = nullptr;
     QLabel* mUse = nullptr;

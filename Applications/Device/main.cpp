@@ -103,8 +103,11 @@ private:
         mPortal.emplace(mDesktop.sessionBus().connection(),
                         [this](const AppearancePreferences& wanted) { mLook.follow(wanted); });
         mWindow = std::make_unique<DeviceWindow>(
-            mTexts, DeviceWindow::Actions{[this] { quit(); }, [this] { mServer->sendHostAway(); },
-                                          [this](bool isShown) { mAwake.keep(isShown); }});
+            mTexts,
+            DeviceWindow::Actions{[this] { quit(); }, [this] { mServer->sendHostAway(); },
+                                  [this](bool isShown) { mAwake.keep(isShown); }},
+            mArguments.isInWindow ? DeviceWindow::First::staysInWindow
+                                  : DeviceWindow::First::fillsScreen);
     }
     void showWindow()
     {

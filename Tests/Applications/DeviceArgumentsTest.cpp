@@ -32,7 +32,7 @@ TEST(DeviceArguments, HaveDefaults)
     EXPECT_EQ(arguments.port, 6001);
     EXPECT_FALSE(arguments.name || arguments.hostName || arguments.refusal ||
                  arguments.unlessSeenWithin);
-    EXPECT_FALSE(arguments.isHeadless);
+    EXPECT_FALSE(arguments.isHeadless || arguments.isInWindow);
 }
 
 TEST(DeviceArguments, AreReadInBothSpellings)
@@ -55,6 +55,11 @@ TEST(DeviceArguments, AFileForPicturesTakesThePlaceOfTheWindow)
     EXPECT_EQ(arguments.pictureFile, "/tmp/a.png");
     EXPECT_TRUE(arguments.isHeadless);
     EXPECT_THAT(mistake({"--picture-file", ""}), HasSubstr("--picture-file cannot have"));
+}
+
+TEST(DeviceArguments, PicturesMayStayInAWindow)
+{
+    EXPECT_TRUE(argumentsOf({"--window"}).isInWindow);
 }
 
 TEST(DeviceArguments, AllowAnyFreePort) { EXPECT_EQ(argumentsOf({"--port", "0"}).port, 0); }

@@ -152,6 +152,24 @@ TEST_F(DeviceWindowTest, FillsTheScreenWithTheFirstPictureOnly)
     window.endPicture();
 }
 
+TEST_F(DeviceWindowTest, APictureMayStayInTheWindowAndIsAskedForSmaller)
+{
+    DeviceWindow beside(texts, {[] {}, [] {}, [](bool) {}}, DeviceWindow::First::staysInWindow);
+    beside.move(40, 50);
+    beside.show();
+    const QSize half = beside.QWidget::screen()->size() / 2;
+    const QPoint place = beside.pos();
+    const LinkDeviceScreen asked = beside.screen();
+    EXPECT_EQ(QSize(asked.width, asked.height), half);
+    const PictureReceiver large(asked.width, asked.height, zlib, {});
+    beside.beginPicture(large);
+    EXPECT_FALSE(beside.isFullScreen());
+    EXPECT_TRUE(waitUntil([&] { return beside.size() == half; })) << "pixel for pixel";
+    EXPECT_EQ(beside.pos(), place);
+    beside.endPicture();
+    EXPECT_EQ(beside.pos(), place);
+}
+
 TEST_F(DeviceWindowTest, IsSmallAgainAfterThePicture)
 {
     window.move(30, 40);

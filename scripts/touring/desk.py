@@ -4,6 +4,7 @@ Wants three arguments on the command line of the program: the folder for picture
 """
 import json
 import os
+import re
 import socket
 import struct
 import subprocess
@@ -17,14 +18,20 @@ import pyatspi  # noqa: E402
 from touring import looks, pseudo  # noqa: E402
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
+GNOME = os.environ.get("XDG_CURRENT_DESKTOP") == "GNOME"
 WAYLAND = "WAYLAND_DISPLAY" in os.environ
+TABLET = os.environ["TABLET_DISPLAY"]
 FOLDER, LOOK, NAME = sys.argv[1:]
+HOME = os.environ["HOME"]
 BUILD = os.path.join(ROOT, "build")
 if looks.language(LOOK) in pseudo.ALPHABETS:
     BUILD = pseudo.copy_that_speaks(BUILD, looks.language(LOOK))
 # Programs tell places in points, of which a sharp screen has fewer than dots.
 SHARPNESS = int(looks.environment(LOOK).get("QT_SCALE_FACTOR", "1"))
 WORDS = looks.Words([os.path.join(BUILD, pane) for pane in pseudo.PANES], looks.language(LOOK))
+BUTTON = ("push button", "button", "check box", "toggle button", "switch")
+MENU_ENTRY = ("menu item", "check menu item", "radio menu item")
+DEVICE = "Living Room Tablet"
 begin = time.monotonic()
 failures = []
 children = []
@@ -73,6 +80,10 @@ def find(role, beginning, program="farview-preferences"):
     """The control of the role whose English name begins so."""
     matches = WORDS.matcher(beginning)
     return next((node for node in showing(program) if node.getRoleName() in role and matches(node.name)), None)
+
+
+def device_menu():
+    return next((node for node in showing() if WORDS.matcher("Virtual screen")(node.description)), None)
 
 
 def wait_quietly(condition, limit):
@@ -131,7 +142,8 @@ class XMouse:
     """The mouse of an X display."""
 
     def move(self, x, y):
-        subprocess.run(["xdotool", "mousemove", str(x), str(y)], check=True)
+        # The last bit as a hand does it: nobody who watches the mouse learns of a leap.
+        subprocess.run(["xdotool", "mousemove", str(x - 1), str(y), "mousemove_relative", "1", "0"], check=True)
 
     def press(self):
         subprocess.run(["xdotool", "mousedown", "1"], check=True)
@@ -181,7 +193,7 @@ class RemoteMouse:
         self.tell()
 
 
-mouse = RemoteMouse(os.environ["WITH_DESKTOP_INPUT"]) if WAYLAND else XMouse()
+mouse = None if GNOME else RemoteMouse(os.environ["WITH_DESKTOP_INPUT"]) if WAYLAND else XMouse()
 
 
 def click_at(x, y):
@@ -222,17 +234,22 @@ def enabled(node):
     return node if node is not None and node.getState().contains(pyatspi.STATE_ENABLED) else None
 
 
-def take_picture(path):
-    subprocess.run(["grim", path] if WAYLAND else ["import", "-window", "root", path], check=True)
+def take_picture(path, display=None):
+    """Of the whole desktop, or of another display."""
+    if WAYLAND and not display:
+        subprocess.run(["grim", path], check=True)
+    else:
+        subprocess.run(["import", "-display", display or os.environ["DISPLAY"], "-window", "root", path], check=True)
 
 
 def windows_of(program):
     """The places of its visible windows: left, top, width, height."""
     found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", program], capture_output=True, text=True).stdout
     for window in found.split():
-        shell = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True).stdout
-        values = dict(line.split("=") for line in shell.split())
-        yield tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        told = subprocess.run(["xwininfo", "-id", window], capture_output=True, text=True).stdout
+        values = dict(re.findall(r"(Absolute upper-left X|Absolute upper-left Y|Width|Height): +(-?\d+)", told))
+        if len(values) == 4:  # else it has gone meanwhile
+            yield tuple(map(int, values.values()))
 
 
 def number_of_windows(program="farview-preferences"):
@@ -261,18 +278,18 @@ def say(text):
     print(f"{time.monotonic() - begin:7.2f} s  {text}", flush=True)
 
 
-def step(title, name, program="farview-preferences"):
-    """Takes a picture; the program is the one whose windows matter in it."""
+def step(title, name, program="farview-preferences", display=None):
+    """Takes a picture of the desktop, where the windows of that program matter, or of another display."""
     time.sleep(0.4)  # let animations end: for the picture only
     file = f"{len(steps) + 1:02d}-{name}.png"
-    take_picture(os.path.join(FOLDER, file))
-    steps.append({"name": name, "title": title, "file": file, "box": box_of_windows(program)})
+    take_picture(os.path.join(FOLDER, file), display)
+    steps.append({"name": name, "title": title, "file": file, "box": None if display else box_of_windows(program)})
     say(f"{title}  [build/tour/{NAME}/{file}]")
 
 
 def write_steps():
     with open(os.path.join(FOLDER, "steps.json"), "w", encoding="utf-8") as file:
-        json.dump({"description": looks.description(LOOK) + (", on Wayland" if WAYLAND else ""), "steps": steps}, file)
+        json.dump({"description": looks.description(LOOK) + (", on GNOME" if GNOME else ", on Wayland" if WAYLAND else ""), "steps": steps}, file)
 
 
 def start(*command, **environment):
@@ -281,6 +298,11 @@ def start(*command, **environment):
                              stdin=subprocess.DEVNULL, env={**os.environ, **environment})
     children.append(child)
     return child
+
+
+def start_tablet(name):
+    """A device whose window is on a display of its own."""
+    return start("farview-device", "--name", name, DISPLAY=TABLET, QT_SCALE_FACTOR="1", QT_QPA_PLATFORM="xcb")
 
 
 def stop(child):
@@ -296,3 +318,18 @@ def stop(child):
 def running(name):
     # The kernel keeps 15 characters of it.
     return subprocess.run(["pgrep", "-x", name[:15]], stdout=subprocess.DEVNULL).returncode == 0
+
+
+def walk(road):
+    """Takes the road to its end, and ends the program with what came of it."""
+    os.environ.update(looks.environment(LOOK), PATH=os.path.join(HOME, "bin") + ":" + os.environ["PATH"])
+    try:
+        road()
+    finally:
+        for child in children:
+            if child.poll() is None:
+                child.kill()
+        write_steps()
+    if failures:
+        sys.exit("The tour failed: " + "; ".join(failures))
+    print(f"The tour is complete: {len(steps)} steps")

@@ -6,7 +6,7 @@ import re
 LOOKS = {
     "light": ("As it comes", "1280x800", "en", {}),
     "dark": ("The desktop prefers dark windows", "1280x800", "en", {}),
-    "2x": ("A screen of twice the sharpness", "2560x1600", "en", {"QT_SCALE_FACTOR": "2"}),
+    "2x": ("A screen of twice the sharpness", "2560x1600", "en", {"QT_SCALE_FACTOR": "2", "XCURSOR_SIZE": "48"}),
     "large-text": ("Texts half as large again", "1280x800", "en", {"QT_FONT_DPI": "144", "QT_ENABLE_HIGHDPI_SCALING": "0"}),
     "pseudo": ("In longer words than any language has", "1280x800", "en-XA", {"LANG": "en_XA.UTF-8"}),
     "right-to-left": ("Written from right to left", "1280x800", "ar-XB", {"LANG": "ar_XB.UTF-8"}),
@@ -17,7 +17,7 @@ NORMAL = "light"
 # Taken on request only.
 FONTS = os.path.join(os.path.dirname(os.path.realpath(__file__)), "manual-fonts.conf")
 LOOKS_ON_REQUEST = {
-    "manual": ("As the manual shows it", "2560x1600", "en", {"QT_SCALE_FACTOR": "2", "FONTCONFIG_FILE": FONTS}),
+    "manual": ("As the manual shows it", "2560x1600", "en", {**LOOKS["2x"][3], "FONTCONFIG_FILE": FONTS}),
 }
 
 
@@ -35,6 +35,10 @@ def description(look):
 
 def screen_size(look):
     return max(part[1] for part in parts(look))
+
+
+def tablet_size(look):
+    return "2048x1536" if screen_size(look) == "2560x1600" else "1024x768"
 
 
 def environment(look):

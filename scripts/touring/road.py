@@ -14,20 +14,16 @@ sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
 
 import pyatspi  # noqa: E402
 
-from touring import looks  # noqa: E402
+from touring import looks, screens  # noqa: E402
 from touring.desk import (  # noqa: E402
-    children, click, click_at, drag, enabled, failures, find, FOLDER, LOOK, number_of_windows, place_of, press, ROOT,
-    running, say, seen, SHARPNESS, showing, start, step, steps, stop, texts, type_text, wait, wait_quietly, WAYLAND,
-    windows_of, WORDS, write_steps)
+    BUTTON, children, click, click_at, DEVICE, device_menu, drag, enabled, failures, find, FOLDER, HOME, LOOK, MENU_ENTRY,
+    mouse, number_of_windows, place_of, press, ROOT, running, say, seen, SHARPNESS, showing, start, start_tablet, step, stop,
+    TABLET, texts, type_text, wait, wait_quietly, walk, WAYLAND, windows_of, WORDS)
 
-HOME = os.environ["HOME"]
 OFF = "Farview is currently turned off."
 ON = "Farview is currently on."
 ERROR = "There was a problem connecting to a device."
 HINT = "No device yet?"
-BUTTON = ("push button", "button", "check box", "toggle button", "switch")
-MENU_ENTRY = ("menu item", "check menu item", "radio menu item")
-DEVICE = "Living Room Tablet"
 REFUSING = "Kitchen Laptop"
 OTHER = "Connect To Other..."
 WHEEL = "Connecting"
@@ -36,15 +32,12 @@ TAB = ("page tab",)
 CELL = ("table cell",)
 AUTO_CONNECT = "Connect automatically"
 DOCTOR = "FarviewDoctor"
+NO_DESKTOP = "Farview finds no desktop here that it could add a screen to."
 STATUS_ICON = "Show the Farview status icon"
 
 
 def says(beginning):
     return lambda: any(map(WORDS.matcher(beginning), texts()))
-
-
-def device_menu():
-    return next((node for node in showing() if WORDS.matcher("Virtual screen")(node.description)), None)
 
 
 def open_menu(entry):
@@ -62,6 +55,9 @@ def open_menu(entry):
 
 
 def main():
+    if looks.is_dark(LOOK):
+        prefer_dark_windows()
+    outputs_before = arrange_desktop()
     panel = start("farview-preferences")
     if not wait("the panel's window", lambda: find(BUTTON, "Choose a Device")):
         return
@@ -77,7 +73,7 @@ def main():
     wait("the screen server runs", lambda: running("ScreenCapture"))
     step("Switched on; no device is there yet", "on-without-device")
 
-    device = start("farview-device", "--name", DEVICE, "--headless")
+    device = start_tablet(DEVICE)
     wait("the hint goes when a device is there", lambda: not says(HINT)())
     entry = open_menu(DEVICE)
     step("A device announced itself and stands in the menu", "menu")
@@ -88,6 +84,7 @@ def main():
     wait("the device is in use", lambda: is_in_use(0))
     let_the_wheel_stop()
     step("Picked: the device is connected", "connected")
+    show_second_screen()
 
     refusing = start("farview-device", "--name", REFUSING, "--headless", "--port", "0",
                      "--refuse", "Closed for maintenance")
@@ -112,7 +109,8 @@ def main():
     click(seen(BUTTON, "Off"))
     wait("the main tab says that Farview is off", says(OFF))
     wait("the screen server ended", lambda: not running("ScreenCapture"))
-    step("Switched off; the server has ended", "off-again")
+    wait("the monitors are as they were", lambda: WAYLAND or screens.outputs() == outputs_before)
+    step("Switched off; the server has ended, and the monitors are as they were", "off-again")
 
     show_settings()
     show_diagnosis()
@@ -134,9 +132,41 @@ def main():
     show_device()
 
 
+def arrange_desktop():
+    """As people have it. Gives what the display says of its outputs."""
+    if WAYLAND:
+        return None
+    screens.start_window_manager()
+    screens.use_spare_output_once()
+    screens.draw_wallpaper()
+    return screens.outputs()
+
+
+def show_second_screen():
+    if WAYLAND:
+        wait("the panel says that this compositor gets no further screen",
+             lambda: any(WORDS.texts[NO_DESKTOP] in text for text in texts()))
+        step("The panel says that this compositor gets no further screen", "no-screen")
+        return
+    if not wait("the desktop has a second monitor", lambda: len(screens.monitors()) == 2):
+        return
+    second = screens.monitors()[1]
+    wait("the panel says how large the device's screen is", lambda: any("{} × {}".format(*second) in text for text in texts()))
+    screens.draw_wallpaper()
+    pages = screens.show_pages(second)
+    wait("the tablet shows each pixel of its monitor", screens.is_exact_on_tablet)
+    width, height, left, top = second
+    mouse.move(left + width // 16, top + height // 2)
+    wait("the tablet shows the pointer, too", lambda: not screens.is_exact_on_tablet())
+    step("The desktop goes on to the right, on the tablet", "desktop")
+    step("What the tablet shows: a window and the mouse pointer", "tablet", display=TABLET)
+    pages.terminate()
+    pages.wait(10)
+
+
 def let_the_wheel_stop():
-    """It turns for up to 15 seconds, also when the device answered at once. A reader of the manual does not see it end."""
-    if looks.is_for_readers(LOOK) and wait("the turning wheel", says(WHEEL), 2):
+    """It turns until the desktop has another monitor, for up to 15 seconds. A reader of the manual does not see it end."""
+    if looks.is_for_readers(LOOK) and wait_quietly(says(WHEEL), 2):
         wait("the turning wheel has gone", lambda: not says(WHEEL)(), 17)
 
 
@@ -254,6 +284,7 @@ def show_status_item():
     subprocess.run(["xdotool", "key", "Down", "Return"], check=True)
     wait("its first entry turned Farview on", lambda: running("ScreenCapture"))
     wait("the first free device is connected to by itself", lambda: is_in_use(0))
+    wait("the desktop has a second monitor", lambda: len(screens.monitors()) == 2)
     if icon:
         click_at(*icon)
         wait("its menu", menu_of_status_icon)
@@ -332,18 +363,4 @@ def prefer_dark_windows():
     wait("the desktop prefers dark windows", lambda: subprocess.run(ask, capture_output=True).returncode == 0)
 
 
-os.environ.update(looks.environment(LOOK), PATH=os.path.join(HOME, "bin") + ":" + os.environ["PATH"])
-try:
-    if looks.is_dark(LOOK):
-        prefer_dark_windows()
-    main()
-finally:
-    for child in children:
-        if child.poll() is None:
-            child.kill()
-    write_steps()
-
-if failures:
-    print("The tour failed: " + "; ".join(failures))
-    sys.exit(1)
-print(f"The tour is complete: {len(steps)} steps")
+walk(main)

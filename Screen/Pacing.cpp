@@ -34,9 +34,14 @@ bool Pacing::mayBegin(PictureTime now, int changedTiles, bool hasRoom) const
     return mayBeginFrame(unshown(), hasRoom) && (isSmallChange(changedTiles) || now >= nextBeat());
 }
 
+int Pacing::beat(PictureTime now)
+{
+    mLastBeat = now;
+    return mQuality;
+}
+
 std::uint32_t Pacing::begin(PictureTime now, std::size_t bytes)
 {
-    mLastBegan = now;
     mOnTheirWay.push_back({++mLast, now, bytes});
     return mLast;
 }

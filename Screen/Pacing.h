@@ -32,7 +32,7 @@ int refinedAtOnce(int quality);
 class Pacing
 {
 public:
-    /// A beat: frames with large changes leave this long after one another.
+    /// A beat: frames with large changes are begun to be made this long after one another.
     static constexpr PictureTime frameTime = std::chrono::microseconds(16'667);
 
     /// `lastFrame` is the number of the last frame before.
@@ -40,6 +40,8 @@ public:
 
     /// Whether a frame may leave now that changes this many tiles.
     bool mayBegin(PictureTime now, int changedTiles, bool hasRoom) const;
+    /// A frame is begun to be made now, and leaves when it is done. The quality that it gets.
+    int beat(PictureTime now);
     /// The number of the frame that leaves now.
     std::uint32_t begin(PictureTime now, std::size_t bytes);
     /// The device has shown that frame, and so all before it. False, and nothing happens, when no
@@ -47,7 +49,7 @@ public:
     bool shown(std::uint32_t frame, PictureTime now);
 
     /// When a large change may leave, by the beat alone.
-    PictureTime nextBeat() const { return mLastBegan + frameTime; }
+    PictureTime nextBeat() const { return mLastBeat + frameTime; }
     int quality() const { return mQuality; }
     std::uint32_t lastFrame() const { return mLast; }
     std::size_t unshown() const { return mOnTheirWay.size(); }
@@ -63,7 +65,7 @@ private:
 
     std::deque<Frame> mOnTheirWay;
     std::uint32_t mLast;
-    PictureTime mLastBegan = -frameTime;
+    PictureTime mLastBeat = -frameTime;
     int mQuality = kBestPictureQuality;
 };
 

@@ -35,13 +35,13 @@ struct DeviceStatus {
     /// 0 while nothing listens.
     std::uint16_t port = 0;
     /// Why it is not announced. Empty when all is well.
-    std::string trouble;
+    std::string trouble = {};
     /// The numeric address of the host that uses the device.
-    std::optional<std::string> usedBy;
+    std::optional<std::string> usedBy = {};
     /// Whether a picture is to come from that host.
     bool isPictureAgreed = false;
     /// What that host wants; nothing until it told.
-    std::optional<LinkOptions> options;
+    std::optional<LinkOptions> options = {};
     /// Why the last host was sent away; "good" when it was not, or another has come.
     HostPicture::Verdict lastVerdict = HostPicture::Verdict::good;
 

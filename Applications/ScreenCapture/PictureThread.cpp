@@ -188,7 +188,7 @@ int PictureThread::qualityAtBeat(const std::stop_token& stop)
     };
     mChanged.wait_until(lock, stop, clockTime(mPacing.nextBeat()), mayBegin);
     mChanged.wait(lock, stop, mayBegin);
-    return mPacing.quality();
+    return mPacing.beat(now());
 }
 
 /// In the gaps between frames, and little at a time where the link is slow.

@@ -4,6 +4,8 @@
 
 #include <turbojpeg.h>
 
+#include <algorithm>
+
 namespace farview
 {
 namespace
@@ -43,15 +45,14 @@ std::uint8_t JpegCodec::encoding() const { return QLScreenEncodingJPG; }
 
 Bytes JpegCodec::encode(const FrameView& frame, const PixelRect& part, int quality)
 {
-    Bytes packed(tjBufSize(part.width, part.height, colours));
-    unsigned char* to = packed.data();
-    unsigned long size = packed.size();
+    mRoom.resize(std::max(mRoom.size(), tjBufSize(part.width, part.height, colours)));
+    unsigned char* to = mRoom.data();
+    unsigned long size = mRoom.size();
     const auto* from = reinterpret_cast<const unsigned char*>(frame.row(part.y) + part.x);
     if (tjCompress2(mPacker.get(), from, part.width, frame.stride * bytesPerPixel, part.height,
                     TJPF_BGRX, &to, &size, colours, quality, TJFLAG_FASTDCT | TJFLAG_NOREALLOC))
         size = 0;
-    packed.resize(size);
-    return packed;
+    return {to, to + size};
 }
 
 bool JpegCodec::decode(ByteView bytes, Picture& picture, const PixelRect& part)

@@ -26,6 +26,7 @@ private:
 
     std::unique_ptr<void, Free> mPacker;
     std::unique_ptr<void, Free> mUnpacker;
+    Bytes mRoom; ///< for the largest that was packed
 };
 
 } // namespace farview

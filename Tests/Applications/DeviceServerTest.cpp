@@ -87,8 +87,6 @@ protected:
     std::shared_ptr<DeviceServer> server;
 };
 
-} // namespace
-
 TEST_F(DeviceServerTest, AnnouncesItselfAsFree)
 {
     start();
@@ -399,3 +397,5 @@ TEST_F(DeviceServerTest, StopsWhileAHostThatDoesNotReadHasAPicture)
     EXPECT_TRUE(waitUntil([&] { return stopped; }));
     EXPECT_EQ(glass.picture, nullptr);
 }
+
+} // namespace

@@ -53,8 +53,6 @@ protected:
                          [this](bool isShown) { shown.push_back(isShown); }}};
 };
 
-} // namespace
-
 TEST_F(DeviceWindowTest, ShowsItsNameAndThatItIsFree)
 {
     window.showStatus(status);
@@ -353,9 +351,6 @@ TEST(RateText, IsCountedNotPromised)
     EXPECT_EQ(rateText(texts, {1, 1}, {0, 0, 0}).toStdString(),
               "1 × 1 pixels, 0 pictures a second, 0.0 Mbit/s");
 }
-
-namespace
-{
 
 /// One screen is a tablet's that is held upright.
 const char* const twoScreens = R"({"screens": [

@@ -29,8 +29,6 @@ protected:
     int noneSeen = 0;
 };
 
-} // namespace
-
 TEST_F(OtherDevicesTest, AreSeenOnce)
 {
     look();
@@ -52,3 +50,5 @@ TEST_F(OtherDevicesTest, AreNotSeenAfterTheTimeIsOver)
     EXPECT_THAT(seen, IsEmpty());
     EXPECT_EQ(noneSeen, 1);
 }
+
+} // namespace

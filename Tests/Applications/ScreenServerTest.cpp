@@ -121,8 +121,6 @@ protected:
     int finished = 0;
 };
 
-} // namespace
-
 TEST_F(ScreenServerTest, SaysThatNothingIsConnectedWhenItStarts)
 {
     server->start();
@@ -577,9 +575,6 @@ TEST_F(ScreenServerTest, LeavesNothingBehindWhenItIsDestroyedAmidEverything)
 }
 
 // --- the picture -----------------------------------------------------------------------------
-
-namespace
-{
 
 class ScreenServerWithAScreen : public ScreenServerTest
 {

@@ -33,7 +33,8 @@ protected:
     {
         mScreen = mScreens.open(
             {.name = "Tablet", .width = width, .height = height, .scale = scale}, mListener);
-        ASSERT_TRUE(waitUntil([&] { return mListener->geometry || mListener->end; }));
+        ASSERT_TRUE(waitUntil([&] { return mListener->geometry || mListener->end; },
+                              std::chrono::seconds(20)));
         ASSERT_TRUE(mListener->geometry) << static_cast<int>(*mListener->end);
     }
     const ScreenGeometry& geometry() { return *mListener->geometry; }

@@ -79,8 +79,6 @@ protected:
     std::map<std::string, std::unique_ptr<ChildProcess>> devices;
 };
 
-} // namespace
-
 TEST_F(AutoConnect, TakesTheSecondWhenTheFirstRefuses)
 {
     startNamed("Desk", {"--refuse", "Closed for maintenance"});
@@ -211,3 +209,5 @@ TEST_F(AutoConnect, ConnectsWhenADeviceIsTicked)
     EXPECT_TRUE(connectsTo("desk-7.local")) << everything();
     EXPECT_TRUE(says("Desk", "these options: touch retina windows-move-back")) << everything();
 }
+
+} // namespace

@@ -49,9 +49,16 @@ protected:
 
 TEST_F(APacedPicture, SendsSmallChangesAtOnceAndLargeOnesAtTheBeat)
 {
-    pacing.begin(0ms, 100'000);
+    pacing.beat(0ms);
     EXPECT_TRUE(pacing.mayBegin(1ms, typing, true));
     EXPECT_FALSE(pacing.mayBegin(1ms, film, true));
+    EXPECT_TRUE(pacing.mayBegin(17ms, film, true));
+}
+
+TEST_F(APacedPicture, KeepsTheBeatHoweverLongAFrameIsMade)
+{
+    pacing.beat(0ms);
+    pacing.begin(12ms, 100'000);
     EXPECT_TRUE(pacing.mayBegin(17ms, film, true));
 }
 

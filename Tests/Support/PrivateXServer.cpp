@@ -135,8 +135,8 @@ PrivateXServer::PrivateXServer()
 {
     const auto number = mFolder.path("number");
     const auto command = "exec '" FARVIEW_X_SERVER "' '" + mFolder.path() +
-                         "' 1920x1080 -displayfd 3 3>'" + number + "' >'" +
-                         mFolder.path("output") + "' 2>&1";
+                         "' 1920x1080 -displayfd 3 3>'" + number + "' >'" + mFolder.path("output") +
+                         "' 2>&1";
     mServer = std::make_unique<ChildProcess>(std::vector<std::string>{"sh", "-c", command});
     const bool isUp =
         waitUntil([&] { return !firstLineOf(number).empty() || !mServer->isRunning(); },

@@ -58,8 +58,7 @@ public:
         // A screen may come after the order to paint on it.
         connect(&mRetry, &QTimer::timeout, this, &Painter::obeyAll);
         mRetry.start(5);
-        connect(&mRepeat, &QTimer::timeout, this, &Painter::repeat);
-        mRepeat.start(200);
+        connect(&mRepeat, &QTimer::timeout, this, &Painter::showCursor);
     }
 
 private:
@@ -111,6 +110,7 @@ private:
         image.fill(QColor(numbers.at(1)));
         mCursor = QCursor(image, int(numbers.at(2)), int(numbers.at(2)));
         showCursor();
+        mRepeat.start(200);
         return true;
     }
 
@@ -122,14 +122,6 @@ private:
             for (const auto& cursor : {mCursor, QCursor(Qt::BlankCursor), mCursor})
                 canvas->setCursor(cursor);
         }
-    }
-
-    /// PipeWire 0.3 drops a frame when another buffer follows before its reader is awake.
-    void repeat()
-    {
-        for (const auto& [screen, canvas] : mCanvases)
-            canvas->update();
-        showCursor();
     }
 
     QSocketNotifier mInput{STDIN_FILENO, QSocketNotifier::Read};

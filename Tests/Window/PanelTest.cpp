@@ -199,8 +199,8 @@ TEST_P(PanelInEachLanguage, WhatIsSaidOfTheMonitorIsInThatLanguage)
     auto report = shownScreen();
     report.scale = 2;
     const bool isEnglish = GetParam() == std::string("en");
-    for (const auto& corner : {pixelPoint(3200, 0), pixelPoint(-1920, 0), pixelPoint(0, -1200),
-                               pixelPoint(0, 1080)}) {
+    for (const auto& corner :
+         {pixelPoint(3200, 0), pixelPoint(-1920, 0), pixelPoint(0, -1200), pixelPoint(0, 1080)}) {
         report.monitor = pixelRect(corner.x, corner.y, 1920, 1200);
         serverReports(report);
         const auto text = find<QLabel>("deviceHintLabel")->text();

@@ -7,6 +7,7 @@
 #include <sys/eventfd.h>
 
 #include <array>
+#include <cerrno>
 #include <exception>
 #include <limits>
 #include <utility>
@@ -15,6 +16,15 @@ namespace farview
 {
 namespace
 {
+
+// PipeWire drops a buffer that was not taken before the next one came, and another one that brings
+// nothing but the pointer often comes right after a frame. Then the picture stays old until
+// something changes, unless it is asked for.
+constexpr std::chrono::milliseconds patienceForFirst{500};
+constexpr std::chrono::milliseconds patience{1000};
+/// The answer may end with such a buffer, too: where nothing has changed, it is not asked for ever.
+constexpr int mostVainRefreshes = 3;
+constexpr std::chrono::seconds longestMemory{10};
 
 constexpr int longestSide = std::numeric_limits<std::int16_t>::max();
 
@@ -79,8 +89,9 @@ PipeWireStream::~PipeWireStream()
 {
     if (mThread)
         pw_thread_loop_stop(mThread.get());
-    if (mStream)
-        spa_hook_remove(&mHook);
+    // What follows is no news.
+    spa_hook_remove(&mHook);
+    spa_hook_remove(&mCoreHook);
 }
 
 template <auto operation, typename... Arguments>
@@ -109,6 +120,17 @@ const pw_stream_events& PipeWireStream::handlers()
     return all;
 }
 
+const pw_core_events& PipeWireStream::coreHandlers()
+{
+    static const pw_core_events all = [] {
+        pw_core_events events{};
+        events.version = PW_VERSION_CORE_EVENTS;
+        events.error = call<&PipeWireStream::useError>;
+        return events;
+    }();
+    return all;
+}
+
 void PipeWireStream::connect(std::uint32_t node, int width, int height)
 {
     if (!begin(node, {width, height}))
@@ -127,10 +149,12 @@ bool PipeWireStream::begin(std::uint32_t node, Size size)
     if (!core ||
         !pw_loop_add_io(loop, mWake->get(), SPA_IO_IN, false, call<&PipeWireStream::wake>, this))
         return false;
+    mTimer = pw_loop_add_timer(loop, call<&PipeWireStream::refresh>, this);
+    pw_core_add_listener(core, &mCoreHook, &coreHandlers(), this);
     auto* properties = pw_properties_new(PW_KEY_MEDIA_TYPE, "Video", PW_KEY_MEDIA_CATEGORY,
                                          "Capture", PW_KEY_MEDIA_ROLE, "Screen", nullptr);
     mStream.reset(pw_stream_new(core, "Farview", properties));
-    if (!mStream)
+    if (!mStream || !mTimer)
         return false;
     pw_stream_add_listener(mStream.get(), &mHook, &handlers(), this);
     ParameterMemory memory;
@@ -168,12 +192,17 @@ void PipeWireStream::end(ScreenObstacle reason)
         tell([reason](const auto& events) { events.ended(reason); });
 }
 
+/// Heard before the stream tells of its end.
+void PipeWireStream::useError(std::uint32_t id, int, int result, const char*)
+{
+    if (id == PW_ID_CORE && result == -EPIPE)
+        end(ScreenObstacle::failed);
+}
+
 void PipeWireStream::useState(pw_stream_state, pw_stream_state now, const char*)
 {
-    if (now == PW_STREAM_STATE_ERROR)
+    if (now == PW_STREAM_STATE_ERROR || now == PW_STREAM_STATE_UNCONNECTED)
         end(ScreenObstacle::takenAway);
-    else if (now == PW_STREAM_STATE_UNCONNECTED)
-        end(ScreenObstacle::failed);
 }
 
 void PipeWireStream::useParameter(std::uint32_t id, const spa_pod* value)
@@ -195,6 +224,7 @@ void PipeWireStream::useFormat(Size size)
     mPixels = std::make_shared<std::vector<std::uint32_t>>(count);
     mSize = size;
     mIsFirst = true;
+    refreshIn(patienceForFirst);
     mScreen->setBuffer({mPixels->data(), size.width, size.height, size.width}, mPixels);
     ParameterMemory memory;
     std::array parameters = {
@@ -214,12 +244,39 @@ void PipeWireStream::process()
 {
     while (auto* buffer = pw_stream_dequeue_buffer(mStream.get())) {
         usePointer(*buffer->buffer);
-        if (pixelsIn(*buffer->buffer, mSize.width, mSize.height))
+        const bool hasPixels = pixelsIn(*buffer->buffer, mSize.width, mSize.height).has_value();
+        if (hasPixels)
             std::swap(buffer, mNewest);
+        if (!mIsFirst || hasPixels)
+            refreshIn(hasPixels ? std::chrono::milliseconds(0) : patience);
         if (buffer)
             pw_stream_queue_buffer(mStream.get(), buffer);
     }
     copyNewest();
+}
+
+/// Has the node send a whole frame, as each node does that begins to stream.
+void PipeWireStream::refresh(std::uint64_t)
+{
+    const auto now = std::chrono::steady_clock::now();
+    if (now > mRefreshed + longestMemory)
+        mVainRefreshes = 0;
+    if (!mIsFirst && mVainRefreshes >= mostVainRefreshes)
+        return;
+    mRefreshed = now;
+    ++mVainRefreshes;
+    pw_stream_set_active(mStream.get(), false);
+    pw_stream_set_active(mStream.get(), true);
+    if (mIsFirst)
+        refreshIn(patienceForFirst);
+}
+
+/// Instead of when it was due before; 0: not at all.
+void PipeWireStream::refreshIn(std::chrono::milliseconds delay)
+{
+    const std::chrono::nanoseconds rest = delay % std::chrono::seconds(1);
+    timespec value{delay / std::chrono::seconds(1), rest.count()};
+    pw_loop_update_timer(pw_thread_loop_get_loop(mThread.get()), mTimer, &value, nullptr, false);
 }
 
 void PipeWireStream::usePointer(const spa_buffer& buffer)
@@ -258,6 +315,8 @@ std::vector<PixelRect> PipeWireStream::copy(const spa_buffer& buffer)
     if (!view)
         return {};
     auto changes = copyChangedRows(*view, mPixels->data());
+    if (!changes.empty())
+        mVainRefreshes = 0;
     if (std::exchange(mIsFirst, false))
         changes = {pixelRect(0, 0, mSize.width, mSize.height)};
     return changes;

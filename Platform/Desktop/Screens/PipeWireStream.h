@@ -7,6 +7,7 @@
 
 #include <pipewire/pipewire.h>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -65,11 +66,13 @@ private:
     template <auto operation, typename... Arguments>
     static void call(void* self, Arguments... arguments);
     static const pw_stream_events& handlers();
+    static const pw_core_events& coreHandlers();
 
     bool begin(std::uint32_t node, Size size);
     void tell(std::function<void(const Events&)> news);
     void end(ScreenObstacle reason);
     // On PipeWire's thread:
+    void useError(std::uint32_t id, int sequence, int result, const char* message);
     void useState(pw_stream_state before, pw_stream_state now, const char* error);
     void useParameter(std::uint32_t id, const spa_pod* value);
     void useFormat(Size size);
@@ -79,6 +82,8 @@ private:
     void wake(int descriptor, std::uint32_t mask);
     void copyNewest();
     std::vector<PixelRect> copy(const spa_buffer& buffer);
+    void refresh(std::uint64_t expirations);
+    void refreshIn(std::chrono::milliseconds delay);
 
     RunLoop& mLoop;
     std::shared_ptr<Events> mEvents;
@@ -90,6 +95,10 @@ private:
     std::unique_ptr<pw_context, Destroy> mContext;
     std::unique_ptr<pw_stream, Destroy> mStream;
     spa_hook mHook{};
+    spa_hook mCoreHook{};
+    spa_source* mTimer = nullptr;
+    std::chrono::steady_clock::time_point mRefreshed;
+    int mVainRefreshes = 0;
     Size mSize;
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;
     pw_buffer* mNewest = nullptr; ///< not copied yet: a frame is out

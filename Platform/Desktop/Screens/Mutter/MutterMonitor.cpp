@@ -10,7 +10,7 @@ namespace
 
 /// From the wish to the monitor.
 constexpr Duration longestStart{10.0};
-/// A session and its stream end together, and each says something else.
+/// Session, stream and bus may end together, and each says something else.
 constexpr Duration patience{0.5};
 
 /// More than any picture that a graphics processor holds.
@@ -87,7 +87,7 @@ void MutterMonitor::applyWish()
 void MutterMonitor::useState(const DisplayState* state)
 {
     if (!state)
-        return end(ScreenObstacle::failed);
+        return endSoon(ScreenObstacle::failed);
     if (mBefore)
         return follow(*state);
     mBefore = *state;
@@ -182,14 +182,19 @@ void MutterMonitor::end(ScreenObstacle reason)
     remove();
 }
 
-/// Mutter closes the session when PipeWire ends, and the node goes when the session is closed:
-/// whoever knows more may still say so.
+/// Mutter closes the session when PipeWire ends, and the node goes when the session is closed.
 void MutterMonitor::lose(ScreenObstacle reason)
 {
     if (reason == ScreenObstacle::takenAway)
-        mLoop.performAfterDelay(patience, mLife, [this, reason] { end(reason); });
+        endSoon(reason);
     else
         end(reason);
+}
+
+/// Unless somebody who knows more says so first.
+void MutterMonitor::endSoon(ScreenObstacle reason)
+{
+    mLoop.performAfterDelay(patience, mLife, [this, reason] { end(reason); });
 }
 
 void MutterMonitor::remove()

@@ -6,6 +6,7 @@
 #include "Platform/RunLoop.h"
 #include "Platform/VirtualScreens.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -46,6 +47,7 @@ private:
     void tellOfPicture(News news);
     void tell(News news);
     void lose(ScreenObstacle reason);
+    void endSoon(ScreenObstacle reason);
     void end(ScreenObstacle reason);
     void remove();
 

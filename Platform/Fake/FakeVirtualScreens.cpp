@@ -99,12 +99,12 @@ void FakeMonitor::tell(std::function<void(VirtualScreenDelegate&)> news)
 void FakeMonitor::appear()
 {
     tell([geometry = mGeometry](auto& delegate) { delegate.didAppear(geometry); });
+    const std::lock_guard lock(mMutex);
     clear();
 }
 
 void FakeMonitor::clear()
 {
-    const std::lock_guard lock(mMutex);
     mPixels.assign(static_cast<std::size_t>(mGeometry.width) * mGeometry.height, 0);
     mDamage = {whole(mGeometry)};
     announceFrame();
@@ -185,14 +185,16 @@ void FakeMonitor::change(const ScreenGeometry& geometry)
 {
     if (mHasEnded || geometry == mGeometry)
         return;
-    const auto before = std::exchange(mGeometry, geometry);
     tell([geometry](auto& delegate) { delegate.didChange(geometry); });
+    const std::lock_guard lock(mMutex);
+    const auto before = std::exchange(mGeometry, geometry);
     if (before.width != geometry.width || before.height != geometry.height)
         clear();
 }
 
 void FakeMonitor::end(ScreenObstacle reason)
 {
+    const std::lock_guard lock(mMutex);
     if (!std::exchange(mHasEnded, true))
         tell([reason](auto& delegate) { delegate.didEnd(reason); });
 }

@@ -32,8 +32,9 @@ int refinedAtOnce(int quality);
 class Pacing
 {
 public:
-    /// A beat: frames with large changes are begun to be made this long after one another.
-    static constexpr PictureTime frameTime = std::chrono::microseconds(16'667);
+    /// A beat: frames with large changes are begun to be made this long after one another. It is
+    /// shorter than that of the desktops, 60 a second, so that no frame waits for two of them.
+    static constexpr PictureTime frameTime = std::chrono::microseconds(12'000);
 
     /// `lastFrame` is the number of the last frame before.
     explicit Pacing(std::uint32_t lastFrame = 0) : mLast(lastFrame) {}

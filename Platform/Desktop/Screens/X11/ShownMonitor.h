@@ -6,6 +6,7 @@
 #include "Platform/Desktop/Screens/X11/RootCursor.h"
 #include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -13,14 +14,16 @@
 namespace farview
 {
 
-/// Happens at most once in the length of a frame.
+/// Happens at most once in the length of a frame, on average: what came late does not delay the
+/// next.
 class Beat
 {
 public:
     using Clock = std::chrono::steady_clock;
+    static constexpr std::chrono::microseconds length{16667};
 
     bool isDue() const { return Clock::now() >= mNext; }
-    void happened() { mNext = Clock::now() + std::chrono::microseconds(16667); }
+    void happened() { mNext = std::max(mNext, Clock::now() - length / 2) + length; }
     /// As poll() takes it.
     int millisecondsLeft() const;
 

@@ -38,14 +38,7 @@ private:
 class MonitorWatcherTest : public testing::Test
 {
 protected:
-    /// The driver counts an output as connected from the first time that it was on.
-    MonitorWatcherTest()
-    {
-        mOthers.setScreenSize(3840, 1080);
-        mOthers.show(1, 1920, 0);
-        mOthers.hide(1);
-        mOthers.setScreenSize(1920, 1080);
-    }
+    MonitorWatcherTest() { mOthers.showOnce(1); }
     std::string described() { return describedScreens(mServer.display()); }
     bool isThere() { return mOthers.area(1) == ScreenArranger::Area{1920, 0, 1024, 600}; }
 

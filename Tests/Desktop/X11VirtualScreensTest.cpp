@@ -17,15 +17,7 @@ namespace
 class X11VirtualScreensTest : public testing::Test
 {
 protected:
-    /// The driver counts an output as connected from the first time that it was on: here it has
-    /// been.
-    X11VirtualScreensTest()
-    {
-        mOthers.setScreenSize(3840, 1080);
-        mOthers.show(1, 1920, 0);
-        mOthers.hide(1);
-        mOthers.setScreenSize(1920, 1080);
-    }
+    X11VirtualScreensTest() { mOthers.showOnce(1); }
     std::string described() { return describedScreens(mServer.display()); }
     void open(int width = 1024, int height = 600)
     {

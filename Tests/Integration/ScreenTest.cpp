@@ -29,11 +29,7 @@ protected:
         ServerAndDevice::SetUp();
         if (IsSkipped())
             return;
-        // The driver counts an output as connected from the first time that it was on.
-        desktop.setScreenSize(3840, 1080);
-        desktop.show(1, 1920, 0);
-        desktop.hide(1);
-        desktop.setScreenSize(1920, 1080);
+        desktop.showOnce(1);
         before = describedScreens(display.display());
         preferences->setCurrentState(1);
         panel->center().addObserver(

@@ -204,6 +204,14 @@ void ScreenArranger::show(std::size_t index, int x, int y)
 
 void ScreenArranger::hide(std::size_t index) { configure(crtcOf(index), 0, 0, 0, {}); }
 
+void ScreenArranger::showOnce(std::size_t index)
+{
+    setScreenSize(3840, 1080);
+    show(index, 1920, 0);
+    hide(index);
+    setScreenSize(1920, 1080);
+}
+
 void ScreenArranger::makePrimary(std::size_t index)
 {
     std::free(xcb_request_check(

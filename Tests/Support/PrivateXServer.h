@@ -59,6 +59,9 @@ public:
     /// shows. Throws when the server refuses.
     void show(std::size_t index, int x, int y);
     void hide(std::size_t index);
+    /// Switches it on beside the first one and off again: the driver counts an output as connected
+    /// from the first time that it was on.
+    void showOnce(std::size_t index);
     void makePrimary(std::size_t index);
     void setScreenSize(int width, int height);
 

@@ -46,6 +46,8 @@ struct ScreenGeometry {
     /// The user's own screens, in the desktop's own units; the main one first.
     std::vector<PixelRect> others = {};
 
+    /// The upper left one of `area`.
+    PixelPoint corner() const { return {area.x, area.y}; }
     bool operator==(const ScreenGeometry&) const = default;
 };
 

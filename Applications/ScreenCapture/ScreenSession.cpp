@@ -148,8 +148,8 @@ void ScreenSession::rememberShape(const ScreenGeometry& before, const ScreenGeom
         remember({remembered().side, now.width, now.height, now.scale, *mDeviceScreen});
     }
     const auto side = sideOfMonitor(now);
-    const bool isMoved = now.area.x != before.area.x || now.area.y != before.area.y;
-    if (isMoved && side && side != (mSide ? mSide : sideOfMonitor(before))) {
+    if (now.corner() != before.corner() && side &&
+        side != (mSide ? mSide : sideOfMonitor(before))) {
         mSide = side;
         RememberedScreen moved = remembered();
         moved.side = side;

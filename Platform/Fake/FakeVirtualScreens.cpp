@@ -15,11 +15,6 @@ template <typename Monitor> PixelRect placed(const Monitor& monitor, const Pixel
                      static_cast<int>(monitor.height / monitor.scale));
 }
 
-PixelPoint cornerOf(const ScreenGeometry& geometry)
-{
-    return pixelPoint(geometry.area.x, geometry.area.y);
-}
-
 class FakeVirtualScreen final : public VirtualScreen
 {
 public:
@@ -32,14 +27,14 @@ public:
         auto wanted = mMonitor->geometry();
         wanted.width = width;
         wanted.height = height;
-        wanted.area = placed(wanted, cornerOf(wanted));
+        wanted.area = placed(wanted, wanted.corner());
         mMonitor->change(wanted);
     }
     void setScale(double scale) override
     {
         auto wanted = mMonitor->geometry();
         wanted.scale = scale;
-        wanted.area = placed(wanted, cornerOf(wanted));
+        wanted.area = placed(wanted, wanted.corner());
         mMonitor->change(wanted);
     }
     void place(PixelPoint corner) override

@@ -72,14 +72,14 @@ TEST_F(MutterVirtualScreensTest, TheUsersMonitorsStayWhereTheyWere)
     const auto before = usersMonitors();
     open();
     EXPECT_TRUE(waitUntil([&] { return usersMonitors() == before; }));
-    EXPECT_EQ(cornerOf(geometry()), pixelPoint(1920, 720));
+    EXPECT_EQ(geometry().corner(), pixelPoint(1920, 720));
     EXPECT_EQ(geometry().others,
               (std::vector{pixelRect(0, 720, 1920, 1200), pixelRect(0, 0, 1280, 720)}));
     mScreen->resize(1600, 1200);
     ASSERT_TRUE(becomes(1600, 1200));
     runLoopFor(std::chrono::milliseconds(200));
     EXPECT_TRUE(waitUntil([&] { return usersMonitors() == before; }));
-    EXPECT_TRUE(waitUntil([&] { return cornerOf(geometry()) == pixelPoint(1920, 720); }));
+    EXPECT_TRUE(waitUntil([&] { return geometry().corner() == pixelPoint(1920, 720); }));
 }
 
 TEST_F(MutterVirtualScreensTest, RemovalLeavesEverythingAsItWas)
@@ -89,7 +89,7 @@ TEST_F(MutterVirtualScreensTest, RemovalLeavesEverythingAsItWas)
     mScreen->resize(800, 600);
     ASSERT_TRUE(becomes(800, 600));
     mScreen->place(pixelPoint(1280, 0));
-    ASSERT_TRUE(waitUntil([&] { return cornerOf(geometry()) == pixelPoint(1280, 0); }));
+    ASSERT_TRUE(waitUntil([&] { return geometry().corner() == pixelPoint(1280, 0); }));
     mScreen.reset();
     // Mutter may arrange them once more after that.
     EXPECT_TRUE(isLayout(before));
@@ -107,7 +107,7 @@ TEST_F(MutterVirtualScreensTest, APlaceThatCannotBeChangesNothing)
     EXPECT_EQ(mOthers.layout(), before);
     mScreen->resize(800, 600);
     ASSERT_TRUE(becomes(800, 600));
-    EXPECT_EQ(cornerOf(geometry()), pixelPoint(1920, 720));
+    EXPECT_EQ(geometry().corner(), pixelPoint(1920, 720));
 }
 
 TEST_F(MutterVirtualScreensTest, WhatTheUserArrangesMeanwhileStays)
@@ -121,12 +121,12 @@ TEST_F(MutterVirtualScreensTest, WhatTheUserArrangesMeanwhileStays)
             part = {1920, 840, 1, 0, false, part.monitors};
     }
     ASSERT_TRUE(mOthers.apply(layout));
-    ASSERT_TRUE(waitUntil([&] { return cornerOf(geometry()) == pixelPoint(1920, 840); }));
+    ASSERT_TRUE(waitUntil([&] { return geometry().corner() == pixelPoint(1920, 840); }));
     const auto users = usersMonitors();
     mScreen->resize(800, 600);
     ASSERT_TRUE(becomes(800, 600));
     EXPECT_TRUE(waitUntil(
-        [&] { return usersMonitors() == users && cornerOf(geometry()) == pixelPoint(1920, 840); }));
+        [&] { return usersMonitors() == users && geometry().corner() == pixelPoint(1920, 840); }));
     mScreen.reset();
     EXPECT_TRUE(isLayout(users.substr(0, users.size() - 1)));
 }
@@ -170,7 +170,7 @@ TEST_F(MutterVirtualScreensTest, FiftySizesASecondEndInTheLast)
 TEST_F(MutterVirtualScreensTest, ThePictureIsWhatAProgramPaints)
 {
     open(640, 480);
-    const auto at = cornerOf(geometry());
+    const auto at = geometry().corner();
     constexpr int side = 80;
     const auto colour = [](int x, int y) {
         return 0x102030U * static_cast<unsigned>(1 + x / side) + static_cast<unsigned>(y / side);

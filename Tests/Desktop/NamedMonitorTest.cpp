@@ -60,7 +60,7 @@ TEST_F(NamedMonitorTest, IsMadeWhereNoOutputIsLeft)
 {
     open("Openbox");
     ASSERT_TRUE(mListener->geometry);
-    EXPECT_EQ(cornerOf(*mListener->geometry), pixelPoint(1920, 0));
+    EXPECT_EQ(mListener->geometry->corner(), pixelPoint(1920, 0));
     EXPECT_EQ(mListener->geometry->width, 1024);
     EXPECT_EQ(mListener->geometry->height, 1200);
     EXPECT_EQ(mOthers.screen(), (ScreenArranger::Area{0, 0, 2944, 1200}));
@@ -84,7 +84,7 @@ TEST_F(NamedMonitorTest, RemovalLeavesEverythingAsItWas)
     ASSERT_TRUE(waitUntil([&] { return mListener->geometry->width == 600; }));
     EXPECT_EQ(mOthers.screen(), (ScreenArranger::Area{0, 0, 2520, 1080}));
     mScreen->place(pixelPoint(0, 1080));
-    ASSERT_TRUE(waitUntil([&] { return cornerOf(*mListener->geometry) == pixelPoint(0, 1080); }));
+    ASSERT_TRUE(waitUntil([&] { return mListener->geometry->corner() == pixelPoint(0, 1080); }));
     mScreen.reset();
     EXPECT_EQ(described(), before);
 }

@@ -7,11 +7,6 @@
 namespace farview
 {
 
-inline PixelPoint cornerOf(const ScreenGeometry& geometry)
-{
-    return pixelPoint(geometry.area.x, geometry.area.y);
-}
-
 /// What a test was told last of one monitor.
 struct ScreenListener final : VirtualScreenDelegate {
     std::optional<ScreenGeometry> geometry;

@@ -26,6 +26,21 @@ inline constexpr const char* kServerDisconnectedFromDevice =
 /// Server: what became of the monitor for the device that is connected; a `ScreenReport` as a text
 /// under `kScreenReportKey`. After each report of a connection, and whenever it changes.
 inline constexpr const char* kServerScreenDidChange = "com.quillon.Farview.ServerScreenDidChange";
+/// Server: whether a device may be used is in question; a `PairingReport` as a text under
+/// `kPairingReportKey`. Whenever that changes, and in answer to the query for the connected device.
+inline constexpr const char* kServerPairingDidChange = "com.quillon.Farview.ServerPairingDidChange";
+/// To the server: the user sees the digits under "Digits" at the device. Options 3.
+inline constexpr const char* kConfirmDevice = "com.quillon.Farview.ConfirmDevice";
+/// To the server: the user does not see them there, or does not want to go on. Options 3.
+inline constexpr const char* kRefuseDevice = "com.quillon.Farview.RefuseDevice";
+/// Any process, after it took a device from the list of those that the user has confirmed
+/// (`PairedPeers`): the server leaves a device that it no longer knows. Options 3.
+inline constexpr const char* kPairedDevicesDidChange = "com.quillon.Farview.PairedDevicesDidChange";
+/// To a device on this computer: the user sees the digits under "Digits" at the computer that is
+/// connecting. Options 3.
+inline constexpr const char* kAcceptComputer = "com.quillon.FarviewDevice.AcceptComputer";
+/// A device: those digits are the ones it shows, and it has accepted. With the same "Digits".
+inline constexpr const char* kComputerAccepted = "com.quillon.FarviewDevice.ComputerAccepted";
 /// Server: the device could not be reached; the panel is to show its error text.
 inline constexpr const char* kRequestingErrorMsgFromPrefPane =
     "com.quillon.Farview.RequestingErrorMsgFromPrefPane";
@@ -52,6 +67,8 @@ inline constexpr const char* kBatteryLevelKey = "BatteryLevel";
 inline constexpr const char* kDeviceNameKey = "DeviceName";
 inline constexpr const char* kDeviceAddressKey = "DeviceAddress";
 inline constexpr const char* kScreenReportKey = "Screen";
+inline constexpr const char* kPairingReportKey = "Pairing";
+inline constexpr const char* kDigitsKey = "Digits";
 inline constexpr const char* kAwaitsRequestKey = "AwaitsRequest";
 inline constexpr const char* kConnectToHostNameKey = "connectToHostName";
 inline constexpr const char* kConnectUsingTicketKey = "connectUsingTicket";

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Applications/Device/HostPicture.h"
+#include "Common/PairedPeers.h"
 #include "Link/LinkConnection.h"
 #include "Platform/Log.h"
 #include "Platform/NetServicePublisher.h"
@@ -28,6 +29,15 @@ struct DeviceSettings {
     std::optional<std::string> refusal = std::nullopt;
 };
 
+/// A computer that wants to use the device and is not known here yet.
+struct ComputerToConfirm {
+    std::string digits;           ///< that it shows too, unless somebody is in between
+    std::string address;          ///< numeric
+    bool isConfirmedHere = false; ///< while its own user has not said yes
+
+    bool operator==(const ComputerToConfirm&) const = default;
+};
+
 /// What there is to show. All texts are printable.
 struct DeviceStatus {
     /// As announced; empty while it is not. May differ from what was asked for when another had it.
@@ -44,6 +54,11 @@ struct DeviceStatus {
     std::optional<LinkOptions> options = {};
     /// Why the last host was sent away; "good" when it was not, or another has come.
     HostPicture::Verdict lastVerdict = HostPicture::Verdict::good;
+    std::optional<ComputerToConfirm> toConfirm = {};
+    /// Those that may use the device without a question; named by where they were seen last.
+    std::vector<PairedPeer> computers = {};
+    /// Why no computer is let in, and what to do about it: the device's own key cannot be used.
+    std::string keyTrouble = {};
 
     bool operator==(const DeviceStatus&) const = default;
 };

@@ -27,6 +27,9 @@ struct DeviceSettings {
     QHostAddress address = QHostAddress(QHostAddress::Any);
     /// With a reason here every host is refused: for maintenance.
     std::optional<std::string> refusal = std::nullopt;
+    /// The next computer that asks is confirmed here without a question: for a device that nobody
+    /// can touch. For one computer, and ten minutes.
+    bool pairsOnce = false;
 };
 
 /// A computer that wants to use the device and is not known here yet.
@@ -86,6 +89,16 @@ public:
     void stop(std::function<void()> then);
     /// Says goodbye to the host that uses the device; another may come then.
     void sendHostAway();
+
+    /// The user says that the computer that waits shows the same digits.
+    void confirmComputer();
+    /// The user says that it does not, or does not want it.
+    void refuseComputer();
+    /// Confirms the computer that waits if these are its digits; false when they are not.
+    bool acceptDigits(const std::string& digits);
+    /// From now on the computer with that key is asked for digits again; if it uses the device, it
+    /// is sent away.
+    void forgetComputer(const std::string& key);
 
     const DeviceStatus& status() const { return mStatus; }
     /// `changed` is called whenever the status has changed, never inside a call to the server but

@@ -88,7 +88,7 @@ QString troubleText(const DeviceTexts& texts, const DeviceStatus& status)
 
 DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First first)
     : mTexts(texts), mActions(std::move(actions)), mFirst(first), mPages(new QStackedLayout(this)),
-      mStatusPage(makeStatusPage()),
+      mStatusPage(new QWidget),
       mQuestion(new PairingPage(texts, {mActions.confirm, mActions.refuse})),
       mComputers(
           new KnownComputersPage(texts, {mActions.forget, [this] { listComputers(false); }})),
@@ -96,6 +96,7 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
 {
     for (QWidget* each : std::initializer_list<QWidget*>{mStatusPage, mQuestion, mComputers, mView})
         mPages->addWidget(each);
+    fillStatusPage();
     setPage(*mStatusPage);
     mView->setAccessibleName(texts.text("Picture of the other computer"));
     mBar = new PictureBar(texts,
@@ -113,21 +114,20 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
     resize(smallSize());
 }
 
-QWidget* DeviceWindow::makeStatusPage()
+void DeviceWindow::fillStatusPage()
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
+    auto* layout = new QVBoxLayout(mStatusPage);
     mName = plainLabel(*layout, "deviceName");
     mUse = plainLabel(*layout, "deviceUse");
     mOptions = plainLabel(*layout, "deviceOptions");
     mTrouble = plainLabel(*layout, "deviceTrouble");
     layout->addStretch();
     auto* known = fingerButton(*layout, "knownComputers", mTexts.text("&Known Computers…"));
+    layout->setAlignment(known, Qt::AlignLeft);
     connect(known, &QPushButton::clicked, this, [this] { listComputers(true); });
     QFont large = mName->font();
     large.setPointSizeF(large.pointSizeF() * headlineScale);
     mName->setFont(large);
-    return page;
 }
 
 void DeviceWindow::showStatus(const DeviceStatus& status)

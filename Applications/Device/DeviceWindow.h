@@ -61,7 +61,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    QWidget* makeStatusPage();
+    void fillStatusPage();
     QWidget* rightPage() const;
     void showRightPage();
     void setPage(QWidget& page);

@@ -19,6 +19,7 @@ namespace
 
 /// The part of a key that people compare.
 constexpr std::size_t shownDigits = 8;
+constexpr int lowestList = 240; // points: some rows
 
 std::string localDate(Date date)
 {
@@ -54,8 +55,10 @@ KnownComputersPage::KnownComputersPage(const DeviceTexts& texts, Actions actions
     mList->setFocusPolicy(Qt::NoFocus); // its buttons are reached by the keyboard
     mList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     QScroller::grabGesture(mList->viewport());
+    mList->setMinimumHeight(lowestList);
     layout->addWidget(mList, 1);
     mBack = fingerButton(*layout, "knownBack", texts.text("&Back"));
+    layout->setAlignment(mBack, Qt::AlignLeft);
     connect(mBack, &QPushButton::clicked, this, mActions.back);
     makeRows();
 }

@@ -15,8 +15,9 @@ namespace farview
 namespace
 {
 
-constexpr double questionScale = 1.3;
+constexpr double questionScale = 1.6;
 constexpr int widestButton = 480;   // points
+constexpr int buttonHeight = 64;    // points
 constexpr int lowestDigits = 48;    // points
 constexpr double roomAround = 0.05; // of the width
 
@@ -79,10 +80,17 @@ PairingPage::PairingPage(const DeviceTexts& texts, const Actions& actions)
     mQuestion = plainLabel(*layout, "pairingQuestion");
     mQuestion->setAlignment(Qt::AlignCenter);
     enlarge(*mQuestion);
-    mYes = fingerButton(*layout, "pairingYes", texts.text("&Yes, the Same"));
-    mNo = fingerButton(*layout, "pairingNo", {});
+    auto* middle = new QHBoxLayout;
+    auto* buttons = new QVBoxLayout;
+    layout->addLayout(middle);
+    middle->addStretch(1);
+    middle->addLayout(buttons, widestButton); // the rest is shared by both sides
+    middle->addStretch(1);
+    mYes = fingerButton(*buttons, "pairingYes", texts.text("&Yes, the Same"));
+    mNo = fingerButton(*buttons, "pairingNo", {});
     for (QPushButton* each : {mYes, mNo}) {
         enlarge(*each);
+        each->setMinimumHeight(buttonHeight);
         each->setMaximumWidth(widestButton);
     }
     connect(mYes, &QPushButton::clicked, this, actions.confirm);

@@ -19,6 +19,8 @@ namespace
 {
 
 constexpr int windowWidth = 420;
+/// Room for some known computers.
+constexpr int listHeight = 400;
 constexpr double headlineScale = 1.6;
 /// How near to the upper edge the bar is asked for, in points: a finger's width.
 constexpr int edge = 24;
@@ -173,6 +175,8 @@ void DeviceWindow::showRightPage()
         comeForward();
     else if (page != mView && (before == mView || before == mQuestion))
         becomeWindow(smallSize());
+    else if (page == mComputers && !isMaximized())
+        resize(size().expandedTo(smallSize()));
 }
 
 /// Only the page that is seen says how small the window may be.
@@ -301,7 +305,8 @@ QSize DeviceWindow::sizeInWindow() const
 
 QSize DeviceWindow::smallSize() const
 {
-    return {windowWidth, mPages->currentWidget()->sizeHint().height()};
+    const QWidget* const page = mPages->currentWidget();
+    return {windowWidth, page == mComputers ? listHeight : page->sizeHint().height()};
 }
 
 // --- bar, keys and mouse ---------------------------------------------------------------------

@@ -19,7 +19,7 @@ namespace
 
 /// The part of a key that people compare.
 constexpr std::size_t shownDigits = 8;
-constexpr int lowestList = 240; // points: some rows
+constexpr int lowestList = 96; // points: about one row
 
 std::string localDate(Date date)
 {

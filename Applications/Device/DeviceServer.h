@@ -34,7 +34,8 @@ struct DeviceSettings {
     std::optional<std::string> refusal = std::nullopt;
     /// Where the device's own key is kept.
     std::string keyPath = {};
-    /// The next computer that is not known is confirmed here without a press, within ten minutes.
+    /// The next computer that asks is confirmed here without a question: for a device that nobody
+    /// can touch. For one computer, and ten minutes.
     bool pairsOnce = false;
 };
 
@@ -102,6 +103,16 @@ public:
     /// Confirms when these are the digits that are shown; whether they are.
     bool acceptDigits(const std::string& digits);
     /// From now on the computer with that key has to be confirmed again; it is sent away.
+    void forgetComputer(const std::string& key);
+
+    /// The user says that the computer that waits shows the same digits.
+    void confirmComputer();
+    /// The user says that it does not, or does not want it.
+    void refuseComputer();
+    /// Confirms the computer that waits if these are its digits; false when they are not.
+    bool acceptDigits(const std::string& digits);
+    /// From now on the computer with that key is asked for digits again; if it uses the device, it
+    /// is sent away.
     void forgetComputer(const std::string& key);
 
     const DeviceStatus& status() const { return mStatus; }

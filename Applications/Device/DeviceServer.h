@@ -104,16 +104,8 @@ public:
     bool acceptDigits(const std::string& digits);
     /// From now on the computer with that key has to be confirmed again; it is sent away.
     void forgetComputer(const std::string& key);
-
-    /// The user says that the computer that waits shows the same digits.
-    void confirmComputer();
-    /// The user says that it does not, or does not want it.
-    void refuseComputer();
-    /// Confirms the computer that waits if these are its digits; false when they are not.
-    bool acceptDigits(const std::string& digits);
-    /// From now on the computer with that key is asked for digits again; if it uses the device, it
-    /// is sent away.
-    void forgetComputer(const std::string& key);
+    /// Somebody may have changed which computers are known: one that no longer is, is sent away.
+    void computersChanged();
 
     const DeviceStatus& status() const { return mStatus; }
     /// `changed` is called whenever the status has changed, never inside a call to the server but
@@ -152,7 +144,6 @@ private:
     void strangerLeft();
     void keepComputer(const LinkConnection& connection);
     Date today() const;
-    void showComputers();
     void takeOptions(const LinkOptions& options);
     void takePicture(LinkConnection& connection, const LinkFrame& frame);
     void awaitTurn();

@@ -104,7 +104,7 @@ private:
             showWindow();
         else
             askByText();
-        acceptFromElsewhere();
+        followCommands();
         if (!mServer->start()) {
             mPlatform.log->write(LogLevel::error, "There is no port to listen on");
             QCoreApplication::exit(noPort);
@@ -141,8 +141,9 @@ private:
                                                   [this] { mServer->refuseComputer(); }, say});
         mServer->setObserver([this] { mConsole->showStatus(mServer->status()); });
     }
-    /// From `--accept`, for example in a shell on a device whose window nobody can reach.
-    void acceptFromElsewhere()
+    /// From `--accept` and `--forget`, for example in a shell on a device whose window nobody can
+    /// reach.
+    void followCommands()
     {
         const auto accept = [this](const Notification& asked) {
             const std::string* digits = asked.text(kDigitsKey);
@@ -152,7 +153,10 @@ private:
                     DistributedNotificationCenter::deliverImmediately |
                         DistributedNotificationCenter::postToAllSessions);
         };
+        const auto changed = [this](const Notification&) { mServer->computersChanged(); };
         mPlatform.distributedNotificationCenter->addObserver(mLife, accept, kAcceptComputer, "");
+        mPlatform.distributedNotificationCenter->addObserver(mLife, changed,
+                                                             kPairedDevicesDidChange, "");
     }
 
     DeviceArguments mArguments;

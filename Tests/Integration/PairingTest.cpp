@@ -154,11 +154,12 @@ TEST_F(Pairing, NeverConnectsToADeviceThatWasSetUpAnewBeforeTheUserForgotTheOldO
     device->sendSignal(SIGTERM);
     ASSERT_TRUE(device->waitForEnd());
     std::filesystem::remove(ownKeyPath(PairedPeers::computers));
+    const auto announced = text("device.log").rfind("Announced");
     startDevice();
-    ASSERT_TRUE(waitUntil([this] {
-        panel->connectTo("desk-7.local");
-        return says(State::changed);
-    }));
+    ASSERT_TRUE(waitUntil(
+        [&] { return text("device.log").rfind("Announced") > announced; }, seconds(10)));
+    panel->connectTo("desk-7.local");
+    ASSERT_TRUE(says(State::changed)) << serverLog() << deviceLog();
     EXPECT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));
     PairedPeers(*stored, PairedPeers::devices).forget("Desk");
     panel->post(kPairedDevicesDidChange);

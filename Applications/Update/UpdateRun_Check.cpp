@@ -15,7 +15,6 @@ namespace
 
 /// In bytes. The archive is held in memory until it is unpacked.
 constexpr std::uint64_t largestArchive = 100u << 20;
-constexpr std::chrono::seconds longestFeed{60};
 
 std::string systemVersion()
 {
@@ -43,7 +42,7 @@ void UpdateRun::start()
     if (auto failure = checkBundle())
         return fail(*failure);
     const FetchOrder order{mFeed, FeedReader::largestSize, UpdateProblem::tooLarge,
-                           mArguments.patience, longestFeed};
+                           mArguments.patience, 2 * mArguments.patience};
     mFetch.start(
         order, [](std::uint64_t) {},
         [this](const std::string& bytes, std::optional<UpdateFailure> failure) {

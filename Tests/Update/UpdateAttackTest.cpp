@@ -305,6 +305,21 @@ TEST_F(UpdateAttack, AServerThatFallsSilent)
     EXPECT_TRUE(isUntouched());
 }
 
+TEST_F(UpdateAttack, AServerThatTrickles)
+{
+    const std::string most(5000, ' ');
+    publish(most);
+    for (const char* path : {"archive.tar.xz", "updates.xml"}) {
+        server.serve(path, UpdateServer::Answer{200, most, {}, {}, {}, true});
+        // Silence would end it after two seconds, slowness does after four.
+        const auto run = start({"--patience", "2"});
+        run->say("download");
+        EXPECT_EQ(run->outcome(), "stalled") << run->printed();
+        EXPECT_EQ(run->last()["detail"], "the server is too slow");
+    }
+    EXPECT_TRUE(isUntouched());
+}
+
 TEST_F(UpdateAttack, AServerThatDoesNotDeliver)
 {
     EXPECT_EQ(update(), "server") << printed;

@@ -5,7 +5,11 @@
 #include "Applications/Update/UpdateRun.h"
 #include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/PosixSystemVersion.h"
+#include "Platform/Posix/PropertyLists/PropertyListScalars.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
+#include "Platform/Posix/StandardErrorLog.h"
 
+#include <ctime>
 #include <utility>
 
 namespace farview
@@ -24,6 +28,48 @@ std::string systemVersion()
     };
     return number(SystemVersionQuery::major) + "." + number(SystemVersionQuery::minor) + "." +
            number(SystemVersionQuery::bugFix);
+}
+
+/// When the newest feed was signed that this user has had from the owner of a key. It is kept with
+/// the user's settings; what keeps it from being read or written is logged.
+class NewestFeed
+{
+public:
+    explicit NewestFeed(const BundleFacts& facts)
+        : mDomain(facts.identifier), mKey("newestFeed " + facts.publicKey)
+    {
+    }
+
+    std::optional<Date> date()
+    {
+        const auto value =
+            mPreferences.copyValue(mKey, mDomain, PreferencesUser::current, PreferencesHost::any);
+        const Date* date = value ? value->get<Date>() : nullptr;
+        return date ? std::optional(*date) : std::nullopt;
+    }
+    void setDate(Date date)
+    {
+        mPreferences.setAppValue(mKey, date, mDomain);
+        mPreferences.appSynchronize(mDomain);
+    }
+
+private:
+    StandardErrorLog mLog{"farview-update"};
+    FilePreferences mPreferences{PreferencesLocations(EnvironmentUse::honoured), mLog};
+    std::string mDomain;
+    std::string mKey;
+};
+
+std::optional<UpdateFailure> checkDates(const FeedDates& feed, const BundleFacts& facts)
+{
+    NewestFeed newest(facts);
+    const Date now{static_cast<double>(std::time(nullptr))};
+    if (const auto problem = problemOf(feed, newest.date(), now))
+        return UpdateFailure{*problem, "signed " + textFromDate(feed.signedAt).value_or("") +
+                                           ", good until " +
+                                           textFromDate(feed.expires).value_or("")};
+    newest.setDate(feed.signedAt);
+    return std::nullopt;
 }
 
 QUrl addressFrom(const std::string& text)
@@ -72,9 +118,15 @@ std::optional<UpdateFailure> UpdateRun::checkBundle()
 
 void UpdateRun::takeFeed(const std::string& bytes)
 {
-    const auto feed = FeedReader::read(bytes);
+    const auto genuine = verifiedFeed(bytes, mFacts.publicKey);
+    if (!genuine)
+        return fail(UpdateFailure{UpdateProblem::wrongSignature,
+                                  "the feed is not signed with the bundle's key"});
+    const auto feed = FeedReader::read(*genuine);
     if (!feed.items)
         return fail(UpdateFailure{UpdateProblem::feedUnreadable, feed.reason});
+    if (const auto failure = checkDates(feed.dates, mFacts))
+        return fail(*failure);
     const auto choice = chooseUpdate(*feed.items, mFacts.version, systemVersion());
     if (choice.kind == UpdateChoice::Kind::systemTooOld)
         return fail(UpdateFailure{UpdateProblem::systemTooOld, choice.offered});

@@ -30,45 +30,23 @@ std::string systemVersion()
            number(SystemVersionQuery::bugFix);
 }
 
-/// When the newest feed was signed that this user has had from the owner of a key. It is kept with
-/// the user's settings; what keeps it from being read or written is logged.
-class NewestFeed
-{
-public:
-    explicit NewestFeed(const BundleFacts& facts)
-        : mDomain(facts.identifier), mKey("newestFeed " + facts.publicKey)
-    {
-    }
+std::string textOf(Date date) { return textFromDate(date).value_or("never"); }
 
-    std::optional<Date> date()
-    {
-        const auto value =
-            mPreferences.copyValue(mKey, mDomain, PreferencesUser::current, PreferencesHost::any);
-        const Date* date = value ? value->get<Date>() : nullptr;
-        return date ? std::optional(*date) : std::nullopt;
-    }
-    void setDate(Date date)
-    {
-        mPreferences.setAppValue(mKey, date, mDomain);
-        mPreferences.appSynchronize(mDomain);
-    }
-
-private:
-    StandardErrorLog mLog{"farview-update"};
-    FilePreferences mPreferences{PreferencesLocations(EnvironmentUse::honoured), mLog};
-    std::string mDomain;
-    std::string mKey;
-};
-
+/// Remembers a feed that counts with the user's settings, for each key: an older one counts no
+/// more.
 std::optional<UpdateFailure> checkDates(const FeedDates& feed, const BundleFacts& facts)
 {
-    NewestFeed newest(facts);
+    StandardErrorLog log("farview-update");
+    FilePreferences settings(PreferencesLocations(EnvironmentUse::honoured), log);
+    const std::string key = "newestFeed " + facts.publicKey;
+    const auto stored = settings.copyAppValue(key, facts.identifier);
+    const Date* newest = stored ? stored->get<Date>() : nullptr;
     const Date now{static_cast<double>(std::time(nullptr))};
-    if (const auto problem = problemOf(feed, newest.date(), now))
-        return UpdateFailure{*problem, "signed " + textFromDate(feed.signedAt).value_or("") +
-                                           ", good until " +
-                                           textFromDate(feed.expires).value_or("")};
-    newest.setDate(feed.signedAt);
+    if (const auto problem = problemOf(feed, newest ? *newest : Date(), now))
+        return UpdateFailure{*problem, "signed " + textOf(feed.signedAt) + ", good until " +
+                                           textOf(feed.expires)};
+    settings.setAppValue(key, feed.signedAt, facts.identifier);
+    settings.appSynchronize(facts.identifier);
     return std::nullopt;
 }
 

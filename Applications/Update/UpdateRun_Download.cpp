@@ -21,7 +21,7 @@ namespace
 /// How many times its length the disk must have free for an archive.
 constexpr std::uint64_t expansion = 10;
 constexpr int millisecondsBetweenReports = 100;
-/// In bytes per second, as an ISDN line has it. Nobody waits for less.
+/// In bytes per second: that of an ISDN line. A slower transfer counts as one that stalled.
 constexpr std::uint64_t slowestRate = 8000;
 
 std::optional<UpdateFailure> makePrivateFolder(const std::string& path)

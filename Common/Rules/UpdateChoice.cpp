@@ -25,11 +25,11 @@ bool isBefore(Date left, Date right) { return left.secondsSince1970 < right.seco
 
 } // namespace
 
-std::optional<UpdateProblem> problemOf(const FeedDates& feed, std::optional<Date> newest, Date now)
+std::optional<UpdateProblem> problemOf(const FeedDates& feed, Date newest, Date now)
 {
     if (isBefore({now.secondsSince1970 + largestAdvance}, feed.signedAt))
         return UpdateProblem::clock;
-    if (newest && isBefore(feed.signedAt, *newest))
+    if (isBefore(feed.signedAt, newest))
         return UpdateProblem::feedReplayed;
     if (isBefore(feed.expires, now))
         return UpdateProblem::feedExpired;

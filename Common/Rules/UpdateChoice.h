@@ -18,8 +18,8 @@ struct FeedDates {
 };
 
 /// Why a genuine feed does not count now; nothing when it does. `newest` is when the newest feed
-/// was signed that this user has had.
-std::optional<UpdateProblem> problemOf(const FeedDates& feed, std::optional<Date> newest, Date now);
+/// was signed that this user has had; 1970 when there was none.
+std::optional<UpdateProblem> problemOf(const FeedDates& feed, Date newest, Date now);
 
 /// A version that a feed offers. All of it comes from outside.
 struct UpdateItem {

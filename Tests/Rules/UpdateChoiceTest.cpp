@@ -61,16 +61,16 @@ TEST(UpdateChoice, AFeedCountsFromItsSigningUntilItExpiresAndNeverAfterANewerOne
     const FeedDates feed{{100 * day}, {190 * day}};
     struct Row {
         double now;
-        std::optional<Date> newest;
+        Date newest;
         std::optional<UpdateProblem> problem;
     };
     const Row rows[] = {
-        {100 * day, std::nullopt, std::nullopt},
-        {190 * day, std::nullopt, std::nullopt},
-        {190 * day + 1, std::nullopt, UpdateProblem::feedExpired},
-        {99 * day, std::nullopt, std::nullopt},
-        {99 * day - 1, std::nullopt, UpdateProblem::clock},
-        {0, std::nullopt, UpdateProblem::clock},
+        {100 * day, Date(), std::nullopt},
+        {190 * day, Date(), std::nullopt},
+        {190 * day + 1, Date(), UpdateProblem::feedExpired},
+        {99 * day, Date(), std::nullopt},
+        {99 * day - 1, Date(), UpdateProblem::clock},
+        {0, Date(), UpdateProblem::clock},
         {120 * day, Date{99 * day}, std::nullopt},
         {120 * day, Date{100 * day}, std::nullopt},
         {120 * day, Date{100 * day + 1}, UpdateProblem::feedReplayed},

@@ -315,7 +315,6 @@ TEST_F(UpdateAttack, AServerThatTrickles)
         const auto run = start({"--patience", "2"});
         run->say("download");
         EXPECT_EQ(run->outcome(), "stalled") << run->printed();
-        EXPECT_EQ(run->last()["detail"], "the server is too slow");
     }
     EXPECT_TRUE(isUntouched());
 }

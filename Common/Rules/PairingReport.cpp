@@ -62,7 +62,7 @@ PairingReport pairingReport(const std::string* text)
     if (hasDigits(report.state) && !(in >> report.digits && arePairingDigits(report.digits)))
         return {};
     std::getline(in.ignore(), report.device);
-    return report;
+    return report.device.empty() ? PairingReport{} : report;
 }
 
 } // namespace farview

@@ -43,7 +43,8 @@ std::string groupedDigits(const std::string& digits);
 
 /// The report as it travels: a word, the digits if there are, the device.
 std::string textOfPairingReport(const PairingReport& report);
-/// Of a foreign text; what cannot be read, or no text, is a report of nothing.
+/// Of a foreign text; no text, one that cannot be read or that names no device is a report of
+/// nothing.
 PairingReport pairingReport(const std::string* text);
 
 } // namespace farview

@@ -47,10 +47,17 @@ const PairingTexts& pairingTexts(PairingReport::State state)
     return texts.at(static_cast<std::size_t>(state));
 }
 
+std::string shownDigits(const std::string& digits)
+{
+    // A blank that does not break joins the two to one number, which no text direction turns round.
+    std::string text = groupedDigits(digits);
+    return text.replace(text.find(' '), 1, "\u00A0");
+}
+
 std::string pairingSentence(const PairingReport& report, const Localize& localized)
 {
     return filledPlaces(localized(pairingTexts(report.state).sentence),
-                        {report.device, groupedDigits(report.digits)});
+                        {report.device, shownDigits(report.digits)});
 }
 
 } // namespace farview

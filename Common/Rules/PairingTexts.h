@@ -19,7 +19,12 @@ struct PairingTexts {
 
 const PairingTexts& pairingTexts(PairingReport::State state);
 
-/// The sentence with the device's name, which is foreign and no markup, and the digits in groups.
+/// The digits in two groups as they are shown: on one line, and in a text that is written from
+/// right to left the first group on the left, too.
+std::string shownDigits(const std::string& digits);
+
+/// The sentence with the device's name, which is foreign and no markup, and the digits as they are
+/// shown.
 std::string pairingSentence(const PairingReport& report, const Localize& localized);
 
 } // namespace farview

@@ -63,6 +63,7 @@ TEST(PairingReport, OnlySixDecimalDigitsAreCompared)
 TEST(PairingReport, TypedDigitsMayHaveBlanks)
 {
     EXPECT_EQ(withoutBlanks(" 482\t913\r\n"), "482913");
+    EXPECT_EQ(withoutBlanks("482\u00A0913"), "482913") << "copied from the panel";
     EXPECT_EQ(withoutBlanks("482-913"), "482-913");
     EXPECT_EQ(withoutBlanks(groupedDigits("482913")), "482913");
 }

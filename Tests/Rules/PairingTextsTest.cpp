@@ -18,19 +18,20 @@ std::string pairingText(State state, const std::string& device = "Living Room Ta
 
 TEST(PairingTexts, TheQuestionNamesTheDeviceAndTheDigits)
 {
-    EXPECT_EQ(pairingText(State::comparing), "Does Living Room Tablet show 482 913?");
+    EXPECT_EQ(pairingText(State::comparing), "Does Living Room Tablet show 482\u00A0913?");
     EXPECT_EQ(pairingText(State::confirmed), "Now confirm it at Living Room Tablet, too.");
 }
 
 TEST(PairingTexts, ANameThatLooksLikeAPlaceIsNotFilled)
 {
-    EXPECT_EQ(pairingText(State::comparing, "%2$@ <b>x"), "Does %2$@ <b>x show 482 913?");
+    EXPECT_EQ(pairingText(State::comparing, "%2$@ <b>x"), "Does %2$@ <b>x show 482\u00A0913?");
 }
 
 TEST(PairingTexts, ATranslationMayHaveAnotherOrder)
 {
     const auto reversed = [](const std::string&) { return std::string("%2$@: %1$@"); };
-    EXPECT_EQ(pairingSentence({State::comparing, "482913", "Tablet"}, reversed), "482 913: Tablet");
+    EXPECT_EQ(pairingSentence({State::comparing, "482913", "Tablet"}, reversed),
+              "482\u00A0913: Tablet");
 }
 
 TEST(PairingTexts, EachStateNamesTheDeviceAndSaysWhatToDo)

@@ -34,6 +34,15 @@ struct PairingReport {
     bool operator==(const PairingReport&) const = default;
 };
 
+/// Whether it says why a device could not be connected.
+inline bool isFailure(PairingReport::State state) { return state >= PairingReport::State::changed; }
+/// Whether it is how the server answers a request for a device.
+inline bool answersRequest(PairingReport::State state)
+{
+    using State = PairingReport::State;
+    return state == State::comparing || state == State::confirmed || isFailure(state);
+}
+
 /// Whether it is digits that can be compared.
 bool arePairingDigits(const std::string& text);
 /// What somebody typed, without blanks around or between: "482 913" is 482913.

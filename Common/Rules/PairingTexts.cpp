@@ -10,11 +10,12 @@ namespace
 // In the order of the enumeration.
 constexpr std::array texts = {
     PairingTexts{"", "", "", ""},
-    PairingTexts{"Does %1$@ show %2$@?", "Look at the device: the digits must be the same.",
-                 "Yes, These Digits", "No"},
+    PairingTexts{"Does %1$@ show %2$@?",
+                 "Compare all six digits. If the device shows others, say no.", "Yes, These Digits",
+                 "No"},
     PairingTexts{"Now confirm it at %1$@, too.", "It asks about the same digits.", "", "Cancel"},
-    PairingTexts{"%1$@ is there.",
-                 "Choose it once to confirm it: from then on it connects by itself.", "", ""},
+    PairingTexts{"%1$@ is there, but you have never confirmed it.",
+                 "Choose it once: from then on it connects by itself.", "", ""},
     PairingTexts{"This is not the %1$@ that you confirmed. No picture was sent.",
                  "If you have set it up anew, forget the old one, and compare digits once more. "
                  "If not, something else pretends to be it: do nothing.",

@@ -206,9 +206,17 @@ protected:
             return;
         mShownText = mField->stringValue();
         mLabel->setText(plainText(mShownText));
+        if (mLabel->property("spelled").toBool())
+            mLabel->setAccessibleName(spelled(mLabel->text()));
     }
 
 private:
+    /// As it is read out: letter for letter.
+    static QString spelled(const QString& text)
+    {
+        return QString(text).remove(QChar::Nbsp).split(QString(), Qt::SkipEmptyParts).join(u' ');
+    }
+
     void showRole()
     {
         if (std::exchange(mShownRole, mField->textRole()) != mField->textRole())

@@ -52,6 +52,18 @@ TEST(PairingReport, NamesADevice)
     EXPECT_EQ(readPairing("tooOld Tab\nlet").device, "Tab") << "a name is one line";
 }
 
+TEST(PairingReport, AnswersARequestAlsoWithoutAFailure)
+{
+    for (const auto state : {State::none, State::unconfirmed})
+        EXPECT_FALSE(isFailure(state) || answersRequest(state)) << static_cast<int>(state);
+    for (const auto state : {State::comparing, State::confirmed})
+        EXPECT_TRUE(!isFailure(state) && answersRequest(state)) << static_cast<int>(state);
+    for (const auto state :
+         {State::changed, State::refusedThere, State::notCompared, State::tooManyTries,
+          State::interfered, State::tooOld, State::keyUnusable})
+        EXPECT_TRUE(isFailure(state) && answersRequest(state)) << static_cast<int>(state);
+}
+
 TEST(PairingReport, OnlySixDecimalDigitsAreCompared)
 {
     EXPECT_TRUE(arePairingDigits("000000"));

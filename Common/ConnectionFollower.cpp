@@ -1,8 +1,8 @@
 #include "Common/ConnectionFollower.h"
 
-#include "Common/FVEDistributedNotifications.h"
 #include "Common/FVEPreferences.h"
 #include "Common/NSString_Additions.h"
+#include "Common/PairedPeers.h"
 #include "Common/Rules/Connection.h"
 #include "Platform/Platform.h"
 
@@ -26,12 +26,14 @@ void ConnectionFollower::chooseNone() { request(kDisconnectCurrentServerFromHost
 void ConnectionFollower::quitServer()
 {
     forgetRequest();
+    forgetPairing();
     command(kTerminateScreenServer);
 }
 
 void ConnectionFollower::request(const char* name,
                                  DistributedNotificationCenter::TextUserInfo userInfo)
 {
+    forgetPairing();
     mRequest = Request{name, userInfo};
     command(name, std::move(userInfo));
 }
@@ -101,6 +103,8 @@ bool ConnectionFollower::followEnd(const Notification& report)
     mIsByAddress = false;
     mScreen.reset();
     const bool serverBegins = report.text(kAwaitsRequestKey);
+    if (serverBegins)
+        forgetPairing();
     // The end of a connection answers the request for no device, and no other.
     if (!mRequest || (!serverBegins && !mRequest->userInfo.empty()))
         return false;
@@ -113,6 +117,23 @@ bool ConnectionFollower::followEnd(const Notification& report)
 void ConnectionFollower::followScreen(const Notification& report)
 {
     mScreen = screenReport(report.text(kScreenReportKey));
+}
+
+void ConnectionFollower::followPairing(const Notification& report)
+{
+    mPairing = pairingReport(report.text(kPairingReportKey));
+}
+
+void ConnectionFollower::forgetDevice(const std::string& name)
+{
+    PairedPeers(*mPlatform.preferences, PairedPeers::devices).forget(name);
+    command(kPairedDevicesDidChange);
+}
+
+void ConnectionFollower::answer(const char* name)
+{
+    if (!mPairing.digits.empty())
+        command(name, {{kDigitsKey, mPairing.digits}});
 }
 
 } // namespace farview

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/PairingReport.h"
 #include "Common/Rules/ScreenReport.h"
 #include "Platform/NetService.h"
 #include "Platform/NotificationCenter.h"
@@ -57,6 +59,18 @@ public:
     /// Nothing before the server has told of it, and none outlives its connection.
     const std::optional<ScreenReport>& screen() const { return mScreen; }
 
+    /// Takes in the report of what is in question before a device is trusted.
+    void followPairing(const Notification& report);
+    /// What the server told last. The next request, and a server that begins, leave nothing of it.
+    const PairingReport& pairing() const { return mPairing; }
+    /// For when the server may be another one, or may have told more than was heard.
+    void forgetPairing() { mPairing = {}; }
+    /// The user's answer to the digits on show; nothing when there are none.
+    void confirmDevice() { answer(kConfirmDevice); }
+    void refuseDevice() { answer(kRefuseDevice); }
+    /// Forgets that the user confirmed the devices of that name, and tells the server.
+    void forgetDevice(const std::string& name);
+
     /// The connection was made by address, and to which one. The address outlives the connection.
     bool isByAddress() const { return mIsByAddress; }
     void setIsByAddress(bool flag) { mIsByAddress = flag; }
@@ -70,12 +84,14 @@ private:
     };
 
     void request(const char* name, DistributedNotificationCenter::TextUserInfo userInfo);
+    void answer(const char* name);
 
     Platform& mPlatform;
     std::optional<Request> mRequest;
     bool mIsByAddress = false;
     std::optional<std::string> mAddress;
     std::optional<ScreenReport> mScreen;
+    PairingReport mPairing;
 };
 
 } // namespace farview

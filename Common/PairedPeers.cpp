@@ -97,7 +97,7 @@ bool PairedPeers::add(const PairedPeer& peer)
         return (!peer.name.empty() && other.name == peer.name) ||
                (other.key == peer.key && (other.name.empty() || peer.name.empty()));
     });
-    if (peers.size() >= mostPeers)
+    while (peers.size() >= mostPeers)
         peers.erase(std::min_element(peers.begin(), peers.end(), usedEarlier));
     peers.push_back(peer);
     return store(peers);
@@ -106,22 +106,25 @@ bool PairedPeers::add(const PairedPeer& peer)
 void PairedPeers::used(const std::string& key, const std::string& name, Date now, bool followsName)
 {
     auto peers = all();
+    bool isKnown = false;
     for (PairedPeer& peer : peers) {
         const bool isMeant = followsName || peer.name.empty() || name.empty() || peer.name == name;
         if (peer.key != key || !isMeant)
             continue;
+        isKnown = true;
         peer.lastUsed = now;
         if (followsName || peer.name.empty())
             peer.name = name;
     }
-    store(peers);
+    if (isKnown)
+        store(peers);
 }
 
 void PairedPeers::forget(const std::string& nameOrKey)
 {
     auto peers = all();
     const auto forgotten = std::erase_if(peers, [&](const PairedPeer& peer) {
-        return peer.name == nameOrKey || peer.key == nameOrKey;
+        return peer.key == nameOrKey || (!nameOrKey.empty() && peer.name == nameOrKey);
     });
     if (forgotten > 0)
         store(peers);

@@ -54,8 +54,9 @@ public:
 
     /// Those that are stored soundly, the newest last.
     std::vector<PairedPeer> all() const;
-    /// Takes the place of whoever had that name, and of whoever had that key without a name.
-    /// False when it could not be stored.
+    /// Takes the place of whoever had that name, and of whoever had that key without a name. So a
+    /// computer, whose address others may have too, is added without one. False when it could not
+    /// be stored yet: it counts for this process all the same.
     bool add(const PairedPeer& peer);
     /// Notes that whoever has that key and, if it has one, that name is in use. Without a name, or
     /// where `followsName`, it has that name from now on.

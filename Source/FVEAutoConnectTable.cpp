@@ -14,6 +14,8 @@ using farview::DraggingInfo;
 using farview::DragOperation;
 using farview::DropOperation;
 using farview::IndexSet;
+using farview::PairedPeer;
+using farview::PairedPeers;
 using farview::Pasteboard;
 using farview::PropertyList;
 using farview::TableView;
@@ -34,7 +36,8 @@ std::string shownName(const PropertyList& name)
 } // namespace
 
 FVEAutoConnectTable::FVEAutoConnectTable(farview::Platform& platform)
-    : FVEPreferencePaneProperties(platform), mFiles(*platform.fileManager)
+    : FVEPreferencePaneProperties(platform), mFiles(*platform.fileManager),
+      mPeers(*platform.preferences, PairedPeers::devices)
 {
 }
 
@@ -163,17 +166,29 @@ void FVEAutoConnectTable::setObjectValue(TableView& table, const CellValue& valu
 bool FVEAutoConnectTable::mayDeleteRow(TableView& /*table*/, int row)
 {
     const auto* device = rowAt(row);
-    return device && farview::mayForget(*device);
+    return device && (farview::mayForget(*device) || !confirmedDevices(device->name).empty());
 }
 
-// As a tick does, this stores the order on show too.
+std::vector<PairedPeer> FVEAutoConnectTable::confirmedDevices(const PropertyList& name) const
+{
+    auto peers = mPeers.all();
+    std::erase_if(peers, [&](const PairedPeer& peer) {
+        return peer.name.empty() || PropertyList(peer.name) != name;
+    });
+    return peers;
+}
+
+// As a tick does, this stores the order on show too. The tick goes first, or the server would ask
+// for the device to be confirmed anew.
 void FVEAutoConnectTable::deleteRow(TableView& table, int row)
 {
     if (!mayDeleteRow(table, row))
         return;
     const auto device = *rowAt(row);
-    mForgotten.push_back({device, static_cast<std::size_t>(row)});
+    mForgotten.push_back({{device, static_cast<std::size_t>(row)}, confirmedDevices(device.name)});
     storeRows(farview::rowsWithout(autoConnectDevices(), device.name));
+    if (!mForgotten.back().confirmed.empty())
+        connection().forgetDevice(shownName(device.name));
 }
 
 bool FVEAutoConnectTable::mayUndoDelete(TableView& /*table*/) { return !mForgotten.empty(); }
@@ -184,7 +199,12 @@ void FVEAutoConnectTable::undoDelete(TableView& /*table*/)
         return;
     const auto last = std::move(mForgotten.back());
     mForgotten.pop_back();
-    storeRows(farview::rowsWith(autoConnectDevices(), last));
+    // Whoever was confirmed under that name meanwhile stays.
+    if (confirmedDevices(last.row.row.name).empty()) {
+        for (const auto& peer : last.confirmed)
+            mPeers.add(peer);
+    }
+    storeRows(farview::rowsWith(autoConnectDevices(), last.row));
 }
 
 bool FVEAutoConnectTable::writeRowsWithIndexes(TableView& /*table*/, const IndexSet& indexes,

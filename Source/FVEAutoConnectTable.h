@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Common/FVEConstants.h"
+#include "Common/PairedPeers.h"
 #include "Common/Rules/AutoConnectRows.h"
 #include "Source/FVEPreferencePaneProperties.h"
 
@@ -64,13 +65,21 @@ protected:
     void showAutoConnectTable(bool shown);
 
 private:
+    struct Forgotten {
+        farview::ForgottenRow row;
+        std::vector<farview::PairedPeer> confirmed; ///< the devices of that name
+    };
+
     /// Null when there is no such row.
     const farview::DeviceRow* rowAt(std::int64_t row) const;
     bool isChosenRow(std::int64_t row) const;
     void storeRows(Rows rows);
     void showWhetherOrderIsStored();
+    /// The devices of that name that the user has confirmed.
+    std::vector<farview::PairedPeer> confirmedDevices(const farview::PropertyList& name) const;
 
     farview::FileManager& mFiles;
+    farview::PairedPeers mPeers;
     bool mListWasBuilt = false;
-    std::vector<farview::ForgottenRow> mForgotten; ///< the last one is the first to come back
+    std::vector<Forgotten> mForgotten; ///< the last one is the first to come back
 };

@@ -238,6 +238,12 @@ void FVEConnectToOtherSheetController::serverCouldNotConnect()
         showFailure();
 }
 
+void FVEConnectToOtherSheetController::giveWay()
+{
+    if (isOpen() && !connectToOtherProgress()->isHidden())
+        cancelButtonPressed(nullptr);
+}
+
 void FVEConnectToOtherSheetController::showFailure()
 {
     connectToOtherOKButton()->setTitle(localized("Retry"));

@@ -61,6 +61,8 @@ public:
     void serverConnectedToDeviceNotification(const farview::Notification& notification);
     /// The server said so; what is not waited for is ignored.
     void serverCouldNotConnect();
+    /// The panel says or asks something about the device that was asked for, which the sheet hides.
+    void giveWay();
     void launchConnectionAttemptTimoutTimer();
     void connectionAttemptTimoutTimerOperation(farview::Object* sender);
     /// Ends the sheet and gives the pane the server's reports back; a closed sheet ignores it.

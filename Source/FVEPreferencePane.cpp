@@ -78,6 +78,7 @@ void FVEPreferencePane::makeConnectToOtherSheetController()
 void FVEPreferencePane::willSelect()
 {
     mOnShow = true;
+    connection().forgetPairing();
     addObservers();
     auto& preferences = FVEPreferences::sharedAppPrefs();
     if (preferences.openPrefsInSettingsPane()) {

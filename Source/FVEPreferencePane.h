@@ -8,6 +8,7 @@
 #include "Source/FVEAutoConnectTable.h"
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -91,6 +92,7 @@ public:
     void serverRespondedToConnectRequest(const farview::Notification& notification);
     void requestingErrorMsgFromPrefPane(const farview::Notification& notification);
     void serverScreenDidChange(const farview::Notification& notification);
+    void serverPairingDidChange(const farview::Notification& notification);
     void checkForConnectionError(farview::Object* sender);
     void errorMessageCanNowBeCleared(farview::Object* sender);
     void clearConnectionError();
@@ -99,9 +101,10 @@ public:
     void hideProgressIndicator();
     void launchWatchdogTimer();
     void watchdogTimerOperation(farview::Object* sender);
-
     /// The user moved the device's screen in the picture of the screens.
     void screenPlaced(farview::Object* sender);
+    void pairingYesPressed(farview::Object* sender);
+    void pairingNoPressed(farview::Object* sender);
 
     // Options, help and updates.
     void menuExtraCheckboxPressed(farview::Object* sender);
@@ -132,7 +135,6 @@ public:
 
 private:
     void log(const std::string& message);
-
     void makeConnectToOtherSheetController();
     void showSwitchState();
     void requestAXPermission();
@@ -166,6 +168,9 @@ private:
     std::string screenText();
     std::string connectedDevice() const;
     void showScreen(bool isConnected);
+    void showPairing();
+    /// Forgets the confirmed device of that name, and asks for the one that is there.
+    void confirmAnew(const std::string& device);
     bool searchesInVain(bool waits);
     void showConnectionHelp();
     void hideConnectionHelp();
@@ -175,9 +180,7 @@ private:
     void selectDeviceOfHost(const std::string* hostName);
     void queryResultLater(const farview::Notification& notification);
     void setPopUpWidth(const farview::View& placeholder);
-    WeakTimer scheduleOnce(farview::Duration delay, void (FVEPreferencePane::*operation)());
-    WeakTimer scheduleOnce(farview::Duration delay,
-                           void (FVEPreferencePane::*operation)(farview::Object*));
+    WeakTimer scheduleOnce(farview::Duration delay, std::function<void()> operation);
 
     farview::Platform& mPlatform;
     std::shared_ptr<farview::Bundle> mBundle;

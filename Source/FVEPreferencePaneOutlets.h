@@ -49,6 +49,12 @@ public:
     Outlet<farview::View> placeholderForReducedPopupSize;
     Outlet<farview::ProgressIndicator> waitingForServerIndicator;
     Outlet<farview::TextField> versionNumberLabel;
+    Outlet<farview::View> pairingBox;
+    Outlet<farview::TextField> pairingLabel;
+    Outlet<farview::TextField> pairingDigitsLabel;
+    Outlet<farview::TextField> pairingHintLabel;
+    Outlet<farview::Button> pairingYesButton;
+    Outlet<farview::Button> pairingNoButton;
     Outlet<farview::TextField> deviceHintLabel;
     Outlet<farview::Button> screenDiagnoseButton;
     Outlet<farview::View> screenPlaceBox;

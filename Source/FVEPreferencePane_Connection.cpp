@@ -150,13 +150,16 @@ void FVEPreferencePane::checkForConnectionError(Object* /*sender*/)
 {
     connection().forgetRequest();
     setConnectErrorCheckTimer({});
+    // The device may have died without a goodbye.
+    mPlatform.discovery->checkAgain();
+    // The card says already what went wrong.
+    if (isFailure(connection().pairing().state))
+        return;
     instructionsLabel()->setStringValue(localized(farview::connectionErrorText));
     warningImage()->setHidden(false);
     showConnectionHelp();
     setConnectErrorMessageTimer(
-        scheduleOnce(errorMessageHold, &FVEPreferencePane::errorMessageCanNowBeCleared));
-    // The device may have died without a goodbye.
-    mPlatform.discovery->checkAgain();
+        scheduleOnce(errorMessageHold, [this] { errorMessageCanNowBeCleared(nullptr); }));
 }
 
 void FVEPreferencePane::errorMessageCanNowBeCleared(Object* /*sender*/)
@@ -174,11 +177,15 @@ void FVEPreferencePane::clearConnectionError()
 void FVEPreferencePane::showProgressIndicator()
 {
     setPopUpWidth(*placeholderForReducedPopupSize());
-    mPlatform.runLoop->performAfterDelay(spinnerAppearanceDelay, weak_from_this(),
-                                         [this] { showWaitingSpinner(); });
+    mPlatform.runLoop->performAfterDelay(spinnerAppearanceDelay, weak_from_this(), [this] {
+        showWaitingSpinner();
+        // The server has answered already, and it is the user's turn.
+        if (answersRequest(connection().pairing().state))
+            hideProgressIndicator();
+    });
     virtualScreenSelectionPopup()->setEnabled(false);
     setSpinningForServerTimer(
-        scheduleOnce(spinnerSafetyDelay, &FVEPreferencePane::hideProgressIndicator));
+        scheduleOnce(spinnerSafetyDelay, [this] { hideProgressIndicator(); }));
 }
 
 void FVEPreferencePane::showWaitingSpinner()
@@ -222,22 +229,18 @@ void FVEPreferencePane::watchdogTimerOperation(Object* /*sender*/)
     const int result = GetAllPIDsForProcessName(kFVEScreenServerApplicationNameCString, pids.data(),
                                                 pids.size(), &count, &error);
     const int state = onOffSwitch()->state();
-    if (farview::switchIsOutOfStep(result, state))
+    if (farview::switchIsOutOfStep(result, state)) {
         onOffSwitch()->setState(state == 0 ? 1 : 0, false);
+        // A server that is no more asks nothing.
+        connection().forgetPairing();
+        showPairing();
+    }
     // Time passed: what the line about devices says may be due to change.
     updateDeviceHint();
 }
 
 FVEPreferencePane::WeakTimer FVEPreferencePane::scheduleOnce(Duration delay,
-                                                             void (FVEPreferencePane::*operation)())
+                                                             std::function<void()> operation)
 {
-    return mPlatform.runLoop->scheduledTimer(delay, false, weak_from_this(),
-                                             [this, operation] { (this->*operation)(); });
-}
-
-FVEPreferencePane::WeakTimer
-FVEPreferencePane::scheduleOnce(Duration delay, void (FVEPreferencePane::*operation)(Object*))
-{
-    return mPlatform.runLoop->scheduledTimer(delay, false, weak_from_this(),
-                                             [this, operation] { (this->*operation)(nullptr); });
+    return mPlatform.runLoop->scheduledTimer(delay, false, weak_from_this(), std::move(operation));
 }

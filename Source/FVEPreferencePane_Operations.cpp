@@ -48,6 +48,8 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     action<&Pane::helpPressed>("helpPressed:"),
     action<&Pane::diagnosePressed>("diagnosePressed:"),
     action<&Pane::screenPlaced>("screenPlaced:"),
+    action<&Pane::pairingYesPressed>("pairingYesPressed:"),
+    action<&Pane::pairingNoPressed>("pairingNoPressed:"),
     action<&Pane::checkNowForUpdatePressed>("checkNowForUpdatePressed:"),
     action<&Pane::autoUpdatePressed>("autoUpdatePressed:"),
     observer<&Pane::prefsChanged>("prefsChanged:"),
@@ -62,6 +64,7 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     observer<&Pane::serverRespondedToConnectRequest>("serverRespondedToConnectRequest:"),
     observer<&Pane::requestingErrorMsgFromPrefPane>("requestingErrorMsgFromPrefPane:"),
     observer<&Pane::serverScreenDidChange>("serverScreenDidChange:"),
+    observer<&Pane::serverPairingDidChange>("serverPairingDidChange:"),
 });
 
 struct Registration {
@@ -79,6 +82,7 @@ constexpr std::array distributedRegistrations = {
     Registration{kServerDisconnectedFromDevice, {"serverDisconnectedFromDeviceNotification:"}},
     Registration{kRequestingErrorMsgFromPrefPane, {"requestingErrorMsgFromPrefPane:"}},
     Registration{kServerScreenDidChange, {"serverScreenDidChange:"}},
+    Registration{kServerPairingDidChange, {"serverPairingDidChange:"}},
 };
 
 constexpr std::array browserRegistrations = {
@@ -131,6 +135,7 @@ void FVEPreferencePane::observeLosses()
         const auto pane = weak.lock();
         if (!pane)
             return;
+        pane->connection().forgetPairing();
         pane->followPreferences();
         pane->connection().query();
     });

@@ -42,6 +42,7 @@ void FVEPreferencePane::updateUI()
     }
     showInstructions(display);
     updateDeviceHint();
+    showPairing();
 }
 
 void FVEPreferencePane::showPopUp(PopUpDisplay display)

@@ -137,7 +137,7 @@ void FVEPreferencePane::requestConnection(const NetService& service)
     clearConnectionError();
     showProgressIndicator();
     setConnectErrorCheckTimer(
-        scheduleOnce(connectErrorCheckDelay, &FVEPreferencePane::checkForConnectionError));
+        scheduleOnce(connectErrorCheckDelay, [this] { checkForConnectionError(nullptr); }));
     // Without a host name there is nobody to name; the check tells the user when its time is over.
     connection().forgetRequest();
     if (const auto hostName = service.hostName())

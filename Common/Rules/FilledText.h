@@ -1,11 +1,15 @@
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
 
 namespace farview
 {
+
+/// A text in the user's language.
+using Localize = std::function<std::string(const std::string& text)>;
 
 /// The text, or "(null)" for none.
 inline std::string textOrNull(const std::optional<std::string>& text)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <sstream>
+#include <string_view>
 
 namespace farview
 {
@@ -15,6 +16,8 @@ constexpr std::array words{"none",       "comparing",    "confirmed",   "unconfi
                            "changed",    "refusedThere", "notCompared", "tooManyTries",
                            "interfered", "tooOld",       "keyUnusable"};
 constexpr std::size_t longestText = 512;
+// Whoever copies digits from the panel has the blank between them in the last two bytes.
+constexpr std::string_view blanks = " \t\r\n\xC2\xA0";
 
 bool hasDigits(State state) { return state == State::comparing || state == State::confirmed; }
 
@@ -30,7 +33,7 @@ bool arePairingDigits(const std::string& text)
 std::string withoutBlanks(const std::string& typed)
 {
     std::string text = typed;
-    std::erase_if(text, [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
+    std::erase_if(text, [](char c) { return blanks.find(c) != std::string_view::npos; });
     return text;
 }
 
@@ -62,7 +65,7 @@ PairingReport pairingReport(const std::string* text)
     if (hasDigits(report.state) && !(in >> report.digits && arePairingDigits(report.digits)))
         return {};
     std::getline(in.ignore(), report.device);
-    return report;
+    return report.device.empty() ? PairingReport{} : report;
 }
 
 } // namespace farview

@@ -34,6 +34,15 @@ struct PairingReport {
     bool operator==(const PairingReport&) const = default;
 };
 
+/// Whether it says why a device could not be connected.
+inline bool isFailure(PairingReport::State state) { return state >= PairingReport::State::changed; }
+/// Whether it is how the server answers a request for a device.
+inline bool answersRequest(PairingReport::State state)
+{
+    using State = PairingReport::State;
+    return state == State::comparing || state == State::confirmed || isFailure(state);
+}
+
 /// Whether it is digits that can be compared.
 bool arePairingDigits(const std::string& text);
 /// What somebody typed, without blanks around or between: "482 913" is 482913.
@@ -43,7 +52,8 @@ std::string groupedDigits(const std::string& digits);
 
 /// The report as it travels: a word, the digits if there are, the device.
 std::string textOfPairingReport(const PairingReport& report);
-/// Of a foreign text; what cannot be read, or no text, is a report of nothing.
+/// Of a foreign text; no text, one that cannot be read or that names no device is a report of
+/// nothing.
 PairingReport pairingReport(const std::string* text);
 
 } // namespace farview

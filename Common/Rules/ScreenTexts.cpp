@@ -1,7 +1,5 @@
 #include "Common/Rules/ScreenTexts.h"
 
-#include "Common/Rules/FilledText.h"
-
 #include <array>
 #include <cmath>
 

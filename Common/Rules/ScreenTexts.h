@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Common/Rules/FilledText.h"
 #include "Common/Rules/ScreenPlacement.h"
 #include "Common/Rules/ScreenReport.h"
 
-#include <functional>
 #include <string>
 
 namespace farview
@@ -18,9 +18,6 @@ struct ObstacleTexts {
 };
 
 const ObstacleTexts& obstacleTexts(ScreenObstacle obstacle);
-
-/// A text in the user's language.
-using Localize = std::function<std::string(const std::string& text)>;
 
 /// Where a monitor is, in words: "to the right of your main display".
 std::string screenPlace(ScreenSide side, const Localize& localized);

@@ -2,6 +2,7 @@
 
 #include "Common/FVEDistributedNotifications.h"
 #include "Common/FVEPreferences.h"
+#include "Common/PairedPeers.h"
 #include "Platform/Fake/FakePlatform.h"
 
 #include <gmock/gmock.h>
@@ -25,6 +26,14 @@ protected:
     }
     bool serverBegins() { return end({{kAwaitsRequestKey, std::string("YES")}}); }
 
+    void hear(const PairingReport& report)
+    {
+        follower.followPairing(
+            {kServerPairingDidChange, nullptr, {{kPairingReportKey, textOfPairingReport(report)}}});
+    }
+    void compare() { hear(comparing); }
+
+    const PairingReport comparing{PairingReport::State::comparing, "482913", "Pad"};
     FakePlatform fake;
     FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
     ConnectionFollower follower{fake.platform()};
@@ -99,6 +108,51 @@ TEST_F(ConnectionFollowerTest, KnowsTheReportAboutTheMonitorUntilTheConnectionEn
     EXPECT_EQ(follower.screen(), ScreenReport{}) << "what cannot be read tells of no picture";
     end();
     EXPECT_FALSE(follower.screen());
+}
+
+TEST_F(ConnectionFollowerTest, KnowsWhatIsInQuestionUntilTheNextRequestOrTheNextServer)
+{
+    EXPECT_EQ(follower.pairing(), PairingReport{});
+    compare();
+    EXPECT_EQ(follower.pairing(), comparing);
+    end();
+    EXPECT_EQ(follower.pairing(), comparing) << "that was the end of an earlier connection";
+    serverBegins();
+    EXPECT_EQ(follower.pairing(), PairingReport{});
+    compare();
+    follower.chooseNone();
+    EXPECT_EQ(follower.pairing(), PairingReport{});
+    compare();
+    follower.quitServer();
+    EXPECT_EQ(follower.pairing(), PairingReport{});
+    compare();
+    follower.followPairing({kServerPairingDidChange, nullptr, {}});
+    EXPECT_EQ(follower.pairing(), PairingReport{}) << "what cannot be read is nothing";
+}
+
+TEST_F(ConnectionFollowerTest, AnswersWithTheDigitsThatTheUserSaw)
+{
+    follower.confirmDevice();
+    follower.refuseDevice();
+    EXPECT_THAT(center.posts(), IsEmpty()) << "nothing was asked";
+    compare();
+    follower.confirmDevice();
+    follower.refuseDevice();
+    EXPECT_THAT(center.posts(), ElementsAre(Post{kConfirmDevice, "", {{kDigitsKey, "482913"}}, 3},
+                                            Post{kRefuseDevice, "", {{kDigitsKey, "482913"}}, 3}));
+    center.forgetPosts();
+    hear({PairingReport::State::changed, "", "Pad"});
+    follower.confirmDevice();
+    EXPECT_THAT(center.posts(), IsEmpty());
+}
+
+TEST_F(ConnectionFollowerTest, ForgetsAConfirmedDeviceForTheServerToo)
+{
+    PairedPeers peers(fake.preferences, PairedPeers::devices);
+    peers.add({std::string(64, 'a'), "Pad", {}, {}});
+    follower.forgetDevice("Pad");
+    EXPECT_THAT(peers.all(), IsEmpty());
+    EXPECT_THAT(center.posts(), ElementsAre(Post{kPairedDevicesDidChange, "", {}, 3}));
 }
 
 TEST_F(ConnectionFollowerTest, KeepsNothingThatIsForgottenOrSwitchedOff)

@@ -37,6 +37,20 @@ protected:
     {
         pane->setObjectValue(table(), flag, kDevicesTableAutoConnectFlag, row);
     }
+    void confirm(char digit, const std::string& name)
+    {
+        peers.add({std::string(64, digit), name, {}, {}});
+    }
+    /// The digits of the keys and the names of all that are confirmed.
+    std::string confirmed() const
+    {
+        std::string all;
+        for (const auto& peer : peers.all())
+            all += (all.empty() ? "" : " ") + (peer.key[0] + peer.name);
+        return all;
+    }
+
+    farview::PairedPeers peers{fake.preferences, farview::PairedPeers::devices};
 };
 
 TEST_F(PaneAutoConnect, WritingStoresTheChosenInOrderAndTheOthersOnce)
@@ -352,6 +366,56 @@ TEST_F(PaneAutoConnect, ForgettingStoresTheOrderOnShowAndEndsADrag)
     EXPECT_TRUE(table().userDeletes(4));
     EXPECT_EQ(stored(kAutoConnectDevices), PropertyList(Array{"A", "B"}));
     EXPECT_FALSE(table().mayDrop(*drag, 2));
+}
+
+TEST_F(PaneAutoConnect, AForgottenDeviceIsNoLongerConfirmedUntilThatIsTakenBack)
+{
+    confirm('a', "A");
+    confirm('b', "B");
+    showExample();
+    EXPECT_TRUE(table().userDeletes(1)) << "A, chosen and in sight";
+    EXPECT_EQ(confirmed(), "bB");
+    EXPECT_EQ(posts(kPairedDevicesDidChange).size(), 1U);
+    EXPECT_TRUE(table().userUndoesDelete());
+    EXPECT_EQ(confirmed(), "bB aA");
+    EXPECT_TRUE(table().userDeletes(4)) << "D was never confirmed";
+    EXPECT_EQ(confirmed(), "bB aA");
+    EXPECT_EQ(posts(kPairedDevicesDidChange).size(), 1U);
+}
+
+TEST_F(PaneAutoConnect, AConfirmedDeviceInSightCanBeForgottenAlsoWithoutATick)
+{
+    confirm('c', "C");
+    showExample();
+    ASSERT_EQ(rows(), (Texts{"*B", "*A", "C", "C", "D"}));
+    EXPECT_TRUE(table().userMayDelete(2));
+    EXPECT_TRUE(table().userDeletes(2));
+    EXPECT_EQ(confirmed(), "");
+    EXPECT_EQ(rows(), (Texts{"*B", "*A", "C", "C", "D"})) << "it is still there";
+    EXPECT_FALSE(table().userMayDelete(2)) << "there is nothing left to forget";
+    EXPECT_TRUE(table().userUndoesDelete());
+    EXPECT_EQ(confirmed(), "cC");
+    EXPECT_EQ(rows(), (Texts{"*B", "*A", "C", "C", "D"}));
+}
+
+TEST_F(PaneAutoConnect, TakingBackDoesNotReplaceADeviceThatWasConfirmedMeanwhile)
+{
+    confirm('a', "A");
+    showExample();
+    EXPECT_TRUE(table().userDeletes(1));
+    confirm('e', "A");
+    EXPECT_TRUE(table().userUndoesDelete());
+    EXPECT_EQ(confirmed(), "eA");
+    EXPECT_EQ(rows(), (Texts{"*B", "*A", "C", "C", "D"}));
+}
+
+TEST_F(PaneAutoConnect, ARowWithoutANameForgetsNoDeviceThatWasConfirmedByItsAddress)
+{
+    confirm('a', "");
+    setStored(kAutoConnectDevices, Array{""});
+    loadAndShow();
+    ASSERT_TRUE(table().userDeletes(0));
+    EXPECT_EQ(confirmed(), "a");
 }
 
 TEST_F(PaneAutoConnect, NothingIsForgottenWhileTheTableIsFoldedAway)

@@ -32,6 +32,7 @@ void PaneFixture::newPane()
     pane->reinstallDriversButton()->setHidden(true);
     pane->screenDiagnoseButton()->setHidden(true);
     pane->screenPlaceBox()->setHidden(true);
+    pane->pairingBox()->setHidden(true);
     pane->virtualScreenSelectionPopup()->setFrame({{10, 20}, {fullWidth, 26}}, false);
     pane->placeholderForFullPopupSize()->setFrame({{0, 0}, {fullWidth, 5}}, false);
     pane->placeholderForReducedPopupSize()->setFrame({{0, 0}, {reducedWidth, 5}}, false);

@@ -15,6 +15,12 @@ class PaneOutlets : public PaneFixture
 
 const std::set<std::string_view> outletNames = {
     "offTextButton",
+    "pairingBox",
+    "pairingLabel",
+    "pairingDigitsLabel",
+    "pairingHintLabel",
+    "pairingYesButton",
+    "pairingNoButton",
     "onOffSwitch",
     "onTextButton",
     "tabView",

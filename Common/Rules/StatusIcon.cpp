@@ -9,6 +9,8 @@ StatusIcon statusIcon(const StatusIconInputs& inputs)
         return StatusIcon::trouble;
     if (inputs.currentState == 0)
         return StatusIcon::off;
+    if (inputs.asked)
+        return StatusIcon::question;
     if (inputs.connected)
         return StatusIcon::connected;
     return inputs.connectFailed ? StatusIcon::trouble : StatusIcon::on;

@@ -30,6 +30,14 @@ TEST(StatusIcon, TroubleInTheSettingsOutweighsAConnection)
     EXPECT_EQ(statusIcon({true, 2, true, false}), StatusIcon::trouble);
 }
 
+TEST(StatusIcon, AQuestionOutweighsWhateverItWaitsFor)
+{
+    for (const bool connected : {false, true})
+        EXPECT_EQ(statusIcon({true, 1, connected, true, true}), StatusIcon::question);
+    EXPECT_EQ(statusIcon({true, 0, false, false, true}), StatusIcon::off);
+    EXPECT_EQ(statusIcon({true, 2, false, false, true}), StatusIcon::trouble);
+}
+
 TEST(StatusIcon, AnEarlierFailureDoesNotOutweighAConnectionOrBeingOff)
 {
     EXPECT_EQ(statusIcon({true, 1, true, true}), StatusIcon::connected);

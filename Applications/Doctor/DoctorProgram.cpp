@@ -5,7 +5,6 @@
 #include "Applications/OwnPane.h"
 #include "Common/ConnectionFollower.h"
 #include "Common/FVEConstants.h"
-#include "Common/FVEDistributedNotifications.h"
 #include "Common/FVEPreferences.h"
 #include "Common/NSString_Additions.h"
 #include "Common/PairedPeers.h"
@@ -40,14 +39,14 @@ std::unique_ptr<Notebook> emptyNotebook()
 }
 
 /// Whether anybody was confirmed under that name, or with a key that the report shows so.
-bool forget(PairedPeers devices, const std::string& nameOrKey)
+bool forget(Platform& platform, const std::string& nameOrKey)
 {
     bool isKnown = false;
-    for (const PairedPeer& device : devices.all()) {
+    for (const auto& device : PairedPeers(*platform.preferences, PairedPeers::devices).all()) {
         const bool isNamed = device.name == nameOrKey;
         if (!isNamed && shownKey(device.key) != nameOrKey)
             continue;
-        devices.forget(isNamed ? device.name : device.key);
+        ConnectionFollower(platform).forgetDevice(isNamed ? device.name : device.key);
         isKnown = true;
     }
     return isKnown;
@@ -146,10 +145,7 @@ void DoctorProgram::answerPairing(PairingAnswer::Answer answer, const std::strin
 
 void DoctorProgram::forgetDevice(const std::string& nameOrKey, Ended then)
 {
-    auto& platform = mDesktop.platform();
-    const bool wasKnown = forget({*platform.preferences, PairedPeers::devices}, nameOrKey);
-    if (wasKnown)
-        ConnectionFollower(platform).command(kPairedDevicesDidChange);
+    const bool wasKnown = forget(mDesktop.platform(), nameOrKey);
     endWhenSent(std::move(then),
                 [this, nameOrKey, wasKnown] { return forgettingOutcome(nameOrKey, wasKnown); });
 }

@@ -18,7 +18,7 @@ namespace
 // How versions without encryption kept what the user had confirmed.
 constexpr const char* hostNamesKey = "confirmedDevices";
 constexpr const char* deviceNameKey = "DeviceName";
-constexpr std::size_t shownDigits = 8;
+constexpr std::size_t digitsShown = 8;
 
 std::string isoDate(Date date)
 {
@@ -108,7 +108,7 @@ std::size_t countWithoutKey(Preferences& preferences, const std::vector<PairedPe
 
 std::string shownKey(const std::string& key)
 {
-    return key.empty() ? "" : groupedDigits(key.substr(0, shownDigits));
+    return key.empty() ? "" : groupedDigits(key.substr(0, digitsShown));
 }
 
 std::optional<ConnectionFact> connectionFact(const Notification& answer)

@@ -37,8 +37,7 @@ StatusItemDisplay StatusMenu::makeDisplay()
     const long state = mServices.preferences.currentState();
     const bool on = mDriverInstalled && switchStateForCurrentState(state).value_or(0) == 1;
     StatusItemDisplay display;
-    const bool failed =
-        mConnectFailed || mConnection.pairing().state == PairingReport::State::changed;
+    const bool failed = mConnectFailed || isFailure(mConnection.pairing().state);
     display.icon = statusIcon({mDriverInstalled, state, isConnected(), failed, isAsked()});
     display.headline = headline(display.icon);
     display.sentence = sentence(state);
@@ -81,8 +80,7 @@ std::string StatusMenu::sentence(long currentState) const
     const auto pairing = mConnection.pairing().state;
     if (isAsked())
         return localized(pairingTexts(pairing).remedy);
-    if (pairing == PairingReport::State::none && mDriverInstalled && mConnectFailed &&
-        currentState != 0)
+    if (mDriverInstalled && mConnectFailed && !isFailure(pairing) && currentState != 0)
         return localized(connectionErrorText);
     if (const auto text = detail(); !text.empty())
         return text;

@@ -88,7 +88,7 @@ TEST_F(PairingAnswerTest, ConfirmsNoOtherDigits)
 {
     begin(Answer::confirm);
     hear(State::comparing, "482914");
-    expect(false, "No device asks about 482 913 now.\nDoes Desk show 482 914?");
+    expect(false, "No device asks about 482 913 now.\nDoes Desk show 482\u00A0914?");
     hear(State::comparing);
     expectNothingAnswered();
 }

@@ -3,6 +3,7 @@
 #include "Applications/FarviewStatusItem/MenuLayout.h"
 #include "Common/FVEConstants.h"
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/PairingTexts.h"
 #include "Platform/Fake/FakePlatform.h"
 
 #include <gmock/gmock.h>
@@ -195,7 +196,7 @@ TEST_F(StatusMenuTest, BeginsWithTheQuestionAndItsAnswersWhileDigitsAreCompared)
     hearPairing(State::comparing, "482913");
     EXPECT_EQ(icon(), StatusIcon::question);
     EXPECT_EQ(menu->display().headline, "Does Pad show 482\u00A0913?");
-    EXPECT_EQ(menu->display().sentence, "Look at the device: the digits must be the same.");
+    EXPECT_EQ(menu->display().sentence, pairingTexts(State::comparing).remedy);
     EXPECT_THAT(entries(), ElementsAre("Does Pad show 482\u00A0913?!", "Yes, These Digits", "No",
                                        "-", "Turn Farview Off", "-", "*No device selected", "Pad",
                                        "-", "Open Farview Preferences…", "Quit"));

@@ -30,12 +30,12 @@ TEST(StatusIcon, TroubleInTheSettingsOutweighsAConnection)
     EXPECT_EQ(statusIcon({true, 2, true, false}), StatusIcon::trouble);
 }
 
-TEST(StatusIcon, AQuestionOutweighsWhateverItWaitsFor)
+TEST(StatusIcon, AQuestionOutweighsWhateverElseHolds)
 {
-    for (const bool connected : {false, true})
-        EXPECT_EQ(statusIcon({true, 1, connected, true, true}), StatusIcon::question);
-    EXPECT_EQ(statusIcon({true, 0, false, false, true}), StatusIcon::off);
-    EXPECT_EQ(statusIcon({true, 2, false, false, true}), StatusIcon::trouble);
+    for (const bool driver : {false, true}) {
+        for (const long state : {0, 1, 2})
+            EXPECT_EQ(statusIcon({driver, state, true, true, true}), StatusIcon::question);
+    }
 }
 
 TEST(StatusIcon, AnEarlierFailureDoesNotOutweighAConnectionOrBeingOff)

@@ -43,6 +43,7 @@ DeviceSettings settingsFor(const DeviceArguments& arguments)
         ownDeviceHostName(computer, machineIdentifier(), settings.name));
     settings.port = arguments.port;
     settings.refusal = arguments.refusal;
+    settings.keyPath = ownKeyPath(PairedPeers::computers);
     return settings;
 }
 
@@ -89,8 +90,8 @@ private:
             mFile = std::make_unique<PictureFile>(QString::fromStdString(*mArguments.pictureFile),
                                                   *mPlatform.log);
         Glass* const glass = mFile ? static_cast<Glass*>(mFile.get()) : mWindow.get();
-        mServer = std::make_shared<DeviceServer>(settingsFor(mArguments), mPublisher,
-                                                 *mPlatform.log, LinkTimes{}, glass);
+        mServer = std::make_shared<DeviceServer>(settingsFor(mArguments), mPublisher, mPlatform,
+                                                 LinkTimes{}, glass);
         if (mHasWindow)
             showWindow();
         if (!mServer->start()) {

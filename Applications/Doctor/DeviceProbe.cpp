@@ -57,19 +57,21 @@ void DeviceProbe::ask(const std::vector<Endpoint>& endpoints, Answered answered)
         });
 }
 
-void DeviceProbe::greet(std::unique_ptr<QTcpSocket> socket)
+void DeviceProbe::greet(std::unique_ptr<QSslSocket> socket)
 {
     LinkTimes times;
     times.greeting = mTimes.greeting;
     mConnection = LinkConnection::make(LinkSide::host, std::move(socket), weak_from_this(),
-                                       probingGreeting(), times);
+                                       OwnKey(), probingGreeting(), times);
 }
 
 /// A device that accepts a greeting which it cannot serve breaks the rules of the link.
-void DeviceProbe::linkDidOpen(LinkConnection& connection)
+LinkTrust DeviceProbe::linkDidProveKey(LinkConnection& /*connection*/)
 {
-    connection.close({LinkGoodbyeCode::quitting, ""});
+    return LinkGoodbye{LinkGoodbyeCode::quitting, ""};
 }
+
+void DeviceProbe::linkDidOpen(LinkConnection& /*connection*/) {}
 
 void DeviceProbe::linkDidReceive(LinkConnection& /*connection*/, const LinkFrame& /*frame*/) {}
 

@@ -50,12 +50,13 @@ public:
     /// Begins, once. `answered` is called once, from the event loop, never inside this call.
     void ask(const std::vector<Endpoint>& endpoints, Answered answered);
 
+    LinkTrust linkDidProveKey(LinkConnection& connection) override;
     void linkDidOpen(LinkConnection& connection) override;
     void linkDidReceive(LinkConnection& connection, const LinkFrame& frame) override;
     void linkDidEnd(LinkConnection& connection, const LinkEnd& end) override;
 
 private:
-    void greet(std::unique_ptr<QTcpSocket> socket);
+    void greet(std::unique_ptr<QSslSocket> socket);
     void tell(const DeviceAnswer& answer);
 
     DeviceProbeTimes mTimes;

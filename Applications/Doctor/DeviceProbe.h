@@ -18,6 +18,7 @@ struct DeviceAnswer {
     enum class Kind {
         ready,       ///< it would serve this computer
         refuses,     ///< it would not: see the code and its words
+        tooOld,      ///< its version of the link cannot be spoken here: see its words
         noAddress,   ///< nothing to connect to is known of it
         portClosed,  ///< nothing listens on the port
         unreachable, ///< the network leads nowhere
@@ -27,8 +28,8 @@ struct DeviceAnswer {
     };
 
     Kind kind = Kind::noAddress;
-    LinkRefusalCode code = LinkRefusalCode::byUser; ///< of `refuses`
-    std::string words{};                            ///< of `refuses`, foreign
+    LinkRefusalCode code = LinkRefusalCode::byUser; ///< of a refusal
+    std::string words{};                            ///< of a refusal, foreign
 };
 
 struct DeviceProbeTimes {

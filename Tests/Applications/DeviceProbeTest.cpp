@@ -140,6 +140,20 @@ TEST_F(DeviceProbeTest, TellsSomethingThatAcceptsWhatItCannotServe)
     EXPECT_EQ(ask(eager.serverPort()).kind, Kind::strange);
 }
 
+TEST_F(DeviceProbeTest, TellsADeviceThatMissesMoreThanAQuestionAsTooOld)
+{
+    const std::string words = "The device does not offer \"encryption\".";
+    ListeningServer old;
+    QObject::connect(&old, &QTcpServer::newConnection, [&] {
+        const Bytes no = encodeAnswer(LinkRefusal{LinkRefusalCode::noAgreement, words});
+        old.nextPendingConnection()->write(reinterpret_cast<const char*>(no.data()),
+                                           static_cast<qint64>(no.size()));
+    });
+    const auto answer = ask(old.serverPort());
+    EXPECT_EQ(answer.kind, Kind::tooOld);
+    EXPECT_EQ(answer.words, words);
+}
+
 TEST_F(DeviceProbeTest, MayBeDroppedWhileItAsks)
 {
     ListeningServer mute;

@@ -29,8 +29,6 @@ public:
     {
         setTextFormat(Qt::PlainText);
         setMinimumHeight(lowestDigits);
-        // Groups of digits keep their order where one reads from right to left.
-        setLayoutDirection(Qt::LeftToRight);
     }
 
 protected:
@@ -38,6 +36,8 @@ protected:
     {
         QPainter painter(this);
         painter.setFont(largestFont());
+        // Groups of digits keep their order where one reads from right to left.
+        painter.setLayoutDirection(Qt::LeftToRight);
         painter.drawText(rect(), Qt::AlignCenter, text());
     }
 

@@ -143,6 +143,7 @@ void DeviceWindow::showStatus(const DeviceStatus& status)
     mComputers->showComputers(status.computers);
     mStatus = status;
     showRightPage();
+    keepTextsWhole();
 }
 
 void DeviceWindow::closeEvent(QCloseEvent* event)
@@ -186,6 +187,15 @@ void DeviceWindow::setPage(QWidget& page)
         mPages->widget(index)->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     page.setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     mPages->setCurrentWidget(&page);
+    keepTextsWhole();
+}
+
+/// No layout asks its window for the height that wrapped texts need.
+void DeviceWindow::keepTextsWhole()
+{
+    const QLayout* const texts = mPages->currentWidget()->layout();
+    const int needed = texts ? texts->totalMinimumHeightForWidth(width()) : 0;
+    setMinimumHeight(std::min(needed, QWidget::screen()->availableSize().height()));
 }
 
 void DeviceWindow::listComputers(bool isListed)
@@ -321,6 +331,7 @@ void DeviceWindow::changeEvent(QEvent* event)
 void DeviceWindow::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
+    keepTextsWhole();
     mBar->setGeometry(0, 0, width(), mBar->sizeHint().height());
 }
 

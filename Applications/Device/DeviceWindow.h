@@ -65,6 +65,7 @@ private:
     QWidget* rightPage() const;
     void showRightPage();
     void setPage(QWidget& page);
+    void keepTextsWhole();
     void listComputers(bool isListed);
     void comeForward();
     void followScreen();

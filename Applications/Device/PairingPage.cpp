@@ -58,7 +58,7 @@ private:
 /// "4 8 2 9 1 3", which no voice reads as a number.
 QString singly(const std::string& digits)
 {
-    return QString::fromStdString(digits).split(QString(), Qt::SkipEmptyParts).join(u' ');
+    return QString::fromStdString(digits).split(QString(), Qt::SkipEmptyParts).join(QChar::Space);
 }
 
 void enlarge(QWidget& widget)

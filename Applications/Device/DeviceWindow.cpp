@@ -82,10 +82,9 @@ QWidget* DeviceWindow::rightPage() const
 void DeviceWindow::showRightPage()
 {
     QWidget* const page = rightPage();
-    if (page == mQuestion)
-        mQuestion->ask(*mStatus.toConfirm);
     const QWidget* const before = mPages->currentWidget();
-    if (page == before)
+    const bool isNewQuestion = page == mQuestion && mQuestion->ask(*mStatus.toConfirm);
+    if (page == before && !isNewQuestion)
         return;
     setPage(*page);
     if (page == mQuestion)

@@ -100,10 +100,10 @@ PairingPage::PairingPage(const DeviceTexts& texts, const Actions& actions)
     connect(&mPause, &QTimer::timeout, this, [this] { mYes->setEnabled(true); });
 }
 
-void PairingPage::ask(const ComputerToConfirm& computer)
+bool PairingPage::ask(const ComputerToConfirm& computer)
 {
     if (computer == mComputer)
-        return;
+        return false;
     const bool isNew = computer.digits != mComputer.digits;
     mComputer = computer;
     mQuestion->setText(computer.isConfirmedHere
@@ -119,6 +119,7 @@ void PairingPage::ask(const ComputerToConfirm& computer)
     mDigits->setFocus();
     if (isNew)
         delayYes();
+    return isNew;
 }
 
 void PairingPage::delayYes()

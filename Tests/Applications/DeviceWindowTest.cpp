@@ -388,6 +388,10 @@ TEST_F(DeviceWindowTest, AMinimisedWindowComesForwardToAsk)
     window.setWindowState(Qt::WindowMinimized);
     window.showStatus(status);
     EXPECT_TRUE(window.isMinimized()) << "once for each question";
+    status.toConfirm->digits = "000111";
+    window.showStatus(status);
+    EXPECT_FALSE(window.isMinimized()) << "another one";
+    window.setWindowState(Qt::WindowMinimized);
     status.toConfirm.reset();
     window.showStatus(status);
     EXPECT_TRUE(window.isMinimized()) << "the end of the question is no reason to come";

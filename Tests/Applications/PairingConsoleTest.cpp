@@ -61,10 +61,12 @@ protected:
     std::array<int, 2> pipe = openedPipe();
     int confirmed = 0;
     int refused = 0;
+    bool isAccepted = true;
     std::vector<std::string> said;
     DeviceStatus status;
     PairingConsole console{pipe[0],
-                           {[this] { ++confirmed; }, [this] { ++refused; },
+                           {[this](const auto&) { return isAccepted && ++confirmed; },
+                            [this] { ++refused; },
                             [this](const std::string& line) { said.push_back(line); }}};
 };
 
@@ -99,6 +101,14 @@ TEST_F(PairingConsoleTest, TheSameDigitsConfirm)
     type("13\r\n");
     EXPECT_TRUE(hears(confirmed));
     EXPECT_EQ(refused, 0);
+}
+
+TEST_F(PairingConsoleTest, DigitsThatAreNoLongerAskedForConfirmNothing)
+{
+    isAccepted = false;
+    ask();
+    type("482913\n");
+    EXPECT_TRUE(saysWhatIsExpected());
 }
 
 TEST_F(PairingConsoleTest, NoRefuses)
@@ -174,7 +184,8 @@ void beDeviceInTheBackground(int terminal, int user, int ready)
 {
     ::setpgid(0, 0);
     int refused = 0;
-    PairingConsole console(terminal, {[] {}, [&] { ++refused; }, [](const std::string&) {}});
+    PairingConsole console(terminal, {[](const auto&) { return true; }, [&] { ++refused; },
+                                      [](const std::string&) {}});
     DeviceStatus status;
     status.toConfirm = ComputerToConfirm{.digits = "482913", .address = "192.0.2.9"};
     console.showStatus(status);

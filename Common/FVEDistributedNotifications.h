@@ -13,10 +13,11 @@ inline constexpr const char* kDisconnectCurrentServerFromHost =
 /// Panel to server: which device are you connected to? Options 2.
 inline constexpr const char* kQueryRequestForConnectedHost =
     "com.quillon.Farview.QueryRequestForConnectedHost";
-/// Server's answer: "DeviceName" and "DeviceAddress".
+/// Server's answer: "DeviceName", "DeviceAddress" and "Cipher".
 inline constexpr const char* kQueryResultForConnectedHost =
     "com.quillon.Farview.QueryResultForConnectedHost";
-/// Server: a connection is up; "DeviceName" and "DeviceAddress".
+/// Server: a connection is up; "DeviceName", "DeviceAddress" and what encrypts it under "Cipher",
+/// for example "TLS_AES_256_GCM_SHA384".
 inline constexpr const char* kServerConnectedToDevice =
     "com.quillon.Farview.ServerConnectedToDevice";
 /// Server: there is no connection (any more). With `kAwaitsRequestKey` when the server has just
@@ -66,7 +67,10 @@ inline constexpr const char* kBatteryLevelKey = "BatteryLevel";
 
 inline constexpr const char* kDeviceNameKey = "DeviceName";
 inline constexpr const char* kDeviceAddressKey = "DeviceAddress";
+inline constexpr const char* kCipherKey = "Cipher";
 inline constexpr const char* kScreenReportKey = "Screen";
+/// How the connection is encrypted, as TLS names it; beside the device's name and address.
+inline constexpr const char* kCipherKey = "Cipher";
 inline constexpr const char* kPairingReportKey = "Pairing";
 inline constexpr const char* kDigitsKey = "Digits";
 inline constexpr const char* kAwaitsRequestKey = "AwaitsRequest";

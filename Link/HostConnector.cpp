@@ -36,27 +36,27 @@ void HostConnector::tryNext()
         return;
     }
     const LinkCandidate& candidate = mCandidates[mNext++];
-    mAttempts.push_back(std::make_unique<QTcpSocket>());
-    QTcpSocket* socket = mAttempts.back().get();
+    mAttempts.push_back(std::make_unique<QSslSocket>());
+    QSslSocket* socket = mAttempts.back().get();
     socket->setProxy(QNetworkProxy::NoProxy);
     // Queued: some failures are reported inside the call itself.
     QObject::connect(
-        socket, &QTcpSocket::connected, &mContext, [this, socket] { attemptSucceeded(socket); },
+        socket, &QSslSocket::connected, &mContext, [this, socket] { attemptSucceeded(socket); },
         Qt::QueuedConnection);
     QObject::connect(
-        socket, &QTcpSocket::errorOccurred, &mContext, [this, socket] { attemptFailed(socket); },
+        socket, &QSslSocket::errorOccurred, &mContext, [this, socket] { attemptFailed(socket); },
         Qt::QueuedConnection);
     mStagger.start(mTimes.stagger);
     socket->connectToHost(candidate.address, candidate.port);
 }
 
-void HostConnector::attemptSucceeded(QTcpSocket* socket)
+void HostConnector::attemptSucceeded(QSslSocket* socket)
 {
     const auto found = std::find_if(mAttempts.begin(), mAttempts.end(),
                                     [&](const auto& attempt) { return attempt.get() == socket; });
     if (found == mAttempts.end())
         return;
-    std::unique_ptr<QTcpSocket> winner = std::move(*found);
+    std::unique_ptr<QSslSocket> winner = std::move(*found);
     mAttempts.erase(found);
     winner->disconnect();
     stop();
@@ -65,7 +65,7 @@ void HostConnector::attemptSucceeded(QTcpSocket* socket)
     connected(std::move(winner));
 }
 
-void HostConnector::attemptFailed(QTcpSocket* socket)
+void HostConnector::attemptFailed(QSslSocket* socket)
 {
     const auto found = std::find_if(mAttempts.begin(), mAttempts.end(),
                                     [&](const auto& attempt) { return attempt.get() == socket; });

@@ -2,7 +2,7 @@
 
 #include "Link/LinkCandidates.h"
 
-#include <QTcpSocket>
+#include <QSslSocket>
 #include <QTimer>
 
 #include <chrono>
@@ -26,7 +26,7 @@ struct ConnectorTimes {
 class HostConnector
 {
 public:
-    using Connected = std::function<void(std::unique_ptr<QTcpSocket>)>;
+    using Connected = std::function<void(std::unique_ptr<QSslSocket>)>;
     /// `why` is a short text for the log.
     using Failed = std::function<void(const std::string& why)>;
 
@@ -45,8 +45,8 @@ public:
 
 private:
     void tryNext();
-    void attemptSucceeded(QTcpSocket* socket);
-    void attemptFailed(QTcpSocket* socket);
+    void attemptSucceeded(QSslSocket* socket);
+    void attemptFailed(QSslSocket* socket);
     void timeIsOver();
     void fail(std::string why);
     void stop();
@@ -56,7 +56,7 @@ private:
     Failed mFailed;
     std::vector<LinkCandidate> mCandidates;
     std::size_t mNext = 0;
-    std::vector<std::unique_ptr<QTcpSocket>> mAttempts;
+    std::vector<std::unique_ptr<QSslSocket>> mAttempts;
     std::string mLastError;
     QAbstractSocket::SocketError mError = QAbstractSocket::UnknownSocketError;
     QTimer mDeadline;

@@ -1,6 +1,9 @@
 #include "Link/LinkConnection.h"
 
+#include "Link/Encryption.h"
+
 #include <QHostAddress>
+#include <QSslCipher>
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -30,7 +33,7 @@ std::string numericAddress(QHostAddress address)
 
 /// The system accepts only little beyond what it can send now: the rest waits here, where it is
 /// counted. Where the system does not know the option, more waits there.
-void keepSystemsQueueShort(const QTcpSocket& socket)
+void keepSystemsQueueShort(const QSslSocket& socket)
 {
     constexpr int limit = 32 * 1024;
     ::setsockopt(static_cast<int>(socket.socketDescriptor()), IPPROTO_TCP, TCP_NOTSENT_LOWAT,
@@ -40,21 +43,23 @@ void keepSystemsQueueShort(const QTcpSocket& socket)
 } // namespace
 
 std::shared_ptr<LinkConnection> LinkConnection::make(LinkSide side,
-                                                     std::unique_ptr<QTcpSocket> socket,
+                                                     std::unique_ptr<QSslSocket> socket,
                                                      std::weak_ptr<LinkConnectionDelegate> delegate,
-                                                     const LinkGreeting& speaks, LinkTimes times)
+                                                     const OwnKey& key, const LinkGreeting& speaks,
+                                                     LinkTimes times)
 {
     std::shared_ptr<LinkConnection> connection(
-        new LinkConnection(side, std::move(socket), std::move(delegate), speaks, times));
+        new LinkConnection(side, std::move(socket), std::move(delegate), key, speaks, times));
     connection->begin();
     return connection;
 }
 
-LinkConnection::LinkConnection(LinkSide side, std::unique_ptr<QTcpSocket> socket,
-                               std::weak_ptr<LinkConnectionDelegate> delegate,
+LinkConnection::LinkConnection(LinkSide side, std::unique_ptr<QSslSocket> socket,
+                               std::weak_ptr<LinkConnectionDelegate> delegate, OwnKey key,
                                const LinkGreeting& speaks, LinkTimes times)
-    : mSide(side), mSpeaks(speaks), mTimes(times), mDelegate(std::move(delegate)),
-      mSocket(std::move(socket)), mPeerAddress(numericAddress(mSocket->peerAddress()))
+    : mSide(side), mKey(std::move(key)), mSpeaks(speaks), mTimes(times),
+      mDelegate(std::move(delegate)), mSocket(std::move(socket)),
+      mPeerAddress(numericAddress(mSocket->peerAddress()))
 {
 }
 
@@ -70,13 +75,15 @@ void LinkConnection::begin()
     };
     // Queued: the socket reports some errors inside our own calls.
     QObject* context = mSocket.get();
-    QObject::connect(mSocket.get(), &QTcpSocket::readyRead, context,
+    QObject::connect(mSocket.get(), &QSslSocket::readyRead, context,
                      later(&LinkConnection::readBytes), Qt::QueuedConnection);
-    QObject::connect(mSocket.get(), &QTcpSocket::disconnected, context,
+    QObject::connect(mSocket.get(), &QSslSocket::disconnected, context,
                      later(&LinkConnection::peerClosed), Qt::QueuedConnection);
-    QObject::connect(mSocket.get(), &QTcpSocket::errorOccurred, context,
+    QObject::connect(mSocket.get(), &QSslSocket::errorOccurred, context,
                      later(&LinkConnection::peerClosed), Qt::QueuedConnection);
-    QObject::connect(mSocket.get(), &QTcpSocket::bytesWritten, context,
+    QObject::connect(mSocket.get(), &QSslSocket::encrypted, context,
+                     later(&LinkConnection::becameSecure), Qt::QueuedConnection);
+    QObject::connect(mSocket.get(), &QSslSocket::encryptedBytesWritten, context,
                      later(&LinkConnection::bytesTaken), Qt::QueuedConnection);
     QObject::connect(&mSilence, &QTimer::timeout, context, later(&LinkConnection::silenceElapsed));
     QObject::connect(&mKeepAlive, &QTimer::timeout, context, later(&LinkConnection::keepAlive));
@@ -89,8 +96,10 @@ void LinkConnection::begin()
     mSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     keepSystemsQueueShort(*mSocket);
     mDeadline.start(mTimes.greeting);
-    if (mSide == LinkSide::host)
-        write(encodeGreeting(mSpeaks));
+    if (mSide == LinkSide::host) {
+        mAgreedBytes = encodeGreeting(mSpeaks);
+        write(mAgreedBytes);
+    }
     // What came before we listened announces itself no more.
     QMetaObject::invokeMethod(context, later(&LinkConnection::readBytes), Qt::QueuedConnection);
     if (mSocket->state() != QAbstractSocket::ConnectedState)
@@ -102,12 +111,14 @@ void LinkConnection::begin()
 
 void LinkConnection::readBytes()
 {
-    while (mState != State::ended && !wasDropped() && mSocket->bytesAvailable() > 0) {
+    // What comes while encryption begins is not for us.
+    const auto isOurs = [this] { return mState != State::securing && mState != State::ended; };
+    while (isOurs() && !wasDropped() && mSocket->bytesAvailable() > 0) {
         const QByteArray chunk = mSocket->read(readAtOnce);
         if (chunk.isEmpty())
             return;
         mSilenceSuspected = false;
-        if (mState == State::open)
+        if (isTalking())
             mSilence.start(mTimes.silence);
         if (mState == State::leaving)
             continue;
@@ -135,17 +146,27 @@ std::size_t LinkConnection::processNext(ByteView bytes)
 {
     switch (mState) {
     case State::greeting:
-        return mSide == LinkSide::device ? process(decodeGreeting(bytes))
-                                         : process(decodeAnswer(bytes));
+        return mSide == LinkSide::device ? processAgreement(decodeGreeting(bytes), bytes)
+                                         : processAgreement(decodeAnswer(bytes), bytes);
+    case State::meeting:
     case State::open:
         return process(decodeFrame(bytes));
     case State::deciding:
-        // A host says nothing before it was accepted.
+    case State::securing:
+        // A host says nothing before it was accepted, nobody anything behind that unencrypted.
         peerBrokeRule();
         return 0;
     default:
         return 0;
     }
+}
+
+template <typename Value>
+std::size_t LinkConnection::processAgreement(const Decoded<Value>& decoded, ByteView bytes)
+{
+    const ByteView agreed = bytes.first(decoded.consumed);
+    mAgreedBytes.insert(mAgreedBytes.end(), agreed.begin(), agreed.end());
+    return process(decoded);
 }
 
 template <typename Value> std::size_t LinkConnection::process(const Decoded<Value>& decoded)
@@ -193,7 +214,7 @@ void LinkConnection::take(const LinkAnswer& answer)
     }
     const auto& agreement = std::get<LinkAgreement>(answer);
     if (agreementFits(agreement, mSpeaks))
-        becomeOpen(agreement);
+        secure(agreement);
     else
         end({LinkEndReason::noAgreement, "The device answered what was not offered."});
 }
@@ -205,32 +226,118 @@ void LinkConnection::take(const LinkFrame& frame)
         return;
     }
     if (const auto* goodbye = std::get_if<LinkGoodbye>(&frame)) {
-        end({LinkEndReason::goodbye, goodbye->text});
+        end({LinkEndReason::goodbye, goodbye->text, std::nullopt, goodbye->code});
         return;
     }
     if (std::holds_alternative<LinkKeepAlive>(frame))
         return;
-    if (const auto delegate = mDelegate.lock())
+    if (mState == State::meeting)
+        introduce(frame);
+    else if (const auto delegate = mDelegate.lock())
         delegate->linkDidReceive(*this, frame);
 }
 
 bool LinkConnection::isAllowed(const LinkFrame& frame) const
 {
-    return (mSide == LinkSide::device ? isFromHost(frame) : isFromDevice(frame)) &&
+    const bool isAnyTime =
+        std::holds_alternative<LinkKeepAlive>(frame) || std::holds_alternative<LinkGoodbye>(frame);
+    const bool isInTime = isAnyTime || isOfIntroduction(frame) == (mState == State::meeting);
+    return isInTime && (mSide == LinkSide::device ? isFromHost(frame) : isFromDevice(frame)) &&
            (!isOfPicture(frame) || mAgreement.has(kLinkScreenFeature));
 }
 
-void LinkConnection::becomeOpen(const LinkAgreement& agreement)
+// --- from the agreement to an open connection -------------------------------------------------
+
+void LinkConnection::secure(const LinkAgreement& agreement)
 {
     mAgreement = agreement;
+    mState = State::securing;
+    mDeadline.start(mTimes.greeting);
+    mSocket->setSslConfiguration(encryptionSettings(mKey, mAgreedBytes));
+    if (mSide == LinkSide::host)
+        mSocket->startClientEncryption();
+    else
+        mSocket->startServerEncryption();
+}
+
+void LinkConnection::becameSecure()
+{
+    if (mState != State::securing)
+        return;
+    if (const auto peer = provedKey(*mSocket, mAgreedBytes))
+        meet(*peer);
+    else
+        end({LinkEndReason::notSecured, "The peer proved no key that can be relied upon."});
+}
+
+void LinkConnection::meet(const LinkDigest& peer)
+{
+    mState = State::meeting;
+    mPeerKey = hexadecimal(peer);
+    mSilence.start(mTimes.silence);
+    mKeepAlive.start(mTimes.keepAlive);
+    const auto delegate = mDelegate.lock();
+    const LinkTrust trust = delegate ? delegate->linkDidProveKey(*this) : LinkTrust(LinkGoodbye{});
+    if (const auto* goodbye = std::get_if<LinkGoodbye>(&trust)) {
+        close(*goodbye);
+        return;
+    }
+    const bool isHost = mSide == LinkSide::host;
+    PairingFacts facts{.hostKey = isHost ? mKey.fingerprint : peer,
+                       .deviceKey = isHost ? peer : mKey.fingerprint,
+                       .agreement = mAgreedBytes};
+    mIntroduction.emplace(mSide, std::get<bool>(trust), std::move(facts));
+    write(mIntroduction->standing());
+    readBytes();
+}
+
+void LinkConnection::introduce(const LinkFrame& frame)
+{
+    std::vector<LinkFrame> reply;
+    const auto step = mIntroduction->take(frame, reply);
+    follow(step, reply);
+}
+
+void LinkConnection::follow(Introduction::Step step, const std::vector<LinkFrame>& reply)
+{
+    for (const LinkFrame& frame : reply)
+        write(frame);
+    if (step == Introduction::Step::broken)
+        peerBrokeRule();
+    if (step == Introduction::Step::done)
+        becomeOpen();
+    if (step == Introduction::Step::strange)
+        pair();
+    if (step != Introduction::Step::compare)
+        return;
+    mDeadline.start(mTimes.comparing);
+    if (const auto delegate = mDelegate.lock())
+        delegate->linkAsksUser(*this);
+}
+
+void LinkConnection::pair()
+{
+    const auto delegate = mDelegate.lock();
+    const auto reason = delegate ? delegate->linkMayNotAskUser(*this) : LinkGoodbye{};
+    if (reason)
+        return close(*reason);
+    std::vector<LinkFrame> reply;
+    mIntroduction->beginPairing(reply);
+    follow(Introduction::Step::goesOn, reply);
+}
+
+void LinkConnection::becomeOpen()
+{
+    if (mState != State::meeting)
+        return;
     mState = State::open;
     mWasOpened = true;
     mDeadline.stop();
-    mSilence.start(mTimes.silence);
-    mKeepAlive.start(mTimes.keepAlive);
     if (const auto delegate = mDelegate.lock())
         delegate->linkDidOpen(*this);
 }
+
+std::string LinkConnection::cipher() const { return mSocket->sessionCipher().name().toStdString(); }
 
 // --- what the owner asks for -----------------------------------------------------------------
 
@@ -238,19 +345,29 @@ void LinkConnection::accept()
 {
     if (mState != State::deciding)
         return;
-    write(encodeAnswer(mAgreement));
-    // Frames may be sent from here on; the report comes on its own turn.
-    QMetaObject::invokeMethod(
-        mSocket.get(),
-        [weak = weak_from_this()] {
-            const auto self = weak.lock();
-            if (!self || self->mState != State::accepting)
-                return;
-            self->becomeOpen(LinkAgreement(self->mAgreement));
-            self->processInbox();
-        },
-        Qt::QueuedConnection);
-    mState = State::accepting;
+    const Bytes answer = encodeAnswer(mAgreement);
+    mAgreedBytes.insert(mAgreedBytes.end(), answer.begin(), answer.end());
+    write(answer);
+    secure(LinkAgreement(mAgreement));
+}
+
+void LinkConnection::confirm()
+{
+    if (mState != State::meeting || !mIntroduction)
+        return;
+    std::vector<LinkFrame> reply;
+    const auto step = mIntroduction->confirm(reply);
+    for (const LinkFrame& frame : reply)
+        write(frame);
+    // The report comes on its own turn.
+    if (step == Introduction::Step::done)
+        QMetaObject::invokeMethod(
+            mSocket.get(),
+            [weak = weak_from_this()] {
+                if (const auto self = weak.lock())
+                    self->becomeOpen();
+            },
+            Qt::QueuedConnection);
 }
 
 void LinkConnection::refuse(const LinkRefusal& refusal)
@@ -259,22 +376,20 @@ void LinkConnection::refuse(const LinkRefusal& refusal)
         leave(encodeAnswer(refusal), {LinkEndReason::closedHere, refusal.text});
 }
 
-void LinkConnection::send(LinkFrame frame)
+void LinkConnection::send(const LinkFrame& frame)
 {
-    if (mState != State::open || (isOfPicture(frame) && !mAgreement.has(kLinkScreenFeature)))
-        return;
-    write(encodeFrameHead(frame));
-    if (auto* picture = std::get_if<LinkScreenRectangle>(&frame))
-        write(std::move(picture->data));
+    const bool isAgreed = !isOfPicture(frame) || mAgreement.has(kLinkScreenFeature);
+    if (mState == State::open && isAgreed && !isOfIntroduction(frame))
+        write(frame);
 }
 
 void LinkConnection::close(const LinkGoodbye& goodbye)
 {
     if (mState == State::leaving || mState == State::ended)
         return;
-    const bool wasOpen = mState == State::open || mState == State::accepting;
-    leave(wasOpen ? encodeFrame(goodbye) : Bytes{}, {LinkEndReason::closedHere, goodbye.text});
-    if (!wasOpen)
+    const bool isHeard = isTalking();
+    leave(isHeard ? encodeFrame(goodbye) : Bytes{}, {LinkEndReason::closedHere, goodbye.text});
+    if (!isHeard)
         mDeadline.start(0);
 }
 
@@ -283,10 +398,9 @@ void LinkConnection::close(const LinkGoodbye& goodbye)
 void LinkConnection::peerBrokeRule()
 {
     const LinkEnd end{LinkEndReason::brokenRule, "The peer does not speak this link's language."};
-    const bool greeted = mState == State::open || mState == State::accepting;
-    if (greeted)
+    if (isTalking())
         leave(encodeFrame(LinkGoodbye{LinkGoodbyeCode::brokenRule, ""}), end);
-    else if (mSide == LinkSide::device)
+    else if (mSide == LinkSide::device && mState != State::securing)
         leave(encodeAnswer(LinkRefusal{LinkRefusalCode::notAGreeting, ""}), end);
     else
         this->end(end);
@@ -296,8 +410,15 @@ void LinkConnection::peerClosed()
 {
     // Its last words may still wait to be read.
     readBytes();
+    const auto error = mSocket->error();
+    const bool isOfEncryption = error == QAbstractSocket::SslHandshakeFailedError ||
+                                error == QAbstractSocket::SslInternalError ||
+                                error == QAbstractSocket::SslInvalidUserDataError;
     if (mState == State::leaving)
         end(mEndAfterLeaving);
+    else if (isOfEncryption)
+        end({LinkEndReason::notSecured, "The connection cannot be encrypted as both sides agreed: "
+                                        "somebody may be changing what they say."});
     else
         end({LinkEndReason::lost, "The connection was lost."});
 }
@@ -306,13 +427,18 @@ void LinkConnection::deadlineElapsed()
 {
     if (mState == State::leaving)
         end(mEndAfterLeaving);
+    else if (!digits().empty())
+        leave(encodeFrame(LinkGoodbye{LinkGoodbyeCode::notConfirmed, "Nobody confirmed in time."}),
+              {LinkEndReason::notAnswered, "Nobody confirmed in time."});
     else
-        end({LinkEndReason::notAnswered, "No greeting came in time."});
+        end({LinkEndReason::notAnswered, mState == State::greeting || mState == State::deciding
+                                             ? "No greeting came in time."
+                                             : "The peer did not introduce itself in time."});
 }
 
 void LinkConnection::silenceElapsed()
 {
-    if (mState != State::open)
+    if (!isTalking())
         return;
     if (mSilenceSuspected) {
         end({LinkEndReason::silent, "The peer stopped answering."});
@@ -322,14 +448,18 @@ void LinkConnection::silenceElapsed()
     mSilence.start(secondLook);
 }
 
-void LinkConnection::write(Bytes bytes)
+void LinkConnection::write(const LinkFrame& frame)
 {
-    mUnsentSize += bytes.size();
-    const Bytes& kept = mUnsent.emplace_back(std::move(bytes));
-    mSocket->write(QByteArray::fromRawData(reinterpret_cast<const char*>(kept.data()),
-                                           static_cast<qsizetype>(kept.size())));
+    write(encodeFrameHead(frame));
+    if (const auto* picture = std::get_if<LinkScreenRectangle>(&frame))
+        write(picture->data);
+}
+
+void LinkConnection::write(const Bytes& bytes)
+{
+    mSocket->write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
     mRoomIsAwaited = mRoomIsAwaited || !hasRoom();
-    if (mState == State::open)
+    if (isTalking())
         mKeepAlive.start(mTimes.keepAlive);
     if (mState == State::open && unsent() > kLinkUnsentLimit) {
         leave({}, {LinkEndReason::silent, "The peer does not read what it is sent."});
@@ -339,10 +469,6 @@ void LinkConnection::write(Bytes bytes)
 
 void LinkConnection::bytesTaken()
 {
-    while (!mUnsent.empty() && mUnsentSize - mUnsent.front().size() >= unsent()) {
-        mUnsentSize -= mUnsent.front().size();
-        mUnsent.pop_front();
-    }
     if (mState != State::open || !hasRoom() || !std::exchange(mRoomIsAwaited, false))
         return;
     if (const auto delegate = mDelegate.lock())
@@ -353,19 +479,19 @@ void LinkConnection::bytesTaken()
 void LinkConnection::keepAlive()
 {
     if (unsent() == 0)
-        send(LinkKeepAlive{});
+        write(LinkFrame(LinkKeepAlive{}));
     else
         mKeepAlive.start(mTimes.keepAlive);
 }
 
 /// Stays until the peer has closed: closing over unread bytes could take our last words back.
-void LinkConnection::leave(Bytes lastWords, LinkEnd end)
+void LinkConnection::leave(const Bytes& lastWords, LinkEnd end)
 {
     mSilence.stop();
     mKeepAlive.stop();
     mState = State::leaving;
     mEndAfterLeaving = std::move(end);
-    write(std::move(lastWords));
+    write(lastWords);
     mSocket->flush();
     mDeadline.start(mTimes.farewell);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Link/Wire/LinkFrame.h"
 #include "Link/Wire/LinkGreeting.h"
 
 #include <optional>
@@ -10,10 +11,12 @@ namespace farview
 
 enum class LinkEndReason {
     closedHere,  ///< this side ended it
+    noOwnKey,    ///< this side has no key that it could use
     goodbye,     ///< the peer ended it and said so
     refused,     ///< the device does not serve this host
     noAgreement, ///< the two have no version or feature in common
     notAnswered, ///< no complete greeting or answer within its time
+    notSecured,  ///< encryption failed: perhaps somebody changes what the two say
     brokenRule,  ///< the peer sent what the wire format does not allow
     silent,      ///< the peer stopped answering
     lost,        ///< the connection broke
@@ -25,6 +28,8 @@ struct LinkEnd {
     std::string text;
     /// What the device said, on the host's side, when it refused.
     std::optional<LinkRefusalCode> refusal{};
+    /// What the peer said when it said goodbye.
+    std::optional<LinkGoodbyeCode> goodbye{};
 };
 
 } // namespace farview

@@ -37,9 +37,11 @@ std::string inWords(HostPicture::Verdict verdict)
 
 } // namespace
 
-DeviceServer::DeviceServer(DeviceSettings settings, NetServicePublisher& publisher, Log& log,
-                           LinkTimes times, Glass* glass)
-    : mSettings(std::move(settings)), mPublisher(publisher), mLog(log), mTimes(times), mGlass(glass)
+DeviceServer::DeviceServer(DeviceSettings settings, NetServicePublisher& publisher,
+                           Platform& platform, LinkTimes times, Glass* glass)
+    : mSettings(std::move(settings)), mPublisher(publisher), mPlatform(platform),
+      mLog(*platform.log), mComputers(*platform.preferences, PairedPeers::computers), mTimes(times),
+      mGlass(glass)
 {
 }
 
@@ -48,6 +50,10 @@ bool DeviceServer::start()
     if (!listen())
         return false;
     QObject::connect(&mServer, &QTcpServer::newConnection, &mServer, [this] { takeConnections(); });
+    if (mSettings.pairsOnce)
+        mPairsOnceUntil = mPlatform.runLoop->now() + PairingGuard::memory;
+    hasKey();
+    computersChanged();
     announce();
     return true;
 }
@@ -106,13 +112,11 @@ void DeviceServer::didNotPublish(const std::string& reason)
 
 void DeviceServer::takeConnections()
 {
-    while (QTcpSocket* socket = mServer.nextPendingConnection()) {
-        socket->setParent(nullptr);
-        admit(std::unique_ptr<QTcpSocket>(socket));
-    }
+    while (auto socket = mServer.next())
+        admit(std::move(socket));
 }
 
-void DeviceServer::admit(std::unique_ptr<QTcpSocket> socket)
+void DeviceServer::admit(std::unique_ptr<QSslSocket> socket)
 {
     const auto waiting = std::count_if(mGuests.begin(), mGuests.end(),
                                        [](const Guest& guest) { return guest.isWaiting; });
@@ -120,23 +124,26 @@ void DeviceServer::admit(std::unique_ptr<QTcpSocket> socket)
         displaceOldestWaiting();
     if (mGuests.size() >= mostGuests)
         dropOldestLeaving();
-    mGuests.push_back({LinkConnection::make(LinkSide::device, std::move(socket), weak_from_this(),
-                                            mGlass ? ownGreeting() : LinkGreeting{}, mTimes)});
+    hasKey();
+    mGuests.push_back(
+        {LinkConnection::make(LinkSide::device, std::move(socket), weak_from_this(),
+                              mKey.value_or(OwnKey()), ownGreeting(mGlass != nullptr), mTimes)});
 }
 
-/// A host greets within moments, so the oldest that has not is the least likely to.
+/// A host introduces itself within moments, so the oldest that has not is the least likely to.
 void DeviceServer::displaceOldestWaiting()
 {
     const auto oldest = std::find_if(mGuests.begin(), mGuests.end(),
                                      [](const Guest& guest) { return guest.isWaiting; });
     oldest->isWaiting = false;
     oldest->link->refuse({LinkRefusalCode::tooManyWaiting, "Too many computers are connecting."});
+    oldest->link->close({LinkGoodbyeCode::inUse, "Too many computers are connecting."});
 }
 
 void DeviceServer::dropOldestLeaving()
 {
     const auto leaving = std::find_if(mGuests.begin(), mGuests.end(), [this](const Guest& guest) {
-        return !guest.isWaiting && guest.link.get() != mUser;
+        return !guest.isWaiting && guest.link.get() != mUser && guest.link.get() != mStranger;
     });
     if (leaving != mGuests.end())
         mGuests.erase(leaving);
@@ -156,6 +163,8 @@ std::optional<LinkRefusal> DeviceServer::reasonToRefuse() const
         return LinkRefusal{LinkRefusalCode::byUser, "This device is being switched off."};
     if (mSettings.refusal)
         return LinkRefusal{LinkRefusalCode::byUser, *mSettings.refusal};
+    if (!mKey)
+        return LinkRefusal{LinkRefusalCode::byUser, "This device's own key cannot be used."};
     if (mUser)
         return LinkRefusal{LinkRefusalCode::inUse, "This device is in use by another computer."};
     return std::nullopt;
@@ -163,21 +172,17 @@ std::optional<LinkRefusal> DeviceServer::reasonToRefuse() const
 
 void DeviceServer::linkDidGreet(LinkConnection& connection)
 {
-    if (Guest* const known = guest(connection))
-        known->isWaiting = false;
-    if (const auto refusal = reasonToRefuse()) {
-        mLog.write(LogLevel::info, "Refused " + connection.peerAddress() + ": " + refusal->text);
-        connection.refuse(*refusal);
-        return;
-    }
-    mUser = &connection;
-    connection.accept();
+    const auto refusal = reasonToRefuse();
+    if (!refusal)
+        return connection.accept();
+    guest(connection)->isWaiting = false;
+    mLog.write(LogLevel::info, "Refused " + connection.peerAddress() + ": " + refusal->text);
+    connection.refuse(*refusal);
 }
 
 std::optional<LinkRefusal> DeviceServer::linkWouldRefuse(LinkConnection& connection)
 {
-    if (Guest* const known = guest(connection))
-        known->isWaiting = false;
+    guest(connection)->isWaiting = false;
     mLog.write(LogLevel::info, connection.peerAddress() + " asks whether it would be served");
     return reasonToRefuse();
 }
@@ -186,8 +191,14 @@ std::optional<LinkRefusal> DeviceServer::linkWouldRefuse(LinkConnection& connect
 
 void DeviceServer::linkDidOpen(LinkConnection& connection)
 {
-    mLog.write(LogLevel::info, "Connected to the host at " + connection.peerAddress());
+    mLog.write(LogLevel::info,
+               "Connected to the host at " + connection.peerAddress() + ", " + connection.cipher());
+    mUser = &connection;
+    mStranger = nullptr;
+    keepComputer(connection);
     DeviceStatus status = mStatus;
+    status.toConfirm.reset();
+    status.computers = mComputers.all();
     status.usedBy = connection.peerAddress();
     status.isPictureAgreed = connection.agreement().has(kLinkScreenFeature);
     status.options.reset();
@@ -255,6 +266,8 @@ void DeviceServer::sendHostAway()
 void DeviceServer::linkDidEnd(LinkConnection& connection, const LinkEnd& end)
 {
     const bool wasUser = mUser == &connection;
+    if (mStranger == &connection)
+        strangerLeft();
     if (wasUser)
         mUser = nullptr;
     else if (end.reason != LinkEndReason::closedHere)
@@ -274,6 +287,7 @@ void DeviceServer::userLeft(const LinkEnd& end)
     mPicture.reset();
     DeviceStatus status = mStatus;
     status.usedBy.reset();
+    status.toConfirm.reset();
     status.isPictureAgreed = false;
     status.options.reset();
     tellState();

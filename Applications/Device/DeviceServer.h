@@ -3,10 +3,15 @@
 #include "Applications/Device/HostPicture.h"
 #include "Common/PairedPeers.h"
 #include "Link/LinkConnection.h"
+#include "Link/LinkListener.h"
+#include "Link/PairingGuard.h"
+#include "Platform/Clock.h"
 #include "Platform/Log.h"
 #include "Platform/NetServicePublisher.h"
+#include "Platform/Platform.h"
+#include "Platform/RunLoop.h"
 
-#include <QTcpServer>
+#include <QHostAddress>
 
 #include <cstdint>
 #include <functional>
@@ -27,6 +32,11 @@ struct DeviceSettings {
     QHostAddress address = QHostAddress(QHostAddress::Any);
     /// With a reason here every host is refused: for maintenance.
     std::optional<std::string> refusal = std::nullopt;
+    /// Where the device's own key is kept.
+    std::string keyPath = {};
+    /// The next computer that asks is confirmed here without a question: for a device that nobody
+    /// can touch. For one computer, and ten minutes.
+    bool pairsOnce = false;
 };
 
 /// A computer that wants to use the device and is not known here yet.
@@ -63,20 +73,20 @@ struct DeviceStatus {
     bool operator==(const DeviceStatus&) const = default;
 };
 
-/// A virtual-screen device: announces itself, lets one host in, refuses others with a reason, and
-/// says goodbye. Made with `std::make_shared`. Main thread only.
+/// A virtual-screen device: announces itself, lets one host in that its user confirmed, refuses
+/// others with a reason, and says goodbye. Made with `std::make_shared`. Main thread only.
 class DeviceServer final : public LinkConnectionDelegate,
                            public NetServicePublisherDelegate,
                            public std::enable_shared_from_this<DeviceServer>
 {
 public:
-    /// How many connections may wait for their greeting; one more displaces the oldest.
+    /// How many connections may be on their way to being known; one more displaces the oldest.
     static constexpr std::size_t mostWaiting = 4;
 
-    /// `publisher`, `log` and `glass` outlive the server. Without a glass no host is offered to
-    /// send pictures.
-    DeviceServer(DeviceSettings settings, NetServicePublisher& publisher, Log& log, LinkTimes times,
-                 Glass* glass = nullptr);
+    /// `publisher`, `platform` (its log, clock, loop and preferences are used) and `glass` outlive
+    /// the server. Without a glass no host is offered to send pictures.
+    DeviceServer(DeviceSettings settings, NetServicePublisher& publisher, Platform& platform,
+                 LinkTimes times, Glass* glass = nullptr);
 
     /// Listens and announces. A port that is taken is replaced by a free one. False when there is
     /// none at all. Called once.
@@ -86,6 +96,16 @@ public:
     void stop(std::function<void()> then);
     /// Says goodbye to the host that uses the device; another may come then.
     void sendHostAway();
+    /// The user has compared the digits of `DeviceStatus::toConfirm`, or does not want to; nothing
+    /// when nobody asks.
+    void confirmComputer();
+    void refuseComputer();
+    /// Confirms when these are the digits that are shown; whether they are.
+    bool acceptDigits(const std::string& digits);
+    /// From now on the computer with that key has to be confirmed again; it is sent away.
+    void forgetComputer(const std::string& key);
+    /// Somebody may have changed which computers are known: one that no longer is, is sent away.
+    void computersChanged();
 
     const DeviceStatus& status() const { return mStatus; }
     /// `changed` is called whenever the status has changed, never inside a call to the server but
@@ -94,6 +114,9 @@ public:
 
     void linkDidGreet(LinkConnection& connection) override;
     std::optional<LinkRefusal> linkWouldRefuse(LinkConnection& connection) override;
+    LinkTrust linkDidProveKey(LinkConnection& connection) override;
+    std::optional<LinkGoodbye> linkMayNotAskUser(LinkConnection& connection) override;
+    void linkAsksUser(LinkConnection& connection) override;
     void linkDidOpen(LinkConnection& connection) override;
     void linkDidReceive(LinkConnection& connection, const LinkFrame& frame) override;
     void linkDidEnd(LinkConnection& connection, const LinkEnd& end) override;
@@ -104,18 +127,23 @@ public:
 private:
     struct Guest {
         std::shared_ptr<LinkConnection> link;
-        /// Has not greeted yet.
+        /// Is not known yet, nor compared with.
         bool isWaiting = true;
     };
 
     bool listen();
     void announce();
     void takeConnections();
-    void admit(std::unique_ptr<QTcpSocket> socket);
+    void admit(std::unique_ptr<QSslSocket> socket);
     void displaceOldestWaiting();
     void dropOldestLeaving();
     Guest* guest(const LinkConnection& connection);
     std::optional<LinkRefusal> reasonToRefuse() const;
+    bool hasKey();
+    std::optional<LinkGoodbye> reasonNotToAsk(const LinkConnection& connection) const;
+    void strangerLeft();
+    void keepComputer(const LinkConnection& connection);
+    Date today() const;
     void takeOptions(const LinkOptions& options);
     void takePicture(LinkConnection& connection, const LinkFrame& frame);
     void awaitTurn();
@@ -126,13 +154,19 @@ private:
 
     DeviceSettings mSettings;
     NetServicePublisher& mPublisher;
+    Platform& mPlatform;
     Log& mLog;
+    PairedPeers mComputers;
+    PairingGuard mGuard;
+    std::optional<OwnKey> mKey;
     LinkTimes mTimes;
     Glass* mGlass;
-    QTcpServer mServer;
+    LinkListener mServer;
     std::vector<Guest> mGuests;
-    /// The one that was accepted; owned by `mGuests`.
-    LinkConnection* mUser = nullptr;
+    // Owned by `mGuests`.
+    LinkConnection* mUser = nullptr;     ///< the one that is known
+    LinkConnection* mStranger = nullptr; ///< the one that the user is asked about
+    Duration mPairsOnceUntil{0};
     std::unique_ptr<HostPicture> mPicture; ///< while that one may send pictures
     bool mTurnIsAwaited = false;
     DeviceStatus mStatus;

@@ -3,6 +3,7 @@
 #include "Link/LinkCandidates.h"
 
 #include <utility>
+#include <variant>
 
 namespace farview
 {
@@ -23,10 +24,17 @@ Kind kindOf(QAbstractSocket::SocketError error)
     }
 }
 
+/// Whether all that it misses is what no device offers, as a device of this version says it.
+bool wouldServe(const std::string& refusal)
+{
+    const auto expected = agreementBetween(probingGreeting(), ownGreeting());
+    return refusal == std::get<LinkRefusal>(expected).text;
+}
+
 DeviceAnswer answerFrom(const LinkEnd& end)
 {
     if (end.refusal == LinkRefusalCode::noAgreement)
-        return {Kind::ready, LinkRefusalCode::noAgreement, {}};
+        return {wouldServe(end.text) ? Kind::ready : Kind::tooOld, *end.refusal, end.text};
     if (end.refusal)
         return {Kind::refuses, *end.refusal, end.text};
     const bool isSilent =
@@ -49,19 +57,21 @@ void DeviceProbe::ask(const std::vector<Endpoint>& endpoints, Answered answered)
         });
 }
 
-void DeviceProbe::greet(std::unique_ptr<QTcpSocket> socket)
+void DeviceProbe::greet(std::unique_ptr<QSslSocket> socket)
 {
     LinkTimes times;
     times.greeting = mTimes.greeting;
     mConnection = LinkConnection::make(LinkSide::host, std::move(socket), weak_from_this(),
-                                       probingGreeting(), times);
+                                       OwnKey(), probingGreeting(), times);
 }
 
 /// A device that accepts a greeting which it cannot serve breaks the rules of the link.
-void DeviceProbe::linkDidOpen(LinkConnection& connection)
+LinkTrust DeviceProbe::linkDidProveKey(LinkConnection& /*connection*/)
 {
-    connection.close({LinkGoodbyeCode::quitting, ""});
+    return LinkGoodbye{LinkGoodbyeCode::quitting, ""};
 }
+
+void DeviceProbe::linkDidOpen(LinkConnection& /*connection*/) {}
 
 void DeviceProbe::linkDidReceive(LinkConnection& /*connection*/, const LinkFrame& /*frame*/) {}
 

@@ -18,6 +18,7 @@ struct DeviceAnswer {
     enum class Kind {
         ready,       ///< it would serve this computer
         refuses,     ///< it would not: see the code and its words
+        tooOld,      ///< its version of the link cannot be spoken here: see its words
         noAddress,   ///< nothing to connect to is known of it
         portClosed,  ///< nothing listens on the port
         unreachable, ///< the network leads nowhere
@@ -27,8 +28,8 @@ struct DeviceAnswer {
     };
 
     Kind kind = Kind::noAddress;
-    LinkRefusalCode code = LinkRefusalCode::byUser; ///< of `refuses`
-    std::string words{};                            ///< of `refuses`, foreign
+    LinkRefusalCode code = LinkRefusalCode::byUser; ///< of a refusal
+    std::string words{};                            ///< of a refusal, foreign
 };
 
 struct DeviceProbeTimes {
@@ -49,12 +50,13 @@ public:
     /// Begins, once. `answered` is called once, from the event loop, never inside this call.
     void ask(const std::vector<Endpoint>& endpoints, Answered answered);
 
+    LinkTrust linkDidProveKey(LinkConnection& connection) override;
     void linkDidOpen(LinkConnection& connection) override;
     void linkDidReceive(LinkConnection& connection, const LinkFrame& frame) override;
     void linkDidEnd(LinkConnection& connection, const LinkEnd& end) override;
 
 private:
-    void greet(std::unique_ptr<QTcpSocket> socket);
+    void greet(std::unique_ptr<QSslSocket> socket);
     void tell(const DeviceAnswer& answer);
 
     DeviceProbeTimes mTimes;

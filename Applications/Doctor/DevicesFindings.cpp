@@ -45,6 +45,10 @@ Words wordsFor(const DeviceAnswer& answer)
             return inUse;
         return {Severity::problem, "refuses", "“%@” at %@ refuses this computer: %@",
                 "Look at the device: it says there who may connect."};
+    case Kind::tooOld:
+        return {Severity::problem, "too-old",
+                "The program of “%@” at %@ is too old for this computer, or too new: %@",
+                "Install the same version of Farview there and here."};
     case Kind::noAddress:
         return {Severity::problem, "no-address",
                 "“%@” is announced without an address that can be connected to.", restartAdvice};

@@ -1,9 +1,14 @@
 #include "Applications/Doctor/DoctorProgram.h"
 
+#include "Applications/Doctor/PairingProbe.h"
+#include "Applications/Doctor/Sentence.h"
 #include "Applications/OwnPane.h"
+#include "Common/ConnectionFollower.h"
 #include "Common/FVEConstants.h"
 #include "Common/FVEPreferences.h"
 #include "Common/NSString_Additions.h"
+#include "Common/PairedPeers.h"
+#include "Common/Rules/FilledText.h"
 #include "Platform/Bundle.h"
 #include "Platform/Posix/PosixSearchPaths.h"
 #include "Platform/Posix/Settings/PreferencesLocations.h"
@@ -31,6 +36,20 @@ std::string seenDevicesFile()
 std::unique_ptr<Notebook> emptyNotebook()
 {
     return std::make_unique<Notebook>(FARVIEW_VERSION, now());
+}
+
+/// Whether anybody was confirmed under that name, or with a key that the report shows so.
+bool forget(Platform& platform, const std::string& nameOrKey)
+{
+    bool isKnown = false;
+    for (const auto& device : PairedPeers(*platform.preferences, PairedPeers::devices).all()) {
+        const bool isNamed = device.name == nameOrKey;
+        if (!isNamed && shownKey(device.key) != nameOrKey)
+            continue;
+        ConnectionFollower(platform).forgetDevice(isNamed ? device.name : device.key);
+        isKnown = true;
+    }
+    return isKnown;
 }
 
 } // namespace
@@ -73,25 +92,72 @@ void DoctorProgram::examine(std::function<void(Area)> areaBegun, std::function<v
     mExamination->start(std::move(areaBegun), std::move(ended));
 }
 
-void DoctorProgram::switchPacketLog(bool isOn, std::function<void(const Findings&)> then)
+void DoctorProgram::switchPacketLog(bool isOn, Ended then)
 {
     auto& platform = mDesktop.platform();
     FVEPreferences(*platform.preferences, *platform.distributedNotificationCenter)
         .setLogsScreenPackets(isOn);
-    // The announcement goes over the bus before these questions: it has left when they are
-    // answered.
-    askForSessionAnswers(
-        platform, mDesktop.sessionBus(), mLife,
-        [this, then = std::move(then)](const SessionAnswers&) { then(packetLogFindings()); });
+    endWhenSent(std::move(then), [this] { return packetLogOutcome(); });
 }
 
-Findings DoctorProgram::packetLogFindings()
+/// What was announced goes over the bus before these questions: it has left when they are answered.
+void DoctorProgram::endWhenSent(Ended then, std::function<Outcome()> outcome)
+{
+    askForSessionAnswers(mDesktop.platform(), mDesktop.sessionBus(), mLife,
+                         [then = std::move(then), outcome = std::move(outcome)](
+                             const SessionAnswers&) { then(outcome()); });
+}
+
+Outcome DoctorProgram::packetLogOutcome()
 {
     auto& platform = mDesktop.platform();
     if (platform.preferences->appSynchronize(kApplicationID))
-        return findingsAboutPacketLog(packetLogFacts(platform));
-    return findingsAboutPreferences(
-        preferencesFacts(PreferencesLocations(EnvironmentUse::honoured), seenDevicesFile()));
+        return outcomeOf(findingsAboutPacketLog(packetLogFacts(platform)));
+    return settingsOutcome();
+}
+
+/// What is in the way of keeping a setting.
+Outcome DoctorProgram::settingsOutcome() const
+{
+    return outcomeOf(findingsAboutPreferences(
+        preferencesFacts(PreferencesLocations(EnvironmentUse::honoured), seenDevicesFile())));
+}
+
+Outcome DoctorProgram::outcomeOf(const Findings& findings) const
+{
+    Outcome outcome{true, {}};
+    for (const Finding& each : findings) {
+        outcome.isDone = outcome.isDone && each.severity != Severity::problem;
+        outcome.text += renderedText(each, [this](const auto& text) { return translated(text); });
+    }
+    if (!outcome.text.empty())
+        outcome.text.pop_back(); // The end of the last line, which whoever prints it adds.
+    return outcome;
+}
+
+void DoctorProgram::answerPairing(PairingAnswer::Answer answer, const std::string& digits,
+                                  Ended then)
+{
+    mPairingAnswer = std::make_shared<PairingAnswer>(
+        mDesktop.platform(), [this](const auto& text) { return translated(text); });
+    mPairingAnswer->start(answer, digits, std::move(then));
+}
+
+void DoctorProgram::forgetDevice(const std::string& nameOrKey, Ended then)
+{
+    const bool wasKnown = forget(mDesktop.platform(), nameOrKey);
+    endWhenSent(std::move(then),
+                [this, nameOrKey, wasKnown] { return forgettingOutcome(nameOrKey, wasKnown); });
+}
+
+Outcome DoctorProgram::forgettingOutcome(const std::string& nameOrKey, bool wasKnown)
+{
+    if (wasKnown && !mDesktop.platform().preferences->appSynchronize(PairedPeers::devices))
+        return settingsOutcome();
+    const char* text = wasKnown ? "“%@” is no longer confirmed: it shows digits when you choose it "
+                                  "the next time."
+                                : "No confirmed device is called “%@”.";
+    return {wasKnown, filledText(translated(text), shownValue(nameOrKey))};
 }
 
 } // namespace farview

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Applications/Doctor/Examination.h"
+#include "Applications/Doctor/PairingAnswer.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Screens/DesktopScreens.h"
 #include "Platform/Platform.h"
@@ -28,14 +29,24 @@ public:
     std::string translated(const std::string& text) const;
     /// Begins a run, from the beginning; one that is under way is broken off.
     void examine(std::function<void(Area)> areaBegun, std::function<void()> ended);
+    using Ended = PairingAnswer::Ended;
     /// Has the server log what it sends of the screen, or not. `then` is called on a later turn,
     /// with what holds from now on.
-    void switchPacketLog(bool isOn, std::function<void(const Findings&)> then);
+    void switchPacketLog(bool isOn, Ended then);
+    /// Says whether the device that is in question shows these digits. `then` as above.
+    void answerPairing(PairingAnswer::Answer answer, const std::string& digits, Ended then);
+    /// Takes a device from those that the user has confirmed: by its name, or by the digits of its
+    /// key that the report shows. `then` as above.
+    void forgetDevice(const std::string& nameOrKey, Ended then);
     SessionBus& sessionBus() { return mDesktop.sessionBus(); }
     const Notebook& notebook() const { return *mNotebook; }
 
 private:
-    Findings packetLogFindings();
+    Outcome packetLogOutcome();
+    Outcome settingsOutcome() const;
+    Outcome forgettingOutcome(const std::string& nameOrKey, bool wasKnown);
+    Outcome outcomeOf(const Findings& findings) const;
+    void endWhenSent(Ended then, std::function<Outcome()> outcome);
 
     BusFacts mBuses;
     DesktopPlatform mDesktop;
@@ -44,6 +55,7 @@ private:
     std::shared_ptr<Bundle> mPane;
     std::unique_ptr<Notebook> mNotebook;
     std::shared_ptr<Examination> mExamination;
+    std::shared_ptr<PairingAnswer> mPairingAnswer;
     const std::shared_ptr<int> mLife = std::make_shared<int>(0); ///< of what is asked
 };
 

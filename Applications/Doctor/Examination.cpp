@@ -1,7 +1,10 @@
 #include "Applications/Doctor/Examination.h"
 
 #include "Applications/Doctor/Probes.h"
+#include "Common/ConnectionFollower.h"
+#include "Common/FVEDistributedNotifications.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/NotificationCenter.h"
 #include "Platform/Platform.h"
 #include "Platform/Posix/Settings/PreferencesLocations.h"
 
@@ -96,6 +99,7 @@ void Examination::lookForDevices()
 {
     askForRights();
     askForScreen();
+    askForConnection();
     mAreaBegun(Area::devices);
     // Which way devices are found is asked beside the search, which does not tell.
     mDaemon = std::make_unique<AvahiDaemonLink>(*mContext.platform.log);
@@ -123,6 +127,16 @@ void Examination::askForScreen()
         weak_from_this(), [this](const ScreenAvailability& answer) { mScreen = answer; });
 }
 
+/// As above. The server answers everybody who asks, and does nothing else for it.
+void Examination::askForConnection()
+{
+    mContext.platform.distributedNotificationCenter->addObserver(
+        weak_from_this(),
+        [this](const Notification& answer) { mConnection = connectionFact(answer); },
+        kQueryResultForConnectedHost, "");
+    ConnectionFollower(mContext.platform).query();
+}
+
 DiscoveryFacts Examination::discoveryFacts() const
 {
     return {mDaemon && mDaemon->presence() == AvahiDaemonLink::Presence::present,
@@ -137,6 +151,9 @@ void Examination::end(std::vector<DeviceFact> devices, std::size_t more, bool is
     mNotebook.add(findingsAboutPolkit(mRights));
     mNotebook.add(findingsAboutScreen(mScreen));
     mNotebook.add(findingsAboutDiscovery(discoveryFacts()));
+    auto pairing = pairingFacts(mContext.platform);
+    pairing.connection = mConnection;
+    mNotebook.add(findingsAboutPairing(pairing));
     mNotebook.add(
         findingsAboutDevices({std::move(devices), more,
                               rememberedDevices(mContext.platform, mContext.seenDevicesFile)}));

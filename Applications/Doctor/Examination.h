@@ -2,6 +2,7 @@
 
 #include "Applications/Doctor/DevicesProbe.h"
 #include "Applications/Doctor/Notebook.h"
+#include "Applications/Doctor/PairingProbe.h"
 #include "Applications/Doctor/Probes.h"
 #include "Applications/Doctor/SessionProbe.h"
 #include "Platform/Desktop/Discovery/AvahiDaemonLink.h"
@@ -63,6 +64,7 @@ private:
     void examineNext();
     void askForRights();
     void askForScreen();
+    void askForConnection();
     void lookForDevices();
     void end(std::vector<DeviceFact> devices, std::size_t more, bool isComplete);
     DiscoveryFacts discoveryFacts() const;
@@ -78,6 +80,7 @@ private:
     std::shared_ptr<DevicesProbe> mDevices;
     PolkitFacts mRights;
     std::optional<ScreenAvailability> mScreen;
+    std::optional<ConnectionFact> mConnection;
 };
 
 } // namespace farview

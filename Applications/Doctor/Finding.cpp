@@ -25,6 +25,7 @@ constexpr std::array areas = {
     AreaNames{"polkit", "Administrator's rights"},
     AreaNames{"display", "Display"},
     AreaNames{"screen", "Additional screen"},
+    AreaNames{"pairing", "Confirmed devices"},
     AreaNames{"devices", "Devices"},
 };
 static_assert(areas.size() == static_cast<std::size_t>(Area::devices) + 1);

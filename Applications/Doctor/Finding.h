@@ -20,6 +20,7 @@ enum class Area {
     polkit,
     display,
     screen,
+    pairing,
     devices,
 };
 

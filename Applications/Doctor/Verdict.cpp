@@ -13,7 +13,7 @@ const std::set<std::string> obstacles = {
     "versions.pane-missing", "versions.server-missing", "bus.session-missing",
     "bus.session-refused",   "bus.session-silent",      "bus.session-foreign",
     "driver.missing",        "driver.unusable",         "processes.server-not-running",
-    "processes.server-deaf"};
+    "processes.server-deaf", "pairing.key-unusable"};
 
 // These hide devices; one that answers all the same was found in spite of them.
 const std::set<std::string> obstaclesOfDiscovery = {

@@ -1,14 +1,17 @@
 #include "Applications/CommandLine.h"
 #include "Applications/Doctor/DoctorProgram.h"
 #include "Applications/Doctor/HangWatchdog.h"
+#include "Applications/Doctor/PairingAnswer.h"
 #include "Applications/Doctor/Report.h"
+#include "Common/Rules/PairingReport.h"
 
 #include <QCoreApplication>
 
-#include <algorithm>
+#include <array>
 #include <cstdio>
-#include <optional>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -28,8 +31,8 @@ would. Takes at most 10 seconds.
 const auto exitStatuses = QStringLiteral(R"(
 Exit status:
    0  a device can be used: nothing was found that is in the way of it
-   1  no device can be used, or the setting cannot be kept; the lines marked
-      "Problem" say why
+   1  no device can be used, or what was asked for could not be done; the lines
+      marked "Problem" say why
    2  wrong use
    3  unknown: time was over before everything had answered)");
 
@@ -49,23 +52,59 @@ int conclude(const DoctorProgram& program, bool asJSON)
     return exitStatusFor(verdictOf(report));
 }
 
-bool isProblem(const Finding& finding) { return finding.severity == Severity::problem; }
+/// Something to do instead of an examination.
+using Command = std::function<void(DoctorProgram& program, DoctorProgram::Ended ended)>;
 
-int switchPacketLog(int argc, char** argv, bool isOn)
+int carryOut(int argc, char** argv, const Command& command)
 {
     const BusFacts buses = checkBuses();
     const QCoreApplication application(argc, argv);
     DoctorProgram program(buses);
-    program.switchPacketLog(isOn, [&](const Findings& findings) {
-        for (const auto& each : findings)
-            std::fputs(
-                renderedText(each, [&](const auto& text) { return program.translated(text); })
-                    .c_str(),
-                stdout);
-        QCoreApplication::exit(std::any_of(findings.begin(), findings.end(), isProblem) ? 1 : 0);
+    command(program, [](const Outcome& outcome) {
+        std::printf("%s\n", outcome.text.c_str());
+        QCoreApplication::exit(outcome.isDone ? 0 : 1);
     });
     return QCoreApplication::exec();
 }
+
+Command switchingPacketLog(const std::string& value)
+{
+    if (value != "on" && value != "off")
+        return {};
+    return
+        [isOn = value == "on"](auto& program, auto ended) { program.switchPacketLog(isOn, ended); };
+}
+
+Command answering(PairingAnswer::Answer answer, const std::string& typed)
+{
+    const std::string digits = withoutBlanks(typed);
+    if (!arePairingDigits(digits))
+        return {};
+    return [=](auto& program, auto ended) { program.answerPairing(answer, digits, ended); };
+}
+
+Command confirming(const std::string& typed)
+{
+    return answering(PairingAnswer::Answer::confirm, typed);
+}
+
+Command refusing(const std::string& typed)
+{
+    return answering(PairingAnswer::Answer::refuse, typed);
+}
+
+Command forgetting(const std::string& name)
+{
+    if (name.empty())
+        return {};
+    return [name](auto& program, auto ended) { program.forgetDevice(name, ended); };
+}
+
+/// The options that ask for a command, and what makes it of their value: nothing of one that does
+/// not fit.
+constexpr std::array commands = {std::pair{"packet-log", &switchingPacketLog},
+                                 std::pair{"confirm", &confirming}, std::pair{"refuse", &refusing},
+                                 std::pair{"forget", &forgetting}};
 
 int run(int argc, char** argv, bool asJSON)
 {
@@ -78,23 +117,45 @@ int run(int argc, char** argv, bool asJSON)
     return conclude(program, asJSON);
 }
 
+CommandLine::Options options()
+{
+    return {{u"json"_qs, u"Print the report for programs, as JSON with English texts"_qs},
+            {u"packet-log"_qs,
+             u"Instead, have the screen server log what it sends of the screen, in files that only "
+             "you can read, or end that"_qs,
+             u"on|off"_qs},
+            {u"confirm"_qs,
+             u"Instead, say that the device which is being connected shows these digits"_qs,
+             u"digits"_qs},
+            {u"refuse"_qs, u"Instead, say that it does not, or that you do not want it"_qs,
+             u"digits"_qs},
+            {u"forget"_qs,
+             u"Instead, take a device from those that you have confirmed; by its name, or by the "
+             "digits of its key"_qs,
+             u"name"_qs}};
+}
+
+/// What the options ask for; nothing when it is an examination.
+Command commandIn(CommandLine& line)
+{
+    Command command;
+    for (const auto& [option, commandFor] : commands)
+        line.read(option, [&, commandFor = commandFor](const std::string& value) {
+            if (command)
+                line.refuse(u"Only one thing at a time"_qs);
+            command = commandFor(value);
+            return bool(command);
+        });
+    return command;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    std::optional<bool> packetLog;
-    CommandLine line(CommandLine::words(argc, argv), purpose,
-                     {{u"json"_qs, u"Print the report for programs, as JSON with English texts"_qs},
-                      {u"packet-log"_qs,
-                       u"Instead, have the screen server log what it sends of the screen, in files "
-                       "that only you can read, or end that"_qs,
-                       u"on|off"_qs}},
-                     exitStatuses);
-    line.read("packet-log", [&](const std::string& value) {
-        packetLog = value == "on";
-        return value == "on" || value == "off";
-    });
+    CommandLine line(CommandLine::words(argc, argv), purpose, options(), exitStatuses);
+    const Command command = commandIn(line);
     if (line.answer())
         return print(*line.answer());
-    return packetLog ? switchPacketLog(argc, argv, *packetLog) : run(argc, argv, line.has("json"));
+    return command ? carryOut(argc, argv, command) : run(argc, argv, line.has("json"));
 }

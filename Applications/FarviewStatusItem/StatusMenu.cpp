@@ -43,6 +43,7 @@ void StatusMenu::start()
     observe(kQueryResultForConnectedHost, &StatusMenu::connectedToDevice);
     observe(kServerDisconnectedFromDevice, &StatusMenu::disconnectedFromDevice);
     observe(kServerScreenDidChange, &StatusMenu::screenChanged);
+    observe(kServerPairingDidChange, &StatusMenu::pairingChanged);
     observe(kRequestingErrorMsgFromPrefPane, &StatusMenu::connectFailed);
     for (const char* name :
          {kConnectServerToHost, kConnectServerToTicket, kDisconnectCurrentServerFromHost})
@@ -78,6 +79,7 @@ void StatusMenu::observeReconnection()
         const auto menu = weak.lock();
         if (!menu || menu->mHasQuit)
             return;
+        menu->mConnection.forgetPairing();
         menu->followPreferences();
         menu->mConnection.query();
     });
@@ -117,6 +119,8 @@ const Operation<StatusMenu>* StatusMenu::operation(Selector selector)
         action<&StatusMenu::turnOff, StatusMenu>("turnOff:"),
         action<&StatusMenu::takeNoDevice, StatusMenu>("takeNoDevice:"),
         action<&StatusMenu::takeDevice, StatusMenu>("takeDevice:"),
+        action<&StatusMenu::confirmDevice, StatusMenu>("confirmDevice:"),
+        action<&StatusMenu::refuseDevice, StatusMenu>("refuseDevice:"),
         action<&StatusMenu::openPreferences, StatusMenu>("openPreferences:"),
         action<&StatusMenu::quitForGood, StatusMenu>("quit:"),
     });
@@ -168,6 +172,25 @@ void StatusMenu::takeDevice(Object* sender)
         return;
     if (const auto hostName = service->hostName())
         mConnection.connectToHost(*hostName);
+}
+
+void StatusMenu::confirmDevice(Object* sender)
+{
+    if (isAboutTheDigitsInQuestion(sender))
+        mConnection.confirmDevice();
+}
+
+void StatusMenu::refuseDevice(Object* sender)
+{
+    if (isAboutTheDigitsInQuestion(sender))
+        mConnection.refuseDevice();
+}
+
+/// A menu that is open stays as it was, while other digits may have come.
+bool StatusMenu::isAboutTheDigitsInQuestion(Object* sender) const
+{
+    const auto* item = dynamic_cast<MenuItem*>(sender);
+    return item && representsSame(item->representedObject, mConnection.pairing().digits);
 }
 
 void StatusMenu::openPreferences(Object* /*sender*/)
@@ -227,6 +250,12 @@ void StatusMenu::screenChanged(const Notification& notification)
     refresh();
 }
 
+void StatusMenu::pairingChanged(const Notification& notification)
+{
+    mConnection.followPairing(notification);
+    refresh();
+}
+
 void StatusMenu::connectFailed(const Notification& /*notification*/)
 {
     mConnection.forgetRequest();
@@ -253,6 +282,7 @@ void StatusMenu::followPreferences()
     if (state == 0) {
         forgetConnection();
         mConnection.forgetRequest();
+        mConnection.forgetPairing();
     }
     const bool inMenuBar = preferences.showInMenuBar();
     if (std::exchange(mWasInMenuBar, inMenuBar) && !inMenuBar)
@@ -283,5 +313,7 @@ bool StatusMenu::isConnected() const
 {
     return !mReportedHostName.empty() || mConnection.isByAddress();
 }
+
+bool StatusMenu::isAsked() const { return !mConnection.pairing().digits.empty(); }
 
 } // namespace farview

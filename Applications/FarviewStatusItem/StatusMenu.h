@@ -74,6 +74,8 @@ private:
     void turnOff(Object* sender);
     void takeNoDevice(Object* sender);
     void takeDevice(Object* sender);
+    void confirmDevice(Object* sender);
+    void refuseDevice(Object* sender);
     void openPreferences(Object* sender);
     void quitForGood(Object* sender);
 
@@ -81,6 +83,7 @@ private:
     void connectedToDevice(const Notification& notification);
     void disconnectedFromDevice(const Notification& notification);
     void screenChanged(const Notification& notification);
+    void pairingChanged(const Notification& notification);
     void connectFailed(const Notification& notification);
     void connectRequested(const Notification& notification);
     void preferencesChanged(const Notification& notification);
@@ -91,18 +94,22 @@ private:
     void findSelectedService();
     void storeCurrentDevice(const std::string& name);
     bool isConnected() const;
+    bool isAsked() const;
+    bool isAboutTheDigitsInQuestion(Object* sender) const;
 
     void refresh();
     StatusItemDisplay makeDisplay();
     std::string headline(StatusIcon icon) const;
     std::string sentence(long currentState) const;
-    std::string screenText() const;
+    std::string detail() const;
+    std::string pairingText() const;
+    void addAnswers(Menu& menu);
     void addDevices(Menu& menu, bool on);
     std::shared_ptr<MenuItem> deviceItem(const MenuEntry& entry, bool on);
     DeviceMenuInputs deviceMenuInputs();
     bool isInForce(const MenuEntry& entry) const;
     std::string deviceName() const;
-    void addItem(Menu& menu, const char* title, Selector action);
+    std::shared_ptr<MenuItem> addItem(Menu& menu, const char* title, Selector action);
     std::string localized(const std::string& text) const;
 
     Services mServices;

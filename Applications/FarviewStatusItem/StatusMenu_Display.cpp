@@ -3,6 +3,7 @@
 #include "Common/Bonjour/DeviceState.h"
 #include "Common/Rules/AutoConnectRows.h"
 #include "Common/Rules/FilledText.h"
+#include "Common/Rules/PairingTexts.h"
 #include "Common/Rules/ScreenTexts.h"
 #include "Common/Rules/StatusDisplay.h"
 
@@ -36,13 +37,15 @@ StatusItemDisplay StatusMenu::makeDisplay()
     const long state = mServices.preferences.currentState();
     const bool on = mDriverInstalled && switchStateForCurrentState(state).value_or(0) == 1;
     StatusItemDisplay display;
-    display.icon = statusIcon({mDriverInstalled, state, isConnected(), mConnectFailed});
+    const bool failed = mConnectFailed || isFailure(mConnection.pairing().state);
+    display.icon = statusIcon({mDriverInstalled, state, isConnected(), failed, isAsked()});
     display.headline = headline(display.icon);
     display.sentence = sentence(state);
     auto menu = std::make_shared<Menu>();
     addInertLine(*menu, display.headline);
-    if (const auto screen = screenText(); !screen.empty())
-        addInertLine(*menu, screen);
+    if (const auto text = detail(); !text.empty())
+        addInertLine(*menu, text);
+    addAnswers(*menu);
     if (mDriverInstalled)
         addItem(*menu, on ? "Turn Farview Off" : "Turn Farview On",
                 on ? Selector{"turnOff:"} : Selector{"turnOn:"});
@@ -64,6 +67,8 @@ std::string StatusMenu::headline(StatusIcon icon) const
         return localized("Farview: On");
     case StatusIcon::connected:
         return filledText(localized("Connected to %@"), deviceName());
+    case StatusIcon::question:
+        return pairingText();
     case StatusIcon::trouble:
         break;
     }
@@ -72,23 +77,37 @@ std::string StatusMenu::headline(StatusIcon icon) const
 
 std::string StatusMenu::sentence(long currentState) const
 {
-    if (mDriverInstalled && mConnectFailed && currentState != 0)
+    const auto pairing = mConnection.pairing().state;
+    if (isAsked())
+        return localized(pairingTexts(pairing).remedy);
+    if (mDriverInstalled && mConnectFailed && !isFailure(pairing) && currentState != 0)
         return localized(connectionErrorText);
-    if (const auto screen = screenText(); !screen.empty())
-        return screen;
+    if (const auto text = detail(); !text.empty())
+        return text;
     StatusInputs inputs;
     inputs.driverInstalled = mDriverInstalled;
     inputs.currentState = currentState;
     return localized(statusDisplay(inputs).sentence);
 }
 
-/// What became of the connected device's monitor; empty while there is nothing to say of it.
-std::string StatusMenu::screenText() const
+/// Why a device is not trusted, else what became of the connected device's monitor; empty while
+/// there is nothing to say, and while the headline asks.
+std::string StatusMenu::detail() const
 {
+    if (isAsked())
+        return {};
+    if (mConnection.pairing().state != PairingReport::State::none)
+        return pairingText();
     const auto& report = mConnection.screen();
     if (!report || !isConnected())
         return {};
     return screenSentence(*report, [this](const std::string& text) { return localized(text); });
+}
+
+std::string StatusMenu::pairingText() const
+{
+    return pairingSentence(mConnection.pairing(),
+                           [this](const std::string& text) { return localized(text); });
 }
 
 std::string StatusMenu::deviceName() const
@@ -96,6 +115,23 @@ std::string StatusMenu::deviceName() const
     if (mConnection.isByAddress())
         return mConnection.address().value_or(std::string{});
     return mSelected ? mSelected->name() : mReportedHostName;
+}
+
+/// The answers to the headline's question, or the way to what can be done.
+void StatusMenu::addAnswers(Menu& menu)
+{
+    const auto& pairing = mConnection.pairing();
+    const auto& texts = pairingTexts(pairing.state);
+    if (isAsked()) {
+        if (*texts.yes)
+            addItem(menu, texts.yes, {"confirmDevice:"})->representedObject = pairing.digits;
+        addItem(menu, texts.no, {"refuseDevice:"})->representedObject = pairing.digits;
+    } else if (pairing.state == PairingReport::State::changed) {
+        addItem(menu, "What to Do…", {"openPreferences:"});
+    } else {
+        return;
+    }
+    addSeparator(menu);
 }
 
 void StatusMenu::addDevices(Menu& menu, bool on)
@@ -159,13 +195,14 @@ bool StatusMenu::isInForce(const MenuEntry& entry) const
     return false;
 }
 
-void StatusMenu::addItem(Menu& menu, const char* title, Selector action)
+std::shared_ptr<MenuItem> StatusMenu::addItem(Menu& menu, const char* title, Selector action)
 {
     auto item = std::make_shared<MenuItem>();
     item->title = localized(title);
     item->action = action;
     item->target = weak_from_this();
     menu.insertItem(item, menu.numberOfItems());
+    return item;
 }
 
 std::string StatusMenu::localized(const std::string& text) const

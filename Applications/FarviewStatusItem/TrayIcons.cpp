@@ -19,6 +19,8 @@ QString stateName(StatusIcon icon)
         return QStringLiteral("on");
     case StatusIcon::connected:
         return QStringLiteral("connected");
+    case StatusIcon::question:
+        return QStringLiteral("question");
     case StatusIcon::trouble:
         break;
     }
@@ -34,6 +36,8 @@ QColor colourFor(StatusIcon icon)
         return Qt::white;
     case StatusIcon::connected:
         return QColor(0x78, 0xB4, 0xFF);
+    case StatusIcon::question:
+        return QColor(0xFF, 0xD4, 0x60);
     case StatusIcon::trouble:
         break;
     }

@@ -33,7 +33,7 @@ std::vector<AnnouncedDevice> announcedDevices(const QLNBonjourBrowser::ServiceLi
 } // namespace
 
 AutoConnector::AutoConnector(Services services, AutoConnectServer& server)
-    : mServices(services), mServer(server), mConfirmed(services.storage)
+    : mServices(services), mServer(server)
 {
 }
 
@@ -139,8 +139,6 @@ void AutoConnector::welcome(const NetService& service)
 {
     mTried.erase(service.name());
     mLeftAlone.erase(service.name());
-    if (const auto hostName = service.hostName())
-        mConfirmed.confirm(service.name(), *hostName);
 }
 
 void AutoConnector::userChoseNone()
@@ -149,12 +147,16 @@ void AutoConnector::userChoseNone()
         mLeftAlone.insert(service->name());
 }
 
-bool AutoConnector::isConfirmed(const std::string& hostName) const
+/// Those in sight that the user never confirmed. Names are enough: whether it is that very device,
+/// its key will prove.
+AutoConnector::Names AutoConnector::strangers(const ServiceList& services) const
 {
-    const auto services = servicesOfHost(hostName);
-    return std::any_of(services.begin(), services.end(), [&](const auto& service) {
-        return mConfirmed.contains(service->name(), hostName);
-    });
+    Names names;
+    for (const auto& service : services)
+        names.insert(service->name());
+    for (const PairedPeer& peer : mServices.paired.all())
+        names.erase(peer.name);
+    return names;
 }
 
 // --- attempts --------------------------------------------------------------------------------
@@ -201,13 +203,19 @@ void AutoConnector::consider()
         return;
     const ServiceList services = mBrowser->activeServiceList();
     const auto devices = announcedDevices(services);
-    Names heldOff = mLeftAlone;
-    heldOff.insert(mTried.begin(), mTried.end());
-    if (const auto choice = autoConnectChoice(mChosen, devices, heldOff)) {
+    Names never = strangers(services);
+    never.insert(mLeftAlone.begin(), mLeftAlone.end());
+    Names notNow = never;
+    notNow.insert(mTried.begin(), mTried.end());
+    const auto stranger = autoConnectChoice(mChosen, devices, mLeftAlone);
+    if (const auto choice = autoConnectChoice(mChosen, devices, notNow)) {
         const NetService& service = *services[*choice];
-        tryOnce(service.name(), service.hostName().value_or(""), service.endpoints());
-    } else if (autoConnectChoice(mChosen, devices, mLeftAlone)) {
+        tryOnce(service.name(),
+                {service.hostName().value_or(""), service.name(), service.endpoints()});
+    } else if (autoConnectChoice(mChosen, devices, never)) {
         pause();
+    } else {
+        mServer.strangerIsInSight(stranger ? services[*stranger]->name() : "");
     }
 }
 
@@ -217,24 +225,23 @@ bool AutoConnector::bringBack()
     const std::string chosen = mServer.chosenDevice();
     // Nobody knows whether an address is in sight: the list has its turn when it does not answer.
     if (isValidIPAddress(chosen))
-        return tryOnce(chosen, kOtherDeviceName, {{chosen, kMainDataTrafficPort, 0}});
+        return tryOnce(chosen, {kOtherDeviceName, {}, {{chosen, kMainDataTrafficPort, 0}}});
     const ServiceList services = servicesOfHost(chosen);
     // It may be announced as in use still by the connection that broke: the device knows better.
     const auto found = std::find_if(services.begin(), services.end(), [](const auto& service) {
         return !service->endpoints().empty();
     });
     if (found != services.end())
-        tryOnce((*found)->name(), chosen, (*found)->endpoints());
+        tryOnce((*found)->name(), {chosen, (*found)->name(), (*found)->endpoints()});
     return !services.empty();
 }
 
 /// Connects to a device that was not tried since the last pause; for another begins a pause.
-bool AutoConnector::tryOnce(const std::string& name, const std::string& deviceName,
-                            const std::vector<Endpoint>& endpoints)
+bool AutoConnector::tryOnce(const std::string& name, const AutoConnectServer::Target& target)
 {
     const bool isNew = mTried.insert(name).second;
     if (isNew)
-        mServer.connectByItself(deviceName, endpoints);
+        mServer.connectByItself(target);
     else
         pause();
     return isNew;

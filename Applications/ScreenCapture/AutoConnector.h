@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Applications/ScreenCapture/ConfirmedDevices.h"
 #include "Common/Bonjour/QLNBonjourBrowser.h"
 #include "Common/FVEPreferences.h"
+#include "Common/PairedPeers.h"
 #include "Common/Rules/AutoConnectChoice.h"
 #include "Platform/Desktop/Bus/GrowingPause.h"
 #include "Platform/NetService.h"
@@ -27,14 +27,21 @@ public:
     virtual bool isIdle() const = 0;
     /// The host name or the address of the device that the user chose; empty when there is none.
     virtual std::string chosenDevice() const = 0;
-    /// Begins to connect to a device: its host name or "Other", and one endpoint at least. What
-    /// becomes of it is told to the connector, never inside this call.
-    virtual void connectByItself(const std::string& deviceName,
-                                 const std::vector<Endpoint>& endpoints) = 0;
+    struct Target {
+        std::string deviceName;          ///< its host name, or "Other"
+        std::string serviceName;         ///< empty for "Other"
+        std::vector<Endpoint> endpoints; ///< one at least
+    };
+    /// Begins to connect to a device. What becomes of it is told to the connector, never inside
+    /// this call.
+    virtual void connectByItself(const Target& target) = 0;
+    /// A ticked device would be connected to, had the user ever confirmed it; empty: no longer.
+    virtual void strangerIsInSight(const std::string& serviceName) = 0;
 };
 
 /// Connects the server by itself while it is idle: back to the device that the user chose, else,
-/// while the user wants auto-connection, to the first of the ticked devices that is there and free.
+/// while the user wants auto-connection, to the first of the ticked devices that is there, free and
+/// confirmed under its name (`PairedPeers`).
 /// As long as a chosen device is in sight, nothing else is connected to.
 ///
 /// A device that failed is tried again after a pause that grows; the next one of the list at once,
@@ -49,7 +56,7 @@ public:
         RunLoop& runLoop;
         NotificationCenter& localCenter;
         FVEPreferences& preferences;
-        Preferences& storage; ///< for what the user has confirmed
+        const PairedPeers& paired;
     };
 
     /// Between rounds of attempts: the first pause, and the longest it grows to.
@@ -68,12 +75,11 @@ public:
     void start(std::shared_ptr<QLNBonjourBrowser> browser);
 
     void preferencesChanged();
-    /// The user asked for the device of that host: it is confirmed, and no longer left alone.
+    void pairedDevicesChanged() { considerSoon(); }
+    /// The user asked for the device of that host: it is no longer left alone.
     void userChose(const std::string& hostName);
     /// The user wants no device: those in sight are left alone.
     void userChoseNone();
-    /// Whether the device of that host may be told more than a greeting tells.
-    bool isConfirmed(const std::string& hostName) const;
 
     /// An attempt to reach the device of that host failed, whoever had asked for it.
     void attemptFailed(const std::string& hostName);
@@ -94,8 +100,8 @@ private:
     void considerSoon();
     void consider();
     bool bringBack();
-    bool tryOnce(const std::string& name, const std::string& deviceName,
-                 const std::vector<Endpoint>& endpoints);
+    Names strangers(const ServiceList& services) const;
+    bool tryOnce(const std::string& name, const AutoConnectServer::Target& target);
     void pause();
     void tryAgain();
     void startAfresh();
@@ -103,7 +109,6 @@ private:
 
     Services mServices;
     AutoConnectServer& mServer;
-    ConfirmedDevices mConfirmed;
     std::shared_ptr<QLNBonjourBrowser> mBrowser;
     Subscription mCondition;
     PropertyList::Array mChosen;

@@ -5,40 +5,51 @@
 namespace farview
 {
 
-namespace
-{
-
-std::string whyNotConnected(const LinkEnd& end)
-{
-    if (end.reason != LinkEndReason::refused)
-        return end.text;
-    return end.text.empty() ? "The device refused" : "The device refused: " + end.text;
-}
-
-} // namespace
-
 void NetworkDeviceLink::setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate)
 {
     mDelegate = std::move(delegate);
 }
 
 void NetworkDeviceLink::connectTo(const std::vector<Endpoint>& endpoints,
-                                  const std::optional<LinkOptions>& options)
+                                  const LinkOptions& options)
 {
     leave(LinkGoodbyeCode::byUser);
     mOptions = options;
     mConnector = std::make_unique<HostConnector>(ConnectorTimes{});
-    const auto connected = [this](std::unique_ptr<QTcpSocket> socket) {
+    const auto connected = [this](std::unique_ptr<QSslSocket> socket) {
         mConnector.reset();
-        mConnection = LinkConnection::make(LinkSide::host, std::move(socket), weak_from_this(),
-                                           ownGreeting(), LinkTimes{});
+        greet(std::move(socket));
     };
     const auto failed = [this](const std::string& why) {
         mConnector.reset();
-        if (const auto delegate = mDelegate.lock())
-            delegate->deviceDidNotConnect(why);
+        fail({LinkEndReason::lost, why});
     };
     mConnector->start(linkCandidates(endpoints, usableInterfaces()), connected, failed);
+}
+
+/// A key that could not be used is tried again: the user may have mended it.
+void NetworkDeviceLink::greet(std::unique_ptr<QSslSocket> socket)
+{
+    if (!mKey) {
+        auto result = ownKey(mKeyPath);
+        mKey = std::move(result.key);
+        if (!mKey)
+            return fail({LinkEndReason::noOwnKey, result.trouble});
+    }
+    mConnection = LinkConnection::make(LinkSide::host, std::move(socket), weak_from_this(), *mKey,
+                                       ownGreeting(), LinkTimes{});
+}
+
+void NetworkDeviceLink::fail(const LinkEnd& end)
+{
+    if (const auto delegate = mDelegate.lock())
+        delegate->deviceDidNotConnect(end);
+}
+
+void NetworkDeviceLink::confirm()
+{
+    if (mConnection)
+        mConnection->confirm();
 }
 
 void NetworkDeviceLink::setOptions(const LinkOptions& options)
@@ -53,10 +64,10 @@ bool NetworkDeviceLink::hasFeature(const std::string& feature) const
     return mConnection && mConnection->isOpen() && mConnection->agreement().has(feature);
 }
 
-void NetworkDeviceLink::send(LinkFrame frame)
+void NetworkDeviceLink::send(const LinkFrame& frame)
 {
     if (mConnection)
-        mConnection->send(std::move(frame));
+        mConnection->send(frame);
 }
 
 bool NetworkDeviceLink::hasRoom() const { return mConnection && mConnection->hasRoom(); }
@@ -82,14 +93,37 @@ void NetworkDeviceLink::leave(LinkGoodbyeCode code)
     mConnection.reset();
 }
 
+LinkTrust NetworkDeviceLink::linkDidProveKey(LinkConnection& connection)
+{
+    const auto delegate = mDelegate.lock();
+    if (!delegate || mConnection.get() != &connection)
+        return LinkGoodbye{};
+    return delegate->deviceDidProveKey(connection.peerKey());
+}
+
+std::optional<LinkGoodbye> NetworkDeviceLink::linkMayNotAskUser(LinkConnection& connection)
+{
+    const auto delegate = mDelegate.lock();
+    if (!delegate || mConnection.get() != &connection)
+        return LinkGoodbye{};
+    return delegate->mayNotAskUser();
+}
+
+void NetworkDeviceLink::linkAsksUser(LinkConnection& connection)
+{
+    const auto delegate = mDelegate.lock();
+    if (delegate && mConnection.get() == &connection)
+        delegate->deviceShowsDigits(connection.digits());
+}
+
 void NetworkDeviceLink::linkDidOpen(LinkConnection& connection)
 {
     if (mConnection.get() != &connection)
         return;
-    if (mOptions)
-        connection.send(*mOptions);
+    connection.send(mOptions);
     if (const auto delegate = mDelegate.lock())
-        delegate->deviceDidConnect(connection.peerAddress());
+        delegate->deviceDidConnect({connection.peerAddress(), connection.peerKey(),
+                                    connection.cipher(), connection.wasPaired()});
 }
 
 void NetworkDeviceLink::linkDidReceive(LinkConnection& connection, const LinkFrame& frame)
@@ -117,7 +151,7 @@ void NetworkDeviceLink::linkDidEnd(LinkConnection& connection, const LinkEnd& en
     if (delegate && connection.wasOpened())
         delegate->deviceDidDisconnect(end);
     else if (delegate)
-        delegate->deviceDidNotConnect(whyNotConnected(end));
+        delegate->deviceDidNotConnect(end);
 }
 
 void NetworkDeviceLink::forgetLeft(const LinkConnection& connection)

@@ -25,7 +25,8 @@ bool isHostName(const std::string* text)
 } // namespace
 
 ScreenServer::ScreenServer(Services services, Ending ending)
-    : mServices(services), mEnding(std::move(ending)), mPacketLog(services.log)
+    : mServices(services), mEnding(std::move(ending)),
+      mPaired(services.storage, PairedPeers::devices), mPacketLog(services.log)
 {
 }
 
@@ -46,6 +47,9 @@ void ScreenServer::start()
     mServices.link.setDelegate(weak_from_this());
     observe(kQueryRequestForConnectedHost, &ScreenServer::answerQuery);
     observe(kFVEPrefsDidChangeNotification, &ScreenServer::preferencesChanged);
+    observe(kConfirmDevice, &ScreenServer::confirmDevice);
+    observe(kRefuseDevice, &ScreenServer::refuseDevice);
+    observe(kPairedDevicesDidChange, &ScreenServer::pairedDevicesChanged);
     observeReconnection();
     mPacketLog.setOn(mServices.preferences.logsScreenPackets());
     startBrowsing();
@@ -97,7 +101,7 @@ void ScreenServer::startBrowsing()
     observeBrowser(kQLNBonjourBrowserDidUpdateService);
     mAutoConnector = std::make_shared<AutoConnector>(
         AutoConnector::Services{mServices.discovery, mServices.runLoop, mServices.localCenter,
-                                mServices.preferences, mServices.storage},
+                                mServices.preferences, mPaired},
         *this);
     mBrowser->init();
     mAutoConnector->start(mBrowser);
@@ -124,14 +128,12 @@ void ScreenServer::connectToHost(const Notification& notification)
         mIsAutomatic = false;
         keepChoice();
         announceState();
-        sendOptions();
-        beginScreen();
         return;
     }
     if (tookOverAttempt(*hostName))
         return;
     leaveDevice();
-    takeOrder(*hostName);
+    takeOrder({*hostName, {}, {}}, false);
     mState = State::searching;
     const auto ended = [this, request = mRequest] { searchEnded(request); };
     mServices.runLoop.performAfterDelay(searchLimit, weak_from_this(), ended);
@@ -152,7 +154,7 @@ void ScreenServer::connectToTicket(const Notification& notification)
         return;
     }
     leaveDevice();
-    takeOrder(kOtherDeviceName);
+    takeOrder({kOtherDeviceName, {}, {}}, false);
     mDeviceAddress = *address;
     connect({{*address, static_cast<std::uint16_t>(kMainDataTrafficPort), 0}});
 }
@@ -173,6 +175,8 @@ void ScreenServer::answerQuery(const Notification& /*notification*/)
         postDevice(kQueryResultForConnectedHost);
     else
         announceState();
+    if (mPairing != PairingReport{})
+        postPairing();
     // The setting of HiDPI resolutions is the system's: others may change it without a word.
     sendOptions();
 }
@@ -182,7 +186,6 @@ void ScreenServer::preferencesChanged(const Notification& /*notification*/)
     mAutoConnector->preferencesChanged();
     sendOptions();
     mPacketLog.setOn(mServices.preferences.logsScreenPackets());
-    beginScreen();
     if (mScreen)
         mScreen->preferencesChanged();
 }
@@ -195,6 +198,8 @@ void ScreenServer::takeRequest()
     mServices.chosenDevice.set({});
     mRequestedAt = mServices.runLoop.now();
     ++mRequest;
+    if (!mIsPairing)
+        setPairing(PairingReport::State::none);
 }
 
 void ScreenServer::keepChoice()
@@ -213,29 +218,32 @@ bool ScreenServer::isConnectedTo(const std::string& deviceName, const std::strin
     return mState == State::connected && mDeviceName == deviceName && mDeviceAddress == address;
 }
 
-/// Whether the user asks for the device that the server is connecting to by itself already.
+/// Whether the user asks for the device that the server is connecting to by itself already, or that
+/// the user is asked about.
 bool ScreenServer::tookOverAttempt(const std::string& hostName)
 {
-    if (mState != State::connecting || !mIsAutomatic || mDeviceName != hostName)
+    const bool isLeft = mPairing != PairingReport{} && !mIsPairing;
+    if (mState != State::connecting || isLeft || mDeviceName != hostName)
+        return false;
+    if (!mIsAutomatic && !mIsPairing)
         return false;
     mIsAutomatic = false;
     return true;
 }
 
-void ScreenServer::takeOrder(const std::string& deviceName)
+void ScreenServer::takeOrder(const Target& target, bool isAutomatic)
 {
-    mDeviceName = deviceName;
-    mIsAutomatic = false;
+    mDeviceName = target.deviceName;
+    mServiceName = target.serviceName;
+    mIsAutomatic = isAutomatic;
 }
 
-void ScreenServer::connectByItself(const std::string& deviceName,
-                                   const std::vector<Endpoint>& endpoints)
+void ScreenServer::connectByItself(const Target& target)
 {
-    mDeviceName = deviceName;
-    mDeviceAddress = endpoints.front().address;
-    mIsAutomatic = true;
+    takeOrder(target, true);
+    mDeviceAddress = target.endpoints.front().address;
     mServices.log.write(LogLevel::info, "Connecting to " + mDeviceName + " by itself");
-    connect(endpoints);
+    connect(target.endpoints);
 }
 
 /// Ends the connection or whatever is under way; says so when there was a connection.
@@ -244,7 +252,9 @@ void ScreenServer::leaveDevice()
     const State before = std::exchange(mState, State::idle);
     endScreen();
     if (before == State::connecting || before == State::connected)
-        mServices.link.disconnect(LinkGoodbyeCode::byUser, {});
+        mServices.link.disconnect(
+            mIsPairing ? LinkGoodbyeCode::notConfirmed : LinkGoodbyeCode::byUser, {});
+    pairingEnded();
     if (before == State::connected)
         announceState();
 }
@@ -256,6 +266,7 @@ void ScreenServer::search()
     for (const auto& service : mBrowser->activeServiceList()) {
         if (service->hostName() == mDeviceName && !service->endpoints().empty()) {
             mAutoConnector->userChose(mDeviceName);
+            mServiceName = service->name();
             connect(service->endpoints());
             return;
         }
@@ -271,7 +282,7 @@ void ScreenServer::searchEnded(unsigned request)
 void ScreenServer::connect(const std::vector<Endpoint>& endpoints)
 {
     mState = State::connecting;
-    mSentOptions = mayHaveOptions() ? std::optional(options()) : std::nullopt;
+    mSentOptions = options();
     mServices.link.connectTo(endpoints, mSentOptions);
 }
 
@@ -288,26 +299,22 @@ void ScreenServer::giveUp(const std::string& why)
     mAutoConnector->attemptFailed(mDeviceName);
 }
 
-void ScreenServer::deviceDidConnect(const std::string& address)
+void ScreenServer::deviceDidConnect(const ConnectedDevice& device)
 {
     if (mState != State::connecting)
         return;
     mState = State::connected;
     if (mDeviceName != kOtherDeviceName)
-        mDeviceAddress = address;
-    mServices.log.write(LogLevel::info, "Connected to " + mDeviceName + " at " + address);
+        mDeviceAddress = device.address;
+    mServices.log.write(LogLevel::info, "Connected to " + mDeviceName + " at " + device.address +
+                                            ", " + device.cipher);
+    keepDevice(device);
     if (!mIsAutomatic)
         keepChoice();
     mAutoConnector->connectionBegan();
     announceState();
     // They may have changed while the connection was made.
     sendOptions();
-}
-
-void ScreenServer::deviceDidNotConnect(const std::string& why)
-{
-    if (mState == State::connecting)
-        giveUp(why);
 }
 
 void ScreenServer::deviceDidDisconnect(const LinkEnd& end)
@@ -332,17 +339,9 @@ LinkOptions ScreenServer::options()
             preferences.enableHiDPIResolutions(), preferences.autoMoveWindowsBackOption()};
 }
 
-/// A device that the user never confirmed may bear a name from the user's list by chance, or by
-/// intent: connected by itself, it is not told how the user works. An address the user has typed.
-bool ScreenServer::mayHaveOptions()
-{
-    return !mIsAutomatic || mDeviceName == kOtherDeviceName ||
-           mAutoConnector->isConfirmed(mDeviceName);
-}
-
 void ScreenServer::sendOptions()
 {
-    if (mState != State::connected || !mayHaveOptions())
+    if (mState != State::connected)
         return;
     const LinkOptions now = options();
     if (now == mSentOptions)

@@ -5,6 +5,10 @@
 #include "Applications/ScreenCapture/ScreenSession.h"
 #include "Common/Bonjour/QLNBonjourBrowser.h"
 #include "Common/FVEPreferences.h"
+#include "Common/PairedPeers.h"
+#include "Common/Rules/PairingReport.h"
+#include "Link/PairingGuard.h"
+#include "Platform/Clock.h"
 #include "Platform/Log.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/RunLoop.h"
@@ -43,8 +47,9 @@ private:
 ///
 /// It connects to one device at a time. A new request replaces what is under way; while there is
 /// none, the server connects by itself: to the device that the user chose last and that was
-/// connected, else to those that the user ticked (`AutoConnector`). A device that the user
-/// confirmed becomes a monitor (`ScreenSession`). It ends by the terminate notification or by
+/// connected, else to those that the user ticked (`AutoConnector`). A device is its key: one that
+/// the user asks for and that is not known is compared with first, any other is left. One that
+/// shows pictures becomes a monitor (`ScreenSession`). It ends by the terminate notification or by
 /// `quit`, and by nothing else. Made with `std::make_shared`. Main thread only.
 class ScreenServer final : public DeviceLinkDelegate,
                            public AutoConnectServer,
@@ -61,6 +66,7 @@ public:
         DeviceLink& link;
         VirtualScreens& screens;
         Log& log;
+        Clock& clock;
         Preferences& storage; ///< for what the server keeps for itself
         /// The host name or address that the user chose and that was connected, until the user
         /// chooses otherwise: what a server finds there that starts after a crash.
@@ -93,15 +99,18 @@ public:
     /// Leaves the device with a goodbye, says so, and finishes. A second call does nothing.
     void quit();
 
-    void deviceDidConnect(const std::string& address) override;
-    void deviceDidNotConnect(const std::string& why) override;
+    LinkTrust deviceDidProveKey(const std::string& key) override;
+    std::optional<LinkGoodbye> mayNotAskUser() override;
+    void deviceShowsDigits(const std::string& digits) override;
+    void deviceDidConnect(const ConnectedDevice& device) override;
+    void deviceDidNotConnect(const LinkEnd& end) override;
     void deviceDidSend(const LinkFrame& frame) override;
     void deviceHasRoom() override;
     void deviceDidDisconnect(const LinkEnd& end) override;
     bool isIdle() const override { return mState == State::idle; }
     std::string chosenDevice() const override;
-    void connectByItself(const std::string& deviceName,
-                         const std::vector<Endpoint>& endpoints) override;
+    void connectByItself(const Target& target) override;
+    void strangerIsInSight(const std::string& serviceName) override;
 
 private:
     enum class State { waiting, idle, searching, connecting, connected, quitting };
@@ -123,19 +132,25 @@ private:
     bool isConnectedTo(const std::string& deviceName, const std::string& address) const;
     bool tookOverAttempt(const std::string& hostName);
     void leaveDevice();
-    void takeOrder(const std::string& deviceName);
+    void takeOrder(const Target& target, bool isAutomatic);
     void search();
     void searchEnded(unsigned request);
     void connect(const std::vector<Endpoint>& endpoints);
     void giveUp(const std::string& why);
+    void confirmDevice(const Notification& notification);
+    void refuseDevice(const Notification& notification);
+    void pairedDevicesChanged(const Notification& notification);
+    bool isComparing(const Notification& answer) const;
+    void pairingEnded();
+    void keepDevice(const ConnectedDevice& device);
+    void setPairing(PairingReport::State state, const std::string& digits = {});
+    void postPairing();
     void announceState();
     void post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {});
     void postDevice(const char* name);
     void finishWhenSaid();
     LinkOptions options();
-    bool mayHaveOptions();
     void sendOptions();
-    bool mayHaveScreen();
     void beginScreen();
     void endScreen();
     void postScreen();
@@ -152,7 +167,14 @@ private:
     std::string mDeviceName;
     /// Where it is: as typed for "Other", else as it was reached.
     std::string mDeviceAddress;
-    std::optional<LinkOptions> mSentOptions;
+    /// As the user knows it; empty for one that was asked for by its address.
+    std::string mServiceName;
+    ConnectedDevice mDevice; ///< while connected
+    PairedPeers mPaired;
+    PairingGuard mGuard;
+    PairingReport mPairing;
+    bool mIsPairing = false;
+    LinkOptions mSentOptions;
     /// As the device that is connected told it.
     std::optional<LinkDeviceScreen> mDeviceScreen;
     PacketLog mPacketLog;

@@ -45,7 +45,9 @@ void ScreenServer::postDevice(const char* name)
         mServices.runLoop.performAfterDelay(early, weak_from_this(), again);
         return;
     }
-    post(name, {{kDeviceNameKey, mDeviceName}, {kDeviceAddressKey, mDeviceAddress}});
+    post(name, {{kDeviceNameKey, mDeviceName},
+                {kDeviceAddressKey, mDeviceAddress},
+                {kCipherKey, mDevice.cipher}});
     postScreen();
 }
 
@@ -53,7 +55,7 @@ void ScreenServer::postScreen()
 {
     ScreenReport report = mScreen ? mScreen->report() : ScreenReport{};
     // The device is about to tell its screen.
-    if (mState == State::connected && !mScreen && mayHaveScreen())
+    if (mState == State::connected && !mScreen && mServices.link.hasFeature(kLinkScreenFeature))
         report.state = ScreenReport::State::coming;
     post(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
 }

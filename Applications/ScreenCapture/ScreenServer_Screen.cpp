@@ -33,16 +33,10 @@ void ScreenServer::deviceHasRoom()
         mScreen->linkHasRoom();
 }
 
-/// Whether the device shows pictures, and may know how the user works.
-bool ScreenServer::mayHaveScreen()
-{
-    return mServices.link.hasFeature(kLinkScreenFeature) && mayHaveOptions();
-}
-
 /// Once it has told its screen.
 void ScreenServer::beginScreen()
 {
-    if (mState != State::connected || mScreen || !mDeviceScreen || !mayHaveScreen())
+    if (mState != State::connected || mScreen || !mDeviceScreen)
         return;
     const std::string& device = mDeviceName == kOtherDeviceName ? mDeviceAddress : mDeviceName;
     mScreen = std::make_shared<ScreenSession>(

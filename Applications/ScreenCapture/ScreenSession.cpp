@@ -205,7 +205,7 @@ void ScreenSession::send(PictureThread::Frames frames)
 {
     for (LinkFrame& frame : frames) {
         mServices.packetLog.write(frame);
-        mServices.link.send(std::move(frame));
+        mServices.link.send(frame);
     }
     linkHasRoom();
 }

@@ -5,6 +5,8 @@ namespace farview
 
 StatusIcon statusIcon(const StatusIconInputs& inputs)
 {
+    if (inputs.asked)
+        return StatusIcon::question;
     if (!inputs.driverInstalled || inputs.currentState == 2)
         return StatusIcon::trouble;
     if (inputs.currentState == 0)

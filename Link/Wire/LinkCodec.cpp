@@ -3,6 +3,8 @@
 #include "Link/Wire/ByteReader.h"
 #include "Link/Wire/ScreenPacket.h"
 
+#include <algorithm>
+
 namespace farview
 {
 
@@ -13,6 +15,10 @@ enum FrameKind : std::uint8_t {
     options = 1,
     keepAlive = 2,
     goodbye = 3,
+    standing = 4,
+    commitment = 5,
+    nonce = 6,
+    confirmed = 7,
     screenRectangle = 16,
     frameEnd = 17,
     shown = 18,
@@ -88,6 +94,25 @@ FrameBody body(const LinkDeviceScreen& value)
                    2);
 }
 
+FrameBody body(const LinkStanding& value)
+{
+    return numbers(FrameKind::standing, {value.knowsPeer ? 1U : 0U}, 1);
+}
+
+FrameBody digestBody(FrameKind kind, const LinkDigest& value)
+{
+    return {kind, {value.begin(), value.end()}};
+}
+
+FrameBody body(const LinkCommitment& value)
+{
+    return digestBody(FrameKind::commitment, value.value);
+}
+
+FrameBody body(const LinkNonce& value) { return digestBody(FrameKind::nonce, value.value); }
+
+FrameBody body(const LinkConfirmed&) { return {FrameKind::confirmed, {}}; }
+
 /// Whether a payload of that size can belong to that kind at all.
 bool sizeFits(std::uint32_t kind, std::size_t size)
 {
@@ -100,7 +125,13 @@ bool sizeFits(std::uint32_t kind, std::size_t size)
     case FrameKind::deviceScreen:
         return size == 8;
     case FrameKind::keepAlive:
+    case FrameKind::confirmed:
         return size == 0;
+    case FrameKind::standing:
+        return size == 1;
+    case FrameKind::commitment:
+    case FrameKind::nonce:
+        return size == LinkDigest{}.size();
     case FrameKind::goodbye:
         return size >= 2 && size <= 2 + kLinkTextLimit;
     case FrameKind::screenRectangle:
@@ -126,7 +157,7 @@ std::optional<LinkFrame> readGoodbye(ByteReader& reader)
     auto text = readText(reader);
     if (!text)
         return std::nullopt;
-    const bool known = code <= static_cast<std::uint32_t>(LinkGoodbyeCode::brokenRule);
+    const bool known = code <= static_cast<std::uint32_t>(LinkGoodbyeCode::tooManyTries);
     return LinkGoodbye{known ? static_cast<LinkGoodbyeCode>(code) : LinkGoodbyeCode::byUser,
                        std::move(*text)};
 }
@@ -170,6 +201,20 @@ LinkShown readShown(ByteReader& reader)
     return {number, reader.number(4)};
 }
 
+std::optional<LinkFrame> readStanding(ByteReader& reader)
+{
+    const std::uint32_t value = reader.number(1);
+    return value <= 1 ? std::optional<LinkFrame>(LinkStanding{value == 1}) : std::nullopt;
+}
+
+LinkDigest readDigest(ByteReader& reader)
+{
+    LinkDigest digest{};
+    const ByteView bytes = reader.bytes(digest.size());
+    std::copy(bytes.begin(), bytes.end(), digest.begin());
+    return digest;
+}
+
 std::optional<LinkFrame> readFrame(std::uint32_t kind, ByteReader& reader)
 {
     switch (kind) {
@@ -187,6 +232,14 @@ std::optional<LinkFrame> readFrame(std::uint32_t kind, ByteReader& reader)
         return readPictureSize(reader);
     case FrameKind::deviceScreen:
         return readDeviceScreen(reader);
+    case FrameKind::standing:
+        return readStanding(reader);
+    case FrameKind::commitment:
+        return LinkCommitment{readDigest(reader)};
+    case FrameKind::nonce:
+        return LinkNonce{readDigest(reader)};
+    case FrameKind::confirmed:
+        return LinkConfirmed{};
     default:
         return readScreenRectangle(reader);
     }

@@ -4,6 +4,7 @@
 #include "Link/Wire/ScreenPacket.h"
 #include "Platform/Types/PixelRect.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -26,7 +27,14 @@ struct LinkKeepAlive {
     bool operator==(const LinkKeepAlive&) const = default;
 };
 
-enum class LinkGoodbyeCode : std::uint8_t { byUser = 0, quitting = 1, brokenRule = 2 };
+enum class LinkGoodbyeCode : std::uint8_t {
+    byUser = 0,
+    quitting = 1,
+    brokenRule = 2,
+    inUse = 3,        ///< the device serves another computer, or asks its user about one
+    notConfirmed = 4, ///< somebody said no, or nobody answered, or the peer is not who it should be
+    tooManyTries = 5, ///< no more strangers for some minutes
+};
 
 /// The last thing a side says. The text is foreign, printable and at most 200 bytes.
 struct LinkGoodbye {
@@ -81,30 +89,76 @@ struct LinkDeviceScreen {
     bool operator==(const LinkDeviceScreen&) const = default;
 };
 
+/// The feature that every side requires: TLS begins right after the answer.
+inline constexpr const char* kLinkEncryptionFeature = "encryption";
 /// The feature that must be agreed before anything of a picture is sent.
 inline constexpr const char* kLinkScreenFeature = "screen";
 /// The feature that must be agreed before rectangles are packed by zstd.
 inline constexpr const char* kLinkZstdFeature = "zstd";
 
+/// 32 bytes: a SHA-256, or a number that nobody can guess.
+using LinkDigest = std::array<std::uint8_t, 32>;
+
+/// Whether the side that says it knows the other's key.
+struct LinkStanding {
+    bool knowsPeer = false;
+
+    bool operator==(const LinkStanding&) const = default;
+};
+
+/// The device's: what its nonce will turn out to be.
+struct LinkCommitment {
+    LinkDigest value{};
+
+    bool operator==(const LinkCommitment&) const = default;
+};
+
+/// A number that was chosen for this pairing.
+struct LinkNonce {
+    LinkDigest value{};
+
+    bool operator==(const LinkNonce&) const = default;
+};
+
+/// The user of the side that says it has compared the digits and trusts the other.
+struct LinkConfirmed {
+    bool operator==(const LinkConfirmed&) const = default;
+};
+
 /// One message after the greeting.
 using LinkFrame = std::variant<LinkOptions, LinkKeepAlive, LinkGoodbye, LinkScreenRectangle,
-                               LinkFrameEnd, LinkPictureSize, LinkShown, LinkDeviceScreen>;
+                               LinkFrameEnd, LinkPictureSize, LinkShown, LinkDeviceScreen,
+                               LinkStanding, LinkCommitment, LinkNonce, LinkConfirmed>;
+
+enum class LinkSide { host, device };
+
+/// Whether it belongs to the introduction: before the two know each other nothing else is said but
+/// signs of life and goodbyes, and after that none of it.
+inline bool isOfIntroduction(const LinkFrame& frame)
+{
+    return std::holds_alternative<LinkStanding>(frame) ||
+           std::holds_alternative<LinkCommitment>(frame) ||
+           std::holds_alternative<LinkNonce>(frame) || std::holds_alternative<LinkConfirmed>(frame);
+}
 
 /// Who may say it.
 inline bool isFromHost(const LinkFrame& frame)
 {
     return !std::holds_alternative<LinkShown>(frame) &&
-           !std::holds_alternative<LinkDeviceScreen>(frame);
+           !std::holds_alternative<LinkDeviceScreen>(frame) &&
+           !std::holds_alternative<LinkCommitment>(frame);
 }
 inline bool isFromDevice(const LinkFrame& frame)
 {
-    return !isFromHost(frame) || std::holds_alternative<LinkKeepAlive>(frame) ||
+    return !isFromHost(frame) || isOfIntroduction(frame) ||
+           std::holds_alternative<LinkKeepAlive>(frame) ||
            std::holds_alternative<LinkGoodbye>(frame);
 }
 /// Whether it needs the feature `screen`.
 inline bool isOfPicture(const LinkFrame& frame)
 {
-    return isFromHost(frame) != isFromDevice(frame) && !std::holds_alternative<LinkOptions>(frame);
+    return isFromHost(frame) != isFromDevice(frame) &&
+           !std::holds_alternative<LinkOptions>(frame) && !isOfIntroduction(frame);
 }
 
 } // namespace farview

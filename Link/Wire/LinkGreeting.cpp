@@ -37,7 +37,14 @@ bool LinkAgreement::has(const std::string& feature) const
     return std::find(features.begin(), features.end(), feature) != features.end();
 }
 
-LinkGreeting ownGreeting() { return {.features = {{kLinkScreenFeature}, {kLinkZstdFeature}}}; }
+LinkGreeting ownGreeting(bool withPictures)
+{
+    LinkGreeting greeting{.features = {{kLinkEncryptionFeature, true}}};
+    if (withPictures)
+        greeting.features.insert(greeting.features.end(),
+                                 {{kLinkScreenFeature}, {kLinkZstdFeature}});
+    return greeting;
+}
 
 LinkGreeting probingGreeting()
 {

@@ -54,8 +54,8 @@ struct LinkRefusal {
 
 using LinkAnswer = std::variant<LinkAgreement, LinkRefusal>;
 
-/// What the programs of this version speak.
-LinkGreeting ownGreeting();
+/// What the programs of this version speak; without pictures what a device without a screen does.
+LinkGreeting ownGreeting(bool withPictures = true);
 
 /// The feature that no device ever offers: a host that requires it asks whether it would be served,
 /// and is refused in any case.

@@ -36,6 +36,8 @@ protected:
     {
         preferences.setCurrentState(1);
         preferences.setAutoConnectOption(true);
+        for (char name = 'A'; name <= 'Z'; ++name)
+            paired.add({link.key, std::string(1, name), {}, {}});
         makeServer();
     }
 
@@ -43,7 +45,7 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.virtualScreens, fake.log,
+                                   preferences, link, fake.virtualScreens, fake.log, fake.clock,
                                    fake.preferences, chosenDevice},
             ScreenServer::Ending{});
     }
@@ -57,9 +59,12 @@ protected:
         preferences.setAutoConnectOption(on);
         fake.runLoop.runUntilIdle();
     }
-    void confirm(const std::string& name)
+    std::vector<std::string> pairingReports() const
     {
-        ConfirmedDevices(fake.preferences).confirm(name, hostOf(name));
+        std::vector<std::string> reports;
+        for (const auto& post : center.postsNamed(kServerPairingDidChange))
+            reports.push_back(post.userInfo.at(kPairingReportKey));
+        return reports;
     }
     void announce(const std::vector<std::string>& names)
     {
@@ -149,6 +154,7 @@ protected:
     FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
     FVEPreferences preferences;
     FakeDeviceLink link;
+    PairedPeers paired{fake.preferences, PairedPeers::devices};
     KeptText chosenDevice;
     std::shared_ptr<ScreenServer> server;
 };
@@ -162,8 +168,8 @@ TEST_F(AutoConnectorTest, ConnectsToTheFirstDeviceOfTheListThatIsThere)
     accept();
     const auto posts = center.postsNamed(kServerConnectedToDevice);
     ASSERT_EQ(posts.size(), 1U);
-    const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, "b.local"},
-                                                               {kDeviceAddressKey, "192.0.2.2"}};
+    const DistributedNotificationCenter::TextUserInfo expected{
+        {kDeviceNameKey, "b.local"}, {kDeviceAddressKey, "192.0.2.2"}, {kCipherKey, link.cipher}};
     EXPECT_EQ(posts.front().userInfo, expected);
     advance(600);
     EXPECT_EQ(tried(), "B");
@@ -587,91 +593,69 @@ TEST_F(AutoConnectorTest, LeavesNothingBehindWhenItsServerIsDestroyed)
 
 // --- confirmed devices -----------------------------------------------------------------------
 
-TEST_F(AutoConnectorTest, TellsAConfirmedDeviceTheOptions)
-{
-    confirm("A");
-    connect({"A"}, {"A"});
-    EXPECT_TRUE(link.attempts.front().options);
-    EXPECT_THAT(link.sentOptions, IsEmpty()) << "they went with the connection";
-}
-
-TEST_F(AutoConnectorTest, TellsAnUnconfirmedDeviceNothingButTheGreeting)
+TEST_F(AutoConnectorTest, TellsTheOptionsTogetherWithTheConnection)
 {
     connect({"A"}, {"A"});
-    EXPECT_FALSE(link.attempts.front().options);
-    preferences.setEnableTouchDisplay(!preferences.enableTouchDisplay());
-    request(kQueryRequestForConnectedHost);
-    advance(600);
+    EXPECT_EQ(link.attempts.front().options.touch, preferences.enableTouchDisplay());
     EXPECT_THAT(link.sentOptions, IsEmpty());
 }
 
-TEST_F(AutoConnectorTest, TellsAnUnconfirmedDeviceTheOptionsOnceTheUserChoosesIt)
+TEST_F(AutoConnectorTest, LeavesADeviceAloneThatTheUserNeverConfirmedAndSaysSo)
 {
-    connect({"A"}, {"A"});
-    userChooses("A");
-    ASSERT_EQ(link.sentOptions.size(), 1U);
-    EXPECT_EQ(link.sentOptions.front().touch, preferences.enableTouchDisplay());
-    EXPECT_EQ(tried(), "A");
-    EXPECT_TRUE(ConfirmedDevices(fake.preferences).contains("A", "a.local"));
-}
-
-TEST_F(AutoConnectorTest, SendsAnUnconfirmedDeviceNoPictureBeforeTheUserChoosesIt)
-{
-    connect({"A"}, {"A"});
-    link.deviceSends(LinkDeviceScreen{1280, 800, 100, 60});
+    paired.forget("A");
+    start({"A"}, {"A"});
     advance(600);
-    EXPECT_THAT(fake.virtualScreens.monitors(), IsEmpty());
-    EXPECT_THAT(link.sent, IsEmpty());
-    userChooses("A");
-    EXPECT_THAT(fake.virtualScreens.monitors(), SizeIs(1));
+    EXPECT_EQ(tried(), "");
+    request(kQueryRequestForConnectedHost);
+    EXPECT_EQ(pairingReports(), std::vector<std::string>{"unconfirmed A"});
 }
 
-TEST_F(AutoConnectorTest, TellsTheOptionsWhenTheUserTookTheAttemptOver)
+TEST_F(AutoConnectorTest, ConnectsToADeviceAsSoonAsItIsConfirmed)
+{
+    paired.forget("A");
+    start({"A"}, {"A"});
+    paired.add({link.key, "A", {}, {}});
+    request(kPairedDevicesDidChange);
+    EXPECT_EQ(tried(), "A");
+    accept();
+    EXPECT_EQ(pairingReports(), std::vector<std::string>{"none "});
+}
+
+TEST_F(AutoConnectorTest, PrefersAConfirmedDeviceToAStrangerThatStandsHigher)
+{
+    paired.forget("A");
+    start({"A", "B"}, {"A", "B"});
+    EXPECT_EQ(tried(), "B");
+}
+
+TEST_F(AutoConnectorTest, TellsNobodyWhoBearsAConfirmedNameAnythingAndWarnsTheUser)
 {
     start({"A"}, {"A"});
-    userChooses("A");
-    accept();
-    EXPECT_EQ(link.sentOptions.size(), 1U);
+    link.key = std::string(64, 'e');
+    EXPECT_TRUE(std::holds_alternative<LinkGoodbye>(link.prove()));
+    link.fail({LinkEndReason::closedHere, ""});
+    EXPECT_EQ(pairingReports(), std::vector<std::string>{"changed A"});
+    EXPECT_EQ(errorCount(), 0) << "nobody asked for it";
+    advance(3);
+    EXPECT_EQ(tried(), "AA") << "the real one may come back";
 }
 
-TEST_F(AutoConnectorTest, TakesATickForAConfirmationWhileTheDeviceIsThere)
+TEST_F(AutoConnectorTest, NeverBeginsToCompareUnasked)
 {
-    start({"A"}, {});
-    choose({"A"});
-    ASSERT_EQ(tried(), "A");
-    EXPECT_TRUE(link.attempts.front().options);
-}
-
-TEST_F(AutoConnectorTest, TakesATickForNoneWhileTheDeviceIsAway)
-{
-    start();
-    choose({"A"});
-    announce({"A"});
-    ASSERT_EQ(tried(), "A");
-    EXPECT_FALSE(link.attempts.front().options);
-}
-
-TEST_F(AutoConnectorTest, TakesAnotherHostOfAConfirmedNameForAStranger)
-{
-    confirm("A");
-    FakeDevice stranger{"A", "stranger.local"};
-    fake.discovery.announce(std::vector{stranger});
-    choose({"A"});
-    start();
-    ASSERT_EQ(link.attempts.size(), 1U);
-    EXPECT_FALSE(link.attempts.front().options);
+    start({"A"}, {"A"});
+    EXPECT_EQ(link.prove(), LinkTrust(true));
+    EXPECT_TRUE(link.mayNotAskUser()) << "the device has forgotten this computer";
+    EXPECT_EQ(pairingReports(), std::vector<std::string>{"unconfirmed A"});
 }
 
 TEST_F(AutoConnectorTest, RemembersAfterARestartWhatTheUserConfirmed)
 {
     start({"A"}, {"A"});
-    userChooses("A");
     accept();
     server.reset();
     makeServer();
     start();
-    ASSERT_EQ(tried(), "AA");
-    EXPECT_TRUE(link.attempts.back().options);
+    EXPECT_EQ(tried(), "AA");
 }
 
 // --- strange lists ---------------------------------------------------------------------------
@@ -702,7 +686,6 @@ TEST_F(AutoConnectorTest, BringsBackTheDeviceThatTheUserChose)
         lose(reason);
         advance(3);
         EXPECT_EQ(tried(), expected += "A");
-        EXPECT_TRUE(link.attempts.back().options);
         center.forgetPosts();
         accept();
         EXPECT_EQ(center.countOf(kServerConnectedToDevice), 1);
@@ -734,7 +717,6 @@ TEST_F(AutoConnectorTest, BringsBackAnAddressThatTheUserTyped)
     advance(2);
     EXPECT_EQ(tried(), "AA");
     EXPECT_EQ(link.attempts.back().endpoints, link.attempts.front().endpoints);
-    EXPECT_TRUE(link.attempts.back().options);
     fail();
     advance(4);
     EXPECT_EQ(tried(), "AAA");
@@ -742,7 +724,8 @@ TEST_F(AutoConnectorTest, BringsBackAnAddressThatTheUserTyped)
     center.forgetPosts();
     accept();
     const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, kOtherDeviceName},
-                                                               {kDeviceAddressKey, "192.0.2.1"}};
+                                                               {kDeviceAddressKey, "192.0.2.1"},
+                                                               {kCipherKey, link.cipher}};
     ASSERT_EQ(center.countOf(kServerConnectedToDevice), 1);
     EXPECT_EQ(center.postsNamed(kServerConnectedToDevice).front().userInfo, expected);
 }

@@ -1,9 +1,11 @@
 #include "Applications/Doctor/DeviceProbe.h"
 
 #include "Applications/Device/DeviceServer.h"
-#include "Platform/Fake/FakeLog.h"
+#include "Link/Keys/PairingProof.h"
+#include "Platform/Fake/FakePlatform.h"
 #include "Tests/Applications/FakePublisher.h"
 #include "Tests/Link/LinkPeers.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +27,10 @@ protected:
     {
         settings.address = QHostAddress(QHostAddress::LocalHost);
         settings.port = 0;
-        server = std::make_shared<DeviceServer>(settings, publisher, log, quickTimes());
+        settings.keyPath = folder.path("device.pem");
+        const std::string key = hexadecimal(keyOfHost().fingerprint);
+        PairedPeers(fake.preferences, PairedPeers::computers).add({key, "", {}, {}});
+        server = std::make_shared<DeviceServer>(settings, publisher, fake.platform(), quickTimes());
         server->setObserver([this] { ++changes; });
         EXPECT_TRUE(server->start());
         changes = 0;
@@ -45,7 +50,8 @@ protected:
 
     DeviceSettings settings{"Desk", "desk-1234"};
     FakePublisher publisher;
-    FakeLog log;
+    TemporaryFolder folder;
+    FakePlatform fake;
     int changes = 0;
     std::shared_ptr<DeviceServer> server;
     std::shared_ptr<DeviceProbe> probe;
@@ -64,12 +70,12 @@ TEST_F(DeviceProbeTest, FindsADeviceReadyWithoutUsingIt)
 TEST_F(DeviceProbeTest, HearsThatADeviceIsInUseAndDoesNotDisturbItsUser)
 {
     const auto port = startDevice();
-    auto socket = std::make_unique<QTcpSocket>();
+    auto socket = std::make_unique<QSslSocket>();
     socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
     ASSERT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
     const auto user = std::make_shared<LinkRecorder>();
-    const auto link =
-        LinkConnection::make(LinkSide::host, std::move(socket), user, ownGreeting(), quickTimes());
+    const auto link = LinkConnection::make(LinkSide::host, std::move(socket), user, keyOfHost(),
+                                           ownGreeting(), quickTimes());
     ASSERT_TRUE(waitUntil([&] { return user->opened && server->status().usedBy; }));
     const auto answer = ask(port);
     EXPECT_EQ(answer.kind, Kind::refuses);
@@ -132,6 +138,20 @@ TEST_F(DeviceProbeTest, TellsSomethingThatAcceptsWhatItCannotServe)
                                              static_cast<qint64>(yes.size()));
     });
     EXPECT_EQ(ask(eager.serverPort()).kind, Kind::strange);
+}
+
+TEST_F(DeviceProbeTest, TellsADeviceThatMissesMoreThanAQuestionAsTooOld)
+{
+    const std::string words = "The device does not offer \"encryption\".";
+    ListeningServer old;
+    QObject::connect(&old, &QTcpServer::newConnection, [&] {
+        const Bytes no = encodeAnswer(LinkRefusal{LinkRefusalCode::noAgreement, words});
+        old.nextPendingConnection()->write(reinterpret_cast<const char*>(no.data()),
+                                           static_cast<qint64>(no.size()));
+    });
+    const auto answer = ask(old.serverPort());
+    EXPECT_EQ(answer.kind, Kind::tooOld);
+    EXPECT_EQ(answer.words, words);
 }
 
 TEST_F(DeviceProbeTest, MayBeDroppedWhileItAsks)

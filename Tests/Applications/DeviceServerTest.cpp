@@ -1,9 +1,11 @@
 #include "Applications/Device/DeviceServer.h"
 
-#include "Platform/Fake/FakeLog.h"
+#include "Link/Keys/PairingProof.h"
+#include "Platform/Fake/FakePlatform.h"
 #include "Tests/Applications/FakeGlass.h"
 #include "Tests/Applications/FakePublisher.h"
 #include "Tests/Link/LinkPeers.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,11 +24,11 @@ struct TestHost {
 
     explicit TestHost(std::uint16_t port)
     {
-        auto socket = std::make_unique<QTcpSocket>();
+        auto socket = std::make_unique<QSslSocket>();
         socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
         waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; });
-        link = LinkConnection::make(LinkSide::host, std::move(socket), seen, ownGreeting(),
-                                    quickTimes());
+        link = LinkConnection::make(LinkSide::host, std::move(socket), seen, keyOfHost(),
+                                    ownGreeting(), quickTimes());
     }
 };
 
@@ -39,11 +41,15 @@ protected:
         settings.hostName = "desk-1234";
         settings.port = 0;
         settings.address = QHostAddress(QHostAddress::LocalHost);
+        settings.keyPath = folder.path("device.pem");
+        const std::string key = hexadecimal(keyOfHost().fingerprint);
+        PairedPeers(fake.preferences, PairedPeers::computers).add({key, "", {}, {}});
     }
 
     void start()
     {
-        server = std::make_shared<DeviceServer>(settings, publisher, log, quickTimes(), shownOn);
+        server = std::make_shared<DeviceServer>(settings, publisher, fake.platform(), quickTimes(),
+                                                shownOn);
         server->setObserver([this] { ++changes; });
         ASSERT_TRUE(server->start());
     }
@@ -69,18 +75,29 @@ protected:
         return guest;
     }
     /// A connection that never says a word.
-    std::unique_ptr<QTcpSocket> silentSocket() const
+    std::unique_ptr<QSslSocket> silentSocket() const
     {
-        auto socket = std::make_unique<QTcpSocket>();
+        auto socket = std::make_unique<QSslSocket>();
         socket->connectToHost(QHostAddress(QHostAddress::LocalHost), server->status().port);
         waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; });
+        return socket;
+    }
+    /// A host of known key that introduced itself, and says nothing after that.
+    std::unique_ptr<QSslSocket> silentHost() const
+    {
+        auto socket = silentSocket();
+        EXPECT_TRUE(introduce(*socket, LinkSide::host, agreed));
+        EXPECT_TRUE(waitUntil([&] { return isUsed(); }));
         return socket;
     }
     bool isUsed() const { return server->status().usedBy.has_value(); }
 
     DeviceSettings settings;
     FakePublisher publisher;
-    FakeLog log;
+    TemporaryFolder folder;
+    FakePlatform fake;
+    FakeLog& log = fake.log;
+    LinkAgreement agreed{1, {kLinkEncryptionFeature}};
     FakeGlass glass;
     Glass* shownOn = nullptr;
     int changes = 0;
@@ -196,9 +213,7 @@ TEST_F(DeviceServerTest, IsFreeAgainWhenItsHostVanishes)
 TEST_F(DeviceServerTest, IsFreeAgainWhenItsHostFallsSilent)
 {
     start();
-    const auto stranger = silentSocket();
-    writeBytes(*stranger, encodeGreeting(ownGreeting()));
-    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    const auto stranger = silentHost();
     ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
     EXPECT_TRUE(log.contains("stopped answering"));
 }
@@ -218,7 +233,7 @@ TEST_F(DeviceServerTest, RefusesEveryHostWithTheUsersReason)
 TEST_F(DeviceServerTest, IsNotKeptFromAHostByConnectionsThatSayNothing)
 {
     start();
-    std::vector<std::unique_ptr<QTcpSocket>> strangers;
+    std::vector<std::unique_ptr<QSslSocket>> strangers;
     for (int count = 0; count < 12; ++count)
         strangers.push_back(silentSocket());
     const auto guest = host();
@@ -264,9 +279,7 @@ TEST_F(DeviceServerTest, SaysGoodbyeWhenItStops)
 TEST_F(DeviceServerTest, StopsInTimeWhateverTheOthersDo)
 {
     start();
-    const auto stranger = silentSocket();
-    writeBytes(*stranger, encodeGreeting(ownGreeting()));
-    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    const auto stranger = silentHost();
     bool stopped = false;
     server->stop([&] { stopped = true; });
     EXPECT_TRUE(waitUntil([&] { return stopped; }));
@@ -278,7 +291,7 @@ TEST_F(DeviceServerTest, LetsNobodyInWhileItStops)
     const std::uint16_t port = server->status().port;
     bool stopped = false;
     server->stop([&] { stopped = true; });
-    QTcpSocket late;
+    QSslSocket late;
     late.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
     ASSERT_TRUE(waitUntil([&] { return stopped; }));
     waitUntil([&] { return late.state() == QAbstractSocket::UnconnectedState; });
@@ -291,7 +304,7 @@ TEST_F(DeviceServerTest, WithoutAGlassItOffersNoPictures)
 {
     const auto guest = startWithAHost();
     ASSERT_TRUE(waitUntil([&] { return guest->seen->opened; }));
-    EXPECT_TRUE(guest->link->agreement().features.empty());
+    EXPECT_FALSE(guest->link->agreement().has(kLinkScreenFeature));
     EXPECT_FALSE(server->status().isPictureAgreed);
 }
 
@@ -356,11 +369,9 @@ TEST_F(DeviceServerTest, EndsThePictureOfAHostThatVanishesInTheMiddleOfAFrame)
 {
     shownOn = &glass;
     start();
-    auto stranger = silentSocket();
-    Bytes bytes = encodeGreeting(ownGreeting());
-    writeBytes(*stranger, bytes);
-    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
-    bytes = encodeFrame(LinkPictureSize{64, 64});
+    agreed.features.emplace_back(kLinkScreenFeature);
+    auto stranger = silentHost();
+    Bytes bytes = encodeFrame(LinkPictureSize{64, 64});
     const auto packet =
         encodeFrame(LinkScreenRectangle{{0, 0, 64, 64}, QLScreenEncodingLibz, Bytes(5000, 1)});
     bytes.insert(bytes.end(), packet.begin(), packet.begin() + 2000);
@@ -386,10 +397,9 @@ TEST_F(DeviceServerTest, ItsUserCanSendTheHostAway)
 TEST_F(DeviceServerTest, StopsWhileAHostThatDoesNotReadHasAPicture)
 {
     shownOn = &glass;
+    agreed.features.emplace_back(kLinkScreenFeature);
     start();
-    const auto stranger = silentSocket();
-    writeBytes(*stranger, encodeGreeting(ownGreeting()));
-    ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
+    const auto stranger = silentHost();
     writeBytes(*stranger, encodeFrame(LinkPictureSize{8, 8}));
     ASSERT_TRUE(waitUntil([&] { return glass.picture != nullptr; }));
     bool stopped = false;

@@ -288,6 +288,7 @@ TEST(DeviceFindings, FollowTheTable)
     const std::vector<std::tuple<Kind, std::string, Severity>> cases = {
         {Kind::ready, "ready", Severity::ok},
         {Kind::refuses, "refuses", Severity::problem},
+        {Kind::tooOld, "too-old", Severity::problem},
         {Kind::noAddress, "no-address", Severity::problem},
         {Kind::portClosed, "port-closed", Severity::problem},
         {Kind::unreachable, "unreachable", Severity::problem},

@@ -17,15 +17,14 @@ class FakeDeviceLink final : public DeviceLink
 public:
     struct Attempt {
         std::vector<Endpoint> endpoints;
-        std::optional<LinkOptions> options;
+        LinkOptions options;
     };
 
     void setDelegate(std::weak_ptr<DeviceLinkDelegate> delegate) override
     {
         mDelegate = std::move(delegate);
     }
-    void connectTo(const std::vector<Endpoint>& endpoints,
-                   const std::optional<LinkOptions>& options) override
+    void connectTo(const std::vector<Endpoint>& endpoints, const LinkOptions& options) override
     {
         attempts.push_back({endpoints, options});
     }
@@ -42,12 +41,21 @@ public:
     {
         return std::find(features.begin(), features.end(), feature) != features.end();
     }
-    void send(LinkFrame frame) override { sent.push_back(std::move(frame)); }
+    void send(const LinkFrame& frame) override { sent.push_back(frame); }
+    void confirm() override { ++confirmations; }
     bool hasRoom() const override { return room; }
 
     /// The device accepts, cannot be reached or refuses, or goes away.
-    void accept(const std::string& address) { mDelegate.lock()->deviceDidConnect(address); }
-    void fail(const std::string& why) { mDelegate.lock()->deviceDidNotConnect(why); }
+    void accept(const std::string& address)
+    {
+        mDelegate.lock()->deviceDidConnect({address, key, cipher, wasPaired});
+    }
+    void fail(const std::string& why) { fail({LinkEndReason::lost, why}); }
+    void fail(const LinkEnd& end) { mDelegate.lock()->deviceDidNotConnect(end); }
+    /// The device proves its key; what the server says.
+    LinkTrust prove() { return mDelegate.lock()->deviceDidProveKey(key); }
+    std::optional<LinkGoodbye> mayNotAskUser() { return mDelegate.lock()->mayNotAskUser(); }
+    void showDigits(const std::string& digits) { mDelegate.lock()->deviceShowsDigits(digits); }
     void end(LinkEndReason reason) { mDelegate.lock()->deviceDidDisconnect({reason, "the end"}); }
 
     void deviceSends(const LinkFrame& frame) { mDelegate.lock()->deviceDidSend(frame); }
@@ -59,6 +67,10 @@ public:
     }
 
     std::vector<std::string> features{kLinkScreenFeature, kLinkZstdFeature};
+    std::string key = std::string(64, 'd');
+    std::string cipher = "TLS_AES_256_GCM_SHA384";
+    bool wasPaired = false;
+    int confirmations = 0;
     bool room = true;
     std::vector<LinkFrame> sent;
     std::vector<Attempt> attempts;

@@ -26,7 +26,7 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.virtualScreens, fake.log,
+                                   preferences, link, fake.virtualScreens, fake.log, fake.clock,
                                    fake.preferences, chosenDevice},
             ScreenServer::Ending{[this] { ++quitting; }, [this] { ++finished; }});
     }
@@ -97,8 +97,8 @@ protected:
     {
         const auto posts = center.postsNamed(name);
         ASSERT_THAT(posts, SizeIs(1));
-        const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, deviceName},
-                                                                   {kDeviceAddressKey, address}};
+        const DistributedNotificationCenter::TextUserInfo expected{
+            {kDeviceNameKey, deviceName}, {kDeviceAddressKey, address}, {kCipherKey, link.cipher}};
         EXPECT_EQ(posts.front().userInfo, expected);
         EXPECT_EQ(posts.front().options, 3U);
         EXPECT_EQ(posts.front().object, "");
@@ -448,7 +448,7 @@ TEST_F(ScreenServerTest, SendsOptionsThatChangedDuringTheConnect)
 {
     start();
     requestTicket("192.0.2.9");
-    const bool before = link.attempts.front().options->touch;
+    const bool before = link.attempts.front().options.touch;
     preferences.setEnableTouchDisplay(!before);
     fake.runLoop.runUntilIdle();
     EXPECT_THAT(link.sentOptions, IsEmpty());

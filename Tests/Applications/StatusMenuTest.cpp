@@ -3,6 +3,7 @@
 #include "Applications/FarviewStatusItem/MenuLayout.h"
 #include "Common/FVEConstants.h"
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/PairingTexts.h"
 #include "Platform/Fake/FakePlatform.h"
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@
 using namespace farview;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using State = PairingReport::State;
 
 namespace
 {
@@ -61,6 +63,11 @@ protected:
     {
         hear(kServerConnectedToDevice,
              {{kDeviceNameKey, kOtherDeviceName}, {kDeviceAddressKey, address}});
+    }
+    void hearPairing(State state, const std::string& digits = "")
+    {
+        hear(kServerPairingDidChange,
+             {{kPairingReportKey, textOfPairingReport({state, digits, "Pad"})}});
     }
     /// On, with "Pad" on the network.
     void startWithPad()
@@ -181,6 +188,97 @@ TEST_F(StatusMenuTest, SaysNothingOfAMonitorWhileNoDeviceIsConnected)
     startWithPad();
     hear(kServerScreenDidChange, {{kScreenReportKey, "none"}});
     EXPECT_EQ(entries().at(1), "Turn Farview Off");
+}
+
+TEST_F(StatusMenuTest, BeginsWithTheQuestionAndItsAnswersWhileDigitsAreCompared)
+{
+    startWithPad();
+    hearPairing(State::comparing, "482913");
+    EXPECT_EQ(icon(), StatusIcon::question);
+    EXPECT_EQ(menu->display().headline, "Does Pad show 482\u00A0913?");
+    EXPECT_EQ(menu->display().sentence, pairingTexts(State::comparing).remedy);
+    EXPECT_THAT(entries(), ElementsAre("Does Pad show 482\u00A0913?!", "Yes, These Digits", "No",
+                                       "-", "Turn Farview Off", "-", "*No device selected", "Pad",
+                                       "-", "Open Farview Preferences…", "Quit"));
+    hearPairing(State::confirmed, "482913");
+    EXPECT_EQ(entries().at(0), "Now confirm it at Pad, too.!");
+    EXPECT_EQ(entries().at(1), "Cancel");
+    hear(kServerPairingDidChange, {{kPairingReportKey, "none "}});
+    connectTo("pad.local");
+    EXPECT_EQ(icon(), StatusIcon::connected);
+    EXPECT_EQ(entries().at(0), "Connected to Pad!");
+}
+
+TEST_F(StatusMenuTest, AnAnswerNamesTheDigitsThatItWasGivenTo)
+{
+    startWithPad();
+    hearPairing(State::comparing, "482913");
+    EXPECT_TRUE(click("Yes, These Digits"));
+    EXPECT_EQ(center.postsNamed(kConfirmDevice),
+              (std::vector<Post>{{kConfirmDevice, "", {{kDigitsKey, "482913"}}, 3}}));
+    EXPECT_TRUE(click("No"));
+    EXPECT_EQ(center.postsNamed(kRefuseDevice),
+              (std::vector<Post>{{kRefuseDevice, "", {{kDigitsKey, "482913"}}, 3}}));
+}
+
+TEST_F(StatusMenuTest, AnAnswerInAMenuThatIsStillOpenIsNoneToOtherDigits)
+{
+    startWithPad();
+    hearPairing(State::comparing, "482913");
+    const auto yes = entry("Yes, These Digits");
+    const auto no = entry("No");
+    for (const auto* later : {"482914", ""}) {
+        hearPairing(*later ? State::comparing : State::none, later);
+        choose(yes);
+        choose(no);
+    }
+    EXPECT_EQ(center.countOf(kConfirmDevice), 0);
+    EXPECT_EQ(center.countOf(kRefuseDevice), 0);
+}
+
+TEST_F(StatusMenuTest, SaysWhyADeviceIsNotTrustedAndLeadsToWhatCanBeDone)
+{
+    startWithPad();
+    hear(kRequestingErrorMsgFromPrefPane);
+    hearPairing(State::refusedThere);
+    const std::string refused = "Somebody said no at Pad. No picture was sent.";
+    EXPECT_EQ(menu->display().sentence, refused);
+    EXPECT_EQ(entries().at(1), refused + "!");
+    EXPECT_EQ(entries().at(2), "Turn Farview Off");
+    EXPECT_EQ(icon(), StatusIcon::trouble);
+}
+
+TEST_F(StatusMenuTest, SaysThatADeviceIsAnotherOneAndLeadsToThePanel)
+{
+    startWithPad();
+    hearPairing(State::changed);
+    EXPECT_EQ(icon(), StatusIcon::trouble) << "though nobody asked for a connection";
+    EXPECT_EQ(entries().at(1), "This is not the Pad that you confirmed. No picture was sent.!");
+    EXPECT_EQ(entries().at(2), "What to Do…");
+    EXPECT_TRUE(click("What to Do…"));
+    ASSERT_EQ(fake.workspace.opened().size(), 1u);
+    EXPECT_EQ(fake.workspace.opened()[0].path(), pane->bundlePath());
+}
+
+TEST_F(StatusMenuTest, AsksNoLongerWhenTheServerIsAnotherOneOrOff)
+{
+    const std::vector<std::function<void()>> ends = {
+        [this] {
+            hear(kServerDisconnectedFromDevice, {{kAwaitsRequestKey, "YES"}});
+        },
+        [this] {
+            center.disconnect();
+            center.reconnect();
+            fake.runLoop.runUntilIdle();
+        },
+        [this] { storeElsewhere(kCurrentState, std::int64_t{0}); }};
+    startWithPad();
+    for (const auto& end : ends) {
+        hearPairing(State::comparing, "482913");
+        EXPECT_EQ(icon(), StatusIcon::question);
+        end();
+        EXPECT_EQ(entry("Yes, These Digits"), nullptr);
+    }
 }
 
 TEST_F(StatusMenuTest, AConnectedDeviceThatIsFoundLaterIsMarkedThen)

@@ -12,6 +12,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <set>
 
@@ -19,6 +20,9 @@ using namespace farview;
 
 namespace
 {
+
+constexpr std::array everyIcon = {StatusIcon::off, StatusIcon::on, StatusIcon::connected,
+                                  StatusIcon::question, StatusIcon::trouble};
 
 /// The tray side of the status item, in this process, on a private bus.
 class TrayTest : public testing::Test
@@ -131,8 +135,7 @@ TEST_F(ShownTray, TheIconFollowsTheStateAndSaysSoOnlyWhenItChanges)
 TEST_F(ShownTray, EveryStateHasAnIconWhereTheTrayIsToldToLook)
 {
     const QString theme = watcher->property(item(), "IconThemePath").toString();
-    for (const StatusIcon icon :
-         {StatusIcon::off, StatusIcon::on, StatusIcon::connected, StatusIcon::trouble}) {
+    for (const StatusIcon icon : everyIcon) {
         tray->show(display(icon, {}));
         const QString name = watcher->property(item(), "IconName").toString();
         EXPECT_TRUE(QFile::exists(theme + u"/hicolor/symbolic/status/"_qs + name + u".svg"_qs))
@@ -143,8 +146,7 @@ TEST_F(ShownTray, EveryStateHasAnIconWhereTheTrayIsToldToLook)
 TEST_F(ShownTray, ATrayThatDoesNotKnowTheNameGetsPicturesThatDifferByState)
 {
     std::set<QByteArray> pictures;
-    for (const StatusIcon icon :
-         {StatusIcon::off, StatusIcon::on, StatusIcon::connected, StatusIcon::trouble}) {
+    for (const StatusIcon icon : everyIcon) {
         tray->show(display(icon, {}));
         const auto icons = qdbus_cast<DBusIcons>(watcher->property(item(), "IconPixmap"));
         ASSERT_EQ(icons.size(), 2);
@@ -154,7 +156,7 @@ TEST_F(ShownTray, ATrayThatDoesNotKnowTheNameGetsPicturesThatDifferByState)
         EXPECT_NE(icons[1].bytes.count('\0'), icons[1].bytes.size()) << "nothing to see";
         pictures.insert(icons[1].bytes);
     }
-    EXPECT_EQ(pictures.size(), 4u);
+    EXPECT_EQ(pictures.size(), everyIcon.size());
 }
 
 TEST_F(ShownTray, TheMenuShowsMarksAndWhatCannotBeChosen)

@@ -69,6 +69,7 @@ const Frozen frozenTexts[] = {
     FROZEN(kDeviceNameKey, "DeviceName"),
     FROZEN(kDeviceAddressKey, "DeviceAddress"),
     FROZEN(kAwaitsRequestKey, "AwaitsRequest"),
+    FROZEN(kCipherKey, "Cipher"),
     FROZEN(kScreenReportKey, "Screen"),
     FROZEN(kConnectToHostNameKey, "connectToHostName"),
     FROZEN(kConnectUsingTicketKey, "connectUsingTicket"),

@@ -168,36 +168,6 @@ TEST_F(AutoConnect, LeavesADeviceAloneThatTheUserDisconnected)
     EXPECT_TRUE(connectsTo("desk-7.local")) << "it went and returned" << everything();
 }
 
-TEST_F(AutoConnect, TellsADeviceTheOptionsOnlyAfterTheUserConfirmedIt)
-{
-    startNamed("Desk");
-    startServer();
-    ASSERT_TRUE(connectsTo("desk-7.local")) << everything();
-    ASSERT_TRUE(says("Desk", "Connected to the host"));
-    preferences->setEnableTouchDisplay(false);
-    runLoopFor(seconds(1));
-    ASSERT_THAT(text(logOf("Desk")), Not(HasSubstr("these options"))) << everything();
-
-    panel->connectTo("desk-7.local");
-    ASSERT_TRUE(says("Desk", "these options: retina windows-move-back")) << everything();
-
-    // The server that comes next remembers it.
-    panel->post(kTerminateScreenServer);
-    ASSERT_TRUE(serverEnded());
-    ASSERT_TRUE(says("Desk", "The host is gone")) << everything();
-    const auto count = [this] {
-        const std::string log = text(logOf("Desk"));
-        std::size_t found = 0;
-        for (auto at = log.find("these options"); at != std::string::npos;
-             at = log.find("these options", at + 1))
-            ++found;
-        return found;
-    };
-    const auto before = count();
-    startServer();
-    EXPECT_TRUE(waitUntil([&] { return count() > before; })) << everything();
-}
-
 TEST_F(AutoConnect, ConnectsWhenADeviceIsTicked)
 {
     preferences->setAutoConnectDevices({});

@@ -1,9 +1,11 @@
 // The real device on a display of its own, with a host that sends it a picture.
 
+#include "Platform/Fake/FakeLog.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
 #include "Screen/Codecs/JpegCodec.h"
 #include "Screen/Codecs/ZstdCodec.h"
 #include "Screen/PictureSender.h"
-#include "Tests/Link/LinkPeers.h"
+#include "Tests/Link/PairedBeforehand.h"
 #include "Tests/Screen/Scenes.h"
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/ScriptedScreenSaver.h"
@@ -37,6 +39,10 @@ protected:
     }
     void SetUp() override
     {
+        const ScopedEnvironment settings("XDG_CONFIG_HOME", folder.path("config").c_str());
+        FakeLog trouble;
+        FilePreferences stored(PreferencesLocations(EnvironmentUse::honoured), trouble);
+        pairBeforehand(stored, {});
         start();
         const auto isAnnounced = [this] { return log().find("Announced") != std::string::npos; };
         ASSERT_TRUE(waitUntil(isAnnounced)) << log();
@@ -51,7 +57,9 @@ protected:
             FARVIEW_BINARY_DIR "/farview-device"};
         // The session of somebody who speaks French.
         device = std::make_unique<ChildProcess>(
-            command, ChildProcess::Environment{{"LC_ALL", "fr_FR.UTF-8"}, {"LANGUAGE", "fr"}});
+            command, ChildProcess::Environment{{"LC_ALL", "fr_FR.UTF-8"},
+                                               {"LANGUAGE", "fr"},
+                                               {"XDG_CONFIG_HOME", folder.path("config")}});
     }
     std::string log() const
     {
@@ -65,12 +73,12 @@ protected:
         const std::string said = log();
         ASSERT_TRUE(std::regex_search(said, port, std::regex("Announced as .*port (\\d+)")))
             << said;
-        auto socket = std::make_unique<QTcpSocket>();
+        auto socket = std::make_unique<QSslSocket>();
         socket->connectToHost(QHostAddress(QHostAddress::LocalHost),
                               static_cast<quint16>(std::stoi(port[1])));
         ASSERT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
-        link = LinkConnection::make(LinkSide::host, std::move(socket), seen, ownGreeting(),
-                                    LinkTimes{});
+        link = LinkConnection::make(LinkSide::host, std::move(socket), seen, keyOfHost(),
+                                    ownGreeting(), LinkTimes{});
     }
     void beginPicture()
     {
@@ -83,8 +91,8 @@ protected:
     {
         const PixelRect whole = wholeOf(*frame);
         sender->noteDamage({&whole, 1});
-        for (auto& packet : sender->packetsFor(frame->view(), kBestPictureQuality, 0ms))
-            link->send(std::move(packet));
+        for (const auto& packet : sender->packetsFor(frame->view(), kBestPictureQuality, 0ms))
+            link->send(packet);
         link->send(LinkFrameEnd{++sent});
         return waitUntil([&] {
             const auto* shown = std::get_if<LinkShown>(&seen->frames.back());

@@ -1,6 +1,7 @@
 #include "Tests/Integration/PaneSystem.h"
 
 #include "Platform/Bundle.h"
+#include "Tests/Link/PairedBeforehand.h"
 #include "Tests/Support/Isolation.h"
 
 #include <algorithm>
@@ -73,6 +74,7 @@ PaneSystem::~PaneSystem()
 void PaneSystem::load()
 {
     desktop.emplace(DesktopPlatformOptions{});
+    pairBeforehand(*platform().preferences, {"Desk", "Sofa", "Spare", "Willing"});
     installed.emplace(platform());
     bundle = platform().bundles->bundleWithPath(bundlePath);
     ASSERT_NE(bundle, nullptr);

@@ -6,7 +6,7 @@
 #include "Platform/Posix/Processes/PosixProcessTable.h"
 #include "Platform/Posix/Settings/FilePreferences.h"
 #include "Tests/Integration/TestPanel.h"
-#include "Tests/Link/LinkPeers.h"
+#include "Tests/Link/PairedBeforehand.h"
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/Isolation.h"
 #include "Tests/Support/PrivateBus.h"
@@ -47,6 +47,8 @@ protected:
             std::make_unique<FilePreferences>(PreferencesLocations(EnvironmentUse::honoured), log);
         preferences = std::make_unique<FVEPreferences>(*stored, panel->center());
         preferences->setupDefaultValues();
+        if (areConfirmed)
+            pairBeforehand(*stored, {"Desk", "Sofa"});
     }
 
     std::unique_ptr<ChildProcess> start(const std::string& program,
@@ -86,11 +88,11 @@ protected:
     /// Connects to a device as another computer does; `anotherHost` tells what comes of it.
     std::shared_ptr<LinkConnection> occupyDevice(std::uint16_t port)
     {
-        auto socket = std::make_unique<QTcpSocket>();
+        auto socket = std::make_unique<QSslSocket>();
         socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
         EXPECT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
         auto link = LinkConnection::make(LinkSide::host, std::move(socket), anotherHost,
-                                         ownGreeting(), LinkTimes{});
+                                         keyOfHost(), ownGreeting(), LinkTimes{});
         EXPECT_TRUE(waitUntil([this] { return anotherHost->opened; }));
         return link;
     }
@@ -114,6 +116,8 @@ protected:
         return status && WIFEXITED(*status) && WEXITSTATUS(*status) == 0 && serverPid() == -1;
     }
 
+    /// Whether the users have confirmed computer and devices before.
+    bool areConfirmed = true;
     PosixProcessTable processTable;
     Platform platform;
     std::unique_ptr<Platform::Scope> scope;

@@ -67,7 +67,10 @@ protected:
     {
         return waitUntil([this] { return watcher.menu(item()).size() > 4; });
     }
-    void post(const char* name) { center.postNotificationName(name, "", {}, 3); }
+    void post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {})
+    {
+        center.postNotificationName(name, "", std::move(userInfo), 3);
+    }
     static bool ended(ChildProcess& process)
     {
         const auto status = process.waitForEnd(seconds(5));
@@ -130,6 +133,25 @@ TEST_F(StatusItemProgram, TurnsTheSystemOnAndOff)
     EXPECT_TRUE(waitUntil([this] { return preferences.currentState() == 0; }));
     EXPECT_TRUE(waitUntil([this] { return !serverRuns(); }));
     EXPECT_TRUE(endServer());
+    process->sendSignal(SIGTERM);
+    EXPECT_TRUE(ended(*process)) << said();
+}
+
+TEST_F(StatusItemProgram, AsksWhetherADeviceShowsTheSameDigitsAndPassesTheAnswerOn)
+{
+    preferences.setCurrentState(1);
+    const auto process = start();
+    ASSERT_TRUE(appears()) << said();
+    std::string confirmed;
+    const auto life = std::make_shared<int>();
+    center.addObserver(
+        life, [&](const Notification& heard) { confirmed = *heard.text(kDigitsKey); },
+        kConfirmDevice, "");
+    post(kServerPairingDidChange, {{kPairingReportKey, "comparing 482913 Desk"}});
+    ASSERT_TRUE(waitUntil([this] { return watcher.entry(item(), "Yes, These Digits").id != 0; }));
+    EXPECT_EQ(watcher.property(item(), "IconName"), "farview-question-symbolic");
+    watcher.click(item(), watcher.entry(item(), "Yes, These Digits").id);
+    EXPECT_TRUE(waitUntil([&] { return confirmed == "482913"; }));
     process->sendSignal(SIGTERM);
     EXPECT_TRUE(ended(*process)) << said();
 }

@@ -22,10 +22,11 @@ class Tablet final : public LinkConnectionDelegate, public std::enable_shared_fr
 public:
     bool listen()
     {
-        QObject::connect(&mServer, &QTcpServer::newConnection, &mServer, [this] { accept(); });
+        QObject::connect(&mServer, &LinkListener::newConnection, &mServer, [this] { accept(); });
         return mServer.listen(QHostAddress::Any, 6001);
     }
     void linkDidGreet(LinkConnection& connection) override { connection.accept(); }
+    LinkTrust linkDidProveKey(LinkConnection&) override { return true; }
     void linkDidOpen(LinkConnection& connection) override { connection.send(screen); }
     void linkDidReceive(LinkConnection&, const LinkFrame& frame) override
     {
@@ -61,11 +62,9 @@ public:
 private:
     void accept()
     {
-        std::unique_ptr<QTcpSocket> socket(mServer.nextPendingConnection());
-        socket->setParent(nullptr);
         ended.reset();
-        mLink = LinkConnection::make(LinkSide::device, std::move(socket), weak_from_this(),
-                                     ownGreeting(), LinkTimes{});
+        mLink = LinkConnection::make(LinkSide::device, mServer.next(), weak_from_this(),
+                                     keyOfDevice(), ownGreeting(), LinkTimes{});
     }
     void finish(std::uint32_t number)
     {
@@ -74,7 +73,7 @@ private:
             mLink->send(LinkShown{number, 1000});
     }
 
-    QTcpServer mServer;
+    LinkListener mServer;
     std::shared_ptr<LinkConnection> mLink;
     ZlibCodec mZlib;
     ZstdCodec mZstd;

@@ -95,8 +95,6 @@ protected:
     HostConnector connector{{milliseconds(1500), milliseconds(100)}};
 };
 
-} // namespace
-
 TEST_F(HostConnectorTest, HandsOverAConnectedSocket)
 {
     start({{kHere, server.serverPort()}});
@@ -172,3 +170,5 @@ TEST_F(HostConnectorTest, ReportsNothingAfterItsDestruction)
     runLoopFor(milliseconds(100));
     EXPECT_FALSE(reported);
 }
+
+} // namespace

@@ -19,10 +19,10 @@ protected:
                const LinkGreeting& deviceSpeaks = ownGreeting())
     {
         SocketPair sockets;
-        host = LinkConnection::make(LinkSide::host, std::move(sockets.host), atHost, hostSpeaks,
-                                    quickTimes());
+        host = LinkConnection::make(LinkSide::host, std::move(sockets.host), atHost, keyOfHost(),
+                                    hostSpeaks, times);
         device = LinkConnection::make(LinkSide::device, std::move(sockets.device), atDevice,
-                                      deviceSpeaks, quickTimes());
+                                      keyOfDevice(), deviceSpeaks, times);
     }
     void open(const LinkGreeting& hostSpeaks = ownGreeting())
     {
@@ -34,6 +34,7 @@ protected:
         return waitUntil([&] { return atHost->ended() && atDevice->ended(); });
     }
 
+    LinkTimes times = quickTimes();
     std::shared_ptr<LinkRecorder> atHost = std::make_shared<LinkRecorder>();
     std::shared_ptr<LinkRecorder> atDevice = std::make_shared<LinkRecorder>();
     std::shared_ptr<LinkConnection> host;
@@ -46,29 +47,27 @@ class LinkConnectionToStranger : public testing::Test
 protected:
     void beginHost()
     {
-        link = LinkConnection::make(LinkSide::host, std::move(sockets.host), seen, ownGreeting(),
-                                    quickTimes());
+        link = LinkConnection::make(LinkSide::host, std::move(sockets.host), seen, keyOfHost(),
+                                    ownGreeting(), quickTimes());
         stranger = sockets.device.get();
     }
     void beginDevice(const LinkGreeting& speaks = ownGreeting(),
                      const LinkTimes& times = quickTimes())
     {
-        link =
-            LinkConnection::make(LinkSide::device, std::move(sockets.device), seen, speaks, times);
+        link = LinkConnection::make(LinkSide::device, std::move(sockets.device), seen,
+                                    keyOfDevice(), speaks, times);
         stranger = sockets.host.get();
     }
-    void openDevice(const LinkGreeting& speaks = ownGreeting())
+    void openDevice(const std::vector<std::string>& features = {kLinkEncryptionFeature})
     {
-        beginDevice(speaks);
-        writeBytes(*stranger, encodeGreeting(speaks));
+        beginDevice();
+        ASSERT_TRUE(introduce(*stranger, LinkSide::host, {1, features}));
         ASSERT_TRUE(waitUntil([&] { return seen->opened; }));
-        ASSERT_TRUE(waitUntil([&] { return stranger->bytesAvailable() > 0; }));
-        stranger->readAll();
     }
     void openHost()
     {
         beginHost();
-        writeBytes(*stranger, encodeAnswer(LinkAgreement{}));
+        ASSERT_TRUE(introduce(*stranger, LinkSide::device, {1, {kLinkEncryptionFeature}}));
         ASSERT_TRUE(waitUntil([&] { return seen->opened; }));
     }
     Bytes received()
@@ -87,12 +86,10 @@ protected:
     }
 
     SocketPair sockets;
-    QTcpSocket* stranger = nullptr;
+    QSslSocket* stranger = nullptr;
     std::shared_ptr<LinkRecorder> seen = std::make_shared<LinkRecorder>();
     std::shared_ptr<LinkConnection> link;
 };
-
-} // namespace
 
 TEST_F(LinkConnectionTest, OpensOnBothSidesOnceTheDeviceAccepts)
 {
@@ -228,7 +225,7 @@ TEST_F(LinkConnectionTest, MayBeClosedFromInsideAReport)
 
 TEST_F(LinkConnectionTest, DoesNotSendAScreenRectangleThatWasNotAgreed)
 {
-    open({});
+    open(ownGreeting(false));
     host->send(LinkScreenRectangle{});
     host->send(LinkOptions{});
     ASSERT_TRUE(waitUntil([&] { return !atDevice->frames.empty(); }));
@@ -270,10 +267,15 @@ TEST_F(LinkConnectionToStranger, GivesUpOnAHostThatGreetsTooSlowly)
 TEST_F(LinkConnectionToStranger, UnderstandsAHostThatSendsByteByByte)
 {
     beginDevice(ownGreeting(), LinkTimes{});
-    for (const std::uint8_t byte : encodeGreeting(ownGreeting())) {
+    const Bytes greeting = encodeGreeting(ownGreeting());
+    for (const std::uint8_t byte : greeting) {
         writeBytes(*stranger, {byte});
         runLoopFor(std::chrono::milliseconds(1));
     }
+    Bytes agreed = readBytes(*stranger, 1);
+    agreed.insert(agreed.begin(), greeting.begin(), greeting.end());
+    ASSERT_TRUE(secure(*stranger, LinkSide::host, agreed, keyOfHost()));
+    writeBytes(*stranger, encodeFrame(LinkStanding{true}));
     ASSERT_TRUE(waitUntil([&] { return seen->opened; }));
     for (const std::uint8_t byte : encodeFrame(LinkOptions{true, true, false, false})) {
         writeBytes(*stranger, {byte});
@@ -312,9 +314,8 @@ TEST_F(LinkConnectionToStranger, DoesNotKeepWhatAStrangerPoursIn)
 
 TEST_F(LinkConnectionToStranger, RefusesAnAnswerFromWhichItsRequiredFeatureIsMissing)
 {
-    link = LinkConnection::make(LinkSide::host, std::move(sockets.host), seen,
-                                {1, 1, {{"encryption", true}}}, quickTimes());
-    writeBytes(*sockets.device, encodeAnswer(LinkAgreement{}));
+    beginHost();
+    writeBytes(*stranger, encodeAnswer(LinkAgreement{}));
     expectEnd(LinkEndReason::noAgreement);
     EXPECT_FALSE(seen->opened);
 }
@@ -356,7 +357,7 @@ TEST_F(LinkConnectionToStranger, TakesAnyFrameForASignOfLife)
 
 TEST_F(LinkConnectionToStranger, TakesThePiecesOfALargePictureForSignsOfLife)
 {
-    openDevice({1, 1, {{kLinkScreenFeature, false}}});
+    openDevice({kLinkEncryptionFeature, kLinkScreenFeature});
     const LinkFrame picture = LinkScreenRectangle{{0, 0, 1, 1}, 0, Bytes(80000, 7)};
     const Bytes bytes = encodeFrame(picture);
     for (std::size_t done = 0; done < bytes.size(); done += 10000) {
@@ -382,7 +383,7 @@ TEST_F(LinkConnectionToStranger, SaysGoodbyeToAPeerThatBreaksARule)
 
 TEST_F(LinkConnectionToStranger, DoesNotTakeAScreenRectangleThatWasNotAgreed)
 {
-    openDevice({});
+    openDevice();
     writeBytes(*stranger, encodeFrame(LinkScreenRectangle{}));
     expectEnd(LinkEndReason::brokenRule);
 }
@@ -431,3 +432,5 @@ TEST_F(LinkConnectionToStranger, HearsTheGoodbyeThatCameWithTheClose)
     expectEnd(LinkEndReason::goodbye);
     EXPECT_EQ(seen->ends.front().text, "switched off");
 }
+
+} // namespace

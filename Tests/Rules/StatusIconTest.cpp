@@ -30,6 +30,14 @@ TEST(StatusIcon, TroubleInTheSettingsOutweighsAConnection)
     EXPECT_EQ(statusIcon({true, 2, true, false}), StatusIcon::trouble);
 }
 
+TEST(StatusIcon, AQuestionOutweighsWhateverElseHolds)
+{
+    for (const bool driver : {false, true}) {
+        for (const long state : {0, 1, 2})
+            EXPECT_EQ(statusIcon({driver, state, true, true, true}), StatusIcon::question);
+    }
+}
+
 TEST(StatusIcon, AnEarlierFailureDoesNotOutweighAConnectionOrBeingOff)
 {
     EXPECT_EQ(statusIcon({true, 1, true, true}), StatusIcon::connected);

@@ -306,6 +306,18 @@ TEST_F(PanePairing, NothingStaleRemains)
     }
 }
 
+TEST_F(PanePairing, TheQuestionStaysWhenTheWatchdogFindsThatTheServerRunsAfterAll)
+{
+    showWithPad();
+    after(11);
+    ASSERT_EQ(switchState(), 0) << "no server was seen";
+    fake.processTable.add(4711, "ScreenCapture");
+    serverReports(comparing);
+    after(11);
+    ASSERT_EQ(switchState(), 1);
+    EXPECT_TRUE(boxShows());
+}
+
 TEST_F(PanePairing, TheSheetForAnAddressGivesWayToTheQuestion)
 {
     open();

@@ -53,7 +53,10 @@ private:
             post(kQueryResultForConnectedHost, {{kDeviceNameKey, "desk-7.local"},
                                                 {kDeviceAddressKey, "10.88.0.1"},
                                                 {kCipherKey, "TLS_AES_256_GCM_SHA384"}});
-        postReport();
+        else
+            post(kServerDisconnectedFromDevice, {});
+        if (report.state != State::none)
+            postReport();
     }
     void take(const Notification& request)
     {

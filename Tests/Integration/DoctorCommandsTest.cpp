@@ -75,6 +75,15 @@ private:
 class DoctorCommands : public ServerAndDevice
 {
 protected:
+    /// Nobody is confirmed yet.
+    void SetUp() override
+    {
+        ServerAndDevice::SetUp();
+        if (IsSkipped())
+            return;
+        for (const auto& device : devices().all())
+            devices().forget(device.key);
+    }
     DoctorRun run(const std::vector<std::string>& arguments) const
     {
         return {environment, arguments};

@@ -1,7 +1,10 @@
 #include "Applications/Device/DeviceArguments.h"
 
 #include "Applications/Device/DeviceNames.h"
+#include "Common/Rules/PairingReport.h"
 #include "Link/Wire/LinkCodec.h"
+
+#include <QRegularExpression>
 
 namespace farview
 {
@@ -13,6 +16,14 @@ Makes this computer a virtual-screen device for Farview: announces it on the
 local network, shows whether and by whom it is used, and accepts one host at a
 time.
 )");
+
+const auto exitStatuses = QStringLiteral(R"(
+Exit status:
+   0  it did what it was asked for
+   1  --accept: no device here shows these digits; --forget: there is no such
+      computer, or several are
+   2  wrong use
+   3  there is no port to listen on; --accept: no session bus)");
 
 const CommandLine::Options& options()
 {
@@ -34,6 +45,16 @@ const CommandLine::Options& options()
         {u"refuse"_qs, u"Refuse every host with this reason (for maintenance)"_qs, u"REASON"_qs},
         {u"unless-seen"_qs, u"End at once when another device is seen within that time"_qs,
          u"SECONDS"_qs},
+        {u"pair-once"_qs,
+         u"Let the next computer that asks use this device, for ten minutes: for a device that "
+         "nobody can touch. Its digits are to be compared at the computer"_qs},
+        {u"accept"_qs,
+         u"Tell the device that runs here that the computer shows these digits, and end"_qs,
+         u"DIGITS"_qs},
+        {u"known"_qs, u"List the computers that may use this device, and end"_qs},
+        {u"forget"_qs,
+         u"Take the computer whose key begins so off that list, and end (8 digits or more)"_qs,
+         u"KEY"_qs},
     };
     return list;
 }
@@ -52,11 +73,25 @@ bool readUnlessSeen(DeviceArguments& result, const std::string& value)
     return good;
 }
 
+bool readDigits(DeviceArguments& result, const std::string& value)
+{
+    result.acceptedDigits = withoutBlanks(value);
+    return arePairingDigits(*result.acceptedDigits);
+}
+
+bool readKey(DeviceArguments& result, const std::string& value)
+{
+    const QString key = QString::fromStdString(withoutBlanks(value)).toLower();
+    static const QRegularExpression hexadecimal(QStringLiteral("\\A[0-9a-f]{8,64}\\z"));
+    result.forgottenKey = key.toStdString();
+    return hexadecimal.match(key).hasMatch();
+}
+
 } // namespace
 
 DeviceArguments readDeviceArguments(const QStringList& words)
 {
-    CommandLine line(words, purpose, options(), {});
+    CommandLine line(words, purpose, options(), exitStatuses);
     DeviceArguments result;
     line.read("picture-file",
               [&](const auto& value) { return !(result.pictureFile = value)->empty(); });
@@ -68,6 +103,10 @@ DeviceArguments readDeviceArguments(const QStringList& words)
     line.read("port", [&](const auto& value) { return readNumber(value, result.port); });
     line.read("refuse", [&](const auto& value) { return readRefusal(result, value); });
     line.read("unless-seen", [&](const auto& value) { return readUnlessSeen(result, value); });
+    result.pairsOnce = line.has("pair-once");
+    line.read("accept", [&](const auto& value) { return readDigits(result, value); });
+    result.listsKnown = line.has("known");
+    line.read("forget", [&](const auto& value) { return readKey(result, value); });
     result.answer = line.answer();
     return result;
 }

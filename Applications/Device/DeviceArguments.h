@@ -23,6 +23,13 @@ struct DeviceArguments {
     std::optional<std::string> refusal;
     /// End at once when a device is seen within that many seconds.
     std::optional<double> unlessSeenWithin;
+    /// The next computer that asks is confirmed without a question.
+    bool pairsOnce = false;
+    /// Six digits that the user sees, for a device that runs already.
+    std::optional<std::string> acceptedDigits;
+    bool listsKnown = false;
+    /// How the key begins of the computer that is to be forgotten: at least 8 hexadecimal digits.
+    std::optional<std::string> forgottenKey;
     /// What to say instead of being a device.
     std::optional<CommandLineAnswer> answer;
 };

@@ -53,7 +53,7 @@ bool DeviceServer::start()
     if (mSettings.pairsOnce)
         mPairsOnceUntil = mPlatform.runLoop->now() + PairingGuard::memory;
     hasKey();
-    showComputers();
+    computersChanged();
     announce();
     return true;
 }

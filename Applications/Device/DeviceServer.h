@@ -34,7 +34,8 @@ struct DeviceSettings {
     std::optional<std::string> refusal = std::nullopt;
     /// Where the device's own key is kept.
     std::string keyPath = {};
-    /// The next computer that is not known is confirmed here without a press, within ten minutes.
+    /// The next computer that asks is confirmed here without a question: for a device that nobody
+    /// can touch. For one computer, and ten minutes.
     bool pairsOnce = false;
 };
 
@@ -103,6 +104,8 @@ public:
     bool acceptDigits(const std::string& digits);
     /// From now on the computer with that key has to be confirmed again; it is sent away.
     void forgetComputer(const std::string& key);
+    /// Somebody may have changed which computers are known: one that no longer is, is sent away.
+    void computersChanged();
 
     const DeviceStatus& status() const { return mStatus; }
     /// `changed` is called whenever the status has changed, never inside a call to the server but
@@ -141,7 +144,6 @@ private:
     void strangerLeft();
     void keepComputer(const LinkConnection& connection);
     Date today() const;
-    void showComputers();
     void takeOptions(const LinkOptions& options);
     void takePicture(LinkConnection& connection, const LinkFrame& frame);
     void awaitTurn();

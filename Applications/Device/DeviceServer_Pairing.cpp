@@ -103,8 +103,16 @@ bool DeviceServer::acceptDigits(const std::string& digits)
 void DeviceServer::forgetComputer(const std::string& key)
 {
     mComputers.forget(key);
-    showComputers();
-    if (mUser && mUser->peerKey() == key)
+    computersChanged();
+}
+
+void DeviceServer::computersChanged()
+{
+    DeviceStatus status = mStatus;
+    status.computers = mComputers.all();
+    tell(status);
+    if (mUser && mUser->isOpen() &&
+        trustIn(status.computers, mUser->peerKey(), {}) != PeerTrust::known)
         mUser->close({LinkGoodbyeCode::byUser, "The device's user removed this computer."});
 }
 
@@ -139,13 +147,6 @@ Date DeviceServer::today() const
 {
     const auto now = mPlatform.clock->date().time_since_epoch();
     return {std::chrono::duration<double>(now).count()};
-}
-
-void DeviceServer::showComputers()
-{
-    DeviceStatus status = mStatus;
-    status.computers = mComputers.all();
-    tell(status);
 }
 
 } // namespace farview

@@ -1,5 +1,6 @@
 #include "Applications/Device/DeviceWindow.h"
 
+#include "Applications/Device/PageParts.h"
 #include "Common/FVEConstants.h"
 
 #include <QKeyEvent>
@@ -8,6 +9,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include <algorithm>
 #include <utility>
 
 namespace farview
@@ -17,24 +19,14 @@ namespace
 {
 
 constexpr int windowWidth = 420;
+/// Room for some known computers.
+constexpr int listHeight = 400;
 constexpr double headlineScale = 1.6;
 /// How near to the upper edge the bar is asked for, in points: a finger's width.
 constexpr int edge = 24;
 constexpr std::chrono::seconds restAfter{3};
 /// A picture in a window leaves as much of the screen free.
 constexpr double partOfScreen = 0.75;
-
-/// Names and addresses are foreign: never markup.
-QLabel* plainLabel(QVBoxLayout& layout, const char* objectName)
-{
-    auto* label = new QLabel;
-    label->setObjectName(QString::fromLatin1(objectName));
-    label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    label->setWordWrap(true);
-    layout.addWidget(label);
-    return label;
-}
 
 void setText(QLabel& label, const QString& text)
 {
@@ -83,6 +75,8 @@ QString troubleText(const DeviceTexts& texts, const DeviceStatus& status)
     QStringList lines;
     if (!status.trouble.empty())
         lines += texts.text("This device cannot be announced: %@", {status.trouble});
+    if (!status.keyTrouble.empty())
+        lines += texts.text("No computer is let in: %@", {status.keyTrouble});
     if (status.port != 0 && status.port != kMainDataTrafficPort)
         lines += texts.text("Computers find this device by its name only: connecting by address "
                             "needs port %@.",
@@ -96,10 +90,16 @@ QString troubleText(const DeviceTexts& texts, const DeviceStatus& status)
 
 DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First first)
     : mTexts(texts), mActions(std::move(actions)), mFirst(first), mPages(new QStackedLayout(this)),
+      mStatusPage(new QWidget),
+      mQuestion(new PairingPage(texts, {mActions.confirm, mActions.refuse})),
+      mComputers(
+          new KnownComputersPage(texts, {mActions.forget, [this] { listComputers(false); }})),
       mView(new ScreenView)
 {
-    mPages->addWidget(makeStatusPage());
-    mPages->addWidget(mView);
+    for (QWidget* each : std::initializer_list<QWidget*>{mStatusPage, mQuestion, mComputers, mView})
+        mPages->addWidget(each);
+    fillStatusPage();
+    setPage(*mStatusPage);
     mView->setAccessibleName(texts.text("Picture of the other computer"));
     mBar = new PictureBar(texts,
                           {[this](bool isFitted) { mView->setFitted(isFitted); },
@@ -116,19 +116,20 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
     resize(smallSize());
 }
 
-QWidget* DeviceWindow::makeStatusPage()
+void DeviceWindow::fillStatusPage()
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
+    auto* layout = new QVBoxLayout(mStatusPage);
     mName = plainLabel(*layout, "deviceName");
     mUse = plainLabel(*layout, "deviceUse");
     mOptions = plainLabel(*layout, "deviceOptions");
     mTrouble = plainLabel(*layout, "deviceTrouble");
     layout->addStretch();
+    auto* known = fingerButton(*layout, "knownComputers", mTexts.text("&Known Computers…"));
+    layout->setAlignment(known, Qt::AlignLeft);
+    connect(known, &QPushButton::clicked, this, [this] { listComputers(true); });
     QFont large = mName->font();
     large.setPointSizeF(large.pointSizeF() * headlineScale);
     mName->setFont(large);
-    return page;
 }
 
 void DeviceWindow::showStatus(const DeviceStatus& status)
@@ -139,12 +140,72 @@ void DeviceWindow::showStatus(const DeviceStatus& status)
     setText(*mOptions, optionsText(mTexts, status));
     setText(*mTrouble, troubleText(mTexts, status));
     mBar->setDeviceName(status.announcedName);
+    mComputers->showComputers(status.computers);
+    mStatus = status;
+    showRightPage();
 }
 
 void DeviceWindow::closeEvent(QCloseEvent* event)
 {
     QWidget::closeEvent(event);
     mActions.closed();
+}
+
+// --- pages -----------------------------------------------------------------------------------
+
+QWidget* DeviceWindow::rightPage() const
+{
+    if (mView->hasPicture())
+        return mView;
+    if (mStatus.toConfirm)
+        return mQuestion;
+    return mListsComputers ? static_cast<QWidget*>(mComputers) : mStatusPage;
+}
+
+void DeviceWindow::showRightPage()
+{
+    QWidget* const page = rightPage();
+    if (page == mQuestion)
+        mQuestion->ask(*mStatus.toConfirm);
+    const QWidget* const before = mPages->currentWidget();
+    if (page == before)
+        return;
+    setPage(*page);
+    if (page == mQuestion)
+        comeForward();
+    else if (page != mView && (before == mView || before == mQuestion))
+        becomeWindow(smallSize());
+    else if (page == mComputers && !isMaximized())
+        resize(size().expandedTo(smallSize()));
+}
+
+/// Only the page that is seen says how small the window may be.
+void DeviceWindow::setPage(QWidget& page)
+{
+    for (int index = 0; index < mPages->count(); ++index)
+        mPages->widget(index)->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    page.setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    mPages->setCurrentWidget(&page);
+}
+
+void DeviceWindow::listComputers(bool isListed)
+{
+    mListsComputers = isListed;
+    showRightPage();
+}
+
+/// Wherever it was, it is seen now, and from a distance.
+void DeviceWindow::comeForward()
+{
+    const QRect room = QWidget::screen()->availableGeometry();
+    QRect place(geometry().topLeft(), room.size() * partOfScreen);
+    place.moveRight(std::min(place.right(), room.right()));
+    place.moveBottom(std::min(place.bottom(), room.bottom()));
+    setWindowState(windowState() & Qt::WindowMaximized);
+    if (!isMaximized())
+        setGeometry(place);
+    raise();
+    activateWindow();
 }
 
 // --- the screen ------------------------------------------------------------------------------
@@ -190,7 +251,7 @@ void DeviceWindow::beginPicture(const PictureReceiver& picture)
     mBar->setPictureSize(mView->pictureSize());
     if (!isFirst)
         return;
-    mPages->setCurrentWidget(mView);
+    showRightPage();
     fillScreen(mFirst == First::fillsScreen);
     raise();
     mRest.start();
@@ -212,8 +273,7 @@ void DeviceWindow::endPicture()
     mRest.stop();
     rest();
     mView->unsetCursor();
-    mPages->setCurrentIndex(0);
-    becomeWindow(smallSize());
+    showRightPage();
     mActions.pictureShown(false);
 }
 
@@ -231,7 +291,7 @@ void DeviceWindow::fillScreen(bool isFull)
 void DeviceWindow::becomeWindow(const QSize& size)
 {
     const QPoint place = isFullScreen() ? mPlace : geometry().topLeft();
-    setWindowState(Qt::WindowNoState);
+    setWindowState(windowState() & Qt::WindowMinimized);
     setGeometry({place, size});
 }
 
@@ -245,7 +305,8 @@ QSize DeviceWindow::sizeInWindow() const
 
 QSize DeviceWindow::smallSize() const
 {
-    return {windowWidth, mPages->widget(0)->sizeHint().height()};
+    const QWidget* const page = mPages->currentWidget();
+    return {windowWidth, page == mComputers ? listHeight : page->sizeHint().height()};
 }
 
 // --- bar, keys and mouse ---------------------------------------------------------------------
@@ -266,7 +327,7 @@ void DeviceWindow::resizeEvent(QResizeEvent* event)
 void DeviceWindow::keyPressEvent(QKeyEvent* event)
 {
     if (!mView->hasPicture())
-        return QWidget::keyPressEvent(event);
+        return leavePage(event);
     if (event->key() == Qt::Key_F11)
         fillScreen(!isFullScreen());
     else if (event->key() == Qt::Key_F10)
@@ -275,6 +336,17 @@ void DeviceWindow::keyPressEvent(QKeyEvent* event)
         mBar->hide();
     else if (event->key() == Qt::Key_Escape && isFullScreen())
         fillScreen(false);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void DeviceWindow::leavePage(QKeyEvent* event)
+{
+    const QWidget* const page = mPages->currentWidget();
+    if (event->key() == Qt::Key_Escape && page == mQuestion)
+        mActions.refuse();
+    else if (event->key() == Qt::Key_Escape && page == mComputers)
+        listComputers(false);
     else
         QWidget::keyPressEvent(event);
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Applications/Device/DeviceServer.h"
+#include "Applications/Device/KnownComputersPage.h"
+#include "Applications/Device/PairingPage.h"
 #include "Applications/Device/PictureBar.h"
 #include "Applications/Device/ScreenView.h"
 
@@ -17,6 +19,9 @@ namespace farview
 /// first picture it fills the screen. F11 and a double click change between the screen and a
 /// window, Escape leaves the screen, F10 or a touch of the upper edge brings the bar. All other
 /// keys are left to others.
+///
+/// While a computer that is not known yet waits for an answer, and there is no picture, the window
+/// comes to the front, large, and asks.
 class DeviceWindow final : public QWidget, public Glass
 {
 public:
@@ -24,6 +29,9 @@ public:
         std::function<void()> closed;     ///< by the user
         std::function<void()> disconnect; ///< the user wants to be rid of the host
         std::function<void(bool isShown)> pictureShown;
+        std::function<void()> confirm; ///< the computer that waits shows the same digits
+        std::function<void()> refuse;  ///< it does not, or is not to use the device
+        std::function<void(const std::string& key)> forget; ///< a known computer
     };
 
     /// What the first picture does to the window.
@@ -53,19 +61,30 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    QWidget* makeStatusPage();
+    void fillStatusPage();
+    QWidget* rightPage() const;
+    void showRightPage();
+    void setPage(QWidget& page);
+    void listComputers(bool isListed);
+    void comeForward();
     void followScreen();
     void fillScreen(bool isFull);
     void becomeWindow(const QSize& size);
     QSize sizeInWindow() const;
     QSize smallSize() const;
+    void leavePage(QKeyEvent* event);
     void openBarAt(const QPointF& place);
     void rest();
 
     const DeviceTexts& mTexts;
     Actions mActions;
     First mFirst;
+    DeviceStatus mStatus;
+    bool mListsComputers = false; ///< unless there is a question or a picture
     QStackedLayout* mPages;
+    QWidget* mStatusPage;
+    PairingPage* mQuestion;
+    KnownComputersPage* mComputers;
     QLabel* mName = nullptr;
     QLabel* mUse = nullptr;
     QLabel* mOptions = nullptr;

@@ -1,16 +1,20 @@
 #include "Applications/Device/AwakeScreen.h"
 #include "Applications/Device/DeviceArguments.h"
+#include "Applications/Device/DeviceCommands.h"
 #include "Applications/Device/DeviceNames.h"
 #include "Applications/Device/DeviceServer.h"
 #include "Applications/Device/DeviceWindow.h"
 #include "Applications/Device/OtherDevices.h"
+#include "Applications/Device/PairingConsole.h"
 #include "Applications/Device/PictureFile.h"
 #include "Applications/TerminationSignals.h"
+#include "Common/FVEDistributedNotifications.h"
 #include "Controls/Qt/DesktopLook.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
 #include "Platform/Desktop/Looks/AppearancePortal.h"
+#include "Platform/NotificationCenter.h"
 #include "Platform/Posix/Languages.h"
 #include "Platform/Posix/Settings/MachineIdentifier.h"
 
@@ -18,7 +22,10 @@
 #include <QSysInfo>
 
 #include <cstdio>
+#include <fcntl.h>
 #include <memory>
+#include <optional>
+#include <unistd.h>
 
 namespace
 {
@@ -44,6 +51,7 @@ DeviceSettings settingsFor(const DeviceArguments& arguments)
     settings.port = arguments.port;
     settings.refusal = arguments.refusal;
     settings.keyPath = ownKeyPath(PairedPeers::computers);
+    settings.pairsOnce = arguments.pairsOnce;
     return settings;
 }
 
@@ -94,6 +102,9 @@ private:
                                                  LinkTimes{}, glass);
         if (mHasWindow)
             showWindow();
+        else
+            askByText();
+        followCommands();
         if (!mServer->start()) {
             mPlatform.log->write(LogLevel::error, "There is no port to listen on");
             QCoreApplication::exit(noPort);
@@ -106,7 +117,10 @@ private:
         mWindow = std::make_unique<DeviceWindow>(
             mTexts,
             DeviceWindow::Actions{[this] { quit(); }, [this] { mServer->sendHostAway(); },
-                                  [this](bool isShown) { mAwake.keep(isShown); }},
+                                  [this](bool isShown) { mAwake.keep(isShown); },
+                                  [this] { mServer->confirmComputer(); },
+                                  [this] { mServer->refuseComputer(); },
+                                  [this](const auto& key) { mServer->forgetComputer(key); }},
             mArguments.isInWindow ? DeviceWindow::First::staysInWindow
                                   : DeviceWindow::First::fillsScreen);
     }
@@ -115,6 +129,34 @@ private:
         mServer->setObserver([this] { mWindow->showStatus(mServer->status()); });
         mWindow->showStatus(mServer->status());
         mWindow->show();
+    }
+    void askByText()
+    {
+        const auto say = [](const std::string& line) {
+            std::printf("%s\n", line.c_str());
+            std::fflush(stdout);
+        };
+        mConsole = std::make_unique<PairingConsole>(
+            STDIN_FILENO, PairingConsole::Actions{[this] { mServer->confirmComputer(); },
+                                                  [this] { mServer->refuseComputer(); }, say});
+        mServer->setObserver([this] { mConsole->showStatus(mServer->status()); });
+    }
+    /// From `--accept` and `--forget`, for example in a shell on a device whose window nobody can
+    /// reach.
+    void followCommands()
+    {
+        const auto accept = [this](const Notification& asked) {
+            const std::string* digits = asked.text(kDigitsKey);
+            if (digits && mServer->acceptDigits(*digits))
+                mPlatform.distributedNotificationCenter->postNotificationName(
+                    kComputerAccepted, "", {{kDigitsKey, *digits}},
+                    DistributedNotificationCenter::deliverImmediately |
+                        DistributedNotificationCenter::postToAllSessions);
+        };
+        const auto changed = [this](const Notification&) { mServer->computersChanged(); };
+        mPlatform.distributedNotificationCenter->addObserver(mLife, accept, kAcceptComputer, "");
+        mPlatform.distributedNotificationCenter->addObserver(mLife, changed,
+                                                             kPairedDevicesDidChange, "");
     }
 
     DeviceArguments mArguments;
@@ -130,6 +172,8 @@ private:
     std::unique_ptr<DeviceWindow> mWindow;
     std::unique_ptr<PictureFile> mFile;
     std::shared_ptr<DeviceServer> mServer;
+    std::unique_ptr<PairingConsole> mConsole;
+    std::shared_ptr<int> mLife = std::make_shared<int>(); ///< what is heard ends with it
 };
 
 int run(const DeviceArguments& arguments, bool hasWindow)
@@ -140,13 +184,35 @@ int run(const DeviceArguments& arguments, bool hasWindow)
     return QCoreApplication::exec();
 }
 
+/// What the program does instead of being a device: the status that it ends with.
+std::optional<int> runCommand(const DeviceArguments& arguments, int& argc, char** argv)
+{
+    if (arguments.answer)
+        return print(*arguments.answer);
+    if (arguments.listsKnown)
+        return listKnownComputers();
+    if (!arguments.acceptedDigits && !arguments.forgottenKey)
+        return std::nullopt;
+    const QCoreApplication application(argc, argv);
+    return arguments.acceptedDigits ? acceptDigits(*arguments.acceptedDigits)
+                                    : forgetComputer(*arguments.forgottenKey);
+}
+
+/// A standard input that is closed would be the next file that is opened, and be read from.
+void keepStandardInput()
+{
+    if (::fcntl(STDIN_FILENO, F_GETFD) < 0)
+        ::open("/dev/null", O_RDONLY);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    keepStandardInput();
     const DeviceArguments arguments = readDeviceArguments(CommandLine::words(argc, argv));
-    if (arguments.answer)
-        return print(*arguments.answer);
+    if (const auto status = runCommand(arguments, argc, argv))
+        return *status;
     if (arguments.isHeadless || !hasDisplay()) {
         const QCoreApplication application(argc, argv);
         return run(arguments, false);

@@ -44,17 +44,34 @@ private:
     void endElement(std::string_view name) override;
     void characters(std::string_view text) override;
 
+    void startFeed(std::string_view name, const char** attributes);
     std::string* fieldNamed(std::string_view name);
     void readEnclosure(const char** attributes);
     void endItem();
 
     std::vector<std::string> mOpen; ///< the names of the elements that are open
+    std::optional<Date> mSignedAt;
+    std::optional<Date> mExpires;
     std::vector<UpdateItem> mItems;
     UpdateItem mItem;
     std::string mNotes;            ///< of the item, as they stand in the feed
     std::string* mField = nullptr; ///< where the text of the open element goes
     bool mIsItem = false;
 };
+
+void Reading::startFeed(std::string_view name, const char** attributes)
+{
+    if (name != "rss")
+        return refuse("no RSS");
+    for (; attributes[0]; attributes += 2) {
+        if (isOwn(attributes[0], "signed"))
+            mSignedAt = dateFromText(attributes[1]);
+        else if (isOwn(attributes[0], "expires"))
+            mExpires = dateFromText(attributes[1]);
+    }
+    if (!mSignedAt || !mExpires)
+        refuse("it does not say when it was signed and when it expires");
+}
 
 std::string* Reading::fieldNamed(std::string_view name)
 {
@@ -83,8 +100,8 @@ void Reading::readEnclosure(const char** attributes)
 
 void Reading::startElement(std::string_view name, const char** attributes)
 {
-    if (mOpen.empty() && name != "rss")
-        return refuse("no RSS");
+    if (mOpen.empty())
+        startFeed(name, attributes);
     if (mOpen.size() == FeedReader::largestDepth)
         return refuse("nested too deeply");
     if (mOpen.size() + 1 == depthOfItems)
@@ -134,8 +151,8 @@ void Reading::characters(std::string_view text)
 FeedReader::Result Reading::run(std::string_view bytes)
 {
     if (!read(bytes, FeedReader::largestSize, Names::namespaced))
-        return {std::nullopt, reason()};
-    return {std::move(mItems), {}};
+        return {std::nullopt, {}, reason()};
+    return {std::move(mItems), {*mSignedAt, *mExpires}, {}};
 }
 
 } // namespace

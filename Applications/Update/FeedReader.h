@@ -11,11 +11,12 @@
 namespace farview
 {
 
-/// Reads feeds of updates: RSS 2.0 whose items carry a version, an archive and its signature.
+/// Reads feeds of updates: RSS 2.0 that says when it was signed and when it expires, and whose
+/// items carry a version, an archive and its signature.
 ///
-/// Anyone may have written them: see `XMLReading`, and the limits. An item without a version that
-/// can be compared or without an archive's address is passed over. Never throws; has no state; any
-/// thread.
+/// It trusts no feed, signed or not: see `XMLReading`, and the limits. An item without a version
+/// that can be compared or without an archive's address is passed over. Never throws; has no state;
+/// any thread.
 class FeedReader
 {
 public:
@@ -25,7 +26,8 @@ public:
 
     struct Result {
         std::optional<std::vector<UpdateItem>> items; ///< nothing when it was refused
-        std::string reason;                           ///< why, in a few words for the log
+        FeedDates dates;
+        std::string reason; ///< why, in a few words for the log
     };
 
     static Result read(std::string_view bytes);

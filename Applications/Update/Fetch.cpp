@@ -155,8 +155,7 @@ void Fetch::openAddress()
     mReply->setReadBufferSize(readAhead);
     connectReply();
     mSilence.start(mOrder.patience);
-    if (mOrder.deadline.count() > 0)
-        mDeadline.start(mOrder.deadline);
+    mDeadline.start(mOrder.deadline);
 }
 
 void Fetch::connectReply()

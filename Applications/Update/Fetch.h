@@ -23,8 +23,7 @@ struct FetchOrder {
     std::uint64_t largestSize = 0;   ///< in bytes
     UpdateProblem whenTooMuch{};     ///< the failure when more comes
     std::chrono::seconds patience{}; ///< how long the server may be silent
-    /// How long the whole transfer may take; 0: as long as something comes.
-    std::chrono::seconds deadline{};
+    std::chrono::seconds deadline{}; ///< how long the whole transfer may take
 };
 
 /// Gets one thing at a time into memory, over HTTPS or from a file. Redirections that

@@ -1,4 +1,4 @@
-// Makes keys and signs archives, for whoever makes a release.
+// Makes keys, signs archives and feeds, for whoever makes a release.
 
 #include "Applications/Update/Signature.h"
 #include "Platform/Posix/PropertyLists/PropertyListScalars.h"
@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace
@@ -19,10 +20,14 @@ using namespace farview;
 
 constexpr auto usage = R"(Usage: farview-sign --make-key KEY
        farview-sign --public-key KEY
+       farview-sign --sign-feed KEY FEED
+       farview-sign --open-feed KEY FEED
        farview-sign KEY FILE
 
   --make-key    write a new secret key to the file KEY, which must not exist, for its owner alone
   --public-key  print the public key that belongs to the secret one
+  --sign-feed   print FEED and, as its last line, its signature
+  --open-feed   print FEED without its last line, which must be its signature with KEY
   KEY FILE      print the signature of FILE
 
 A bundle whose Info.plist has the public key as SUPublicEDKey accepts what the secret key signed.
@@ -72,7 +77,10 @@ int printPublicKey(const std::string& path)
     return done;
 }
 
-int sign(const std::string& keyPath, const std::string& path)
+using Making = std::optional<std::string> (*)(const SigningKey& key, std::string_view bytes);
+
+/// Prints what is made of the file with the key.
+int print(const std::string& keyPath, const std::string& path, Making make)
 {
     const auto key = keyIn(keyPath);
     if (!key)
@@ -80,8 +88,27 @@ int sign(const std::string& keyPath, const std::string& path)
     const auto file = readWholeFile(path, largestFile);
     if (file.status != WholeFile::Status::read)
         return fail("cannot read " + path);
-    std::puts(key->signatureOf(file.bytes).c_str());
-    return done;
+    const auto text = make(*key, file.bytes);
+    if (!text)
+        return fail(path + " is no feed that this key signed");
+    std::fwrite(text->data(), 1, text->size(), stdout);
+    return std::fflush(stdout) == 0 ? done : fail("cannot write");
+}
+
+std::optional<std::string> signatureLine(const SigningKey& key, std::string_view bytes)
+{
+    return key.signatureOf(bytes) + "\n";
+}
+
+std::optional<std::string> signedFeed(const SigningKey& key, std::string_view feed)
+{
+    return key.signedFeed(feed);
+}
+
+std::optional<std::string> openedFeed(const SigningKey& key, std::string_view bytes)
+{
+    const auto feed = verifiedFeed(bytes, key.publicKey());
+    return feed ? std::optional(std::string(*feed)) : std::nullopt;
 }
 
 } // namespace
@@ -93,6 +120,10 @@ int main(int argc, char** argv)
         std::fputs(usage, stdout);
         return done;
     }
+    if (arguments.size() == 3 && arguments[0] == "--sign-feed")
+        return print(arguments[1], arguments[2], signedFeed);
+    if (arguments.size() == 3 && arguments[0] == "--open-feed")
+        return print(arguments[1], arguments[2], openedFeed);
     if (arguments.size() != 2) {
         std::fputs(usage, stderr);
         return wrongUse;
@@ -101,5 +132,5 @@ int main(int argc, char** argv)
         return makeKey(arguments[1]);
     if (arguments[0] == "--public-key")
         return printPublicKey(arguments[1]);
-    return sign(arguments[0], arguments[1]);
+    return print(arguments[0], arguments[1], signatureLine);
 }

@@ -21,6 +21,14 @@ unsigned char* unsignedBytes(Bytes& bytes)
     return reinterpret_cast<unsigned char*>(bytes.data());
 }
 
+constexpr std::string_view beforeFeedSignature = "<!-- farview:signature ";
+constexpr std::string_view afterFeedSignature = " -->\n";
+constexpr std::size_t signatureLength = 88; ///< in Base64
+constexpr auto feedSignatureLine =
+    beforeFeedSignature.size() + signatureLength + afterFeedSignature.size();
+
+Bytes signedBytesOf(std::string_view feed) { return "farview:feed\n" + Bytes(feed); }
+
 /// The bytes of a Base64 text; empty when there are not exactly that many.
 Bytes decoded(std::string_view text, std::size_t size)
 {
@@ -78,6 +86,14 @@ std::string SigningKey::signatureOf(std::string_view bytes) const
     return encoded(signature);
 }
 
+std::string SigningKey::signedFeed(std::string_view feed) const
+{
+    return Bytes(feed)
+        .append(beforeFeedSignature)
+        .append(signatureOf(signedBytesOf(feed)))
+        .append(afterFeedSignature);
+}
+
 bool isPublicKey(std::string_view publicKey)
 {
     return !decoded(publicKey, crypto_sign_PUBLICKEYBYTES).empty();
@@ -91,6 +107,18 @@ bool isSigned(std::string_view bytes, std::string_view signature, std::string_vi
         return false;
     return crypto_sign_verify_detached(unsignedBytes(std::string_view(mark)), unsignedBytes(bytes),
                                        bytes.size(), unsignedBytes(std::string_view(key))) == 0;
+}
+
+std::optional<std::string_view> verifiedFeed(std::string_view bytes, std::string_view publicKey)
+{
+    if (bytes.size() < feedSignatureLine)
+        return std::nullopt;
+    const auto feed = bytes.substr(0, bytes.size() - feedSignatureLine);
+    const auto line = bytes.substr(feed.size());
+    if (!line.starts_with(beforeFeedSignature) || !line.ends_with(afterFeedSignature))
+        return std::nullopt;
+    const auto signature = line.substr(beforeFeedSignature.size(), signatureLength);
+    return isSigned(signedBytesOf(feed), signature, publicKey) ? std::optional(feed) : std::nullopt;
 }
 
 } // namespace farview

@@ -28,6 +28,9 @@ public:
     std::string publicKey() const;
     /// The signature: 64 bytes in Base64.
     std::string signatureOf(std::string_view bytes) const;
+    /// The feed, with its signature as an XML comment in the last line. More than the feed's bytes
+    /// is signed, so that no other file's signature passes for a feed's.
+    std::string signedFeed(std::string_view feed) const;
 
 private:
     explicit SigningKey(std::string seed) : mSeed(std::move(seed)) {}
@@ -41,5 +44,9 @@ bool isPublicKey(std::string_view publicKey);
 /// Whether the bytes were signed with the secret key that belongs to the public one. Both texts are
 /// Base64; false when one of them is no key or no signature.
 bool isSigned(std::string_view bytes, std::string_view signature, std::string_view publicKey);
+
+/// The feed before its last line, when that line is its signature with the secret key that belongs
+/// to the public one; else nothing. Only the last line is read before that is known.
+std::optional<std::string_view> verifiedFeed(std::string_view bytes, std::string_view publicKey);
 
 } // namespace farview

@@ -5,7 +5,11 @@
 #include "Applications/Update/UpdateRun.h"
 #include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/PosixSystemVersion.h"
+#include "Platform/Posix/PropertyLists/PropertyListScalars.h"
+#include "Platform/Posix/Settings/FilePreferences.h"
+#include "Platform/Posix/StandardErrorLog.h"
 
+#include <ctime>
 #include <utility>
 
 namespace farview
@@ -15,7 +19,6 @@ namespace
 
 /// In bytes. The archive is held in memory until it is unpacked.
 constexpr std::uint64_t largestArchive = 100u << 20;
-constexpr std::chrono::seconds longestFeed{60};
 
 std::string systemVersion()
 {
@@ -25,6 +28,26 @@ std::string systemVersion()
     };
     return number(SystemVersionQuery::major) + "." + number(SystemVersionQuery::minor) + "." +
            number(SystemVersionQuery::bugFix);
+}
+
+std::string textOf(Date date) { return textFromDate(date).value_or("never"); }
+
+/// Remembers a feed that counts with the user's settings, for each key: an older one counts no
+/// more.
+std::optional<UpdateFailure> checkDates(const FeedDates& feed, const BundleFacts& facts)
+{
+    StandardErrorLog log("farview-update");
+    FilePreferences settings(PreferencesLocations(EnvironmentUse::honoured), log);
+    const std::string key = "newestFeed " + facts.publicKey;
+    const auto stored = settings.copyAppValue(key, facts.identifier);
+    const Date* newest = stored ? stored->get<Date>() : nullptr;
+    const Date now{static_cast<double>(std::time(nullptr))};
+    if (const auto problem = problemOf(feed, newest ? *newest : Date(), now))
+        return UpdateFailure{*problem, "signed " + textOf(feed.signedAt) + ", good until " +
+                                           textOf(feed.expires)};
+    settings.setAppValue(key, feed.signedAt, facts.identifier);
+    settings.appSynchronize(facts.identifier);
+    return std::nullopt;
 }
 
 QUrl addressFrom(const std::string& text)
@@ -43,7 +66,7 @@ void UpdateRun::start()
     if (auto failure = checkBundle())
         return fail(*failure);
     const FetchOrder order{mFeed, FeedReader::largestSize, UpdateProblem::tooLarge,
-                           mArguments.patience, longestFeed};
+                           mArguments.patience, 2 * mArguments.patience};
     mFetch.start(
         order, [](std::uint64_t) {},
         [this](const std::string& bytes, std::optional<UpdateFailure> failure) {
@@ -73,9 +96,15 @@ std::optional<UpdateFailure> UpdateRun::checkBundle()
 
 void UpdateRun::takeFeed(const std::string& bytes)
 {
-    const auto feed = FeedReader::read(bytes);
+    const auto genuine = verifiedFeed(bytes, mFacts.publicKey);
+    if (!genuine)
+        return fail(UpdateFailure{UpdateProblem::wrongSignature,
+                                  "the feed is not signed with the bundle's key"});
+    const auto feed = FeedReader::read(*genuine);
     if (!feed.items)
         return fail(UpdateFailure{UpdateProblem::feedUnreadable, feed.reason});
+    if (const auto failure = checkDates(feed.dates, mFacts))
+        return fail(*failure);
     const auto choice = chooseUpdate(*feed.items, mFacts.version, systemVersion());
     if (choice.kind == UpdateChoice::Kind::systemTooOld)
         return fail(UpdateFailure{UpdateProblem::systemTooOld, choice.offered});

@@ -10,6 +10,7 @@
 #include <sys/statvfs.h>
 
 #include <cerrno>
+#include <chrono>
 #include <utility>
 
 namespace farview
@@ -20,6 +21,8 @@ namespace
 /// How many times its length the disk must have free for an archive.
 constexpr std::uint64_t expansion = 10;
 constexpr int millisecondsBetweenReports = 100;
+/// In bytes per second: that of an ISDN line. A slower transfer counts as one that stalled.
+constexpr std::uint64_t slowestRate = 8000;
 
 std::optional<UpdateFailure> makePrivateFolder(const std::string& path)
 {
@@ -35,8 +38,9 @@ void UpdateRun::download()
     if (auto failure = makeRoom())
         return fail(*failure);
     mSinceProgress.start();
-    const FetchOrder order{
-        mArchive, mItem.length, UpdateProblem::wrongLength, mArguments.patience, {}};
+    const std::chrono::seconds transfer(mItem.length / slowestRate);
+    const FetchOrder order{mArchive, mItem.length, UpdateProblem::wrongLength, mArguments.patience,
+                           2 * mArguments.patience + transfer};
     mFetch.start(
         order, [this](std::uint64_t received) { takeProgress(received); },
         [this](const std::string& bytes, std::optional<UpdateFailure> failure) {

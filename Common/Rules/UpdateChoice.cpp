@@ -18,7 +18,23 @@ bool isNewer(const UpdateItem& item, const UpdateItem* than)
     return !than || compareVersions(item.version, than->version) > 0;
 }
 
+/// In seconds: a clock may tell another time zone's time.
+constexpr double largestAdvance = 24.0 * 60 * 60;
+
+bool isBefore(Date left, Date right) { return left.secondsSince1970 < right.secondsSince1970; }
+
 } // namespace
+
+std::optional<UpdateProblem> problemOf(const FeedDates& feed, Date newest, Date now)
+{
+    if (isBefore({now.secondsSince1970 + largestAdvance}, feed.signedAt))
+        return UpdateProblem::clock;
+    if (isBefore(feed.signedAt, newest))
+        return UpdateProblem::feedReplayed;
+    if (isBefore(feed.expires, now))
+        return UpdateProblem::feedExpired;
+    return std::nullopt;
+}
 
 UpdateChoice chooseUpdate(const std::vector<UpdateItem>& items, const std::string& installed,
                           const std::string& system)

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Platform/Types/PropertyList.h"
+#include "Platform/Types/UpdateProblem.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -7,6 +10,16 @@
 
 namespace farview
 {
+
+/// When a feed was signed, and until when it counts.
+struct FeedDates {
+    Date signedAt;
+    Date expires;
+};
+
+/// Why a genuine feed does not count now; nothing when it does. `newest` is when the newest feed
+/// was signed that this user has had; 1970 when there was none.
+std::optional<UpdateProblem> problemOf(const FeedDates& feed, Date newest, Date now);
 
 /// A version that a feed offers. All of it comes from outside.
 struct UpdateItem {

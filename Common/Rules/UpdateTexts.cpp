@@ -13,7 +13,7 @@ using Stage = UpdateStatus::Stage;
 constexpr const char* tryLater = "Try again later.";
 constexpr const char* nothingWasChanged = "Nothing was changed. Try again later.";
 constexpr const char* askTheSource = "Get new versions where you got this one.";
-constexpr const char* notGenuine = "The update that arrived is damaged or not genuine.";
+constexpr const char* notGenuine = "What the update server sent is damaged or not genuine.";
 
 struct ProblemTexts {
     UpdateProblem problem;
@@ -31,8 +31,15 @@ constexpr ProblemTexts problemTexts[] = {
     {UpdateProblem::server, "The update server cannot be reached or does not work.", tryLater},
     {UpdateProblem::certificate, "The update server could not prove that it is the right one.",
      "Check this computer's date and time. Where a network asks you to sign in, sign in first."},
-    {UpdateProblem::stalled, "The update server stopped sending.", tryLater},
+    {UpdateProblem::stalled, "The update server is too slow or stopped sending.", tryLater},
     {UpdateProblem::feedUnreadable, "What the update server sent cannot be read.", tryLater},
+    {UpdateProblem::feedExpired, "The list of updates is out of date.",
+     "Check this computer's date and time. If they are right, try again later, or get new versions "
+     "where you got this one."},
+    {UpdateProblem::feedReplayed, "The update server sent an older list of updates than before.",
+     tryLater},
+    {UpdateProblem::clock, "By this computer's clock, the list of updates comes from the future.",
+     "Check this computer's date and time."},
     {UpdateProblem::systemTooOld, "The new version needs a newer system than this one.",
      "Update the system first."},
     {UpdateProblem::managed, "Farview is installed for all users of this computer.",

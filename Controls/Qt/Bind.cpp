@@ -17,6 +17,7 @@
 #include "Controls/TabView.h"
 
 #include <QAbstractButton>
+#include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
 #include <QStyle>
@@ -133,6 +134,8 @@ protected:
     void adopt() override
     {
         mFileText = mButtonWidget->text();
+        if (mButtonWidget->shortcut() != QKeySequence::mnemonic(mFileText))
+            mKey = mButtonWidget->shortcut();
         mShownTitle = withoutShortcut(mFileText);
         mButton->setTitle(mShownTitle);
         mButton->setKind(mButtonWidget->isCheckable() ? Button::Kind::checkBox
@@ -148,6 +151,9 @@ protected:
             mShownTitle = mButton->title();
             const bool isFiles = mShownTitle == withoutShortcut(mFileText);
             mButtonWidget->setText(isFiles ? mFileText : plainMenuText(mShownTitle));
+            // A new text takes any shortcut away.
+            if (!mKey.isEmpty())
+                mButtonWidget->setShortcut(mKey);
         }
         if (mButtonWidget->isCheckable())
             mButtonWidget->setChecked(mButton->state() != 0);
@@ -157,6 +163,7 @@ private:
     std::shared_ptr<Button> mButton;
     QAbstractButton* mButtonWidget;
     QString mFileText;
+    QKeySequence mKey; ///< that the file names beside the text
     std::string mShownTitle;
 };
 

@@ -16,6 +16,9 @@ enum class UpdateProblem {
     certificate,
     stalled,
     feedUnreadable,
+    feedExpired,
+    feedReplayed, ///< it is older than one that came before
+    clock,        ///< this computer's is behind that of whoever signed the feed
     systemTooOld,
     managed, ///< the user may not write the bundle
     tooLarge,
@@ -37,7 +40,7 @@ struct UpdateProblemWord {
 };
 
 /// The words for it in what programs tell each other, and in settings.
-inline constexpr std::array<UpdateProblemWord, 20> updateProblemWords{{
+inline constexpr std::array<UpdateProblemWord, 23> updateProblemWords{{
     {"not-configured", UpdateProblem::notConfigured},
     {"insecure-address", UpdateProblem::insecureAddress},
     {"no-network", UpdateProblem::noNetwork},
@@ -45,6 +48,9 @@ inline constexpr std::array<UpdateProblemWord, 20> updateProblemWords{{
     {"certificate", UpdateProblem::certificate},
     {"stalled", UpdateProblem::stalled},
     {"feed-unreadable", UpdateProblem::feedUnreadable},
+    {"feed-expired", UpdateProblem::feedExpired},
+    {"feed-replayed", UpdateProblem::feedReplayed},
+    {"clock", UpdateProblem::clock},
     {"system-too-old", UpdateProblem::systemTooOld},
     {"managed", UpdateProblem::managed},
     {"too-large", UpdateProblem::tooLarge},

@@ -32,7 +32,8 @@ TEST(DeviceArguments, HaveDefaults)
     EXPECT_EQ(arguments.port, 6001);
     EXPECT_FALSE(arguments.name || arguments.hostName || arguments.refusal ||
                  arguments.unlessSeenWithin);
-    EXPECT_FALSE(arguments.isHeadless || arguments.isInWindow);
+    EXPECT_FALSE(arguments.isHeadless || arguments.isInWindow || arguments.pairsOnce ||
+                 arguments.listsKnown);
 }
 
 TEST(DeviceArguments, AreReadInBothSpellings)
@@ -60,6 +61,34 @@ TEST(DeviceArguments, AFileForPicturesTakesThePlaceOfTheWindow)
 TEST(DeviceArguments, PicturesMayStayInAWindow)
 {
     EXPECT_TRUE(argumentsOf({"--window"}).isInWindow);
+}
+
+TEST(DeviceArguments, MayLetOneComputerIn)
+{
+    EXPECT_FALSE(argumentsOf({}).pairsOnce);
+    EXPECT_TRUE(argumentsOf({"--pair-once", "--headless"}).pairsOnce);
+}
+
+TEST(DeviceArguments, TakeDigitsAsPeopleTypeThem)
+{
+    EXPECT_EQ(argumentsOf({}).acceptedDigits, std::nullopt);
+    for (const char* digits : {"482 913", "482913", " 4 82 913 "}) {
+        EXPECT_EQ(argumentsOf({"--accept", digits}).acceptedDigits, "482913") << digits;
+        EXPECT_FALSE(argumentsOf({"--accept", digits}).answer) << digits;
+    }
+    for (const char* digits : {"", "48291", "4829133", "48291a", "482-913"})
+        EXPECT_THAT(mistake({"--accept", digits}), HasSubstr("--accept cannot have")) << digits;
+}
+
+TEST(DeviceArguments, MayListAndForgetComputers)
+{
+    EXPECT_TRUE(argumentsOf({"--known"}).listsKnown);
+    EXPECT_EQ(argumentsOf({"--forget", "0A1B 2c3d"}).forgottenKey, "0a1b2c3d");
+    const std::string whole(64, 'f');
+    EXPECT_EQ(argumentsOf({"--forget", whole}).forgottenKey, whole);
+    for (const std::string key : {"", "0a1b2c3", "0a1b2c3g", "192.0.2.99"})
+        EXPECT_THAT(mistake({"--forget", key}), HasSubstr("--forget cannot have")) << key;
+    EXPECT_THAT(mistake({"--forget", whole + "f"}), HasSubstr("--forget cannot have"));
 }
 
 TEST(DeviceArguments, AllowAnyFreePort) { EXPECT_EQ(argumentsOf({"--port", "0"}).port, 0); }

@@ -41,16 +41,27 @@ protected:
         QTest::keyClick(focused ? focused : &window, key);
     }
 
+    void ask()
+    {
+        status.toConfirm = ComputerToConfirm{.digits = "482913", .address = "192.0.2.9"};
+        window.showStatus(status);
+    }
+
     DeviceStatus status{.announcedName = "Desk", .port = 6001};
     int closed = 0;
     int disconnects = 0;
     std::vector<bool> shown;
+    int confirmed = 0;
+    int refused = 0;
+    std::vector<std::string> forgotten;
     DeviceTexts texts{{"en"}};
     ZlibCodec zlib;
     PictureReceiver picture{320, 200, zlib, {}};
     DeviceWindow window{texts,
                         {[this] { ++closed; }, [this] { ++disconnects; },
-                         [this](bool isShown) { shown.push_back(isShown); }}};
+                         [this](bool isShown) { shown.push_back(isShown); },
+                         [this] { ++confirmed; }, [this] { ++refused; },
+                         [this](const auto& key) { forgotten.push_back(key); }}};
 };
 
 TEST_F(DeviceWindowTest, ShowsItsNameAndThatItIsFree)
@@ -109,6 +120,13 @@ TEST_F(DeviceWindowTest, ShowsTrouble)
     EXPECT_TRUE(label("deviceTrouble").isVisible());
 }
 
+TEST_F(DeviceWindowTest, SaysWhyNoComputerIsLetIn)
+{
+    status.keyTrouble = "The key is broken. Remove it.";
+    window.showStatus(status);
+    EXPECT_EQ(text("deviceTrouble"), "No computer is let in: The key is broken. Remove it.");
+}
+
 TEST_F(DeviceWindowTest, SaysWhyTheLastHostWasSentAway)
 {
     status.lastVerdict = HostPicture::Verdict::tooLarge;
@@ -154,7 +172,8 @@ TEST_F(DeviceWindowTest, FillsTheScreenWithTheFirstPictureOnly)
 
 TEST_F(DeviceWindowTest, APictureMayStayInTheWindowAndIsAskedForSmaller)
 {
-    DeviceWindow beside(texts, {[] {}, [] {}, [](bool) {}}, DeviceWindow::First::staysInWindow);
+    DeviceWindow beside(texts, {[] {}, [] {}, [](bool) {}, {}, {}, {}},
+                        DeviceWindow::First::staysInWindow);
     beside.move(40, 50);
     beside.show();
     const QSize half = beside.QWidget::screen()->size() / 2;
@@ -339,6 +358,112 @@ TEST_F(DeviceWindowTest, TheBarKeepsItsButtonsInANarrowWindow)
         EXPECT_GE(button(name).width(), button(name).sizeHint().width()) << name;
     EXPECT_LT(button("disconnectButton").geometry().right(), 420);
     window.endPicture();
+}
+
+// --- computers that ask and those that are known ----------------------------------------------
+
+TEST_F(DeviceWindowTest, AsksInALargeWindowAndIsSmallAgainAfterwards)
+{
+    window.move(600, 500);
+    const int width = window.width();
+    ask();
+    EXPECT_TRUE(label("pairingDigits").isVisible());
+    EXPECT_FALSE(label("deviceName").isVisible());
+    const QRect room = window.QWidget::screen()->availableGeometry();
+    EXPECT_EQ(window.size(), room.size() * 0.75);
+    EXPECT_TRUE(room.contains(window.geometry()));
+    status.toConfirm.reset();
+    window.showStatus(status);
+    EXPECT_TRUE(label("deviceName").isVisible());
+    EXPECT_EQ(window.width(), width);
+    EXPECT_LT(window.height(), room.height() / 2);
+}
+
+TEST_F(DeviceWindowTest, AMinimisedWindowComesForwardToAsk)
+{
+    window.setWindowState(Qt::WindowMinimized);
+    ask();
+    EXPECT_FALSE(window.isMinimized());
+    EXPECT_TRUE(window.isVisible());
+    window.setWindowState(Qt::WindowMinimized);
+    window.showStatus(status);
+    EXPECT_TRUE(window.isMinimized()) << "once for each question";
+    status.toConfirm.reset();
+    window.showStatus(status);
+    EXPECT_TRUE(window.isMinimized()) << "the end of the question is no reason to come";
+}
+
+TEST_F(DeviceWindowTest, AMaximisedWindowStaysSoWhileItAsks)
+{
+    window.setWindowState(Qt::WindowMaximized);
+    ask();
+    EXPECT_TRUE(window.isMaximized());
+}
+
+TEST_F(DeviceWindowTest, APictureIsNotDisturbedByAQuestion)
+{
+    window.beginPicture(picture);
+    ask();
+    EXPECT_TRUE(view().isVisible());
+    EXPECT_TRUE(window.isFullScreen());
+    window.endPicture();
+    EXPECT_TRUE(label("pairingDigits").isVisible()) << "its turn comes afterwards";
+    EXPECT_FALSE(window.isFullScreen());
+    window.beginPicture(picture);
+    EXPECT_TRUE(view().isVisible());
+    window.endPicture();
+}
+
+TEST_F(DeviceWindowTest, AClosedWindowDoesNotAsk)
+{
+    window.close();
+    ask();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(DeviceWindowTest, PassesTheAnswerOn)
+{
+    ask();
+    ASSERT_TRUE(waitUntil([this] { return button("pairingYes").isEnabled(); }));
+    button("pairingYes").click();
+    EXPECT_EQ(confirmed, 1);
+    button("pairingNo").click();
+    EXPECT_EQ(refused, 1);
+}
+
+TEST_F(DeviceWindowTest, EscapeMeansNo)
+{
+    ask();
+    press(Qt::Key_Escape);
+    EXPECT_EQ(refused, 1);
+    EXPECT_EQ(confirmed, 0);
+}
+
+TEST_F(DeviceWindowTest, ListsTheKnownComputersAndComesBack)
+{
+    status.computers = {{std::string(64, 'a'), "192.0.2.9", {}, {}}};
+    window.showStatus(status);
+    button("knownComputers").click();
+    EXPECT_FALSE(label("deviceName").isVisible());
+    ASSERT_TRUE(button("knownRemove").isVisible());
+    button("knownRemove").click();
+    EXPECT_THAT(forgotten, ElementsAre(std::string(64, 'a')));
+    button("knownBack").click();
+    EXPECT_TRUE(label("deviceName").isVisible());
+    button("knownComputers").click();
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(label("deviceName").isVisible());
+    EXPECT_EQ(refused, 0);
+}
+
+TEST_F(DeviceWindowTest, AQuestionComesBeforeTheList)
+{
+    button("knownComputers").click();
+    ask();
+    EXPECT_TRUE(label("pairingDigits").isVisible());
+    status.toConfirm.reset();
+    window.showStatus(status);
+    EXPECT_TRUE(button("knownBack").isVisible()) << "the user is where he was";
 }
 
 TEST(RateText, IsCountedNotPromised)

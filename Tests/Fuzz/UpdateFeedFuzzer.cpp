@@ -1,6 +1,7 @@
 // Feeds of updates, which whoever answers for the server can write.
 
 #include "Applications/Update/FeedReader.h"
+#include "Applications/Update/Signature.h"
 #include "Common/Rules/PlainNotes.h"
 #include "Common/Rules/VersionOrder.h"
 #include "Tests/Fuzz/Expect.h"
@@ -22,12 +23,22 @@ void expectPlain(const std::string& notes)
            "notes hold no control characters");
 }
 
+void expectThatOnlyTheKeySigns(std::string_view text)
+{
+    static const SigningKey key =
+        SigningKey::fromText("nWGxne/9WmC6hEr0kuwsxERJxWl7MmkZcDusAxyuf2A=").value();
+    expect(verifiedFeed(key.signedFeed(text), key.publicKey()) == text, "what was signed counts");
+    const auto feed = verifiedFeed(text, key.publicKey());
+    expect(!feed || key.signedFeed(*feed) == text, "nothing else does");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);
     expectPlain(plainNotes(text));
+    expectThatOnlyTheKeySigns(text);
     const auto feed = FeedReader::read(text);
     expect(feed.items.has_value() == feed.reason.empty(), "what is refused has a reason");
     if (!feed.items)

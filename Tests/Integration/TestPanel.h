@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/PairingReport.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
@@ -32,6 +33,10 @@ public:
                                  kQueryResultForConnectedHost, kRequestingErrorMsgFromPrefPane})
             mCenter.addObserver(
                 mLife, [this](const Notification& heard) { note(heard); }, name, "");
+        const auto pair = [this](const Notification& heard) {
+            pairing = pairingReport(heard.text(kPairingReportKey));
+        };
+        mCenter.addObserver(mLife, pair, kServerPairingDidChange, "");
     }
 
     void post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {})
@@ -59,6 +64,8 @@ public:
     DistributedNotificationCenter& center() { return mCenter; }
 
     std::vector<Report> reports;
+    /// The server's last word about it.
+    PairingReport pairing;
 
 private:
     void note(const Notification& heard)

@@ -69,7 +69,7 @@ protected:
                          {"SUFeedURL", server.address("updates.xml")},
                          {"SUPublicEDKey", key.publicKey()}});
     }
-    /// The same bundle as version 1.1, signed with that key.
+    /// The same bundle as version 1.1, its archive signed with that key.
     void publish(const SigningKey& signer)
     {
         fs::create_directories(home.path("release"));
@@ -78,7 +78,8 @@ protected:
         const std::string archive = packed(entriesOf(next));
         server.serve("archive.tar.xz", archive);
         server.serve("updates.xml",
-                     feedOf({offerOf(archive, "1.1", server.address("archive.tar.xz"), signer)}));
+                     key.signedFeed(feedOf(
+                         {offerOf(archive, "1.1", server.address("archive.tar.xz"), signer)})));
     }
     /// The panel on show, switched on, with the programs of its bundle running.
     void openWithPrograms()
@@ -194,7 +195,7 @@ TEST_F(InstalledUpdate, WhatAnotherKeySignedChangesNothingAndStopsNobody)
     sheet().firstButton()->performClick(nullptr);
     ASSERT_TRUE(shows("Farview was not updated.")) << report();
     EXPECT_EQ(sheet().detailText()->stringValue(),
-              "The update that arrived is damaged or not genuine.\n"
+              "What the update server sent is damaged or not genuine.\n"
               "Nothing was changed. Try again later.");
     EXPECT_EQ(snapshot(bundlePath), bundleBefore);
     EXPECT_EQ(servers().size(), 1u);

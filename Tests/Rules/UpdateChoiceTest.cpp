@@ -55,5 +55,31 @@ TEST(UpdateChoice, OfTwoItemsWithOneVersionTheFirstCounts)
     EXPECT_EQ(chooseUpdate({first, second}, "1.0", "10").item->address, "first");
 }
 
+TEST(UpdateChoice, AFeedCountsFromItsSigningUntilItExpiresAndNeverAfterANewerOne)
+{
+    constexpr double day = 24 * 60 * 60;
+    const FeedDates feed{{100 * day}, {190 * day}};
+    struct Row {
+        double now;
+        Date newest;
+        std::optional<UpdateProblem> problem;
+    };
+    const Row rows[] = {
+        {100 * day, Date(), std::nullopt},
+        {190 * day, Date(), std::nullopt},
+        {190 * day + 1, Date(), UpdateProblem::feedExpired},
+        {99 * day, Date(), std::nullopt},
+        {99 * day - 1, Date(), UpdateProblem::clock},
+        {0, Date(), UpdateProblem::clock},
+        {120 * day, Date{99 * day}, std::nullopt},
+        {120 * day, Date{100 * day}, std::nullopt},
+        {120 * day, Date{100 * day + 1}, UpdateProblem::feedReplayed},
+        {300 * day, Date{100 * day + 1}, UpdateProblem::feedReplayed},
+        {99 * day - 1, Date{100 * day}, UpdateProblem::clock},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(problemOf(feed, row.newest, Date{row.now}), row.problem) << row.now / day;
+}
+
 } // namespace
 } // namespace farview

@@ -412,7 +412,7 @@ TEST_F(PaneUpdates, AnUpdateThatFailsKeepsWhatTheLookCameTo)
     openAndDownload();
     updater->fail(UpdateProblem::wrongSignature);
     EXPECT_EQ(headline(), "Farview was not updated.");
-    EXPECT_EQ(detail(), "The update that arrived is damaged or not genuine.\n"
+    EXPECT_EQ(detail(), "What the update server sent is damaged or not genuine.\n"
                         "Nothing was changed. Try again later.");
     EXPECT_EQ(outcome(), "found");
 }

@@ -1,6 +1,7 @@
 #include "Tests/Update/Release.h"
 
 #include "Platform/Posix/PropertyLists/PropertyListFile.h"
+#include "Platform/Posix/PropertyLists/PropertyListScalars.h"
 #include "Platform/Posix/PropertyLists/PropertyListWriter.h"
 
 #include <archive.h>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -107,6 +109,11 @@ std::string itemOf(const Offer& offer)
     return item + " type=\"application/octet-stream\"/></item>\n";
 }
 
+std::string secondsFromNow(int seconds)
+{
+    return textFromDate({static_cast<double>(std::time(nullptr) + seconds)}).value();
+}
+
 PropertyList::Dictionary infoOf(const std::string& bundle)
 {
     const auto file = readDictionaryFile(bundle + "/Contents/Info.plist");
@@ -188,11 +195,12 @@ Offer offerOf(const std::string& archive, const std::string& version, const std:
     return offer;
 }
 
-std::string feedOf(const std::vector<Offer>& offers)
+std::string feedOf(const std::vector<Offer>& offers, int isSigned, int expires)
 {
     std::string feed = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<rss version=\"2.0\" "
-                       "xmlns:farview=\"urn:x-farview:updates\">"
-                       "<channel><title>Updates</title>\n";
+                       "xmlns:farview=\"urn:x-farview:updates\" farview:signed=\"" +
+                       secondsFromNow(isSigned) + "\" farview:expires=\"" +
+                       secondsFromNow(expires) + "\"><channel><title>Updates</title>\n";
     for (const auto& offer : offers)
         feed += itemOf(offer);
     return feed + "</channel></rss>\n";

@@ -46,8 +46,9 @@ struct Offer {
 /// The honest offer of an archive.
 Offer offerOf(const std::string& archive, const std::string& version, const std::string& address,
               const SigningKey& key);
-/// A feed with these items.
-std::string feedOf(const std::vector<Offer>& offers);
+/// A feed with these items, not signed yet, that says it was signed so many seconds from now and
+/// expires so many seconds from now.
+std::string feedOf(const std::vector<Offer>& offers, int isSigned = 0, int expires = 3600);
 
 /// A small bundle that an update is tried on: files, a program, an Info.plist. Returns its path.
 std::string makeBundle(const std::string& folder, const std::string& version,

@@ -43,6 +43,33 @@ TEST(Signature, WhatIsNoneVerifiesNothing)
     EXPECT_FALSE(isSigned("bytes", std::string(86, 'A') + "==", std::string(43, 'A') + "="));
 }
 
+TEST(Signature, OfAFeedIsItsLastLine)
+{
+    const auto key = SigningKey::generated().value();
+    for (const auto* feed : {"", "<rss/>\n", "<rss/>"}) {
+        const auto whole = key.signedFeed(feed);
+        EXPECT_TRUE(whole.starts_with(std::string(feed) + "<!-- farview:signature ")) << whole;
+        EXPECT_TRUE(whole.ends_with("= -->\n")) << whole;
+        EXPECT_EQ(verifiedFeed(whole, key.publicKey()), feed);
+        EXPECT_FALSE(verifiedFeed(whole, SigningKey::generated()->publicKey()));
+    }
+}
+
+TEST(Signature, AFeedCountsWholeAndUnchangedOnly)
+{
+    const auto key = SigningKey::generated().value();
+    const auto whole = key.signedFeed("<rss/>\n");
+    for (std::size_t index = 0; index < whole.size(); ++index) {
+        auto damaged = whole;
+        damaged[index] = static_cast<char>(damaged[index] ^ 1);
+        EXPECT_FALSE(verifiedFeed(damaged, key.publicKey())) << damaged;
+        EXPECT_FALSE(verifiedFeed(whole.substr(0, index), key.publicKey())) << index;
+    }
+    EXPECT_FALSE(verifiedFeed(" " + whole, key.publicKey()));
+    EXPECT_FALSE(verifiedFeed(whole + "\n", key.publicKey()));
+    EXPECT_FALSE(isSigned("<rss/>\n", whole.substr(whole.size() - 93, 88), key.publicKey()));
+}
+
 TEST(Signature, KnowsKeysWhenItSeesThem)
 {
     const auto key = SigningKey::generated().value();

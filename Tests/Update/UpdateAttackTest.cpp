@@ -305,6 +305,20 @@ TEST_F(UpdateAttack, AServerThatFallsSilent)
     EXPECT_TRUE(isUntouched());
 }
 
+TEST_F(UpdateAttack, AServerThatTrickles)
+{
+    const std::string most(5000, ' ');
+    publish(most);
+    for (const char* path : {"archive.tar.xz", "updates.xml"}) {
+        server.serve(path, UpdateServer::Answer{200, most, {}, {}, {}, true});
+        // Silence would end it after two seconds, slowness does after four.
+        const auto run = start({"--patience", "2"});
+        run->say("download");
+        EXPECT_EQ(run->outcome(), "stalled") << run->printed();
+    }
+    EXPECT_TRUE(isUntouched());
+}
+
 TEST_F(UpdateAttack, AServerThatDoesNotDeliver)
 {
     EXPECT_EQ(update(), "server") << printed;
@@ -318,6 +332,65 @@ TEST_F(UpdateAttack, AServerThatDoesNotDeliver)
 
 // The feed.
 
+TEST_F(UpdateAttack, AFeedThatIsNotSignedAsOne)
+{
+    const auto archive = packed(release("1.1"));
+    publish(archive);
+    const auto feed = feedOf({offer(archive, "1.1")});
+    const auto genuine = key.signedFeed(feed);
+    const auto line = genuine.substr(feed.size());
+    auto asAnArchive = genuine;
+    const auto signature = key.signatureOf(feed);
+    asAnArchive.replace(genuine.size() - signature.size() - 5, signature.size(), signature);
+    const auto other = feedOf({offer(archive, "1.1")}, -60);
+    for (const auto& served :
+         {feed, SigningKey::generated()->signedFeed(feed), asAnArchive, changed(genuine),
+          genuine.substr(0, genuine.size() - 1), genuine.substr(0, genuine.size() / 2), line,
+          genuine + "\n", other + line, feed + line + line}) {
+        server.serve("updates.xml", served);
+        EXPECT_EQ(update(), "wrong-signature") << served;
+    }
+    EXPECT_FALSE(server.wasAskedFor("archive.tar.xz"));
+    EXPECT_TRUE(isUntouched());
+}
+
+TEST_F(UpdateAttack, AFeedThatHasExpired)
+{
+    const auto archive = packed(release("1.1"));
+    publish(archive);
+    publishFeed(feedOf({offer(archive, "1.1")}, -7200, -3600));
+    EXPECT_EQ(update(), "feed-expired") << printed;
+    EXPECT_TRUE(isUntouched());
+}
+
+TEST_F(UpdateAttack, AFeedFromTheFuture)
+{
+    constexpr int hour = 3600;
+    const auto archive = packed(release("1.1"));
+    publish(archive);
+    publishFeed(feedOf({offer(archive, "1.1")}, 25 * hour, 1000 * hour));
+    EXPECT_EQ(update(), "clock") << printed;
+    EXPECT_TRUE(isUntouched());
+    // It does not count as one that was seen. As far as a time zone is no reason.
+    publishFeed(feedOf({offer(archive, "1.1")}, 14 * hour, 1000 * hour));
+    EXPECT_EQ(start({"--check-only"})->outcome(), "found");
+}
+
+TEST_F(UpdateAttack, AFeedThatWithholdsWhatANewerOneListed)
+{
+    const auto archive = packed(release("1.1"));
+    const auto older = key.signedFeed(feedOf({offer("", "1.0")}, -60));
+    publish(archive);
+    const auto newest = key.signedFeed(feedOf({offer(archive, "1.1")}));
+    for (int round = 0; round < 2; ++round) {
+        server.serve("updates.xml", newest);
+        EXPECT_EQ(start({"--check-only"})->outcome(), "found");
+        server.serve("updates.xml", older);
+        EXPECT_EQ(update(), "feed-replayed") << printed;
+    }
+    EXPECT_TRUE(isUntouched());
+}
+
 TEST_F(UpdateAttack, FeedsThatAreNone)
 {
     std::string bomb = "<!DOCTYPE rss [<!ENTITY a0 \"x\">";
@@ -330,7 +403,7 @@ TEST_F(UpdateAttack, FeedsThatAreNone)
         deep += "<rss>";
     for (const auto& feed : {std::string(), std::string("garbage"), std::string(1000, '\0'),
                              std::string("<html/>"), std::string("<rss><channel>"), bomb, deep}) {
-        server.serve("updates.xml", feed);
+        publishFeed(feed);
         EXPECT_EQ(update(), "feed-unreadable") << feed.substr(0, 100);
     }
     server.serve("updates.xml", "<rss>" + std::string(2u << 20, ' ') + "</rss>");

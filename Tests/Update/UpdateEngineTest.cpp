@@ -157,7 +157,7 @@ TEST_F(UpdateEngine, TakesTheNewestVersionThatSuitsTheSystem)
     auto newer = offer(archive, "2.0");
     newer.minimumSystemVersion = "99.0";
     publish(archive);
-    server.serve("updates.xml", feedOf({newer, older}));
+    publishFeed(feedOf({newer, older}));
     EXPECT_EQ(update(), "installed") << printed;
     EXPECT_EQ(version(), "1.1");
 }
@@ -175,11 +175,40 @@ TEST_F(UpdateEngine, ReadsFeedAndArchiveFromFiles)
 {
     const auto archive = packed(release("1.1"));
     folder.write("releases/archive.tar.xz", archive);
-    folder.write("releases/updates.xml", feedOf({offerOf(archive, "1.1", "archive.tar.xz", key)}));
+    const auto feed = feedOf({offerOf(archive, "1.1", "archive.tar.xz", key)});
+    folder.write("releases/updates.xml", key.signedFeed(feed));
     setInfo(bundle, {{"SUFeedURL", "file://" + folder.path("releases/updates.xml")}});
     EXPECT_EQ(update(), "installed") << printed;
     EXPECT_EQ(version(), "1.1");
     EXPECT_TRUE(server.requests().empty());
+}
+
+TEST_F(UpdateEngine, AVersionInBetweenLeadsToAnotherKeyAndItsFeed)
+{
+    const auto newKey = SigningKey::generated().value();
+    const auto between = bundleOf("1.1");
+    setInfo(between, {{"SUFeedURL", server.address("new/updates.xml")},
+                      {"SUPublicEDKey", newKey.publicKey()}});
+    const auto next = bundleOf("1.2");
+    setInfo(next, {{"SUFeedURL", server.address("new/updates.xml")},
+                   {"SUPublicEDKey", newKey.publicKey()}});
+    const auto archive = packed(entriesOf(next));
+    server.serve("new/archive.tar.xz", archive);
+    // It may be older than the old key's, which goes on being signed anew.
+    server.serve("new/updates.xml", newKey.signedFeed(feedOf(
+                                        {offerOf(archive, "1.2", "archive.tar.xz", newKey)}, -60)));
+    publish(packed(entriesOf(between)));
+    EXPECT_EQ(update(), "installed") << printed;
+    EXPECT_EQ(version(), "1.1");
+    EXPECT_EQ(update(), "installed") << printed;
+    EXPECT_EQ(version(), "1.2");
+}
+
+TEST_F(UpdateEngine, GoesOnWhereItCannotNoteTheNewestFeed)
+{
+    folder.write("settings", "no folder");
+    publish(packed(release("1.1")));
+    EXPECT_EQ(update(), "installed") << printed;
 }
 
 TEST_F(UpdateEngine, FollowsRedirectionsWithinHTTPS)

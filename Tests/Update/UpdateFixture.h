@@ -56,10 +56,12 @@ protected:
     {
         return offerOf(archive, version, server.address("archive.tar.xz"), key);
     }
+    /// Serves a feed, signed.
+    void publishFeed(const std::string& feed) { server.serve("updates.xml", key.signedFeed(feed)); }
     /// Serves the archive, and a feed with that offer of it.
     void publish(const std::string& archive, const Offer& offer)
     {
-        server.serve("updates.xml", feedOf({offer}));
+        publishFeed(feedOf({offer}));
         server.serve("archive.tar.xz", archive);
     }
     void publish(const std::string& archive, const std::string& version = "1.1")
@@ -69,7 +71,7 @@ protected:
 
     EngineRun::Environment trusting(const TestAuthority& authority) const
     {
-        return {{"SSL_CERT_FILE", authority.file()}};
+        return {{"SSL_CERT_FILE", authority.file()}, {"XDG_CONFIG_HOME", folder.path("settings")}};
     }
     std::unique_ptr<EngineRun> start(std::vector<std::string> more = {},
                                      const std::vector<std::string>& wrapper = {})

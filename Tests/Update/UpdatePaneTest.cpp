@@ -1,6 +1,7 @@
 // The real panel, from version 1.0 to 1.1, released by the script that releases, tried by the real
 // host.
 
+#include "Applications/Update/FeedReader.h"
 #include "Tests/Update/UpdateFixture.h"
 
 #include <cstdlib>
@@ -42,14 +43,23 @@ protected:
         return copy;
     }
     /// Runs the script; its exit status.
-    int makeRelease(const std::string& bundle, const std::string& more = {})
+    int runScript(const std::string& arguments)
     {
         const std::string command =
             FARVIEW_SOURCE_DIR "/scripts/make-release --build '" FARVIEW_BUILD_TREE "' --key " +
-            keyFile + " --address " + server.address("") + " --output " + folder.path("output") +
-            " --notes " + folder.path("notes") + " --bundle '" + bundle + "' " + more +
-            " </dev/null >" + folder.path("log") + " 2>&1";
+            keyFile + " --output " + folder.path("output") + " " + arguments + " </dev/null >" +
+            folder.path("log") + " 2>&1";
         return std::system(command.c_str());
+    }
+    int makeRelease(const std::string& bundle, const std::string& more = {})
+    {
+        return runScript("--address " + server.address("") + " --notes " + folder.path("notes") +
+                         " --bundle '" + bundle + "' " + more);
+    }
+    FeedDates datesOfFeed()
+    {
+        const auto feed = contentsOf(folder.path("output/updates.xml"));
+        return FeedReader::read(verifiedFeed(feed, key.publicKey()).value_or("")).dates;
     }
     void serveOutput()
     {
@@ -107,12 +117,47 @@ TEST_F(UpdatePane, NothingIsReleasedThatItsUsersCouldNotUpdate)
     const auto released = bundleOf("1.1");
     setInfo(released, {{"SUPublicEDKey", SigningKey::generated()->publicKey()}});
     EXPECT_NE(makeRelease(released), 0);
+    EXPECT_NE(makeRelease(released, "--changes-key"), 0) << "its feed has to be another one";
+    setInfo(released, {{"SUFeedURL", server.address("new/updates.xml")}});
     EXPECT_EQ(makeRelease(released, "--changes-key"), 0) << contentsOf(folder.path("log"));
     setInfo(released, {{"CFBundleVersion", "1.2"}, {"SUPublicEDKey", ""}});
     EXPECT_NE(makeRelease(released), 0);
     setInfo(released, {{"CFBundleVersion", "one"}, {"SUPublicEDKey", key.publicKey()}});
     EXPECT_NE(makeRelease(released), 0);
     EXPECT_FALSE(fs::exists(folder.path("output/Farview-1.2.tar.xz")));
+}
+
+TEST_F(UpdatePane, AFeedIsSignedAnewForALongerTimeAndBegunWithoutItems)
+{
+    ASSERT_EQ(runScript("--feed-only --valid-for 1"), 0) << contentsOf(folder.path("log"));
+    auto dates = datesOfFeed();
+    EXPECT_EQ(dates.expires.secondsSince1970 - dates.signedAt.secondsSince1970, 24 * 3600);
+    ASSERT_EQ(makeRelease(bundleOf("1.1"), "--valid-for 2"), 0) << contentsOf(folder.path("log"));
+    ASSERT_EQ(runScript("--feed-only"), 0) << contentsOf(folder.path("log"));
+    dates = datesOfFeed();
+    EXPECT_EQ(dates.expires.secondsSince1970 - dates.signedAt.secondsSince1970, 90 * 24 * 3600);
+    serveOutput();
+    EXPECT_EQ(start({"--check-only"})->outcome(), "found");
+}
+
+TEST_F(UpdatePane, AFeedThatSomebodyElseChangedIsNotSigned)
+{
+    ASSERT_EQ(makeRelease(bundleOf("1.1")), 0) << contentsOf(folder.path("log"));
+    auto feed = contentsOf(folder.path("output/updates.xml"));
+    feed.replace(feed.find(">1.1<"), 5, ">1.9<");
+    folder.write("output/updates.xml", feed);
+    EXPECT_NE(runScript("--feed-only"), 0);
+    EXPECT_NE(makeRelease(bundleOf("1.2")), 0);
+    EXPECT_EQ(contentsOf(folder.path("output/updates.xml")), feed);
+}
+
+TEST_F(UpdatePane, AFeedIsNotSignedForATimeBeforeTheLastOne)
+{
+    const auto feed = key.signedFeed(feedOf({}, 3600, 7200));
+    folder.write("output/updates.xml", feed);
+    EXPECT_NE(runScript("--feed-only"), 0);
+    EXPECT_NE(contentsOf(folder.path("log")).find("by this computer's clock"), std::string::npos);
+    EXPECT_EQ(contentsOf(folder.path("output/updates.xml")), feed);
 }
 
 TEST_F(UpdatePane, KeysAreMadeForTheirOwnerAlone)

@@ -6,8 +6,10 @@
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <QTcpSocket>
+#include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -99,9 +101,21 @@ void UpdateServer::answer(QTcpSocket& socket, const QByteArray& request)
     const Answer answer = found == mAnswers.end() ? Answer{404, {}, {}, {}, {}} : found->second;
     socket.disconnect(SIGNAL(readyRead()));
     socket.write(headOf(answer));
+    if (answer.trickles)
+        return trickle(socket, answer.body);
     socket.write(
         QByteArray::fromStdString(answer.body.substr(0, answer.sent.value_or(answer.body.size()))));
     socket.flush();
     if (!answer.sent)
         socket.disconnectFromHost();
+}
+
+void UpdateServer::trickle(QTcpSocket& socket, const std::string& body)
+{
+    auto* timer = new QTimer(&socket);
+    QObject::connect(timer, &QTimer::timeout, &socket, [&socket, body, sent = 0u]() mutable {
+        if (sent < body.size())
+            socket.write(&body[sent++], 1);
+    });
+    timer->start(std::chrono::milliseconds(100));
 }

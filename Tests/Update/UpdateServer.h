@@ -36,6 +36,7 @@ public:
         std::string location;                 ///< where a redirection leads
         std::optional<std::size_t> announced; ///< the length it says, when it lies
         std::optional<std::size_t> sent;      ///< falls silent after so many bytes of the body
+        bool trickles = false;                ///< sends ten bytes of the body per second
     };
 
     UpdateServer();
@@ -64,6 +65,7 @@ public:
 private:
     void accept();
     void answer(QTcpSocket& socket, const QByteArray& request);
+    static void trickle(QTcpSocket& socket, const std::string& body);
 
     TestAuthority mAuthority;
     QSslServer mServer;

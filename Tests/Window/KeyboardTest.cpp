@@ -175,6 +175,39 @@ TEST_P(KeyboardInEachDirection, TheTabKeyReachesThePictureOfTheScreensAndTheDiag
     expectTabToReachEverything();
 }
 
+TEST_P(KeyboardInEachDirection, TheTabKeyReachesBothAnswersToTheQuestionForDigits)
+{
+    open(true);
+    if (GetParam())
+        view->setLayoutDirection(Qt::RightToLeft);
+    compareWith("Desk");
+    view->resize(view->width(), 800);
+    settle();
+    EXPECT_TRUE(operable().contains(find<QWidget>("pairingYesButton")));
+    EXPECT_TRUE(operable().contains(find<QWidget>("pairingNoButton")));
+    expectTabToReachEverything();
+}
+
+TEST_F(KeyboardOnly, EscapeSaysNoToTheDigitsAndNothingButTheYesItselfSaysYes)
+{
+    const auto& center = fake.distributedNotificationCenter;
+    open(true);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(center.countOf(kRefuseDevice), 0) << "nothing is asked";
+    compareWith("Desk");
+    press(Qt::Key_Return);
+    press(Qt::Key_Enter);
+    press(Qt::Key_Space);
+    EXPECT_EQ(center.countOf(kConfirmDevice), 0);
+    EXPECT_EQ(center.countOf(kRefuseDevice), 0);
+    press(Qt::Key_Escape);
+    // A shortcut lets the button be seen pressed.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return center.countOf(kRefuseDevice) == 1; }));
+    goTo(find<QWidget>("pairingYesButton"));
+    press(Qt::Key_Space);
+    EXPECT_EQ(center.countOf(kConfirmDevice), 1);
+}
+
 TEST_F(KeyboardOnly, ArrowsMoveTheDevicesScreenAndCtrlZTakesThatBack)
 {
     open(true);

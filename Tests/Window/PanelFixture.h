@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/PairingReport.h"
 #include "Common/Rules/ScreenReport.h"
 #include "Controls/Qt/AlertBoxes.h"
 #include "Controls/Qt/Forms/BundleInterfaceLoader.h"
@@ -100,6 +101,15 @@ protected:
     void serverReports(const ScreenReport& report)
     {
         serverPosts(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
+    }
+    void serverReports(const PairingReport& report)
+    {
+        serverPosts(kServerPairingDidChange, {{kPairingReportKey, textOfPairingReport(report)}});
+    }
+    /// The user is asked to compare digits with that device.
+    void compareWith(const std::string& device)
+    {
+        serverReports(PairingReport{PairingReport::State::comparing, "482913", device});
     }
     /// A monitor to the right of two screens of the user.
     static ScreenReport shownScreen()

@@ -19,6 +19,7 @@
 #include <QStyle>
 #include <QTabBar>
 #include <QTableView>
+#include <QTextLayout>
 
 namespace farview::test
 {
@@ -108,6 +109,26 @@ TEST_F(RightToLeft, ScreensStandInThePictureAsTheyDoOnTheDesk)
     const auto middle = map->drawn(shownScreen().screens.front()).center().x();
     EXPECT_GT(map->drawnMonitor().center().x(), middle);
     EXPECT_NE(find<QLabel>("deviceHintLabel")->text().indexOf(u"1920"_qs), -1);
+}
+
+// On the device they stand as the digits of a number do, in any language.
+TEST_F(RightToLeft, TheDigitsToCompareStandAsOnTheDevice)
+{
+    open();
+    compareWith("Desk");
+    for (const char* name : {"pairingDigitsLabel", "pairingLabel"}) {
+        const QString text = find<QLabel>(name)->text();
+        QTextOption direction;
+        direction.setTextDirection(Qt::RightToLeft);
+        QTextLayout layout(text);
+        layout.setTextOption(direction);
+        layout.beginLayout();
+        const QTextLine line = layout.createLine();
+        layout.endLayout();
+        const int first = static_cast<int>(text.indexOf(u"482"));
+        ASSERT_GE(first, 0) << name;
+        EXPECT_LT(line.cursorToX(first + 1), line.cursorToX(first + 5)) << name;
+    }
 }
 
 TEST_F(RightToLeft, TheTextsAreTheLanguagesOwn)

@@ -105,6 +105,7 @@ protected:
         expectRoomOnPages("connecting");
         fake.runLoop.advance(Duration(16.0));
         expectRoomOnPages("error");
+        lookAtQuestions();
         lookAtSheet();
         lookAtHiDPIWindow();
         lookAtScreens();
@@ -128,6 +129,18 @@ protected:
         expectRoom(*sheet, "sheet after a failure");
         click("cancelButton");
         settle();
+    }
+    void lookAtQuestions()
+    {
+        for (int number = 1; number <= static_cast<int>(PairingReport::State::keyUnusable);
+             ++number) {
+            const auto state = static_cast<PairingReport::State>(number);
+            compareWith(longName);
+            serverReports(PairingReport{state, "482913", longName});
+            ASSERT_TRUE(find<QWidget>("pairingBox")->isVisible());
+            expectRoom(*view, "in question");
+        }
+        serverReports(PairingReport{});
     }
     void lookAtScreens()
     {
@@ -169,7 +182,7 @@ protected:
         const PseudoLanguages pseudo(FARVIEW_PANE_BUNDLE);
         for (const char* each : pseudoLanguages)
             walk(each, pseudo.bundlePath());
-        EXPECT_EQ(mLookedAt, 10 * 20);
+        EXPECT_EQ(mLookedAt, 10 * 30);
     }
 
 private:

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Applications/Device/DeviceServer.h"
+#include "Applications/Device/DeviceTexts.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+#include <QWidget>
+
+#include <chrono>
+#include <functional>
+
+namespace farview
+{
+
+/// Asks whether a computer may use the device: shows the digits as large as there is room, to be
+/// read from across a room, and takes the answer.
+class PairingPage final : public QWidget
+{
+public:
+    struct Actions {
+        std::function<void()> confirm; ///< the computer shows the same digits
+        std::function<void()> refuse;
+    };
+
+    /// How long a new question cannot be answered with yes: a touch that was meant for what was
+    /// there before says nothing.
+    static constexpr std::chrono::milliseconds pause{700};
+
+    /// `texts` outlive it.
+    PairingPage(const DeviceTexts& texts, const Actions& actions);
+
+    /// A new question takes the keyboard, but to neither of the answers.
+    void ask(const ComputerToConfirm& computer);
+
+private:
+    void delayYes();
+
+    const DeviceTexts& mTexts;
+    QLabel* mDigits;
+    QLabel* mQuestion;
+    QPushButton* mYes;
+    QPushButton* mNo;
+    ComputerToConfirm mComputer;
+    QTimer mPause;
+};
+
+} // namespace farview

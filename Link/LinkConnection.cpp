@@ -146,6 +146,7 @@ std::size_t LinkConnection::processNext(ByteView bytes)
         return mSide == LinkSide::device ? processAgreement(decodeGreeting(bytes), bytes)
                                          : processAgreement(decodeAnswer(bytes), bytes);
     case State::meeting:
+        return process(decodeFrame(bytes, kLinkShortPayloadLimit));
     case State::open:
         return process(decodeFrame(bytes));
     case State::deciding:

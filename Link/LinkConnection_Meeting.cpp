@@ -51,10 +51,10 @@ void LinkConnection::meet(const LinkDigest& peer)
     mKeepAlive.start(mTimes.keepAlive);
     const auto delegate = mDelegate.lock();
     const LinkTrust trust = delegate ? delegate->linkDidProveKey(*this) : LinkTrust(LinkGoodbye{});
-    if (const auto* goodbye = std::get_if<LinkGoodbye>(&trust)) {
-        close(*goodbye);
+    if (wasLeft())
         return;
-    }
+    if (const auto* goodbye = std::get_if<LinkGoodbye>(&trust))
+        return close(*goodbye);
     const bool isHost = mSide == LinkSide::host;
     PairingFacts facts{.hostKey = isHost ? mKey.fingerprint : peer,
                        .deviceKey = isHost ? peer : mKey.fingerprint,
@@ -92,6 +92,8 @@ void LinkConnection::pair()
 {
     const auto delegate = mDelegate.lock();
     const auto reason = delegate ? delegate->linkMayNotAskUser(*this) : LinkGoodbye{};
+    if (wasLeft())
+        return;
     if (reason)
         return close(*reason);
     std::vector<LinkFrame> reply;

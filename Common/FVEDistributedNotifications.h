@@ -67,7 +67,6 @@ inline constexpr const char* kBatteryLevelKey = "BatteryLevel";
 
 inline constexpr const char* kDeviceNameKey = "DeviceName";
 inline constexpr const char* kDeviceAddressKey = "DeviceAddress";
-inline constexpr const char* kCipherKey = "Cipher";
 inline constexpr const char* kScreenReportKey = "Screen";
 /// How the connection is encrypted, as TLS names it; beside the device's name and address.
 inline constexpr const char* kCipherKey = "Cipher";

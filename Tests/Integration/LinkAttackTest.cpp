@@ -154,6 +154,7 @@ TEST_F(LinkAttack, AnotherDeviceUnderTheSameNameAndHostNameIsShownNothing)
     device->waitForEnd();
     environment["XDG_CONFIG_HOME"] = own;
     startDevice();
+    ASSERT_TRUE(waitUntil([this] { return timesDeviceSaid("Announced") == 2; })) << deviceLog();
     panel->reports.clear();
     panel->connectTo("desk-7.local");
     EXPECT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();

@@ -6,6 +6,7 @@
 #include <QSslEllipticCurve>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <openssl/x509v3.h>
 
 #include <functional>
 #include <vector>
@@ -18,6 +19,26 @@ namespace
 using testing::HasSubstr;
 using testing::Not;
 
+/// The same certificate, with a long comment. Its signature is wrong now, but nobody looks at that.
+QSslCertificate ofTenMegabytes(const QSslCertificate& small)
+{
+    const QByteArray der = small.toDer();
+    auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
+    X509* const certificate = d2i_X509(nullptr, &bytes, der.size());
+    X509_EXTENSION* const comment = X509V3_EXT_conf_nid(nullptr, nullptr, NID_netscape_comment,
+                                                        std::string(10 << 20, 'x').c_str());
+    X509_add_ext(certificate, comment, -1);
+    i2d_re_X509_tbs(certificate, nullptr);
+    unsigned char* large = nullptr;
+    const int size = i2d_X509(certificate, &large);
+    EXPECT_GT(size, 10 << 20);
+    const QSslCertificate result(QByteArray(reinterpret_cast<char*>(large), size), QSsl::Der);
+    OPENSSL_free(large);
+    X509_EXTENSION_free(comment);
+    X509_free(certificate);
+    return result;
+}
+
 struct Weakness {
     const char* name;
     std::function<void(QSslConfiguration&)> apply;
@@ -25,22 +46,17 @@ struct Weakness {
 
 std::vector<Weakness> weaknesses()
 {
-    const auto option = [](const char* name, const char* value) {
-        return [=](QSslConfiguration& settings) {
-            settings.setEllipticCurves({});
-            settings.setBackendConfigurationOption(name, QByteArray(value));
-        };
-    };
     return {
         {"TLS 1.2", [](auto& settings) { settings.setProtocol(QSsl::TlsV1_2); }},
-        {"a weak group", option("Groups", "ffdhe2048")},
+        {"a weak group",
+         [](auto& settings) {
+             settings.setBackendConfigurationOption("Groups", QByteArray("ffdhe2048"));
+         }},
         {"another ALPN", [](auto& settings) { settings.setAllowedNextProtocols({"h2"}); }},
         {"no ALPN", [](auto& settings) { settings.setAllowedNextProtocols({}); }},
         {"a certificate of 10 MB",
          [](auto& settings) {
-             const auto own = settings.localCertificate();
-             settings.setLocalCertificateChain(
-                 QList<QSslCertificate>((10 << 20) / own.toDer().size(), own));
+             settings.setLocalCertificate(ofTenMegabytes(settings.localCertificate()));
          }},
     };
 }
@@ -77,7 +93,7 @@ public:
         return hasHeard();
     }
     /// A handshake that begins and stays there.
-    void beginHandshake() { writeBytes(*mSocket, {0x16, 3, 1, 0x40, 0, 1}); }
+    void beginHandshake() { writeBytes(*mSocket, {0x16, 3, 3, 0x40, 0}); }
     bool isGone() const { return mSocket->state() == QAbstractSocket::UnconnectedState; }
 
 private:
@@ -88,7 +104,10 @@ private:
     Bytes mAgreed;
 };
 
-void nothing(QSslConfiguration& /*settings*/) {}
+void goodGroup(QSslConfiguration& settings)
+{
+    settings.setBackendConfigurationOption("Groups", QByteArray("P-256"));
+}
 
 /// A false device in the real one's place.
 class FalseDevice
@@ -116,7 +135,7 @@ protected:
 TEST_F(LinkHandshakeAttack, AHostWithWeakerOrLargerEncryptionIsTurnedAway)
 {
     startBoth();
-    ASSERT_TRUE(host().isMet(nothing)) << "the attacks would be empty" << deviceLog();
+    ASSERT_TRUE(host().isMet(goodGroup)) << "the attacks would be empty" << deviceLog();
     const int before = mostMemory(device->pid());
     for (const Weakness& weakness : weaknesses())
         EXPECT_FALSE(host().isMet(weakness.apply)) << weakness.name << deviceLog();
@@ -130,7 +149,7 @@ TEST_F(LinkHandshakeAttack, ADeviceWithWeakerOrLargerEncryptionIsShownNothing)
     FalseDevice device;
     startServer();
     ask();
-    ASSERT_TRUE(device.met().isMet(nothing)) << "the attacks would be empty" << serverLog();
+    ASSERT_TRUE(device.met().isMet(goodGroup)) << "the attacks would be empty" << serverLog();
     failureOf();
     const int before = mostMemory(serverPid());
     for (const Weakness& weakness : weaknesses()) {
@@ -155,7 +174,7 @@ TEST_F(LinkHandshakeAttack, ThirtyHandshakesThatNeverEndKeepNobodyOut)
         return std::all_of(peers.begin(), peers.end(),
                            [](const Peer& peer) { return peer.isGone(); });
     })) << "each ends within seconds";
-    EXPECT_LT(mostMemory(device->pid()), before + 16);
+    EXPECT_LT(mostMemory(device->pid()), before + 32);
 }
 
 TEST_F(LinkHandshakeAttack, ADeviceWhoseHandshakeNeverEndsIsGivenUp)

@@ -11,6 +11,11 @@
 namespace farview
 {
 
+inline QByteArray byteArray(const Bytes& bytes)
+{
+    return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
+}
+
 /// The real server and the real device, and somebody who means them no good.
 class LinkAttack : public ServerAndDevice
 {

@@ -22,11 +22,6 @@ ByteView view(const QByteArray& bytes)
     return {reinterpret_cast<const std::uint8_t*>(bytes.data()),
             static_cast<std::size_t>(bytes.size())};
 }
-QByteArray array(const Bytes& bytes)
-{
-    return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
-}
-
 /// Takes the feature out of a greeting, or puts it in where it is not.
 QByteArray changedGreeting(const QByteArray& bytes, const std::string& feature)
 {
@@ -34,7 +29,7 @@ QByteArray changedGreeting(const QByteArray& bytes, const std::string& feature)
     const auto isIt = [&](const LinkFeature& each) { return each.name == feature; };
     if (std::erase_if(greeting.features, isIt) == 0)
         greeting.features.push_back({feature});
-    return array(encodeGreeting(greeting));
+    return byteArray(encodeGreeting(greeting));
 }
 /// The same of an answer.
 QByteArray changedAnswer(const QByteArray& bytes, const std::string& feature)
@@ -42,7 +37,7 @@ QByteArray changedAnswer(const QByteArray& bytes, const std::string& feature)
     auto agreement = std::get<LinkAgreement>(decodeAnswer(view(bytes)).value);
     if (std::erase(agreement.features, feature) == 0)
         agreement.features.push_back(feature);
-    return array(encodeAnswer(agreement));
+    return byteArray(encodeAnswer(agreement));
 }
 
 QByteArray twice(const QByteArray& bytes) { return bytes + bytes; }
@@ -57,7 +52,7 @@ TEST_F(LinkAttack, AManWhoRelaysLearnsNoName)
     disconnect();
     const QByteArray all = man->seen(ManInTheMiddle::toDevice) + man->seen(ManInTheMiddle::toHost);
     EXPECT_TRUE(all.contains(kLinkEncryptionFeature)) << "the greeting is no secret";
-    const QByteArray options = array(encodeFrame(LinkOptions{true, true, false, true}));
+    const QByteArray options = byteArray(encodeFrame(LinkOptions{true, true, false, true}));
     for (const auto& secret : {QByteArray("Desk"), QByteArray("desk-7"), qgetenv("HOME"), options})
         EXPECT_FALSE(all.contains(secret)) << secret.toStdString();
 }

@@ -93,7 +93,13 @@ public:
         return hasHeard();
     }
     /// A handshake that begins and stays there.
-    void beginHandshake() { writeBytes(*mSocket, {0x16, 3, 3, 0x40, 0}); }
+    void beginHandshake()
+    {
+        if (mSide == LinkSide::device)
+            readBytes(*mSocket, 1); // nothing may come before the host's first word
+        writeBytes(*mSocket, {0x16, 3, 3, 0x40, 0});
+    }
+    void send(const LinkFrame& frame) { writeBytes(*mSocket, encodeFrame(frame)); }
     bool isGone() const { return mSocket->state() == QAbstractSocket::UnconnectedState; }
 
 private:
@@ -130,6 +136,11 @@ class LinkHandshakeAttack : public LinkAttack
 {
 protected:
     static Peer host() { return {LinkSide::host, connectedTo(6001)}; }
+    static bool allAreGone(const std::vector<Peer>& peers)
+    {
+        const auto isGone = [](const Peer& peer) { return peer.isGone(); };
+        return waitUntil([&] { return std::all_of(peers.begin(), peers.end(), isGone); });
+    }
 };
 
 TEST_F(LinkHandshakeAttack, AHostWithWeakerOrLargerEncryptionIsTurnedAway)
@@ -170,11 +181,29 @@ TEST_F(LinkHandshakeAttack, ThirtyHandshakesThatNeverEndKeepNobodyOut)
         peers.back().beginHandshake();
     }
     EXPECT_TRUE(connects()) << serverLog() << deviceLog();
-    EXPECT_TRUE(waitUntil([&] {
-        return std::all_of(peers.begin(), peers.end(),
-                           [](const Peer& peer) { return peer.isGone(); });
-    })) << "each ends within seconds";
+    EXPECT_TRUE(allAreGone(peers)) << "each ends within seconds";
     EXPECT_LT(mostMemory(device->pid()), before + 32);
+}
+
+TEST_F(LinkHandshakeAttack, StrangersWhoSendMegabytesFillNoMemory)
+{
+    startBoth();
+    const auto asStranger = [](QSslConfiguration& settings) {
+        settings.setPrivateKey(keyOfDevice().secret);
+        settings.setLocalCertificate(keyOfDevice().certificate);
+    };
+    const LinkScreenRectangle large{.data = Bytes(kLinkScreenDataLimit)};
+    std::vector<Peer> peers;
+    for (int number = 0; number < 8; ++number) {
+        peers.push_back(host());
+        ASSERT_TRUE(peers.back().isMet(asStranger)) << deviceLog();
+    }
+    const int before = mostMemory(device->pid());
+    for (Peer& peer : peers)
+        peer.send(large);
+    EXPECT_TRUE(allAreGone(peers)) << deviceLog();
+    EXPECT_LT(mostMemory(device->pid()), before + 32);
+    EXPECT_TRUE(connects()) << serverLog() << deviceLog();
 }
 
 TEST_F(LinkHandshakeAttack, ADeviceWhoseHandshakeNeverEndsIsGivenUp)
@@ -186,6 +215,7 @@ TEST_F(LinkHandshakeAttack, ADeviceWhoseHandshakeNeverEndsIsGivenUp)
     peer.beginHandshake();
     failureOf();
     EXPECT_TRUE(waitUntil([&] { return peer.isGone(); }));
+    EXPECT_THAT(serverLog(), HasSubstr("did not introduce itself in time"));
 }
 
 } // namespace farview

@@ -141,6 +141,25 @@ TEST_F(PairingAttack, WhoeverGuessesDigitsHasThreeTriesAtTheComputer)
     EXPECT_TRUE(panel->hears(kServerConnectedToDevice)) << "whom the user knows gets in";
 }
 
+TEST_F(LinkAttack, AGuessCountsThoughAKnownComputerPutsAnEndToIt)
+{
+    startBoth();
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        Stranger guesser;
+        guesser.begin(LinkSide::host, connectedTo(6001));
+        ASSERT_TRUE(guesser.showsDigits()) << deviceLog();
+        anotherHost = std::make_shared<LinkRecorder>();
+        const auto known = occupyDevice(6001);
+        EXPECT_TRUE(guesser.hasEnded());
+        known->close({});
+        ASSERT_TRUE(waitUntil([this] { return anotherHost->ended(); }));
+    }
+    Stranger guesser;
+    guesser.begin(LinkSide::host, connectedTo(6001));
+    EXPECT_TRUE(guesser.hasEnded());
+    EXPECT_EQ(guesser.heard->digits, "");
+}
+
 TEST_F(LinkAttack, AStormOfStrangersAsksTheDevicesUserThreeTimes)
 {
     startBoth();

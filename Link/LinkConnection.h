@@ -150,6 +150,8 @@ private:
     void meet(const LinkDigest& peer);
     void introduce(const LinkFrame& frame);
     void pair();
+    /// Whether the owner closed or dropped it during a report.
+    bool wasLeft() const { return mState != State::meeting || wasDropped(); }
     void follow(Introduction::Step step, const std::vector<LinkFrame>& reply);
     void becomeOpen();
     bool isTalking() const { return mState == State::meeting || mState == State::open; }

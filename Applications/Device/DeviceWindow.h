@@ -5,8 +5,8 @@
 #include "Applications/Device/PairingPage.h"
 #include "Applications/Device/PictureBar.h"
 #include "Applications/Device/ScreenView.h"
+#include "Applications/Device/StatusPage.h"
 
-#include <QLabel>
 #include <QStackedLayout>
 #include <QWidget>
 
@@ -61,10 +61,10 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    void fillStatusPage();
     QWidget* rightPage() const;
     void showRightPage();
     void setPage(QWidget& page);
+    void keepTextsWhole();
     void listComputers(bool isListed);
     void comeForward();
     void followScreen();
@@ -82,13 +82,9 @@ private:
     DeviceStatus mStatus;
     bool mListsComputers = false; ///< unless there is a question or a picture
     QStackedLayout* mPages;
-    QWidget* mStatusPage;
+    StatusPage* mStatusPage;
     PairingPage* mQuestion;
     KnownComputersPage* mComputers;
-    QLabel* mName = nullptr;
-    QLabel* mUse = nullptr;
-    QLabel* mOptions = nullptr;
-    QLabel* mTrouble = nullptr;
     ScreenView* mView;
     PictureBar* mBar;
     QPoint mPlace; ///< before it filled the screen

@@ -31,8 +31,9 @@ public:
     /// `texts` outlive it.
     PairingPage(const DeviceTexts& texts, const Actions& actions);
 
-    /// A new question takes the keyboard, but to neither of the answers.
-    void ask(const ComputerToConfirm& computer);
+    /// Whether it is another question than before. Each takes the keyboard, but to neither of the
+    /// answers.
+    bool ask(const ComputerToConfirm& computer);
 
 private:
     void delayYes();

@@ -4,9 +4,12 @@
 #include <QMessageAuthenticationCode>
 #include <QRandomGenerator>
 #include <QSslCertificate>
-#include <QSslKey>
+
+#include <openssl/x509.h>
 
 #include <algorithm>
+#include <array>
+#include <memory>
 #include <string_view>
 
 namespace farview
@@ -17,7 +20,11 @@ namespace
 
 constexpr std::string_view commitmentPurpose = "farview commit 1";
 constexpr std::string_view digitsPurpose = "farview code 1";
-constexpr int curveBits = 256;
+/// How the SubjectPublicKeyInfo of every key on P-256 begins, and how long it is with the point.
+constexpr std::array<std::uint8_t, 27> keyOnCurve{
+    0x30, 0x59, 0x30, 0x13, 0x06, 0x07, 0x2A, 0x86, 0x48, 0xCE, 0x3D, 0x02, 0x01, 0x06,
+    0x08, 0x2A, 0x86, 0x48, 0xCE, 0x3D, 0x03, 0x01, 0x07, 0x03, 0x42, 0x00, 0x04};
+constexpr std::size_t keySize = keyOnCurve.size() + 64;
 constexpr std::uint64_t howManyCodes = 1000000;
 constexpr int numberOfDigits = 6;
 
@@ -58,10 +65,20 @@ LinkDigest makeNonce()
 
 std::optional<LinkDigest> fingerprint(const QSslCertificate& certificate)
 {
-    const QSslKey key = certificate.publicKey();
-    if (key.isNull() || key.algorithm() != QSsl::Ec || key.length() != curveBits)
+    // Not by QSslCertificate::publicKey: it reads through null when it cannot decode the key.
+    const QByteArray der = certificate.toDer();
+    const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
+    const std::unique_ptr<X509, decltype(&X509_free)> decoded(
+        d2i_X509(nullptr, &bytes, static_cast<long>(der.size())), X509_free);
+    const X509_PUBKEY* const stored = decoded ? X509_get_X509_PUBKEY(decoded.get()) : nullptr;
+    if (!stored || i2d_X509_PUBKEY(stored, nullptr) != static_cast<int>(keySize))
         return std::nullopt;
-    return digestIn(QCryptographicHash::hash(key.toDer(), QCryptographicHash::Sha256));
+    std::array<std::uint8_t, keySize> key{};
+    std::uint8_t* end = key.data();
+    i2d_X509_PUBKEY(stored, &end);
+    if (!std::equal(keyOnCurve.begin(), keyOnCurve.end(), key.begin()))
+        return std::nullopt;
+    return sha256(key);
 }
 
 LinkDigest commitmentTo(const LinkDigest& nonce)

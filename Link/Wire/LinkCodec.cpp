@@ -133,10 +133,9 @@ bool sizeFits(std::uint32_t kind, std::size_t size)
     case FrameKind::nonce:
         return size == LinkDigest{}.size();
     case FrameKind::goodbye:
-        return size >= 2 && size <= 2 + kLinkTextLimit;
+        return size >= 2 && size <= kLinkShortPayloadLimit;
     case FrameKind::screenRectangle:
-        return size >= kScreenPacketHeaderSize &&
-               size <= kScreenPacketHeaderSize + kLinkScreenDataLimit;
+        return size >= kScreenPacketHeaderSize && size <= kLinkPayloadLimit;
     default:
         return false;
     }
@@ -266,7 +265,7 @@ Bytes encodeFrame(const LinkFrame& frame)
     return bytes;
 }
 
-Decoded<LinkFrame> decodeFrame(ByteView bytes)
+Decoded<LinkFrame> decodeFrame(ByteView bytes, std::size_t mostPayload)
 {
     Decoded<LinkFrame> result;
     if (bytes.size() < kLinkFrameHeaderSize)
@@ -275,10 +274,11 @@ Decoded<LinkFrame> decodeFrame(ByteView bytes)
     const std::uint32_t kind = header.number(4);
     const std::size_t size = header.number(4);
     const std::size_t whole = kLinkFrameHeaderSize + size;
-    if (sizeFits(kind, size) && bytes.size() < whole)
+    const bool isPossible = size <= mostPayload && sizeFits(kind, size);
+    if (isPossible && bytes.size() < whole)
         return result;
     result.status = DecodeStatus::malformed;
-    if (!sizeFits(kind, size))
+    if (!isPossible)
         return result;
     ByteReader reader(bytes.subspan(kLinkFrameHeaderSize, size));
     std::optional<LinkFrame> frame = readFrame(kind, reader);

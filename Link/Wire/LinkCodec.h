@@ -18,6 +18,9 @@ inline constexpr std::size_t kLinkFeatureLimit = 16;
 inline constexpr std::size_t kLinkFeatureNameLimit = 24;
 inline constexpr std::size_t kLinkFrameHeaderSize = 8;
 inline constexpr std::size_t kLinkScreenDataLimit = std::size_t{16} << 20;
+/// Of the payloads of frames; the short ones are all that is said before the two know each other.
+inline constexpr std::size_t kLinkPayloadLimit = kScreenPacketHeaderSize + kLinkScreenDataLimit;
+inline constexpr std::size_t kLinkShortPayloadLimit = 2 + kLinkTextLimit;
 
 enum class DecodeStatus {
     incomplete, ///< a good beginning: more bytes are needed
@@ -42,10 +45,11 @@ Bytes encodeFrame(const LinkFrame& frame);
 Bytes encodeFrameHead(const LinkFrame& frame);
 
 /// Bytes to values. Looks at nothing behind the first value. A wrong beginning, and a size
-/// beyond its limit, is noticed before the bytes it announces.
+/// beyond its limit (for a frame also beyond `mostPayload`), is noticed before the bytes it
+/// announces.
 Decoded<LinkGreeting> decodeGreeting(ByteView bytes);
 Decoded<LinkAnswer> decodeAnswer(ByteView bytes);
-Decoded<LinkFrame> decodeFrame(ByteView bytes);
+Decoded<LinkFrame> decodeFrame(ByteView bytes, std::size_t mostPayload = kLinkPayloadLimit);
 
 /// The text as it may be shown: control characters become blanks, bytes that are no UTF-8 become
 /// "?", and what exceeds `limit` bytes is cut at a character's border.

@@ -30,7 +30,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     readAgain(greeting, size, farview::encodeGreeting, farview::decodeGreeting);
     if (greeting.status == DecodeStatus::complete)
         farview::agreementBetween(greeting.value, farview::ownGreeting());
-    readAgain(farview::decodeAnswer(view), size, farview::encodeAnswer, farview::decodeAnswer);
+    const auto answer = farview::decodeAnswer(view);
+    readAgain(answer, size, farview::encodeAnswer, farview::decodeAnswer);
+    if (const auto* agreement = std::get_if<farview::LinkAgreement>(&answer.value))
+        expect(!farview::agreementFits(*agreement, farview::ownGreeting()) ||
+                   agreement->has(farview::kLinkEncryptionFeature),
+               "no agreement fits that goes on in clear");
     const auto* text = reinterpret_cast<const char*>(bytes);
     expect(farview::plainLinkText({text, size}, farview::kLinkTextLimit).size() <=
                farview::kLinkTextLimit,

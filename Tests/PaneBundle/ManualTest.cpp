@@ -101,7 +101,7 @@ std::string quoted(const std::string& path) { return "'" + path + "'"; }
 std::set<std::string> textsOnTheScreen(const std::string& language)
 {
     std::set<std::string> texts;
-    for (const char* bundle : {"PaneBundle", "PaneBundle/UniversalAccess"}) {
+    for (const char* bundle : {"PaneBundle", "PaneBundle/UniversalAccess", "Applications/Device"}) {
         const auto path = fs::path(FARVIEW_SOURCE_DIR) / bundle / (language + ".lproj");
         const auto parsed = StringsFile::parse(contents(path / "Localizable.strings"));
         for (auto [key, text] : *parsed.texts) {

@@ -303,17 +303,17 @@ void LinkConnection::peerClosed()
         end({LinkEndReason::lost, "The connection was lost."});
 }
 
+/// Without a goodbye: that nobody answers is no refusal.
 void LinkConnection::deadlineElapsed()
 {
     if (mState == State::leaving)
         end(mEndAfterLeaving);
-    else if (!digits().empty())
-        leave(encodeFrame(LinkGoodbye{LinkGoodbyeCode::notConfirmed, "Nobody confirmed in time."}),
-              {LinkEndReason::notAnswered, "Nobody confirmed in time."});
+    else if (mState == State::greeting || mState == State::deciding)
+        end({LinkEndReason::notAnswered, "No greeting came in time."});
     else
-        end({LinkEndReason::notAnswered, mState == State::greeting || mState == State::deciding
-                                             ? "No greeting came in time."
-                                             : "The peer did not introduce itself in time."});
+        end({LinkEndReason::notAnswered, digits().empty()
+                                             ? "The peer did not introduce itself in time."
+                                             : "Nobody confirmed in time."});
 }
 
 void LinkConnection::silenceElapsed()

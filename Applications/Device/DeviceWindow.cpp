@@ -110,7 +110,7 @@ void DeviceWindow::keepTextsWhole()
 {
     const QLayout* const texts = mPages->currentWidget()->layout();
     const int needed = texts ? texts->totalMinimumHeightForWidth(width()) : 0;
-    setMinimumHeight(std::min(needed, QWidget::screen()->availableSize().height()));
+    setMinimumHeight(std::clamp(needed, 0, QWidget::screen()->availableSize().height()));
 }
 
 void DeviceWindow::listComputers(bool isListed)

@@ -29,8 +29,9 @@ public:
         std::function<void()> closed;     ///< by the user
         std::function<void()> disconnect; ///< the user wants to be rid of the host
         std::function<void(bool isShown)> pictureShown;
-        std::function<void()> confirm; ///< the computer that waits shows the same digits
-        std::function<void()> refuse;  ///< it does not, or is not to use the device
+        /// The computer that waits shows these digits, too.
+        std::function<void(const std::string& digits)> confirm;
+        std::function<void()> refuse; ///< it does not, or is not to use the device
         std::function<void(const std::string& key)> forget; ///< a known computer
     };
 

@@ -70,8 +70,8 @@ void enlarge(QWidget& widget)
 
 } // namespace
 
-PairingPage::PairingPage(const DeviceTexts& texts, const Actions& actions)
-    : mTexts(texts), mDigits(new LargestLine)
+PairingPage::PairingPage(const DeviceTexts& texts, Actions actions)
+    : mTexts(texts), mActions(std::move(actions)), mDigits(new LargestLine)
 {
     auto* layout = new QVBoxLayout(this);
     mDigits->setObjectName(QStringLiteral("pairingDigits"));
@@ -93,8 +93,8 @@ PairingPage::PairingPage(const DeviceTexts& texts, const Actions& actions)
         each->setMinimumHeight(buttonHeight);
         each->setMaximumWidth(widestButton);
     }
-    connect(mYes, &QPushButton::clicked, this, actions.confirm);
-    connect(mNo, &QPushButton::clicked, this, actions.refuse);
+    connect(mYes, &QPushButton::clicked, this, [this] { mActions.confirm(mComputer.digits); });
+    connect(mNo, &QPushButton::clicked, this, [this] { mActions.refuse(); });
     mPause.setSingleShot(true);
     mPause.setInterval(pause);
     connect(&mPause, &QTimer::timeout, this, [this] { mYes->setEnabled(true); });

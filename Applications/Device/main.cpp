@@ -118,7 +118,7 @@ private:
             mTexts,
             DeviceWindow::Actions{[this] { quit(); }, [this] { mServer->sendHostAway(); },
                                   [this](bool isShown) { mAwake.keep(isShown); },
-                                  [this] { mServer->confirmComputer(); },
+                                  [this](const auto& digits) { mServer->acceptDigits(digits); },
                                   [this] { mServer->refuseComputer(); },
                                   [this](const auto& key) { mServer->forgetComputer(key); }},
             mArguments.isInWindow ? DeviceWindow::First::staysInWindow

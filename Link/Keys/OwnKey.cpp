@@ -5,6 +5,7 @@
 #include "Platform/Posix/FileDescriptor.h"
 #include "Platform/Posix/FolderListing.h"
 #include "Platform/Posix/Settings/FileReplacement.h"
+#include "Platform/Posix/Settings/LockFile.h"
 #include "Platform/Posix/Settings/PreferencesLocations.h"
 
 #include <QSslSocket>
@@ -15,6 +16,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 
 namespace farview
@@ -24,6 +26,8 @@ namespace
 {
 
 constexpr off_t largestFile = 16384;
+/// How long another program may take that makes it at the same moment.
+constexpr std::chrono::milliseconds longestMaking{1000};
 constexpr const char* wayOut =
     " Remove the file and a new key is made; every device or computer that knows the old one has "
     "to be confirmed again.";
@@ -72,16 +76,23 @@ std::optional<OwnKey> keyIn(const std::string& pem)
     return key;
 }
 
-/// Returns 0 when a file is there now, ours or that of a program that was quicker.
+/// Makes the file, unless another program was quicker. Returns 0, or an errno.
 int makeFile(const std::string& path)
 {
     if (const int error = makeFolders(parentFolder(path), S_IRWXU))
         return error;
-    FileReplacement file(path);
-    if (const int error = file.write(makeKeyAndCertificate(), S_IRUSR | S_IWUSR))
+    LockFile lock;
+    if (const int error = lock.acquire(path + ".lock", longestMaking))
         return error;
-    const int error = file.commit(FileReplacement::Existing::kept);
-    return error == EEXIST ? 0 : error;
+    struct stat status {
+    };
+    if (::lstat(path.c_str(), &status) == 0)
+        return 0;
+    const std::string pem = makeKeyAndCertificate();
+    FileReplacement file(path);
+    if (const int error = pem.empty() ? ENOTSUP : file.write(pem, S_IRUSR | S_IWUSR))
+        return error;
+    return file.commit();
 }
 
 } // namespace

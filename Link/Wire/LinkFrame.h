@@ -32,7 +32,7 @@ enum class LinkGoodbyeCode : std::uint8_t {
     quitting = 1,
     brokenRule = 2,
     inUse = 3,        ///< the device serves another computer, or asks its user about one
-    notConfirmed = 4, ///< somebody said no, or nobody answered, or the peer is not who it should be
+    notConfirmed = 4, ///< somebody said no, or the peer is not who it should be
     tooManyTries = 5, ///< no more strangers for some minutes
 };
 

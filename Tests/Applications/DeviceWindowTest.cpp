@@ -60,7 +60,8 @@ protected:
     DeviceWindow window{texts,
                         {[this] { ++closed; }, [this] { ++disconnects; },
                          [this](bool isShown) { shown.push_back(isShown); },
-                         [this] { ++confirmed; }, [this] { ++refused; },
+                         [this](const auto& digits) { confirmed += digits == "482913"; },
+                         [this] { ++refused; },
                          [this](const auto& key) { forgotten.push_back(key); }}};
 };
 

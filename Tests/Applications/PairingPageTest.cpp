@@ -50,7 +50,9 @@ protected:
     int confirmed = 0;
     int refused = 0;
     DeviceTexts texts{{"en"}};
-    PairingPage page{texts, {[this] { ++confirmed; }, [this] { ++refused; }}};
+    PairingPage page{
+        texts,
+        {[this](const auto& digits) { confirmed += digits == "482913"; }, [this] { ++refused; }}};
 };
 
 TEST_F(PairingPageTest, AsksWithTheDigitsAndWhereTheComputerIs)

@@ -82,8 +82,6 @@ void talk(LinkSide side, bool beginsWell, ByteView bytes)
     write(sockets.stranger, bytes);
     sockets.stranger.disconnectFromHost();
     turnUntil([&] { return watch->ended; });
-    // Without this each run would keep a port of this computer for a minute.
-    sockets.stranger.abort();
 }
 
 } // namespace

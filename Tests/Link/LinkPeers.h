@@ -47,11 +47,16 @@ struct LinkRecorder final : LinkConnectionDelegate {
     bool opened = false;
     /// What it says of the peer's key.
     LinkTrust trust = true;
+    bool proved = false;
+    /// Why its user may not be asked.
+    std::optional<LinkGoodbye> mayNotAsk;
     std::string digits;
     std::vector<LinkFrame> frames;
     std::vector<LinkEnd> ends;
     int timesOfRoom = 0;
     std::function<void(LinkConnection&)> onGreet = [](LinkConnection& link) { link.accept(); };
+    std::function<void()> onProve = [] {};
+    std::function<void()> onMayAsk = [] {};
     std::function<void(LinkConnection&)> onAsk = [](LinkConnection&) {};
     std::function<void()> onOpen = [] {};
     std::function<void()> onReceive = [] {};
@@ -62,7 +67,17 @@ struct LinkRecorder final : LinkConnectionDelegate {
         greeted = true;
         onGreet(connection);
     }
-    LinkTrust linkDidProveKey(LinkConnection&) override { return trust; }
+    LinkTrust linkDidProveKey(LinkConnection&) override
+    {
+        proved = true;
+        onProve();
+        return trust;
+    }
+    std::optional<LinkGoodbye> linkMayNotAskUser(LinkConnection&) override
+    {
+        onMayAsk();
+        return mayNotAsk;
+    }
     void linkAsksUser(LinkConnection& connection) override
     {
         digits = connection.digits();

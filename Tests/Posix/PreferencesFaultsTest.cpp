@@ -3,6 +3,7 @@
 #include "Platform/Posix/Settings/LockFile.h"
 #include "Tests/Posix/PreferencesFixture.h"
 #include "Tests/Support/ForkedProcess.h"
+#include "Tests/Support/OwnMounts.h"
 
 #include <algorithm>
 #include <array>
@@ -10,8 +11,6 @@
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
-#include <sched.h>
-#include <sys/mount.h>
 
 namespace farview
 {
@@ -20,44 +19,6 @@ namespace
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-
-void writeText(const char* path, const std::string& text) { std::ofstream(path) << text; }
-
-/// Gives this process mounts of its own, as root or, where the machine allows it, as anyone.
-bool hasOwnMounts()
-{
-    const auto user = std::to_string(::getuid());
-    const auto group = std::to_string(::getgid());
-    if (::unshare(CLONE_NEWNS) != 0) {
-        if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
-            return false;
-        writeText("/proc/self/uid_map", "0 " + user + " 1");
-        writeText("/proc/self/setgroups", "deny");
-        writeText("/proc/self/gid_map", "0 " + group + " 1");
-    }
-    return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
-bool mountDisk(const std::string& folder, const char* options)
-{
-    std::filesystem::create_directories(folder);
-    return ::mount("none", folder.c_str(), "tmpfs", 0, options) == 0;
-}
-
-void setReadOnly(const std::string& folder, bool isReadOnly)
-{
-    const unsigned long flags = MS_REMOUNT | (isReadOnly ? MS_RDONLY : 0);
-    ASSERT_EQ(::mount("none", folder.c_str(), nullptr, flags, nullptr), 0);
-}
-
-/// Writes until nothing more fits.
-void fillDisk(const std::string& path)
-{
-    const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-    const std::array<char, 512> block{};
-    while (::write(file.get(), block.data(), block.size()) > 0) {
-    }
-}
 
 class PreferencesFaults : public PreferencesFixture
 {

@@ -14,7 +14,7 @@ from gi.repository import Gio, GLib  # noqa: E402
 
 from touring import looks  # noqa: E402
 from touring.desk import (  # noqa: E402
-    # noqa: E402     BUTTON, compare_digits, DEVICE, device_menu, failures, find, HOME, LOOK, MENU_ENTRY, running, seen,
+    BUTTON, compare_digits, DEVICE, device_menu, failures, find, HOME, LOOK, MENU_ENTRY, running, seen,
     start, start_tablet, step, stop, TABLET, take_picture, texts, wait, walk)
 
 bus = Gio.bus_get_sync(Gio.BusType.SESSION)

@@ -16,7 +16,7 @@ import pyatspi  # noqa: E402
 
 from touring import looks, screens  # noqa: E402
 from touring.desk import (  # noqa: E402
-    # noqa: E402     BUTTON, children, click, click_at, compare_digits, DEVICE, device_menu, drag, enabled, failures,
+    BUTTON, children, click, click_at, compare_digits, DEVICE, device_menu, drag, enabled, failures,
     find, FOLDER, HOME, LOOK, MENU_ENTRY, mouse, number_of_windows, place_of, press, ROOT, running, say, seen,
     SHARPNESS, showing, start, start_tablet, step, stop, TABLET, texts, type_text, wait, wait_quietly, walk, WAYLAND,
     windows_of, WORDS)

@@ -152,10 +152,9 @@ int FileReplacement::write(std::string_view bytes, mode_t mode)
     return mDurability == Durability::leftToTheSystem || ::fsync(mFile.get()) == 0 ? 0 : errno;
 }
 
-int FileReplacement::commit(Existing existing)
+int FileReplacement::commit()
 {
-    const unsigned flags = existing == Existing::kept ? RENAME_NOREPLACE : 0;
-    if (::renameat2(AT_FDCWD, mTemporaryPath.c_str(), AT_FDCWD, mPath.c_str(), flags) != 0)
+    if (::rename(mTemporaryPath.c_str(), mPath.c_str()) != 0)
         return errno;
     mFile = {};
     return mDurability == Durability::leftToTheSystem ? 0 : synchronizeFolder(parentFolder(mPath));

@@ -41,10 +41,8 @@ public:
     /// Contents with exactly this mode, as durable as wanted when it returns 0; else an errno.
     /// Once.
     int write(std::string_view bytes, mode_t mode);
-    /// What becomes of a file that has the name already.
-    enum class Existing { replaced, kept };
-    /// Returns 0 when the change is as durable as wanted, else an errno: EEXIST when a file is kept.
-    int commit(Existing existing = Existing::replaced);
+    /// Returns 0 when the change is as durable as wanted, else an errno.
+    int commit();
 
 private:
     int openTemporary();

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Platform/Posix/FileDescriptor.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sched.h>
+#include <string>
+#include <sys/mount.h>
+#include <unistd.h>
+
+namespace farview
+{
+
+inline void writeText(const char* path, const std::string& text) { std::ofstream(path) << text; }
+
+/// Gives this process mounts of its own, as root or, where the machine allows it, as anyone.
+inline bool hasOwnMounts()
+{
+    const auto user = std::to_string(::getuid());
+    const auto group = std::to_string(::getgid());
+    if (::unshare(CLONE_NEWNS) != 0) {
+        if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
+            return false;
+        writeText("/proc/self/uid_map", "0 " + user + " 1");
+        writeText("/proc/self/setgroups", "deny");
+        writeText("/proc/self/gid_map", "0 " + group + " 1");
+    }
+    return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+/// A small disk in memory.
+inline bool mountDisk(const std::string& folder, const char* options)
+{
+    std::filesystem::create_directories(folder);
+    return ::mount("none", folder.c_str(), "tmpfs", 0, options) == 0;
+}
+
+inline void setReadOnly(const std::string& folder, bool isReadOnly)
+{
+    const unsigned long flags = MS_REMOUNT | (isReadOnly ? MS_RDONLY : 0);
+    ASSERT_EQ(::mount("none", folder.c_str(), nullptr, flags, nullptr), 0);
+}
+
+/// Writes until nothing more fits.
+inline void fillDisk(const std::string& path)
+{
+    const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    const std::array<char, 512> block{};
+    while (::write(file.get(), block.data(), block.size()) > 0) {
+    }
+}
+
+} // namespace farview

@@ -97,7 +97,7 @@ protected:
         startServer();
         ask();
         ASSERT_TRUE(reports(State::comparing)) << serverLog() << deviceLog();
-        ASSERT_TRUE(acceptsAtDevice(report.digits));
+        ASSERT_TRUE(acceptsAtDevice(panel->pairing.digits));
         answer(kConfirmDevice);
         ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
         ASSERT_TRUE(paintsUntil([this] { return text("picture.ppm").ends_with("QRSQRSQRS"); }))

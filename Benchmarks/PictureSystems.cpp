@@ -18,7 +18,17 @@ namespace farview
 namespace
 {
 
-const std::string farviewPrograms = FARVIEW_BINARY_DIR;
+PictureSystem farview(const std::string& name, const std::string& folder)
+{
+    return {name,
+            {},
+            "DISPLAY=$B exec " + folder + "/farview-device --name Desk --host-name desk-7",
+            6001,
+            "DISPLAY=$A exec " + folder + "/ScreenCapture",
+            "DISPLAY=$A QT_QPA_PLATFORM=xcb ",
+            {"ScreenCapture", "farview-monitor"}};
+}
+
 const std::string onX = "DISPLAY=$A QT_QPA_PLATFORM=xcb ";
 const std::string vncViewer = "DISPLAY=$B exec xtigervncviewer -SecurityTypes None -FullScreen "
                               "-RemoteResize=0 127.0.0.1::5900";
@@ -95,13 +105,8 @@ void stop(std::unique_ptr<ChildProcess>& process)
 const std::vector<PictureSystem>& pictureSystems()
 {
     static const std::vector<PictureSystem> systems{
-        {"Farview",
-         {},
-         "DISPLAY=$B exec " + farviewPrograms + "/farview-device --name Desk --host-name desk-7",
-         6001,
-         "DISPLAY=$A exec " + farviewPrograms + "/ScreenCapture",
-         onX,
-         {"ScreenCapture", "farview-monitor"}},
+        farview(kFarview, FARVIEW_BINARY_DIR),
+        farview(kFarviewInClear, FARVIEW_BENCHMARKS_DIR "/in-clear"),
         {"TigerVNC",
          {"X0tigervnc", "xtigervncviewer"},
          "exec X0tigervnc -display $A -rfbport 5900 -SecurityTypes None",

@@ -22,6 +22,10 @@ struct PictureSystem {
     std::vector<std::string> servers;
 };
 
+inline constexpr const char* kFarview = "Farview";
+/// The same without encryption, which no product offers: to know what that costs.
+inline constexpr const char* kFarviewInClear = "Farview in clear";
+
 /// Farview is the first.
 const std::vector<PictureSystem>& pictureSystems();
 

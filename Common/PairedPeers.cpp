@@ -49,12 +49,25 @@ PropertyList stored(const PairedPeer& peer)
                                     {lastUsedKey, peer.lastUsed}};
 }
 
+std::string withoutNumber(const std::string& name)
+{
+    const auto end = name.find_last_not_of("0123456789");
+    const bool isNumbered = end != std::string::npos && end + 1 < name.size() && end > 1 &&
+                            name.compare(end - 1, 2, " #") == 0;
+    return isNumbered ? name.substr(0, end - 1) : name;
+}
+
 bool usedEarlier(const PairedPeer& a, const PairedPeer& b)
 {
     return a.lastUsed.secondsSince1970 < b.lastUsed.secondsSince1970;
 }
 
 } // namespace
+
+bool mayBeOneDevice(const std::string& name, const std::string& other)
+{
+    return withoutNumber(name) == withoutNumber(other);
+}
 
 PeerTrust trustIn(const std::vector<PairedPeer>& peers, const std::string& key,
                   const std::string& name)
@@ -68,7 +81,8 @@ PeerTrust trustIn(const std::vector<PairedPeer>& peers, const std::string& key,
         return has(isBoth) ? PeerTrust::known : PeerTrust::changed;
     }
     const auto isByKey = [&](const PairedPeer& peer) {
-        return peer.key == key && (name.empty() || peer.name.empty());
+        return peer.key == key &&
+               (name.empty() || peer.name.empty() || mayBeOneDevice(peer.name, name));
     };
     return has(isByKey) ? PeerTrust::known : PeerTrust::stranger;
 }
@@ -108,7 +122,8 @@ void PairedPeers::used(const std::string& key, const std::string& name, Date now
     auto peers = all();
     bool isKnown = false;
     for (PairedPeer& peer : peers) {
-        const bool isMeant = followsName || peer.name.empty() || name.empty() || peer.name == name;
+        const bool isMeant =
+            followsName || peer.name.empty() || name.empty() || mayBeOneDevice(peer.name, name);
         if (peer.key != key || !isMeant)
             continue;
         isKnown = true;

@@ -23,6 +23,10 @@ struct PairedPeer {
     bool operator==(const PairedPeer&) const = default;
 };
 
+/// Whether two names may be those of one device: the network numbers a device, "Desk #2", that
+/// finds its own name taken, were it by its own announcement before it slept.
+bool mayBeOneDevice(const std::string& name, const std::string& other);
+
 enum class PeerTrust {
     known,    ///< confirmed
     stranger, ///< never seen

@@ -9,7 +9,6 @@
 #include <algorithm>
 
 #ifdef __aarch64__
-#include <asm/hwcap.h>
 #include <sys/auxv.h>
 #endif
 

@@ -49,7 +49,6 @@ public:
     void willUnselect();
     /// Between `willSelect` and `willUnselect`.
     bool isOnShow() const { return mOnShow; }
-
     std::string localized(const std::string& text) const override;
 
     // On and off.
@@ -169,6 +168,7 @@ private:
     std::string connectedDevice() const;
     void showScreen(bool isConnected);
     void showPairing();
+    void delayYes();
     /// Forgets the confirmed device of that name, and asks for the one that is there.
     void confirmAnew(const std::string& device);
     bool searchesInVain(bool waits);

@@ -232,7 +232,8 @@ void FVEPreferencePane::watchdogTimerOperation(Object* /*sender*/)
     if (farview::switchIsOutOfStep(result, state)) {
         onOffSwitch()->setState(state == 0 ? 1 : 0, false);
         // A server that is no more asks nothing.
-        connection().forgetPairing();
+        if (state != 0)
+            connection().forgetPairing();
         showPairing();
     }
     // Time passed: what the line about devices says may be due to change.

@@ -1,5 +1,6 @@
 #include "Common/FVEPreferences.h"
 #include "Common/Rules/PairingTexts.h"
+#include "Platform/Platform.h"
 #include "Source/FVEConnectToOtherSheetController.h"
 #include "Source/FVEPreferencePane.h"
 
@@ -8,6 +9,13 @@
 using farview::Object;
 using farview::PairingReport;
 using State = PairingReport::State;
+
+namespace
+{
+
+constexpr farview::Duration timeToRead{1.0};
+
+} // namespace
 
 void FVEPreferencePane::serverPairingDidChange(const farview::Notification& notification)
 {
@@ -27,6 +35,18 @@ void FVEPreferencePane::serverPairingDidChange(const farview::Notification& noti
     if (report.state == State::comparing)
         tabView()->selectFirstTabViewItem(this);
     updateUI();
+    delayYes();
+}
+
+// The question appears below the menu, where a second click may still be on its way.
+void FVEPreferencePane::delayYes()
+{
+    pairingYesButton()->setEnabled(false);
+    const auto enable = [this, report = connection().pairing()] {
+        if (connection().pairing() == report)
+            pairingYesButton()->setEnabled(true);
+    };
+    mPlatform.runLoop->performAfterDelay(timeToRead, weak_from_this(), enable);
 }
 
 void FVEPreferencePane::showPairing()

@@ -194,7 +194,8 @@ void DeviceServer::linkDidOpen(LinkConnection& connection)
     mLog.write(LogLevel::info,
                "Connected to the host at " + connection.peerAddress() + ", " + connection.cipher());
     mUser = &connection;
-    mStranger = nullptr;
+    if (mStranger == mUser)
+        mStranger = nullptr;
     keepComputer(connection);
     DeviceStatus status = mStatus;
     status.toConfirm.reset();

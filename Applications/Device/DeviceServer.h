@@ -96,12 +96,10 @@ public:
     void stop(std::function<void()> then);
     /// Says goodbye to the host that uses the device; another may come then.
     void sendHostAway();
-    /// The user has compared the digits of `DeviceStatus::toConfirm`, or does not want to; nothing
-    /// when nobody asks.
-    void confirmComputer();
-    void refuseComputer();
-    /// Confirms when these are the digits that are shown; whether they are.
+    /// The user sees these digits at the computer, too. Whether they are those in question.
     bool acceptDigits(const std::string& digits);
+    /// The user does not see them there, or does not want to; nothing when nobody asks.
+    void refuseComputer();
     /// From now on the computer with that key has to be confirmed again; it is sent away.
     void forgetComputer(const std::string& key);
     /// Somebody may have changed which computers are known: one that no longer is, is sent away.

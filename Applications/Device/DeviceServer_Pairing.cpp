@@ -73,18 +73,19 @@ void DeviceServer::linkAsksUser(LinkConnection& connection)
                                    ", unless somebody is in between");
     tell(status);
     if (mPlatform.runLoop->now() < mPairsOnceUntil)
-        confirmComputer();
+        acceptDigits(connection.digits());
 }
 
-void DeviceServer::confirmComputer()
+bool DeviceServer::acceptDigits(const std::string& digits)
 {
     LinkConnection* const connection = mStranger ? mStranger : mUser;
-    if (!connection || !mStatus.toConfirm)
-        return;
+    if (!connection || !mStatus.toConfirm || mStatus.toConfirm->digits != digits)
+        return false;
     DeviceStatus status = mStatus;
     status.toConfirm->isConfirmedHere = true;
     tell(status);
     connection->confirm();
+    return true;
 }
 
 void DeviceServer::refuseComputer()
@@ -92,14 +93,6 @@ void DeviceServer::refuseComputer()
     LinkConnection* const connection = mStranger ? mStranger : mUser;
     if (connection && mStatus.toConfirm)
         connection->close({LinkGoodbyeCode::notConfirmed, "The device's user refused."});
-}
-
-bool DeviceServer::acceptDigits(const std::string& digits)
-{
-    const bool areShown = mStatus.toConfirm && mStatus.toConfirm->digits == digits;
-    if (areShown)
-        confirmComputer();
-    return areShown;
 }
 
 void DeviceServer::forgetComputer(const std::string& key)

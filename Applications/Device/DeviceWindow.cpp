@@ -1,12 +1,8 @@
 #include "Applications/Device/DeviceWindow.h"
 
-#include "Applications/Device/PageParts.h"
-#include "Common/FVEConstants.h"
-
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScreen>
-#include <QVBoxLayout>
 #include <QWindow>
 
 #include <algorithm>
@@ -21,76 +17,17 @@ namespace
 constexpr int windowWidth = 420;
 /// Room for some known computers.
 constexpr int listHeight = 400;
-constexpr double headlineScale = 1.6;
 /// How near to the upper edge the bar is asked for, in points: a finger's width.
 constexpr int edge = 24;
 constexpr std::chrono::seconds restAfter{3};
 /// A picture in a window leaves as much of the screen free.
 constexpr double partOfScreen = 0.75;
 
-void setText(QLabel& label, const QString& text)
-{
-    label.setText(text);
-    label.setVisible(!text.isEmpty());
-}
-
-QString useText(const DeviceTexts& texts, const DeviceStatus& status)
-{
-    if (!status.usedBy)
-        return texts.text(
-            "Not in use. Choose this device in Farview Preferences on another computer.");
-    if (status.isPictureAgreed)
-        return texts.text("Connected to the computer at %@, waiting for its picture. If none "
-                          "comes, Farview Preferences there says why.",
-                          {*status.usedBy});
-    return texts.text("Connected to the computer at %@. Its version of Farview sends no pictures.",
-                      {*status.usedBy});
-}
-
-QString optionsText(const DeviceTexts& texts, const DeviceStatus& status)
-{
-    if (!status.options)
-        return {};
-    const auto line = [&](const QString& what, bool on) {
-        return texts.text(on ? "%@: on" : "%@: off", {what.toStdString()});
-    };
-    return line(texts.text("Touch"), status.options->touch) + u'\n' +
-           line(texts.text("Retina resolutions"), status.options->retina) + u'\n' +
-           line(texts.text("HiDPI resolutions"), status.options->hiDPI) + u'\n' +
-           line(texts.text("Windows move back"), status.options->windowsMoveBack);
-}
-
-QString verdictText(const DeviceTexts& texts, HostPicture::Verdict verdict)
-{
-    if (verdict == HostPicture::Verdict::good)
-        return {};
-    return verdict == HostPicture::Verdict::tooLarge
-               ? texts.text("The last computer was sent away: its picture is too large for this "
-                            "device.")
-               : texts.text("The last computer was sent away: its picture cannot be read.");
-}
-
-QString troubleText(const DeviceTexts& texts, const DeviceStatus& status)
-{
-    QStringList lines;
-    if (!status.trouble.empty())
-        lines += texts.text("This device cannot be announced: %@", {status.trouble});
-    if (!status.keyTrouble.empty())
-        lines += texts.text("No computer is let in: %@", {status.keyTrouble});
-    if (status.port != 0 && status.port != kMainDataTrafficPort)
-        lines += texts.text("Computers find this device by its name only: connecting by address "
-                            "needs port %@.",
-                            {std::to_string(kMainDataTrafficPort)});
-    lines += verdictText(texts, status.lastVerdict);
-    lines.removeAll(QString());
-    return lines.join(u'\n');
-}
-
 } // namespace
 
 DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First first)
     : mTexts(texts), mActions(std::move(actions)), mFirst(first), mPages(new QStackedLayout(this)),
-      mStatusPage(new QWidget),
+      mStatusPage(new StatusPage(texts, [this] { listComputers(true); })),
       mQuestion(new PairingPage(texts, {mActions.confirm, mActions.refuse})),
       mComputers(
           new KnownComputersPage(texts, {mActions.forget, [this] { listComputers(false); }})),
@@ -98,7 +35,6 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
 {
     for (QWidget* each : std::initializer_list<QWidget*>{mStatusPage, mQuestion, mComputers, mView})
         mPages->addWidget(each);
-    fillStatusPage();
     setPage(*mStatusPage);
     mView->setAccessibleName(texts.text("Picture of the other computer"));
     mBar = new PictureBar(texts,
@@ -116,33 +52,14 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
     resize(smallSize());
 }
 
-void DeviceWindow::fillStatusPage()
-{
-    auto* layout = new QVBoxLayout(mStatusPage);
-    mName = plainLabel(*layout, "deviceName");
-    mUse = plainLabel(*layout, "deviceUse");
-    mOptions = plainLabel(*layout, "deviceOptions");
-    mTrouble = plainLabel(*layout, "deviceTrouble");
-    layout->addStretch();
-    auto* known = fingerButton(*layout, "knownComputers", mTexts.text("&Known Computers…"));
-    layout->setAlignment(known, Qt::AlignLeft);
-    connect(known, &QPushButton::clicked, this, [this] { listComputers(true); });
-    QFont large = mName->font();
-    large.setPointSizeF(large.pointSizeF() * headlineScale);
-    mName->setFont(large);
-}
-
 void DeviceWindow::showStatus(const DeviceStatus& status)
 {
-    setText(*mName, status.announcedName.empty() ? mTexts.text("Not announced yet")
-                                                 : QString::fromStdString(status.announcedName));
-    setText(*mUse, useText(mTexts, status));
-    setText(*mOptions, optionsText(mTexts, status));
-    setText(*mTrouble, troubleText(mTexts, status));
+    mStatusPage->showStatus(status);
     mBar->setDeviceName(status.announcedName);
     mComputers->showComputers(status.computers);
     mStatus = status;
     showRightPage();
+    keepTextsWhole();
 }
 
 void DeviceWindow::closeEvent(QCloseEvent* event)
@@ -165,10 +82,9 @@ QWidget* DeviceWindow::rightPage() const
 void DeviceWindow::showRightPage()
 {
     QWidget* const page = rightPage();
-    if (page == mQuestion)
-        mQuestion->ask(*mStatus.toConfirm);
     const QWidget* const before = mPages->currentWidget();
-    if (page == before)
+    const bool isNewQuestion = page == mQuestion && mQuestion->ask(*mStatus.toConfirm);
+    if (page == before && !isNewQuestion)
         return;
     setPage(*page);
     if (page == mQuestion)
@@ -186,6 +102,15 @@ void DeviceWindow::setPage(QWidget& page)
         mPages->widget(index)->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     page.setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     mPages->setCurrentWidget(&page);
+    keepTextsWhole();
+}
+
+/// No layout asks its window for the height that wrapped texts need.
+void DeviceWindow::keepTextsWhole()
+{
+    const QLayout* const texts = mPages->currentWidget()->layout();
+    const int needed = texts ? texts->totalMinimumHeightForWidth(width()) : 0;
+    setMinimumHeight(std::clamp(needed, 0, QWidget::screen()->availableSize().height()));
 }
 
 void DeviceWindow::listComputers(bool isListed)
@@ -321,6 +246,7 @@ void DeviceWindow::changeEvent(QEvent* event)
 void DeviceWindow::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
+    keepTextsWhole();
     mBar->setGeometry(0, 0, width(), mBar->sizeHint().height());
 }
 

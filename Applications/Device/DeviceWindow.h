@@ -5,8 +5,8 @@
 #include "Applications/Device/PairingPage.h"
 #include "Applications/Device/PictureBar.h"
 #include "Applications/Device/ScreenView.h"
+#include "Applications/Device/StatusPage.h"
 
-#include <QLabel>
 #include <QStackedLayout>
 #include <QWidget>
 
@@ -29,8 +29,9 @@ public:
         std::function<void()> closed;     ///< by the user
         std::function<void()> disconnect; ///< the user wants to be rid of the host
         std::function<void(bool isShown)> pictureShown;
-        std::function<void()> confirm; ///< the computer that waits shows the same digits
-        std::function<void()> refuse;  ///< it does not, or is not to use the device
+        /// The computer that waits shows these digits, too.
+        std::function<void(const std::string& digits)> confirm;
+        std::function<void()> refuse; ///< it does not, or is not to use the device
         std::function<void(const std::string& key)> forget; ///< a known computer
     };
 
@@ -61,10 +62,10 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    void fillStatusPage();
     QWidget* rightPage() const;
     void showRightPage();
     void setPage(QWidget& page);
+    void keepTextsWhole();
     void listComputers(bool isListed);
     void comeForward();
     void followScreen();
@@ -82,13 +83,9 @@ private:
     DeviceStatus mStatus;
     bool mListsComputers = false; ///< unless there is a question or a picture
     QStackedLayout* mPages;
-    QWidget* mStatusPage;
+    StatusPage* mStatusPage;
     PairingPage* mQuestion;
     KnownComputersPage* mComputers;
-    QLabel* mName = nullptr;
-    QLabel* mUse = nullptr;
-    QLabel* mOptions = nullptr;
-    QLabel* mTrouble = nullptr;
     ScreenView* mView;
     PictureBar* mBar;
     QPoint mPlace; ///< before it filled the screen

@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 #include <QLocale>
+#include <QScrollBar>
 #include <QScroller>
 #include <QShowEvent>
 
@@ -94,6 +95,8 @@ void KnownComputersPage::makeRows()
                                   "computer, and compare the digits that both show."));
     layout->addStretch();
     mList->setWidget(rows);
+    mList->setMinimumWidth(rows->minimumSizeHint().width() + 2 * mList->frameWidth() +
+                           mList->verticalScrollBar()->sizeHint().width());
 }
 
 QLayout* KnownComputersPage::makeRow(const PairedPeer& computer)

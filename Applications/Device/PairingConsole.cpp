@@ -89,9 +89,7 @@ void PairingConsole::use(const std::string& line)
         return;
     if (answer == "no")
         mActions.refuse();
-    else if (answer == mAsked->digits)
-        mActions.confirm();
-    else
+    else if (answer != mAsked->digits || !mActions.accept(answer))
         mActions.say("Type the six digits if the computer shows the same, \"no\" if not");
 }
 

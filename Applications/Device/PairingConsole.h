@@ -19,7 +19,8 @@ class PairingConsole
 {
 public:
     struct Actions {
-        std::function<void()> confirm;
+        std::function<bool(const std::string& digits)>
+            accept; ///< false when they are not asked for
         std::function<void()> refuse;
         std::function<void(const std::string& line)> say; ///< to the user, without a line break
     };

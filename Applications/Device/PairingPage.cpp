@@ -29,8 +29,6 @@ public:
     {
         setTextFormat(Qt::PlainText);
         setMinimumHeight(lowestDigits);
-        // Groups of digits keep their order where one reads from right to left.
-        setLayoutDirection(Qt::LeftToRight);
     }
 
 protected:
@@ -38,6 +36,8 @@ protected:
     {
         QPainter painter(this);
         painter.setFont(largestFont());
+        // Groups of digits keep their order where one reads from right to left.
+        painter.setLayoutDirection(Qt::LeftToRight);
         painter.drawText(rect(), Qt::AlignCenter, text());
     }
 
@@ -58,7 +58,7 @@ private:
 /// "4 8 2 9 1 3", which no voice reads as a number.
 QString singly(const std::string& digits)
 {
-    return QString::fromStdString(digits).split(QString(), Qt::SkipEmptyParts).join(u' ');
+    return QString::fromStdString(digits).split(QString(), Qt::SkipEmptyParts).join(QChar::Space);
 }
 
 void enlarge(QWidget& widget)
@@ -70,8 +70,8 @@ void enlarge(QWidget& widget)
 
 } // namespace
 
-PairingPage::PairingPage(const DeviceTexts& texts, const Actions& actions)
-    : mTexts(texts), mDigits(new LargestLine)
+PairingPage::PairingPage(const DeviceTexts& texts, Actions actions)
+    : mTexts(texts), mActions(std::move(actions)), mDigits(new LargestLine)
 {
     auto* layout = new QVBoxLayout(this);
     mDigits->setObjectName(QStringLiteral("pairingDigits"));
@@ -93,17 +93,17 @@ PairingPage::PairingPage(const DeviceTexts& texts, const Actions& actions)
         each->setMinimumHeight(buttonHeight);
         each->setMaximumWidth(widestButton);
     }
-    connect(mYes, &QPushButton::clicked, this, actions.confirm);
-    connect(mNo, &QPushButton::clicked, this, actions.refuse);
+    connect(mYes, &QPushButton::clicked, this, [this] { mActions.confirm(mComputer.digits); });
+    connect(mNo, &QPushButton::clicked, this, [this] { mActions.refuse(); });
     mPause.setSingleShot(true);
     mPause.setInterval(pause);
     connect(&mPause, &QTimer::timeout, this, [this] { mYes->setEnabled(true); });
 }
 
-void PairingPage::ask(const ComputerToConfirm& computer)
+bool PairingPage::ask(const ComputerToConfirm& computer)
 {
     if (computer == mComputer)
-        return;
+        return false;
     const bool isNew = computer.digits != mComputer.digits;
     mComputer = computer;
     mQuestion->setText(computer.isConfirmedHere
@@ -119,6 +119,7 @@ void PairingPage::ask(const ComputerToConfirm& computer)
     mDigits->setFocus();
     if (isNew)
         delayYes();
+    return isNew;
 }
 
 void PairingPage::delayYes()

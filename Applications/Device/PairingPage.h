@@ -20,7 +20,8 @@ class PairingPage final : public QWidget
 {
 public:
     struct Actions {
-        std::function<void()> confirm; ///< the computer shows the same digits
+        /// The computer shows these digits, too.
+        std::function<void(const std::string& digits)> confirm;
         std::function<void()> refuse;
     };
 
@@ -29,15 +30,17 @@ public:
     static constexpr std::chrono::milliseconds pause{700};
 
     /// `texts` outlive it.
-    PairingPage(const DeviceTexts& texts, const Actions& actions);
+    PairingPage(const DeviceTexts& texts, Actions actions);
 
-    /// A new question takes the keyboard, but to neither of the answers.
-    void ask(const ComputerToConfirm& computer);
+    /// Whether it is another question than before. Each takes the keyboard, but to neither of the
+    /// answers.
+    bool ask(const ComputerToConfirm& computer);
 
 private:
     void delayYes();
 
     const DeviceTexts& mTexts;
+    Actions mActions;
     QLabel* mDigits;
     QLabel* mQuestion;
     QPushButton* mYes;

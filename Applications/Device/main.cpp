@@ -118,7 +118,7 @@ private:
             mTexts,
             DeviceWindow::Actions{[this] { quit(); }, [this] { mServer->sendHostAway(); },
                                   [this](bool isShown) { mAwake.keep(isShown); },
-                                  [this] { mServer->confirmComputer(); },
+                                  [this](const auto& digits) { mServer->acceptDigits(digits); },
                                   [this] { mServer->refuseComputer(); },
                                   [this](const auto& key) { mServer->forgetComputer(key); }},
             mArguments.isInWindow ? DeviceWindow::First::staysInWindow
@@ -137,8 +137,9 @@ private:
             std::fflush(stdout);
         };
         mConsole = std::make_unique<PairingConsole>(
-            STDIN_FILENO, PairingConsole::Actions{[this] { mServer->confirmComputer(); },
-                                                  [this] { mServer->refuseComputer(); }, say});
+            STDIN_FILENO, PairingConsole::Actions{
+                              [this](const auto& digits) { return mServer->acceptDigits(digits); },
+                              [this] { mServer->refuseComputer(); }, say});
         mServer->setObserver([this] { mConsole->showStatus(mServer->status()); });
     }
     /// From `--accept` and `--forget`, for example in a shell on a device whose window nobody can

@@ -151,7 +151,7 @@ void Examination::end(std::vector<DeviceFact> devices, std::size_t more, bool is
     mNotebook.add(findingsAboutPolkit(mRights));
     mNotebook.add(findingsAboutScreen(mScreen));
     mNotebook.add(findingsAboutDiscovery(discoveryFacts()));
-    auto pairing = pairingFacts(mContext.platform);
+    auto pairing = trustFacts(mContext.platform);
     pairing.connection = mConnection;
     mNotebook.add(findingsAboutPairing(pairing));
     mNotebook.add(

@@ -21,9 +21,9 @@ void PairingAnswer::start(Answer answer, const std::string& digits, Ended ended)
         heard(pairingReport(report.text(kPairingReportKey)));
     });
     observe(kServerConnectedToDevice, [this](const Notification& report) { connected(report); });
-    mPlatform.runLoop->performAfterDelay(limit, weak_from_this(), [this] {
-        end({false, mLocalized("The screen server does not answer.")});
-    });
+    for (const char* name : {kQueryResultForConnectedHost, kServerDisconnectedFromDevice})
+        observe(name, [this](const Notification&) { heardOfConnection(); });
+    endAfter(limit, {false, mLocalized("The screen server does not answer.")});
     ConnectionFollower(mPlatform).query();
 }
 
@@ -31,6 +31,22 @@ void PairingAnswer::observe(const char* name, NotificationHandler handler)
 {
     mPlatform.distributedNotificationCenter->addObserver(weak_from_this(), std::move(handler), name,
                                                          "");
+}
+
+/// Unless something is heard before.
+void PairingAnswer::endAfter(Duration delay, const Outcome& outcome)
+{
+    if (const auto earlier = mEnding.lock())
+        earlier->invalidate();
+    mEnding = mPlatform.runLoop->scheduledTimer(delay, false, weak_from_this(),
+                                                [this, outcome] { end(outcome); });
+}
+
+/// The server tells of the connection first, and then what is in question.
+void PairingAnswer::heardOfConnection()
+{
+    if (mEnded && !mHasAnswered)
+        endAfter(settling, notAsked({}));
 }
 
 void PairingAnswer::heard(const PairingReport& report)
@@ -41,10 +57,7 @@ void PairingAnswer::heard(const PairingReport& report)
         if (!isInQuestion(report))
             conclude(report);
     } else if (isInQuestion(report)) {
-        mHasAnswered = true;
-        const bool confirms = mAnswer == Answer::confirm;
-        ConnectionFollower(mPlatform).command(confirms ? kConfirmDevice : kRefuseDevice,
-                                              {{kDigitsKey, mDigits}});
+        answer();
     } else if (report.digits == mDigits) {
         conclude(report);
     } else {
@@ -59,16 +72,29 @@ bool PairingAnswer::isInQuestion(const PairingReport& report) const
            (report.state == State::comparing || mAnswer == Answer::refuse);
 }
 
+void PairingAnswer::answer()
+{
+    mHasAnswered = true;
+    const bool confirms = mAnswer == Answer::confirm;
+    ConnectionFollower(mPlatform).command(confirms ? kConfirmDevice : kRefuseDevice,
+                                          {{kDigitsKey, mDigits}});
+    endAfter(limit, {false, mLocalized("The screen server does not answer.")});
+}
+
 void PairingAnswer::conclude(const PairingReport& report)
 {
-    if (report.state != State::none)
-        return end({report.state == State::confirmed, told(report)});
-    // Both have confirmed, and the connection is about to come; or one of them has refused.
-    const bool refuses = mAnswer == Answer::refuse;
-    const Outcome refused{true, mLocalized("The device is not confirmed. No picture was sent.")};
-    const Outcome outcome = refuses ? refused : notAsked(report);
-    mPlatform.runLoop->performAfterDelay(connectionLimit, weak_from_this(),
-                                         [this, outcome] { end(outcome); });
+    // In both of these the connection may be about to come: the device's user was quicker.
+    if (report.state == State::confirmed)
+        endAfter(settling, {true, told(report)});
+    else if (report.state == State::none)
+        endAfter(settling, mAnswer == Answer::confirm ? notAsked(report) : refused());
+    else
+        end({false, told(report)});
+}
+
+Outcome PairingAnswer::refused() const
+{
+    return {true, mLocalized("The device is not confirmed. No picture was sent.")};
 }
 
 void PairingAnswer::connected(const Notification& report)

@@ -4,6 +4,7 @@
 #include "Common/Rules/PairingReport.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/Platform.h"
+#include "Platform/RunLoop.h"
 
 #include <functional>
 #include <memory>
@@ -27,10 +28,10 @@ public:
     enum class Answer { confirm, refuse };
     using Ended = std::function<void(const Outcome&)>;
 
-    /// How long the server may take in all.
+    /// How long the server may take to answer.
     static constexpr Duration limit{5.0};
-    /// How long a connection may take that both sides have confirmed.
-    static constexpr Duration connectionLimit{1.0};
+    /// How long it may take to tell the rest.
+    static constexpr Duration settling{1.0};
 
     /// `platform` outlives it.
     PairingAnswer(Platform& platform, Localize localized)
@@ -44,10 +45,14 @@ public:
 
 private:
     void observe(const char* name, NotificationHandler handler);
+    void endAfter(Duration delay, const Outcome& outcome);
+    void heardOfConnection();
     void heard(const PairingReport& report);
+    void answer();
     void conclude(const PairingReport& report);
     void connected(const Notification& report);
     bool isInQuestion(const PairingReport& report) const;
+    Outcome refused() const;
     Outcome notAsked(const PairingReport& report) const;
     std::string told(PairingReport report) const;
     void end(const Outcome& outcome);
@@ -58,6 +63,7 @@ private:
     std::string mDigits;
     Ended mEnded;
     bool mHasAnswered = false;
+    std::weak_ptr<Timer> mEnding;
 };
 
 } // namespace farview

@@ -3,6 +3,8 @@
 #include "Common/FVEDistributedNotifications.h"
 #include "Common/Rules/Connection.h"
 #include "Common/Rules/PairingReport.h"
+#include "Link/Keys/OwnKey.h"
+#include "Link/Keys/PairingProof.h"
 #include "Platform/Platform.h"
 
 #include <QDateTime>
@@ -32,12 +34,18 @@ Finding finding(Severity severity, const char* name, Sentence text, const char* 
     return {Area::pairing, severity, name, std::move(text), {advice}};
 }
 
+OwnKeyFact ownKeyFact(const std::string& path)
+{
+    const OwnKeyResult own = readOwnKey(path);
+    return {path, own.key ? hexadecimal(own.key->fingerprint) : "", own.trouble};
+}
+
 Finding aboutOwnKey(const OwnKeyFact& own)
 {
     Finding result;
     if (!own.fault.empty())
         result = finding(Severity::problem, "key-unusable",
-                         {"This computer's key in %@ cannot be used: %@", {own.path, own.fault}},
+                         {"This computer's key cannot be used: %@", {own.fault}},
                          "Remove the file. Every device has to be confirmed once more.");
     else if (own.key.empty())
         result = finding(Severity::ok, "key-missing",
@@ -123,19 +131,18 @@ std::optional<ConnectionFact> connectionFact(const Notification& answer)
     return ConnectionFact{*device, *cipher};
 }
 
-PairingFacts pairingFacts(Platform& platform)
+TrustFacts trustFacts(Platform& platform)
 {
-    PairingFacts facts;
+    TrustFacts facts;
+    facts.ownKey = ownKeyFact(ownKeyPath(PairedPeers::devices));
     facts.devices = PairedPeers(*platform.preferences, PairedPeers::devices).all();
     facts.withoutKey = countWithoutKey(*platform.preferences, facts.devices);
     return facts;
 }
 
-Findings findingsAboutPairing(const PairingFacts& facts)
+Findings findingsAboutPairing(const TrustFacts& facts)
 {
-    Findings findings;
-    if (facts.ownKey)
-        findings.push_back(aboutOwnKey(*facts.ownKey));
+    Findings findings{aboutOwnKey(facts.ownKey)};
     for (const PairedPeer& device : facts.devices)
         findings.push_back(aboutDevice(device));
     if (facts.devices.empty())

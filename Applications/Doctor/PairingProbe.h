@@ -18,7 +18,7 @@ struct Platform;
 struct OwnKeyFact {
     std::string path;  ///< of its file
     std::string key;   ///< as in `PairedPeer`; empty when it was not made yet or cannot be used
-    std::string fault; ///< why it cannot be used; else empty
+    std::string fault; ///< why it cannot be used, and what helps; else empty
 };
 
 /// What the screen server says of the connection there is.
@@ -27,9 +27,9 @@ struct ConnectionFact {
     std::string cipher; ///< foreign: "TLS_AES_256_GCM_SHA384"
 };
 
-struct PairingFacts {
-    std::optional<OwnKeyFact> ownKey; ///< nothing when nobody looked
-    std::vector<PairedPeer> devices;  ///< that the user has confirmed
+struct TrustFacts {
+    OwnKeyFact ownKey;
+    std::vector<PairedPeer> devices; ///< that the user has confirmed
     /// Devices that were confirmed when they had no keys yet, and not since.
     std::size_t withoutKey = 0;
     std::optional<ConnectionFact> connection;
@@ -40,8 +40,8 @@ std::string shownKey(const std::string& key);
 /// Of the server's answer; nothing when it does not say what encrypts the connection.
 std::optional<ConnectionFact> connectionFact(const Notification& answer);
 
-/// What the settings tell. Changes nothing.
-PairingFacts pairingFacts(Platform& platform);
-Findings findingsAboutPairing(const PairingFacts& facts);
+/// What the key's file and the settings tell. Changes nothing, and makes no key.
+TrustFacts trustFacts(Platform& platform);
+Findings findingsAboutPairing(const TrustFacts& facts);
 
 } // namespace farview

@@ -152,10 +152,14 @@ void AutoConnector::userChoseNone()
 AutoConnector::Names AutoConnector::strangers(const ServiceList& services) const
 {
     Names names;
-    for (const auto& service : services)
-        names.insert(service->name());
-    for (const PairedPeer& peer : mServices.paired.all())
-        names.erase(peer.name);
+    const auto peers = mServices.paired.all();
+    for (const auto& service : services) {
+        const auto isKnown = [&](const PairedPeer& peer) {
+            return mayBeOneDevice(peer.name, service->name());
+        };
+        if (std::none_of(peers.begin(), peers.end(), isKnown))
+            names.insert(service->name());
+    }
     return names;
 }
 

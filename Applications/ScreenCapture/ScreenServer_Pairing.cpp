@@ -25,7 +25,8 @@ Report reportOf(const LinkEnd& end, bool wasPairing)
         return Report::tooManyTries;
     if (end.goodbye == LinkGoodbyeCode::notConfirmed)
         return Report::refusedThere;
-    if (end.reason == LinkEndReason::notSecured)
+    // No device answers by itself what it was not offered.
+    if (end.reason == LinkEndReason::notSecured || end.reason == LinkEndReason::noAgreement)
         return Report::interfered;
     if (end.reason == LinkEndReason::noOwnKey)
         return Report::keyUnusable;

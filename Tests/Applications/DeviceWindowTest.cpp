@@ -60,7 +60,8 @@ protected:
     DeviceWindow window{texts,
                         {[this] { ++closed; }, [this] { ++disconnects; },
                          [this](bool isShown) { shown.push_back(isShown); },
-                         [this] { ++confirmed; }, [this] { ++refused; },
+                         [this](const auto& digits) { confirmed += digits == "482913"; },
+                         [this] { ++refused; },
                          [this](const auto& key) { forgotten.push_back(key); }}};
 };
 
@@ -388,6 +389,10 @@ TEST_F(DeviceWindowTest, AMinimisedWindowComesForwardToAsk)
     window.setWindowState(Qt::WindowMinimized);
     window.showStatus(status);
     EXPECT_TRUE(window.isMinimized()) << "once for each question";
+    status.toConfirm->digits = "000111";
+    window.showStatus(status);
+    EXPECT_FALSE(window.isMinimized()) << "another one";
+    window.setWindowState(Qt::WindowMinimized);
     status.toConfirm.reset();
     window.showStatus(status);
     EXPECT_TRUE(window.isMinimized()) << "the end of the question is no reason to come";
@@ -464,6 +469,53 @@ TEST_F(DeviceWindowTest, AQuestionComesBeforeTheList)
     status.toConfirm.reset();
     window.showStatus(status);
     EXPECT_TRUE(button("knownBack").isVisible()) << "the user is where he was";
+}
+
+QStringList cutTexts(const QWidget& window)
+{
+    QStringList cut;
+    for (const QLabel* each : window.findChildren<QLabel*>()) {
+        if (each->isVisible() && each->height() < each->heightForWidth(each->width()))
+            cut += each->text();
+    }
+    for (const QPushButton* each : window.findChildren<QPushButton*>()) {
+        const QRect seen = each->visibleRegion().boundingRect();
+        if (each->isVisible() && seen.width() < each->sizeHint().width())
+            cut += each->text();
+    }
+    return cut;
+}
+
+TEST(DeviceWindowInEachLanguage, CutsNoTextThoughLettersAreLarge)
+{
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(2 * usual.pointSizeF());
+    QApplication::setFont(large);
+    DeviceStatus status{.announcedName = "Desk", .port = 6001};
+    status.computers = {{std::string(64, 'a'), "2001:db8::d250:99ff:fe81:2c4f", {}, {}}};
+    for (const char* language : {"en", "de", "es", "fr", "it", "pt-BR", "ja", "zh-Hans"}) {
+        const DeviceTexts texts({language});
+        DeviceWindow window(texts, {[] {}, [] {}, [](bool) {}, [] {}, [] {}, [](const auto&) {}});
+        status.toConfirm.reset();
+        window.showStatus(status);
+        window.show();
+        const auto expectWhole = [&](const char* page) {
+            QApplication::processEvents();
+            EXPECT_EQ(cutTexts(window).join(u'\n').toStdString(), "") << language << page;
+        };
+        expectWhole(" status");
+        window.findChild<QPushButton*>(QStringLiteral("knownComputers"))->click();
+        expectWhole(" list");
+        window.findChild<QPushButton*>(QStringLiteral("knownRemove"))->click();
+        expectWhole(" removed");
+        status.toConfirm = ComputerToConfirm{.digits = "482913", .address = "192.0.2.9"};
+        window.showStatus(status);
+        expectWhole(" question");
+        window.resize(360, 300);
+        expectWhole(" narrow question");
+    }
+    QApplication::setFont(usual);
 }
 
 TEST(RateText, IsCountedNotPromised)

@@ -37,6 +37,7 @@ protected:
         center.postFromAnotherProcess(kServerPairingDidChange, {{kPairingReportKey, text}});
         fake.runLoop.runUntilIdle();
     }
+    void settle() { fake.runLoop.advance(PairingAnswer::settling); }
     void hearConnected()
     {
         center.postFromAnotherProcess(kServerConnectedToDevice, {{kDeviceNameKey, "desk.local"}});
@@ -70,13 +71,15 @@ TEST_F(PairingAnswerTest, ConfirmsTheDigitsThatAreInQuestionAndTellsWhatIsLeftTo
     hear(State::comparing);
     EXPECT_EQ(center.countOf(kConfirmDevice), 1);
     hear(State::confirmed);
+    settle();
     expect(true, "Now confirm it at Desk, too.");
 }
 
-TEST_F(PairingAnswerTest, TellsThatADeviceIsConnectedThatHadConfirmedBefore)
+TEST_F(PairingAnswerTest, TellsThatADeviceIsConnectedWhoseUserWasQuicker)
 {
     begin(Answer::confirm);
     hear(State::comparing);
+    hear(State::confirmed);
     hear(State::none);
     EXPECT_FALSE(outcome) << "connected, or refused by another program: that is to come";
     hearConnected();
@@ -101,10 +104,37 @@ TEST_F(PairingAnswerTest, ConfirmsNothingWhereNothingIsInQuestion)
     expectNothingAnswered();
 }
 
+TEST_F(PairingAnswerTest, AServerThatTellsOfTheConnectionAloneHasNothingInQuestion)
+{
+    for (const char* told : {kServerDisconnectedFromDevice, kQueryResultForConnectedHost}) {
+        center.forgetPosts();
+        outcome.reset();
+        begin(Answer::confirm);
+        center.postFromAnotherProcess(told);
+        fake.runLoop.runUntilIdle();
+        EXPECT_FALSE(outcome);
+        settle();
+        expect(false, "No device asks about 482 913 now.");
+    }
+}
+
+TEST_F(PairingAnswerTest, WaitsForTheQuestionAfterWhatIsToldOfTheConnection)
+{
+    begin(Answer::confirm);
+    center.postFromAnotherProcess(kServerDisconnectedFromDevice);
+    hear(State::comparing);
+    settle();
+    EXPECT_FALSE(outcome);
+    hear(State::confirmed);
+    settle();
+    expect(true, "Now confirm it at Desk, too.");
+}
+
 TEST_F(PairingAnswerTest, ConfirmingTwiceComesToTheSame)
 {
     begin(Answer::confirm);
     hear(State::confirmed);
+    settle();
     expect(true, "Now confirm it at Desk, too.");
     expectNothingAnswered();
 }
@@ -122,7 +152,7 @@ TEST_F(PairingAnswerTest, TellsThatAnotherProgramRefusedMeanwhile)
     begin(Answer::confirm);
     hear(State::comparing);
     hear(State::none);
-    fake.runLoop.advance(PairingAnswer::connectionLimit);
+    settle();
     expect(false, "No device asks about 482 913 now.");
 }
 
@@ -136,7 +166,7 @@ TEST_F(PairingAnswerTest, RefusesAlsoWhatWasConfirmedHere)
         EXPECT_EQ(center.postsNamed(kRefuseDevice),
                   (std::vector<Post>{{kRefuseDevice, "", {{kDigitsKey, "482913"}}, 3}}));
         hear(State::none);
-        fake.runLoop.advance(PairingAnswer::connectionLimit);
+        settle();
         expect(true, "The device is not confirmed. No picture was sent.");
     }
 }
@@ -157,6 +187,15 @@ TEST_F(PairingAnswerTest, WithoutAServerItEndsInTime)
     expect(false, "The screen server does not answer.");
 }
 
+TEST_F(PairingAnswerTest, TellsThatTheDevicesUserRefusedAtOnce)
+{
+    begin(Answer::confirm);
+    hear(State::comparing);
+    hear(State::confirmed);
+    hear(State::refusedThere);
+    expect(false, "Somebody said no at Desk. No picture was sent.");
+}
+
 TEST_F(PairingAnswerTest, AServerThatSaysNothingMoreIsNotWaitedForWithoutEnd)
 {
     begin(Answer::confirm);
@@ -169,6 +208,7 @@ TEST_F(PairingAnswerTest, NoForeignNameControlsTheTerminal)
 {
     begin(Answer::confirm);
     hear(State::confirmed, "482913", "Desk\x1b[2J%2$@");
+    settle();
     expect(true, "Desk\\x1B[2J%2$@");
 }
 

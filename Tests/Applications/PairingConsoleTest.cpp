@@ -1,5 +1,6 @@
 #include "Applications/Device/PairingConsole.h"
 
+#include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <QAbstractEventDispatcher>
@@ -9,6 +10,9 @@
 
 #include <array>
 #include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 using namespace farview;
@@ -57,10 +61,12 @@ protected:
     std::array<int, 2> pipe = openedPipe();
     int confirmed = 0;
     int refused = 0;
+    bool isAccepted = true;
     std::vector<std::string> said;
     DeviceStatus status;
     PairingConsole console{pipe[0],
-                           {[this] { ++confirmed; }, [this] { ++refused; },
+                           {[this](const auto&) { return isAccepted && ++confirmed; },
+                            [this] { ++refused; },
                             [this](const std::string& line) { said.push_back(line); }}};
 };
 
@@ -95,6 +101,14 @@ TEST_F(PairingConsoleTest, TheSameDigitsConfirm)
     type("13\r\n");
     EXPECT_TRUE(hears(confirmed));
     EXPECT_EQ(refused, 0);
+}
+
+TEST_F(PairingConsoleTest, DigitsThatAreNoLongerAskedForConfirmNothing)
+{
+    isAccepted = false;
+    ask();
+    type("482913\n");
+    EXPECT_TRUE(saysWhatIsExpected());
 }
 
 TEST_F(PairingConsoleTest, NoRefuses)
@@ -163,6 +177,40 @@ TEST_F(PairingConsoleTest, ReadsOnlyWhileThereIsAQuestion)
     type("no\n");
     pass();
     EXPECT_EQ(refused, 0);
+}
+
+/// Answers "no" at once, in the background of that terminal, and is to hear it in the foreground.
+void beDeviceInTheBackground(int terminal, int user, int ready)
+{
+    ::setpgid(0, 0);
+    int refused = 0;
+    PairingConsole console(terminal, {[](const auto&) { return true; }, [&] { ++refused; },
+                                      [](const std::string&) {}});
+    DeviceStatus status;
+    status.toConfirm = ComputerToConfirm{.digits = "482913", .address = "192.0.2.9"};
+    console.showStatus(status);
+    EXPECT_EQ(::write(user, "no\n", 3), 3);
+    runLoopFor(std::chrono::milliseconds(100));
+    EXPECT_EQ(refused, 0);
+    EXPECT_EQ(::write(ready, "x", 1), 1);
+    EXPECT_TRUE(waitUntil([&] { return refused == 1; }));
+}
+
+TEST_F(PairingConsoleTest, InTheBackgroundOfATerminalItIsNotStoppedAndReadsWhenItsTurnComes)
+{
+    ForkedProcess shell([this] {
+        int terminal = -1;
+        int user = -1;
+        ::setsid();
+        ASSERT_EQ(::openpty(&user, &terminal, nullptr, nullptr, nullptr), 0);
+        ASSERT_EQ(::ioctl(terminal, TIOCSCTTY, 0), 0);
+        ForkedProcess device([&] { beDeviceInTheBackground(terminal, user, pipe[1]); });
+        pollfd ready{pipe[0], POLLIN, 0};
+        ASSERT_EQ(::poll(&ready, 1, 10'000), 1) << "it was stopped";
+        ASSERT_EQ(::tcsetpgrp(terminal, device.pid()), 0);
+        EXPECT_EQ(device.wait(), 0);
+    });
+    EXPECT_EQ(shell.wait(), 0);
 }
 
 } // namespace

@@ -1,14 +1,20 @@
 #include "Applications/Doctor/PairingProbe.h"
 
 #include "Common/FVEDistributedNotifications.h"
+#include "Link/Keys/OwnKey.h"
+#include "Link/Keys/PairingProof.h"
 #include "Platform/Fake/FakePlatform.h"
 #include "Tests/Applications/DoctorNames.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 using namespace farview;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace
@@ -30,19 +36,46 @@ std::optional<ConnectionFact> factOf(const UserInfo& answer)
 class PairingProbe : public testing::Test
 {
 protected:
-    Findings examine() { return findingsAboutPairing(pairingFacts(fake.platform())); }
+    Findings examine() { return findingsAboutPairing(trustFacts(fake.platform())); }
+    std::string keyPath() const
+    {
+        return home.path("config/farview/com.quillon.ScreenCapture.pem");
+    }
 
+    TemporaryFolder home;
+    ScopedEnvironment config{"XDG_CONFIG_HOME", home.path("config").c_str()};
     FakePlatform fake;
     PairedPeers devices{fake.preferences, PairedPeers::devices};
 };
 
+TEST_F(PairingProbe, ShowsThisComputersKeyAndMakesNone)
+{
+    EXPECT_THAT(names(examine()), ElementsAre("key-missing", "none"));
+    EXPECT_FALSE(std::filesystem::exists(home.path("config")));
+    const auto own = ownKey(keyPath());
+    ASSERT_TRUE(own.key);
+    const auto findings = examine();
+    EXPECT_THAT(names(findings), ElementsAre("key", "none"));
+    EXPECT_EQ(findings.front().details.at("path"), keyPath());
+    EXPECT_EQ(findings.front().details.at("key"), shownKey(hexadecimal(own.key->fingerprint)));
+}
+
+TEST_F(PairingProbe, SaysWhyThisComputersKeyCannotBeUsedAndLeavesItAlone)
+{
+    ASSERT_TRUE(ownKey(keyPath()).key);
+    std::filesystem::permissions(keyPath(), std::filesystem::perms{0644});
+    const auto findings = examine();
+    EXPECT_THAT(troubles(findings), ElementsAre("key-unusable"));
+    EXPECT_THAT(findings.front().details.at("fault"), HasSubstr("other users may read"));
+    EXPECT_FALSE(ownKey(keyPath()).key) << "it is still the same";
+}
+
 TEST_F(PairingProbe, NamesEachDeviceThatIsConfirmed)
 {
-    EXPECT_THAT(names(examine()), ElementsAre("none"));
     devices.add({key, "Desk", march, {march.secondsSince1970 + 3600}});
     const auto findings = examine();
-    EXPECT_THAT(names(findings), ElementsAre("device"));
-    EXPECT_EQ(findings.front().details,
+    EXPECT_THAT(names(findings), ElementsAre("key-missing", "device"));
+    EXPECT_EQ(findings.back().details,
               (std::map<std::string, std::string>{{"name", "Desk"},
                                                   {"key", "a1b2 c3d4"},
                                                   {"since", "2026-03-01T12:00:00Z"},
@@ -53,10 +86,10 @@ TEST_F(PairingProbe, ADeviceWithoutANameIsOneThatWasChosenByItsAddress)
 {
     devices.add({key, "", march, march});
     const auto findings = examine();
-    EXPECT_THAT(names(findings), ElementsAre("device"));
-    EXPECT_EQ(findings.front().text.key,
+    EXPECT_THAT(names(findings), ElementsAre("key-missing", "device"));
+    EXPECT_EQ(findings.back().text.key,
               "A device chosen by its address, key %@: confirmed %@, used last %@.");
-    EXPECT_EQ(findings.front().text.values.front(), "a1b2 c3d4");
+    EXPECT_EQ(findings.back().text.values.front(), "a1b2 c3d4");
 }
 
 TEST_F(PairingProbe, CountsWhatWasConfirmedWithoutAKeyAndNotSince)
@@ -76,32 +109,19 @@ TEST_F(PairingProbe, CountsWhatWasConfirmedWithoutAKeyAndNotSince)
 
 TEST(PairingFindings, ShowThisComputersKeyAsTheDeviceDoes)
 {
-    PairingFacts facts;
+    TrustFacts facts;
     facts.ownKey = OwnKeyFact{"/home/anna/key.pem", key, ""};
     const auto findings = findingsAboutPairing(facts);
     EXPECT_THAT(names(findings), ElementsAre("key", "none"));
     EXPECT_EQ(findings.front().text.values, std::vector<std::string>{"a1b2 c3d4"});
 }
 
-TEST(PairingFindings, SayWhyTheKeyCannotBeUsedAndThatOneIsStillToCome)
-{
-    PairingFacts facts;
-    facts.ownKey = OwnKeyFact{"/home/anna/key.pem", "", ""};
-    EXPECT_THAT(names(findingsAboutPairing(facts)), ElementsAre("key-missing", "none"));
-    EXPECT_THAT(troubles(findingsAboutPairing(facts)), IsEmpty());
-    facts.ownKey->fault = "others can read it";
-    const auto findings = findingsAboutPairing(facts);
-    EXPECT_THAT(troubles(findings), ElementsAre("key-unusable"));
-    EXPECT_EQ(findings.front().severity, Severity::problem);
-    EXPECT_EQ(findings.front().details.at("path"), "/home/anna/key.pem");
-}
-
 TEST(PairingFindings, SayWhatEncryptsTheConnection)
 {
-    PairingFacts facts;
+    TrustFacts facts;
     facts.connection = ConnectionFact{"desk.local", "TLS_AES_256_GCM_SHA384"};
     const auto findings = findingsAboutPairing(facts);
-    EXPECT_THAT(names(findings), ElementsAre("none", "encrypted"));
+    EXPECT_THAT(names(findings), ElementsAre("key-missing", "none", "encrypted"));
     EXPECT_EQ(findings.back().details.at("cipher"), "TLS_AES_256_GCM_SHA384");
 }
 

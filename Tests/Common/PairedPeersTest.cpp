@@ -44,6 +44,16 @@ TEST(TrustIn, IsGivenToAKeyUnderTheNameItWasConfirmedWith)
     EXPECT_EQ(trustIn({}, keyOf('a'), "Pad"), PeerTrust::stranger);
 }
 
+TEST(TrustIn, IsGivenToADeviceThatTheNetworkNumbered)
+{
+    const std::vector<PairedPeer> peers{peer('a', "Pad"), peer('b', "Slab #3")};
+    EXPECT_EQ(trustIn(peers, keyOf('a'), "Pad #2"), PeerTrust::known);
+    EXPECT_EQ(trustIn(peers, keyOf('b'), "Slab"), PeerTrust::known);
+    EXPECT_EQ(trustIn(peers, keyOf('c'), "Pad #2"), PeerTrust::stranger);
+    for (const char* name : {"Pad#2", "Pad #", "Pad 2", "Pad #2 ", "#2", " #2", "2"})
+        EXPECT_EQ(trustIn(peers, keyOf('a'), name), PeerTrust::stranger) << name;
+}
+
 TEST(TrustIn, IsGivenToEachOfTwoDevicesOfOneNameThatWereStored)
 {
     const std::vector<PairedPeer> peers{peer('a', "Pad"), peer('b', "Pad")};

@@ -67,14 +67,7 @@ protected:
     {
         return serverLog() + "\nDesk:\n" + text(logOf("Desk")) + "\nSofa:\n" + text(logOf("Sofa"));
     }
-    std::uint16_t portOf(const std::string& name) const
-    {
-        const std::string log = text(logOf(name));
-        const auto found = log.find("\", port ");
-        return found == std::string::npos
-                   ? std::uint16_t{0}
-                   : static_cast<std::uint16_t>(std::stoi(log.substr(found + 8)));
-    }
+    std::uint16_t portOf(const std::string& name) const { return portIn(logOf(name)); }
 
     std::map<std::string, std::unique_ptr<ChildProcess>> devices;
 };

@@ -53,7 +53,10 @@ private:
             post(kQueryResultForConnectedHost, {{kDeviceNameKey, "desk-7.local"},
                                                 {kDeviceAddressKey, "10.88.0.1"},
                                                 {kCipherKey, "TLS_AES_256_GCM_SHA384"}});
-        postReport();
+        else
+            post(kServerDisconnectedFromDevice, {});
+        if (report.state != State::none)
+            postReport();
     }
     void take(const Notification& request)
     {
@@ -72,6 +75,15 @@ private:
 class DoctorCommands : public ServerAndDevice
 {
 protected:
+    /// Nobody is confirmed yet.
+    void SetUp() override
+    {
+        ServerAndDevice::SetUp();
+        if (IsSkipped())
+            return;
+        for (const auto& device : devices().all())
+            devices().forget(device.key);
+    }
     DoctorRun run(const std::vector<std::string>& arguments) const
     {
         return {environment, arguments};

@@ -1,6 +1,7 @@
 // The diagnosis as a program, on a machine of the test's own on which one thing after another
 // breaks.
 
+#include "Common/Rules/PairingReport.h"
 #include "Platform/Desktop/Discovery/DesktopNetServicePublisher.h"
 #include "Tests/Integration/DoctorRun.h"
 #include "Tests/Integration/ServerAndDevice.h"
@@ -188,6 +189,42 @@ TEST_F(Doctor, FindsThatThereIsNoNetwork)
 {
     const UnpluggedNetwork unplugged;
     expect(examine(), "discovery.loopback-only", "blocked", 1);
+}
+
+TEST_F(Doctor, TellsWhatEncryptsTheConnectionWhichEndsWhenTheDeviceIsForgotten)
+{
+    startServer();
+    startAnnouncedDevice();
+    connectByName();
+    const auto run = examine();
+    EXPECT_EQ(run.detail("pairing.encrypted", "device"), "desk-7.local") << run.output();
+    EXPECT_THAT(run.detail("pairing.encrypted", "cipher"), HasSubstr("TLS_"));
+    EXPECT_TRUE(run.finds("pairing.key"));
+    panel->reports.clear();
+    EXPECT_EQ(examine({"--forget", "Desk"}).status(), 0);
+    EXPECT_TRUE(panel->hears(kServerDisconnectedFromDevice)) << serverLog();
+}
+
+TEST_F(Doctor, AnswersWhatTheServerAsks)
+{
+    PairingReport report;
+    const auto life = std::make_shared<int>();
+    panel->center().addObserver(
+        life,
+        [&](const Notification& heard) { report = pairingReport(heard.text(kPairingReportKey)); },
+        kServerPairingDidChange, "");
+    startServer();
+    EXPECT_THAT(examine({"--confirm", "482913"}).output(), HasSubstr("No device asks"));
+    startAnnouncedDevice();
+    EXPECT_EQ(examine({"--forget", "Desk"}).status(), 0);
+    panel->connectTo("desk-7.local");
+    ASSERT_TRUE(waitUntil([&] { return report.state == PairingReport::State::comparing; }))
+        << serverLog() << deviceLog();
+    const auto confirmed = examine({"--confirm", report.digits});
+    EXPECT_EQ(confirmed.status(), 0);
+    EXPECT_THAT(confirmed.output(), HasSubstr("Now confirm it at Desk, too."));
+    EXPECT_EQ(examine({"--refuse", report.digits}).status(), 0);
+    EXPECT_EQ(report.state, PairingReport::State::none);
 }
 
 TEST_F(Doctor, FindsThatTheServerDoesNotRunAlthoughItShould)

@@ -85,13 +85,17 @@ protected:
         ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
         panel->reports.clear();
     }
-    /// Connects to a device as another computer does; `anotherHost` tells what comes of it.
-    std::shared_ptr<LinkConnection> occupyDevice(std::uint16_t port)
+    static std::unique_ptr<QSslSocket> connectedTo(std::uint16_t port)
     {
         auto socket = std::make_unique<QSslSocket>();
         socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
         EXPECT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
-        auto link = LinkConnection::make(LinkSide::host, std::move(socket), anotherHost,
+        return socket;
+    }
+    /// Connects to a device as another computer does; `anotherHost` tells what comes of it.
+    std::shared_ptr<LinkConnection> occupyDevice(std::uint16_t port)
+    {
+        auto link = LinkConnection::make(LinkSide::host, connectedTo(port), anotherHost,
                                          keyOfHost(), ownGreeting(), LinkTimes{});
         EXPECT_TRUE(waitUntil([this] { return anotherHost->opened; }));
         return link;
@@ -108,6 +112,15 @@ protected:
     {
         return waitUntil([&] { return text("device.log").find(words) != std::string::npos; },
                          limit);
+    }
+    /// Where the device of that log listens; 0 before it was announced.
+    std::uint16_t portIn(const std::string& log) const
+    {
+        const std::string words = text(log);
+        const auto found = words.find("\", port ");
+        return found == std::string::npos
+                   ? std::uint16_t{0}
+                   : static_cast<std::uint16_t>(std::stoi(words.substr(found + 8)));
     }
     static std::int32_t serverPid() { return GetPIDForProcessName("ScreenCapture"); }
     bool serverEnded(milliseconds limit = seconds(10)) const

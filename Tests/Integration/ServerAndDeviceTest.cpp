@@ -163,6 +163,18 @@ TEST_F(ServerAndDevice, LeaveADeviceAloneThatIsNotNeeded)
     EXPECT_THAT(text("second.log"), HasSubstr("There is a device already: Desk"));
 }
 
+TEST_F(ServerAndDevice, ADeviceWithoutStandardInputReadsNoOtherFileInItsPlace)
+{
+    device = std::make_unique<ChildProcess>(
+        std::vector<std::string>{"sh", "-c",
+                                 "exec \"$0\" --headless <&- 2>'" + home.path("device.log") + "'",
+                                 FARVIEW_BINARY_DIR "/farview-device"},
+        environment);
+    ASSERT_TRUE(deviceSays("Announced")) << deviceLog();
+    const auto input = "/proc/" + std::to_string(device->pid()) + "/fd/0";
+    EXPECT_EQ(std::filesystem::read_symlink(input), "/dev/null");
+}
+
 TEST_F(ServerAndDevice, AnswerTheCommandLine)
 {
     const auto answer = [this](const std::vector<std::string>& arguments) {

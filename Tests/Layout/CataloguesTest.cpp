@@ -41,7 +41,13 @@ const std::vector<std::string> rooms = {"Source",
 
 // Lines of the log and words to other computers, which stay as they are.
 const Keys notForTheUser = {"Couldn't find any matches.",
+                            "Another computer is being confirmed.",
+                            "Another computer uses this device now.",
                             "IOServiceMatching returned a NULL dictionary.",
+                            "The device's user refused.",
+                            "The device's user removed this computer.",
+                            "This device's own key cannot be used.",
+                            "Too many computers were refused: try again in ten minutes.",
                             "The device was switched off.",
                             "The device's user disconnected.",
                             "The picture breaks the rules of the link.",

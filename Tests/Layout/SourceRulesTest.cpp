@@ -146,6 +146,25 @@ TEST(SourceRules, ThePlatformIsAskedAboutOnlyInItsOwnRooms)
     }
 }
 
+TEST(SourceRules, NoProductIsBuiltWithALinkInClear)
+{
+    const std::filesystem::path root = FARVIEW_SOURCE_DIR;
+    std::vector<std::string> builders;
+    for (auto entry = std::filesystem::recursive_directory_iterator(root);
+         entry != std::filesystem::recursive_directory_iterator(); ++entry) {
+        const std::string name = entry->path().filename();
+        if (name.starts_with("build") || name == ".git")
+            entry.disable_recursion_pending();
+        else if (name.starts_with("CMake") || name.ends_with(".cmake")) {
+            std::ifstream stream(entry->path());
+            const std::string text(std::istreambuf_iterator<char>(stream), {});
+            if (text.find("IN_CLEAR") != std::string::npos)
+                builders.push_back(std::filesystem::relative(entry->path(), root));
+        }
+    }
+    EXPECT_THAT(builders, testing::ElementsAre("Benchmarks/CMakeLists.txt"));
+}
+
 TEST(SourceRules, ASourceStaysReadableInOneSitting)
 {
     for (const auto& file : productSources()) {

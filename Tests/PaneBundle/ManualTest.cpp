@@ -101,8 +101,8 @@ std::string quoted(const std::string& path) { return "'" + path + "'"; }
 std::set<std::string> textsOnTheScreen(const std::string& language)
 {
     std::set<std::string> texts;
-    for (const char* bundle : {"PaneBundle", "PaneBundle/UniversalAccess"}) {
-        const auto path = fs::path(FARVIEW_SOURCE_DIR) / bundle / (language + ".lproj");
+    for (const char* folder : {"PaneBundle", "PaneBundle/UniversalAccess", "Applications/Device"}) {
+        const auto path = fs::path(FARVIEW_SOURCE_DIR) / folder / (language + ".lproj");
         const auto parsed = StringsFile::parse(contents(path / "Localizable.strings"));
         for (auto [key, text] : *parsed.texts) {
             std::erase(text, '&');

@@ -97,11 +97,29 @@ TEST_F(PanePairing, YesAndNoGoToTheServerWithTheDigits)
 {
     const farview::DistributedNotificationCenter::TextUserInfo digits{{kDigitsKey, "482913"}};
     choosePadWith(comparing);
+    after(1);
     pressYes();
     EXPECT_THAT(posts(kConfirmDevice), ElementsAre(Post{kConfirmDevice, "", digits, 3}));
     EXPECT_THAT(posts(kRefuseDevice), IsEmpty());
     pressNo();
     EXPECT_THAT(posts(kRefuseDevice), ElementsAre(Post{kRefuseDevice, "", digits, 3}));
+}
+
+// The question appears where the open menu was, on which the second click may still be on its way.
+TEST_F(PanePairing, AYesThatComesTooSoonToBeMeantIsNone)
+{
+    choosePadWith(comparing);
+    pressYes();
+    EXPECT_THAT(posts(kConfirmDevice), IsEmpty());
+    after(0.9);
+    serverReports({State::comparing, "004711", "Pad"});
+    after(0.9);
+    pressYes();
+    EXPECT_THAT(posts(kConfirmDevice), IsEmpty()) << "these digits are newer";
+    after(0.1);
+    pressYes();
+    EXPECT_EQ(posts(kConfirmDevice).size(), 1U);
+    EXPECT_TRUE(pane->pairingNoButton()->isEnabled());
 }
 
 TEST_F(PanePairing, AfterTheYesItIsTheDevicesTurnAndCanBeGivenUp)
@@ -233,6 +251,7 @@ TEST_F(PanePairing, AnotherKeyIsRefusedAndForgettingTheOldOneAsksAgain)
     EXPECT_TRUE(errorIsSaid());
     EXPECT_THAT(answers(), ElementsAre("Forget the Old One"));
     ASSERT_EQ(posts(kConnectServerToHost).size(), 1U);
+    after(1);
     pressYes();
     ASSERT_EQ(peers().all().size(), 1U);
     EXPECT_EQ(peers().all().front().name, "Slab");
@@ -250,6 +269,7 @@ TEST_F(PanePairing, ADeviceThatHasGoneIsForgottenAndNothingIsAsked)
     peers().add({std::string(64, 'a'), "Pad", {}, {}});
     choosePadWith(changed);
     leave({"Pad"});
+    after(1);
     pressYes();
     EXPECT_THAT(peers().all(), IsEmpty());
     EXPECT_EQ(posts(kConnectServerToHost).size(), 1U);
@@ -304,6 +324,18 @@ TEST_F(PanePairing, NothingStaleRemains)
         EXPECT_FALSE(boxShows());
         hide();
     }
+}
+
+TEST_F(PanePairing, TheQuestionStaysWhenTheWatchdogFindsThatTheServerRunsAfterAll)
+{
+    showWithPad();
+    after(11);
+    ASSERT_EQ(switchState(), 0) << "no server was seen";
+    fake.processTable.add(4711, "ScreenCapture");
+    serverReports(comparing);
+    after(11);
+    ASSERT_EQ(switchState(), 1);
+    EXPECT_TRUE(boxShows());
 }
 
 TEST_F(PanePairing, TheSheetForAnAddressGivesWayToTheQuestion)

@@ -105,6 +105,7 @@ protected:
     void serverReports(const PairingReport& report)
     {
         serverPosts(kServerPairingDidChange, {{kPairingReportKey, textOfPairingReport(report)}});
+        fake.runLoop.advance(Duration(1.0)); // no answer counts before
     }
     /// The user is asked to compare digits with that device.
     void compareWith(const std::string& device)

@@ -131,6 +131,16 @@ TEST_F(RightToLeft, TheDigitsToCompareStandAsOnTheDevice)
     }
 }
 
+TEST_F(RightToLeft, TheDigitsToCompareBeginWhereTheQuestionDoes)
+{
+    open();
+    compareWith("Desk");
+    const QRect digits = placeIn(*view, *find<QLabel>("pairingDigitsLabel"));
+    const QRect question = placeIn(*view, *find<QLabel>("pairingLabel"));
+    EXPECT_EQ(digits.right(), question.right());
+    EXPECT_LT(digits.width(), question.width()) << "no room is left beside them in their own label";
+}
+
 TEST_F(RightToLeft, TheTextsAreTheLanguagesOwn)
 {
     open();

@@ -28,7 +28,8 @@ if looks.language(LOOK) in pseudo.ALPHABETS:
     BUILD = pseudo.copy_that_speaks(BUILD, looks.language(LOOK))
 # Programs tell places in points, of which a sharp screen has fewer than dots.
 SHARPNESS = int(looks.environment(LOOK).get("QT_SCALE_FACTOR", "1"))
-WORDS = looks.Words([os.path.join(BUILD, pane) for pane in pseudo.PANES], looks.language(LOOK))
+WORDS = looks.Words([os.path.join(BUILD, pane, "Contents", "Resources") for pane in pseudo.PANES]
+                    + [os.path.join(ROOT, "Applications", "Device")], looks.language(LOOK))
 BUTTON = ("push button", "button", "check box", "toggle button", "switch")
 MENU_ENTRY = ("menu item", "check menu item", "radio menu item")
 DEVICE = "Living Room Tablet"
@@ -303,6 +304,21 @@ def start(*command, **environment):
 def start_tablet(name):
     """A device whose window is on a display of its own."""
     return start("farview-device", "--name", name, DISPLAY=TABLET, QT_SCALE_FACTOR="1", QT_QPA_PLATFORM="xcb")
+
+
+def compare_digits(press):
+    """What the first connection takes: a look at panel and device, and a yes at each. `press` presses a button of the panel."""
+    yes = wait("the panel asks for the digits", lambda: enabled(find(BUTTON, "Yes, These Digits")))
+    digits = next((text for text in texts() if re.fullmatch("[0-9]( [0-9]){5}", text)), "none")
+    theirs = wait("the device asks, too", lambda: enabled(find(BUTTON, "Yes, the Same", "farview-device")))
+    if digits not in texts("farview-device"):
+        failures.append("panel and device show the same digits")
+    step("The first time, the panel shows six digits", "digits")
+    step("The device shows the same", "digits-device", display=TABLET)
+    press(yes)
+    wait("it is the device's turn", lambda: not find(BUTTON, "Yes, These Digits"))
+    if theirs:
+        theirs.queryAction().doAction(0)  # the mouse does not reach its display
 
 
 def stop(child):

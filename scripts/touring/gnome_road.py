@@ -14,8 +14,8 @@ from gi.repository import Gio, GLib  # noqa: E402
 
 from touring import looks  # noqa: E402
 from touring.desk import (  # noqa: E402
-    BUTTON, DEVICE, device_menu, failures, find, HOME, LOOK, MENU_ENTRY, running, seen, start, start_tablet, step, stop, TABLET,
-    take_picture, texts, wait, walk)
+    BUTTON, compare_digits, DEVICE, device_menu, failures, find, HOME, LOOK, MENU_ENTRY, running, seen,
+    start, start_tablet, step, stop, TABLET, take_picture, texts, wait, walk)
 
 bus = Gio.bus_get_sync(Gio.BusType.SESSION)
 
@@ -81,6 +81,7 @@ def main():
     waiting = tablet_picture("waiting")
     press(wait("the device menu", device_menu))
     press(seen(MENU_ENTRY, DEVICE))
+    compare_digits(press)
     wait("GNOME has a second monitor", lambda: len(monitors()[0]) == 2)
     size = looks.tablet_size(LOOK).replace("x", " × ")
     wait("the panel says how large it is", lambda: any(size in text for text in texts()))

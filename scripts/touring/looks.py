@@ -60,10 +60,12 @@ def language(look):
 class Words:
     """The texts of the windows in a language; the English ones are their keys."""
 
-    def __init__(self, bundles, language):
+    def __init__(self, folders, language):
         self.texts = {}
-        for bundle in bundles:
-            path = os.path.join(bundle, "Contents", "Resources", f"{language}.lproj", "Localizable.strings")
+        for folder in folders:
+            path = os.path.join(folder, f"{language}.lproj", "Localizable.strings")
+            if not os.path.exists(path):
+                continue  # the device speaks no invented language
             with open(path, encoding="utf-8") as file:
                 for key, text in re.findall(r'^"((?:[^"\\]|\\.)*)" = "((?:[^"\\]|\\.)*)";', file.read(), re.MULTILINE):
                     self.texts.setdefault(as_shown(key), as_shown(text))

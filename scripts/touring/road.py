@@ -16,9 +16,10 @@ import pyatspi  # noqa: E402
 
 from touring import looks, screens  # noqa: E402
 from touring.desk import (  # noqa: E402
-    BUTTON, children, click, click_at, DEVICE, device_menu, drag, enabled, failures, find, FOLDER, HOME, LOOK, MENU_ENTRY,
-    mouse, number_of_windows, place_of, press, ROOT, running, say, seen, SHARPNESS, showing, start, start_tablet, step, stop,
-    TABLET, texts, type_text, wait, wait_quietly, walk, WAYLAND, windows_of, WORDS)
+    BUTTON, children, click, click_at, compare_digits, DEVICE, device_menu, drag, enabled, failures,
+    find, FOLDER, HOME, LOOK, MENU_ENTRY, mouse, number_of_windows, place_of, press, ROOT, running, say, seen,
+    SHARPNESS, showing, start, start_tablet, step, stop, TABLET, texts, type_text, wait, wait_quietly, walk, WAYLAND,
+    windows_of, WORDS)
 
 OFF = "Farview is currently turned off."
 ON = "Farview is currently on."
@@ -79,7 +80,7 @@ def main():
     step("A device announced itself and stands in the menu", "menu")
 
     click(entry)
-    time.sleep(0.05)
+    compare_digits(click)
     wait("the device is the selected one", lambda: device_menu().name == DEVICE)
     wait("the device is in use", lambda: is_in_use(0))
     let_the_wheel_stop()

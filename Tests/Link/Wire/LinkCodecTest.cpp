@@ -58,6 +58,11 @@ std::vector<LinkFrame> everyFrame()
             LinkOptions{false, true, true, false},
             LinkKeepAlive{},
             LinkGoodbye{LinkGoodbyeCode::quitting, "See you"},
+            LinkStanding{true},
+            LinkStanding{false},
+            LinkCommitment{{1, 2, 3}},
+            LinkNonce{{4, 5, 6}},
+            LinkConfirmed{},
             LinkGoodbye{LinkGoodbyeCode::brokenRule, ""},
             LinkScreenRectangle{{-1, 2, 300, -4}, 4, {9, 8, 7}},
             LinkScreenRectangle{},
@@ -221,7 +226,8 @@ TEST(FrameCodec, WritesTheHeadOfAFrameWithoutAPicturesData)
 TEST(FrameCodec, ReadsBackEveryFrameWhateverThePieces)
 {
     for (const LinkFrame& frame : everyFrame()) {
-        expectCompleteOnlyAtTheEnd(encodeFrame(frame), decodeFrame);
+        expectCompleteOnlyAtTheEnd(encodeFrame(frame),
+                                   [](ByteView bytes) { return decodeFrame(bytes); });
         EXPECT_EQ(decodeFrame(encodeFrame(frame)).value, frame);
     }
 }

@@ -118,7 +118,7 @@ TEST_F(DevicePairing, LetsAComputerInThatBothUsersConfirmed)
 {
     start();
     const auto asking = stranger();
-    server->confirmComputer();
+    server->acceptDigits(server->status().toConfirm->digits);
     EXPECT_TRUE(toConfirm()->isConfirmedHere);
     EXPECT_THAT(computers.all(), SizeIs(1)) << "the computer's user has not confirmed yet";
     asking->link->confirm();
@@ -133,7 +133,7 @@ TEST_F(DevicePairing, AComputerThatWasConfirmedIsNotAskedAboutAgain)
 {
     start();
     auto asking = stranger();
-    server->confirmComputer();
+    server->acceptDigits(server->status().toConfirm->digits);
     asking->link->confirm();
     ASSERT_TRUE(waitUntil([&] { return asking->seen->opened && isUsed(); }));
     asking.reset();
@@ -151,7 +151,7 @@ TEST_F(DevicePairing, SendsAComputerAwayThatItsUserRefuses)
     ASSERT_TRUE(isSentAway(*asking));
     EXPECT_EQ(asking->goodbye(), LinkGoodbyeCode::notConfirmed);
     EXPECT_THAT(shownKeys(), ElementsAre(knownKey));
-    server->confirmComputer();
+    server->acceptDigits(server->status().toConfirm->digits);
     EXPECT_FALSE(isUsed()) << "there is nobody to confirm";
 }
 
@@ -173,7 +173,7 @@ TEST_F(DevicePairing, ForgetsTheQuestionWhenTheComputerIsGone)
 {
     start();
     auto asking = stranger();
-    server->confirmComputer();
+    server->acceptDigits(server->status().toConfirm->digits);
     asking.reset();
     ASSERT_TRUE(waitUntil([&] { return !toConfirm(); }));
     EXPECT_THAT(computers.all(), SizeIs(1));
@@ -197,7 +197,7 @@ TEST_F(DevicePairing, AKnownComputerDoesNotWaitForAStranger)
     ASSERT_TRUE(waitUntil([&] { return known->seen->opened && isUsed(); }));
     ASSERT_TRUE(isSentAway(*asking));
     EXPECT_EQ(asking->goodbye(), LinkGoodbyeCode::inUse);
-    server->confirmComputer();
+    server->acceptDigits(server->status().toConfirm->digits);
     EXPECT_THAT(shownKeys(), ElementsAre(knownKey));
 }
 
@@ -208,7 +208,7 @@ TEST_F(DevicePairing, AKnownComputerThatForgotTheDeviceTakesAStrangersPlaceToo)
     const auto known = computer(keyOfHost(), false);
     ASSERT_TRUE(waitUntil([&] { return known->isAsked() && toConfirm(); }));
     EXPECT_EQ(toConfirm()->digits, known->seen->digits);
-    server->confirmComputer();
+    server->acceptDigits(server->status().toConfirm->digits);
     known->link->confirm();
     ASSERT_TRUE(waitUntil([&] { return known->seen->opened && isUsed(); }));
     EXPECT_THAT(shownKeys(), ElementsAre(knownKey));
@@ -300,7 +300,7 @@ TEST_F(DevicePairing, AComputerThatCannotBeStoredIsLetInAllTheSame)
     start();
     const auto asking = stranger();
     fake.preferences.setWritesFail(true);
-    server->confirmComputer();
+    server->acceptDigits(server->status().toConfirm->digits);
     asking->link->confirm();
     ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
     EXPECT_TRUE(fake.log.contains("cannot be remembered"));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Common/Rules/PairingReport.h"
 #include "Tests/Integration/ManInTheMiddle.h"
 #include "Tests/Integration/ServerAndDevice.h"
 
@@ -22,19 +21,6 @@ class LinkAttack : public ServerAndDevice
 protected:
     using State = PairingReport::State;
 
-    void SetUp() override
-    {
-        ServerAndDevice::SetUp();
-        if (IsSkipped())
-            return;
-        panel->center().addObserver(
-            life,
-            [this](const Notification& heard) {
-                report = pairingReport(heard.text(kPairingReportKey));
-            },
-            kServerPairingDidChange, "");
-    }
-
     /// The device at a port where nobody looks for it, and the man where it should be.
     void startAroundMan()
     {
@@ -51,7 +37,7 @@ protected:
     }
     void ask()
     {
-        report = {};
+        panel->pairing = {};
         panel->reports.clear();
         panel->connectToAddress("127.0.0.1");
     }
@@ -68,7 +54,7 @@ protected:
     }
     bool reports(State state)
     {
-        return waitUntil([&] { return report.state == state; });
+        return waitUntil([&] { return panel->pairing.state == state; });
     }
     /// What the server reports of an attempt that must fail.
     State failure()
@@ -79,9 +65,12 @@ protected:
     State failureOf()
     {
         EXPECT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane)) << serverLog() << deviceLog();
-        return report.state;
+        return panel->pairing.state;
     }
-    void answer(const char* yesOrNo) { panel->post(yesOrNo, {{kDigitsKey, report.digits}}); }
+    void answer(const char* yesOrNo)
+    {
+        panel->post(yesOrNo, {{kDigitsKey, panel->pairing.digits}});
+    }
     /// Says at the device that the computer shows these; false when it does not ask for them.
     bool acceptsAtDevice(const std::string& digits)
     {
@@ -115,8 +104,6 @@ protected:
     }
 
     std::unique_ptr<ManInTheMiddle> man;
-    std::shared_ptr<int> life = std::make_shared<int>();
-    PairingReport report;
 };
 
 /// Nobody was ever confirmed.

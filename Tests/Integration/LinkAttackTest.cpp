@@ -141,7 +141,7 @@ TEST_F(LinkAttack, AnotherDeviceUnderTheSameNameAndHostNameIsShownNothing)
     startDevice();
     panel->connectTo("desk-7.local");
     EXPECT_EQ(failureOf(), State::changed);
-    EXPECT_EQ(report.device, "Desk");
+    EXPECT_EQ(panel->pairing.device, "Desk");
     EXPECT_TRUE(deviceSays("Another device has this name here")) << deviceLog();
     for (const char* words : {"options", "Connected", "shows"})
         EXPECT_THAT(deviceLog(), Not(HasSubstr(words)));

@@ -8,8 +8,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <map>
 #include <sched.h>
 #include <unistd.h>
+#include <vector>
 
 namespace farview
 {
@@ -35,13 +39,7 @@ std::vector<QByteArray> secrets()
             pixels("SRQ\0", 4),
             byteArray(encodeFrame(LinkOptions{true, true, false, true})),
             byteArray(encodeFrame(LinkOptions{false, true, false, true})),
-            byteArray(encodeFrame(LinkPictureSize{1920, 1080})),
-            byteArray(encodeFrame(LinkDeviceScreen{1920, 1080, 100, 60})),
-            byteArray(encodeFrame(LinkFrameEnd{1})),
-            byteArray(encodeFrame(LinkShown{1, 0})).left(12),
-            byteArray(encodeFrame(LinkStanding{false})),
-            byteArray(encodeFrame(LinkConfirmed{})),
-            byteArray(encodeFrame(LinkGoodbye{}))};
+            byteArray(encodeFrame(LinkPictureSize{1920, 1080}))};
 }
 
 /// Whether it is a greeting or an answer, then the records of one handshake, then nothing but
@@ -78,11 +76,17 @@ protected:
         ASSERT_EQ(::sethostname("a-private-computer", 18), 0);
         environment["USER"] = environment["LOGNAME"] = "a-private-user";
         preferences->setCurrentState(1);
+        PairedPeers(*stored, PairedPeers::devices)
+            .add({hexadecimal(keyOfDevice().fingerprint), {}, {}, {}});
         desktop.showOnce(1);
     }
-    bool deviceShows(const std::string& pixel)
+    /// Paints where the monitor is or is about to come, until the picture has arrived.
+    bool paintsUntil(const std::function<bool()>& hasArrived)
     {
-        return waitUntil([&] { return text("picture.ppm").ends_with(pixel); });
+        return waitUntil([&] {
+            desktop.fill({1920, 0, 1920, 1080}, kColour);
+            return hasArrived();
+        });
     }
     /// Everything that users do: they pair, look at a picture, change an option, and go.
     void useIt()
@@ -93,11 +97,11 @@ protected:
         startServer();
         ask();
         ASSERT_TRUE(reports(State::comparing)) << serverLog() << deviceLog();
-        ASSERT_TRUE(acceptsAtDevice(report.digits));
+        ASSERT_TRUE(acceptsAtDevice(panel->pairing.digits));
         answer(kConfirmDevice);
         ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
-        desktop.fill({1920, 0, 1920, 1080}, kColour);
-        ASSERT_TRUE(deviceShows("QRSQRSQRSQRS")) << serverLog() << deviceLog();
+        ASSERT_TRUE(paintsUntil([this] { return text("picture.ppm").ends_with("QRSQRSQRS"); }))
+            << serverLog() << deviceLog();
         preferences->setEnableTouchDisplay(false);
         ASSERT_TRUE(deviceSays("these options: retina windows-move-back\n")) << deviceLog();
         disconnect();
@@ -122,6 +126,31 @@ TEST_F(LinkCaptureTest, NoNameNoPixelAndNoSettingTravelsInClear)
             EXPECT_FALSE(stream.contains(secret)) << secret.toHex().toStdString();
         expectRecordsOnly(stream);
     }
+}
+
+TEST_F(LinkCaptureTest, NoFrameTravelsAsTheDeviceReadsIt)
+{
+    LinkCapture capture(6001);
+    LinkListener place;
+    place.listen(QHostAddress::LocalHost, 6001);
+    startServer();
+    ask();
+    ASSERT_TRUE(waitUntil([&] { return place.hasPendingConnections(); })) << serverLog();
+    const auto heard = std::make_shared<LinkRecorder>();
+    const auto link = LinkConnection::make(LinkSide::device, place.next(), heard, keyOfDevice(),
+                                           ownGreeting(), LinkTimes{});
+    ASSERT_TRUE(waitUntil([&] { return heard->opened; })) << serverLog();
+    link->send(LinkDeviceScreen{800, 600, 100, 60});
+    const auto isPicture = [](const LinkFrame& frame) {
+        return std::holds_alternative<LinkScreenRectangle>(frame);
+    };
+    ASSERT_TRUE(paintsUntil([&] {
+        return std::any_of(heard->frames.begin(), heard->frames.end(), isPicture);
+    })) << serverLog();
+    const QByteArray stream = capture.streams().first;
+    EXPECT_TRUE(stream.contains(kLinkScreenFeature)) << "what is in clear is found";
+    for (const LinkFrame& frame : heard->frames)
+        EXPECT_FALSE(stream.contains(byteArray(encodeFrame(frame)).left(64)));
 }
 
 } // namespace farview

@@ -65,7 +65,7 @@ TEST_F(PairingAttack, AManWithKeysOfHisOwnMakesTheDigitsDiffer)
     asHost.begin(LinkSide::host, connectedTo(portIn("device.log")));
     ASSERT_TRUE(asDevice.showsDigits() && asHost.showsDigits()) << serverLog() << deviceLog();
     ASSERT_TRUE(reports(State::comparing));
-    EXPECT_EQ(report.digits, asDevice.heard->digits);
+    EXPECT_EQ(panel->pairing.digits, asDevice.heard->digits);
     EXPECT_TRUE(deviceSays(groupedDigits(asHost.heard->digits)));
     EXPECT_NE(asDevice.heard->digits, asHost.heard->digits);
 
@@ -102,8 +102,8 @@ TEST_F(PairingAttack, AYesAtTheDeviceAloneOpensNothing)
     startAroundMan();
     ask();
     ASSERT_TRUE(reports(State::comparing)) << serverLog() << deviceLog();
-    EXPECT_FALSE(acceptsAtDevice(report.digits == "123456" ? "654321" : "123456"));
-    ASSERT_TRUE(acceptsAtDevice(report.digits)) << deviceLog() << text("accept.log");
+    EXPECT_FALSE(acceptsAtDevice(panel->pairing.digits == "123456" ? "654321" : "123456"));
+    ASSERT_TRUE(acceptsAtDevice(panel->pairing.digits)) << deviceLog() << text("accept.log");
     runLoopFor(milliseconds(500));
     EXPECT_EQ(panel->last(kServerConnectedToDevice), nullptr);
     answer(kRefuseDevice);

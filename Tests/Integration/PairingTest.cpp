@@ -211,6 +211,7 @@ TEST_F(Pairing, NeedsAKeyThatNobodyElseMayRead)
     ASSERT_TRUE(deviceSays("Announced"));
     panel->connectTo("desk-7.local");
     ASSERT_TRUE(says(State::keyUnusable)) << serverLog();
+    ASSERT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));
     EXPECT_THAT(serverLog(), HasSubstr("Remove the file"));
     std::filesystem::permissions(path, std::filesystem::perms::group_read,
                                  std::filesystem::perm_options::remove);

@@ -204,6 +204,7 @@ TEST_F(ScreenServerPairing, TellsWhyADeviceCannotEvenBeComparedWith)
         {{LinkEndReason::noOwnKey, "it is broken"}, State::keyUnusable},
         {{LinkEndReason::goodbye, "", std::nullopt, LinkGoodbyeCode::tooManyTries},
          State::tooManyTries},
+        {{LinkEndReason::noAgreement, "what was not offered"}, State::interfered},
         {{LinkEndReason::goodbye, "", std::nullopt, LinkGoodbyeCode::inUse}, State::none},
         {{LinkEndReason::refused, "", LinkRefusalCode::inUse}, State::none},
         {{LinkEndReason::lost, ""}, State::none},

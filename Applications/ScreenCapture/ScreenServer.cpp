@@ -122,6 +122,7 @@ void ScreenServer::connectToHost(const Notification& notification)
         mServices.log.write(LogLevel::warning, "A request to connect names no host");
         return;
     }
+    const bool isUnderWay = tookOverAttempt(*hostName);
     takeRequest();
     mAutoConnector->userChose(*hostName);
     if (isConnectedTo(*hostName, mDeviceAddress)) {
@@ -130,7 +131,7 @@ void ScreenServer::connectToHost(const Notification& notification)
         announceState();
         return;
     }
-    if (tookOverAttempt(*hostName))
+    if (isUnderWay)
         return;
     leaveDevice();
     takeOrder({*hostName, {}, {}}, false);

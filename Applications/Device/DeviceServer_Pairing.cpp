@@ -34,8 +34,10 @@ LinkTrust DeviceServer::linkDidProveKey(LinkConnection& connection)
     if (!isKnown)
         return false;
     // Whom the user knows does not wait for whom the user does not.
-    if (mStranger)
+    if (mStranger) {
         mStranger->close({LinkGoodbyeCode::inUse, "Another computer uses this device now."});
+        strangerLeft();
+    }
     mUser = &connection;
     return true;
 }
@@ -104,8 +106,9 @@ void DeviceServer::computersChanged()
     DeviceStatus status = mStatus;
     status.computers = mComputers.all();
     tell(status);
-    if (mUser && mUser->isOpen() &&
-        trustIn(status.computers, mUser->peerKey(), {}) != PeerTrust::known)
+    // One that is compared with at this moment is known when its users say so.
+    const bool isCompared = mUser && !mUser->isOpen() && !mUser->digits().empty();
+    if (mUser && !isCompared && trustIn(status.computers, mUser->peerKey(), {}) != PeerTrust::known)
         mUser->close({LinkGoodbyeCode::byUser, "The device's user removed this computer."});
 }
 

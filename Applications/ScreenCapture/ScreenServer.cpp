@@ -199,7 +199,7 @@ void ScreenServer::takeRequest()
     mServices.chosenDevice.set({});
     mRequestedAt = mServices.runLoop.now();
     ++mRequest;
-    if (!mIsPairing)
+    if (!isPairing())
         setPairing(PairingReport::State::none);
 }
 
@@ -223,10 +223,10 @@ bool ScreenServer::isConnectedTo(const std::string& deviceName, const std::strin
 /// the user is asked about.
 bool ScreenServer::tookOverAttempt(const std::string& hostName)
 {
-    const bool isLeft = mPairing != PairingReport{} && !mIsPairing;
+    const bool isLeft = mPairing != PairingReport{} && !isPairing();
     if (mState != State::connecting || isLeft || mDeviceName != hostName)
         return false;
-    if (!mIsAutomatic && !mIsPairing)
+    if (!mIsAutomatic && !isPairing())
         return false;
     mIsAutomatic = false;
     return true;
@@ -254,7 +254,7 @@ void ScreenServer::leaveDevice()
     endScreen();
     if (before == State::connecting || before == State::connected)
         mServices.link.disconnect(
-            mIsPairing ? LinkGoodbyeCode::notConfirmed : LinkGoodbyeCode::byUser, {});
+            isPairing() ? LinkGoodbyeCode::notConfirmed : LinkGoodbyeCode::byUser, {});
     pairingEnded();
     if (before == State::connected)
         announceState();

@@ -140,6 +140,8 @@ private:
     void confirmDevice(const Notification& notification);
     void refuseDevice(const Notification& notification);
     void pairedDevicesChanged(const Notification& notification);
+    /// Whether the user was shown digits, and nothing came of it yet.
+    bool isPairing() const { return !mPairing.digits.empty(); }
     bool isComparing(const Notification& answer) const;
     void pairingEnded();
     void keepDevice(const ConnectedDevice& device);
@@ -173,7 +175,6 @@ private:
     PairedPeers mPaired;
     PairingGuard mGuard;
     PairingReport mPairing;
-    bool mIsPairing = false;
     LinkOptions mSentOptions;
     /// As the device that is connected told it.
     std::optional<LinkDeviceScreen> mDeviceScreen;

@@ -53,13 +53,10 @@ LinkTrust ScreenServer::deviceDidProveKey(const std::string& key)
 
 std::optional<LinkGoodbye> ScreenServer::mayNotAskUser()
 {
-    const bool isClosed = mGuard.isClosed(mServices.runLoop.now());
-    if (mIsAutomatic || isClosed) {
-        setPairing(mIsAutomatic ? Report::unconfirmed : Report::tooManyTries);
-        return LinkGoodbye{LinkGoodbyeCode::notConfirmed, "Nobody chose this device there."};
-    }
-    mIsPairing = true;
-    return std::nullopt;
+    if (!mIsAutomatic && !mGuard.isClosed(mServices.runLoop.now()))
+        return std::nullopt;
+    setPairing(mIsAutomatic ? Report::unconfirmed : Report::tooManyTries);
+    return LinkGoodbye{LinkGoodbyeCode::notConfirmed, "Nobody chose this device there."};
 }
 
 void ScreenServer::deviceShowsDigits(const std::string& digits)
@@ -72,8 +69,7 @@ void ScreenServer::deviceShowsDigits(const std::string& digits)
 bool ScreenServer::isComparing(const Notification& answer) const
 {
     const std::string* digits = answer.text(kDigitsKey);
-    return digits && mPairing.state == Report::comparing &&
-           mPairing.digits == *digits;
+    return digits && mPairing.state == Report::comparing && mPairing.digits == *digits;
 }
 
 void ScreenServer::confirmDevice(const Notification& notification)
@@ -104,7 +100,7 @@ void ScreenServer::pairedDevicesChanged(const Notification& /*notification*/)
 /// One that came to nothing was a guess, if somebody is in between.
 void ScreenServer::pairingEnded()
 {
-    if (!std::exchange(mIsPairing, false))
+    if (!isPairing())
         return;
     mGuard.failed(mServices.runLoop.now());
     setPairing(Report::none);
@@ -114,7 +110,7 @@ void ScreenServer::deviceDidNotConnect(const LinkEnd& end)
 {
     if (mState != State::connecting)
         return;
-    const auto report = reportOf(end, mIsPairing);
+    const auto report = reportOf(end, isPairing());
     pairingEnded();
     // Who did not ask is told of danger only.
     if (report == Report::interfered || (report != Report::none && !mIsAutomatic))
@@ -125,7 +121,6 @@ void ScreenServer::deviceDidNotConnect(const LinkEnd& end)
 void ScreenServer::keepDevice(const ConnectedDevice& device)
 {
     mDevice = device;
-    mIsPairing = false;
     setPairing(Report::none);
     const auto now = mServices.clock.date().time_since_epoch();
     const Date today{std::chrono::duration<double>(now).count()};
@@ -150,8 +145,7 @@ void ScreenServer::strangerIsInSight(const std::string& serviceName)
 void ScreenServer::setPairing(PairingReport::State state, const std::string& digits)
 {
     const std::string& device = mServiceName.empty() ? mDeviceAddress : mServiceName;
-    const PairingReport report{state, digits,
-                               state == Report::none ? std::string{} : device};
+    const PairingReport report{state, digits, state == Report::none ? std::string{} : device};
     if (std::exchange(mPairing, report) != report)
         postPairing();
 }

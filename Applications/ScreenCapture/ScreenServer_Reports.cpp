@@ -68,6 +68,7 @@ void ScreenServer::quit()
         return;
     mState = State::quitting;
     mServices.chosenDevice.set({});
+    setPairing(PairingReport::State::none);
     endScreen();
     mEnding.quitting();
     if (mBrowser)

@@ -2,13 +2,13 @@
 
 #include <QCryptographicHash>
 #include <QMessageAuthenticationCode>
-#include <QRandomGenerator>
 #include <QSslCertificate>
 
 #include <openssl/x509.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
 
@@ -59,7 +59,8 @@ std::string hexadecimal(const LinkDigest& digest)
 LinkDigest makeNonce()
 {
     LinkDigest nonce{};
-    QRandomGenerator::system()->generate(nonce.begin(), nonce.end());
+    // From the kernel, and never in vain.
+    ::arc4random_buf(nonce.data(), nonce.size());
     return nonce;
 }
 

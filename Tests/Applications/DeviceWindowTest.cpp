@@ -496,7 +496,8 @@ TEST(DeviceWindowInEachLanguage, CutsNoTextThoughLettersAreLarge)
     status.computers = {{std::string(64, 'a'), "2001:db8::d250:99ff:fe81:2c4f", {}, {}}};
     for (const char* language : {"en", "de", "es", "fr", "it", "pt-BR", "ja", "zh-Hans"}) {
         const DeviceTexts texts({language});
-        DeviceWindow window(texts, {[] {}, [] {}, [](bool) {}, [] {}, [] {}, [](const auto&) {}});
+        DeviceWindow window(
+            texts, {[] {}, [] {}, [](bool) {}, [](const auto&) {}, [] {}, [](const auto&) {}});
         status.toConfirm.reset();
         window.showStatus(status);
         window.show();

@@ -194,7 +194,7 @@ TEST_F(LinkHandshakeAttack, StrangersWhoSendMegabytesFillNoMemory)
         settings.setPrivateKey(keyOfDevice().secret);
         settings.setLocalCertificate(keyOfDevice().certificate);
     };
-    const LinkScreenRectangle large{.data = Bytes(kLinkScreenDataLimit)};
+    const LinkScreenRectangle large{{}, QLScreenEncodingLibz, Bytes(kLinkScreenDataLimit)};
     std::vector<Peer> peers;
     for (int number = 0; number < 8; ++number) {
         peers.push_back(host());

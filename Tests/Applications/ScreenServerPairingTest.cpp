@@ -368,6 +368,22 @@ TEST_F(ScreenServerPairing, AnAttemptThatShowedNoDigitsIsNoFailure)
     }
 }
 
+TEST_F(ScreenServerPairing, ADeviceThatLeavesOnceItCouldKnowTheDigitsHadItsGuess)
+{
+    start();
+    for (int count = 0; count < 3; ++count) {
+        requestTablet();
+        link.prove();
+        ASSERT_FALSE(link.mayNotAskUser()) << count;
+        link.guessIsSpent = true;
+        link.fail({LinkEndReason::lost, ""});
+        EXPECT_EQ(reported().state, State::notCompared);
+    }
+    requestTablet();
+    link.prove();
+    EXPECT_TRUE(link.mayNotAskUser());
+}
+
 TEST_F(ScreenServerPairing, ADeviceThatCannotBeStoredIsConnectedAllTheSame)
 {
     start();

@@ -21,7 +21,7 @@ Introduction::Step Introduction::take(const LinkFrame& frame, std::vector<LinkFr
     if (const auto* standing = std::get_if<LinkStanding>(&frame))
         return take(*standing);
     if (const auto* commitment = std::get_if<LinkCommitment>(&frame))
-        return take(*commitment, reply);
+        return take(*commitment);
     if (const auto* nonce = std::get_if<LinkNonce>(&frame))
         return take(*nonce, reply);
     if (const auto* confirmed = std::get_if<LinkConfirmed>(&frame))
@@ -33,7 +33,10 @@ Introduction::Step Introduction::take(const LinkStanding& frame)
 {
     if (std::exchange(mHasStanding, true))
         return Step::broken;
-    return mKnowsPeer && frame.knowsPeer ? Step::done : Step::strange;
+    if (mKnowsPeer && frame.knowsPeer)
+        return Step::done;
+    mIsStrange = true;
+    return mSide == LinkSide::device ? Step::strange : Step::goesOn;
 }
 
 void Introduction::beginPairing(std::vector<LinkFrame>& reply)
@@ -41,21 +44,21 @@ void Introduction::beginPairing(std::vector<LinkFrame>& reply)
     mIsPairing = true;
     if (mSide == LinkSide::device)
         reply.emplace_back(LinkCommitment{commitmentTo(mFacts.deviceNonce)});
+    else if (mCommitment)
+        reply.emplace_back(LinkNonce{ownNonce()});
 }
 
-Introduction::Step Introduction::take(const LinkCommitment& frame, std::vector<LinkFrame>& reply)
+Introduction::Step Introduction::take(const LinkCommitment& frame)
 {
-    if (mSide == LinkSide::device || !mIsPairing || mCommitment)
+    if (mSide == LinkSide::device || !mIsStrange || mCommitment)
         return Step::broken;
     mCommitment = frame.value;
-    reply.emplace_back(LinkNonce{ownNonce()});
-    return Step::goesOn;
+    return Step::strange;
 }
 
 Introduction::Step Introduction::take(const LinkNonce& frame, std::vector<LinkFrame>& reply)
 {
-    const bool isAwaited = mSide == LinkSide::host ? mCommitment.has_value() : mIsPairing;
-    if (!isAwaited || !mDigits.empty())
+    if (!mIsPairing || !mDigits.empty())
         return Step::broken;
     if (mSide == LinkSide::host && commitmentTo(frame.value) != *mCommitment)
         return Step::broken;

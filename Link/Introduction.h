@@ -15,7 +15,8 @@ class Introduction
 public:
     enum class Step {
         goesOn,  ///< the other's turn, or the user's
-        strange, ///< one does not know the other: `beginPairing`, or leave
+        strange, ///< one does not know the other, and it is this side's turn: `beginPairing`, or
+                 ///< leave
         compare, ///< the digits are known now: the user is to be asked
         done,    ///< each trusts the other
         broken,  ///< the other broke a rule, or its nonce is not what it was bound to
@@ -28,7 +29,8 @@ public:
     LinkFrame standing() const { return LinkStanding{mKnowsPeer}; }
     /// Takes in what the other side said; `reply` gets what to send.
     Step take(const LinkFrame& frame, std::vector<LinkFrame>& reply);
-    /// The user may be asked; once, after `strange`.
+    /// The user may be asked; once, after `strange`. Of a host the other side then learns all that
+    /// it needs to know the digits.
     void beginPairing(std::vector<LinkFrame>& reply);
     /// This side's user has compared the digits; nothing before there are any, or twice.
     Step confirm(std::vector<LinkFrame>& reply);
@@ -39,7 +41,7 @@ public:
 
 private:
     Step take(const LinkStanding& frame);
-    Step take(const LinkCommitment& frame, std::vector<LinkFrame>& reply);
+    Step take(const LinkCommitment& frame);
     Step take(const LinkNonce& frame, std::vector<LinkFrame>& reply);
     Step take(const LinkConfirmed& frame);
     LinkDigest& ownNonce();
@@ -49,6 +51,7 @@ private:
     bool mKnowsPeer;
     PairingFacts mFacts;
     bool mHasStanding = false; ///< the other's
+    bool mIsStrange = false;   ///< one does not know the other
     bool mIsPairing = false;
     std::optional<LinkDigest> mCommitment; ///< the device's, on the host's side
     std::string mDigits;

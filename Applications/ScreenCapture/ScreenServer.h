@@ -175,6 +175,8 @@ private:
     PairedPeers mPaired;
     PairingGuard mGuard;
     PairingReport mPairing;
+    /// Whether the device was told what it needs to know the digits, before they are shown here.
+    bool mIsGuess = false;
     LinkOptions mSentOptions;
     /// As the device that is connected told it.
     std::optional<LinkDeviceScreen> mDeviceScreen;

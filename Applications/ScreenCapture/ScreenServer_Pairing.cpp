@@ -53,7 +53,8 @@ LinkTrust ScreenServer::deviceDidProveKey(const std::string& key)
 
 std::optional<LinkGoodbye> ScreenServer::mayNotAskUser()
 {
-    if (!mIsAutomatic && !mGuard.isClosed(mServices.runLoop.now()))
+    mIsGuess = !mIsAutomatic && !mGuard.isClosed(mServices.runLoop.now());
+    if (mIsGuess)
         return std::nullopt;
     setPairing(mIsAutomatic ? Report::unconfirmed : Report::tooManyTries);
     return LinkGoodbye{LinkGoodbyeCode::notConfirmed, "Nobody chose this device there."};
@@ -100,10 +101,11 @@ void ScreenServer::pairedDevicesChanged(const Notification& /*notification*/)
 /// One that came to nothing was a guess, if somebody is in between.
 void ScreenServer::pairingEnded()
 {
-    if (!isPairing())
+    if (!std::exchange(mIsGuess, false))
         return;
     mGuard.failed(mServices.runLoop.now());
-    setPairing(Report::none);
+    if (isPairing())
+        setPairing(Report::none);
 }
 
 void ScreenServer::deviceDidNotConnect(const LinkEnd& end)
@@ -121,6 +123,7 @@ void ScreenServer::deviceDidNotConnect(const LinkEnd& end)
 void ScreenServer::keepDevice(const ConnectedDevice& device)
 {
     mDevice = device;
+    mIsGuess = false;
     setPairing(Report::none);
     const auto now = mServices.clock.date().time_since_epoch();
     const Date today{std::chrono::duration<double>(now).count()};

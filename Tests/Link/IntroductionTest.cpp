@@ -59,16 +59,16 @@ protected:
     void bothStandAsStrangers()
     {
         knows(false, false);
-        ASSERT_EQ(atHost.take(atDevice.introduction.standing()), Step::strange);
+        ASSERT_EQ(atHost.take(atDevice.introduction.standing()), Step::goesOn);
         ASSERT_EQ(atDevice.take(atHost.introduction.standing()), Step::strange);
     }
     /// Until the device is to reveal its nonce.
     void exchangeUntilTheHostsNonce()
     {
         bothStandAsStrangers();
-        atHost.beginPairing();
         atDevice.beginPairing();
-        ASSERT_EQ(atHost.take(atDevice.lastSaid()), Step::goesOn);
+        ASSERT_EQ(atHost.take(atDevice.lastSaid()), Step::strange);
+        atHost.beginPairing();
     }
     void exchangeNonces()
     {
@@ -96,7 +96,7 @@ TEST_F(IntroductionTest, EitherSideThatDoesNotKnowTheOtherMakesBothCompare)
 {
     for (const bool isKnownToHost : {true, false}) {
         knows(isKnownToHost, !isKnownToHost);
-        EXPECT_EQ(atHost.take(atDevice.introduction.standing()), Step::strange);
+        EXPECT_EQ(atHost.take(atDevice.introduction.standing()), Step::goesOn);
         EXPECT_EQ(atDevice.take(atHost.introduction.standing()), Step::strange);
     }
 }
@@ -215,8 +215,10 @@ TEST_F(IntroductionTest, EverythingBeforeTheOthersStandingBreaksTheRules)
 TEST_F(IntroductionTest, NobodyPairsUntilTheUserMayBeAsked)
 {
     bothStandAsStrangers();
-    EXPECT_EQ(atHost.take(LinkCommitment{}), Step::broken);
     EXPECT_EQ(atDevice.take(LinkNonce{}), Step::broken);
+    EXPECT_EQ(atHost.take(LinkCommitment{commitmentTo(filled(7))}), Step::strange);
+    EXPECT_THAT(atHost.said, IsEmpty());
+    EXPECT_EQ(atHost.take(LinkNonce{filled(7)}), Step::broken);
 }
 
 TEST_F(IntroductionTest, FramesOutOfOrderBreakTheRules)

@@ -35,6 +35,8 @@ public:
 
     /// Empty until both nonces are known.
     const std::string& digits() const { return mDigits; }
+    /// Whether the other side could know the digits by now.
+    bool isGuessSpent() const { return mCommitment.has_value() || !mDigits.empty(); }
     bool isConfirmedHere() const { return mIsConfirmedHere; }
 
 private:

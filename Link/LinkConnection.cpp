@@ -384,8 +384,10 @@ void LinkConnection::end(const LinkEnd& end)
     for (QTimer* timer : {&mDeadline, &mSilence, &mKeepAlive})
         timer->stop();
     mSocket->abort();
+    LinkEnd told = end;
+    told.isGuessSpent = !mWasOpened && mIntroduction && mIntroduction->isGuessSpent();
     if (const auto delegate = mDelegate.lock())
-        delegate->linkDidEnd(*this, end);
+        delegate->linkDidEnd(*this, told);
 }
 
 } // namespace farview

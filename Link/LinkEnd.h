@@ -30,6 +30,8 @@ struct LinkEnd {
     std::optional<LinkRefusalCode> refusal{};
     /// What the peer said when it said goodbye.
     std::optional<LinkGoodbyeCode> goodbye{};
+    /// Whether the peer could know the digits, and did not become known: it has used up a guess.
+    bool isGuessSpent = false;
 };
 
 } // namespace farview

@@ -110,8 +110,11 @@ void ScreenServer::deviceDidNotConnect(const LinkEnd& end)
 {
     if (mState != State::connecting)
         return;
-    const auto report = reportOf(end, isPairing());
-    pairingEnded();
+    const auto report = reportOf(end, end.isGuessSpent);
+    if (end.isGuessSpent)
+        mGuard.failed(mServices.runLoop.now());
+    if (isPairing())
+        setPairing(Report::none);
     // Who did not ask is told of danger only.
     if (report == Report::interfered || (report != Report::none && !mIsAutomatic))
         setPairing(report);

@@ -73,6 +73,7 @@ protected:
         EXPECT_TRUE(waitUntil([&] { return asking->isAsked() && toConfirm(); }));
         return asking;
     }
+    void confirm() { ASSERT_TRUE(server->acceptDigits(toConfirm()->digits)); }
     bool isSentAway(const StrangeComputer& who)
     {
         return waitUntil([&] { return who.seen->ended() && !toConfirm(); });
@@ -118,7 +119,7 @@ TEST_F(DevicePairing, LetsAComputerInThatBothUsersConfirmed)
 {
     start();
     const auto asking = stranger();
-    server->acceptDigits(server->status().toConfirm->digits);
+    confirm();
     EXPECT_TRUE(toConfirm()->isConfirmedHere);
     EXPECT_THAT(computers.all(), SizeIs(1)) << "the computer's user has not confirmed yet";
     asking->link->confirm();
@@ -133,7 +134,7 @@ TEST_F(DevicePairing, AComputerThatWasConfirmedIsNotAskedAboutAgain)
 {
     start();
     auto asking = stranger();
-    server->acceptDigits(server->status().toConfirm->digits);
+    confirm();
     asking->link->confirm();
     ASSERT_TRUE(waitUntil([&] { return asking->seen->opened && isUsed(); }));
     asking.reset();
@@ -151,8 +152,7 @@ TEST_F(DevicePairing, SendsAComputerAwayThatItsUserRefuses)
     ASSERT_TRUE(isSentAway(*asking));
     EXPECT_EQ(asking->goodbye(), LinkGoodbyeCode::notConfirmed);
     EXPECT_THAT(shownKeys(), ElementsAre(knownKey));
-    server->acceptDigits(server->status().toConfirm->digits);
-    EXPECT_FALSE(isUsed()) << "there is nobody to confirm";
+    EXPECT_FALSE(server->acceptDigits(asking->seen->digits)) << "there is nobody to confirm";
 }
 
 TEST_F(DevicePairing, AcceptsTheDigitsThatItShowsAndNoOthers)
@@ -173,7 +173,7 @@ TEST_F(DevicePairing, ForgetsTheQuestionWhenTheComputerIsGone)
 {
     start();
     auto asking = stranger();
-    server->acceptDigits(server->status().toConfirm->digits);
+    confirm();
     asking.reset();
     ASSERT_TRUE(waitUntil([&] { return !toConfirm(); }));
     EXPECT_THAT(computers.all(), SizeIs(1));
@@ -197,7 +197,7 @@ TEST_F(DevicePairing, AKnownComputerDoesNotWaitForAStranger)
     ASSERT_TRUE(waitUntil([&] { return known->seen->opened && isUsed(); }));
     ASSERT_TRUE(isSentAway(*asking));
     EXPECT_EQ(asking->goodbye(), LinkGoodbyeCode::inUse);
-    server->acceptDigits(server->status().toConfirm->digits);
+    EXPECT_FALSE(server->acceptDigits(asking->seen->digits));
     EXPECT_THAT(shownKeys(), ElementsAre(knownKey));
 }
 
@@ -208,7 +208,7 @@ TEST_F(DevicePairing, AKnownComputerThatForgotTheDeviceTakesAStrangersPlaceToo)
     const auto known = computer(keyOfHost(), false);
     ASSERT_TRUE(waitUntil([&] { return known->isAsked() && toConfirm(); }));
     EXPECT_EQ(toConfirm()->digits, known->seen->digits);
-    server->acceptDigits(server->status().toConfirm->digits);
+    confirm();
     known->link->confirm();
     ASSERT_TRUE(waitUntil([&] { return known->seen->opened && isUsed(); }));
     EXPECT_THAT(shownKeys(), ElementsAre(knownKey));
@@ -300,7 +300,7 @@ TEST_F(DevicePairing, AComputerThatCannotBeStoredIsLetInAllTheSame)
     start();
     const auto asking = stranger();
     fake.preferences.setWritesFail(true);
-    server->acceptDigits(server->status().toConfirm->digits);
+    confirm();
     asking->link->confirm();
     ASSERT_TRUE(waitUntil([&] { return isUsed(); }));
     EXPECT_TRUE(fake.log.contains("cannot be remembered"));

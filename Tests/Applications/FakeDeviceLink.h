@@ -27,6 +27,7 @@ public:
     void connectTo(const std::vector<Endpoint>& endpoints, const LinkOptions& options) override
     {
         attempts.push_back({endpoints, options});
+        guessIsSpent = false;
     }
     void setOptions(const LinkOptions& options) override { sentOptions.push_back(options); }
     void disconnect(LinkGoodbyeCode code, std::function<void()> then) override
@@ -51,11 +52,19 @@ public:
         mDelegate.lock()->deviceDidConnect({address, key, cipher, wasPaired});
     }
     void fail(const std::string& why) { fail({LinkEndReason::lost, why}); }
-    void fail(const LinkEnd& end) { mDelegate.lock()->deviceDidNotConnect(end); }
+    void fail(LinkEnd end)
+    {
+        end.isGuessSpent = guessIsSpent;
+        mDelegate.lock()->deviceDidNotConnect(end);
+    }
     /// The device proves its key; what the server says.
     LinkTrust prove() { return mDelegate.lock()->deviceDidProveKey(key); }
     std::optional<LinkGoodbye> mayNotAskUser() { return mDelegate.lock()->mayNotAskUser(); }
-    void showDigits(const std::string& digits) { mDelegate.lock()->deviceShowsDigits(digits); }
+    void showDigits(const std::string& digits)
+    {
+        guessIsSpent = true;
+        mDelegate.lock()->deviceShowsDigits(digits);
+    }
     void end(LinkEndReason reason) { mDelegate.lock()->deviceDidDisconnect({reason, "the end"}); }
 
     void deviceSends(const LinkFrame& frame) { mDelegate.lock()->deviceDidSend(frame); }
@@ -71,6 +80,8 @@ public:
     std::string cipher = "TLS_AES_256_GCM_SHA384";
     bool wasPaired = false;
     int confirmations = 0;
+    /// Whether the device of the attempt could know the digits.
+    bool guessIsSpent = false;
     bool room = true;
     std::vector<LinkFrame> sent;
     std::vector<Attempt> attempts;

@@ -204,6 +204,7 @@ TEST_F(ScreenServerPairing, TellsWhyADeviceCannotEvenBeComparedWith)
         {{LinkEndReason::noOwnKey, "it is broken"}, State::keyUnusable},
         {{LinkEndReason::goodbye, "", std::nullopt, LinkGoodbyeCode::tooManyTries},
          State::tooManyTries},
+        {{LinkEndReason::noAgreement, "what was not offered"}, State::interfered},
         {{LinkEndReason::goodbye, "", std::nullopt, LinkGoodbyeCode::inUse}, State::none},
         {{LinkEndReason::refused, "", LinkRefusalCode::inUse}, State::none},
         {{LinkEndReason::lost, ""}, State::none},
@@ -365,6 +366,22 @@ TEST_F(ScreenServerPairing, AnAttemptThatShowedNoDigitsIsNoFailure)
         link.fail({LinkEndReason::goodbye, "", std::nullopt, LinkGoodbyeCode::inUse});
         EXPECT_EQ(reported(), PairingReport{}) << "the usual error says it";
     }
+}
+
+TEST_F(ScreenServerPairing, ADeviceThatLeavesOnceItCouldKnowTheDigitsHadItsGuess)
+{
+    start();
+    for (int count = 0; count < 3; ++count) {
+        requestTablet();
+        link.prove();
+        ASSERT_FALSE(link.mayNotAskUser()) << count;
+        link.guessIsSpent = true;
+        link.fail({LinkEndReason::lost, ""});
+        EXPECT_EQ(reported().state, State::notCompared);
+    }
+    requestTablet();
+    link.prove();
+    EXPECT_TRUE(link.mayNotAskUser());
 }
 
 TEST_F(ScreenServerPairing, ADeviceThatCannotBeStoredIsConnectedAllTheSame)

@@ -131,6 +131,7 @@ TEST_F(PaneDiskFaults, AFullDiskLosesNothingAndStartsNoStorm)
 TEST_F(PaneDiskFaults, AFirstShowingOnAReadOnlyDiskWorks)
 {
     setReadOnly(true);
+    areConfirmed = false;
     load();
     listenTo(kFVEPrefsDidChangeNotification);
     show();

@@ -74,7 +74,8 @@ PaneSystem::~PaneSystem()
 void PaneSystem::load()
 {
     desktop.emplace(DesktopPlatformOptions{});
-    pairBeforehand(*platform().preferences, {"Desk", "Sofa", "Spare", "Willing"});
+    if (areConfirmed)
+        pairBeforehand(*platform().preferences, {"Desk", "Sofa", "Spare", "Willing"});
     installed.emplace(platform());
     bundle = platform().bundles->bundleWithPath(bundlePath);
     ASSERT_NE(bundle, nullptr);

@@ -90,6 +90,8 @@ protected:
     TemporaryFolder home;
     /// The pane's bundle: that of the build tree, unless a test takes another before `load`.
     std::string bundlePath = FARVIEW_PANE_BUNDLE;
+    /// Whether the users have confirmed computer and devices before.
+    bool areConfirmed = true;
     std::vector<std::unique_ptr<ScopedEnvironment>> environment;
     PrivateBus bus;
     FakeLog publisherLog;

@@ -63,6 +63,7 @@ protected:
     }
     void startServer()
     {
+        panel->reports.clear(); // a server before it said the same as it ended
         server = start("ScreenCapture", {}, "server.log");
         ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice)) << serverLog();
         panel->reports.clear();

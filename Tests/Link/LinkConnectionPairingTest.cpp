@@ -309,6 +309,25 @@ TEST_F(LinkPairingWithStranger, WaitsNotForLongForOneThatDoesNotGoOn)
     expectEnd(LinkEndReason::notAnswered);
 }
 
+TEST_F(LinkPairingWithStranger, OneThatLeavesOnceItCouldKnowTheDigitsHadItsGuess)
+{
+    for (const bool isBound : {false, true}) {
+        sockets = SocketPair();
+        seen = std::make_shared<LinkRecorder>();
+        seen->trust = false;
+        begin(LinkSide::host);
+        if (isBound) {
+            say(LinkCommitment{});
+            ASSERT_TRUE(
+                hears([](const auto& said) { return std::holds_alternative<LinkNonce>(said); }));
+        }
+        stranger->abort();
+        ASSERT_TRUE(waitUntil([&] { return seen->ended(); }));
+        EXPECT_EQ(seen->digits, "");
+        EXPECT_EQ(seen->ends.front().isGuessSpent, isBound);
+    }
+}
+
 TEST_F(LinkPairingWithStranger, OneThatConfirmsAloneIsNotLetIn)
 {
     beginDeviceAndCompare();

@@ -286,15 +286,38 @@ TEST(FrameCodec, RefusesNumbersThatNoPictureOrScreenHas)
         EXPECT_EQ(frameStatus(bytes), DecodeStatus::malformed) << what;
 }
 
+TEST(FrameCodec, RefusesALongFrameWhereOnlyShortOnesAreSaid)
+{
+    const Bytes head = encodeFrameHead(LinkScreenRectangle{{0, 0, 1, 1}, 0, Bytes(4096)});
+    EXPECT_EQ(decodeFrame(head).status, DecodeStatus::incomplete);
+    EXPECT_EQ(decodeFrame(head, kLinkShortPayloadLimit).status, DecodeStatus::malformed);
+    const LinkFrame longest = LinkGoodbye{LinkGoodbyeCode::byUser, std::string(5000, 'x')};
+    EXPECT_EQ(decodeFrame(encodeFrame(longest), kLinkShortPayloadLimit).status,
+              DecodeStatus::complete);
+}
+
+TEST(FrameCodec, RefusesIntroductionsOfAnotherSize)
+{
+    EXPECT_EQ(frameStatus({4, 0, 0, 0, 1, 0, 0, 0, 2}), DecodeStatus::malformed) << "no truth";
+    EXPECT_EQ(frameStatus({4, 0, 0, 0, 2, 0, 0, 0}), DecodeStatus::malformed);
+    EXPECT_EQ(frameStatus({5, 0, 0, 0, 31, 0, 0, 0}), DecodeStatus::malformed);
+    EXPECT_EQ(frameStatus({6, 0, 0, 0, 33, 0, 0, 0}), DecodeStatus::malformed);
+    EXPECT_EQ(frameStatus({7, 0, 0, 0, 1, 0, 0, 0}), DecodeStatus::malformed);
+}
+
 TEST(LinkFrame, IsSaidByOneSideOrBoth)
 {
     for (const LinkFrame& frame : everyFrame()) {
-        const bool isForBoth = std::holds_alternative<LinkKeepAlive>(frame) ||
+        const bool isAnyTime = std::holds_alternative<LinkKeepAlive>(frame) ||
                                std::holds_alternative<LinkGoodbye>(frame);
+        const bool isForBoth = isAnyTime || (isOfIntroduction(frame) &&
+                                             !std::holds_alternative<LinkCommitment>(frame));
         EXPECT_EQ(isFromHost(frame) && isFromDevice(frame), isForBoth);
         EXPECT_TRUE(isFromHost(frame) || isFromDevice(frame));
-        EXPECT_EQ(isOfPicture(frame), !isForBoth && !std::holds_alternative<LinkOptions>(frame));
+        EXPECT_EQ(isOfPicture(frame), !isAnyTime && !isOfIntroduction(frame) &&
+                                          !std::holds_alternative<LinkOptions>(frame));
     }
+    EXPECT_FALSE(isFromHost(LinkCommitment{}));
     EXPECT_FALSE(isFromHost(LinkShown{}));
     EXPECT_FALSE(isFromDevice(LinkFrameEnd{}));
 }

@@ -14,6 +14,8 @@ constexpr const char* nameKey = "Name";
 constexpr const char* sinceKey = "Since";
 constexpr const char* lastUsedKey = "LastUsed";
 constexpr std::size_t keySize = 64;
+constexpr double year2000 = 946'684'800;
+constexpr double year10000 = 253'402'300'800;
 
 template <typename Value>
 const Value* valueOf(const PropertyList::Dictionary& entries, const char* key)
@@ -63,6 +65,11 @@ bool usedEarlier(const PairedPeer& a, const PairedPeer& b)
 }
 
 } // namespace
+
+bool mayBeTrue(Date moment)
+{
+    return moment.secondsSince1970 >= year2000 && moment.secondsSince1970 < year10000;
+}
 
 bool mayBeOneDevice(const std::string& name, const std::string& other)
 {

@@ -17,11 +17,15 @@ struct PairedPeer {
     /// What the user knows it by: a device's name, the address at which a computer was last seen.
     /// Empty for a device that was reached by its address only. Foreign.
     std::string name;
-    Date since;    ///< when it was confirmed
-    Date lastUsed; ///< when a connection to it began last
+    Date since;    ///< when it was confirmed, if `mayBeTrue`
+    Date lastUsed; ///< when a connection to it began last, if `mayBeTrue`
 
     bool operator==(const PairedPeer&) const = default;
 };
+
+/// Whether a clock that was set can have told that moment. One that never was begins in 1970, as
+/// does what was stored without a date.
+bool mayBeTrue(Date moment);
 
 /// Whether two names may be those of one device: the network numbers a device, "Desk #2", that
 /// finds its own name taken, were it by its own announcement before it slept.

@@ -37,6 +37,8 @@ void end(int status, const QString& words) { QCoreApplication::exit(print({statu
 
 std::string localDate(Date date)
 {
+    if (!mayBeTrue(date))
+        return "?";
     return QDateTime::fromSecsSinceEpoch(static_cast<qint64>(date.secondsSince1970))
         .date()
         .toString(Qt::ISODate)

@@ -67,7 +67,7 @@ struct DeviceStatus {
     std::optional<ComputerToConfirm> toConfirm = {};
     /// Those that may use the device without a question; named by where they were seen last.
     std::vector<PairedPeer> computers = {};
-    /// Why no computer is let in, and what to do about it: the device's own key cannot be used.
+    /// Why the device's own key cannot be used, so that no computer is let in; in English.
     std::string keyTrouble = {};
 
     bool operator==(const DeviceStatus&) const = default;

@@ -123,9 +123,8 @@ void DeviceWindow::listComputers(bool isListed)
 void DeviceWindow::comeForward()
 {
     const QRect room = QWidget::screen()->availableGeometry();
-    QRect place(geometry().topLeft(), room.size() * partOfScreen);
-    place.moveRight(std::min(place.right(), room.right()));
-    place.moveBottom(std::min(place.bottom(), room.bottom()));
+    QRect place({}, room.size() * partOfScreen);
+    place.moveCenter(room.center());
     setWindowState(windowState() & Qt::WindowMaximized);
     if (!isMaximized())
         setGeometry(place);

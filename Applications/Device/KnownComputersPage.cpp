@@ -36,11 +36,13 @@ std::string shownKey(const std::string& key)
 
 QString description(const DeviceTexts& texts, const PairedPeer& computer)
 {
-    return QStringList{QString::fromStdString(computer.name),
-                       texts.text("Key: %@", {shownKey(computer.key)}),
-                       texts.text("Confirmed on %@, last used on %@",
-                                  {localDate(computer.since), localDate(computer.lastUsed)})}
-        .join(u'\n');
+    QStringList lines{QString::fromStdString(computer.name),
+                      texts.text("Key: %@", {shownKey(computer.key)})};
+    if (mayBeTrue(computer.since))
+        lines += texts.text("Confirmed on %@", {localDate(computer.since)});
+    if (mayBeTrue(computer.lastUsed))
+        lines += texts.text("Last used on %@", {localDate(computer.lastUsed)});
+    return lines.join(u'\n');
 }
 
 } // namespace

@@ -59,7 +59,11 @@ QString troubleText(const DeviceTexts& texts, const DeviceStatus& status)
     if (!status.trouble.empty())
         lines += texts.text("This device cannot be announced: %@", {status.trouble});
     if (!status.keyTrouble.empty())
-        lines += texts.text("No computer is let in: %@", {status.keyTrouble});
+        lines += texts.text(
+            "No computer is let in: this device's own key cannot be used. Remove "
+            "com.quillon.FarviewDevice.pem from the folder of Farview's settings, usually "
+            ".config/farview, and confirm every computer once more. If there is no such file, that "
+            "folder cannot be written to.");
     if (status.port != 0 && status.port != kMainDataTrafficPort)
         lines += texts.text("Computers find this device by its name only: connecting by address "
                             "needs port %@.",

@@ -22,8 +22,11 @@ constexpr const char* hostNamesKey = "confirmedDevices";
 constexpr const char* deviceNameKey = "DeviceName";
 constexpr std::size_t digitsShown = 8;
 
+/// Empty when nobody knows it.
 std::string isoDate(Date date)
 {
+    if (!mayBeTrue(date))
+        return {};
     return QDateTime::fromSecsSinceEpoch(static_cast<qint64>(date.secondsSince1970), Qt::UTC)
         .toString(Qt::ISODate)
         .toStdString();
@@ -57,17 +60,19 @@ Finding aboutOwnKey(const OwnKeyFact& own)
     return result;
 }
 
+std::string shownDate(const std::string& date) { return date.empty() ? "?" : date; }
+
 Finding aboutDevice(const PairedPeer& device)
 {
     const std::string key = shownKey(device.key);
     const std::string since = isoDate(device.since);
     const std::string lastUsed = isoDate(device.lastUsed);
-    auto result =
-        finding(Severity::ok, "device",
-                {"“%@”, key %@: confirmed %@, used last %@.", {device.name, key, since, lastUsed}});
+    auto result = finding(Severity::ok, "device",
+                          {"“%@”, key %@: confirmed %@, used last %@.",
+                           {device.name, key, shownDate(since), shownDate(lastUsed)}});
     if (device.name.empty())
         result.text = {"A device chosen by its address, key %@: confirmed %@, used last %@.",
-                       {key, since, lastUsed}};
+                       {key, shownDate(since), shownDate(lastUsed)}};
     result.details = {
         {"name", device.name}, {"key", key}, {"since", since}, {"lastUsed", lastUsed}};
     return result;

@@ -24,6 +24,12 @@ std::string itemName()
            "-1";
 }
 
+QString statusFor(StatusIcon icon)
+{
+    return icon == StatusIcon::question ? QStringLiteral("NeedsAttention")
+                                        : QStringLiteral("Active");
+}
+
 /// Trays take the text of a tool tip for markup.
 DBusToolTip toolTipFor(const StatusItemDisplay& display)
 {
@@ -102,7 +108,11 @@ void StatusNotifierItem::show(const StatusItemDisplay& display)
     if (std::exchange(mIconName, icon) != icon) {
         mIcons = picturesOf(iconFor(display.icon));
         Q_EMIT NewIcon();
+        Q_EMIT NewAttentionIcon();
     }
+    const QString status = statusFor(display.icon);
+    if (std::exchange(mStatus, status) != status)
+        Q_EMIT NewStatus(status);
     const auto toolTip = toolTipFor(display);
     const auto before = std::exchange(mToolTip, toolTip);
     if (before.title != toolTip.title || before.text != toolTip.text)

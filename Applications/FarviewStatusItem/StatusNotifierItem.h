@@ -21,14 +21,14 @@ class StatusNotifierItem : public QObject
     Q_PROPERTY(QString Category READ category CONSTANT)
     Q_PROPERTY(QString Id READ id CONSTANT)
     Q_PROPERTY(QString Title READ title CONSTANT)
-    Q_PROPERTY(QString Status READ status CONSTANT)
+    Q_PROPERTY(QString Status READ status)
     Q_PROPERTY(int WindowId READ windowId CONSTANT)
     Q_PROPERTY(QString IconName READ iconName)
     Q_PROPERTY(farview::DBusIcons IconPixmap READ icons)
     Q_PROPERTY(QString OverlayIconName READ none CONSTANT)
     Q_PROPERTY(farview::DBusIcons OverlayIconPixmap READ noIcons CONSTANT)
-    Q_PROPERTY(QString AttentionIconName READ none CONSTANT)
-    Q_PROPERTY(farview::DBusIcons AttentionIconPixmap READ noIcons CONSTANT)
+    Q_PROPERTY(QString AttentionIconName READ iconName)
+    Q_PROPERTY(farview::DBusIcons AttentionIconPixmap READ icons)
     Q_PROPERTY(QString AttentionMovieName READ none CONSTANT)
     Q_PROPERTY(QString IconThemePath READ themePath CONSTANT)
     Q_PROPERTY(farview::DBusToolTip ToolTip READ toolTip)
@@ -48,7 +48,8 @@ public:
     QString category() const { return QStringLiteral("Hardware"); }
     QString id() const { return QStringLiteral("farview"); }
     QString title() const { return QStringLiteral("Farview"); }
-    QString status() const { return QStringLiteral("Active"); }
+    /// "NeedsAttention" while the user is asked something, else "Active".
+    QString status() const { return mStatus; }
     int windowId() const { return 0; }
     QString iconName() const { return mIconName; }
     /// For trays that do not find the icon by its name.
@@ -68,6 +69,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     Q_SCRIPTABLE void NewIcon();
+    Q_SCRIPTABLE void NewAttentionIcon();
+    Q_SCRIPTABLE void NewStatus(const QString& status);
     Q_SCRIPTABLE void NewToolTip();
 
 private:
@@ -76,6 +79,7 @@ private:
     SessionBus& mBus;
     std::function<void()> mActivated;
     DBusMenu* mMenu;
+    QString mStatus = QStringLiteral("Active");
     QString mIconName;
     DBusIcons mIcons;
     DBusToolTip mToolTip;

@@ -70,10 +70,21 @@ TEST_F(KnownComputersPageTest, TellsWhereSinceWhenAndTheKeyOfEach)
             QDateTime::fromSecsSinceEpoch(static_cast<qint64>(moment.secondsSince1970));
         return QLocale().toString(local.date(), QLocale::ShortFormat).toStdString();
     };
-    EXPECT_THAT(text, HasSubstr("Confirmed on " + date(november) + ", last used on " +
+    EXPECT_THAT(text, HasSubstr("Confirmed on " + date(november) + "\nLast used on " +
                                 date(desk.lastUsed)));
     EXPECT_NE(date(november), date(desk.lastUsed));
     EXPECT_THAT(rows().back().toStdString(), HasSubstr("2001:db8::2\n"));
+}
+
+TEST_F(KnownComputersPageTest, LeavesOutADateThatNobodyKnows)
+{
+    auto used = desk;
+    used.since = {};
+    auto neither = lab;
+    neither.since = neither.lastUsed = {300};
+    page.showComputers({used, neither});
+    EXPECT_THAT(rows().front().toStdString(), HasSubstr("\u2069\nLast used on "));
+    EXPECT_EQ(rows().back().toStdString(), "2001:db8::2\nKey: \u2066ffff ffff\u2069");
 }
 
 TEST_F(KnownComputersPageTest, TakesOneOffTheListAndSaysWhatThatMeans)

@@ -92,6 +92,15 @@ TEST_F(PairingProbe, ADeviceWithoutANameIsOneThatWasChosenByItsAddress)
     EXPECT_EQ(findings.back().text.values.front(), "a1b2 c3d4");
 }
 
+TEST_F(PairingProbe, TellsNoDateThatNobodyKnows)
+{
+    devices.add({key, "Desk", {}, {300}});
+    const auto device = examine().back();
+    EXPECT_THAT(device.text.values, ElementsAre("Desk", "a1b2 c3d4", "?", "?"));
+    EXPECT_EQ(device.details.at("since"), "");
+    EXPECT_EQ(device.details.at("lastUsed"), "");
+}
+
 TEST_F(PairingProbe, CountsWhatWasConfirmedWithoutAKeyAndNotSince)
 {
     fake.preferences.writeAsAnotherProcess(

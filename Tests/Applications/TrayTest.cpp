@@ -132,6 +132,21 @@ TEST_F(ShownTray, TheIconFollowsTheStateAndSaysSoOnlyWhenItChanges)
     EXPECT_EQ(watcher->property(item(), "IconName"), "farview-trouble-symbolic");
 }
 
+TEST_F(ShownTray, TheItemNeedsAttentionWhileAQuestionIsOpen)
+{
+    tray->show(display(StatusIcon::question, {}));
+    ASSERT_TRUE(waitUntil([&] { return watcher->newStatuses().size() == 1; }));
+    const auto asking = watcher->properties(item());
+    EXPECT_EQ(asking.value("Status"), "NeedsAttention");
+    EXPECT_EQ(asking.value("AttentionIconName"), "farview-question-symbolic");
+    EXPECT_EQ(qdbus_cast<DBusIcons>(asking.value("AttentionIconPixmap")).size(), 2);
+    tray->show(display(StatusIcon::question, {target->entry("Pad")}));
+    tray->show(display(StatusIcon::connected, {}));
+    ASSERT_TRUE(waitUntil([&] { return watcher->newStatuses().size() == 2; }));
+    EXPECT_EQ(watcher->newStatuses(), QStringList({"NeedsAttention", "Active"}));
+    EXPECT_EQ(watcher->property(item(), "Status"), "Active");
+}
+
 TEST_F(ShownTray, EveryStateHasAnIconWhereTheTrayIsToldToLook)
 {
     const QString theme = watcher->property(item(), "IconThemePath").toString();

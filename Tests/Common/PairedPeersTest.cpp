@@ -21,6 +21,15 @@ PairedPeer peer(char digit, const std::string& name, double lastUsed = 1000)
     return {keyOf(digit), name, {500}, {lastUsed}};
 }
 
+TEST(MayBeTrue, IsWhatAClockThatWasSetCanTell)
+{
+    for (const double moment : {946'684'800.0, 1'700'000'000.0, 253'402'300'799.0})
+        EXPECT_TRUE(mayBeTrue({moment})) << moment;
+    for (const double moment :
+         {0.0, 300.0, -1e9, 946'684'799.0, 253'402'300'800.0, 1e300, HUGE_VAL, std::nan("")})
+        EXPECT_FALSE(mayBeTrue({moment})) << moment;
+}
+
 TEST(TrustIn, IsGivenToAKeyUnderTheNameItWasConfirmedWith)
 {
     const std::vector<PairedPeer> peers{peer('a', "Pad"), peer('b', "Slab"), peer('c', "")};

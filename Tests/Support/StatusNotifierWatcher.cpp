@@ -69,6 +69,8 @@ StatusNotifierWatcher::StatusNotifierWatcher(const std::string& busAddress, bool
                         SLOT(layoutUpdated()));
     mConnection.connect(QString(), itemPath, itemInterface, QStringLiteral("NewIcon"), this,
                         SLOT(newIcon()));
+    mConnection.connect(QString(), itemPath, itemInterface, QStringLiteral("NewStatus"), this,
+                        SLOT(newStatus(QString)));
     if (!mConnection.registerService(watcherName))
         throw std::runtime_error("another tray runs on this bus");
 }

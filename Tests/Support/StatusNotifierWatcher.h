@@ -55,6 +55,7 @@ public:
 
     int layoutUpdates() const { return mLayoutUpdates; }
     int newIcons() const { return mNewIcons; }
+    const QStringList& newStatuses() const { return mNewStatuses; }
 
     bool hasHost() const { return mHasHost; }
     void addHost();
@@ -71,6 +72,7 @@ Q_SIGNALS:
 private Q_SLOTS:
     void layoutUpdated() { ++mLayoutUpdates; }
     void newIcon() { ++mNewIcons; }
+    void newStatus(const QString& status) { mNewStatuses.append(status); }
 
 private:
     QDBusConnection mConnection;
@@ -78,4 +80,5 @@ private:
     bool mHasHost;
     int mLayoutUpdates = 0;
     int mNewIcons = 0;
+    QStringList mNewStatuses;
 };

@@ -313,7 +313,8 @@ def compare_digits(press):
     theirs = wait("the device asks, too", lambda: enabled(find(BUTTON, "Yes, the Same", "farview-device")))
     if digits not in texts("farview-device"):
         failures.append("panel and device show the same digits")
-    step("The first time, the panel shows six digits", "digits")
+    if not GNOME:  # where nobody gets a picture of the desktop
+        step("The first time, the panel shows six digits", "digits")
     step("The device shows the same", "digits-device", display=TABLET)
     press(yes)
     wait("it is the device's turn", lambda: not find(BUTTON, "Yes, These Digits"))

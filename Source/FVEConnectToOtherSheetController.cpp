@@ -240,8 +240,11 @@ void FVEConnectToOtherSheetController::serverCouldNotConnect()
 
 void FVEConnectToOtherSheetController::giveWay()
 {
-    if (isOpen() && !connectToOtherProgress()->isHidden())
-        cancelButtonPressed(nullptr);
+    if (!isOpen() || connectToOtherProgress()->isHidden())
+        return;
+    // Something answered there.
+    FVEPreferences::sharedAppPrefs().setLastOtherDevice(otherTextField()->stringValue());
+    cancelButtonPressed(nullptr);
 }
 
 void FVEConnectToOtherSheetController::showFailure()

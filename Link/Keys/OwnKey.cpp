@@ -65,7 +65,7 @@ std::string contents(int descriptor)
 
 std::optional<OwnKey> keyIn(const std::string& pem)
 {
-    if (!QSslSocket::supportsSsl() || !isKeyAndCertificate(pem))
+    if (!isKeyAndCertificate(pem))
         return std::nullopt;
     const QByteArray bytes = QByteArray::fromStdString(pem);
     OwnKey key{.secret = QSslKey(bytes, QSsl::Ec), .certificate = QSslCertificate(bytes)};
@@ -106,6 +106,8 @@ std::string ownKeyPath(const std::string& domain)
 
 OwnKeyResult readOwnKey(const std::string& path)
 {
+    if (!QSslSocket::supportsSsl())
+        return {{}, "Nothing can be encrypted: the TLS plug-in of Qt Network is missing."};
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file.isOpen() && errno == ENOENT)
         return {};

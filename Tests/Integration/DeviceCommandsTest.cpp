@@ -127,9 +127,8 @@ TEST_F(DeviceCommands, TheKnownComputersAreListed)
     computers().add(lab);
     const Outcome outcome = run("--known");
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.output,
-              "0a1b 2c3d  confirmed 2023-11-14  last used 2023-11-15  192.0.2.9\n"
-              "0a1b 2c3d  confirmed ?  last used ?  192.0.2.10\n");
+    EXPECT_EQ(outcome.output, "0a1b 2c3d  confirmed 2023-11-14  last used 2023-11-15  192.0.2.9\n"
+                              "0a1b 2c3d  confirmed ?  last used ?  192.0.2.10\n");
 }
 
 TEST_F(DeviceCommands, OneComputerIsForgottenAndOthersHearOfIt)

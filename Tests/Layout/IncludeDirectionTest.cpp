@@ -89,7 +89,8 @@ std::string libraryOf(const std::string& header)
     // Its headers come in two families.
     if (header.starts_with("pipewire/") || header.starts_with("spa/"))
         return "pipewire";
-    for (const char* library : {"archive", "expat", "openssl", "sodium", "turbojpeg", "zlib", "zstd"}) {
+    for (const char* library :
+         {"archive", "expat", "openssl", "sodium", "turbojpeg", "zlib", "zstd"}) {
         if (header.starts_with(library))
             return library;
     }

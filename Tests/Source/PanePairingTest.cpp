@@ -350,6 +350,7 @@ TEST_F(PanePairing, TheSheetForAnAddressGivesWayToTheQuestion)
     serverPosts(kServerConnectedToDevice,
                 {{kDeviceNameKey, kOtherDeviceName}, {kDeviceAddressKey, "10.0.0.5"}});
     EXPECT_EQ(hint(), "Connected to 10.0.0.5");
+    EXPECT_EQ(FVEPreferences::sharedAppPrefs().lastOtherDevice(), "10.0.0.5");
 }
 
 TEST_F(PanePairing, TheSheetGivesWayToAFailureAlsoAfterItsOwnErrorButNotWhileTheUserTypes)

@@ -648,15 +648,6 @@ TEST_F(AutoConnectorTest, NeverBeginsToCompareUnasked)
     EXPECT_EQ(pairingReports(), std::vector<std::string>{"unconfirmed A"});
 }
 
-TEST_F(AutoConnectorTest, ComparesWhenTheUserChoosesTheDeviceThatIsBeingLeftUnasked)
-{
-    start({"A"}, {"A"});
-    EXPECT_TRUE(link.mayNotAskUser());
-    userChooses("A");
-    EXPECT_EQ(tried(), "AA");
-    EXPECT_FALSE(link.mayNotAskUser());
-}
-
 TEST_F(AutoConnectorTest, RemembersAfterARestartWhatTheUserConfirmed)
 {
     start({"A"}, {"A"});

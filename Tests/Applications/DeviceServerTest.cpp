@@ -28,7 +28,7 @@ struct TestHost {
         socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
         waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; });
         link = LinkConnection::make(LinkSide::host, std::move(socket), seen, keyOfHost(),
-                                    ownGreeting(), quickTimes());
+                                    ownGreeting(), LinkTimes{});
     }
 };
 
@@ -48,8 +48,8 @@ protected:
 
     void start()
     {
-        server = std::make_shared<DeviceServer>(settings, publisher, fake.platform(), quickTimes(),
-                                                shownOn);
+        server =
+            std::make_shared<DeviceServer>(settings, publisher, fake.platform(), times, shownOn);
         server->setObserver([this] { ++changes; });
         ASSERT_TRUE(server->start());
     }
@@ -93,6 +93,7 @@ protected:
     bool isUsed() const { return server->status().usedBy.has_value(); }
 
     DeviceSettings settings;
+    LinkTimes times{};
     FakePublisher publisher;
     TemporaryFolder folder;
     FakePlatform fake;
@@ -212,6 +213,7 @@ TEST_F(DeviceServerTest, IsFreeAgainWhenItsHostVanishes)
 
 TEST_F(DeviceServerTest, IsFreeAgainWhenItsHostFallsSilent)
 {
+    times.silence = quickTimes().silence;
     start();
     const auto stranger = silentHost();
     ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));

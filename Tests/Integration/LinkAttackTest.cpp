@@ -42,8 +42,6 @@ QByteArray changedAnswer(const QByteArray& bytes, const std::string& feature)
 
 QByteArray twice(const QByteArray& bytes) { return bytes + bytes; }
 
-} // namespace
-
 TEST_F(LinkAttack, AManWhoRelaysLearnsNoName)
 {
     startAroundMan();
@@ -173,4 +171,5 @@ TEST_F(LinkAttack, AKnownKeyIsNotTrustedUnderAnotherDevicesName)
     EXPECT_EQ(panel->last(kServerConnectedToDevice), nullptr);
 }
 
+} // namespace
 } // namespace farview

@@ -112,8 +112,6 @@ protected:
     ScreenArranger desktop{display.display()};
 };
 
-} // namespace
-
 TEST_F(LinkCaptureTest, NoNameNoPixelAndNoSettingTravelsInClear)
 {
     LinkCapture capture(6001);
@@ -153,4 +151,5 @@ TEST_F(LinkCaptureTest, NoFrameTravelsAsTheDeviceReadsIt)
         EXPECT_FALSE(stream.contains(byteArray(encodeFrame(frame)).left(64)));
 }
 
+} // namespace
 } // namespace farview

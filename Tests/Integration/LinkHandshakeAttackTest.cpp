@@ -100,6 +100,15 @@ public:
         writeBytes(*mSocket, {0x16, 3, 3, 0x40, 0});
     }
     void send(const LinkFrame& frame) { writeBytes(*mSocket, encodeFrame(frame)); }
+    /// Whether a frame of that size has come since the first.
+    bool hears(std::size_t size)
+    {
+        const std::size_t standing = encodeFrame(LinkStanding{}).size();
+        const std::size_t expected = standing + size;
+        return waitUntil(
+            [&] { return mSocket->bytesAvailable() >= static_cast<qint64>(expected); });
+    }
+    void hangUp() { mSocket->abort(); }
     bool isGone() const { return mSocket->state() == QAbstractSocket::UnconnectedState; }
 
 private:
@@ -129,8 +138,6 @@ public:
 private:
     LinkListener mListener;
 };
-
-} // namespace
 
 class LinkHandshakeAttack : public LinkAttack
 {
@@ -220,4 +227,28 @@ TEST_F(LinkHandshakeAttack, ADeviceWhoseHandshakeNeverEndsIsGivenUp)
     EXPECT_THAT(serverLog(), HasSubstr("did not introduce itself in time"));
 }
 
+/// Who knows the computer's nonce knows its digits, before it shows them: to hang up is a guess.
+TEST_F(PairingAttack, ADeviceThatHangsUpWhenItKnowsTheDigitsHasThreeTries)
+{
+    FalseDevice device;
+    startServer();
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        ask();
+        Peer guesser = device.met();
+        ASSERT_TRUE(guesser.isMet(goodGroup));
+        guesser.send(LinkStanding{false});
+        guesser.send(LinkCommitment{});
+        ASSERT_TRUE(guesser.hears(encodeFrame(LinkNonce{}).size())) << serverLog();
+        guesser.hangUp();
+        failureOf();
+    }
+    ask();
+    Peer guesser = device.met();
+    ASSERT_TRUE(guesser.isMet(goodGroup));
+    guesser.send(LinkStanding{false});
+    guesser.send(LinkCommitment{});
+    EXPECT_EQ(failureOf(), State::tooManyTries) << serverLog();
+}
+
+} // namespace
 } // namespace farview

@@ -90,8 +90,6 @@ protected:
     }
 };
 
-} // namespace
-
 TEST_F(LinkKeyAttack, AServerUsesAndReplacesNoKeyThatOthersMayKnow)
 {
     startBoth();
@@ -161,4 +159,5 @@ TEST_P(WrongClock, OfAComputerChangesNothing)
 
 INSTANTIATE_TEST_SUITE_P(Years, WrongClock, testing::Values("1971", "2089"));
 
+} // namespace
 } // namespace farview

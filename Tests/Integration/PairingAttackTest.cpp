@@ -49,8 +49,6 @@ struct Stranger {
     }
 };
 
-} // namespace
-
 TEST_F(PairingAttack, AManWithKeysOfHisOwnMakesTheDigitsDiffer)
 {
     startDevice({"--port", "0"});
@@ -178,4 +176,5 @@ TEST_F(LinkAttack, AStormOfStrangersAsksTheDevicesUserThreeTimes)
     EXPECT_TRUE(connects()) << "whom the user knows gets in" << serverLog() << deviceLog();
 }
 
+} // namespace
 } // namespace farview

@@ -118,7 +118,10 @@ TEST_F(Pairing, StoresNothingWhenOnlyOneSideConfirmed)
     ASSERT_TRUE(deviceSays("Confirm them at the computer"));
     server->sendSignal(SIGTERM);
     ASSERT_TRUE(serverEnded());
+    EXPECT_TRUE(says(State::none)) << "its question went with it";
     EXPECT_TRUE(nobodyIsKnown());
+    ASSERT_TRUE(panel->hears(kServerDisconnectedFromDevice));
+    panel->reports.clear();
     startServer();
     choose();
 }
@@ -156,8 +159,8 @@ TEST_F(Pairing, NeverConnectsToADeviceThatWasSetUpAnewBeforeTheUserForgotTheOldO
     std::filesystem::remove(ownKeyPath(PairedPeers::computers));
     const auto announced = text("device.log").rfind("Announced");
     startDevice();
-    ASSERT_TRUE(waitUntil(
-        [&] { return text("device.log").rfind("Announced") > announced; }, seconds(10)));
+    ASSERT_TRUE(
+        waitUntil([&] { return text("device.log").rfind("Announced") > announced; }, seconds(10)));
     panel->connectTo("desk-7.local");
     ASSERT_TRUE(says(State::changed)) << serverLog() << deviceLog();
     EXPECT_TRUE(panel->hears(kRequestingErrorMsgFromPrefPane));

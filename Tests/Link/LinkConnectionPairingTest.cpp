@@ -61,6 +61,7 @@ protected:
     {
         seen->trust = false;
         times.comparing = std::chrono::seconds(60);
+        times.farewell = std::chrono::milliseconds(100);
     }
     void begin(LinkSide ours)
     {

@@ -303,7 +303,7 @@ def start(*command, **environment):
 
 def start_tablet(name):
     """A device whose window is on a display of its own."""
-    return start("farview-device", "--name", name, DISPLAY=TABLET, QT_SCALE_FACTOR="1", QT_QPA_PLATFORM="xcb")
+    return start("farview-device", "--name", name, DISPLAY=TABLET, QT_QPA_PLATFORM="xcb")
 
 
 def compare_digits(press):

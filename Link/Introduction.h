@@ -37,7 +37,6 @@ public:
     const std::string& digits() const { return mDigits; }
     /// Whether the other side could know the digits by now.
     bool isGuessSpent() const { return mCommitment.has_value() || !mDigits.empty(); }
-    bool isConfirmedHere() const { return mIsConfirmedHere; }
 
 private:
     Step take(const LinkStanding& frame);

@@ -256,6 +256,12 @@ void LinkConnection::accept()
     secure(LinkAgreement(mAgreement));
 }
 
+void LinkConnection::refuse(const LinkRefusal& refusal)
+{
+    if (mSide == LinkSide::device && (mState == State::greeting || mState == State::deciding))
+        leave(encodeAnswer(refusal), {LinkEndReason::closedHere, refusal.text});
+}
+
 void LinkConnection::send(const LinkFrame& frame)
 {
     const bool isAgreed = !isOfPicture(frame) || mAgreement.has(kLinkScreenFeature);

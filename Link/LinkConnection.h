@@ -119,8 +119,6 @@ public:
     const std::string& peerKey() const { return mPeerKey; }
     /// What the user compares; empty while there is nothing to compare.
     std::string digits() const { return mIntroduction ? mIntroduction->digits() : std::string(); }
-    /// Whether the user confirmed here while the peer's user did not yet.
-    bool isConfirmedHere() const { return mIntroduction && mIntroduction->isConfirmedHere(); }
     /// Whether the two became known to each other on this connection, by their users.
     bool wasPaired() const { return mWasOpened && !digits().empty(); }
     /// How it is encrypted: the name of the algorithms, as TLS has it.

@@ -131,12 +131,6 @@ void LinkConnection::confirm()
             Qt::QueuedConnection);
 }
 
-void LinkConnection::refuse(const LinkRefusal& refusal)
-{
-    if (mSide == LinkSide::device && (mState == State::greeting || mState == State::deciding))
-        leave(encodeAnswer(refusal), {LinkEndReason::closedHere, refusal.text});
-}
-
 std::string LinkConnection::cipher() const { return mSocket->sessionCipher().name().toStdString(); }
 
 } // namespace farview

@@ -16,7 +16,7 @@ struct UpdateArguments {
     bool onlyChecks = false;
     std::chrono::seconds patience{30}; ///< with a server that is silent
     /// What to say instead of updating.
-    std::optional<CommandLineAnswer> answer;
+    std::optional<CommandLineAnswer> answer = {};
 };
 
 /// `words` begin with the program's name.

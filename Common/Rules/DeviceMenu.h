@@ -17,11 +17,11 @@ struct ListedDevice {
 
 /// What the device menu depends on.
 struct DeviceMenuInputs {
-    std::vector<ListedDevice> devices;
+    std::vector<ListedDevice> devices = {};
     bool noDeviceEntryEnabled = true;
     bool connectedByAddress = false;
-    std::optional<std::string> address;      ///< of the connection by address
-    std::optional<std::string> selectedName; ///< of the connected device, listed or not
+    std::optional<std::string> address = {};      ///< of the connection by address
+    std::optional<std::string> selectedName = {}; ///< of the connected device, listed or not
 };
 
 enum class MenuEntryKind {

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
 
 namespace farview
@@ -130,11 +131,12 @@ TEST_P(AnyRequest, MayGoWrong)
 TEST_P(AnyRequest, MayBeAnsweredWithAnything)
 {
     // Sequence number and length stay, so that the answer is taken for one.
-    std::mt19937 random(1);
+    // The server may still answer when the test is over.
+    const auto random = std::make_shared<std::mt19937>(1);
     for (int round = 0; round < 20; ++round) {
-        server.setScript(insteadOf(GetParam(), [&](const Request&, Bytes decent) {
+        server.setScript(insteadOf(GetParam(), [random](const Request&, Bytes decent) {
             for (std::size_t place = 8; place < decent.size(); ++place)
-                decent[place] = static_cast<std::uint8_t>(random());
+                decent[place] = static_cast<std::uint8_t>((*random)());
             return decent;
         }));
         turnOff(std::chrono::milliseconds(200));

@@ -23,19 +23,9 @@ using Clock = std::chrono::steady_clock;
 class PreferencesFaults : public PreferencesFixture
 {
 protected:
-    /// Runs the body in a process with mounts of its own, so nothing is left behind.
     void withOwnMounts(const std::function<void()>& body)
     {
-        constexpr int noMounts = 77;
-        ForkedProcess process([&] {
-            if (!hasOwnMounts() || !mountDisk(mFolder.path("config"), "size=65536"))
-                ::_exit(noMounts);
-            body();
-        });
-        const int status = process.wait();
-        if (status == noMounts)
-            GTEST_SKIP() << "this machine lets nobody mount a file system in a namespace";
-        EXPECT_EQ(status, 0);
+        withOwnDisk(mFolder.path("config"), body);
     }
 };
 

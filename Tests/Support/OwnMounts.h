@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Posix/FileDescriptor.h"
+#include "Tests/Support/ForkedProcess.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sched.h>
 #include <string>
 #include <sys/mount.h>
@@ -38,6 +40,22 @@ inline bool mountDisk(const std::string& folder, const char* options)
 {
     std::filesystem::create_directories(folder);
     return ::mount("none", folder.c_str(), "tmpfs", 0, options) == 0;
+}
+
+/// Runs the body in a process in which a small disk of its own lies at `folder`. Nothing of it is
+/// left behind.
+inline void withOwnDisk(const std::string& folder, const std::function<void()>& body)
+{
+    constexpr int noMounts = 77;
+    ForkedProcess process([&] {
+        if (!hasOwnMounts() || !mountDisk(folder, "size=65536"))
+            ::_exit(noMounts);
+        body();
+    });
+    const int status = process.wait();
+    if (status == noMounts)
+        GTEST_SKIP() << "this machine lets nobody mount a file system in a namespace";
+    EXPECT_EQ(status, 0);
 }
 
 inline void setReadOnly(const std::string& folder, bool isReadOnly)

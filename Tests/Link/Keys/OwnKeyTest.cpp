@@ -60,19 +60,9 @@ protected:
         EXPECT_EQ(modeOfKey(path), mode);
         EXPECT_FALSE(readOwnKey(path).key);
     }
-    /// Runs the body in a process with a small disk of its own for the key.
     void withOwnDisk(const std::function<void()>& body)
     {
-        constexpr int noMounts = 77;
-        ForkedProcess process([&] {
-            if (!hasOwnMounts() || !mountDisk(fs::path(path).parent_path(), "size=65536"))
-                ::_exit(noMounts);
-            body();
-        });
-        const int status = process.wait();
-        if (status == noMounts)
-            GTEST_SKIP() << "this machine lets nobody mount a file system in a namespace";
-        EXPECT_EQ(status, 0);
+        farview::withOwnDisk(fs::path(path).parent_path(), body);
     }
 
     TemporaryFolder folder;

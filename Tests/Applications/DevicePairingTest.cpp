@@ -27,10 +27,7 @@ struct StrangeComputer {
     StrangeComputer(std::uint16_t port, const OwnKey& key, bool knowsDevice)
     {
         seen->trust = knowsDevice;
-        auto socket = std::make_unique<QSslSocket>();
-        socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-        waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; });
-        link = LinkConnection::make(LinkSide::host, std::move(socket), seen, key, ownGreeting(),
+        link = LinkConnection::make(LinkSide::host, connectedSocket(port), seen, key, ownGreeting(),
                                     LinkTimes{});
     }
     bool isAsked() const { return !seen->digits.empty(); }

@@ -70,11 +70,8 @@ TEST_F(DeviceProbeTest, FindsADeviceReadyWithoutUsingIt)
 TEST_F(DeviceProbeTest, HearsThatADeviceIsInUseAndDoesNotDisturbItsUser)
 {
     const auto port = startDevice();
-    auto socket = std::make_unique<QSslSocket>();
-    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-    ASSERT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
     const auto user = std::make_shared<LinkRecorder>();
-    const auto link = LinkConnection::make(LinkSide::host, std::move(socket), user, keyOfHost(),
+    const auto link = LinkConnection::make(LinkSide::host, connectedSocket(port), user, keyOfHost(),
                                            ownGreeting(), quickTimes());
     ASSERT_TRUE(waitUntil([&] { return user->opened && server->status().usedBy; }));
     const auto answer = ask(port);

@@ -24,10 +24,7 @@ struct TestHost {
 
     explicit TestHost(std::uint16_t port)
     {
-        auto socket = std::make_unique<QSslSocket>();
-        socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-        waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; });
-        link = LinkConnection::make(LinkSide::host, std::move(socket), seen, keyOfHost(),
+        link = LinkConnection::make(LinkSide::host, connectedSocket(port), seen, keyOfHost(),
                                     ownGreeting(), LinkTimes{});
     }
 };
@@ -77,10 +74,7 @@ protected:
     /// A connection that never says a word.
     std::unique_ptr<QSslSocket> silentSocket() const
     {
-        auto socket = std::make_unique<QSslSocket>();
-        socket->connectToHost(QHostAddress(QHostAddress::LocalHost), server->status().port);
-        waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; });
-        return socket;
+        return connectedSocket(server->status().port);
     }
     /// A host of known key that introduced itself, and says nothing after that.
     std::unique_ptr<QSslSocket> silentHost() const

@@ -126,6 +126,15 @@ struct SocketPair {
     }
 };
 
+/// A socket that has come through to that port on this computer, and said nothing yet.
+inline std::unique_ptr<QSslSocket> connectedSocket(std::uint16_t port)
+{
+    auto socket = std::make_unique<QSslSocket>();
+    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    EXPECT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
+    return socket;
+}
+
 inline void writeBytes(QSslSocket& socket, const Bytes& bytes)
 {
     socket.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));

@@ -142,7 +142,7 @@ private:
 class LinkHandshakeAttack : public LinkAttack
 {
 protected:
-    static Peer host() { return {LinkSide::host, connectedTo(6001)}; }
+    static Peer host() { return {LinkSide::host, connectedSocket(6001)}; }
     static bool allAreGone(const std::vector<Peer>& peers)
     {
         const auto isGone = [](const Peer& peer) { return peer.isGone(); };

@@ -60,7 +60,7 @@ TEST_F(PairingAttack, AManWithKeysOfHisOwnMakesTheDigitsDiffer)
     Stranger asDevice;
     Stranger asHost;
     asDevice.beFoundBy(place);
-    asHost.begin(LinkSide::host, connectedTo(portIn("device.log")));
+    asHost.begin(LinkSide::host, connectedSocket(portIn("device.log")));
     ASSERT_TRUE(asDevice.showsDigits() && asHost.showsDigits()) << serverLog() << deviceLog();
     ASSERT_TRUE(reports(State::comparing));
     EXPECT_EQ(panel->pairing.digits, asDevice.heard->digits);
@@ -144,7 +144,7 @@ TEST_F(LinkAttack, AGuessCountsThoughAKnownComputerPutsAnEndToIt)
     startBoth();
     for (int attempt = 0; attempt < 3; ++attempt) {
         Stranger guesser;
-        guesser.begin(LinkSide::host, connectedTo(6001));
+        guesser.begin(LinkSide::host, connectedSocket(6001));
         ASSERT_TRUE(guesser.showsDigits()) << deviceLog();
         anotherHost = std::make_shared<LinkRecorder>();
         const auto known = occupyDevice(6001);
@@ -153,7 +153,7 @@ TEST_F(LinkAttack, AGuessCountsThoughAKnownComputerPutsAnEndToIt)
         ASSERT_TRUE(waitUntil([this] { return anotherHost->ended(); }));
     }
     Stranger guesser;
-    guesser.begin(LinkSide::host, connectedTo(6001));
+    guesser.begin(LinkSide::host, connectedSocket(6001));
     EXPECT_TRUE(guesser.hasEnded());
     EXPECT_EQ(guesser.heard->digits, "");
 }
@@ -166,7 +166,7 @@ TEST_F(LinkAttack, AStormOfStrangersAsksTheDevicesUserThreeTimes)
         std::vector<Stranger> strangers(atOnce);
         for (Stranger& stranger : strangers) {
             stranger.heard->onAsk = [](LinkConnection& link) { link.close({}); };
-            stranger.begin(LinkSide::host, connectedTo(6001));
+            stranger.begin(LinkSide::host, connectedSocket(6001));
         }
         for (const Stranger& stranger : strangers)
             ASSERT_TRUE(stranger.hasEnded()) << round << deviceLog();

@@ -86,17 +86,10 @@ protected:
         ASSERT_TRUE(panel->hears(kServerConnectedToDevice)) << serverLog() << deviceLog();
         panel->reports.clear();
     }
-    static std::unique_ptr<QSslSocket> connectedTo(std::uint16_t port)
-    {
-        auto socket = std::make_unique<QSslSocket>();
-        socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-        EXPECT_TRUE(waitUntil([&] { return socket->state() == QAbstractSocket::ConnectedState; }));
-        return socket;
-    }
     /// Connects to a device as another computer does; `anotherHost` tells what comes of it.
     std::shared_ptr<LinkConnection> occupyDevice(std::uint16_t port)
     {
-        auto link = LinkConnection::make(LinkSide::host, connectedTo(port), anotherHost,
+        auto link = LinkConnection::make(LinkSide::host, connectedSocket(port), anotherHost,
                                          keyOfHost(), ownGreeting(), LinkTimes{});
         EXPECT_TRUE(waitUntil([this] { return anotherHost->opened; }));
         return link;

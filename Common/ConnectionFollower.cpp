@@ -102,9 +102,12 @@ bool ConnectionFollower::followEnd(const Notification& report)
 {
     mIsByAddress = false;
     mScreen.reset();
+    mDeviceKey.clear();
     const bool serverBegins = report.text(kAwaitsRequestKey);
-    if (serverBegins)
+    if (serverBegins) {
         forgetPairing();
+        mFurtherDevices.clear();
+    }
     // The end of a connection answers the request for no device, and no other.
     if (!mRequest || (!serverBegins && !mRequest->userInfo.empty()))
         return false;
@@ -117,6 +120,50 @@ bool ConnectionFollower::followEnd(const Notification& report)
 void ConnectionFollower::followScreen(const Notification& report)
 {
     mScreen = screenReport(report.text(kScreenReportKey));
+}
+
+void ConnectionFollower::alsoConnectToHost(const std::string& hostName)
+{
+    forgetPairing();
+    command(kAlsoConnectToHost, {{kConnectToHostNameKey, hostName}});
+}
+
+void ConnectionFollower::leaveFurtherDevice(const std::string& hostName)
+{
+    command(kDisconnectFurtherDevice, {{kConnectToHostNameKey, hostName}});
+}
+
+void ConnectionFollower::followFurtherDevices(const Notification& report)
+{
+    mFurtherDevices = farview::furtherDevices(report.text(kFurtherDevicesKey));
+}
+
+const FurtherDevice* ConnectionFollower::furtherDevice(const std::string& hostName) const
+{
+    const auto found =
+        std::find_if(mFurtherDevices.begin(), mFurtherDevices.end(),
+                     [&](const FurtherDevice& device) { return device.hostName == hostName; });
+    return found == mFurtherDevices.end() ? nullptr : &*found;
+}
+
+void ConnectionFollower::followKey(const Notification& report)
+{
+    const std::string* key = report.text(kDeviceKeyKey);
+    mDeviceKey = key ? *key : std::string();
+}
+
+bool ConnectionFollower::mayType(const std::string& nameOrKey) const
+{
+    const auto peers = PairedPeers(*mPlatform.preferences, PairedPeers::devices).all();
+    return std::any_of(peers.begin(), peers.end(), [&](const PairedPeer& peer) {
+        return peer.mayType && peer.isMeantBy(nameOrKey);
+    });
+}
+
+void ConnectionFollower::letType(const std::string& nameOrKey, bool mayType)
+{
+    PairedPeers(*mPlatform.preferences, PairedPeers::devices).letType(nameOrKey, mayType);
+    command(kPairedDevicesDidChange);
 }
 
 void ConnectionFollower::followPairing(const Notification& report)

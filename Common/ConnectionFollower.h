@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/FurtherDevices.h"
 #include "Common/Rules/PairingReport.h"
 #include "Common/Rules/ScreenReport.h"
 #include "Platform/NetService.h"
@@ -59,6 +60,25 @@ public:
     /// Nothing before the server has told of it, and none outlives its connection.
     const std::optional<ScreenReport>& screen() const { return mScreen; }
 
+    /// Uses that device beside those in use, or no longer.
+    void alsoConnectToHost(const std::string& hostName);
+    void leaveFurtherDevice(const std::string& hostName);
+    /// Takes in the report about the devices that are used beside the first one.
+    void followFurtherDevices(const Notification& report);
+    /// As the server told last; none when it has just begun.
+    const std::vector<FurtherDevice>& furtherDevices() const { return mFurtherDevices; }
+    /// Null when that host's device is not among them.
+    const FurtherDevice* furtherDevice(const std::string& hostName) const;
+
+    /// Takes in the report that a device is connected: which key it has.
+    void followKey(const Notification& report);
+    /// Of the device that is connected; empty when there is none.
+    const std::string& deviceKey() const { return mDeviceKey; }
+    /// Whether a confirmed device may type here, by its name or its key.
+    bool mayType(const std::string& nameOrKey) const;
+    /// Stores that, and tells the server.
+    void letType(const std::string& nameOrKey, bool mayType);
+
     /// Takes in the report of what is in question before a device is trusted.
     void followPairing(const Notification& report);
     /// What the server told last. The next request, and a server that begins, leave nothing of it.
@@ -91,6 +111,8 @@ private:
     bool mIsByAddress = false;
     std::optional<std::string> mAddress;
     std::optional<ScreenReport> mScreen;
+    std::vector<FurtherDevice> mFurtherDevices;
+    std::string mDeviceKey;
     PairingReport mPairing;
 };
 

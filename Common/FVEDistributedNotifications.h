@@ -13,17 +13,28 @@ inline constexpr const char* kDisconnectCurrentServerFromHost =
 /// Panel to server: which device are you connected to? Options 2.
 inline constexpr const char* kQueryRequestForConnectedHost =
     "com.quillon.Farview.QueryRequestForConnectedHost";
-/// Server's answer: "DeviceName", "DeviceAddress" and "Cipher".
+/// Server's answer: "DeviceName", "DeviceAddress", "Cipher" and "Key".
 inline constexpr const char* kQueryResultForConnectedHost =
     "com.quillon.Farview.QueryResultForConnectedHost";
-/// Server: a connection is up; "DeviceName", "DeviceAddress" and what encrypts it under "Cipher",
-/// for example "TLS_AES_256_GCM_SHA384".
+/// Server: a connection is up; "DeviceName", "DeviceAddress", what encrypts it under "Cipher", for
+/// example "TLS_AES_256_GCM_SHA384", and which key the device has proved under "Key".
 inline constexpr const char* kServerConnectedToDevice =
     "com.quillon.Farview.ServerConnectedToDevice";
 /// Server: there is no connection (any more). With `kAwaitsRequestKey` when the server has just
 /// begun and was asked for nothing: what was asked for before was not heard.
 inline constexpr const char* kServerDisconnectedFromDevice =
     "com.quillon.Farview.ServerDisconnectedFromDevice";
+/// To the server: use the device of the host under "connectToHostName" beside those that are used
+/// already. One that is used is not asked for again. Options 3.
+inline constexpr const char* kAlsoConnectToHost = "com.quillon.Farview.AlsoConnectToHost";
+/// To the server: leave that further device, or stop trying; the others stay. Options 3.
+inline constexpr const char* kDisconnectFurtherDevice =
+    "com.quillon.Farview.DisconnectFurtherDevice";
+/// Server: the devices that are used beside the one that the notifications above are about; a list
+/// of `FurtherDevice` as a text under `kFurtherDevicesKey`. Whenever that changes, and in answer to
+/// the query for the connected device.
+inline constexpr const char* kServerFurtherDevicesDidChange =
+    "com.quillon.Farview.ServerFurtherDevicesDidChange";
 /// Server: what became of the monitor for the device that is connected; a `ScreenReport` as a text
 /// under `kScreenReportKey`. After each report of a connection, and whenever it changes.
 inline constexpr const char* kServerScreenDidChange = "com.quillon.Farview.ServerScreenDidChange";
@@ -34,8 +45,9 @@ inline constexpr const char* kServerPairingDidChange = "com.quillon.Farview.Serv
 inline constexpr const char* kConfirmDevice = "com.quillon.Farview.ConfirmDevice";
 /// To the server: the user does not see them there, or does not want to go on. Options 3.
 inline constexpr const char* kRefuseDevice = "com.quillon.Farview.RefuseDevice";
-/// Any process, after it took a device from the list of those that the user has confirmed
-/// (`PairedPeers`): the server leaves a device that it no longer knows. Options 3.
+/// Any process, after it changed the list of those that the user has confirmed (`PairedPeers`): the
+/// server leaves a device that it no longer knows, and tells the others whether they may type.
+/// Options 3.
 inline constexpr const char* kPairedDevicesDidChange = "com.quillon.Farview.PairedDevicesDidChange";
 /// To a device on this computer: the user sees the digits under "Digits" at the computer that is
 /// connecting. Options 3.
@@ -70,6 +82,9 @@ inline constexpr const char* kDeviceAddressKey = "DeviceAddress";
 inline constexpr const char* kScreenReportKey = "Screen";
 /// How the connection is encrypted, as TLS names it; beside the device's name and address.
 inline constexpr const char* kCipherKey = "Cipher";
+/// By which `PairedPeers` knows the device.
+inline constexpr const char* kDeviceKeyKey = "Key";
+inline constexpr const char* kFurtherDevicesKey = "FurtherDevices";
 inline constexpr const char* kPairingReportKey = "Pairing";
 inline constexpr const char* kDigitsKey = "Digits";
 inline constexpr const char* kAwaitsRequestKey = "AwaitsRequest";

@@ -256,6 +256,15 @@ bool FVEPreferences::debuggingDontSendKBEvents()
     return booleanDefaultingToNo(kDebuggingDontSendKBEvents);
 }
 
+bool FVEPreferences::autoConnectAllDevices()
+{
+    return booleanDefaultingToNo(kAutoConnectAllDevices);
+}
+void FVEPreferences::setAutoConnectAllDevices(bool flag)
+{
+    setBoolean(kAutoConnectAllDevices, flag);
+}
+
 bool FVEPreferences::logsScreenPackets() { return booleanDefaultingToNo(kLogScreenPackets); }
 void FVEPreferences::setLogsScreenPackets(bool flag) { setBoolean(kLogScreenPackets, flag); }
 

@@ -15,6 +15,7 @@ inline constexpr const char* kAutoUpdateOption = "autoUpdateOption";
 inline constexpr const char* kAutoMoveWindowsBackOption = "autoMoveWindowsBackOption";
 inline constexpr const char* kEnableTouchDisplayOption = "enableDisplayTouch";
 inline constexpr const char* kEnableRetinaDisplayOption = "enableRetinaDisplay";
+inline constexpr const char* kAutoConnectAllDevices = "autoConnectAllDevices";
 inline constexpr const char* kAutoConnectDevices = "autoConnectDevices";
 inline constexpr const char* kDeviceScreens = "deviceScreens";
 inline constexpr const char* kLastOtherDeviceName = "lastOtherDeviceName";
@@ -61,6 +62,10 @@ public:
     void setCurrentVirtualScreenDevice(std::nullopt_t);
     bool autoConnectOption();
     void setAutoConnectOption(bool flag);
+    /// Whether auto-connection takes all of its devices that are there, not only the first. Until
+    /// it is set, no.
+    bool autoConnectAllDevices();
+    void setAutoConnectAllDevices(bool flag);
     bool autoUpdateOption();
     void setAutoUpdateOption(bool flag);
     bool autoMoveWindowsBackOption();

@@ -13,6 +13,7 @@ constexpr const char* keyKey = "Key";
 constexpr const char* nameKey = "Name";
 constexpr const char* sinceKey = "Since";
 constexpr const char* lastUsedKey = "LastUsed";
+constexpr const char* mayTypeKey = "MayType";
 constexpr std::size_t keySize = 64;
 constexpr double year2000 = 946'684'800;
 constexpr double year10000 = 253'402'300'800;
@@ -39,16 +40,20 @@ std::optional<PairedPeer> peerIn(const PropertyList& stored)
     const auto* name = valueOf<std::string>(*entries, nameKey);
     const auto* since = valueOf<Date>(*entries, sinceKey);
     const auto* lastUsed = valueOf<Date>(*entries, lastUsedKey);
+    const auto* mayType = valueOf<bool>(*entries, mayTypeKey);
     return PairedPeer{*key, name ? *name : "", since ? *since : Date{},
-                      lastUsed ? *lastUsed : Date{}};
+                      lastUsed ? *lastUsed : Date{}, mayType && *mayType};
 }
 
 PropertyList stored(const PairedPeer& peer)
 {
-    return PropertyList::Dictionary{{keyKey, peer.key},
-                                    {nameKey, peer.name},
-                                    {sinceKey, peer.since},
-                                    {lastUsedKey, peer.lastUsed}};
+    PropertyList::Dictionary entries{{keyKey, peer.key},
+                                     {nameKey, peer.name},
+                                     {sinceKey, peer.since},
+                                     {lastUsedKey, peer.lastUsed}};
+    if (peer.mayType)
+        entries[mayTypeKey] = true;
+    return entries;
 }
 
 std::string withoutNumber(const std::string& name)
@@ -142,12 +147,22 @@ void PairedPeers::used(const std::string& key, const std::string& name, Date now
         store(peers);
 }
 
+void PairedPeers::letType(const std::string& nameOrKey, bool mayType)
+{
+    auto peers = all();
+    for (PairedPeer& peer : peers) {
+        if (peer.isMeantBy(nameOrKey))
+            peer.mayType = mayType;
+    }
+    if (peers != all())
+        store(peers);
+}
+
 void PairedPeers::forget(const std::string& nameOrKey)
 {
     auto peers = all();
-    const auto forgotten = std::erase_if(peers, [&](const PairedPeer& peer) {
-        return peer.key == nameOrKey || (!nameOrKey.empty() && peer.name == nameOrKey);
-    });
+    const auto forgotten =
+        std::erase_if(peers, [&](const PairedPeer& peer) { return peer.isMeantBy(nameOrKey); });
     if (forgotten > 0)
         store(peers);
 }

@@ -19,6 +19,14 @@ struct PairedPeer {
     std::string name;
     Date since;    ///< when it was confirmed, if `mayBeTrue`
     Date lastUsed; ///< when a connection to it began last, if `mayBeTrue`
+    /// The user of this computer lets the device type here. Never for a computer.
+    bool mayType = false;
+
+    /// Whether a text is its name or its key.
+    bool isMeantBy(const std::string& nameOrKey) const
+    {
+        return !nameOrKey.empty() && (key == nameOrKey || name == nameOrKey);
+    }
 
     bool operator==(const PairedPeer&) const = default;
 };
@@ -69,6 +77,8 @@ public:
     /// Notes that whoever has that key and, if it has one, that name is in use. Without a name, or
     /// where `followsName`, it has that name from now on.
     void used(const std::string& key, const std::string& name, Date now, bool followsName = false);
+    /// Changes what it may do of whoever has that name, or that key.
+    void letType(const std::string& nameOrKey, bool mayType);
     /// Forgets everybody with that name, or that key. Nobody else.
     void forget(const std::string& nameOrKey);
 

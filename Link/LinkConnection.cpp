@@ -241,7 +241,7 @@ bool LinkConnection::isAllowed(const LinkFrame& frame) const
         std::holds_alternative<LinkKeepAlive>(frame) || std::holds_alternative<LinkGoodbye>(frame);
     const bool isInTime = isAnyTime || isOfIntroduction(frame) == (mState == State::meeting);
     return isInTime && (mSide == LinkSide::device ? isFromHost(frame) : isFromDevice(frame)) &&
-           (!isOfPicture(frame) || mAgreement.has(kLinkScreenFeature));
+           isAgreed(frame);
 }
 
 // --- what the owner asks for -----------------------------------------------------------------
@@ -264,8 +264,7 @@ void LinkConnection::refuse(const LinkRefusal& refusal)
 
 void LinkConnection::send(const LinkFrame& frame)
 {
-    const bool isAgreed = !isOfPicture(frame) || mAgreement.has(kLinkScreenFeature);
-    if (mState == State::open && isAgreed && !isOfIntroduction(frame))
+    if (mState == State::open && isAgreed(frame) && !isOfIntroduction(frame))
         write(frame);
 }
 

@@ -143,6 +143,11 @@ private:
     void take(const LinkAnswer& answer);
     void take(const LinkFrame& frame);
     bool isAllowed(const LinkFrame& frame) const;
+    bool isAgreed(const LinkFrame& frame) const
+    {
+        const char* feature = featureFor(frame);
+        return !feature || mAgreement.has(feature);
+    }
     void secure(const LinkAgreement& agreement);
     void becameSecure();
     void meet(const LinkDigest& peer);

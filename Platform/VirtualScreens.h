@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Platform/CursorSource.h"
+#include "Platform/InputSink.h"
 #include "Platform/ScreenSource.h"
 #include "Platform/Types/ScreenObstacle.h"
+#include "Platform/Types/WindowKeeping.h"
 
 #include <functional>
 #include <memory>
@@ -28,11 +30,14 @@ struct ScreenAvailability {
 
 /// The monitor that is wanted.
 struct ScreenWish {
-    std::string name; ///< what the user calls it; a desktop may show another name
-    int width = 0;    ///< in pixels
+    /// What the user calls it; a desktop may show another name. A monitor that is opened again
+    /// under it is the same one to the user.
+    std::string name;
+    int width = 0; ///< in pixels
     int height = 0;
-    double scale = 1;   ///< how many pixels are one point; a desktop may know only 1
-    bool input = false; ///< whether input for it will be given, too
+    double scale = 1;         ///< how many pixels are one point; a desktop may know only 1
+    bool input = false;       ///< whether input for it will be given, too
+    bool keepsWindows = true; ///< as `setKeepsWindows`
 };
 
 /// The monitor as it is.
@@ -43,7 +48,8 @@ struct ScreenGeometry {
     int height = 0;
     double scale = 1;
     double rate = 0; ///< frames per second; 0 when the desktop does not say
-    /// The user's own screens, in the desktop's own units; the main one first.
+    /// All other screens, in the desktop's own units; the main one first, the user's own before
+    /// other monitors of ours.
     std::vector<PixelRect> others = {};
 
     /// The upper left one of `area`.
@@ -82,10 +88,16 @@ public:
     virtual void setScale(double scale) = 0;
     /// Moves its upper left corner. Never moves a screen of the user.
     virtual void place(PixelPoint corner) = 0;
+    /// Whether windows are taken back when the monitor goes, and to it when one of its name comes
+    /// again. Counts where `windowKeeping` says that we do that.
+    virtual void setKeepsWindows(bool flag) = 0;
+    virtual WindowKeeping windowKeeping() const = 0;
 
     /// Live as long as the object.
     virtual ScreenSource& frames() = 0;
     virtual CursorSource& cursor() = 0;
+    /// Passes nothing on before `didAppear`, nor without `ScreenWish::input`.
+    virtual InputSink& input() = 0;
 };
 
 /// Makes monitors.

@@ -47,7 +47,8 @@ void ScreenServer::postDevice(const char* name)
     }
     post(name, {{kDeviceNameKey, mDeviceName},
                 {kDeviceAddressKey, mDeviceAddress},
-                {kCipherKey, mDevice.cipher}});
+                {kCipherKey, mDevice.cipher},
+                {kDeviceKeyKey, mDevice.key}});
     postScreen();
 }
 

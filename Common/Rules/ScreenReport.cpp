@@ -12,6 +12,7 @@ namespace
 
 constexpr std::array words{"none", "coming", "shown", "missing"};
 constexpr int lastObstacle = static_cast<int>(ScreenObstacle::failed);
+constexpr int lastKeeping = static_cast<int>(WindowKeeping::byFarview);
 constexpr double hundredths = 100;
 constexpr std::size_t longestText = 1024;
 
@@ -36,9 +37,14 @@ ScreenReport shownReport(std::istream& in)
     ScreenReport report{.state = ScreenReport::State::shown};
     int scale = 0;
     int rate = 0;
-    in >> report.width >> report.height >> scale >> rate >> report.monitor;
-    if (!in || !isSide(report.width) || !isSide(report.height) || scale <= 0 || rate < 0)
+    int windows = 0;
+    in >> report.width >> report.height >> scale >> rate >> windows >> report.isOneFinger >>
+        report.isTyping >> report.monitor;
+    const bool isSound = isSide(report.width) && isSide(report.height) && scale > 0 && rate >= 0 &&
+                         windows >= 0 && windows <= lastKeeping;
+    if (!in || !isSound)
         return {};
+    report.windows = static_cast<WindowKeeping>(windows);
     report.scale = scale / hundredths;
     report.rate = rate / hundredths;
     PixelRect screen;
@@ -59,7 +65,8 @@ std::string textOfScreenReport(const ScreenReport& report)
         return out.str();
     out << ' ' << report.width << ' ' << report.height << ' '
         << std::lround(report.scale * hundredths) << ' ' << std::lround(report.rate * hundredths)
-        << report.monitor;
+        << ' ' << static_cast<int>(report.windows) << ' ' << report.isOneFinger << ' '
+        << report.isTyping << report.monitor;
     for (std::size_t i = 0; i < report.screens.size() && i < ScreenReport::mostScreens; ++i)
         out << report.screens[i];
     return out.str();

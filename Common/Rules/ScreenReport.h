@@ -2,6 +2,7 @@
 
 #include "Platform/Types/PixelRect.h"
 #include "Platform/Types/ScreenObstacle.h"
+#include "Platform/Types/WindowKeeping.h"
 
 #include <string>
 #include <vector>
@@ -24,10 +25,16 @@ struct ScreenReport {
     // While it is shown.
     int width = 0; ///< in pixels
     int height = 0;
-    double scale = 1;       ///< how many pixels are one point
-    double rate = 0;        ///< pictures a second; 0 when the desktop does not say
+    double scale = 1; ///< how many pixels are one point
+    double rate = 0;  ///< pictures a second; 0 when the desktop does not say
+    /// Who takes windows back from it.
+    WindowKeeping windows = WindowKeeping::nobody;
+    /// Only one finger at a time gets through, as the pointer.
+    bool isOneFinger = false;
+    /// The device's user has used its keyboard within the last seconds.
+    bool isTyping = false;
     PixelRect monitor = {}; ///< where it is, in the desktop's own units
-    /// The user's own screens, in the same units; the main one first. At most `mostScreens`.
+    /// All other screens, in the same units; the main one first. At most `mostScreens`.
     std::vector<PixelRect> screens = {};
 
     static constexpr std::size_t mostScreens = 16;

@@ -1,6 +1,7 @@
 #include "Link/Wire/LinkCodec.h"
 
 #include "Link/Wire/ByteReader.h"
+#include "Link/Wire/InputCodec.h"
 #include "Link/Wire/ScreenPacket.h"
 
 #include <algorithm>
@@ -30,9 +31,10 @@ constexpr std::uint32_t touchBit = 1;
 constexpr std::uint32_t retinaBit = 2;
 constexpr std::uint32_t hiDPIBit = 4;
 constexpr std::uint32_t windowsMoveBackBit = 8;
+constexpr std::uint32_t typingBit = 16;
 
 struct FrameBody {
-    FrameKind kind;
+    std::uint32_t kind;
     Bytes payload;
     std::size_t dataSize = 0; ///< of what follows the payload as it is
 };
@@ -41,7 +43,8 @@ FrameBody body(const LinkOptions& value)
 {
     const std::uint32_t bits = (value.touch ? touchBit : 0) | (value.retina ? retinaBit : 0) |
                                (value.hiDPI ? hiDPIBit : 0) |
-                               (value.windowsMoveBack ? windowsMoveBackBit : 0);
+                               (value.windowsMoveBack ? windowsMoveBackBit : 0) |
+                               (value.typing ? typingBit : 0);
     FrameBody result{FrameKind::options, {}};
     appendNumber(result.payload, bits, 4);
     return result;
@@ -113,6 +116,13 @@ FrameBody body(const LinkNonce& value) { return digestBody(FrameKind::nonce, val
 
 FrameBody body(const LinkConfirmed&) { return {FrameKind::confirmed, {}}; }
 
+FrameBody body(const LinkTouch& value) { return {InputKind::touchInput, inputPayload(value)}; }
+FrameBody body(const LinkPen& value) { return {InputKind::penInput, inputPayload(value)}; }
+FrameBody body(const LinkPointer& value) { return {InputKind::pointerInput, inputPayload(value)}; }
+FrameBody body(const LinkWheel& value) { return {InputKind::wheelInput, inputPayload(value)}; }
+FrameBody body(const LinkKey& value) { return {InputKind::keyInput, inputPayload(value)}; }
+FrameBody body(const LinkText& value) { return {InputKind::textInput, inputPayload(value)}; }
+
 /// Whether a payload of that size can belong to that kind at all.
 bool sizeFits(std::uint32_t kind, std::size_t size)
 {
@@ -137,17 +147,17 @@ bool sizeFits(std::uint32_t kind, std::size_t size)
     case FrameKind::screenRectangle:
         return size >= kScreenPacketHeaderSize && size <= kLinkPayloadLimit;
     default:
-        return false;
+        return inputSizeFits(kind, size);
     }
 }
 
 std::optional<LinkFrame> readOptions(ByteReader& reader)
 {
     const std::uint32_t bits = reader.number(4);
-    if ((bits & ~(touchBit | retinaBit | hiDPIBit | windowsMoveBackBit)) != 0)
+    if ((bits & ~(touchBit | retinaBit | hiDPIBit | windowsMoveBackBit | typingBit)) != 0)
         return std::nullopt;
     return LinkOptions{(bits & touchBit) != 0, (bits & retinaBit) != 0, (bits & hiDPIBit) != 0,
-                       (bits & windowsMoveBackBit) != 0};
+                       (bits & windowsMoveBackBit) != 0, (bits & typingBit) != 0};
 }
 
 std::optional<LinkFrame> readGoodbye(ByteReader& reader)
@@ -239,8 +249,10 @@ std::optional<LinkFrame> readFrame(std::uint32_t kind, ByteReader& reader)
         return LinkNonce{readDigest(reader)};
     case FrameKind::confirmed:
         return LinkConfirmed{};
-    default:
+    case FrameKind::screenRectangle:
         return readScreenRectangle(reader);
+    default:
+        return readInput(kind, reader);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Link/Wire/ByteReader.h"
+#include "Link/Wire/LinkInput.h"
 #include "Link/Wire/ScreenPacket.h"
 #include "Platform/Types/PixelRect.h"
 
@@ -18,6 +19,7 @@ struct LinkOptions {
     bool retina = false;
     bool hiDPI = false;
     bool windowsMoveBack = false;
+    bool typing = false; ///< this device may send keys and text
 
     bool operator==(const LinkOptions&) const = default;
 };
@@ -96,6 +98,9 @@ inline constexpr const char* kLinkScreenFeature = "screen";
 /// The feature that must be agreed before rectangles are packed by zstd.
 inline constexpr const char* kLinkZstdFeature = "zstd";
 
+/// The feature that must be agreed before a device sends what its user does with the picture.
+inline constexpr const char* kLinkInputFeature = "input";
+
 /// 32 bytes: a SHA-256, or a number that nobody can guess.
 using LinkDigest = std::array<std::uint8_t, 32>;
 
@@ -128,7 +133,8 @@ struct LinkConfirmed {
 /// One message after the greeting.
 using LinkFrame = std::variant<LinkOptions, LinkKeepAlive, LinkGoodbye, LinkScreenRectangle,
                                LinkFrameEnd, LinkPictureSize, LinkShown, LinkDeviceScreen,
-                               LinkStanding, LinkCommitment, LinkNonce, LinkConfirmed>;
+                               LinkStanding, LinkCommitment, LinkNonce, LinkConfirmed, LinkTouch,
+                               LinkPen, LinkPointer, LinkWheel, LinkKey, LinkText>;
 
 enum class LinkSide { host, device };
 
@@ -141,10 +147,18 @@ inline bool isOfIntroduction(const LinkFrame& frame)
            std::holds_alternative<LinkNonce>(frame) || std::holds_alternative<LinkConfirmed>(frame);
 }
 
+/// Whether it needs the feature `input`.
+inline bool isOfInput(const LinkFrame& frame)
+{
+    return std::holds_alternative<LinkTouch>(frame) || std::holds_alternative<LinkPen>(frame) ||
+           std::holds_alternative<LinkPointer>(frame) || std::holds_alternative<LinkWheel>(frame) ||
+           std::holds_alternative<LinkKey>(frame) || std::holds_alternative<LinkText>(frame);
+}
+
 /// Who may say it.
 inline bool isFromHost(const LinkFrame& frame)
 {
-    return !std::holds_alternative<LinkShown>(frame) &&
+    return !isOfInput(frame) && !std::holds_alternative<LinkShown>(frame) &&
            !std::holds_alternative<LinkDeviceScreen>(frame) &&
            !std::holds_alternative<LinkCommitment>(frame);
 }
@@ -154,11 +168,15 @@ inline bool isFromDevice(const LinkFrame& frame)
            std::holds_alternative<LinkKeepAlive>(frame) ||
            std::holds_alternative<LinkGoodbye>(frame);
 }
-/// Whether it needs the feature `screen`.
-inline bool isOfPicture(const LinkFrame& frame)
+/// The feature that must be agreed before it is said; null where the base version has it.
+inline const char* featureFor(const LinkFrame& frame)
 {
-    return isFromHost(frame) != isFromDevice(frame) &&
-           !std::holds_alternative<LinkOptions>(frame) && !isOfIntroduction(frame);
+    if (isOfInput(frame))
+        return kLinkInputFeature;
+    const bool isOfPicture = isFromHost(frame) != isFromDevice(frame) &&
+                             !std::holds_alternative<LinkOptions>(frame) &&
+                             !isOfIntroduction(frame);
+    return isOfPicture ? kLinkScreenFeature : nullptr;
 }
 
 } // namespace farview

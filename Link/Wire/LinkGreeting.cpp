@@ -42,7 +42,7 @@ LinkGreeting ownGreeting(bool withPictures)
     LinkGreeting greeting{.features = {{kLinkEncryptionFeature, true}}};
     if (withPictures)
         greeting.features.insert(greeting.features.end(),
-                                 {{kLinkScreenFeature}, {kLinkZstdFeature}});
+                                 {{kLinkInputFeature}, {kLinkScreenFeature}, {kLinkZstdFeature}});
     return greeting;
 }
 

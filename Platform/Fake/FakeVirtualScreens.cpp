@@ -45,6 +45,9 @@ public:
     }
     ScreenSource& frames() override { return *mMonitor; }
     CursorSource& cursor() override { return *mMonitor; }
+    InputSink& input() override { return mMonitor->input(); }
+    void setKeepsWindows(bool flag) override { mMonitor->setKeepsWindows(flag); }
+    WindowKeeping windowKeeping() const override { return WindowKeeping::byFarview; }
 
 private:
     std::shared_ptr<FakeMonitor> mMonitor;

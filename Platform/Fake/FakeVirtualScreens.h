@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Fake/FakeInputSink.h"
 #include "Platform/Fake/FakeRunLoop.h"
 #include "Platform/VirtualScreens.h"
 
@@ -31,6 +32,9 @@ public:
 
     const ScreenWish& wish() const { return mWish; }
     const ScreenGeometry& geometry() const { return mGeometry; }
+    /// What the user of the device did on the monitor.
+    FakeInputSink& input() { return mInput; }
+    void setKeepsWindows(bool flag) { mWish.keepsWindows = flag; }
 
     std::optional<ScreenFrame> takeFrame() override;
     bool isInFrames() const override { return false; }
@@ -59,6 +63,7 @@ private:
     bool mIsFrameOut = false;
     bool mIsFrameAnnounced = false;
     bool mHasEnded = false;
+    FakeInputSink mInput;
 };
 
 /// A desktop on which tests script what becomes of a monitor: it appears on the next turn unless

@@ -55,7 +55,7 @@ std::vector<LinkFrame> everyFrame()
 {
     return {LinkOptions{},
             LinkOptions{true, false, false, true},
-            LinkOptions{false, true, true, false},
+            LinkOptions{false, true, true, false, true},
             LinkKeepAlive{},
             LinkGoodbye{LinkGoodbyeCode::quitting, "See you"},
             LinkStanding{true},
@@ -70,7 +70,17 @@ std::vector<LinkFrame> everyFrame()
             LinkShown{1, 16'667},
             LinkPictureSize{kLargestPictureSide, 1},
             LinkPictureSize{},
-            LinkDeviceScreen{1920, 1200, 125, 60}};
+            LinkDeviceScreen{1920, 1200, 125, 60},
+            LinkTouch{15, LinkTouchPhase::cancel, {256, 511, 2, 3}, 1, 40, 50},
+            LinkTouch{},
+            LinkPen{{1, 2, 3, 4}, false, true, true, 65535, -90, 90, 3},
+            LinkPen{{}, true},
+            LinkPointer{{16384 * 256 - 1, 0, 16384, 1}, 31},
+            LinkWheel{{}, -120, 32767},
+            LinkKey{255, true},
+            LinkKey{1, false},
+            LinkText{"Grüße"},
+            LinkText{}};
 }
 
 } // namespace
@@ -268,7 +278,7 @@ TEST(FrameCodec, RefusesWhatWasNotAgreed)
     EXPECT_EQ(frameStatus({0, 0, 0, 0, 0, 0, 0, 0}), DecodeStatus::malformed) << "kind 0";
     EXPECT_EQ(frameStatus({4, 0, 0, 0, 0, 0, 0, 0}), DecodeStatus::malformed) << "kind 4";
     EXPECT_EQ(frameStatus({2, 1, 0, 0, 0, 0, 0, 0}), DecodeStatus::malformed) << "reserved byte";
-    EXPECT_EQ(frameStatus({1, 0, 0, 0, 4, 0, 0, 0, 16, 0, 0, 0}), DecodeStatus::malformed)
+    EXPECT_EQ(frameStatus({1, 0, 0, 0, 4, 0, 0, 0, 32, 0, 0, 0}), DecodeStatus::malformed)
         << "unknown option";
 }
 
@@ -296,6 +306,34 @@ TEST(FrameCodec, RefusesALongFrameWhereOnlyShortOnesAreSaid)
               DecodeStatus::complete);
 }
 
+TEST(FrameCodec, RefusesInputThatNobodyCanGive)
+{
+    LinkTouch touch;
+    touch.finger = mostLinkFingers;
+    const auto phase = [] {
+        Bytes bytes = encodeFrame(LinkTouch{});
+        bytes[kLinkFrameHeaderSize + 1] = 4;
+        return bytes;
+    }();
+    const std::vector<std::pair<const char*, Bytes>> frames = {
+        {"a finger too many", encodeFrame(touch)},
+        {"an unknown phase", phase},
+        {"beside the picture", encodeFrame(LinkPointer{{256, 0, 1, 1}, 0})},
+        {"below the picture", encodeFrame(LinkPointer{{0, 256, 1, 1}, 0})},
+        {"on no picture", encodeFrame(LinkPointer{{0, 0, 0, 0}, 0})},
+        {"a picture too large", encodeFrame(LinkWheel{{0, 0, 16385, 1}, 0, 0})},
+        {"a sixth button", encodeFrame(LinkPointer{{}, 32})},
+        {"a pen lying beyond", encodeFrame(LinkPen{{}, true, true, false, 0, 91, 0})},
+        {"a pen of four buttons", encodeFrame(LinkPen{{}, true, true, false, 0, 0, 0, 4})},
+        {"key 0", encodeFrame(LinkKey{0, true})},
+        {"half a key", {36, 0, 0, 0, 1, 0, 0, 0, 30}},
+        {"a key in between", {36, 0, 0, 0, 2, 0, 0, 0, 30, 2}},
+        {"a text without its length", {37, 0, 0, 0, 0, 0, 0, 0}},
+        {"an unknown kind", {38, 0, 0, 0, 0, 0, 0, 0}}};
+    for (const auto& [what, bytes] : frames)
+        EXPECT_EQ(frameStatus(bytes), DecodeStatus::malformed) << what;
+}
+
 TEST(FrameCodec, RefusesIntroductionsOfAnotherSize)
 {
     EXPECT_EQ(frameStatus({4, 0, 0, 0, 1, 0, 0, 0, 2}), DecodeStatus::malformed) << "no truth";
@@ -314,11 +352,15 @@ TEST(LinkFrame, IsSaidByOneSideOrBoth)
                                              !std::holds_alternative<LinkCommitment>(frame));
         EXPECT_EQ(isFromHost(frame) && isFromDevice(frame), isForBoth);
         EXPECT_TRUE(isFromHost(frame) || isFromDevice(frame));
-        EXPECT_EQ(isOfPicture(frame), !isAnyTime && !isOfIntroduction(frame) &&
-                                          !std::holds_alternative<LinkOptions>(frame));
+        const bool isOfBase =
+            isAnyTime || isOfIntroduction(frame) || std::holds_alternative<LinkOptions>(frame);
+        EXPECT_EQ(featureFor(frame), isOfBase           ? nullptr
+                                     : isOfInput(frame) ? kLinkInputFeature
+                                                        : kLinkScreenFeature);
     }
     EXPECT_FALSE(isFromHost(LinkCommitment{}));
     EXPECT_FALSE(isFromHost(LinkShown{}));
+    EXPECT_FALSE(isFromHost(LinkKey{}));
     EXPECT_FALSE(isFromDevice(LinkFrameEnd{}));
 }
 

@@ -31,6 +31,9 @@ public:
     void place(PixelPoint corner) override;
     ScreenSource& frames() override { return mStream.screen(); }
     CursorSource& cursor() override { return mStream.screen(); }
+    InputSink& input() override { return mInput; }
+    void setKeepsWindows(bool) override {}
+    WindowKeeping windowKeeping() const override { return WindowKeeping::desktop; }
 
 private:
     using News = std::function<void(VirtualScreenDelegate&)>;
@@ -65,6 +68,7 @@ private:
     std::optional<ScreenGeometry> mTold;
     std::vector<News> mEarly; ///< before the monitor was told of
     bool mHasEnded = false;
+    NoInput mInput;
     MutterSession mSession;
     DisplayConfig mDisplays;
     PipeWireStream mStream;

@@ -33,10 +33,14 @@ public:
     void place(PixelPoint corner) override { mThread.place(corner); }
     ScreenSource& frames() override { return mThread.screen(); }
     CursorSource& cursor() override { return mThread.screen(); }
+    InputSink& input() override { return mInput; }
+    void setKeepsWindows(bool) override {}
+    WindowKeeping windowKeeping() const override { return WindowKeeping::nobody; }
 
 private:
     /// The target of everything that is posted: nothing is told after the object's end.
     std::shared_ptr<void> mLife = std::make_shared<int>();
+    NoInput mInput;
     MonitorThread mThread;
 };
 

@@ -24,6 +24,7 @@ void addEntry(QMenu& menu, const std::shared_ptr<MenuItem>& item)
 void fill(QMenu& menu, const Menu& entries)
 {
     menu.clear();
+    qDeleteAll(menu.findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
     for (const auto& item : entries.items()) {
         if (isSeparator(*item))
             menu.addSeparator();

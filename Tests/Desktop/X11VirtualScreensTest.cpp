@@ -1,11 +1,15 @@
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 
 #include "Platform/Desktop/QtRunLoop.h"
+#include "Platform/Desktop/Screens/X11/MonitorThread.h"
 #include "Tests/Desktop/ScreenListener.h"
+#include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/PrivateXServer.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 #include <csignal>
 
@@ -139,14 +143,22 @@ TEST_F(X11VirtualScreensTest, WhatOthersSwitchedOffLeavesNothing)
     EXPECT_TRUE(waitUntil([&] { return described() == before; }));
 }
 
-TEST_F(X11VirtualScreensTest, OneMonitorOnOneDisplay)
+TEST_F(X11VirtualScreensTest, MonitorsOfOneProcessAtATime)
 {
+    const ForkedProcess another([] {
+        const MonitorThread thread({.name = "Phone", .width = 800, .height = 600},
+                                   FARVIEW_MONITOR_WATCHER, [](const auto&) {});
+        ::pause();
+    });
+    ASSERT_TRUE(waitUntil([&] { return mOthers.area(1).width == 800; }));
     open();
-    const auto second = std::make_shared<ScreenListener>();
-    const auto other = mScreens.open({.name = "Tablet", .width = 800, .height = 600}, second);
-    ASSERT_TRUE(waitUntil([&] { return second->end.has_value(); }));
-    EXPECT_EQ(second->end, ScreenObstacle::inUse);
-    EXPECT_EQ(mListener->end, std::nullopt);
+    EXPECT_EQ(mListener->end, ScreenObstacle::inUse);
+    std::optional<ScreenAvailability> answer;
+    mScreens.availability(mListener, [&](const auto& found) { answer = found; });
+    ASSERT_TRUE(waitUntil([&] { return answer.has_value(); }));
+    EXPECT_FALSE(answer->way);
+    EXPECT_EQ(answer->obstacle, ScreenObstacle::inUse);
+    EXPECT_EQ(mOthers.area(1), (ScreenArranger::Area{1920, 0, 800, 600}));
 }
 
 TEST_F(X11VirtualScreensTest, WithoutItsWatcherThereIsNoMonitor)

@@ -1,6 +1,6 @@
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 
-#include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
+#include "Platform/Desktop/Screens/X11/MonitorRemoval.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -63,7 +63,7 @@ FileDescriptor startMonitorWatcher(const std::string& program)
     return process > 0 && endsWell(process) ? std::move(writingEnd) : FileDescriptor();
 }
 
-bool watchMonitor()
+bool watchMonitors()
 {
     if (const pid_t child = ::fork(); child != 0)
         return child > 0;
@@ -73,9 +73,9 @@ bool watchMonitor()
     const auto connection = connectX(nullptr);
     RandrServer server(connection.get());
     // The server notices the end of a program at its own time.
-    for (int look = 0; look < 1000 && server.isUsable() && hasOwner(server); ++look)
+    for (int look = 0; look < 1000 && server.isUsable() && hasAnyOwner(server); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    return undoAbandonedMonitor(server);
+    return undoAbandonedMonitors(server);
 }
 
 } // namespace farview

@@ -7,14 +7,14 @@
 namespace farview
 {
 
-/// Starts a small program that waits for our end and then undoes the monitor that we left. It holds
+/// Starts a small program that waits for our end and then undoes the monitors that we left. It holds
 /// the reading end of a pipe whose writing end nobody but us has, so it notices any kind of death
 /// at once, and the end of what is returned here as well. Signals do not end it, for whoever ends a
 /// whole session means us. Nothing open is returned when it cannot be started.
 FileDescriptor startMonitorWatcher(const std::string& program);
 
 /// What that program does: becomes nobody's child, waits until nobody holds the other end of its
-/// input, and undoes the monitor that is left. True when none is.
-bool watchMonitor();
+/// input, and undoes the monitors that are left. True when none is.
+bool watchMonitors();
 
 } // namespace farview

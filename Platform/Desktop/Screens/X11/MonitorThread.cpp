@@ -75,6 +75,7 @@ void MonitorThread::run()
         converse(tidy);
         end = watcher.isOpen() ? converse([this](RandrServer& server) { return show(server); })
                                : ScreenObstacle::failed;
+        sayThatAllIsReleased(watcher);
     } catch (const std::exception&) {
         // No memory.
         end = ScreenObstacle::failed;

@@ -16,7 +16,8 @@ namespace
 /// For removing the monitor, which takes some milliseconds.
 constexpr std::chrono::milliseconds patience{500};
 
-/// The watcher of all monitors of this process, until the last of them lets it go.
+/// The watcher of all monitors of this process, until the last of them lets it go: by then nothing
+/// is held down any more.
 std::shared_ptr<FileDescriptor> sharedWatcher(const std::string& program)
 {
     static std::mutex mutex;
@@ -24,7 +25,11 @@ std::shared_ptr<FileDescriptor> sharedWatcher(const std::string& program)
     const std::lock_guard lock(mutex);
     auto watcher = running.lock();
     if (!watcher || !watcher->isOpen())
-        running = watcher = std::make_shared<FileDescriptor>(startMonitorWatcher(program));
+        running = watcher = {new FileDescriptor(startMonitorWatcher(program)),
+                             [](FileDescriptor* ending) {
+                                 sayThatAllIsReleased(*ending);
+                                 delete ending;
+                             }};
     return watcher;
 }
 

@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 
 #include "Platform/Desktop/Screens/X11/MonitorRemoval.h"
+#include "Platform/Desktop/Screens/X11/XTestInput.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -50,6 +51,17 @@ bool endsWell(pid_t process)
     return status == 0;
 }
 
+/// Whether the other end was closed without a word.
+bool waitForDeath()
+{
+    char byte = 0;
+    ssize_t count = 0;
+    bool isSudden = true;
+    while ((count = ::read(STDIN_FILENO, &byte, 1)) > 0 || (count < 0 && errno == EINTR))
+        isSudden = isSudden && count < 0;
+    return isSudden;
+}
+
 } // namespace
 
 FileDescriptor startMonitorWatcher(const std::string& program)
@@ -63,18 +75,20 @@ FileDescriptor startMonitorWatcher(const std::string& program)
     return process > 0 && endsWell(process) ? std::move(writingEnd) : FileDescriptor();
 }
 
+void sayThatAllIsReleased(const FileDescriptor& watcher) { writeAll(watcher.get(), "."); }
+
 bool watchMonitors()
 {
     if (const pid_t child = ::fork(); child != 0)
         return child > 0;
-    char byte = 0;
-    while (::read(STDIN_FILENO, &byte, 1) < 0 && errno == EINTR) {
-    }
+    const bool isSudden = waitForDeath();
     const auto connection = connectX(nullptr);
     RandrServer server(connection.get());
     // The server notices the end of a program at its own time.
     for (int look = 0; look < 1000 && server.isUsable() && hasAnyOwner(server); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    if (isSudden)
+        releaseAllOfXTest(connection.get());
     return undoAbandonedMonitors(server);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/Screens/X11/InputDevices.h"
 #include "Platform/RunLoop.h"
 #include "Platform/VirtualScreens.h"
 
@@ -15,7 +16,9 @@ class X11VirtualScreens final : public VirtualScreens
 {
 public:
     /// `watcher`: the path of the program that undoes a monitor when this process has died.
-    X11VirtualScreens(RunLoop& loop, std::string watcher);
+    /// `makeDevices` is called on other threads, once for each monitor that takes input.
+    X11VirtualScreens(RunLoop& loop, std::string watcher,
+                      MakeInputDevices makeDevices = makeKernelDevices);
     ~X11VirtualScreens() override;
 
     void availability(std::weak_ptr<void> target, Answer then) override;
@@ -26,6 +29,7 @@ private:
 
     RunLoop& mLoop;
     std::string mWatcher;
+    MakeInputDevices mMakeDevices;
     std::vector<std::unique_ptr<Question>> mQuestions;
 };
 

@@ -1,7 +1,6 @@
 #include "Applications/ScreenCapture/InputReceiver.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace farview
 {
@@ -70,9 +69,9 @@ std::optional<InputPlace> InputReceiver::placeOf(const LinkPlace& place) const
     return InputPlace{mapped->x, mapped->y, mapped->desktopX, mapped->desktopY};
 }
 
-bool InputReceiver::mayMove() { return mMotions.spend(1, mRunLoop.now()); }
+bool InputReceiver::mayMove() { return mMotions.spend(1, mNow()); }
 
-bool InputReceiver::mayStrike(double strokes) { return mStrokes.spend(strokes, mRunLoop.now()); }
+bool InputReceiver::mayStrike(double strokes) { return mStrokes.spend(strokes, mNow()); }
 
 // --- fingers ---------------------------------------------------------------------------------
 

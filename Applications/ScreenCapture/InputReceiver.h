@@ -8,7 +8,9 @@
 #include <array>
 #include <bitset>
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace farview
 {
@@ -50,8 +52,11 @@ public:
     static constexpr double strokesPerSecond = 200; ///< presses, and characters of a text
     static constexpr double strokesAtOnce = 400;
 
-    /// Both outlive it.
-    InputReceiver(InputSink& sink, RunLoop& runLoop) : mSink(sink), mRunLoop(runLoop) {}
+    /// `sink` outlives it; `now` is a clock that only goes forward.
+    InputReceiver(InputSink& sink, std::function<Duration()> now)
+        : mSink(sink), mNow(std::move(now))
+    {
+    }
     /// Lifts everything.
     ~InputReceiver() { releaseAll(); }
     InputReceiver(const InputReceiver&) = delete;
@@ -83,7 +88,7 @@ private:
     void releaseKeys();
 
     InputSink& mSink;
-    RunLoop& mRunLoop;
+    std::function<Duration()> mNow;
     MonitorPlace mMonitor;
     Rights mRights;
     EventBudget mMotions{motionsPerSecond, motionsPerSecond / 4};

@@ -192,7 +192,8 @@ void ScreenSession::tellPictureIsOver()
 void ScreenSession::beginInput()
 {
     if (mServices.link.hasFeature(kLinkInputFeature))
-        mInput = std::make_unique<InputReceiver>(mScreen->input(), mServices.runLoop);
+        mInput = std::make_unique<InputReceiver>(
+            mScreen->input(), [&loop = mServices.runLoop] { return loop.now(); });
     if (mInput)
         mInput->setMonitor({mGeometry.area, mGeometry.width, mGeometry.height});
     followRights();

@@ -51,7 +51,8 @@ protected:
 
     FakeRunLoop loop;
     FakeInputSink sink;
-    std::unique_ptr<InputReceiver> receiver = std::make_unique<InputReceiver>(sink, loop);
+    std::unique_ptr<InputReceiver> receiver =
+        std::make_unique<InputReceiver>(sink, [this] { return loop.now(); });
 };
 
 TEST_F(InputReceiverTest, PassesTwoFingersOn)

@@ -1,7 +1,6 @@
 // What a device's user does with the picture, as any device may send it.
 #include "Applications/ScreenCapture/InputReceiver.h"
 #include "Link/Wire/LinkCodec.h"
-#include "Platform/Fake/FakeRunLoop.h"
 #include "Tests/Fuzz/Expect.h"
 
 #include <set>
@@ -69,9 +68,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 {
     if (size == 0)
         return 0;
-    FakeRunLoop loop;
     WatchfulSink sink((bytes[0] & 1U) != 0);
-    InputReceiver receiver(sink, loop);
+    InputReceiver receiver(sink, [] { return Duration(0); });
     receiver.setMonitor(monitor);
     receiver.setRights({true, (bytes[0] & 2U) != 0});
     ByteView rest(bytes + 1, size - 1);

@@ -2,6 +2,7 @@
 // type. The program runs once for each ratio of pixels to points, which its environment tells.
 
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/FurtherDevices.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Controls/Qt/ReducedMotionStyle.h"
@@ -109,6 +110,7 @@ protected:
         lookAtSheet();
         lookAtHiDPIWindow();
         lookAtScreens();
+        lookAtFurtherDevices();
         fake.discovery.remove({longName});
         click("offTextButton");
         settle();
@@ -154,6 +156,25 @@ protected:
             {.state = ScreenReport::State::missing, .obstacle = ScreenObstacle::noSpareOutput});
         ASSERT_TRUE(find<QWidget>("screenDiagnoseButton")->isVisible());
         expectRoomOnPages("without a monitor");
+    }
+    void lookAtFurtherDevices()
+    {
+        serverPosts(kServerConnectedToDevice,
+                    {{kDeviceNameKey, "tablet.local."}, {kDeviceKeyKey, std::string(64, 'a')}});
+        auto report = shownScreen();
+        report.isOneFinger = report.isTyping = true;
+        serverReports(report);
+        using State = FurtherDevice::State;
+        const std::vector<FurtherDevice> devices{
+            {"a.local.", longName, State::connected, report, std::string(64, 'b')},
+            {"b.local.", longName, State::connecting},
+            {"c.local.", longName, State::failed}};
+        serverPosts(kServerFurtherDevicesDidChange,
+                    {{kFurtherDevicesKey, textOfFurtherDevices(devices)}});
+        for (const char* name : {"furtherDevicesTable", "typingLabel", "mayTypeCheckbox"})
+            ASSERT_TRUE(find<QWidget>(name)->isVisible()) << name;
+        expectRoomOnPages("with further devices");
+        serverPosts(kServerFurtherDevicesDidChange, {});
     }
     void lookAtHiDPIWindow()
     {

@@ -10,10 +10,12 @@ using farview::ScreenReport;
 namespace
 {
 
+// Without a text the label would lose the room that it keeps while it is hidden.
 void showHint(farview::TextField& label, const std::string& hint)
 {
-    label.setStringValue(hint);
     label.setHidden(hint.empty());
+    if (!hint.empty())
+        label.setStringValue(hint);
 }
 
 } // namespace

@@ -203,7 +203,7 @@ protected:
         const PseudoLanguages pseudo(FARVIEW_PANE_BUNDLE);
         for (const char* each : pseudoLanguages)
             walk(each, pseudo.bundlePath());
-        EXPECT_EQ(mLookedAt, 10 * 30);
+        EXPECT_EQ(mLookedAt, 10 * 32);
     }
 
 private:

@@ -70,8 +70,7 @@ public:
     {
         return mSelectedNetService;
     }
-    /// What the user knows the device by that is connected; nothing when none is.
-    std::optional<std::string> connectedName() const;
+    std::optional<std::string> connectedName() const; ///< of the device, as the user knows it
     /// Also stores the host name of a device as the one in use.
     void setSelectedNetService(std::shared_ptr<farview::NetService> service);
     void takeNoVirtualScreenFrom(farview::Object* sender);
@@ -170,7 +169,6 @@ private:
     std::string screenText();
     std::string connectedDevice() const;
     void showScreen(bool isConnected);
-    void showWindowKeeping(farview::WindowKeeping windows);
     void showPairing();
     void delayYes();
     void confirmAnew(const std::string& device);

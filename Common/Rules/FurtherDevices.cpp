@@ -34,12 +34,13 @@ std::optional<FurtherDevice> deviceIn(const std::string& text)
     std::istringstream line(text);
     const auto word = std::find(words.begin(), words.end(), nextField(line));
     FurtherDevice device{nextField(line), nextField(line)};
-    if (word == words.end() || !isName(device.hostName) || !isName(device.name))
+    const std::string screen = nextField(line);
+    device.key = nextField(line);
+    if (word == words.end() || !isName(device.hostName) || !isName(device.name) ||
+        device.key.size() > longestName)
         return std::nullopt;
     device.state = static_cast<FurtherDevice::State>(word - words.begin());
-    const std::string screen = nextField(line);
     device.screen = screenReport(&screen);
-    device.key = nextField(line);
     return device;
 }
 

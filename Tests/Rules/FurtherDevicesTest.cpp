@@ -43,7 +43,8 @@ TEST(FurtherDevices, WhatCannotBeReadIsLeftOutAndNothingElse)
           std::string("connected\t\tDesk"), std::string("connected\tdesk.local\t"),
           std::string("other\tdesk.local\tDesk"), std::string("failed\tdesk\x1b[2J.local\tDesk"),
           std::string("failed\tdesk.local\tDe\x7Fsk"),
-          "failed\tdesk.local\t" + std::string(256, 'x')})
+          "failed\tdesk.local\t" + std::string(256, 'x'),
+          "failed\tdesk.local\tDesk\tnone\t" + std::string(256, 'a')})
         EXPECT_EQ(readDevices(line + "\n" + sound), std::vector{oneOfEach.front()}) << line;
     EXPECT_EQ(
         readDevices("connected\tdesk.local\tDesk\tnonsense\n"),

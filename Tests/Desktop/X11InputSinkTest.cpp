@@ -141,9 +141,7 @@ TEST_F(X11InputSinkTest, TheWheelTurnsWholeNotchesAndKeepsTheRest)
     input().wheel(-1, 0);
     input().wheel(1.25, -1);
     input().wheel(std::nan(""), 1e300);
-    Events turned = events(10);
-    std::erase_if(turned, [](const auto& event) { return !event.starts_with("down"); });
-    EXPECT_THAT(turned,
+    EXPECT_THAT(presses(4),
                 ElementsAre("down 5 1920,0", "down 5 1920,0", "down 6 1920,0", "down 7 1920,0"));
 }
 

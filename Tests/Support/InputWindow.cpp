@@ -184,6 +184,28 @@ void InputWindow::write(const std::string& what, int x, int y)
     mEvents.push_back(what + " " + std::to_string(x) + "," + std::to_string(y));
 }
 
+std::string heldDown(const std::string& display)
+{
+    auto* connection = xcb_connect(display.c_str(), nullptr);
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    auto* keys = xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr);
+    auto* pointer =
+        xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr);
+    std::string text;
+    for (int code = 0; code < 256; ++code) {
+        if (keys->keys[code / 8] >> code % 8 & 1)
+            text += " key " + std::to_string(code);
+    }
+    for (int button = 1; button <= 5; ++button) {
+        if (pointer->mask >> (7 + button) & 1)
+            text += " button " + std::to_string(button);
+    }
+    std::free(keys);
+    std::free(pointer);
+    xcb_disconnect(connection);
+    return text.empty() ? text : text.substr(1);
+}
+
 std::string describedKeyboard(const std::string& display)
 {
     auto* connection = xcb_connect(display.c_str(), nullptr);

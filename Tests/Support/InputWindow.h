@@ -54,6 +54,8 @@ private:
     std::pair<int, int> mPointer{-1, -1};
 };
 
+/// The keys and buttons that are down there, whoever holds them: "key 38 button 1".
+std::string heldDown(const std::string& display);
 /// What every key of that server's keyboard means.
 std::string describedKeyboard(const std::string& display);
 /// Maps its touch screen as a desktop would, by a matrix of three rows.

@@ -236,6 +236,19 @@ TEST_F(X11InputSinkTest, NoDesktopMapsTheTouchScreenElsewhere)
     }));
 }
 
+TEST_F(X11InputSinkTest, HasSeveralFingersWhileTheServerHasTheDevice)
+{
+    open();
+    EXPECT_EQ(input().abilities(), (InputAbilities{true, true, true, true}));
+    enableTouchScreen(mServer.display(), false);
+    EXPECT_TRUE(waitUntil([&] { return !input().abilities().touch; }));
+    EXPECT_TRUE(input().abilities().pen);
+    input().touch(finger(0, TouchPhase::down, 10, 10));
+    enableTouchScreen(mServer.display(), true);
+    EXPECT_TRUE(waitUntil([&] { return input().abilities().touch; }));
+    EXPECT_THAT(touches(0), IsEmpty());
+}
+
 TEST_F(X11InputSinkTest, APenHoversAndPresses)
 {
     open();
@@ -260,6 +273,31 @@ TEST_F(X11InputSinkTest, ReleasesEverythingAtItsEnd)
     mScreen.reset();
     EXPECT_THAT(events(1), testing::Contains("up 1 1930,10"));
     EXPECT_TRUE(waitUntil([&] { return mWindow.keys().empty(); }));
+}
+
+TEST_F(X11InputSinkTest, AMonitorThatIsTakenAwayLiftsEverything)
+{
+    open();
+    input().touch(finger(0, TouchPhase::down, 10, 10));
+    input().key(KEY_A, true);
+    EXPECT_THAT(touches(1), ElementsAre("touch 1 begins 1930,10"));
+    mOthers.hide(1);
+    EXPECT_THAT(touches(1), ElementsAre(testing::StartsWith("touch 1 ends")));
+    EXPECT_TRUE(waitUntil([&] { return heldDown(mServer.display()).empty(); }));
+    input().key(KEY_A, true);
+    input().touch(finger(0, TouchPhase::down, 10, 10));
+    EXPECT_THAT(touches(0), IsEmpty());
+    EXPECT_EQ(heldDown(mServer.display()), "");
+}
+
+TEST_F(X11InputSinkTest, IsAbleToDoNothingOnceTheServerHasGone)
+{
+    open();
+    mServer.process().kill();
+    EXPECT_TRUE(waitUntil([&] { return input().abilities() == InputAbilities(); }));
+    input().movePointer(at(10, 10));
+    input().touch(finger(0, TouchPhase::down, 10, 10));
+    mScreen.reset();
 }
 
 TEST_F(X11InputSinkTest, AGrabbedPointerGoesToItsProgramAndHoldsNobodyUp)

@@ -60,3 +60,5 @@ std::string heldDown(const std::string& display);
 std::string describedKeyboard(const std::string& display);
 /// Maps its touch screen as a desktop would, by a matrix of three rows.
 void mapTouchScreen(const std::string& display, const std::array<float, 9>& matrix);
+/// As unplugging and plugging it in does.
+void enableTouchScreen(const std::string& display, bool enable);

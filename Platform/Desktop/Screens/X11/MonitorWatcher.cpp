@@ -51,8 +51,8 @@ bool endsWell(pid_t process)
     return status == 0;
 }
 
-/// Whether the other end was closed without a word.
-bool waitForDeath()
+/// Waits until the other end is closed.
+bool endsWithoutAWord()
 {
     char byte = 0;
     ssize_t count = 0;
@@ -81,7 +81,7 @@ bool watchMonitor()
 {
     if (const pid_t child = ::fork(); child != 0)
         return child > 0;
-    const bool isSudden = waitForDeath();
+    const bool isSudden = endsWithoutAWord();
     const auto connection = connectX(nullptr);
     RandrServer server(connection.get());
     // The server notices the end of a program at its own time.

@@ -328,18 +328,18 @@ TEST_F(X11InputSinkTest, ComesThroughToAProgramThatKeepsAllOthersOut)
     mWindow.grabServer(false);
 }
 
-TEST_F(X11InputSinkTest, TenThousandEventsForAServerThatStandsStillHoldNobodyUp)
+TEST_F(X11InputSinkTest, TenThousandsOfEventsForAServerThatStandsStillAreForgottenAndAllIsLifted)
 {
     open();
     input().movePointer(at(10, 10));
     input().button(PointerButton::left, true);
-    EXPECT_THAT(events(2), ElementsAre("move 1930,10", "down 1 1930,10"));
+    EXPECT_THAT(presses(1), ElementsAre("down 1 1930,10"));
     mServer.process().sendSignal(SIGSTOP);
-    for (int count = 0; count < 10000; ++count)
+    // Its socket takes some thousands.
+    for (int count = 0; count < 40000; ++count)
         input().movePointer(at(count % 1000, 0));
-    input().button(PointerButton::left, false);
     mServer.process().sendSignal(SIGCONT);
-    EXPECT_THAT(events(1), testing::Contains(testing::StartsWith("up 1")));
+    EXPECT_THAT(events(1, "up"), ElementsAre(testing::StartsWith("up 1")));
 }
 
 TEST_F(X11InputSinkTest, NothingIsPassedOnUnlessItWasWished)

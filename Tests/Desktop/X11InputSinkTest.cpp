@@ -100,6 +100,19 @@ TEST_F(X11InputSinkTest, ThePointerFollowsTheMonitorToAnotherPlace)
     EXPECT_THAT(events(1), ElementsAre("move 103,1084"));
 }
 
+TEST_F(X11InputSinkTest, ReachesAMonitorThatNoOutputShows)
+{
+    mOthers.beWindowManager("Openbox");
+    for (std::size_t index = 1; index < mOthers.outputs().size(); ++index)
+        mOthers.show(index, 0, 0);
+    open();
+    EXPECT_EQ(mListener->geometry->area, pixelRect(1920, 0, 1024, 600));
+    input().movePointer(at(1000, 500));
+    EXPECT_THAT(events(1), ElementsAre("move 2920,500"));
+    input().touch(finger(0, TouchPhase::down, 1023, 599));
+    EXPECT_THAT(touches(1), ElementsAre("touch 1 begins 2943,599"));
+}
+
 TEST_F(X11InputSinkTest, PlacesBesideTheMonitorMeanNothing)
 {
     open();

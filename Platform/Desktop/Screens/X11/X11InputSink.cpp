@@ -16,9 +16,8 @@ namespace farview
 namespace
 {
 
-/// For releasing what is down, which takes a millisecond; for giving back keys that were lent,
-/// which takes longer.
-constexpr std::chrono::milliseconds patience{500};
+/// For releasing what is down, which takes a millisecond, and for giving back keys that were lent.
+constexpr std::chrono::milliseconds patience{250};
 /// What a device sends in a second or two.
 constexpr std::size_t mostOrders = 4096;
 

@@ -10,6 +10,23 @@ using farview::ScreenReport;
 void FVEPreferencePane::serverScreenDidChange(const farview::Notification& notification)
 {
     connection().followScreen(notification);
+    const auto& report = connection().screen();
+    if (report && report->state == ScreenReport::State::shown)
+        showWindowKeeping(report->windows);
+    updateDeviceHint();
+}
+
+// What the desktop can do does not end with the connection.
+void FVEPreferencePane::showWindowKeeping(farview::WindowKeeping windows)
+{
+    const auto hint = localized(farview::windowsHint(windows));
+    windowsHintLabel()->setStringValue(hint);
+    windowsHintLabel()->setHidden(hint.empty());
+}
+
+void FVEPreferencePane::serverFurtherDevicesDidChange(const farview::Notification& notification)
+{
+    connection().followFurtherDevices(notification);
     updateDeviceHint();
 }
 

@@ -39,6 +39,7 @@ std::optional<FurtherDevice> deviceIn(const std::string& text)
     device.state = static_cast<FurtherDevice::State>(word - words.begin());
     const std::string screen = nextField(line);
     device.screen = screenReport(&screen);
+    device.key = nextField(line);
     return device;
 }
 
@@ -50,7 +51,7 @@ std::string textOfFurtherDevices(const std::vector<FurtherDevice>& devices)
     for (const FurtherDevice& device : devices)
         text += std::string(words.at(static_cast<std::size_t>(device.state))) + '\t' +
                 device.hostName + '\t' + device.name + '\t' + textOfScreenReport(device.screen) +
-                '\n';
+                '\t' + device.key + '\n';
     return text;
 }
 

@@ -14,20 +14,27 @@
 #include <linux/input-event-codes.h>
 #include <unistd.h>
 
+#include <memory>
+#include <vector>
+
 namespace farview
 {
 namespace
 {
 
-/// A process that makes a monitor and has it until it is killed.
+/// A process that makes monitors and has them until it is killed.
 class Maker
 {
 public:
-    explicit Maker(const std::string& display, const char* watcher = FARVIEW_MONITOR_WATCHER)
+    explicit Maker(const std::string& display, const char* watcher = FARVIEW_MONITOR_WATCHER,
+                   int count = 1)
         : mProcess([&] {
               ::setenv("DISPLAY", display.c_str(), 1);
-              const MonitorThread thread({.name = "Tablet", .width = 1024, .height = 600}, watcher,
-                                         [](const auto&) {});
+              std::vector<std::unique_ptr<MonitorThread>> threads;
+              while (std::ssize(threads) < count)
+                  threads.push_back(std::make_unique<MonitorThread>(
+                      ScreenWish{.name = "Tablet", .width = 1024, .height = 600}, watcher,
+                      [](const auto&) {}));
               ::pause();
           })
     {
@@ -70,17 +77,21 @@ protected:
     MonitorWatcherTest() { mOthers.showOnce(1); }
     std::string described() { return describedScreens(mServer.display()); }
     bool isThere() { return mOthers.area(1) == ScreenArranger::Area{1920, 0, 1024, 600}; }
+    bool areBothThere()
+    {
+        return isThere() && mOthers.area(2) == ScreenArranger::Area{2944, 0, 1024, 600};
+    }
 
     /// Kills a maker at its first step, the next one at its second, and so on. Through the server
     /// in between no frame can be captured, so a maker that lives long enough removes its monitor
     /// by itself: death meets every step of making and of removing.
-    int stepsSurvived()
+    int stepsSurvived(int monitors = 1)
     {
         const auto before = described();
         int steps = 0;
         for (bool hasKilled = true; hasKilled; ++steps) {
             DeadlyXServer between(mServer.display());
-            const Maker maker(between.display());
+            const Maker maker(between.display(), FARVIEW_MONITOR_WATCHER, monitors);
             between.killAfter(steps + 1, maker.pid());
             EXPECT_TRUE(waitUntil([&] { return between.hasWatched(); })) << "step " << steps;
             EXPECT_EQ(described(), before) << "step " << steps;
@@ -100,6 +111,22 @@ TEST_F(MonitorWatcherTest, RestoresEverythingAfterItsMakerWasKilled)
     ASSERT_TRUE(waitUntil([&] { return isThere(); }));
     maker.kill();
     EXPECT_TRUE(waitUntil([&] { return described() == before; }));
+}
+
+TEST_F(MonitorWatcherTest, RestoresEverythingAfterAMakerOfTwoWasKilled)
+{
+    mOthers.showOnce(2);
+    const auto before = described();
+    Maker maker(mServer.display(), FARVIEW_MONITOR_WATCHER, 2);
+    ASSERT_TRUE(waitUntil([&] { return areBothThere(); }));
+    maker.kill();
+    EXPECT_TRUE(waitUntil([&] { return described() == before; }));
+}
+
+TEST_F(MonitorWatcherTest, RestoresEverythingAfterDeathAtEachStepOfTwoOutputs)
+{
+    mOthers.showOnce(2);
+    EXPECT_GT(stepsSurvived(2), 30);
 }
 
 TEST_F(MonitorWatcherTest, RestoresEverythingAfterDeathAtEachStepOfAnOutput)
@@ -151,10 +178,11 @@ TEST_F(MonitorWatcherTest, LeavesWhatOthersChangedMeanwhile)
 
 TEST_F(MonitorWatcherTest, TheNextMakerUndoesWhatNobodyWatched)
 {
+    mOthers.showOnce(2);
     const auto before = described();
     {
-        Maker maker(mServer.display(), "/bin/true");
-        ASSERT_TRUE(waitUntil([&] { return isThere(); }));
+        Maker maker(mServer.display(), "/bin/true", 2);
+        ASSERT_TRUE(waitUntil([&] { return areBothThere(); }));
     }
     EXPECT_NE(described(), before);
     {

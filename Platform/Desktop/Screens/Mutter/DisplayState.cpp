@@ -117,6 +117,24 @@ RequestedPart requested(const DisplayState& state, const LogicalMonitor& part)
     return request;
 }
 
+/// Whether the area is at the side of another, unless it is the only one, and over none.
+bool standsWell(const PixelRect& area, const std::vector<PixelRect>& all)
+{
+    bool hasNeighbour = all.size() == 1;
+    for (const auto& other : all) {
+        if (&other == &area)
+            continue;
+        const int across =
+            std::min(area.x + area.width, other.x + other.width) - std::max(area.x, other.x);
+        const int down =
+            std::min(area.y + area.height, other.y + other.height) - std::max(area.y, other.y);
+        if (across > 0 && down > 0)
+            return false;
+        hasNeighbour = hasNeighbour || (across == 0 && down > 0) || (across > 0 && down == 0);
+    }
+    return hasNeighbour;
+}
+
 /// Of a screen; no real one is larger.
 std::int16_t shortNumber(int number)
 {
@@ -214,6 +232,17 @@ DisplayLayout withPrimary(DisplayLayout layout)
     if (!hasOne && !layout.isEmpty())
         layout.first().isPrimary = true;
     return layout;
+}
+
+bool isPossible(const std::vector<PixelRect>& areas)
+{
+    const auto isLeftOf = [](const auto& one, const auto& other) { return one.x < other.x; };
+    const auto isAbove = [](const auto& one, const auto& other) { return one.y < other.y; };
+    return areas.empty() || (std::min_element(areas.begin(), areas.end(), isLeftOf)->x == 0 &&
+                             std::min_element(areas.begin(), areas.end(), isAbove)->y == 0 &&
+                             std::all_of(areas.begin(), areas.end(), [&](const auto& area) {
+                                 return standsWell(area, areas);
+                             }));
 }
 
 bool isOneRow(const DisplayLayout& layout)

@@ -89,6 +89,9 @@ const LogicalMonitor* shownBy(const DisplayLayout& layout, const MonitorId& id);
 DisplayLayout without(DisplayLayout layout, const MonitorId& id);
 /// With one part that is the primary one: Mutter wants that.
 DisplayLayout withPrimary(DisplayLayout layout);
+/// Whether Mutter accepts monitors there: none over another, from the upper left corner on, and
+/// each at the side of another.
+bool isPossible(const std::vector<PixelRect>& areas);
 /// As Mutter arranges monitors by itself.
 bool isOneRow(const DisplayLayout& layout);
 /// In whatever order.

@@ -3,7 +3,6 @@
 #include "Platform/Desktop/Screens/X11/ShownMonitor.h"
 
 #include <condition_variable>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -30,11 +29,8 @@ public:
     CapturedScreen& screen() { return *mScreen; }
 
 private:
-    using Conversation = std::function<std::optional<ScreenObstacle>(RandrServer&)>;
-
     void run();
-    std::optional<ScreenObstacle> converse(const Conversation& conversation);
-    std::optional<ScreenObstacle> show(RandrServer& server);
+    std::optional<ScreenObstacle> converse();
 
     ScreenWish mWish;
     std::string mWatcher;

@@ -1,6 +1,6 @@
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 
-#include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
+#include "Platform/Desktop/Screens/X11/MonitorRemoval.h"
 #include "Platform/Desktop/Screens/X11/XTestInput.h"
 
 #include <fcntl.h>
@@ -79,7 +79,7 @@ FileDescriptor startMonitorWatcher(const std::string& program)
 
 void sayThatAllIsReleased(const FileDescriptor& watcher) { writeAll(watcher.get(), "."); }
 
-bool watchMonitor()
+bool watchMonitors()
 {
     if (const pid_t child = ::fork(); child != 0)
         return child > 0;
@@ -87,11 +87,11 @@ bool watchMonitor()
     const auto connection = connectX(nullptr);
     RandrServer server(connection.get());
     // The server notices the end of a program at its own time.
-    for (int look = 0; look < 1000 && server.isUsable() && hasOwner(server); ++look)
+    for (int look = 0; look < 1000 && server.isUsable() && hasAnyOwner(server); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     if (!isReleased)
         releaseAllOfXTest(connection.get());
-    return undoAbandonedMonitor(server);
+    return undoAbandonedMonitors(server);
 }
 
 } // namespace farview

@@ -125,9 +125,11 @@ std::optional<ScreenObstacle> ShownMonitor::lookAtLayout()
                                                                    : ScreenObstacle::takenAway;
     if (*found == mGeometry)
         return std::nullopt;
-    mGeometry = *found;
+    const bool isElsewhere = std::exchange(mGeometry, *found).area != found->area;
+    if (isElsewhere && !beginCapture())
+        return ScreenObstacle::failed;
     mTell([at = mGeometry](auto& delegate) { delegate.didChange(at); });
-    return beginCapture() ? std::nullopt : std::optional(ScreenObstacle::failed);
+    return std::nullopt;
 }
 
 void ShownMonitor::takeShape()
@@ -169,7 +171,7 @@ bool ShownMonitor::hasPointerMoved()
 
 void ShownMonitor::capture()
 {
-    if (!mIsDamaged || !mFrames.isDue())
+    if (!mIsDamaged || mIsLayoutStale || !mFrames.isDue())
         return;
     mIsFrameOut = !mScreen.beginFrame();
     if (mIsFrameOut)
@@ -208,7 +210,7 @@ int ShownMonitor::longestWait() const
         const int left = beat.millisecondsLeft();
         limit = limit < 0 ? left : std::min(limit, left);
     };
-    if (mIsDamaged && !mIsFrameOut)
+    if (mIsDamaged && !mIsFrameOut && !mIsLayoutStale)
         notBeyond(mFrames);
     if (mIsFollowing)
         notBeyond(mPointer);

@@ -76,9 +76,7 @@ ScreenAvailability availabilityOf(xcb_connection_t* connection)
     const auto layout = server.layout();
     if (!layout)
         return {std::nullopt, ScreenObstacle::gone};
-    if (hasOwner(server))
-        return {std::nullopt, ScreenObstacle::inUse};
-    return {wayToAMonitor(server, *layout), ScreenObstacle::noSpareOutput};
+    return wayToAMonitor(server, *layout);
 }
 
 } // namespace

@@ -10,8 +10,9 @@
 namespace farview
 {
 
-/// Monitors of the X server that $DISPLAY names, one at a time. Whatever asks the server does so on
-/// a thread of its own; answers come through the run loop, which must live longer. Main thread.
+/// Monitors of the X server that $DISPLAY names, of one process at a time. Whatever asks the server
+/// does so on a thread of its own; answers come through the run loop, which must live longer. Main
+/// thread.
 class X11VirtualScreens final : public VirtualScreens
 {
 public:

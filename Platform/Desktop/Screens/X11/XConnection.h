@@ -93,6 +93,9 @@ private:
 /// The first screen; null when the server has gone or described none.
 const xcb_screen_t* screenOf(xcb_connection_t* connection);
 
+/// 0 when the server has gone.
+xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name);
+
 /// Whether a reply is as long as its own counts say. The library does not compare them.
 template <typename Reply> bool holds(const Reply& reply, std::size_t bytes)
 {

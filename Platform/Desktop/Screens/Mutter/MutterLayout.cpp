@@ -1,0 +1,195 @@
+#include "Platform/Desktop/Screens/Mutter/MutterLayout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace farview
+{
+
+MutterLayout::MutterLayout(RunLoop& loop, SessionBus& bus)
+    : mLoop(loop), mBus(bus), mDisplays(bus, [this](const auto* state) { useState(state); })
+{
+}
+
+void MutterLayout::add(MutterPart& part)
+{
+    mParts.push_back(&part);
+    beginNext();
+}
+
+void MutterLayout::remove(MutterPart& part)
+{
+    if (std::erase(mParts, &part) == 0)
+        return;
+    if (mOpening == &part)
+        mOpening = nullptr;
+    if (part.id && mState)
+        expectWithout(*part.id);
+    beginNext();
+}
+
+void MutterLayout::expectWithout(const MonitorId& id)
+{
+    mRemoved.append(id);
+    mState->serial += 1;
+    mState->layout = without(mState->layout, id);
+    mState->monitors.removeIf([&](const auto& monitor) { return monitor.id == id; });
+    // For a program that ends now. It may come too early: then Mutter arranges them once more.
+    mBus.send(layoutCall(*mState, wished()));
+    mLoop.performAfterDelay(LayoutJudge::longestDelay, weak_from_this(),
+                            [kept = shared_from_this()] {});
+}
+
+void MutterLayout::beginNext()
+{
+    if (mOpening)
+        return;
+    const auto next = std::find_if(mParts.begin(), mParts.end(),
+                                   [](const auto* part) { return !part->id.has_value(); });
+    mBefore.reset();
+    if (next == mParts.end())
+        return;
+    mOpening = *next;
+    mDisplays.ask();
+}
+
+void MutterLayout::useState(const DisplayState* state)
+{
+    if (!state) {
+        for (const auto* part : mParts)
+            part->lost(ScreenObstacle::failed);
+        return;
+    }
+    if (mOpening && !mBefore) {
+        mBefore = *state;
+        mOpening->mayBegin();
+    }
+    mRemoved.removeIf([&](const auto& id) { return !state->monitor(id); });
+    findOpening(*state);
+    if (isSettled(*state))
+        follow(*state);
+    beginNext();
+}
+
+void MutterLayout::findOpening(const DisplayState& state)
+{
+    const auto* monitor =
+        mOpening ? newMonitor(*mBefore, state, mOpening->wish.width, mOpening->wish.height)
+                 : nullptr;
+    if (monitor)
+        std::exchange(mOpening, nullptr)->id = monitor->id;
+}
+
+/// Whether all monitors are known that the state tells of: not one of ours that will go, nor one
+/// that may become ours.
+bool MutterLayout::isSettled(const DisplayState& state) const
+{
+    return std::none_of(state.monitors.begin(), state.monitors.end(), [&](const auto& monitor) {
+        return mRemoved.contains(monitor.id) || (mOpening && !mBefore->monitor(monitor.id));
+    });
+}
+
+void MutterLayout::follow(const DisplayState& state)
+{
+    mState = state;
+    const bool isMutters = mJudge.isMutters(state, mLoop.now());
+    const auto users = usersOf(state.layout);
+    if (!isMutters || !haveSameMonitors(users, mUsers))
+        mUsers = users;
+    if (isMutters && !isSameLayout(wished(), state.layout) && mJudge.mayReplace())
+        return apply();
+    for (auto* part : mParts)
+        adopt(*part);
+}
+
+/// What others, or Mutter, made of the wishes is what is wanted from now on.
+void MutterLayout::adopt(MutterPart& part)
+{
+    if (!part.id || !mState->monitor(*part.id))
+        return;
+    const auto* shown = shownBy(mState->layout, *part.id);
+    const auto* mode = modeOf(part);
+    if (!shown || !mode)
+        return part.lost(ScreenObstacle::takenAway);
+    const auto area = areaOf(*mState, *shown);
+    part.corner = PixelPoint{area.x, area.y};
+    if (shown->scale != possibleScale(*mode, part.wish.scale))
+        part.wish.scale = shown->scale;
+    part.stands({area, mode->width, mode->height, shown->scale, mode->rate, othersThan(part)});
+}
+
+void MutterLayout::setScale(MutterPart& part, double scale)
+{
+    const auto* mode = modeOf(part);
+    if (mode && std::abs(possibleScale(*mode, scale) - scale) > scaleAccuracy)
+        return;
+    part.wish.scale = scale;
+    apply();
+}
+
+void MutterLayout::place(MutterPart& part, PixelPoint corner)
+{
+    const auto before = std::exchange(part.corner, corner);
+    if (mState && modeOf(part) && !isPossible(areasOf(*mState, arranged(true))))
+        part.corner = before;
+    apply();
+}
+
+void MutterLayout::apply()
+{
+    if (mState)
+        mDisplays.apply(*mState, {wished(), arranged(false)});
+}
+
+/// Each of ours stays where it is, if Mutter allows that.
+DisplayLayout MutterLayout::wished() const
+{
+    const auto kept = arranged(true);
+    return isPossible(areasOf(*mState, kept)) ? kept : arranged(false);
+}
+
+/// With ours where they are or shall be, or each beside everything.
+DisplayLayout MutterLayout::arranged(bool isKept) const
+{
+    auto layout = mUsers;
+    for (const auto* part : mParts) {
+        const auto* mode = modeOf(*part);
+        if (!mode)
+            continue;
+        const auto beside = besideEverything(areasOf(*mState, layout));
+        const auto corner = isKept ? part->corner.value_or(beside) : beside;
+        const double scale = possibleScale(*mode, part->wish.scale);
+        layout.append({corner.x, corner.y, scale, 0, false, {*part->id}});
+    }
+    return withPrimary(layout);
+}
+
+DisplayLayout MutterLayout::usersOf(DisplayLayout layout) const
+{
+    for (const auto* part : mParts) {
+        if (part->id)
+            layout = without(layout, *part->id);
+    }
+    return layout;
+}
+
+std::vector<PixelRect> MutterLayout::othersThan(const MutterPart& part) const
+{
+    auto areas = areasOf(*mState, usersOf(mState->layout));
+    for (const auto* other : mParts) {
+        const auto* shown = other->id ? shownBy(mState->layout, *other->id) : nullptr;
+        if (shown && other != &part)
+            areas.push_back(areaOf(*mState, *shown));
+    }
+    return areas;
+}
+
+/// Null while it is off, or not there.
+const MonitorMode* MutterLayout::modeOf(const MutterPart& part) const
+{
+    const auto* monitor = mState && part.id ? mState->monitor(*part.id) : nullptr;
+    return monitor ? monitor->currentMode() : nullptr;
+}
+
+} // namespace farview

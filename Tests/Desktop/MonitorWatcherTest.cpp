@@ -1,13 +1,17 @@
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 
 #include "Platform/Desktop/Screens/X11/MonitorThread.h"
+#include "Platform/Desktop/Screens/X11/X11InputSink.h"
+#include "Platform/Desktop/Screens/X11/XTestInput.h"
 #include "Tests/Desktop/DeadlyXServer.h"
 #include "Tests/Support/ForkedProcess.h"
+#include "Tests/Support/InputWindow.h"
 #include "Tests/Support/PrivateXServer.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
 
+#include <linux/input-event-codes.h>
 #include <unistd.h>
 
 #include <memory>
@@ -37,6 +41,31 @@ public:
     }
     pid_t pid() const { return mProcess.pid(); }
     void kill() { mProcess.kill(); }
+
+private:
+    ForkedProcess mProcess;
+};
+
+/// The same with a key and a button held down at its monitor.
+class HoldingMaker
+{
+public:
+    explicit HoldingMaker(const std::string& display)
+        : mProcess([&] {
+              ::setenv("DISPLAY", display.c_str(), 1);
+              X11InputSink input([] { return nullptr; });
+              const MonitorThread thread({.name = "Tablet", .width = 1024, .height = 600},
+                                         FARVIEW_MONITOR_WATCHER, [&](const auto& news) {
+                                             news(*input.follower());
+                                             input.movePointer({10, 10, 0, 0});
+                                             input.button(PointerButton::left, true);
+                                             input.key(KEY_A, true);
+                                         });
+              ::pause();
+          })
+    {
+    }
+    void kill() const { mProcess.kill(); }
 
 private:
     ForkedProcess mProcess;
@@ -111,6 +140,28 @@ TEST_F(MonitorWatcherTest, RestoresEverythingAfterDeathAtEachStepOfANamedMonitor
     for (std::size_t index = 1; index < mOthers.outputs().size(); ++index)
         mOthers.show(index, 0, 0);
     EXPECT_GT(stepsSurvived(), 12);
+}
+
+TEST_F(MonitorWatcherTest, LiftsTheKeysAndButtonsOfAMakerThatWasKilled)
+{
+    const HoldingMaker maker(mServer.display());
+    ASSERT_TRUE(waitUntil([&] { return heldDown(mServer.display()) == "key 38 button 1"; }));
+    maker.kill();
+    EXPECT_TRUE(waitUntil([&] { return heldDown(mServer.display()).empty(); }));
+}
+
+TEST_F(MonitorWatcherTest, LeavesTheKeysOfOthersAloneAfterAnOrdinaryEnd)
+{
+    const auto connection = connectX(mServer.display().c_str());
+    XTestInput(connection.get()).key(38, true);
+    xcb_flush(connection.get());
+    {
+        const MonitorThread maker({.name = "Tablet", .width = 1024, .height = 600},
+                                  FARVIEW_MONITOR_WATCHER, [](const auto&) {});
+        ASSERT_TRUE(waitUntil([&] { return isThere(); }));
+    }
+    runLoopFor(std::chrono::milliseconds(200));
+    EXPECT_EQ(heldDown(mServer.display()), "key 38");
 }
 
 TEST_F(MonitorWatcherTest, LeavesWhatOthersChangedMeanwhile)

@@ -100,6 +100,19 @@ TEST_F(X11InputSinkTest, ThePointerFollowsTheMonitorToAnotherPlace)
     EXPECT_THAT(events(1), ElementsAre("move 103,1084"));
 }
 
+TEST_F(X11InputSinkTest, ReachesAMonitorThatNoOutputShows)
+{
+    mOthers.beWindowManager("Openbox");
+    for (std::size_t index = 1; index < mOthers.outputs().size(); ++index)
+        mOthers.show(index, 0, 0);
+    open();
+    EXPECT_EQ(mListener->geometry->area, pixelRect(1920, 0, 1024, 600));
+    input().movePointer(at(1000, 500));
+    EXPECT_THAT(events(1), ElementsAre("move 2920,500"));
+    input().touch(finger(0, TouchPhase::down, 1023, 599));
+    EXPECT_THAT(touches(1), ElementsAre("touch 1 begins 2943,599"));
+}
+
 TEST_F(X11InputSinkTest, PlacesBesideTheMonitorMeanNothing)
 {
     open();
@@ -141,9 +154,7 @@ TEST_F(X11InputSinkTest, TheWheelTurnsWholeNotchesAndKeepsTheRest)
     input().wheel(-1, 0);
     input().wheel(1.25, -1);
     input().wheel(std::nan(""), 1e300);
-    Events turned = events(10);
-    std::erase_if(turned, [](const auto& event) { return !event.starts_with("down"); });
-    EXPECT_THAT(turned,
+    EXPECT_THAT(presses(4),
                 ElementsAre("down 5 1920,0", "down 5 1920,0", "down 6 1920,0", "down 7 1920,0"));
 }
 
@@ -178,7 +189,6 @@ TEST_F(X11InputSinkTest, GivesLentKeysBackAtItsEnd)
     open();
     input().text("ж");
     ASSERT_TRUE(isTyped("ж"));
-    EXPECT_NE(describedKeyboard(mServer.display()), before);
     mScreen.reset();
     EXPECT_EQ(describedKeyboard(mServer.display()), before);
 }
@@ -238,6 +248,19 @@ TEST_F(X11InputSinkTest, NoDesktopMapsTheTouchScreenElsewhere)
     }));
 }
 
+TEST_F(X11InputSinkTest, HasSeveralFingersWhileTheServerHasTheDevice)
+{
+    open();
+    EXPECT_EQ(input().abilities(), (InputAbilities{true, true, true, true}));
+    enableTouchScreen(mServer.display(), false);
+    EXPECT_TRUE(waitUntil([&] { return !input().abilities().touch; }));
+    EXPECT_TRUE(input().abilities().pen);
+    input().touch(finger(0, TouchPhase::down, 10, 10));
+    enableTouchScreen(mServer.display(), true);
+    EXPECT_TRUE(waitUntil([&] { return input().abilities().touch; }));
+    EXPECT_THAT(touches(0), IsEmpty());
+}
+
 TEST_F(X11InputSinkTest, APenHoversAndPresses)
 {
     open();
@@ -262,6 +285,31 @@ TEST_F(X11InputSinkTest, ReleasesEverythingAtItsEnd)
     mScreen.reset();
     EXPECT_THAT(events(1), testing::Contains("up 1 1930,10"));
     EXPECT_TRUE(waitUntil([&] { return mWindow.keys().empty(); }));
+}
+
+TEST_F(X11InputSinkTest, AMonitorThatIsTakenAwayLiftsEverything)
+{
+    open();
+    input().touch(finger(0, TouchPhase::down, 10, 10));
+    input().key(KEY_A, true);
+    EXPECT_THAT(touches(1), ElementsAre("touch 1 begins 1930,10"));
+    mOthers.hide(1);
+    EXPECT_THAT(touches(1), ElementsAre(testing::StartsWith("touch 1 ends")));
+    EXPECT_TRUE(waitUntil([&] { return heldDown(mServer.display()).empty(); }));
+    input().key(KEY_A, true);
+    input().touch(finger(0, TouchPhase::down, 10, 10));
+    EXPECT_THAT(touches(0), IsEmpty());
+    EXPECT_EQ(heldDown(mServer.display()), "");
+}
+
+TEST_F(X11InputSinkTest, IsAbleToDoNothingOnceTheServerHasGone)
+{
+    open();
+    mServer.process().kill();
+    EXPECT_TRUE(waitUntil([&] { return input().abilities() == InputAbilities(); }));
+    input().movePointer(at(10, 10));
+    input().touch(finger(0, TouchPhase::down, 10, 10));
+    mScreen.reset();
 }
 
 TEST_F(X11InputSinkTest, AGrabbedPointerGoesToItsProgramAndHoldsNobodyUp)
@@ -292,18 +340,18 @@ TEST_F(X11InputSinkTest, ComesThroughToAProgramThatKeepsAllOthersOut)
     mWindow.grabServer(false);
 }
 
-TEST_F(X11InputSinkTest, TenThousandEventsForAServerThatStandsStillHoldNobodyUp)
+TEST_F(X11InputSinkTest, TenThousandsOfEventsForAServerThatStandsStillAreForgottenAndAllIsLifted)
 {
     open();
     input().movePointer(at(10, 10));
     input().button(PointerButton::left, true);
-    EXPECT_THAT(events(2), ElementsAre("move 1930,10", "down 1 1930,10"));
+    EXPECT_THAT(presses(1), ElementsAre("down 1 1930,10"));
     mServer.process().sendSignal(SIGSTOP);
-    for (int count = 0; count < 10000; ++count)
+    // Its socket takes some thousands.
+    for (int count = 0; count < 40000; ++count)
         input().movePointer(at(count % 1000, 0));
-    input().button(PointerButton::left, false);
     mServer.process().sendSignal(SIGCONT);
-    EXPECT_THAT(events(1), testing::Contains(testing::StartsWith("up 1")));
+    EXPECT_THAT(events(1, "up"), ElementsAre(testing::StartsWith("up 1")));
 }
 
 TEST_F(X11InputSinkTest, NothingIsPassedOnUnlessItWasWished)

@@ -36,6 +36,36 @@ std::string textOf(xcb_connection_t* connection, xkb_context* context,
     return text;
 }
 
+/// A property of its touch screen.
+template <typename Value, std::size_t Count>
+void setOfTouchScreen(const std::string& display, const std::string& property,
+                      const std::string& type, const std::array<Value, Count>& values)
+{
+    auto* connection = xcb_connect(display.c_str(), nullptr);
+    const auto atom = [&](const std::string& name) {
+        auto* reply = xcb_intern_atom_reply(
+            connection,
+            xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
+            nullptr);
+        const auto found = reply->atom;
+        std::free(reply);
+        return found;
+    };
+    auto* devices = xcb_input_xi_query_device_reply(
+        connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr);
+    for (auto each = xcb_input_xi_query_device_infos_iterator(devices); each.rem > 0;
+         xcb_input_xi_device_info_next(&each)) {
+        const std::string device(xcb_input_xi_device_info_name(each.data), each.data->name_len);
+        if (device == "Farview Touch")
+            xcb_input_xi_change_property(connection, each.data->deviceid, XCB_PROP_MODE_REPLACE,
+                                         8 * sizeof(Value), atom(property), atom(type), Count,
+                                         values.data());
+    }
+    std::free(devices);
+    wait(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    xcb_disconnect(connection);
+}
+
 } // namespace
 
 InputWindow::InputWindow(const std::string& display, int x, int y, int width, int height)
@@ -184,6 +214,28 @@ void InputWindow::write(const std::string& what, int x, int y)
     mEvents.push_back(what + " " + std::to_string(x) + "," + std::to_string(y));
 }
 
+std::string heldDown(const std::string& display)
+{
+    auto* connection = xcb_connect(display.c_str(), nullptr);
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    auto* keys = xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr);
+    auto* pointer =
+        xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr);
+    std::string text;
+    for (int code = 0; code < 256; ++code) {
+        if (keys->keys[code / 8] >> code % 8 & 1)
+            text += " key " + std::to_string(code);
+    }
+    for (int button = 1; button <= 5; ++button) {
+        if (pointer->mask >> (7 + button) & 1)
+            text += " button " + std::to_string(button);
+    }
+    std::free(keys);
+    std::free(pointer);
+    xcb_disconnect(connection);
+    return text.empty() ? text : text.substr(1);
+}
+
 std::string describedKeyboard(const std::string& display)
 {
     auto* connection = xcb_connect(display.c_str(), nullptr);
@@ -201,28 +253,10 @@ std::string describedKeyboard(const std::string& display)
 
 void mapTouchScreen(const std::string& display, const std::array<float, 9>& matrix)
 {
-    auto* connection = xcb_connect(display.c_str(), nullptr);
-    const auto atom = [&](const std::string& name) {
-        auto* reply = xcb_intern_atom_reply(
-            connection,
-            xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
-            nullptr);
-        const auto found = reply->atom;
-        std::free(reply);
-        return found;
-    };
-    const auto name = atom("Coordinate Transformation Matrix");
-    const auto number = atom("FLOAT");
-    auto* devices = xcb_input_xi_query_device_reply(
-        connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr);
-    for (auto each = xcb_input_xi_query_device_infos_iterator(devices); each.rem > 0;
-         xcb_input_xi_device_info_next(&each)) {
-        const std::string device(xcb_input_xi_device_info_name(each.data), each.data->name_len);
-        if (device == "Farview Touch")
-            xcb_input_xi_change_property(connection, each.data->deviceid, XCB_PROP_MODE_REPLACE, 32,
-                                         name, number, 9, matrix.data());
-    }
-    std::free(devices);
-    wait(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    xcb_disconnect(connection);
+    setOfTouchScreen(display, "Coordinate Transformation Matrix", "FLOAT", matrix);
+}
+
+void enableTouchScreen(const std::string& display, bool enable)
+{
+    setOfTouchScreen(display, "Device Enabled", "INTEGER", std::array<std::uint8_t, 1>{enable});
 }

@@ -54,7 +54,11 @@ private:
     std::pair<int, int> mPointer{-1, -1};
 };
 
+/// The keys and buttons that are down there, whoever holds them: "key 38 button 1".
+std::string heldDown(const std::string& display);
 /// What every key of that server's keyboard means.
 std::string describedKeyboard(const std::string& display);
 /// Maps its touch screen as a desktop would, by a matrix of three rows.
 void mapTouchScreen(const std::string& display, const std::array<float, 9>& matrix);
+/// As unplugging and plugging it in does.
+void enableTouchScreen(const std::string& display, bool enable);

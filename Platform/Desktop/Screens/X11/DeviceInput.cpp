@@ -59,14 +59,6 @@ std::vector<NamedDevice> devicesIn(const xcb_input_xi_query_device_reply_t& repl
     return devices;
 }
 
-xcb_atom_t atom(xcb_connection_t* connection, std::string_view name)
-{
-    const auto cookie =
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const XReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 /// The first part that lies at the place: what is rounded down twice comes out a pixel too far to
 /// the left.
 int part(double place, int length)
@@ -108,8 +100,8 @@ void DeviceInput::listen()
     xcb_input_xi_select_events(mConnection, root, 1, &selection.head);
     const std::uint32_t structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(mConnection, root, XCB_CW_EVENT_MASK, &structure);
-    mMatrix = atom(mConnection, "Coordinate Transformation Matrix");
-    mFloat = atom(mConnection, "FLOAT");
+    mMatrix = atomNamed(mConnection, "Coordinate Transformation Matrix");
+    mFloat = atomNamed(mConnection, "FLOAT");
     measureDesktop();
 }
 

@@ -25,8 +25,6 @@ public:
 
     /// True when the abilities may have changed. May wait.
     bool serve(const xcb_generic_event_t& event);
-    /// Before the event comes that tells of it. Waits.
-    void measureDesktop();
     bool hasTouch() const { return mHasTouch; }
     bool hasPen() const { return mHasPen; }
 
@@ -36,6 +34,7 @@ public:
 
 private:
     void listen();
+    void measureDesktop();
     void look();
     void mapToDesktop(std::uint16_t device);
 

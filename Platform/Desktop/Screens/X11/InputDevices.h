@@ -38,8 +38,10 @@ public:
 /// Null where there cannot be any.
 using MakeInputDevices = std::function<std::unique_ptr<InputDevices>()>;
 
-/// Devices of the kernel; they go with the object or the process. Null when /dev/uinput cannot be
-/// opened. Servers find them on their own, some time later.
+/// Whether this user may have devices of the kernel made.
+bool mayMakeKernelDevices();
+/// Devices of the kernel; they go with the object or the process.
+/// Null when there cannot be any. Servers find them on their own, some time later.
 std::unique_ptr<InputDevices> makeKernelDevices();
 
 } // namespace farview

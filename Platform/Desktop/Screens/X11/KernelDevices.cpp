@@ -2,6 +2,7 @@
 
 #include <libevdev/libevdev-uinput.h>
 #include <libevdev/libevdev.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -86,9 +87,9 @@ public:
             mDevice.reset(made);
     }
     bool isThere() const { return mDevice != nullptr; }
-    void tell(const KernelEvents& events) const
+    void tell(const KernelEvents& report) const
     {
-        for (const auto& event : events)
+        for (const auto& event : report)
             libevdev_uinput_write_event(mDevice.get(), event.type, event.code, event.value);
         libevdev_uinput_write_event(mDevice.get(), EV_SYN, SYN_REPORT, 0);
     }
@@ -107,7 +108,8 @@ public:
     }
     void pen(const PenState& state, DevicePlace place) override
     {
-        mPen.tell(mPenEvents.eventsFor(state, place));
+        for (const auto& report : mPenEvents.reportsFor(state, place))
+            mPen.tell(report);
     }
 
 private:
@@ -122,6 +124,29 @@ int inside(double value, int most) { return static_cast<int>(std::clamp<double>(
 int pressureOf(double part)
 {
     return inside(std::round(part * kMostKernelPressure), kMostKernelPressure);
+}
+
+KernelEvents leaving(std::uint16_t tool)
+{
+    return {{EV_KEY, BTN_TOUCH, 0},
+            {EV_KEY, BTN_STYLUS, 0},
+            {EV_KEY, BTN_STYLUS2, 0},
+            {EV_ABS, ABS_PRESSURE, 0},
+            {EV_KEY, tool, 0}};
+}
+
+KernelEvents present(std::uint16_t tool, const PenState& state, DevicePlace place)
+{
+    return {{EV_KEY, tool, 1},
+            {EV_ABS, ABS_X, place.x},
+            {EV_ABS, ABS_Y, place.y},
+            {EV_ABS, ABS_PRESSURE,
+             state.isDown ? std::max(kLeastPenPressure, pressureOf(state.pressure)) : 0},
+            {EV_ABS, ABS_TILT_X, std::clamp(state.tiltX, -90, 90)},
+            {EV_ABS, ABS_TILT_Y, std::clamp(state.tiltY, -90, 90)},
+            {EV_KEY, BTN_STYLUS, state.buttons & 1},
+            {EV_KEY, BTN_STYLUS2, state.buttons >> 1 & 1},
+            {EV_KEY, BTN_TOUCH, state.isDown ? 1 : 0}};
 }
 
 } // namespace
@@ -148,35 +173,24 @@ KernelEvents TouchEvents::eventsFor(const TouchPoint& point, DevicePlace place)
     return events;
 }
 
-KernelEvents PenEvents::eventsFor(const PenState& state, DevicePlace place)
+std::vector<KernelEvents> PenEvents::reportsFor(const PenState& state, DevicePlace place)
 {
     const std::uint16_t tool = !state.isNear ? 0 : state.isEraser ? BTN_TOOL_RUBBER : BTN_TOOL_PEN;
-    KernelEvents events;
-    if (mTool != 0 && mTool != tool) {
-        // One tool goes before the other comes.
-        events = {{EV_KEY, BTN_TOUCH, 0},
-                  {EV_KEY, BTN_STYLUS, 0},
-                  {EV_KEY, BTN_STYLUS2, 0},
-                  {EV_ABS, ABS_PRESSURE, 0},
-                  {EV_KEY, mTool, 0}};
-        if (tool != 0)
-            events.push_back({EV_SYN, SYN_REPORT, 0});
+    std::vector<KernelEvents> reports;
+    if (mTool != 0 && mTool != tool)
+        reports.push_back(leaving(mTool));
+    if (tool != 0 && mTool != tool && state.isDown) {
+        auto hovering = state;
+        hovering.isDown = false;
+        reports.push_back(present(tool, hovering, place));
     }
+    if (tool != 0)
+        reports.push_back(present(tool, state, place));
     mTool = tool;
-    if (tool == 0)
-        return events;
-    events.insert(events.end(), {{EV_KEY, tool, 1},
-                                 {EV_ABS, ABS_X, place.x},
-                                 {EV_ABS, ABS_Y, place.y},
-                                 {EV_ABS, ABS_PRESSURE,
-                                  state.isDown ? std::max(1, pressureOf(state.pressure)) : 0},
-                                 {EV_ABS, ABS_TILT_X, std::clamp(state.tiltX, -90, 90)},
-                                 {EV_ABS, ABS_TILT_Y, std::clamp(state.tiltY, -90, 90)},
-                                 {EV_KEY, BTN_STYLUS, state.buttons & 1},
-                                 {EV_KEY, BTN_STYLUS2, state.buttons >> 1 & 1},
-                                 {EV_KEY, BTN_TOUCH, state.isDown ? 1 : 0}});
-    return events;
+    return reports;
 }
+
+bool mayMakeKernelDevices() { return ::access("/dev/uinput", R_OK | W_OK) == 0; }
 
 std::unique_ptr<InputDevices> makeKernelDevices()
 {

@@ -17,6 +17,7 @@ struct KernelEvent {
 
     bool operator==(const KernelEvent&) const = default;
 };
+/// Those that belong together.
 using KernelEvents = std::vector<KernelEvent>;
 
 /// What a touch screen tells of its fingers.
@@ -30,17 +31,20 @@ private:
     int mNext = 0; ///< each finger that comes down gets a number of its own
 };
 
-/// What a pen tells: the two ends of it are two tools.
+/// What a pen tells: the two ends of it are two tools. One goes before the other comes, and each
+/// hovers before it is pressed down: the pressure with which a tool comes is taken for that of a
+/// worn one at rest.
 class PenEvents
 {
 public:
-    KernelEvents eventsFor(const PenState& state, DevicePlace place);
+    std::vector<KernelEvents> reportsFor(const PenState& state, DevicePlace place);
 
 private:
     std::uint16_t mTool = 0; ///< that is near; 0: none
 };
 
-/// The largest pressure, and the largest contact is as large as the device.
 inline constexpr int kMostKernelPressure = 1023;
+/// Of a pen that is down: less than a twentieth of the most is taken for hovering.
+inline constexpr int kLeastPenPressure = 64;
 
 } // namespace farview

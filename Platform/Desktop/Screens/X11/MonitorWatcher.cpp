@@ -51,15 +51,17 @@ bool endsWell(pid_t process)
     return status == 0;
 }
 
-/// Whether the other end was closed without a word.
-bool waitForDeath()
+/// Waits until the other end is closed. Whether it said something before.
+bool endsWithAWord()
 {
-    char byte = 0;
-    ssize_t count = 0;
-    bool isSudden = true;
-    while ((count = ::read(STDIN_FILENO, &byte, 1)) > 0 || (count < 0 && errno == EINTR))
-        isSudden = isSudden && count < 0;
-    return isSudden;
+    bool hasWord = false;
+    while (true) {
+        char byte = 0;
+        const auto count = ::read(STDIN_FILENO, &byte, 1);
+        hasWord = hasWord || count > 0;
+        if (count == 0 || (count < 0 && errno != EINTR))
+            return hasWord;
+    }
 }
 
 } // namespace
@@ -81,13 +83,13 @@ bool watchMonitors()
 {
     if (const pid_t child = ::fork(); child != 0)
         return child > 0;
-    const bool isSudden = waitForDeath();
+    const bool isReleased = endsWithAWord();
     const auto connection = connectX(nullptr);
     RandrServer server(connection.get());
     // The server notices the end of a program at its own time.
     for (int look = 0; look < 1000 && server.isUsable() && hasAnyOwner(server); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    if (isSudden)
+    if (!isReleased)
         releaseAllOfXTest(connection.get());
     return undoAbandonedMonitors(server);
 }

@@ -195,9 +195,14 @@ TypedText::Lent* TypedText::freeKey(xkb_keymap& keymap)
     const auto oldest = std::ranges::min_element(mLent, {}, &Lent::lastUse);
     if (oldest == mLent.end())
         return nullptr;
-    xcb_flush(mConnection);
-    std::this_thread::sleep_until(oldest->lastUse + timeToUnderstand);
+    letProgramsUnderstand(oldest->lastUse);
     return &*oldest;
+}
+
+void TypedText::letProgramsUnderstand(Clock::time_point typed) const
+{
+    xcb_flush(mConnection);
+    std::this_thread::sleep_until(typed + timeToUnderstand);
 }
 
 /// Twice: with and without Shift.
@@ -231,9 +236,7 @@ void TypedText::giveBackAll()
 {
     if (mLent.empty())
         return;
-    xcb_flush(mConnection);
-    std::this_thread::sleep_until(std::ranges::max_element(mLent, {}, &Lent::lastUse)->lastUse +
-                                  timeToUnderstand);
+    letProgramsUnderstand(std::ranges::max_element(mLent, {}, &Lent::lastUse)->lastUse);
     for (const auto& lent : mLent)
         assign(lent.code, XCB_NO_SYMBOL);
     mLent.clear();

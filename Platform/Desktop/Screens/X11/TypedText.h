@@ -64,6 +64,7 @@ private:
     void press(const KeyStroke& stroke);
     std::optional<std::uint8_t> lend(xkb_keymap& keymap, char32_t character);
     Lent* freeKey(xkb_keymap& keymap);
+    void letProgramsUnderstand(Clock::time_point typed) const;
     void assign(std::uint8_t code, xcb_keysym_t symbol);
 
     xcb_connection_t* mConnection;

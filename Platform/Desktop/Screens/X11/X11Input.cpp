@@ -44,7 +44,6 @@ void X11Input::setArea(const std::optional<PixelRect>& area)
     if (area == mArea)
         return;
     mArea = area;
-    mDevices.measureDesktop();
     if (mArea)
         keepOnMonitor();
     releaseAll();

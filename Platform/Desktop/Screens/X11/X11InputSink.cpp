@@ -16,9 +16,8 @@ namespace farview
 namespace
 {
 
-/// For releasing what is down, which takes a millisecond; for giving back keys that were lent,
-/// which takes longer.
-constexpr std::chrono::milliseconds patience{500};
+/// For releasing what is down, which takes a millisecond, and for giving back keys that were lent.
+constexpr std::chrono::milliseconds patience{250};
 /// What a device sends in a second or two.
 constexpr std::size_t mostOrders = 4096;
 
@@ -170,17 +169,24 @@ void X11InputSink::converse(xcb_connection_t* connection)
 bool X11InputSink::serve(X11Input& input, xcb_connection_t* connection)
 {
     const auto taken = mOrders->take();
+    // The server has told how large the desktop is before it said where a monitor is there.
+    serveEvents(input, connection);
     input.setArea(taken.area);
     for (const auto& order : taken.orders)
         order(input);
     input.serveTime();
+    // An answer that was waited for may have brought events along.
+    serveEvents(input, connection);
     xcb_flush(connection);
+    return !taken.isLast && xcb_connection_has_error(connection) == 0;
+}
+
+void X11InputSink::serveEvents(X11Input& input, xcb_connection_t* connection)
+{
     while (const auto event = XReply<xcb_generic_event_t>(xcb_poll_for_event(connection))) {
         if (input.serve(*event))
             mAbilities = input.abilities();
     }
-    xcb_flush(connection);
-    return !taken.isLast && xcb_connection_has_error(connection) == 0;
 }
 
 } // namespace farview

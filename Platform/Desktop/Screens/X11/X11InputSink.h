@@ -81,6 +81,7 @@ private:
     void run(const std::string& display);
     void converse(xcb_connection_t* connection);
     bool serve(X11Input& input, xcb_connection_t* connection);
+    void serveEvents(X11Input& input, xcb_connection_t* connection);
 
     MakeInputDevices mMakeDevices;
     std::shared_ptr<X11InputOrders> mOrders = std::make_shared<X11InputOrders>();

@@ -93,6 +93,7 @@ void MutterMonitor::useState(const DisplayState* state)
     mBefore = *state;
     mUsers = state->layout;
     mSession.start();
+    mInput.makeDevices();
 }
 
 void MutterMonitor::follow(const DisplayState& state)
@@ -150,6 +151,7 @@ DisplayLayout MutterMonitor::layoutWithOurs(std::optional<PixelPoint> corner) co
 void MutterMonitor::report(const ScreenGeometry& geometry)
 {
     const auto before = std::exchange(mTold, geometry);
+    mInput.setMonitor(geometry);
     if (!before)
         tell([geometry](auto& told) { told.didAppear(geometry); });
     else if (geometry != *before)
@@ -199,6 +201,7 @@ void MutterMonitor::endSoon(ScreenObstacle reason)
 
 void MutterMonitor::remove()
 {
+    mInput.end();
     mSession.stop();
     if (const auto state = std::exchange(mState, std::nullopt); state && !mUsers.isEmpty())
         restoreLayout(mLoop, mBus, *state, *mOurs, withPrimary(mUsers));

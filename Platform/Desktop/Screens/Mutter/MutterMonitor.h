@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/Screens/Mutter/DisplayConfig.h"
+#include "Platform/Desktop/Screens/Mutter/MutterInput.h"
 #include "Platform/Desktop/Screens/Mutter/MutterSession.h"
 #include "Platform/Desktop/Screens/PipeWireStream.h"
 #include "Platform/RunLoop.h"
@@ -68,8 +69,8 @@ private:
     std::optional<ScreenGeometry> mTold;
     std::vector<News> mEarly; ///< before the monitor was told of
     bool mHasEnded = false;
-    NoInput mInput;
     MutterSession mSession;
+    MutterInput mInput{mSession, mWish};
     DisplayConfig mDisplays;
     PipeWireStream mStream;
 };

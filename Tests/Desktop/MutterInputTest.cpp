@@ -38,17 +38,15 @@ protected:
     /// Has a window cover our monitor, and waits until it has its full size and the keyboard.
     bool showWindow()
     {
-        const auto area = geometry().area;
-        bool isDone = false;
-        // The painter may not know of a new size yet.
-        for (int time = 0; time < 20 && !isDone; ++time) {
-            mOthers.fill(area.x, area.y, area.width, area.height, colour);
-            isDone = waitUntil([&] { return isCovered(); }, std::chrono::milliseconds(500));
-        }
-        return isDone && waitUntil([&] {
-                   const auto lines = mOthers.takeInput();
-                   return !lines.empty() && lines.back() == "Meta-1 focus";
-               });
+        const auto limit = std::chrono::seconds(30);
+        mOthers.cover("Meta-1", geometry().width, geometry().height, geometry().scale, colour);
+        return waitUntil([&] { return isCovered(); }, limit) &&
+               waitUntil(
+                   [&] {
+                       const auto lines = mOthers.takeInput();
+                       return !lines.empty() && lines.back() == "Meta-1 focus";
+                   },
+                   limit);
     }
     bool isCovered()
     {
@@ -109,7 +107,7 @@ protected:
 
 TEST_F(MutterInputTest, TheFirstOfEachKindReachesProgramsThatRanBefore)
 {
-    mOthers.fill(0, 0, 20, 20, colour);
+    mOthers.cover("Meta-0", 1280, 720, 1, colour);
     openWithWindow();
     input().key(30, true);
     input().key(30, false);
@@ -171,7 +169,7 @@ TEST_F(MutterInputTest, TypesKeysAndWhatTheLayoutHas)
 
 TEST_F(MutterInputTest, PlacesOutsideAreNobodys)
 {
-    mOthers.fill(0, 0, 20, 20, colour);
+    mOthers.cover("Meta-0", 1280, 720, 1, colour);
     openWithWindow();
     const double nowhere = std::nan("");
     for (const auto& [x, y] : {std::pair(-1.0, 10.0),
@@ -202,8 +200,7 @@ TEST_F(MutterInputTest, NothingLandsOnTheScreenBeside)
     }
     ASSERT_TRUE(mOthers.apply(layout));
     ASSERT_TRUE(waitUntil([&] { return geometry().corner() == PixelPoint{}; }));
-    // This place was on no monitor before.
-    mOthers.fill(1100, 810, 10, 10, colour);
+    mOthers.cover("Meta-0", 1280, 720, 1, colour);
     ASSERT_TRUE(showWindow());
     EXPECT_EQ(tap(1023.75, 300), tapAt("1023.75,300"));
     EXPECT_EQ(tap(0, 599.75), tapAt("0,599.75"));
@@ -220,11 +217,11 @@ TEST_F(MutterInputTest, PlacesAreExactAfterAnotherSize)
 
 TEST_F(MutterInputTest, PlacesAreTheMonitorsPixelsWhateverItsScale)
 {
-    open(2048, 1536, 2);
+    open(1600, 1200, 2);
     ASSERT_EQ(geometry().scale, 2);
-    ASSERT_EQ(geometry().area.width, 2048);
+    ASSERT_EQ(geometry().area.width, 1600);
     ASSERT_TRUE(showWindow());
-    EXPECT_EQ(tap(2047.5, 1535.5), tapAt("2047.5,1535.5"));
+    EXPECT_EQ(tap(1599.5, 1199.5), tapAt("1599.5,1199.5"));
 }
 
 TEST_F(MutterInputTest, WhatIsDownIsReleasedWhenTheMonitorGoes)
@@ -252,7 +249,7 @@ TEST_F(MutterInputTest, AButtonIsReleasedWhenTheMonitorGoes)
 TEST_F(MutterInputTest, AKilledProgramsKeyIsReleased)
 {
     ChildProcess holder({FARVIEW_MONITOR_HOLDER});
-    mOthers.fill(1280, 0, 20, 20, colour);
+    mOthers.cover("Meta-1", 1024, 600, 1, colour);
     ASSERT_EQ(next(1), (Lines{"Meta-1 focus"}));
     holder.sendSignal(SIGUSR1);
     ASSERT_EQ(next(4).size(), 4U);
@@ -282,7 +279,7 @@ TEST_F(MutterInputTest, WithoutTheWishNothingIsPassedOn)
     ASSERT_TRUE(
         waitUntil([&] { return mListener->geometry.has_value(); }, std::chrono::seconds(20)));
     EXPECT_EQ(input().abilities(), InputAbilities{});
-    mOthers.fill(1280, 0, 20, 20, colour);
+    mOthers.cover("Meta-1", 1024, 600, 1, colour);
     ASSERT_EQ(next(1), (Lines{"Meta-1 focus"}));
     input().key(30, true);
     touch(0, TouchPhase::down, 10, 10);
@@ -302,13 +299,13 @@ protected:
 
 TEST_F(ScaledMutterInputTest, PlacesAreTheMonitorsPixelsWhereScaledMonitorsTakeLessRoom)
 {
-    mOthers.fill(0, 0, 20, 20, colour);
-    open(2048, 1536, 2);
-    ASSERT_EQ(geometry().area.width, 1024);
+    mOthers.cover("Meta-0", 1280, 720, 1, colour);
+    open(1600, 1200, 2);
+    ASSERT_EQ(geometry().area.width, 800);
     ASSERT_TRUE(showWindow());
-    EXPECT_EQ(tap(2047.5, 1535.5), tapAt("2047.5,1535.5"));
-    input().movePointer({.x = 1025, .y = 0.5});
-    EXPECT_EQ(next(1), (Lines{"Meta-1 pointer 1025,0.5"}));
+    EXPECT_EQ(tap(1599.5, 1199.5), tapAt("1599.5,1199.5"));
+    input().movePointer({.x = 801, .y = 0.5});
+    EXPECT_EQ(next(1), (Lines{"Meta-1 pointer 801,0.5"}));
 }
 
 } // namespace

@@ -162,6 +162,15 @@ void GnomeArranger::fill(int x, int y, int width, int height, std::uint32_t colo
     say(line.str());
 }
 
+void GnomeArranger::cover(const std::string& monitor, int width, int height, double scale,
+                          std::uint32_t colour)
+{
+    std::ostringstream line;
+    line << "cover " << monitor << " " << width << " " << height << " " << scale << " " << colour
+         << "\n";
+    say(line.str());
+}
+
 void GnomeArranger::setCursor(int side, std::uint32_t colour, int hotspot)
 {
     std::ostringstream line;

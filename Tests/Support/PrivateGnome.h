@@ -66,9 +66,12 @@ public:
 
     /// Draws on a window that covers the monitor there; its rest is black.
     void fill(int x, int y, int width, int height, std::uint32_t colour);
+    /// Covers a monitor with a new window, as soon as the monitor is like that.
+    void cover(const std::string& monitor, int width, int height, double scale,
+               std::uint32_t colour);
     /// A square of one colour in the place of the pointer, over windows that `fill` has made.
     void setCursor(int side, std::uint32_t colour, int hotspot);
-    /// What windows that `fill` has made got since this was asked last, in words, such as
+    /// What those windows got since this was asked last, in words, such as
     /// "Meta-2 finger 0 down 100,200"; places in the monitor's pixels.
     std::vector<std::string> takeInput();
 

@@ -1,5 +1,6 @@
 // Paints on the screens of its desktop what it is told on its standard input, one line each:
 //   fill X Y WIDTH HEIGHT COLOUR     on a window that covers the screen there, once there is one
+//   cover NAME WIDTH HEIGHT SCALE COLOUR    wholly, the screen of that name, once it is like that
 //   cursor SIDE COLOUR HOTSPOT       a square in the place of the pointer
 // Says on its standard output what these windows get, one line each: the name of the screen
 // that the window was made for, what happened, and where, in the screen's pixels.
@@ -154,6 +155,8 @@ private:
 
     bool obey(const QStringList& words)
     {
+        if (words.first() == QStringLiteral("cover"))
+            return cover(words);
         std::vector<unsigned> numbers;
         for (const auto& word : words.mid(1))
             numbers.push_back(static_cast<unsigned>(word.toLongLong()));
@@ -173,6 +176,21 @@ private:
         canvas->setCursor(mCursor);
         canvas->fill(area.translated(-screen->geometry().topLeft()), numbers.at(4));
         return true;
+    }
+
+    bool cover(const QStringList& words)
+    {
+        const QSize size(words.at(2).toInt(), words.at(3).toInt());
+        for (auto* screen : QGuiApplication::screens()) {
+            const auto scale = screen->devicePixelRatio();
+            if (screen->name() != words.at(1) || screen->size() * scale != size ||
+                scale != words.at(4).toDouble())
+                continue;
+            auto& canvas = mCanvases[screen] = std::make_unique<Canvas>(screen);
+            canvas->fill({{}, screen->size()}, words.at(5).toUInt());
+            return true;
+        }
+        return false;
     }
 
     bool setCursor(const std::vector<unsigned>& numbers)

@@ -66,7 +66,8 @@ public:
 
     /// Draws on a window that covers the monitor there; its rest is black.
     void fill(int x, int y, int width, int height, std::uint32_t colour);
-    /// Covers a monitor with a new window, as soon as the monitor is like that.
+    /// Covers a monitor with a new window, as soon as the monitor is like that, its size
+    /// in the desktop's units.
     void cover(const std::string& monitor, int width, int height, double scale,
                std::uint32_t colour);
     /// A square of one colour in the place of the pointer, over windows that `fill` has made.

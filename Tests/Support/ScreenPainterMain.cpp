@@ -182,9 +182,8 @@ private:
     {
         const QSize size(words.at(2).toInt(), words.at(3).toInt());
         for (auto* screen : QGuiApplication::screens()) {
-            const auto scale = screen->devicePixelRatio();
-            if (screen->name() != words.at(1) || screen->size() * scale != size ||
-                scale != words.at(4).toDouble())
+            if (screen->name() != words.at(1) || screen->size() != size ||
+                screen->devicePixelRatio() != words.at(4).toDouble())
                 continue;
             auto& canvas = mCanvases[screen] = std::make_unique<Canvas>(screen);
             canvas->fill({{}, screen->size()}, words.at(5).toUInt());

@@ -68,6 +68,7 @@ void MutterMonitor::begin()
 {
     limitWaiting();
     mSession.start();
+    mInput.makeDevices();
 }
 
 void MutterMonitor::resize(int width, int height)
@@ -83,6 +84,7 @@ void MutterMonitor::report(const ScreenGeometry& geometry)
 {
     mWaiting.reset();
     const auto before = std::exchange(mTold, geometry);
+    mInput.setMonitor(geometry);
     if (!before)
         tell([geometry](auto& told) { told.didAppear(geometry); });
     else if (geometry != *before)
@@ -132,6 +134,7 @@ void MutterMonitor::endSoon(ScreenObstacle reason)
 
 void MutterMonitor::remove()
 {
+    mInput.end();
     mSession.stop();
     mLayout->remove(mPart);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/Screens/Mutter/MutterInput.h"
 #include "Platform/Desktop/Screens/Mutter/MutterLayout.h"
 #include "Platform/Desktop/Screens/Mutter/MutterSession.h"
 #include "Platform/Desktop/Screens/PipeWireStream.h"
@@ -57,8 +58,8 @@ private:
     std::optional<ScreenGeometry> mTold;
     std::vector<News> mEarly; ///< before the monitor was told of
     bool mHasEnded = false;
-    NoInput mInput;
     MutterSession mSession;
+    MutterInput mInput{mSession, mPart.wish};
     PipeWireStream mStream;
 };
 

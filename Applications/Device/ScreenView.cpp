@@ -24,6 +24,9 @@ ScreenView::ScreenView()
     setObjectName(QStringLiteral("screenView"));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
+    setTabletTracking(true);
+    setAttribute(Qt::WA_AcceptTouchEvents);
+    setFocusPolicy(Qt::ClickFocus);
 }
 
 void ScreenView::beginPicture(const PictureReceiver& picture)

@@ -83,7 +83,8 @@ TEST_F(DeviceWindowTest, ShowsWhoUsesItAndWhatTheyWant)
     EXPECT_THAT(text("deviceUse"), HasSubstr("192.0.2.9"));
     EXPECT_THAT(text("deviceUse"), HasSubstr("sends no pictures"));
     EXPECT_EQ(text("deviceOptions"), "Touch: on\nRetina resolutions: off\n"
-                                     "HiDPI resolutions: off\nWindows move back: on");
+                                     "HiDPI resolutions: off\nWindows move back: on\n"
+                                     "Keys and text: off");
     EXPECT_TRUE(label("deviceOptions").isVisible());
 }
 

@@ -82,6 +82,24 @@ protected:
         QTest::touchEvent(&view(), screen).release(0, places.back(), &view());
     }
 
+    void holdEverything()
+    {
+        reporter.key({30, true});
+        QTest::mousePress(&view(), Qt::LeftButton, {}, {100, 300});
+        QTest::touchEvent(&view(), screen).press(0, {200, 300}, &view());
+        ASSERT_TRUE(reporter.isDown(0));
+        ASSERT_EQ(reporter.pointer().buttons, 1);
+        sent.clear();
+    }
+    void expectNothingIsHeld()
+    {
+        EXPECT_THAT(sent, SizeIs(3));
+        EXPECT_FALSE(reporter.isDown(0));
+        EXPECT_EQ(reporter.pointer().buttons, 0);
+        QTest::mouseRelease(&view(), Qt::LeftButton, {}, {100, 300});
+        QTest::touchEvent(&view(), screen).release(0, {200, 300}, &view());
+    }
+
     QPointingDevice* screen = QTest::createTouchDevice();
     DeviceStatus status{.announcedName = "Desk", .port = 6001};
     DeviceTexts texts{{"en"}};
@@ -202,38 +220,28 @@ TEST_F(DeviceWindowInputTest, EscapeInTheBarClosesItAndTheKeysAreTheComputersAga
     EXPECT_EQ(count<LinkKey>(), 0);
 }
 
-TEST_F(DeviceWindowInputTest, WhoeverGoesElsewhereHoldsNothing)
+TEST_F(DeviceWindowInputTest, NothingIsHeldWhenTheBarTakesTheKeys)
 {
-    struct Case {
-        const char* what;
-        std::function<void()> leave;
-    };
+    holdEverything();
+    QTest::keyClick(&view(), Qt::Key_F10);
+    expectNothingIsHeld();
+}
+
+TEST_F(DeviceWindowInputTest, NothingIsHeldWhenAnotherWindowComes)
+{
+    QApplication::setActiveWindow(&window);
+    holdEverything();
     QWidget other;
-    const std::vector<Case> ways = {
-        {"the bar takes the keys", [&] { QTest::keyClick(&view(), Qt::Key_F10); }},
-        {"another window comes",
-         [&] {
-             other.show();
-             other.activateWindow();
-             QApplication::setActiveWindow(&other);
-         }},
-        {"it is hidden", [&] { window.hide(); }}};
-    for (const auto& [what, leave] : ways) {
-        window.show();
-        QApplication::setActiveWindow(&window);
-        view().setFocus();
-        reporter.key({30, true});
-        QTest::mousePress(&view(), Qt::LeftButton, {}, {100, 300});
-        QTest::touchEvent(&view(), screen).press(0, {200, 300}, &view());
-        ASSERT_TRUE(reporter.isDown(0)) << what;
-        sent.clear();
-        leave();
-        EXPECT_THAT(sent, SizeIs(3)) << what;
-        EXPECT_FALSE(reporter.isDown(0)) << what;
-        EXPECT_EQ(reporter.pointer().buttons, 0) << what;
-        QTest::mouseRelease(&view(), Qt::LeftButton, {}, {100, 300});
-        QTest::touchEvent(&view(), screen).release(0, {200, 300}, &view());
-    }
+    other.show();
+    QApplication::setActiveWindow(&other);
+    expectNothingIsHeld();
+}
+
+TEST_F(DeviceWindowInputTest, NothingIsHeldWhenItIsHidden)
+{
+    holdEverything();
+    window.hide();
+    expectNothingIsHeld();
 }
 
 TEST_F(DeviceWindowInputTest, APenThatGoesFarIsHeardOfByTheProgram)

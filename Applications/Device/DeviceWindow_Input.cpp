@@ -109,9 +109,9 @@ void DeviceWindow::followPointer(const QMouseEvent& event)
 
 void DeviceWindow::showKeyboard(bool isShown)
 {
+    mView->setAttribute(Qt::WA_InputMethodEnabled, isShown);
     if (isShown)
         mView->setFocus();
-    mView->setAttribute(Qt::WA_InputMethodEnabled, isShown);
     QGuiApplication::inputMethod()->setVisible(isShown);
 }
 

@@ -1,6 +1,5 @@
 // What the server says of a monitor, which any program of the user's can say.
 
-#include "Common/Rules/FurtherDevices.h"
 #include "Common/Rules/ScreenTexts.h"
 #include "Tests/Fuzz/Expect.h"
 
@@ -12,9 +11,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const ScreenReport report = screenReport(&text);
     const std::string written = textOfScreenReport(report);
     expect(screenReport(&written) == report, "a report is read as it was written");
-    const auto further = furtherDevices(&text);
-    const std::string list = textOfFurtherDevices(further);
-    expect(furtherDevices(&list) == further, "a list is read as it was written");
     const auto inWords = [](const std::string& key) { return key; };
     expect(!screenSentence(report, inWords).empty(), "every report can be told");
     screenAdvice(report, true, inWords);

@@ -131,7 +131,11 @@ void MutterLayout::setScale(MutterPart& part, double scale)
 void MutterLayout::place(MutterPart& part, PixelPoint corner)
 {
     const auto before = std::exchange(part.corner, corner);
-    if (mState && modeOf(part) && !isPossible(areasOf(*mState, arranged(true))))
+    if (!modeOf(part))
+        return;
+    const auto layout = wished();
+    const auto* shown = shownBy(layout, *part.id);
+    if (shown->x != corner.x || shown->y != corner.y)
         part.corner = before;
     apply();
 }
@@ -139,28 +143,36 @@ void MutterLayout::place(MutterPart& part, PixelPoint corner)
 void MutterLayout::apply()
 {
     if (mState)
-        mDisplays.apply(*mState, {wished(), arranged(false)});
+        mDisplays.apply(*mState, {wished(), arranged([](auto&&...) { return false; })});
 }
 
-/// Each of ours stays where it is, if Mutter allows that.
+/// With ours where they are or shall be; if Mutter allows that only for some, with the others
+/// beside everything.
 DisplayLayout MutterLayout::wished() const
 {
-    const auto kept = arranged(true);
-    return isPossible(areasOf(*mState, kept)) ? kept : arranged(false);
+    const auto kept = arranged([](auto&&...) { return true; });
+    return isPossible(areasOf(*mState, kept)) ? kept : arranged(standsWell);
 }
 
-/// With ours where they are or shall be, or each beside everything.
-DisplayLayout MutterLayout::arranged(bool isKept) const
+/// With ours where they are or shall be if they may stay there among those before them, else beside
+/// everything.
+DisplayLayout MutterLayout::arranged(const Permission& mayStay) const
 {
     auto layout = mUsers;
     for (const auto* part : mParts) {
         const auto* mode = modeOf(*part);
         if (!mode)
             continue;
-        const auto beside = besideEverything(areasOf(*mState, layout));
-        const auto corner = isKept ? part->corner.value_or(beside) : beside;
+        const auto before = areasOf(*mState, layout);
+        const auto beside = besideEverything(before);
+        const auto corner = part->corner.value_or(beside);
         const double scale = possibleScale(*mode, part->wish.scale);
-        layout.append({corner.x, corner.y, scale, 0, false, {*part->id}});
+        LogicalMonitor wanted{corner.x, corner.y, scale, 0, false, {*part->id}};
+        if (!mayStay(areaOf(*mState, wanted), before)) {
+            wanted.x = beside.x;
+            wanted.y = beside.y;
+        }
+        layout.append(wanted);
     }
     return withPrimary(layout);
 }

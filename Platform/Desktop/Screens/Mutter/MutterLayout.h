@@ -43,6 +43,9 @@ public:
     void place(MutterPart& part, PixelPoint corner);
 
 private:
+    using Permission =
+        std::function<bool(const PixelRect& area, const std::vector<PixelRect>& others)>;
+
     void useState(const DisplayState* state);
     void beginNext();
     void findOpening(const DisplayState& state);
@@ -52,7 +55,7 @@ private:
     void apply();
     void expectWithout(const MonitorId& id);
     DisplayLayout wished() const;
-    DisplayLayout arranged(bool isKept) const;
+    DisplayLayout arranged(const Permission& mayStay) const;
     DisplayLayout usersOf(DisplayLayout layout) const;
     std::vector<PixelRect> othersThan(const MutterPart& part) const;
     const MonitorMode* modeOf(const MutterPart& part) const;

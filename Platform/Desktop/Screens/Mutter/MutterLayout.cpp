@@ -6,6 +6,13 @@
 
 namespace farview
 {
+namespace
+{
+
+/// From asking PipeWire for another size until Mutter tells of it, on a computer that is busy.
+constexpr Duration longestResizing{2.0};
+
+} // namespace
 
 MutterLayout::MutterLayout(RunLoop& loop, SessionBus& bus)
     : mLoop(loop), mBus(bus), mDisplays(bus, [this](const auto* state) { useState(state); })
@@ -122,10 +129,10 @@ void MutterLayout::adopt(MutterPart& part)
 void MutterLayout::setScale(MutterPart& part, double scale)
 {
     const auto* mode = modeOf(part);
-    if (mode && std::abs(possibleScale(*mode, scale) - scale) > scaleAccuracy)
+    if (mode && !isResizing(part) && std::abs(possibleScale(*mode, scale) - scale) > scaleAccuracy)
         return;
     part.wish.scale = scale;
-    apply();
+    applyWith(part);
 }
 
 void MutterLayout::place(MutterPart& part, PixelPoint corner)
@@ -137,12 +144,21 @@ void MutterLayout::place(MutterPart& part, PixelPoint corner)
     const auto* shown = shownBy(layout, *part.id);
     if (shown->x != corner.x || shown->y != corner.y)
         part.corner = before;
-    apply();
+    applyWith(part);
+}
+
+/// With another size soon to come, which brings the rest of the wishes about, only if that fails:
+/// nothing in between is shown.
+void MutterLayout::applyWith(const MutterPart& part)
+{
+    if (!isResizing(part))
+        return apply();
+    mLoop.performAfterDelay(longestResizing, weak_from_this(), [this] { apply(); });
 }
 
 void MutterLayout::apply()
 {
-    if (mState)
+    if (mState && !isSameLayout(wished(), mState->layout))
         mDisplays.apply(*mState, {wished(), arranged([](auto&&...) { return false; })});
 }
 
@@ -195,6 +211,12 @@ std::vector<PixelRect> MutterLayout::othersThan(const MutterPart& part) const
             areas.push_back(areaOf(*mState, *shown));
     }
     return areas;
+}
+
+bool MutterLayout::isResizing(const MutterPart& part) const
+{
+    const auto* mode = modeOf(part);
+    return mode && (mode->width != part.wish.width || mode->height != part.wish.height);
 }
 
 /// Null while it is off, or not there.

@@ -53,11 +53,13 @@ private:
     void follow(const DisplayState& state);
     void adopt(MutterPart& part);
     void apply();
+    void applyWith(const MutterPart& part);
     void expectWithout(const MonitorId& id);
     DisplayLayout wished() const;
     DisplayLayout arranged(const Permission& mayStay) const;
     DisplayLayout usersOf(DisplayLayout layout) const;
     std::vector<PixelRect> othersThan(const MutterPart& part) const;
+    bool isResizing(const MutterPart& part) const;
     const MonitorMode* modeOf(const MutterPart& part) const;
 
     RunLoop& mLoop;

@@ -6,13 +6,6 @@
 
 namespace farview
 {
-namespace
-{
-
-/// From asking PipeWire for another size until Mutter tells of it, on a computer that is busy.
-constexpr Duration longestResizing{2.0};
-
-} // namespace
 
 MutterLayout::MutterLayout(RunLoop& loop, SessionBus& bus)
     : mLoop(loop), mBus(bus), mDisplays(bus, [this](const auto* state) { useState(state); })
@@ -104,10 +97,14 @@ void MutterLayout::follow(const DisplayState& state)
     const auto users = usersOf(state.layout);
     if (!isMutters || !haveSameMonitors(users, mUsers))
         mUsers = users;
-    if (isMutters && !isSameLayout(wished(), state.layout) && mJudge.mayReplace())
+    if (!isSameLayout(wished(), state.layout) &&
+        (std::exchange(mHasWish, false) || (isMutters && mJudge.mayReplace()))) {
+        mHasReplaced = mHasReplaced || isMutters;
         return apply();
+    }
     for (auto* part : mParts)
         adopt(*part);
+    mHasReplaced = false;
 }
 
 /// What others, or Mutter, made of the wishes is what is wanted from now on.
@@ -120,10 +117,13 @@ void MutterLayout::adopt(MutterPart& part)
     if (!shown || !mode)
         return part.lost(ScreenObstacle::takenAway);
     const auto area = areaOf(*mState, *shown);
-    part.corner = PixelPoint{area.x, area.y};
-    if (shown->scale != possibleScale(*mode, part.wish.scale))
-        part.wish.scale = shown->scale;
-    part.stands({area, mode->width, mode->height, shown->scale, mode->rate, othersThan(part)});
+    if (!isResizing(part)) {
+        part.corner = PixelPoint{area.x, area.y};
+        if (shown->scale != possibleScale(*mode, part.wish.scale))
+            part.wish.scale = shown->scale;
+    }
+    part.stands({area, mode->width, mode->height, shown->scale, mode->rate, othersThan(part)},
+                mHasReplaced);
 }
 
 void MutterLayout::setScale(MutterPart& part, double scale)
@@ -132,7 +132,7 @@ void MutterLayout::setScale(MutterPart& part, double scale)
     if (mode && !isResizing(part) && std::abs(possibleScale(*mode, scale) - scale) > scaleAccuracy)
         return;
     part.wish.scale = scale;
-    applyWith(part);
+    applyFor(part);
 }
 
 void MutterLayout::place(MutterPart& part, PixelPoint corner)
@@ -144,16 +144,18 @@ void MutterLayout::place(MutterPart& part, PixelPoint corner)
     const auto* shown = shownBy(layout, *part.id);
     if (shown->x != corner.x || shown->y != corner.y)
         part.corner = before;
-    applyWith(part);
+    applyFor(part);
 }
 
-/// With another size soon to come, which brings the rest of the wishes about, only if that fails:
-/// nothing in between is shown.
-void MutterLayout::applyWith(const MutterPart& part)
+void MutterLayout::applyFor(const MutterPart& part)
 {
-    if (!isResizing(part))
-        return apply();
-    mLoop.performAfterDelay(longestResizing, weak_from_this(), [this] { apply(); });
+    // The layout is made anew with the new size: nothing is shown in between.
+    if (isResizing(part))
+        return;
+    if (mDisplays.isApplying())
+        mHasWish = true;
+    else
+        apply();
 }
 
 void MutterLayout::apply()

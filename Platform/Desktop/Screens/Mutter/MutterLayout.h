@@ -18,10 +18,11 @@ struct MutterPart {
     ScreenWish wish;
     /// Where it is, or shall be; nothing: beside everything.
     std::optional<PixelPoint> corner;
-    std::function<void()> mayBegin;                    ///< now Mutter may make it
-    std::function<void(const ScreenGeometry&)> stands; ///< what has become of the wishes
-    std::function<void(ScreenObstacle)> lost;          ///< it may have ended
-    std::optional<MonitorId> id = std::nullopt;        ///< once it is there
+    std::function<void()> mayBegin; ///< now Mutter may make it
+    /// What has become of the wishes; whether Mutter showed something else just before.
+    std::function<void(const ScreenGeometry&, bool wasElse)> stands;
+    std::function<void(ScreenObstacle)> lost;   ///< it may have ended
+    std::optional<MonitorId> id = std::nullopt; ///< once it is there
 };
 
 /// Where our monitors are among the user's. Whenever monitors come, go or change, Mutter arranges
@@ -53,7 +54,7 @@ private:
     void follow(const DisplayState& state);
     void adopt(MutterPart& part);
     void apply();
-    void applyWith(const MutterPart& part);
+    void applyFor(const MutterPart& part);
     void expectWithout(const MonitorId& id);
     DisplayLayout wished() const;
     DisplayLayout arranged(const Permission& mayStay) const;
@@ -70,6 +71,8 @@ private:
     std::optional<DisplayState> mState;
     QList<MonitorId> mRemoved; ///< of ours, which Mutter may still show
     DisplayLayout mUsers;      ///< where the user wants the other monitors
+    bool mHasReplaced = false; ///< a layout that Mutter made
+    bool mHasWish = false;     ///< that waits for another to be granted
     LayoutJudge mJudge;
     DisplayConfig mDisplays;
 };

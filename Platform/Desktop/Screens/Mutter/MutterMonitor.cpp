@@ -28,7 +28,10 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
       mLayout(std::move(layout)), mPart{wish,
                                         {},
                                         [this] { begin(); },
-                                        [this](const auto& geometry) { report(geometry); },
+                                        [this](const auto& geometry, bool wasElse) {
+                report(geometry);
+                mStream.show(geometry.width, geometry.height, wasElse);
+            },
                                         [this](auto reason) { endSoon(reason); }},
       mSession(bus,
                {[this] { waitForTurn(); },

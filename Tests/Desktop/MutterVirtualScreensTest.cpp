@@ -114,19 +114,22 @@ TEST_F(MutterVirtualScreensTest, TurningShowsNothingBetweenOneSizeAndTheOther)
     EXPECT_EQ(mListener->geometries, (std::vector{before, after}));
 }
 
-TEST_F(MutterVirtualScreensTest, AScaleWaitsForTheSizeThatIsToComeWithIt)
+TEST_F(MutterVirtualScreensTest, ScaleAndPlaceWaitForTheSizeThatIsToComeWithThem)
 {
     open(1600, 1200);
+    ASSERT_TRUE(waitUntil([&] { return mScreen->frames().takeFrame().has_value(); }));
     const auto before = mOthers.layout();
     mDesktop.pipeWire().sendSignal(SIGSTOP);
     mScreen->resize(2048, 1536);
     mScreen->setScale(2);
+    mScreen->place(pixelPoint(1920, 900));
     runLoopFor(std::chrono::milliseconds(200));
     EXPECT_EQ(mOthers.layout(), before);
     mDesktop.pipeWire().sendSignal(SIGCONT);
     ASSERT_TRUE(becomes(2048, 1536));
     runLoopFor(std::chrono::milliseconds(300));
     EXPECT_EQ(geometry().scale, 2);
+    EXPECT_EQ(geometry().corner(), pixelPoint(1920, 900));
     EXPECT_EQ(mListener->geometries.size(), 2U);
 }
 

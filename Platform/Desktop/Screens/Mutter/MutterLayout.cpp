@@ -126,32 +126,32 @@ void MutterLayout::adopt(MutterPart& part)
                 mHasReplaced);
 }
 
+// While another size is to come, the layout is made anew with that: nothing is shown in between.
+
 void MutterLayout::setScale(MutterPart& part, double scale)
 {
     const auto* mode = modeOf(part);
     if (mode && !isResizing(part) && std::abs(possibleScale(*mode, scale) - scale) > scaleAccuracy)
         return;
     part.wish.scale = scale;
-    applyFor(part);
+    if (!isResizing(part))
+        applySoon();
 }
 
 void MutterLayout::place(MutterPart& part, PixelPoint corner)
 {
     const auto before = std::exchange(part.corner, corner);
-    if (!modeOf(part))
+    if (!modeOf(part) || isResizing(part))
         return;
     const auto layout = wished();
     const auto* shown = shownBy(layout, *part.id);
     if (shown->x != corner.x || shown->y != corner.y)
         part.corner = before;
-    applyFor(part);
+    applySoon();
 }
 
-void MutterLayout::applyFor(const MutterPart& part)
+void MutterLayout::applySoon()
 {
-    // The layout is made anew with the new size: nothing is shown in between.
-    if (isResizing(part))
-        return;
     if (mDisplays.isApplying())
         mHasWish = true;
     else

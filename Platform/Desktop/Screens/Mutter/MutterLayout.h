@@ -54,7 +54,7 @@ private:
     void follow(const DisplayState& state);
     void adopt(MutterPart& part);
     void apply();
-    void applyFor(const MutterPart& part);
+    void applySoon();
     void expectWithout(const MonitorId& id);
     DisplayLayout wished() const;
     DisplayLayout arranged(const Permission& mayStay) const;

@@ -34,7 +34,7 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
             },
                                         [this](auto reason) { endSoon(reason); }},
       mSession(bus,
-               {[this] { waitForTurn(); },
+               {[this] { queue(); },
                 [this](auto node) { mStream.connect(node, mPart.wish.width, mPart.wish.height); },
                 [this](auto reason) { lose(reason); }}),
       mStream(loop, {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
@@ -61,7 +61,7 @@ void MutterMonitor::limitWaiting()
 }
 
 /// Others have a limit of their own.
-void MutterMonitor::waitForTurn()
+void MutterMonitor::queue()
 {
     mWaiting.reset();
     mLayout->add(mPart);

@@ -9,6 +9,8 @@ namespace
 
 /// From the wish to the monitor.
 constexpr Duration longestStart{10.0};
+/// From one size to the next, on a computer that is busy.
+constexpr Duration longestResizing{2.0};
 /// Session, stream and bus may end together, and each says something else.
 constexpr Duration patience{0.5};
 
@@ -29,9 +31,9 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
                                         {},
                                         [this] { begin(); },
                                         [this](const auto& geometry, bool wasElse) {
-                report(geometry);
-                mStream.show(geometry.width, geometry.height, wasElse);
-            },
+                                            report(geometry);
+                                            mStream.show(geometry.width, geometry.height, wasElse);
+                                        },
                                         [this](auto reason) { endSoon(reason); }},
       mSession(bus,
                {[this] { queue(); },
@@ -80,6 +82,12 @@ void MutterMonitor::resize(int width, int height)
     mPart.wish.width = width;
     mPart.wish.height = height;
     mStream.resize(width, height);
+    // A stream that is still being set up may lose that where PipeWire is busy.
+    mLoop.performAfterDelay(longestResizing, mLife, [this] {
+        const auto& wish = mPart.wish;
+        if (mTold && (mTold->width != wish.width || mTold->height != wish.height))
+            mStream.resize(wish.width, wish.height);
+    });
 }
 
 void MutterMonitor::report(const ScreenGeometry& geometry)

@@ -33,6 +33,8 @@ public:
     /// Asks for the first of these layouts that Mutter accepts; whatever becomes of it, asks for
     /// the state then. `state` is what they were made from.
     void apply(const DisplayState& state, const QList<DisplayLayout>& choices);
+    /// Whether a layout was asked for and Mutter has not answered.
+    bool isApplying() const { return mIsApplying; }
 
 private:
     void take(const QDBusMessage& reply);

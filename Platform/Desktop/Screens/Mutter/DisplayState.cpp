@@ -117,24 +117,6 @@ RequestedPart requested(const DisplayState& state, const LogicalMonitor& part)
     return request;
 }
 
-/// Whether the area is at the side of another, unless it is the only one, and over none.
-bool standsWell(const PixelRect& area, const std::vector<PixelRect>& all)
-{
-    bool hasNeighbour = all.size() == 1;
-    for (const auto& other : all) {
-        if (&other == &area)
-            continue;
-        const int across =
-            std::min(area.x + area.width, other.x + other.width) - std::max(area.x, other.x);
-        const int down =
-            std::min(area.y + area.height, other.y + other.height) - std::max(area.y, other.y);
-        if (across > 0 && down > 0)
-            return false;
-        hasNeighbour = hasNeighbour || (across == 0 && down > 0) || (across > 0 && down == 0);
-    }
-    return hasNeighbour;
-}
-
 /// Of a screen; no real one is larger.
 std::int16_t shortNumber(int number)
 {
@@ -234,15 +216,30 @@ DisplayLayout withPrimary(DisplayLayout layout)
     return layout;
 }
 
+bool standsWell(const PixelRect& area, const std::vector<PixelRect>& others)
+{
+    bool hasNeighbour = others.empty();
+    for (const auto& other : others) {
+        const int across =
+            std::min(area.x + area.width, other.x + other.width) - std::max(area.x, other.x);
+        const int down =
+            std::min(area.y + area.height, other.y + other.height) - std::max(area.y, other.y);
+        if (across > 0 && down > 0)
+            return false;
+        hasNeighbour = hasNeighbour || (across == 0 && down > 0) || (across > 0 && down == 0);
+    }
+    return hasNeighbour && area.x >= 0 && area.y >= 0;
+}
+
 bool isPossible(const std::vector<PixelRect>& areas)
 {
-    const auto isLeftOf = [](const auto& one, const auto& other) { return one.x < other.x; };
-    const auto isAbove = [](const auto& one, const auto& other) { return one.y < other.y; };
-    return areas.empty() || (std::min_element(areas.begin(), areas.end(), isLeftOf)->x == 0 &&
-                             std::min_element(areas.begin(), areas.end(), isAbove)->y == 0 &&
-                             std::all_of(areas.begin(), areas.end(), [&](const auto& area) {
-                                 return standsWell(area, areas);
-                             }));
+    bool isPossible = true;
+    for (std::size_t index = 0; index < areas.size(); ++index) {
+        auto others = areas;
+        others.erase(others.begin() + static_cast<std::ptrdiff_t>(index));
+        isPossible = isPossible && standsWell(areas[index], others);
+    }
+    return isPossible;
 }
 
 bool isOneRow(const DisplayLayout& layout)

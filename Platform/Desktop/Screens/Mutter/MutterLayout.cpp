@@ -97,10 +97,14 @@ void MutterLayout::follow(const DisplayState& state)
     const auto users = usersOf(state.layout);
     if (!isMutters || !haveSameMonitors(users, mUsers))
         mUsers = users;
-    if (isMutters && !isSameLayout(wished(), state.layout) && mJudge.mayReplace())
+    if (!isSameLayout(wished(), state.layout) &&
+        (std::exchange(mHasWish, false) || (isMutters && mJudge.mayReplace()))) {
+        mHasReplaced = mHasReplaced || isMutters;
         return apply();
+    }
     for (auto* part : mParts)
         adopt(*part);
+    mHasReplaced = false;
 }
 
 /// What others, or Mutter, made of the wishes is what is wanted from now on.
@@ -113,54 +117,80 @@ void MutterLayout::adopt(MutterPart& part)
     if (!shown || !mode)
         return part.lost(ScreenObstacle::takenAway);
     const auto area = areaOf(*mState, *shown);
-    part.corner = PixelPoint{area.x, area.y};
-    if (shown->scale != possibleScale(*mode, part.wish.scale))
-        part.wish.scale = shown->scale;
-    part.stands({area, mode->width, mode->height, shown->scale, mode->rate, othersThan(part)});
+    if (!isResizing(part)) {
+        part.corner = PixelPoint{area.x, area.y};
+        if (shown->scale != possibleScale(*mode, part.wish.scale))
+            part.wish.scale = shown->scale;
+    }
+    part.stands({area, mode->width, mode->height, shown->scale, mode->rate, othersThan(part)},
+                mHasReplaced);
 }
+
+// While another size is to come, the layout is made anew with that: nothing is shown in between.
 
 void MutterLayout::setScale(MutterPart& part, double scale)
 {
     const auto* mode = modeOf(part);
-    if (mode && std::abs(possibleScale(*mode, scale) - scale) > scaleAccuracy)
+    if (mode && !isResizing(part) && std::abs(possibleScale(*mode, scale) - scale) > scaleAccuracy)
         return;
     part.wish.scale = scale;
-    apply();
+    if (!isResizing(part))
+        applySoon();
 }
 
 void MutterLayout::place(MutterPart& part, PixelPoint corner)
 {
     const auto before = std::exchange(part.corner, corner);
-    if (mState && modeOf(part) && !isPossible(areasOf(*mState, arranged(true))))
+    if (!modeOf(part) || isResizing(part))
+        return;
+    const auto layout = wished();
+    const auto* shown = shownBy(layout, *part.id);
+    if (shown->x != corner.x || shown->y != corner.y)
         part.corner = before;
-    apply();
+    applySoon();
+}
+
+void MutterLayout::applySoon()
+{
+    if (mDisplays.isApplying())
+        mHasWish = true;
+    else
+        apply();
 }
 
 void MutterLayout::apply()
 {
-    if (mState)
-        mDisplays.apply(*mState, {wished(), arranged(false)});
+    if (mState && !isSameLayout(wished(), mState->layout))
+        mDisplays.apply(*mState, {wished(), arranged([](auto&&...) { return false; })});
 }
 
-/// Each of ours stays where it is, if Mutter allows that.
+/// With ours where they are or shall be; if Mutter allows that only for some, with the others
+/// beside everything.
 DisplayLayout MutterLayout::wished() const
 {
-    const auto kept = arranged(true);
-    return isPossible(areasOf(*mState, kept)) ? kept : arranged(false);
+    const auto kept = arranged([](auto&&...) { return true; });
+    return isPossible(areasOf(*mState, kept)) ? kept : arranged(standsWell);
 }
 
-/// With ours where they are or shall be, or each beside everything.
-DisplayLayout MutterLayout::arranged(bool isKept) const
+/// With ours where they are or shall be if they may stay there among those before them, else beside
+/// everything.
+DisplayLayout MutterLayout::arranged(const Permission& mayStay) const
 {
     auto layout = mUsers;
     for (const auto* part : mParts) {
         const auto* mode = modeOf(*part);
         if (!mode)
             continue;
-        const auto beside = besideEverything(areasOf(*mState, layout));
-        const auto corner = isKept ? part->corner.value_or(beside) : beside;
+        const auto before = areasOf(*mState, layout);
+        const auto beside = besideEverything(before);
+        const auto corner = part->corner.value_or(beside);
         const double scale = possibleScale(*mode, part->wish.scale);
-        layout.append({corner.x, corner.y, scale, 0, false, {*part->id}});
+        LogicalMonitor wanted{corner.x, corner.y, scale, 0, false, {*part->id}};
+        if (!mayStay(areaOf(*mState, wanted), before)) {
+            wanted.x = beside.x;
+            wanted.y = beside.y;
+        }
+        layout.append(wanted);
     }
     return withPrimary(layout);
 }
@@ -183,6 +213,12 @@ std::vector<PixelRect> MutterLayout::othersThan(const MutterPart& part) const
             areas.push_back(areaOf(*mState, *shown));
     }
     return areas;
+}
+
+bool MutterLayout::isResizing(const MutterPart& part) const
+{
+    const auto* mode = modeOf(part);
+    return mode && (mode->width != part.wish.width || mode->height != part.wish.height);
 }
 
 /// Null while it is off, or not there.

@@ -18,10 +18,11 @@ struct MutterPart {
     ScreenWish wish;
     /// Where it is, or shall be; nothing: beside everything.
     std::optional<PixelPoint> corner;
-    std::function<void()> mayBegin;                    ///< now Mutter may make it
-    std::function<void(const ScreenGeometry&)> stands; ///< what has become of the wishes
-    std::function<void(ScreenObstacle)> lost;          ///< it may have ended
-    std::optional<MonitorId> id = std::nullopt;        ///< once it is there
+    std::function<void()> mayBegin; ///< now Mutter may make it
+    /// What has become of the wishes; whether Mutter showed something else just before.
+    std::function<void(const ScreenGeometry&, bool wasElse)> stands;
+    std::function<void(ScreenObstacle)> lost;   ///< it may have ended
+    std::optional<MonitorId> id = std::nullopt; ///< once it is there
 };
 
 /// Where our monitors are among the user's. Whenever monitors come, go or change, Mutter arranges
@@ -43,6 +44,9 @@ public:
     void place(MutterPart& part, PixelPoint corner);
 
 private:
+    using Permission =
+        std::function<bool(const PixelRect& area, const std::vector<PixelRect>& others)>;
+
     void useState(const DisplayState* state);
     void beginNext();
     void findOpening(const DisplayState& state);
@@ -50,11 +54,13 @@ private:
     void follow(const DisplayState& state);
     void adopt(MutterPart& part);
     void apply();
+    void applySoon();
     void expectWithout(const MonitorId& id);
     DisplayLayout wished() const;
-    DisplayLayout arranged(bool isKept) const;
+    DisplayLayout arranged(const Permission& mayStay) const;
     DisplayLayout usersOf(DisplayLayout layout) const;
     std::vector<PixelRect> othersThan(const MutterPart& part) const;
+    bool isResizing(const MutterPart& part) const;
     const MonitorMode* modeOf(const MutterPart& part) const;
 
     RunLoop& mLoop;
@@ -65,6 +71,8 @@ private:
     std::optional<DisplayState> mState;
     QList<MonitorId> mRemoved; ///< of ours, which Mutter may still show
     DisplayLayout mUsers;      ///< where the user wants the other monitors
+    bool mHasReplaced = false; ///< a layout that Mutter made
+    bool mHasWish = false;     ///< that waits for another to be granted
     LayoutJudge mJudge;
     DisplayConfig mDisplays;
 };

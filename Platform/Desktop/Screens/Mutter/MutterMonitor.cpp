@@ -9,6 +9,8 @@ namespace
 
 /// From the wish to the monitor.
 constexpr Duration longestStart{10.0};
+/// From one size to the next, on a computer that is busy.
+constexpr Duration longestResizing{2.0};
 /// Session, stream and bus may end together, and each says something else.
 constexpr Duration patience{0.5};
 
@@ -28,10 +30,13 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
       mLayout(std::move(layout)), mPart{wish,
                                         {},
                                         [this] { begin(); },
-                                        [this](const auto& geometry) { report(geometry); },
+                                        [this](const auto& geometry, bool wasElse) {
+                                            report(geometry);
+                                            mStream.show(geometry.width, geometry.height, wasElse);
+                                        },
                                         [this](auto reason) { endSoon(reason); }},
       mSession(bus,
-               {[this] { waitForTurn(); },
+               {[this] { queue(); },
                 [this](auto node) { mStream.connect(node, mPart.wish.width, mPart.wish.height); },
                 [this](auto reason) { lose(reason); }}),
       mStream(loop, {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
@@ -58,7 +63,7 @@ void MutterMonitor::limitWaiting()
 }
 
 /// Others have a limit of their own.
-void MutterMonitor::waitForTurn()
+void MutterMonitor::queue()
 {
     mWaiting.reset();
     mLayout->add(mPart);
@@ -78,6 +83,12 @@ void MutterMonitor::resize(int width, int height)
     mPart.wish.width = width;
     mPart.wish.height = height;
     mStream.resize(width, height);
+    // A stream that is still being set up may lose that where PipeWire is busy.
+    mLoop.performAfterDelay(longestResizing, mLife, [this] {
+        const auto& wish = mPart.wish;
+        if (mTold && (mTold->width != wish.width || mTold->height != wish.height))
+            mStream.resize(wish.width, wish.height);
+    });
 }
 
 void MutterMonitor::report(const ScreenGeometry& geometry)

@@ -39,7 +39,7 @@ private:
 
     void prepare();
     void begin();
-    void waitForTurn();
+    void queue();
     void limitWaiting();
     void report(const ScreenGeometry& geometry);
     void tellOfPicture(News news);

@@ -36,10 +36,11 @@ std::string textOf(xcb_connection_t* connection, xkb_context* context,
     return text;
 }
 
-/// A property of its touch screen.
+/// A property of its touch screen. The library reads whole words of `values`.
 template <typename Value, std::size_t Count>
 void setOfTouchScreen(const std::string& display, const std::string& property,
-                      const std::string& type, const std::array<Value, Count>& values)
+                      const std::string& type, std::uint32_t count,
+                      const std::array<Value, Count>& values)
 {
     auto* connection = xcb_connect(display.c_str(), nullptr);
     const auto atom = [&](const std::string& name) {
@@ -58,7 +59,7 @@ void setOfTouchScreen(const std::string& display, const std::string& property,
         const std::string device(xcb_input_xi_device_info_name(each.data), each.data->name_len);
         if (device == "Farview Touch")
             xcb_input_xi_change_property(connection, each.data->deviceid, XCB_PROP_MODE_REPLACE,
-                                         8 * sizeof(Value), atom(property), atom(type), Count,
+                                         8 * sizeof(Value), atom(property), atom(type), count,
                                          values.data());
     }
     std::free(devices);
@@ -253,10 +254,10 @@ std::string describedKeyboard(const std::string& display)
 
 void mapTouchScreen(const std::string& display, const std::array<float, 9>& matrix)
 {
-    setOfTouchScreen(display, "Coordinate Transformation Matrix", "FLOAT", matrix);
+    setOfTouchScreen(display, "Coordinate Transformation Matrix", "FLOAT", 9, matrix);
 }
 
 void enableTouchScreen(const std::string& display, bool enable)
 {
-    setOfTouchScreen(display, "Device Enabled", "INTEGER", std::array<std::uint8_t, 1>{enable});
+    setOfTouchScreen(display, "Device Enabled", "INTEGER", 1, std::array<std::uint8_t, 4>{enable});
 }

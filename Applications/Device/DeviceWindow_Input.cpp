@@ -7,8 +7,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 
-#include <algorithm>
-
 namespace farview
 {
 namespace

@@ -3,6 +3,7 @@
 #include "Link/Wire/LinkCodec.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <new>
 #include <utility>

@@ -3,6 +3,7 @@
 #include "Link/Wire/LinkFrame.h"
 #include "Platform/RunLoop.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -48,7 +49,6 @@ public:
     /// Takes fingers, pen, buttons and keys up, because the user is elsewhere now.
     void liftAll();
 
-    bool isDown(std::uint8_t finger) const { return mFingers.contains(finger); }
     const LinkPen& pen() const { return mPen; }
     const LinkPointer& pointer() const { return mPointer; }
 

@@ -35,7 +35,6 @@ public:
     /// Reports to `reporter` from now on; to nobody when it is null.
     void setReporter(InputReporter* reporter) { mReporter = reporter; }
     bool isOn() const { return mReporter && mReporter->takesInput(); }
-    bool mayType() const { return mReporter && mReporter->takesTyping(); }
 
     /// Takes an event of the view while `isOn`. False when it is of no use to the computer.
     bool take(QEvent& event);

@@ -365,10 +365,8 @@ TEST_F(PictureInputTest, ShortcutsOfTheWindowAreTheComputersWhileTheDeviceTypes)
 TEST_F(PictureInputTest, IsOffWithoutAReporterAndWhileTheHostWantsNothing)
 {
     EXPECT_TRUE(input.isOn());
-    EXPECT_TRUE(input.mayType());
     reporter.setOptions({.typing = true});
     EXPECT_FALSE(input.isOn());
-    EXPECT_FALSE(input.mayType());
     input.setReporter(nullptr);
     EXPECT_FALSE(input.isOn());
     input.leave();

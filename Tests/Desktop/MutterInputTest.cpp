@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace farview
@@ -40,15 +41,20 @@ protected:
     {
         const auto area = geometry().area;
         bool isDone = false;
-        // Mutter moves windows when it arranges monitors anew, which may come late.
-        for (int time = 0; time < 3 && !isDone; ++time) {
+        // Mutter moves windows away when it arranges monitors anew, which may come late.
+        for (int time = 0; time < 4 && !isDone; ++time) {
             mOthers.cover("Meta-1", area.width, area.height, geometry().scale, colour);
             isDone = waitUntil([&] { return isCovered(); });
         }
-        return isDone && waitUntil([&] {
-                   const auto lines = mOthers.takeInput();
-                   return !lines.empty() && lines.back() == "Meta-1 focus";
-               });
+        return isDone && hasKeyboard();
+    }
+    bool hasKeyboard() { return getsAmongOthers("Meta-1 focus"); }
+    bool getsAmongOthers(const std::string& line)
+    {
+        return waitUntil([&] {
+            const auto lines = mOthers.takeInput();
+            return std::find(lines.begin(), lines.end(), line) != lines.end();
+        });
     }
     bool isCovered()
     {
@@ -81,15 +87,17 @@ protected:
     }
     static Lines tapAt(const std::string& place)
     {
-        return {"Meta-1 finger down " + place, "Meta-1 finger up " + place};
+        return {"Meta-1 finger down " + place, "Meta-1 finger up"};
     }
-    /// What windows get next, as soon as it is so many lines.
+    /// What windows get next besides the keyboard, as soon as it is so many lines.
     Lines next(std::size_t count)
     {
         Lines lines;
         waitUntil([&] {
-            for (auto& line : mOthers.takeInput())
-                lines.push_back(std::move(line));
+            for (auto& line : mOthers.takeInput()) {
+                if (!line.ends_with(" focus"))
+                    lines.push_back(std::move(line));
+            }
             return lines.size() >= count;
         });
         return lines;
@@ -131,7 +139,7 @@ TEST_F(MutterInputTest, TwoFingersLandWhereTheyAre)
               (Lines{"Meta-1 finger motion 10.5,20", "Meta-1 finger motion 1023.75,599.75"}));
     touch(0, TouchPhase::up);
     touch(1, TouchPhase::cancel);
-    EXPECT_EQ(next(2), (Lines{"Meta-1 finger up 10.5,20", "Meta-1 finger up 1023.75,599.75"}));
+    EXPECT_EQ(next(2), (Lines{"Meta-1 finger up", "Meta-1 finger up"}));
 }
 
 TEST_F(MutterInputTest, ThePointerClicksAndScrolls)
@@ -234,8 +242,7 @@ TEST_F(MutterInputTest, WhatIsDownIsReleasedWhenTheMonitorGoes)
     touch(5, TouchPhase::down, 20, 20);
     ASSERT_EQ(next(3).size(), 3U);
     mScreen.reset();
-    EXPECT_EQ(next(3),
-              (Lines{"Meta-1 finger up 10,10", "Meta-1 finger up 20,20", "Meta-1 key 30 up a"}));
+    EXPECT_EQ(next(3), (Lines{"Meta-1 finger up", "Meta-1 finger up", "Meta-1 key 30 up a"}));
 }
 
 TEST_F(MutterInputTest, AButtonIsReleasedWhenTheMonitorGoes)
@@ -252,11 +259,11 @@ TEST_F(MutterInputTest, AKilledProgramsKeyIsReleased)
 {
     ChildProcess holder({FARVIEW_MONITOR_HOLDER});
     mOthers.cover("Meta-1", 1024, 600, 1, colour);
-    ASSERT_EQ(next(1), (Lines{"Meta-1 focus"}));
+    ASSERT_TRUE(hasKeyboard());
     holder.sendSignal(SIGUSR1);
-    ASSERT_EQ(next(4).size(), 4U);
+    ASSERT_TRUE(getsAmongOthers("Meta-1 key 30 down a"));
     holder.kill();
-    EXPECT_EQ(next(1), (Lines{"Meta-1 key 30 up a"}));
+    EXPECT_TRUE(getsAmongOthers("Meta-1 key 30 up a"));
 }
 
 TEST_F(MutterInputTest, AFloodEndsInTheLastPlace)
@@ -271,7 +278,7 @@ TEST_F(MutterInputTest, AFloodEndsInTheLastPlace)
     EXPECT_TRUE(waitUntil([&] {
         for (auto& line : mOthers.takeInput())
             last = line;
-        return last == "Meta-1 finger up 77,88";
+        return last == "Meta-1 finger up";
     })) << last;
 }
 
@@ -282,7 +289,7 @@ TEST_F(MutterInputTest, WithoutTheWishNothingIsPassedOn)
         waitUntil([&] { return mListener->geometry.has_value(); }, std::chrono::seconds(20)));
     EXPECT_EQ(input().abilities(), InputAbilities{});
     mOthers.cover("Meta-1", 1024, 600, 1, colour);
-    ASSERT_EQ(next(1), (Lines{"Meta-1 focus"}));
+    ASSERT_TRUE(hasKeyboard());
     input().key(30, true);
     touch(0, TouchPhase::down, 10, 10);
     runLoopFor(std::chrono::milliseconds(300));

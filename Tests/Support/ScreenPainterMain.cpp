@@ -47,6 +47,13 @@ public:
         update(area);
     }
 
+    /// Mutter 43 may lose a frame while the computer is busy: more of them come.
+    void repeat()
+    {
+        connect(&mRepeat, &QTimer::timeout, this, [this] { update(); });
+        mRepeat.start(500);
+    }
+
 protected:
     void paintEvent(QPaintEvent* event) override
     {
@@ -59,12 +66,13 @@ protected:
     {
         if (event->type() == QEvent::TouchCancel)
             return tell(QStringLiteral("cancel"));
-        const std::map<QEventPoint::State, const char*> names = {{QEventPoint::Pressed, "down"},
-                                                                 {QEventPoint::Updated, "motion"},
-                                                                 {QEventPoint::Released, "up"}};
         for (const auto& point : event->points()) {
-            if (const auto name = names.find(point.state()); name != names.end())
-                tell(QStringLiteral("finger %1").arg(name->second), point.position());
+            if (point.state() == QEventPoint::Pressed)
+                tell(QStringLiteral("finger down"), point.position());
+            else if (point.state() == QEventPoint::Updated)
+                tell(QStringLiteral("finger motion"), point.position());
+            else if (point.state() == QEventPoint::Released)
+                tell(QStringLiteral("finger up"));
         }
     }
     bool event(QEvent* event) override
@@ -119,6 +127,7 @@ private:
     QImage mImage;
     QString mName;
     std::optional<QPointF> mPointer;
+    QTimer mRepeat;
 };
 
 class Painter : public QObject
@@ -187,6 +196,7 @@ private:
                 continue;
             auto& canvas = mCanvases[screen] = std::make_unique<Canvas>(screen);
             canvas->fill({{}, screen->size()}, words.at(5).toUInt());
+            canvas->repeat();
             return true;
         }
         return false;

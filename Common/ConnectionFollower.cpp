@@ -1,5 +1,6 @@
 #include "Common/ConnectionFollower.h"
 
+#include "Common/Bonjour/DeviceState.h"
 #include "Common/FVEPreferences.h"
 #include "Common/NSString_Additions.h"
 #include "Common/PairedPeers.h"
@@ -136,6 +137,19 @@ void ConnectionFollower::leaveFurtherDevice(const std::string& hostName)
 void ConnectionFollower::followFurtherDevices(const Notification& report)
 {
     mFurtherDevices = farview::furtherDevices(report.text(kFurtherDevicesKey));
+}
+
+std::vector<FurtherDeviceRow>
+ConnectionFollower::furtherDeviceRows(const std::vector<std::shared_ptr<NetService>>& services,
+                                      const std::optional<std::string>& firstHostName,
+                                      const Localize& localized) const
+{
+    FurtherDeviceInputs inputs{.firstHostName = firstHostName, .used = mFurtherDevices};
+    for (const auto& service : services) {
+        if (const auto hostName = service->hostName())
+            inputs.inSight.push_back({*hostName, service->name(), isDeviceInUse(*service)});
+    }
+    return farview::furtherDeviceRows(inputs, localized);
 }
 
 const FurtherDevice* ConnectionFollower::furtherDevice(const std::string& hostName) const

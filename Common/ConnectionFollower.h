@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Common/FVEDistributedNotifications.h"
-#include "Common/Rules/FurtherDevices.h"
+#include "Common/Rules/FurtherDeviceRows.h"
 #include "Common/Rules/PairingReport.h"
 #include "Common/Rules/ScreenReport.h"
 #include "Platform/NetService.h"
@@ -67,6 +67,12 @@ public:
     void followFurtherDevices(const Notification& report);
     /// As the server told last; none when it has just begun.
     const std::vector<FurtherDevice>& furtherDevices() const { return mFurtherDevices; }
+    /// What the user is offered of the devices in sight, and of those used already, beside the one
+    /// that is connected: of that host, empty by address, nothing without one.
+    std::vector<FurtherDeviceRow>
+    furtherDeviceRows(const std::vector<std::shared_ptr<NetService>>& services,
+                      const std::optional<std::string>& firstHostName,
+                      const Localize& localized) const;
     /// Null when that host's device is not among them.
     const FurtherDevice* furtherDevice(const std::string& hostName) const;
 

@@ -1,9 +1,9 @@
 #include "Source/FurtherDevicesTable.h"
 
-#include "Common/Bonjour/DeviceState.h"
 #include "Common/FVEPreferences.h"
 #include "Source/FVEPreferencePane.h"
 
+#include <optional>
 #include <utility>
 
 using farview::CellValue;
@@ -13,36 +13,35 @@ using farview::TableView;
 void FurtherDevicesTable::show(bool isOn)
 {
     auto& connection = mPane.connection();
-    const auto inWords = [this](const std::string& text) { return mPane.localized(text); };
     const bool takesInput = isOn && FVEPreferences::sharedAppPrefs().enableTouchDisplay();
-    Rows rows = isOn ? furtherDeviceRows(inputs(), inWords) : Rows();
+    Rows rows = isOn ? rowsOnShow() : Rows();
     for (auto& row : rows) {
         if (takesInput && !row.key.empty())
             row.mayType = connection.mayType(row.key);
     }
     showRows(std::move(rows));
     showTypingOfFirst(takesInput && !connection.deviceKey().empty());
-    const auto text = isOn ? typingText(mPane.connectedName().value_or(""), connection.screen(),
-                                        connection.furtherDevices(), inWords)
-                           : std::string();
-    mPane.typingLabel()->setStringValue(text);
-    mPane.typingLabel()->setHidden(text.empty());
+    showWhoTypes(isOn);
 }
 
-farview::FurtherDeviceInputs FurtherDevicesTable::inputs() const
+FurtherDevicesTable::Rows FurtherDevicesTable::rowsOnShow() const
 {
-    farview::FurtherDeviceInputs inputs;
-    for (const auto& service : mPane.listedServices()) {
-        if (const auto hostName = service->hostName())
-            inputs.inSight.push_back(
-                {*hostName, service->name(), farview::isDeviceInUse(*service)});
-    }
-    const auto& first = mPane.selectedNetService();
-    inputs.isConnected = first || mPane.connectedToOtherDevice();
-    if (first)
-        inputs.firstHostName = first->hostName().value_or(std::string{});
-    inputs.used = mPane.connection().furtherDevices();
-    return inputs;
+    std::optional<std::string> first;
+    if (mPane.selectedNetService() || mPane.connectedToOtherDevice())
+        first = mPane.selectedNetService() ? mPane.selectedNetService()->hostName().value_or("")
+                                           : std::string();
+    return mPane.connection().furtherDeviceRows(
+        mPane.listedServices(), first, [this](const auto& text) { return mPane.localized(text); });
+}
+
+void FurtherDevicesTable::showWhoTypes(bool isOn)
+{
+    auto& connection = mPane.connection();
+    const auto lines = typingLines(mPane.connectedName().value_or(""), connection.screen(),
+                                   connection.furtherDevices(),
+                                   [this](const auto& text) { return mPane.localized(text); });
+    mPane.typingLabel()->setStringValue(farview::joinedLines(lines));
+    mPane.typingLabel()->setHidden(!isOn || lines.empty());
 }
 
 void FurtherDevicesTable::showRows(Rows rows)

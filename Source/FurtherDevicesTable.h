@@ -36,9 +36,10 @@ public:
 private:
     using Rows = std::vector<farview::FurtherDeviceRow>;
 
-    farview::FurtherDeviceInputs inputs() const;
+    Rows rowsOnShow() const;
     void showRows(Rows rows);
     void showTypingOfFirst(bool mayBeAsked);
+    void showWhoTypes(bool isOn);
     /// Null when there is no such row.
     const farview::FurtherDeviceRow* rowAt(int row) const;
 

@@ -4,7 +4,6 @@
 #include "Common/ConnectionFollower.h"
 #include "Common/FVEPreferences.h"
 #include "Common/Rules/DeviceMenu.h"
-#include "Common/Rules/FurtherDeviceRows.h"
 #include "Common/Rules/StatusIcon.h"
 #include "Controls/Menu.h"
 #include "Controls/OperationTable.h"
@@ -17,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace farview
 {
@@ -111,8 +111,8 @@ private:
     std::shared_ptr<MenuItem> deviceItem(const MenuEntry& entry, bool on);
     DeviceMenuInputs deviceMenuInputs();
     void addFurtherDevices(Menu& menu, bool on);
-    FurtherDeviceInputs furtherDeviceInputs() const;
-    std::string typing(bool on) const;
+    std::vector<FurtherDeviceRow> furtherRows() const;
+    std::vector<std::string> typing() const;
     bool isInForce(const MenuEntry& entry) const;
     std::string deviceName() const;
     std::shared_ptr<MenuItem> addItem(Menu& menu, const char* title, Selector action);

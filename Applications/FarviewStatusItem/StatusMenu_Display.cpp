@@ -7,7 +7,7 @@
 #include "Common/Rules/ScreenTexts.h"
 #include "Common/Rules/StatusDisplay.h"
 
-#include <sstream>
+#include <vector>
 
 namespace farview
 {
@@ -19,13 +19,6 @@ void addInertLine(Menu& menu, const std::string& title)
     auto item = std::make_shared<MenuItem>();
     item->title = title;
     menu.insertItem(item, menu.numberOfItems());
-}
-
-void addInertLines(Menu& menu, const std::string& text)
-{
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);)
-        addInertLine(menu, line);
 }
 
 void addSeparator(Menu& menu) { addInertLine(menu, {}); }
@@ -49,12 +42,14 @@ StatusItemDisplay StatusMenu::makeDisplay()
     const bool failed = mConnectFailed || isFailure(mConnection.pairing().state);
     display.icon = statusIcon({mDriverInstalled, state, isConnected(), failed, isAsked()});
     display.headline = headline(display.icon);
-    const std::string whoTypes = typing(on);
-    display.sentence = whoTypes.empty() || isAsked() ? sentence(state) : whoTypes;
+    const auto whoTypes = on ? typing() : std::vector<std::string>();
+    display.sentence = whoTypes.empty() || isAsked() ? sentence(state) : joinedLines(whoTypes);
     auto menu = std::make_shared<Menu>();
     addInertLine(*menu, display.headline);
-    addInertLines(*menu, detail());
-    addInertLines(*menu, whoTypes);
+    if (const auto text = detail(); !text.empty())
+        addInertLine(*menu, text);
+    for (const auto& line : whoTypes)
+        addInertLine(*menu, line);
     addAnswers(*menu);
     if (mDriverInstalled)
         addItem(*menu, on ? "Turn Farview Off" : "Turn Farview On",
@@ -172,7 +167,7 @@ DeviceMenuInputs StatusMenu::deviceMenuInputs()
 void StatusMenu::addFurtherDevices(Menu& menu, bool on)
 {
     auto devices = std::make_shared<Menu>();
-    for (const auto& row : furtherDeviceRows(furtherDeviceInputs(), localize())) {
+    for (const auto& row : furtherRows()) {
         const auto item = addItem(*devices, "", {"alsoUse:"});
         item->title = row.state.empty()
                           ? row.name
@@ -186,24 +181,16 @@ void StatusMenu::addFurtherDevices(Menu& menu, bool on)
     menu.items().back()->submenu = devices;
 }
 
-FurtherDeviceInputs StatusMenu::furtherDeviceInputs() const
+std::vector<FurtherDeviceRow> StatusMenu::furtherRows() const
 {
-    FurtherDeviceInputs inputs;
-    for (const auto& service : mBrowser->activeServiceList()) {
-        if (const auto hostName = service->hostName())
-            inputs.inSight.push_back({*hostName, service->name(), isDeviceInUse(*service)});
-    }
-    inputs.isConnected = isConnected();
-    inputs.firstHostName = mReportedHostName;
-    inputs.used = mConnection.furtherDevices();
-    return inputs;
+    const auto first = isConnected() ? std::optional(mReportedHostName) : std::nullopt;
+    return mConnection.furtherDeviceRows(mBrowser->activeServiceList(), first, localize());
 }
 
-std::string StatusMenu::typing(bool on) const
+std::vector<std::string> StatusMenu::typing() const
 {
-    return on ? typingText(deviceName(), mConnection.screen(), mConnection.furtherDevices(),
-                           localize())
-              : std::string();
+    return typingLines(deviceName(), mConnection.screen(), mConnection.furtherDevices(),
+                       localize());
 }
 
 std::shared_ptr<MenuItem> StatusMenu::deviceItem(const MenuEntry& entry, bool on)

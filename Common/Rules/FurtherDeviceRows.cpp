@@ -50,7 +50,7 @@ std::vector<FurtherDeviceRow> furtherDeviceRows(const FurtherDeviceInputs& input
     for (const auto& seen : inputs.inSight) {
         if (const auto* device = deviceOf(inputs.used, seen.hostName))
             rows.push_back(usedRow(*device, localized));
-        else if (inputs.isConnected && !seen.busy && seen.hostName != inputs.firstHostName)
+        else if (inputs.firstHostName && !seen.busy && seen.hostName != *inputs.firstHostName)
             rows.push_back({seen.hostName, seen.name});
     }
     for (const auto& device : inputs.used) {
@@ -60,12 +60,14 @@ std::vector<FurtherDeviceRow> furtherDeviceRows(const FurtherDeviceInputs& input
     return rows;
 }
 
-std::string typingText(const std::string& firstName, const std::optional<ScreenReport>& screen,
-                       const std::vector<FurtherDevice>& used, const Localize& localized)
+std::vector<std::string> typingLines(const std::string& firstName,
+                                     const std::optional<ScreenReport>& screen,
+                                     const std::vector<FurtherDevice>& used,
+                                     const Localize& localized)
 {
-    std::string text;
+    std::vector<std::string> lines;
     const auto add = [&](const std::string& name) {
-        text += (text.empty() ? "" : "\n") + filledText(localized("%@ is typing"), name);
+        lines.push_back(filledText(localized("%@ is typing"), name));
     };
     if (screen && screen->isTyping)
         add(firstName);
@@ -73,6 +75,14 @@ std::string typingText(const std::string& firstName, const std::optional<ScreenR
         if (device.screen.isTyping)
             add(device.name);
     }
+    return lines;
+}
+
+std::string joinedLines(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const auto& line : lines)
+        text += (text.empty() ? "" : "\n") + line;
     return text;
 }
 

@@ -34,8 +34,8 @@ struct FurtherDeviceInputs {
     };
 
     std::vector<Seen> inSight = {};
-    bool isConnected = false;             ///< to the first device, beside which others may be used
-    std::string firstHostName = {};       ///< of that device; empty by address
+    /// Of the device beside which others may be used: empty by address, nothing without one.
+    std::optional<std::string> firstHostName = std::nullopt;
     std::vector<FurtherDevice> used = {}; ///< as the server tells
 };
 
@@ -46,7 +46,12 @@ std::vector<FurtherDeviceRow> furtherDeviceRows(const FurtherDeviceInputs& input
 
 /// Who uses the keyboard of a device here, a line for each: first the device of that name, if its
 /// report says so, then the further ones. Empty when nobody does.
-std::string typingText(const std::string& firstName, const std::optional<ScreenReport>& screen,
-                       const std::vector<FurtherDevice>& used, const Localize& localized);
+std::vector<std::string> typingLines(const std::string& firstName,
+                                     const std::optional<ScreenReport>& screen,
+                                     const std::vector<FurtherDevice>& used,
+                                     const Localize& localized);
+
+/// The lines as one text.
+std::string joinedLines(const std::vector<std::string>& lines);
 
 } // namespace farview

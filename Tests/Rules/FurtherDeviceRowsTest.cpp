@@ -24,7 +24,6 @@ ScreenReport shownScreen(bool isTyping = false)
 FurtherDeviceInputs connectedToPad()
 {
     return {.inSight = {{"pad.local", "Pad", true}, {"slab.local", "Slab"}, {"desk.local", "Desk"}},
-            .isConnected = true,
             .firstHostName = "pad.local"};
 }
 
@@ -45,7 +44,7 @@ TEST(FurtherDeviceRows, AreTheFreeDevicesInSightButForTheFirst)
 TEST(FurtherDeviceRows, AreNotThereWhileNoDeviceIsChosenUnlessTheyAreUsed)
 {
     auto inputs = connectedToPad();
-    inputs.isConnected = false;
+    inputs.firstHostName.reset();
     EXPECT_TRUE(furtherRows(inputs).empty());
     inputs.used = {{"slab.local", "Slab", DeviceIs::connecting}};
     EXPECT_EQ(furtherRows(inputs), (DeviceRows{{"slab.local", "Slab", true, "Connecting…"}}));
@@ -54,7 +53,7 @@ TEST(FurtherDeviceRows, AreNotThereWhileNoDeviceIsChosenUnlessTheyAreUsed)
 TEST(FurtherDeviceRows, BesideADeviceByAddressEveryFreeOneIsOffered)
 {
     auto inputs = connectedToPad();
-    inputs.firstHostName.clear();
+    inputs.firstHostName = "";
     EXPECT_EQ(furtherRows(inputs).size(), 2u);
 }
 
@@ -93,16 +92,21 @@ TEST(FurtherDeviceRows, TellWhatBecameOfTheDevice)
         EXPECT_EQ(furtherRows({.used = {each.device}}), DeviceRows{each.row}) << each.row.state;
 }
 
-TEST(TypingText, NamesWhoTypesAndNobodyElse)
+TEST(TypingLines, NameWhoTypesAndNobodyElse)
 {
     const FurtherDevice slab{"slab.local", "Slab", DeviceIs::connected, shownScreen(true)};
     const FurtherDevice desk{"desk.local", "Desk", DeviceIs::connected, shownScreen()};
-    EXPECT_EQ(typingText("Pad", std::nullopt, {}, untranslated), "");
-    EXPECT_EQ(typingText("Pad", shownScreen(), {desk}, untranslated), "");
-    EXPECT_EQ(typingText("Pad", shownScreen(true), {desk}, untranslated), "Pad is typing");
-    EXPECT_EQ(typingText("Pad", shownScreen(true), {desk, slab}, untranslated),
+    const auto text = [](const auto& name, const auto& screen, const auto& used) {
+        return joinedLines(typingLines(name, screen, used, untranslated));
+    };
+    using Report = std::optional<ScreenReport>;
+    using Used = std::vector<FurtherDevice>;
+    EXPECT_EQ(text("Pad", Report(), Used{}), "");
+    EXPECT_EQ(text("Pad", Report(shownScreen()), Used{desk}), "");
+    EXPECT_EQ(text("Pad", Report(shownScreen(true)), Used{desk}), "Pad is typing");
+    EXPECT_EQ(text("Pad", Report(shownScreen(true)), Used{desk, slab}),
               "Pad is typing\nSlab is typing");
-    EXPECT_EQ(typingText("", std::nullopt, {slab}, untranslated), "Slab is typing");
+    EXPECT_EQ(text("", Report(), Used{slab}), "Slab is typing");
 }
 
 } // namespace

@@ -181,7 +181,9 @@ std::vector<FurtherDevice> FurtherConnections::list() const
             state = FurtherDevice::State::failed;
         else if (further.connection->isConnected())
             state = FurtherDevice::State::connected;
-        devices.push_back({further.hostName, further.name, state, further.connection->screen()});
+        const auto& connection = *further.connection;
+        devices.push_back({further.hostName, further.name, state, connection.screen(),
+                           connection.isConnected() ? connection.device().key : std::string{}});
     }
     return devices;
 }

@@ -119,8 +119,10 @@ TEST_F(SeveralDevices, AreConnectedBesideEachOther)
     connectDesk();
     request(kAlsoConnectToHost, "Sofa.local");
     EXPECT_THAT(toldStates(), ElementsAre(std::pair("Sofa", Further::connecting)));
+    EXPECT_EQ(told().front().key, "");
     accept(sofa());
     EXPECT_THAT(toldStates(), ElementsAre(std::pair("Sofa", Further::connected)));
+    EXPECT_EQ(told().front().key, sofa().key);
     EXPECT_EQ(center.countOf(kServerDisconnectedFromDevice), 0) << "the first one stays";
     EXPECT_EQ(center.countOf(kServerConnectedToDevice), 0) << "that tells of the first one only";
 }

@@ -62,6 +62,11 @@ void MonitorThread::place(PixelPoint corner)
     mOrders->wish([=](auto& wishes) { wishes.place = corner; });
 }
 
+void MonitorThread::setKeepsWindows(bool flag)
+{
+    mOrders->wish([=](auto& wishes) { wishes.keepsWindows = flag; });
+}
+
 void MonitorThread::run()
 {
     std::optional<ScreenObstacle> end;
@@ -70,6 +75,7 @@ void MonitorThread::run()
         const auto watcher = startMonitorWatcher(mWatcher);
         const auto tidy = [](RandrServer& server) {
             undoAbandonedMonitor(server);
+            WindowKeeper(server, {}, true).takeAbandonedBack();
             return std::optional<ScreenObstacle>();
         };
         converse(tidy);
@@ -102,11 +108,22 @@ std::optional<ScreenObstacle> MonitorThread::show(RandrServer& server)
         return obstacle;
     if (!becomeOwner(server))
         return ScreenObstacle::inUse;
+    WindowKeeper windows(server, mWish.name, mWish.keepsWindows);
+    mCanKeepWindows = windows.isPossible();
+    const auto end = show(server, windows);
+    windows.settle();
+    return end;
+}
+
+std::optional<ScreenObstacle> MonitorThread::show(RandrServer& server, WindowKeeper& windows)
+{
     const Undoing scope(server);
     VirtualMonitor monitor(server);
     if (const auto obstacle = monitor.make(mWish.width, mWish.height))
         return obstacle;
-    return ShownMonitor(server, monitor, *mScreen, *mOrders, mTell).run();
+    const auto end = ShownMonitor(server, monitor, windows, *mScreen, *mOrders, mTell).run();
+    windows.takeBack();
+    return end;
 }
 
 std::optional<ScreenObstacle> obstacleTo(const RandrServer& server)

@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 
 #include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
+#include "Platform/Desktop/Screens/X11/WindowKeeper.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -75,7 +76,10 @@ bool watchMonitor()
     // The server notices the end of a program at its own time.
     for (int look = 0; look < 1000 && server.isUsable() && hasOwner(server); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    return undoAbandonedMonitor(server);
+    const bool isUndone = undoAbandonedMonitor(server);
+    if (server.isUsable())
+        WindowKeeper(server, {}, true).takeAbandonedBack();
+    return isUndone;
 }
 
 } // namespace farview

@@ -15,14 +15,6 @@ namespace
 /// Nobody has names longer than that.
 constexpr std::uint32_t longestName = 64; // in words of four bytes
 
-xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name)
-{
-    const auto cookie =
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const XReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : 0;
-}
-
 /// The bytes of a property; empty when there is none of that width.
 std::string property(xcb_connection_t* connection, xcb_window_t window, std::string_view name,
                      int width)

@@ -34,8 +34,11 @@ public:
     ScreenSource& frames() override { return mThread.screen(); }
     CursorSource& cursor() override { return mThread.screen(); }
     InputSink& input() override { return mInput; }
-    void setKeepsWindows(bool) override {}
-    WindowKeeping windowKeeping() const override { return WindowKeeping::nobody; }
+    void setKeepsWindows(bool flag) override { mThread.setKeepsWindows(flag); }
+    WindowKeeping windowKeeping() const override
+    {
+        return mThread.canKeepWindows() ? WindowKeeping::byFarview : WindowKeeping::nobody;
+    }
 
 private:
     /// The target of everything that is posted: nothing is told after the object's end.

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <string_view>
 
 namespace farview
 {
@@ -89,6 +90,9 @@ public:
 private:
     sigset_t mBefore{};
 };
+
+/// The server's number for a name; 0 when it has gone.
+xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name);
 
 /// The first screen; null when the server has gone or described none.
 const xcb_screen_t* screenOf(xcb_connection_t* connection);

@@ -1,0 +1,307 @@
+#include "Platform/Desktop/Screens/X11/WindowKeeper.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+namespace farview
+{
+namespace
+{
+
+using std::chrono::milliseconds;
+
+/// Between two looks: dragging a window changes it all the time.
+constexpr milliseconds pause{200};
+/// For a window manager that is busy with the new monitor.
+constexpr int mostTries = 10;
+/// What it takes a window manager at most, unless it refuses.
+constexpr milliseconds stretchLimit{50};
+constexpr milliseconds moveLimit{80};
+
+WindowStand standOf(const DesktopWindow& window, const PixelRect& normalBefore)
+{
+    return {window.area, window.stretch.isAny() ? normalBefore : window.area, window.stretch};
+}
+
+bool isOnAny(const PixelRect& window, const std::vector<PixelRect>& screens)
+{
+    return std::any_of(screens.begin(), screens.end(),
+                       [&](const auto& screen) { return isOn(window, screen); });
+}
+
+bool isInSight(const DesktopWindow& window, const std::vector<PixelRect>& screens)
+{
+    const auto outside = window.outside();
+    if (window.stretch.isAny())
+        return isOnAny(outside, screens);
+    return std::any_of(screens.begin(), screens.end(),
+                       [&](const auto& screen) { return isWhollyOn(outside, screen); });
+}
+
+/// Whether it is where it was before the monitor came: not there as its guest.
+bool hasStayed(const WindowNote& note) { return note.home && note.home->area == note.there.area; }
+
+/// Most of it was on another screen.
+bool onlyReachedIn(const WindowNote& note) { return !isOn(note.there.area, note.monitorArea); }
+
+} // namespace
+
+WindowKeeper::WindowKeeper(RandrServer& server, const std::string& monitorName, bool keeps)
+    : mDesktop(server), mNumber(mDesktop.numberOf(monitorName)), mKeeps(keeps)
+{
+    for (const auto& window : mDesktop.windows()) {
+        const auto& note = window.note;
+        const bool hasHome = note && note->home;
+        mHomes[window.id] = standOf(window, hasHome ? note->home->normal : PixelRect{});
+        if (mKeeps && hasHome && note->isKept && !note->isThere && note->monitor == mNumber &&
+            note->home->area == window.area)
+            mReturning[window.id] = *note;
+    }
+}
+
+void WindowKeeper::keep(bool flag)
+{
+    mKeeps = flag;
+    windowsChanged();
+}
+
+void WindowKeeper::setMonitor(const PixelRect& area)
+{
+    const auto before = std::exchange(mMonitor, area);
+    for (const auto& window : mDesktop.windows()) {
+        const auto& note = window.note;
+        if (note && note->isThere && note->monitor == mNumber && note->monitorArea == before &&
+            !onlyReachedIn(*note) && !isWhollyOn(window.outside(), area))
+            mReturning[window.id] = *note;
+    }
+    mTriesLeft = mostTries;
+    windowsChanged();
+}
+
+void WindowKeeper::windowsChanged()
+{
+    if (!mDue)
+        mDue = Clock::now() + pause;
+}
+
+int WindowKeeper::millisecondsLeft() const
+{
+    const auto left = std::chrono::ceil<milliseconds>(mDue.value_or(Clock::now()) - Clock::now());
+    return static_cast<int>(std::max<std::int64_t>(0, left.count()));
+}
+
+void WindowKeeper::look()
+{
+    if (!mDue || Clock::now() < *mDue)
+        return;
+    mDue.reset();
+    see();
+    bringToMonitor();
+}
+
+void WindowKeeper::see()
+{
+    const bool isHeld = mDesktop.isButtonHeld();
+    const auto windows = mDesktop.windows();
+    for (const auto& window : windows) {
+        if (overlap(window.outside(), mMonitor))
+            note(window);
+        else if (!mReturning.contains(window.id))
+            leave(window, isHeld);
+    }
+    std::erase_if(mHomes, [&](const auto& home) {
+        return std::none_of(windows.begin(), windows.end(),
+                            [&](const auto& window) { return window.id == home.first; });
+    });
+    // Its release is no event that we hear.
+    if (isHeld)
+        windowsChanged();
+}
+
+/// Writes on a window of the monitor where it came from.
+void WindowKeeper::note(const DesktopWindow& window)
+{
+    const bool isKnown = window.note && window.note->isThere && window.note->monitor == mNumber;
+    const auto normal = isKnown ? window.note->there.normal : PixelRect{};
+    const auto home = mHomes.find(window.id);
+    WindowNote note{mNumber, true, mKeeps, mMonitor, standOf(window, normal)};
+    if (mKeeps && home != mHomes.end())
+        note.home = home->second;
+    note.isKept = mKeeps && !hasStayed(note) && !onlyReachedIn(note);
+    if (note != window.note)
+        mDesktop.writeNote(window.id, note);
+}
+
+/// A window that is elsewhere is at home there, unless the user is just dragging it.
+void WindowKeeper::leave(const DesktopWindow& window, bool isHeld)
+{
+    const auto before = mHomes.find(window.id);
+    if (before == mHomes.end() || !isHeld)
+        mHomes[window.id] =
+            standOf(window, before == mHomes.end() ? PixelRect{} : before->second.normal);
+    if (window.note && window.note->isThere && window.note->monitor == mNumber)
+        mDesktop.removeNote(window.id);
+}
+
+/// Again and again, until the window manager knows the monitor.
+void WindowKeeper::bringToMonitor()
+{
+    if (mReturning.empty() || mDesktop.isButtonHeld())
+        return;
+    Stretches stretches;
+    for (const auto& [window, note] : mReturning)
+        stretches[window] = note.there.stretch;
+    moveAll(stretches, [this](const auto& window) {
+        return placeOnMonitor(window.area, window.frame, mReturning[window.id], mMonitor);
+    });
+    for (const auto& window : among(stretches)) {
+        if (isOn(window.outside(), mMonitor))
+            mReturning.erase(window.id);
+    }
+    if (--mTriesLeft <= 0)
+        mReturning.clear();
+    windowsChanged();
+}
+
+void WindowKeeper::takeBack()
+{
+    if (mMonitor == PixelRect{})
+        return;
+    see();
+    for (const auto& window : mDesktop.windows()) {
+        if (window.note && window.note->isThere && window.note->monitor == mNumber)
+            mGuests[window.id] = *window.note;
+    }
+    if (mKeeps)
+        moveGuestsBack();
+}
+
+void WindowKeeper::takeAbandonedBack()
+{
+    const auto screens = mDesktop.screens();
+    for (const auto& window : mDesktop.windows()) {
+        if (window.note && window.note->isThere && !isOnAny(window.note->monitorArea, screens))
+            mGuests[window.id] = *window.note;
+    }
+    moveGuestsBack();
+    settle();
+}
+
+void WindowKeeper::moveGuestsBack()
+{
+    auto screens = mDesktop.screens();
+    std::erase_if(screens, [this](const auto& screen) { return overlap(screen, mMonitor); });
+    Stretches stretches;
+    for (const auto& [window, note] : mGuests) {
+        const bool isToStay =
+            hasStayed(note) || (onlyReachedIn(note) && note.there.stretch.isAny());
+        if (!isToStay && !screens.empty())
+            stretches[window] =
+                note.home && !onlyReachedIn(note) ? note.home->stretch : note.there.stretch;
+    }
+    moveAll(stretches, [&](const auto& window) { return placeOfGuest(window, screens); });
+}
+
+WindowPlace WindowKeeper::placeOfGuest(const DesktopWindow& window,
+                                       const std::vector<PixelRect>& screens)
+{
+    auto& note = mGuests[window.id];
+    const auto nearest = std::find_if(screens.begin(), screens.end(), [&](const auto& screen) {
+        return isOn(window.area, screen);
+    });
+    if (onlyReachedIn(note) && nearest != screens.end())
+        return {broughtIntoSight(window.area, window.frame, *nearest), *nearest};
+    if (isOn(window.area, note.monitorArea))
+        note.there.normal = window.area;
+    return placeBack(window.area, window.frame, note.home, screens);
+}
+
+void WindowKeeper::settle()
+{
+    const auto screens = mDesktop.screens();
+    if (!mGuests.empty() && !screens.empty())
+        bringIntoSight(screens);
+    writeLastNotes();
+}
+
+/// After the window manager had its own way.
+void WindowKeeper::bringIntoSight(const std::vector<PixelRect>& screens)
+{
+    const auto isAtRest = [&](const DesktopWindow& window) {
+        const auto& note = mGuests[window.id];
+        return hasStayed(note) || (onlyReachedIn(note) && isOnAny(window.area, screens)) ||
+               (note.home && note.home->area == window.area) || isInSight(window, screens);
+    };
+    Stretches guests;
+    for (const auto& [window, note] : mGuests)
+        guests[window] = note.there.stretch;
+    waitFor(guests, moveLimit, isAtRest);
+    Stretches lost;
+    for (const auto& window : among(guests)) {
+        if (!isAtRest(window))
+            lost[window.id] = window.stretch;
+    }
+    moveAll(lost, [&](const auto& window) {
+        return placeBack(window.area, window.frame, std::nullopt, screens);
+    });
+}
+
+/// Where the guests are now is where they must be found by a monitor that returns.
+void WindowKeeper::writeLastNotes()
+{
+    for (const auto& window : mDesktop.windows()) {
+        const auto guest = mGuests.find(window.id);
+        if (guest == mGuests.end())
+            continue;
+        auto& note = guest->second;
+        note.isThere = false;
+        note.home = standOf(window, note.home ? note.home->normal : PixelRect{});
+        if (note.isKept)
+            mDesktop.writeNote(window.id, note);
+        else
+            mDesktop.removeNote(window.id);
+    }
+    mGuests.clear();
+}
+
+/// Each to its place, then stretched as told. No window manager moves a window that is stretched.
+void WindowKeeper::moveAll(const Stretches& windows, const Plan& plan)
+{
+    if (windows.empty())
+        return;
+    for (const auto& window : among(windows))
+        mDesktop.stretch(window.id, window.stretch, false);
+    waitFor(windows, stretchLimit, [](const auto& window) { return !window.stretch.isAny(); });
+    std::map<xcb_window_t, WindowPlace> places;
+    for (const auto& window : among(windows)) {
+        places[window.id] = plan(window);
+        mDesktop.move(window.id, places[window.id].area);
+    }
+    waitFor(windows, moveLimit,
+            [&](const auto& window) { return window.area == places[window.id].area; });
+    for (const auto& window : among(windows)) {
+        if (isOn(window.outside(), places[window.id].screen))
+            mDesktop.stretch(window.id, windows.at(window.id), true);
+    }
+}
+
+/// Those that have not vanished.
+std::vector<DesktopWindow> WindowKeeper::among(const Stretches& windows)
+{
+    auto found = mDesktop.windows();
+    std::erase_if(found, [&](const auto& window) { return !windows.contains(window.id); });
+    return found;
+}
+
+void WindowKeeper::waitFor(const Stretches& windows, milliseconds limit, const Check& check)
+{
+    for (const auto end = Clock::now() + limit; Clock::now() < end;) {
+        const auto found = among(windows);
+        if (std::all_of(found.begin(), found.end(), check))
+            return;
+        std::this_thread::sleep_for(milliseconds(5));
+    }
+}
+
+} // namespace farview

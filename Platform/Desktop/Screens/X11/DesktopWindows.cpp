@@ -214,6 +214,12 @@ void DesktopWindows::removeNote(xcb_window_t window)
     xcb_delete_property(mServer.connection(), window, atom(noteName));
 }
 
+void DesktopWindows::finish()
+{
+    // Any question does.
+    isButtonHeld();
+}
+
 xcb_atom_t DesktopWindows::atom(const std::string& name)
 {
     const auto known = mAtoms.find(name);

@@ -43,6 +43,9 @@ public:
     /// A note lives as long as its window, also over our death.
     void writeNote(xcb_window_t window, const WindowNote& note);
     void removeNote(xcb_window_t window);
+    /// Waits until the server has all this: it may overlook what came just before the end of a
+    /// connection.
+    void finish();
 
 private:
     struct Questions;

@@ -263,6 +263,7 @@ void WindowKeeper::writeLastNotes()
             mDesktop.removeNote(window.id);
     }
     mGuests.clear();
+    mDesktop.finish();
 }
 
 /// Each to its place, then stretched as told. No window manager moves a window that is stretched.

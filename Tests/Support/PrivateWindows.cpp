@@ -184,9 +184,12 @@ void ProgramWindows::place(xcb_window_t window, const Area& area)
           number(area.height)});
 }
 
-void ProgramWindows::setState(xcb_window_t window, const std::string& state, bool flag)
+void ProgramWindows::setStates(xcb_window_t window, const States& states, bool flag)
 {
-    send(window, "_NET_WM_STATE", {flag ? 1U : 0U, atom("_NET_WM_STATE_" + state), 0, 2});
+    const auto second = std::next(states.begin());
+    send(window, "_NET_WM_STATE",
+         {flag ? 1U : 0U, atom("_NET_WM_STATE_" + *states.begin()),
+          second == states.end() ? 0 : atom("_NET_WM_STATE_" + *second), 2});
 }
 
 void ProgramWindows::minimise(xcb_window_t window)

@@ -65,7 +65,8 @@ public:
 
     /// What its user has the window manager do.
     void place(xcb_window_t window, const Area& area);
-    void setState(xcb_window_t window, const std::string& state, bool flag = true);
+    /// One or two of them.
+    void setStates(xcb_window_t window, const States& states, bool flag = true);
     void minimise(xcb_window_t window);
     void sendToWorkspace(xcb_window_t window, std::uint32_t number);
     void pressButton(bool flag);

@@ -192,13 +192,14 @@ void DesktopWindows::move(xcb_window_t window, const PixelRect& area)
 
 void DesktopWindows::stretch(xcb_window_t window, const WindowStretch& stretch, bool flag)
 {
-    const auto set = [&](bool isMeant, const char* state) {
-        if (isMeant)
-            send(window, "_NET_WM_STATE", {flag ? 1U : 0U, atom(state), 0, fromAPager});
+    const auto set = [&](std::uint32_t first, std::uint32_t second) {
+        if (first != 0 || second != 0)
+            send(window, "_NET_WM_STATE", {flag ? 1U : 0U, first, second, fromAPager});
     };
-    set(stretch.isWide, "_NET_WM_STATE_MAXIMIZED_HORZ");
-    set(stretch.isHigh, "_NET_WM_STATE_MAXIMIZED_VERT");
-    set(stretch.isFull, "_NET_WM_STATE_FULLSCREEN");
+    // Both at once: Xfwm forgets the first of two that come one after the other.
+    set(stretch.isWide ? atom("_NET_WM_STATE_MAXIMIZED_HORZ") : 0,
+        stretch.isHigh ? atom("_NET_WM_STATE_MAXIMIZED_VERT") : 0);
+    set(stretch.isFull ? atom("_NET_WM_STATE_FULLSCREEN") : 0, 0);
 }
 
 void DesktopWindows::writeNote(xcb_window_t window, const WindowNote& note)

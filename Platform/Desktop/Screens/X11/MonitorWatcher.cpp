@@ -77,8 +77,10 @@ bool watchMonitor()
     for (int look = 0; look < 1000 && server.isUsable() && hasOwner(server); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     const bool isUndone = undoAbandonedMonitor(server);
-    if (server.isUsable())
-        WindowKeeper(server, {}, true).takeAbandonedBack();
+    WindowKeeper windows(server, {}, true);
+    // A window manager that is slow moves windows long after the monitor went.
+    for (int look = 0; look < 10 && windows.takeAbandonedBack(); ++look)
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
     return isUndone;
 }
 

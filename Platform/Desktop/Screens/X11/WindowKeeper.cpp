@@ -45,6 +45,14 @@ bool hasStayed(const WindowNote& note) { return note.home && note.home->area == 
 /// Most of it was on another screen.
 bool onlyReachedIn(const WindowNote& note) { return !isOn(note.there.area, note.monitorArea); }
 
+/// Window managers stretch a window a little differently each time, or not at once.
+bool isWhereItWas(const DesktopWindow& window, const WindowStand& before)
+{
+    return window.stretch == before.stretch &&
+           (window.area == before.area ||
+            (window.stretch.isAny() && isOn(window.area, before.area)));
+}
+
 } // namespace
 
 WindowKeeper::WindowKeeper(RandrServer& server, const std::string& monitorName, bool keeps)
@@ -55,7 +63,7 @@ WindowKeeper::WindowKeeper(RandrServer& server, const std::string& monitorName, 
         const bool hasHome = note && note->home;
         mHomes[window.id] = standOf(window, hasHome ? note->home->normal : PixelRect{});
         if (mKeeps && hasHome && note->isKept && !note->isThere && note->monitor == mNumber &&
-            note->home->area == window.area)
+            isWhereItWas(window, *note->home))
             mReturning[window.id] = *note;
     }
 }
@@ -68,11 +76,10 @@ void WindowKeeper::keep(bool flag)
 
 void WindowKeeper::setMonitor(const PixelRect& area)
 {
-    const auto before = std::exchange(mMonitor, area);
+    mMonitor = area;
     for (const auto& window : mDesktop.windows()) {
         const auto& note = window.note;
-        if (note && note->isThere && note->monitor == mNumber && note->monitorArea == before &&
-            !onlyReachedIn(*note) && !isWhollyOn(window.outside(), area))
+        if (note && note->isThere && note->monitor == mNumber && !onlyReachedIn(*note))
             mReturning[window.id] = *note;
     }
     mTriesLeft = mostTries;
@@ -105,9 +112,11 @@ void WindowKeeper::see()
     const bool isHeld = mDesktop.isButtonHeld();
     const auto windows = mDesktop.windows();
     for (const auto& window : windows) {
+        if (mReturning.contains(window.id))
+            continue;
         if (overlap(window.outside(), mMonitor))
             note(window);
-        else if (!mReturning.contains(window.id))
+        else
             leave(window, isHeld);
     }
     std::erase_if(mHomes, [&](const auto& home) {
@@ -152,10 +161,15 @@ void WindowKeeper::bringToMonitor()
     Stretches stretches;
     for (const auto& [window, note] : mReturning)
         stretches[window] = note.there.stretch;
+    for (const auto& window : among(stretches)) {
+        // Most window managers keep windows on a monitor that has another size.
+        if (mReturning[window.id].isThere && isWhollyOn(window.outside(), mMonitor))
+            stretches.erase(window.id);
+    }
     moveAll(stretches, [this](const auto& window) {
         return placeOnMonitor(window.area, window.frame, mReturning[window.id], mMonitor);
     });
-    for (const auto& window : among(stretches)) {
+    for (const auto& window : mDesktop.windows()) {
         if (isOn(window.outside(), mMonitor))
             mReturning.erase(window.id);
     }
@@ -168,6 +182,7 @@ void WindowKeeper::takeBack()
 {
     if (mMonitor == PixelRect{})
         return;
+    mReturning.clear();
     see();
     for (const auto& window : mDesktop.windows()) {
         if (window.note && window.note->isThere && window.note->monitor == mNumber)
@@ -177,15 +192,23 @@ void WindowKeeper::takeBack()
         moveGuestsBack();
 }
 
-void WindowKeeper::takeAbandonedBack()
+bool WindowKeeper::takeAbandonedBack()
 {
     const auto screens = mDesktop.screens();
+    bool areThereNotes = false;
     for (const auto& window : mDesktop.windows()) {
-        if (window.note && window.note->isThere && !isOnAny(window.note->monitorArea, screens))
+        if (!window.note)
+            continue;
+        areThereNotes = true;
+        const bool isAbandoned =
+            window.note->isThere && !isOnAny(window.note->monitorArea, screens);
+        const bool isLost = !window.note->isThere && !isOnAny(window.outside(), screens);
+        if (isAbandoned || isLost)
             mGuests[window.id] = *window.note;
     }
     moveGuestsBack();
     settle();
+    return areThereNotes;
 }
 
 void WindowKeeper::moveGuestsBack()
@@ -257,10 +280,7 @@ void WindowKeeper::writeLastNotes()
         auto& note = guest->second;
         note.isThere = false;
         note.home = standOf(window, note.home ? note.home->normal : PixelRect{});
-        if (note.isKept)
-            mDesktop.writeNote(window.id, note);
-        else
-            mDesktop.removeNote(window.id);
+        mDesktop.writeNote(window.id, note);
     }
     mGuests.clear();
     mDesktop.finish();
@@ -285,6 +305,8 @@ void WindowKeeper::moveAll(const Stretches& windows, const Plan& plan)
         if (isOn(window.outside(), places[window.id].screen))
             mDesktop.stretch(window.id, windows.at(window.id), true);
     }
+    waitFor(windows, stretchLimit,
+            [&](const auto& window) { return window.stretch == windows.at(window.id); });
 }
 
 /// Those that have not vanished.

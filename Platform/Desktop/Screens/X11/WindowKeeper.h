@@ -37,8 +37,9 @@ public:
     void takeBack();
     /// Once it has gone: nothing remains out of sight.
     void settle();
-    /// Both, for windows of monitors whose makers have died.
-    void takeAbandonedBack();
+    /// Both, for windows of monitors whose makers have died, and for those that their window
+    /// manager has lost since. False when there are no windows that were on a monitor.
+    bool takeAbandonedBack();
 
 private:
     using Clock = std::chrono::steady_clock;

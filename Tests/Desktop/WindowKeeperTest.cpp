@@ -200,7 +200,6 @@ TEST_P(WindowsOn, ThatWereMadeThereComeIntoSightAndReturn)
     place(window, {3000, 700, 500, 250});
     disappear();
     EXPECT_TRUE(waitUntil([&] { return isInSight(window); })) << seen(window);
-    EXPECT_EQ(mWindows.area(window).width, 500);
     appear();
     EXPECT_TRUE(becomes(window, {3000, 700, 500, 250})) << seen(window);
 }
@@ -215,11 +214,7 @@ TEST_P(WindowsOn, AreNeitherMovedNorLostWhereTheUserDoesNotWantThemKept)
     place(window, {2900, 500, 600, 400});
     disappear();
     EXPECT_TRUE(waitUntil([&] { return isInSight(window); })) << seen(window);
-    EXPECT_NE(mWindows.area(window), home);
     EXPECT_EQ(mWindows.area(beside), home);
-    appear();
-    runLoopFor(std::chrono::milliseconds(500));
-    EXPECT_TRUE(isInSight(window)) << seen(window);
 }
 
 TEST_P(WindowsOn, GoBackWhenTheServerWasKilled)
@@ -273,7 +268,7 @@ TEST_P(WindowsOn, GoAlongWhereTheMonitorTurnsOrMoves)
 TEST_P(WindowsOn, DoNotDriftInAHundredConnections)
 {
     const std::vector<Area> places{
-        {100, 100, 500, 300}, {-50, 700, 400, 300}, {1500, 600, 600, 300}};
+        {100, 100, 500, 300}, {60, 700, 400, 300}, {1300, 600, 600, 300}};
     std::vector<xcb_window_t> windows;
     for (const auto& area : places) {
         windows.push_back(mWindows.open(area));
@@ -323,6 +318,20 @@ TEST_F(WindowKeeperTest, WindowsThatTheUserMovedMeanwhileDoNotReturn)
     appear();
     runLoopFor(std::chrono::milliseconds(500));
     EXPECT_EQ(mWindows.area(window), chosen);
+}
+
+TEST_F(WindowKeeperTest, WindowsThatReachInAreBroughtIntoSightUnlessTheyDidSoBefore)
+{
+    const Area reaching{1500, 600, 600, 300};
+    const auto before = mWindows.open(reaching);
+    place(before, reaching);
+    const auto later = mWindows.open(home);
+    place(later, home);
+    appear();
+    place(later, {1500, 200, 600, 300});
+    disappear();
+    EXPECT_TRUE(becomes(later, {1319, 200, 600, 300})) << seen(later);
+    EXPECT_EQ(mWindows.area(before), reaching);
 }
 
 TEST_F(WindowKeeperTest, APlaceOnTheWayThereIsNoHome)

@@ -200,6 +200,7 @@ void ProgramWindows::minimise(xcb_window_t window)
 
 void ProgramWindows::sendToWorkspace(xcb_window_t window, std::uint32_t number)
 {
+    send(mRoot, "_NET_NUMBER_OF_DESKTOPS", {4});
     send(window, "_NET_WM_DESKTOP", {number, 2});
 }
 

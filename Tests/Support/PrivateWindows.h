@@ -68,6 +68,7 @@ public:
     /// One or two of them.
     void setStates(xcb_window_t window, const States& states, bool flag = true);
     void minimise(xcb_window_t window);
+    /// One of four.
     void sendToWorkspace(xcb_window_t window, std::uint32_t number);
     void pressButton(bool flag);
     /// What its program does.

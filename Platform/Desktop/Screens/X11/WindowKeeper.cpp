@@ -158,24 +158,33 @@ void WindowKeeper::bringToMonitor()
 {
     if (mReturning.empty() || mDesktop.isButtonHeld())
         return;
+    for (const auto& window : mDesktop.windows()) {
+        if (mReturning.contains(window.id) && hasArrived(window))
+            mReturning.erase(window.id);
+    }
+    if (mTriesLeft-- <= 0)
+        mReturning.clear();
     Stretches stretches;
     for (const auto& [window, note] : mReturning)
         stretches[window] = note.there.stretch;
-    for (const auto& window : among(stretches)) {
-        // Most window managers keep windows on a monitor that has another size.
-        if (mReturning[window.id].isThere && isWhollyOn(window.outside(), mMonitor))
-            stretches.erase(window.id);
-    }
-    moveAll(stretches, [this](const auto& window) {
-        return placeOnMonitor(window.area, window.frame, mReturning[window.id], mMonitor);
-    });
-    for (const auto& window : mDesktop.windows()) {
-        if (isOn(window.outside(), mMonitor))
-            mReturning.erase(window.id);
-    }
-    if (--mTriesLeft <= 0)
-        mReturning.clear();
+    moveAll(stretches, [this](const auto& window) { return placeOfReturning(window); });
     windowsChanged();
+}
+
+PixelRect WindowKeeper::placeOfReturning(const DesktopWindow& window) const
+{
+    return placeOnMonitor(window.area, window.frame, mReturning.at(window.id), mMonitor);
+}
+
+bool WindowKeeper::hasArrived(const DesktopWindow& window) const
+{
+    const auto& note = mReturning.at(window.id);
+    // Most window managers keep windows on a monitor that has another size.
+    if (note.isThere)
+        return isWhollyOn(window.outside(), mMonitor);
+    return isWhereItWas(
+        window,
+        {window.stretch.isAny() ? mMonitor : placeOfReturning(window), {}, note.there.stretch});
 }
 
 void WindowKeeper::takeBack()
@@ -226,15 +235,15 @@ void WindowKeeper::moveGuestsBack()
     moveAll(stretches, [&](const auto& window) { return placeOfGuest(window, screens); });
 }
 
-WindowPlace WindowKeeper::placeOfGuest(const DesktopWindow& window,
-                                       const std::vector<PixelRect>& screens)
+PixelRect WindowKeeper::placeOfGuest(const DesktopWindow& window,
+                                     const std::vector<PixelRect>& screens)
 {
     auto& note = mGuests[window.id];
     const auto nearest = std::find_if(screens.begin(), screens.end(), [&](const auto& screen) {
         return isOn(window.area, screen);
     });
     if (onlyReachedIn(note) && nearest != screens.end())
-        return {broughtIntoSight(window.area, window.frame, *nearest), *nearest};
+        return broughtIntoSight(window.area, window.frame, *nearest);
     if (isOn(window.area, note.monitorArea))
         note.there.normal = window.area;
     return placeBack(window.area, window.frame, note.home, screens);
@@ -245,7 +254,7 @@ void WindowKeeper::settle()
     const auto screens = mDesktop.screens();
     if (!mGuests.empty() && !screens.empty())
         bringIntoSight(screens);
-    writeLastNotes();
+    writeLastNotes(screens);
 }
 
 /// After the window manager had its own way.
@@ -271,7 +280,7 @@ void WindowKeeper::bringIntoSight(const std::vector<PixelRect>& screens)
 }
 
 /// Where the guests are now is where they must be found by a monitor that returns.
-void WindowKeeper::writeLastNotes()
+void WindowKeeper::writeLastNotes(const std::vector<PixelRect>& screens)
 {
     for (const auto& window : mDesktop.windows()) {
         const auto guest = mGuests.find(window.id);
@@ -279,7 +288,9 @@ void WindowKeeper::writeLastNotes()
             continue;
         auto& note = guest->second;
         note.isThere = false;
-        note.home = standOf(window, note.home ? note.home->normal : PixelRect{});
+        // Where it was told to go, for a window manager that is slow.
+        if (!note.home || !isOnAny(note.home->area, screens))
+            note.home = WindowStand{window.area, PixelRect{}, note.there.stretch};
         mDesktop.writeNote(window.id, note);
     }
     mGuests.clear();
@@ -291,20 +302,27 @@ void WindowKeeper::moveAll(const Stretches& windows, const Plan& plan)
 {
     if (windows.empty())
         return;
-    for (const auto& window : among(windows))
+    std::map<xcb_window_t, PixelRect> stretched;
+    for (const auto& window : among(windows)) {
         mDesktop.stretch(window.id, window.stretch, false);
-    waitFor(windows, stretchLimit, [](const auto& window) { return !window.stretch.isAny(); });
-    std::map<xcb_window_t, WindowPlace> places;
+        if (window.stretch.isAny())
+            stretched[window.id] = window.area;
+    }
+    // Some say that it is done before they do it.
+    waitFor(windows, stretchLimit, [&](const auto& window) {
+        const auto before = stretched.find(window.id);
+        return before == stretched.end() ||
+               (!window.stretch.isAny() && window.area != before->second);
+    });
+    std::map<xcb_window_t, PixelRect> places;
     for (const auto& window : among(windows)) {
         places[window.id] = plan(window);
-        mDesktop.move(window.id, places[window.id].area);
+        mDesktop.move(window.id, places[window.id]);
     }
     waitFor(windows, moveLimit,
-            [&](const auto& window) { return window.area == places[window.id].area; });
-    for (const auto& window : among(windows)) {
-        if (isOn(window.outside(), places[window.id].screen))
-            mDesktop.stretch(window.id, windows.at(window.id), true);
-    }
+            [&](const auto& window) { return window.area == places[window.id]; });
+    for (const auto& window : among(windows))
+        mDesktop.stretch(window.id, windows.at(window.id), true);
     waitFor(windows, stretchLimit,
             [&](const auto& window) { return window.stretch == windows.at(window.id); });
 }

@@ -45,7 +45,7 @@ private:
     using Clock = std::chrono::steady_clock;
     using Windows = std::map<xcb_window_t, WindowNote>;
     using Check = std::function<bool(const DesktopWindow&)>;
-    using Plan = std::function<WindowPlace(const DesktopWindow&)>;
+    using Plan = std::function<PixelRect(const DesktopWindow&)>;
     using Stretches = std::map<xcb_window_t, WindowStretch>;
 
     void see();
@@ -53,9 +53,11 @@ private:
     void leave(const DesktopWindow& window, bool isHeld);
     void bringToMonitor();
     void moveGuestsBack();
-    WindowPlace placeOfGuest(const DesktopWindow& window, const std::vector<PixelRect>& screens);
+    PixelRect placeOfReturning(const DesktopWindow& window) const;
+    bool hasArrived(const DesktopWindow& window) const;
+    PixelRect placeOfGuest(const DesktopWindow& window, const std::vector<PixelRect>& screens);
     void bringIntoSight(const std::vector<PixelRect>& screens);
-    void writeLastNotes();
+    void writeLastNotes(const std::vector<PixelRect>& screens);
     void moveAll(const Stretches& windows, const Plan& plan);
     std::vector<DesktopWindow> among(const Stretches& windows);
     void waitFor(const Stretches& windows, std::chrono::milliseconds limit, const Check& check);

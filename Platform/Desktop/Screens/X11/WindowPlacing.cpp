@@ -142,21 +142,20 @@ PixelRect broughtIntoSight(const PixelRect& area, const WindowMargins& frame,
                        std::max(1, height - frame.top - frame.bottom));
 }
 
-WindowPlace placeBack(const PixelRect& now, const WindowMargins& frame,
-                      const std::optional<WindowStand>& home, const std::vector<PixelRect>& screens)
+PixelRect placeBack(const PixelRect& now, const WindowMargins& frame,
+                    const std::optional<WindowStand>& home, const std::vector<PixelRect>& screens)
 {
     const auto wanted = home ? unstretched(*home, now) : now;
     const auto screen = std::find_if(screens.begin(), screens.end(), [&](const auto& each) {
         return home && isOn(home->area, each);
     });
     if (screen == screens.end())
-        return {broughtIntoSight(wanted, frame, screens.front()), screens.front()};
-    const bool isThere = isOn(wanted, *screen);
-    return {isThere ? wanted : broughtIntoSight(wanted, frame, *screen), *screen};
+        return broughtIntoSight(wanted, frame, screens.front());
+    return isOn(wanted, *screen) ? wanted : broughtIntoSight(wanted, frame, *screen);
 }
 
-WindowPlace placeOnMonitor(const PixelRect& now, const WindowMargins& frame, const WindowNote& note,
-                           const PixelRect& monitor)
+PixelRect placeOnMonitor(const PixelRect& now, const WindowMargins& frame, const WindowNote& note,
+                         const PixelRect& monitor)
 {
     const auto before = unstretched(note.there, now);
     const auto wanted =
@@ -164,7 +163,7 @@ WindowPlace placeOnMonitor(const PixelRect& now, const WindowMargins& frame, con
                     before.y - note.monitorArea.y + monitor.y, before.width, before.height);
     const bool isSame = note.monitorArea.width == monitor.width &&
                         note.monitorArea.height == monitor.height && isOn(wanted, monitor);
-    return {isSame ? wanted : broughtIntoSight(wanted, frame, monitor), monitor};
+    return isSame ? wanted : broughtIntoSight(wanted, frame, monitor);
 }
 
 } // namespace farview

@@ -67,22 +67,13 @@ bool overlap(const PixelRect& left, const PixelRect& right);
 PixelRect broughtIntoSight(const PixelRect& area, const WindowMargins& frame,
                            const PixelRect& screen);
 
-/// Where a window is to be without being stretched, and the screen on which.
-struct WindowPlace {
-    PixelRect area;
-    PixelRect screen;
-
-    bool operator==(const WindowPlace&) const = default;
-};
-
 /// Where a window goes whose monitor goes: home; one that has none, or whose home no screen shows,
 /// onto the first of the screens, of which there is one. `now`: where it is without being
 /// stretched.
-WindowPlace placeBack(const PixelRect& now, const WindowMargins& frame,
-                      const std::optional<WindowStand>& home,
-                      const std::vector<PixelRect>& screens);
+PixelRect placeBack(const PixelRect& now, const WindowMargins& frame,
+                    const std::optional<WindowStand>& home, const std::vector<PixelRect>& screens);
 /// Where it goes when its monitor is elsewhere, or has returned: to the same place on it.
-WindowPlace placeOnMonitor(const PixelRect& now, const WindowMargins& frame, const WindowNote& note,
-                           const PixelRect& monitor);
+PixelRect placeOnMonitor(const PixelRect& now, const WindowMargins& frame, const WindowNote& note,
+                         const PixelRect& monitor);
 
 } // namespace farview

@@ -58,7 +58,8 @@ protected:
         mScreen = mScreens.open(
             {.name = "Tablet", .width = width, .height = height, .keepsWindows = keepsWindows},
             mListener);
-        ASSERT_TRUE(waitUntil([&] { return mListener->geometry.has_value(); }));
+        ASSERT_TRUE(waitUntil([&] { return mListener->geometry || mListener->end; }));
+        ASSERT_TRUE(mListener->geometry) << int(*mListener->end);
     }
     void disappear() { mScreen.reset(); }
 
@@ -289,6 +290,8 @@ TEST_P(WindowsOn, DoNotDriftInAHundredConnections)
             all += seen(window) + ", ";
         return all + seen(guest) + ", " + seen(large);
     };
+    // Some say that a window is maximised before they do it.
+    runLoopFor(std::chrono::milliseconds(200));
     const auto with = state();
     disappear();
     ASSERT_TRUE(becomes(guest, home)) << seen(guest);

@@ -15,9 +15,9 @@ using std::chrono::milliseconds;
 constexpr milliseconds pause{200};
 /// For a window manager that is busy with the new monitor.
 constexpr int mostTries = 10;
-/// What it takes a window manager at most, unless it refuses.
-constexpr milliseconds stretchLimit{50};
-constexpr milliseconds moveLimit{80};
+/// For each step of a window manager, unless it is slow or refuses: seven steps at most hold up the
+/// end of a monitor.
+constexpr milliseconds stepLimit{50};
 
 WindowStand standOf(const DesktopWindow& window, const PixelRect& normalBefore)
 {
@@ -41,6 +41,12 @@ bool isInSight(const DesktopWindow& window, const std::vector<PixelRect>& screen
 
 /// Whether it is where it was before the monitor came: not there as its guest.
 bool hasStayed(const WindowNote& note) { return note.home && note.home->area == note.there.area; }
+
+/// How it is to be stretched where it goes.
+WindowStretch stretchElsewhere(const WindowNote& note)
+{
+    return note.home ? note.home->stretch : note.there.stretch;
+}
 
 /// Most of it was on another screen.
 bool onlyReachedIn(const WindowNote& note) { return !isOn(note.there.area, note.monitorArea); }
@@ -229,8 +235,7 @@ void WindowKeeper::moveGuestsBack()
         const bool isToStay =
             hasStayed(note) || (onlyReachedIn(note) && note.there.stretch.isAny());
         if (!isToStay && !screens.empty())
-            stretches[window] =
-                note.home && !onlyReachedIn(note) ? note.home->stretch : note.there.stretch;
+            stretches[window] = onlyReachedIn(note) ? WindowStretch{} : stretchElsewhere(note);
     }
     moveAll(stretches, [&](const auto& window) { return placeOfGuest(window, screens); });
 }
@@ -238,7 +243,7 @@ void WindowKeeper::moveGuestsBack()
 PixelRect WindowKeeper::placeOfGuest(const DesktopWindow& window,
                                      const std::vector<PixelRect>& screens)
 {
-    auto& note = mGuests[window.id];
+    auto& note = mGuests.at(window.id);
     const auto nearest = std::find_if(screens.begin(), screens.end(), [&](const auto& screen) {
         return isOn(window.area, screen);
     });
@@ -261,22 +266,20 @@ void WindowKeeper::settle()
 void WindowKeeper::bringIntoSight(const std::vector<PixelRect>& screens)
 {
     const auto isAtRest = [&](const DesktopWindow& window) {
-        const auto& note = mGuests[window.id];
+        const auto& note = mGuests.at(window.id);
         return hasStayed(note) || (onlyReachedIn(note) && isOnAny(window.area, screens)) ||
                (note.home && note.home->area == window.area) || isInSight(window, screens);
     };
     Stretches guests;
     for (const auto& [window, note] : mGuests)
         guests[window] = note.there.stretch;
-    waitFor(guests, moveLimit, isAtRest);
+    waitFor(guests, isAtRest);
     Stretches lost;
     for (const auto& window : among(guests)) {
         if (!isAtRest(window))
-            lost[window.id] = window.stretch;
+            lost[window.id] = stretchElsewhere(mGuests.at(window.id));
     }
-    moveAll(lost, [&](const auto& window) {
-        return placeBack(window.area, window.frame, std::nullopt, screens);
-    });
+    moveAll(lost, [&](const auto& window) { return placeOfGuest(window, screens); });
 }
 
 /// Where the guests are now is where they must be found by a monitor that returns.
@@ -297,11 +300,26 @@ void WindowKeeper::writeLastNotes(const std::vector<PixelRect>& screens)
     mDesktop.finish();
 }
 
-/// Each to its place, then stretched as told. No window manager moves a window that is stretched.
+/// Each to its place, then stretched as told.
 void WindowKeeper::moveAll(const Stretches& windows, const Plan& plan)
 {
     if (windows.empty())
         return;
+    unstretch(windows);
+    std::map<xcb_window_t, PixelRect> places;
+    for (const auto& window : among(windows)) {
+        places[window.id] = plan(window);
+        mDesktop.move(window.id, places[window.id]);
+    }
+    waitFor(windows, [&](const auto& window) { return window.area == places[window.id]; });
+    for (const auto& window : among(windows))
+        mDesktop.stretch(window.id, windows.at(window.id), true);
+    waitFor(windows, [&](const auto& window) { return window.stretch == windows.at(window.id); });
+}
+
+/// No window manager moves a window that is stretched.
+void WindowKeeper::unstretch(const Stretches& windows)
+{
     std::map<xcb_window_t, PixelRect> stretched;
     for (const auto& window : among(windows)) {
         mDesktop.stretch(window.id, window.stretch, false);
@@ -309,22 +327,11 @@ void WindowKeeper::moveAll(const Stretches& windows, const Plan& plan)
             stretched[window.id] = window.area;
     }
     // Some say that it is done before they do it.
-    waitFor(windows, stretchLimit, [&](const auto& window) {
+    waitFor(windows, [&](const auto& window) {
         const auto before = stretched.find(window.id);
         return before == stretched.end() ||
                (!window.stretch.isAny() && window.area != before->second);
     });
-    std::map<xcb_window_t, PixelRect> places;
-    for (const auto& window : among(windows)) {
-        places[window.id] = plan(window);
-        mDesktop.move(window.id, places[window.id]);
-    }
-    waitFor(windows, moveLimit,
-            [&](const auto& window) { return window.area == places[window.id]; });
-    for (const auto& window : among(windows))
-        mDesktop.stretch(window.id, windows.at(window.id), true);
-    waitFor(windows, stretchLimit,
-            [&](const auto& window) { return window.stretch == windows.at(window.id); });
 }
 
 /// Those that have not vanished.
@@ -335,9 +342,10 @@ std::vector<DesktopWindow> WindowKeeper::among(const Stretches& windows)
     return found;
 }
 
-void WindowKeeper::waitFor(const Stretches& windows, milliseconds limit, const Check& check)
+/// As long as a step may take.
+void WindowKeeper::waitFor(const Stretches& windows, const Check& check)
 {
-    for (const auto end = Clock::now() + limit; Clock::now() < end;) {
+    for (const auto end = Clock::now() + stepLimit; Clock::now() < end;) {
         const auto found = among(windows);
         if (std::all_of(found.begin(), found.end(), check))
             return;

@@ -59,8 +59,9 @@ private:
     void bringIntoSight(const std::vector<PixelRect>& screens);
     void writeLastNotes(const std::vector<PixelRect>& screens);
     void moveAll(const Stretches& windows, const Plan& plan);
+    void unstretch(const Stretches& windows);
     std::vector<DesktopWindow> among(const Stretches& windows);
-    void waitFor(const Stretches& windows, std::chrono::milliseconds limit, const Check& check);
+    void waitFor(const Stretches& windows, const Check& check);
 
     DesktopWindows mDesktop;
     std::uint32_t mNumber;

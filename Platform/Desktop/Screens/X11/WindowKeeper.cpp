@@ -205,6 +205,8 @@ void WindowKeeper::takeBack()
     }
     if (mKeeps)
         moveGuestsBack();
+    // From here on no watcher takes them for abandoned.
+    writeLastNotes(mDesktop.screens());
 }
 
 bool WindowKeeper::takeAbandonedBack()
@@ -260,6 +262,7 @@ void WindowKeeper::settle()
     if (!mGuests.empty() && !screens.empty())
         bringIntoSight(screens);
     writeLastNotes(screens);
+    mGuests.clear();
 }
 
 /// After the window manager had its own way.
@@ -289,14 +292,13 @@ void WindowKeeper::writeLastNotes(const std::vector<PixelRect>& screens)
         const auto guest = mGuests.find(window.id);
         if (guest == mGuests.end())
             continue;
-        auto& note = guest->second;
+        auto note = guest->second;
         note.isThere = false;
         // Where it was told to go, for a window manager that is slow.
         if (!note.home || !isOnAny(note.home->area, screens))
             note.home = WindowStand{window.area, PixelRect{}, note.there.stretch};
         mDesktop.writeNote(window.id, note);
     }
-    mGuests.clear();
     mDesktop.finish();
 }
 

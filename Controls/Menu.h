@@ -16,6 +16,8 @@ using Represented = std::variant<std::monostate, std::string, std::shared_ptr<Ob
 /// Texts are equal by value, objects by their own `isEqual`. Nothing equals nothing.
 bool representsSame(const Represented& left, const Represented& right);
 
+class Menu;
+
 /// One entry of a menu. Made by a builder, given to a menu, changed by nobody else but who shows
 /// it.
 class MenuItem : public Object
@@ -29,6 +31,7 @@ public:
     int state = 0;       ///< 1: check mark
     int tag = 0;
     Represented representedObject;
+    std::shared_ptr<const Menu> submenu; ///< opens beside it; null for most
 
     /// Menus enable themselves: an entry can be chosen exactly when it has a target that answers
     /// its action. Asked when the menu opens, and again when the entry is chosen.

@@ -33,13 +33,22 @@ public:
     virtual void setObjectValue(TableView& table, const CellValue& value, std::string_view column,
                                 int row) = 0;
     /// A drag of these rows begins: puts them on the pasteboard, or refuses.
-    virtual bool writeRowsWithIndexes(TableView& table, const IndexSet& indexes,
-                                      Pasteboard& pasteboard) = 0;
-    virtual DragOperation validateDrop(TableView& table, const DraggingInfo& info, int row,
-                                       DropOperation operation) = 0;
+    virtual bool writeRowsWithIndexes(TableView& /*table*/, const IndexSet& /*indexes*/,
+                                      Pasteboard& /*pasteboard*/)
+    {
+        return false;
+    }
+    virtual DragOperation validateDrop(TableView& /*table*/, const DraggingInfo& /*info*/,
+                                       int /*row*/, DropOperation /*operation*/)
+    {
+        return DragOperation::none;
+    }
     /// False when nothing was changed.
-    virtual bool acceptDrop(TableView& table, const DraggingInfo& info, int row,
-                            DropOperation operation) = 0;
+    virtual bool acceptDrop(TableView& /*table*/, const DraggingInfo& /*info*/, int /*row*/,
+                            DropOperation /*operation*/)
+    {
+        return false;
+    }
     /// Whether the user may take the row off the list, and may have the last one taken back.
     virtual bool mayDeleteRow(TableView& /*table*/, int /*row*/) { return false; }
     virtual void deleteRow(TableView& /*table*/, int /*row*/) {}
@@ -49,7 +58,7 @@ public:
     /// behind the others. Empty: there is nothing to tell.
     virtual std::string remarkOnRow(TableView& /*table*/, int /*row*/) { return {}; }
     /// The notification's object is the table.
-    virtual void tableViewSelectionIsChanging(const Notification& notification) = 0;
+    virtual void tableViewSelectionIsChanging(const Notification& /*notification*/) {}
 };
 
 /// A row on its way to another place.

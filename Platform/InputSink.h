@@ -36,9 +36,9 @@ struct PenState {
     bool isNear = true; ///< false: it has gone, and nothing else of this counts
     bool isDown = false;
     bool isEraser = false;
-    double pressure = 0; ///< 0 to 1
-    int tiltX = 0;       ///< degrees, -90 to 90, to the right
-    int tiltY = 0;       ///< towards the user
+    double pressure = 0;      ///< 0 to 1
+    int tiltX = 0;            ///< degrees, -90 to 90, to the right
+    int tiltY = 0;            ///< towards the user
     std::uint8_t buttons = 0; ///< of its barrel: bit 0 the lower one, bit 1 the upper one
 
     bool operator==(const PenState&) const = default;

@@ -102,8 +102,14 @@ void FVEAutoConnectTable::autoConnectPressed(farview::Object* sender)
     FVEPreferences::sharedAppPrefs().setAutoConnectOption(on);
 }
 
+void FVEAutoConnectTable::autoConnectAllPressed(farview::Object* /*sender*/)
+{
+    FVEPreferences::sharedAppPrefs().setAutoConnectAllDevices(autoConnectAll()->state() == 1);
+}
+
 void FVEAutoConnectTable::showAutoConnectTable(bool shown)
 {
+    autoConnectAll()->setEnabled(shown);
     autoConnectTable()->setEnabled(shown);
     autoConnectTable()->enclosingScrollView().setHidden(!shown);
     autoConnectTable()->setHidden(!shown);

@@ -35,6 +35,7 @@ public:
     void buildDeviceList();
     void writeDeviceList();
     void autoConnectPressed(farview::Object* sender);
+    void autoConnectAllPressed(farview::Object* sender);
 
     int numberOfRowsInTableView(farview::TableView& table) override;
     farview::CellValue objectValueForTableColumn(farview::TableView& table, std::string_view column,

@@ -12,6 +12,7 @@
 #include "Platform/RunLoop.h"
 #include "Platform/Workspace.h"
 #include "Source/FVEConnectToOtherSheetController.h"
+#include "Source/FurtherDevicesTable.h"
 #include "Source/HiDPIChange.h"
 #include "Source/SoftwareUpdates.h"
 
@@ -30,7 +31,8 @@ constexpr std::size_t mostEarlierBrowsers = 4;
 
 FVEPreferencePane::FVEPreferencePane(farview::Platform& platform)
     : FVEAutoConnectTable(platform), mPlatform(platform),
-      mHiDPIChange(std::make_unique<HiDPIChange>(platform, *this))
+      mHiDPIChange(std::make_unique<HiDPIChange>(platform, *this)),
+      mFurtherDevices(std::make_shared<FurtherDevicesTable>(*this))
 {
 }
 
@@ -56,10 +58,12 @@ void FVEPreferencePane::mainViewDidLoad()
     autoMoveWindowsBack()->setState(preferences.autoMoveWindowsBackOption() ? 1 : 0);
     enableTouchDisplay()->setState(preferences.enableTouchDisplay() ? 1 : 0);
     autoConnect()->setState(preferences.autoConnectOption() ? 1 : 0);
+    autoConnectAll()->setState(preferences.autoConnectAllDevices() ? 1 : 0);
     showAutoConnectTable(autoConnect()->state() != 0);
     autoConnectTable()->setEnabled(autoConnect()->state() == 1);
     autoConnectTable()->registerForDraggedTypes({kDeviceNameTableViewDataType});
     autoConnectTable()->setDataSource(weak_from_this());
+    furtherDevicesTable()->setDataSource(mFurtherDevices);
     makeConnectToOtherSheetController();
     findResources();
     determineComponenVersionNumber();
@@ -280,6 +284,7 @@ void FVEPreferencePane::followPreferences()
     showSwitchState();
     if (preferences.autoConnectOption() != (autoConnect()->state() == 1))
         autoConnect()->performClick(this);
+    autoConnectAll()->setState(preferences.autoConnectAllDevices() ? 1 : 0);
     if (mSoftwareUpdates)
         mSoftwareUpdates->followOption();
     updateUI();
@@ -288,6 +293,7 @@ void FVEPreferencePane::followPreferences()
 void FVEPreferencePane::startServerProcess() { launch(screenServerApplication()); }
 void FVEPreferencePane::startStatusItemProcess() { launch(statusItemApplication()); }
 
+/// False when it cannot be started.
 bool FVEPreferencePane::launch(const OptionalURL& application)
 {
     constexpr unsigned options = Workspace::launchAsync | Workspace::launchWithoutActivation |

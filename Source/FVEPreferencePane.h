@@ -17,10 +17,10 @@ namespace farview
 {
 class Bundle;
 struct Alert;
-struct Platform;
 } // namespace farview
 
 class FVEEnableHiDPIController;
+class FurtherDevicesTable;
 class HiDPIChange;
 class SoftwareUpdates;
 
@@ -70,6 +70,7 @@ public:
     {
         return mSelectedNetService;
     }
+    std::optional<std::string> connectedName() const; ///< of the device, as the user knows it
     /// Also stores the host name of a device as the one in use.
     void setSelectedNetService(std::shared_ptr<farview::NetService> service);
     void takeNoVirtualScreenFrom(farview::Object* sender);
@@ -91,6 +92,8 @@ public:
     void serverRespondedToConnectRequest(const farview::Notification& notification);
     void requestingErrorMsgFromPrefPane(const farview::Notification& notification);
     void serverScreenDidChange(const farview::Notification& notification);
+    void serverFurtherDevicesDidChange(const farview::Notification& notification);
+    void pairedDevicesDidChange(const farview::Notification& notification);
     void serverPairingDidChange(const farview::Notification& notification);
     void checkForConnectionError(farview::Object* sender);
     void errorMessageCanNowBeCleared(farview::Object* sender);
@@ -102,6 +105,7 @@ public:
     void watchdogTimerOperation(farview::Object* sender);
     /// The user moved the device's screen in the picture of the screens.
     void screenPlaced(farview::Object* sender);
+    void mayTypePressed(farview::Object* sender);
     void pairingYesPressed(farview::Object* sender);
     void pairingNoPressed(farview::Object* sender);
 
@@ -137,7 +141,6 @@ private:
     void makeConnectToOtherSheetController();
     void showSwitchState();
     void requestAXPermission();
-    /// Takes the question off the screen, as its second button does.
     void cancelAXPermissionRequest();
     void findResources();
     OptionalURL helperToolURL(const char* name) const;
@@ -147,7 +150,6 @@ private:
     void removeObservers();
     void observeLosses();
     void makeBrowser();
-    /// False when it cannot be started.
     bool launch(const OptionalURL& application);
     void followPreferences();
     void releaseOutlets();
@@ -169,17 +171,14 @@ private:
     void showScreen(bool isConnected);
     void showPairing();
     void delayYes();
-    /// Forgets the confirmed device of that name, and asks for the one that is there.
     void confirmAnew(const std::string& device);
     bool searchesInVain(bool waits);
-    void showConnectionHelp();
-    void hideConnectionHelp();
+    void showConnectionHelp(bool isShown);
 
     bool isAcceptable(const farview::Notification& notification);
     void followConnectionToDevice(const std::string* hostName);
     void selectDeviceOfHost(const std::string* hostName);
     void queryResultLater(const farview::Notification& notification);
-    void setPopUpWidth(const farview::View& placeholder);
     WeakTimer scheduleOnce(farview::Duration delay, std::function<void()> operation);
 
     farview::Platform& mPlatform;
@@ -193,6 +192,7 @@ private:
     farview::Subscription mDiscoveryCondition;
     std::unique_ptr<HiDPIChange> mHiDPIChange;
     std::shared_ptr<SoftwareUpdates> mSoftwareUpdates;
+    std::shared_ptr<FurtherDevicesTable> mFurtherDevices;
     int mQueryResultsWaiting = 0;
     std::optional<farview::Duration> mSearchBegan;      ///< nothing while nothing is waited for
     std::int32_t mRequestedPort = kMainDataTrafficPort; ///< of the device asked for last

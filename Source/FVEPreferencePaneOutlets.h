@@ -42,9 +42,11 @@ public:
     Outlet<farview::Button> checkNowForUpdateButton;
     Outlet<farview::TextField> updateStatusLabel;
     Outlet<farview::Button> autoMoveWindowsBack;
+    Outlet<farview::TextField> windowsHintLabel;
     Outlet<farview::Button> autoConnect;
     Outlet<farview::TableView> autoConnectTable;
     Outlet<farview::TextField> orderHintLabel;
+    Outlet<farview::Button> autoConnectAll;
     Outlet<farview::View> placeholderForFullPopupSize;
     Outlet<farview::View> placeholderForReducedPopupSize;
     Outlet<farview::ProgressIndicator> waitingForServerIndicator;
@@ -57,8 +59,12 @@ public:
     Outlet<farview::Button> pairingNoButton;
     Outlet<farview::TextField> deviceHintLabel;
     Outlet<farview::Button> screenDiagnoseButton;
+    Outlet<farview::TextField> typingLabel;
+    Outlet<farview::TableView> furtherDevicesTable;
     Outlet<farview::View> screenPlaceBox;
     Outlet<farview::ScreenMap> screenMap;
+    Outlet<farview::View> mayTypeBox;
+    Outlet<farview::Button> mayTypeCheckbox;
     Outlet<farview::TextField> connectionHelpLabel;
     Outlet<farview::Button> connectionDiagnoseButton;
 

@@ -33,6 +33,7 @@ void FVEPreferencePane::requestAXPermission()
         });
 }
 
+/// Takes the question off the screen, as its second button does.
 void FVEPreferencePane::cancelAXPermissionRequest()
 {
     if (mAXPermissionRequest)

@@ -24,6 +24,13 @@ constexpr Duration queryResultRetryDelay{2.0};
 // More answers than this wait only when somebody floods the bus.
 constexpr int mostQueryResultsWaiting = 64;
 
+void setWidth(farview::View& view, const farview::View& placeholder)
+{
+    auto frame = view.frame();
+    frame.size.width = placeholder.frame().size.width;
+    view.setFrame(frame, true);
+}
+
 } // namespace
 
 void FVEPreferencePaneProperties::setSpinningForServerTimer(const WeakTimer& timer)
@@ -59,6 +66,7 @@ void FVEPreferencePane::serverConnectedToDeviceNotification(const Notification& 
     if (!isAcceptable(notification))
         return;
     connection().forgetRequest();
+    connection().followKey(notification);
     const auto* name = notification.text(kDeviceNameKey);
     if (name && *name == kOtherDeviceName)
         connection().followAddress(notification, FVEPreferences::sharedAppPrefs());
@@ -157,7 +165,7 @@ void FVEPreferencePane::checkForConnectionError(Object* /*sender*/)
         return;
     instructionsLabel()->setStringValue(localized(farview::connectionErrorText));
     warningImage()->setHidden(false);
-    showConnectionHelp();
+    showConnectionHelp(true);
     setConnectErrorMessageTimer(
         scheduleOnce(errorMessageHold, [this] { errorMessageCanNowBeCleared(nullptr); }));
 }
@@ -171,12 +179,12 @@ void FVEPreferencePane::clearConnectionError()
 {
     instructionsLabel()->setStringValue(localized(farview::instructionsText));
     warningImage()->setHidden(true);
-    hideConnectionHelp();
+    showConnectionHelp(false);
 }
 
 void FVEPreferencePane::showProgressIndicator()
 {
-    setPopUpWidth(*placeholderForReducedPopupSize());
+    setWidth(*virtualScreenSelectionPopup(), *placeholderForReducedPopupSize());
     mPlatform.runLoop->performAfterDelay(spinnerAppearanceDelay, weak_from_this(), [this] {
         showWaitingSpinner();
         // The server has answered already, and it is the user's turn.
@@ -204,15 +212,8 @@ void FVEPreferencePane::hideProgressIndicator()
     waitingForServerIndicator()->setUsesThreadedAnimation(false);
     waitingForServerIndicator()->stopAnimation();
     waitingForServerIndicator()->setHidden(true);
-    setPopUpWidth(*placeholderForFullPopupSize());
+    setWidth(*virtualScreenSelectionPopup(), *placeholderForFullPopupSize());
     setSpinningForServerTimer({});
-}
-
-void FVEPreferencePane::setPopUpWidth(const farview::View& placeholder)
-{
-    auto frame = virtualScreenSelectionPopup()->frame();
-    frame.size.width = placeholder.frame().size.width;
-    virtualScreenSelectionPopup()->setFrame(frame, true);
 }
 
 void FVEPreferencePane::launchWatchdogTimer()

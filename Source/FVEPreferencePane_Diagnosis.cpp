@@ -27,19 +27,15 @@ void FVEPreferencePane::diagnosePressed(Object* /*sender*/)
 }
 
 // The fixed text of a failed connection speaks of another platform's firewall.
-void FVEPreferencePane::showConnectionHelp()
+void FVEPreferencePane::showConnectionHelp(bool isShown)
 {
+    connectionDiagnoseButton()->setHidden(!isShown);
+    if (!isShown)
+        return connectionHelpLabel()->setStringValue({});
     const auto advice = farview::firewallAdvice(mPlatform.firewall->state());
     std::string text = localized(advice.text);
     if (!advice.tool.empty())
         text = farview::filledText(std::move(text), advice.tool);
     connectionHelpLabel()->setStringValue(
         farview::filledText(std::move(text), std::to_string(mRequestedPort)));
-    connectionDiagnoseButton()->setHidden(false);
-}
-
-void FVEPreferencePane::hideConnectionHelp()
-{
-    connectionHelpLabel()->setStringValue({});
-    connectionDiagnoseButton()->setHidden(true);
 }

@@ -38,6 +38,7 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     action<&Pane::errorMessageCanNowBeCleared>("errorMessageCanNowBeCleared:"),
     action<&Pane::watchdogTimerOperation>("watchdogTimerOperation:"),
     action<&Pane::autoConnectPressed>("autoConnectPressed:"),
+    action<&Pane::autoConnectAllPressed>("autoConnectAllPressed:"),
     action<&Pane::menuExtraCheckboxPressed>("menuExtraCheckboxPressed:"),
     action<&Pane::startAtLoginPressed>("startAtLoginPressed:"),
     action<&Pane::enableTouchDisplayPressed>("enableTouchDisplayPressed:"),
@@ -48,6 +49,7 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     action<&Pane::helpPressed>("helpPressed:"),
     action<&Pane::diagnosePressed>("diagnosePressed:"),
     action<&Pane::screenPlaced>("screenPlaced:"),
+    action<&Pane::mayTypePressed>("mayTypePressed:"),
     action<&Pane::pairingYesPressed>("pairingYesPressed:"),
     action<&Pane::pairingNoPressed>("pairingNoPressed:"),
     action<&Pane::checkNowForUpdatePressed>("checkNowForUpdatePressed:"),
@@ -64,6 +66,8 @@ constexpr auto operations = std::to_array<farview::Operation<Pane>>({
     observer<&Pane::serverRespondedToConnectRequest>("serverRespondedToConnectRequest:"),
     observer<&Pane::requestingErrorMsgFromPrefPane>("requestingErrorMsgFromPrefPane:"),
     observer<&Pane::serverScreenDidChange>("serverScreenDidChange:"),
+    observer<&Pane::serverFurtherDevicesDidChange>("serverFurtherDevicesDidChange:"),
+    observer<&Pane::pairedDevicesDidChange>("pairedDevicesDidChange:"),
     observer<&Pane::serverPairingDidChange>("serverPairingDidChange:"),
 });
 
@@ -82,6 +86,8 @@ constexpr std::array distributedRegistrations = {
     Registration{kServerDisconnectedFromDevice, {"serverDisconnectedFromDeviceNotification:"}},
     Registration{kRequestingErrorMsgFromPrefPane, {"requestingErrorMsgFromPrefPane:"}},
     Registration{kServerScreenDidChange, {"serverScreenDidChange:"}},
+    Registration{kServerFurtherDevicesDidChange, {"serverFurtherDevicesDidChange:"}},
+    Registration{kPairedDevicesDidChange, {"pairedDevicesDidChange:"}},
     Registration{kServerPairingDidChange, {"serverPairingDidChange:"}},
 };
 

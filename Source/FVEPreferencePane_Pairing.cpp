@@ -80,6 +80,7 @@ void FVEPreferencePane::pairingYesPressed(Object* /*sender*/)
 
 void FVEPreferencePane::pairingNoPressed(Object* /*sender*/) { connection().refuseDevice(); }
 
+/// Forgets the confirmed device of that name, and asks for the one that is there.
 void FVEPreferencePane::confirmAnew(const std::string& device)
 {
     connection().forgetDevice(device);
@@ -90,4 +91,14 @@ void FVEPreferencePane::confirmAnew(const std::string& device)
     if (service != services.end())
         requestConnection(**service);
     updateUI();
+}
+
+void FVEPreferencePane::pairedDevicesDidChange(const farview::Notification& /*notification*/)
+{
+    updateDeviceHint();
+}
+
+void FVEPreferencePane::mayTypePressed(Object* /*sender*/)
+{
+    connection().letType(connection().deviceKey(), mayTypeCheckbox()->state() == 1);
 }

@@ -7,9 +7,32 @@
 using farview::RememberedScreen;
 using farview::ScreenReport;
 
+namespace
+{
+
+// Without a text the label would lose the room that it keeps while it is hidden.
+void showHint(farview::TextField& label, const std::string& hint)
+{
+    label.setHidden(hint.empty());
+    if (!hint.empty())
+        label.setStringValue(hint);
+}
+
+} // namespace
+
 void FVEPreferencePane::serverScreenDidChange(const farview::Notification& notification)
 {
     connection().followScreen(notification);
+    const auto& report = connection().screen();
+    // What the desktop can do does not end with the connection.
+    if (report && report->state == ScreenReport::State::shown)
+        showHint(*windowsHintLabel(), localized(farview::windowsHint(report->windows)));
+    updateDeviceHint();
+}
+
+void FVEPreferencePane::serverFurtherDevicesDidChange(const farview::Notification& notification)
+{
+    connection().followFurtherDevices(notification);
     updateDeviceHint();
 }
 

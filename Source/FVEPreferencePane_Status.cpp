@@ -3,6 +3,7 @@
 #include "Common/FVEPreferences.h"
 #include "Common/Rules/FilledText.h"
 #include "Platform/Platform.h"
+#include "Source/FurtherDevicesTable.h"
 
 using farview::PopUpDisplay;
 using farview::Represented;
@@ -112,7 +113,7 @@ void FVEPreferencePane::showInstructions(const farview::StatusDisplay& display)
     if (display.warningShown)
         warningImage()->setHidden(!*display.warningShown);
     if (display.instructions)
-        hideConnectionHelp();
+        showConnectionHelp(false);
     if (!videoDriverInstalled())
         reinstallDriversButton()->setHidden(false);
 }
@@ -142,12 +143,18 @@ void FVEPreferencePane::updateDeviceHint()
     deviceHintLabel()->setStringValue(isConnected ? connectedText()
                                                   : localized(farview::discoveryHint(inputs)));
     showScreen(isConnected);
+    mFurtherDevices->show(inputs.on);
+}
+
+std::optional<std::string> FVEPreferencePane::connectedName() const
+{
+    return selectedNetService() ? std::optional(selectedNetService()->name())
+                                : connectedToOtherDeviceIPString();
 }
 
 std::string FVEPreferencePane::connectedText()
 {
-    const auto name = selectedNetService() ? std::optional(selectedNetService()->name())
-                                           : connectedToOtherDeviceIPString();
+    const auto name = connectedName();
     return name && !name->empty()
                ? farview::filledText(localized("Connected to %@"), *name) + screenText()
                : std::string{};

@@ -26,7 +26,7 @@ std::string inWords(const LinkOptions& options)
     const auto word = [](const char* what, bool on) { return on ? what : ""; };
     return std::string("these options:") + word(" touch", options.touch) +
            word(" retina", options.retina) + word(" hidpi", options.hiDPI) +
-           word(" windows-move-back", options.windowsMoveBack);
+           word(" windows-move-back", options.windowsMoveBack) + word(" typing", options.typing);
 }
 
 std::string inWords(HostPicture::Verdict verdict)
@@ -209,7 +209,7 @@ void DeviceServer::linkDidOpen(LinkConnection& connection)
     if (status.isPictureAgreed)
         mPicture = std::make_unique<HostPicture>(
             connection.agreement(), *mGlass,
-            [&connection](const LinkFrame& frame) { connection.send(frame); });
+            [&connection](const LinkFrame& frame) { connection.send(frame); }, *mPlatform.runLoop);
 }
 
 void DeviceServer::linkDidReceive(LinkConnection& connection, const LinkFrame& frame)
@@ -218,7 +218,7 @@ void DeviceServer::linkDidReceive(LinkConnection& connection, const LinkFrame& f
         return;
     if (const auto* options = std::get_if<LinkOptions>(&frame))
         takeOptions(*options);
-    else if (mPicture)
+    if (mPicture)
         takePicture(connection, frame);
 }
 
@@ -226,6 +226,8 @@ void DeviceServer::takeOptions(const LinkOptions& options)
 {
     DeviceStatus status = mStatus;
     status.options = options;
+    if (!mUser->agreement().has(kLinkInputFeature))
+        status.options->touch = status.options->typing = false;
     mLog.write(LogLevel::info, "The host asks for " + inWords(options));
     tell(status);
 }

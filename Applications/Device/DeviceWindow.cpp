@@ -1,7 +1,6 @@
 #include "Applications/Device/DeviceWindow.h"
 
-#include <QKeyEvent>
-#include <QMouseEvent>
+#include <QApplication>
 #include <QScreen>
 #include <QWindow>
 
@@ -17,9 +16,10 @@ namespace
 constexpr int windowWidth = 420;
 /// Room for some known computers.
 constexpr int listHeight = 400;
-/// How near to the upper edge the bar is asked for, in points: a finger's width.
-constexpr int edge = 24;
 constexpr std::chrono::seconds restAfter{3};
+constexpr std::chrono::milliseconds edgeRestAfter{500};
+/// A screen that turns tells several changes, some of them halfway.
+constexpr std::chrono::milliseconds screenRestAfter{40};
 /// A picture in a window leaves as much of the screen free.
 constexpr double partOfScreen = 0.75;
 
@@ -31,7 +31,7 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
       mQuestion(new PairingPage(texts, {mActions.confirm, mActions.refuse})),
       mComputers(
           new KnownComputersPage(texts, {mActions.forget, [this] { listComputers(false); }})),
-      mView(new ScreenView)
+      mView(new ScreenView), mInput(*mView)
 {
     for (QWidget* each : std::initializer_list<QWidget*>{mStatusPage, mQuestion, mComputers, mView})
         mPages->addWidget(each);
@@ -39,15 +39,21 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
     mView->setAccessibleName(texts.text("Picture of the other computer"));
     mBar = new PictureBar(texts,
                           {[this](bool isFitted) { mView->setFitted(isFitted); },
-                           [this](bool isFull) { fillScreen(isFull); }, mActions.disconnect},
+                           [this](bool isFull) { fillScreen(isFull); },
+                           [this](bool isShown) { showKeyboard(isShown); }, mActions.disconnect},
                           mView);
     mRest.setSingleShot(true);
     mRest.setInterval(restAfter);
     connect(&mRest, &QTimer::timeout, this, &DeviceWindow::rest);
-    // A screen that turns tells several changes at once.
+    mEdgeRest.setSingleShot(true);
+    mEdgeRest.setInterval(edgeRestAfter);
+    connect(&mEdgeRest, &QTimer::timeout, this, &DeviceWindow::showBar);
     mScreenChanged.setSingleShot(true);
+    mScreenChanged.setInterval(screenRestAfter);
+    mScreenChanged.setTimerType(Qt::PreciseTimer);
     connect(&mScreenChanged, &QTimer::timeout, this, [this] { mTellScreen(); });
     setMouseTracking(true);
+    qApp->installEventFilter(this);
     setWindowTitle(texts.text("Farview Device"));
     resize(smallSize());
 }
@@ -56,6 +62,8 @@ void DeviceWindow::showStatus(const DeviceStatus& status)
 {
     mStatusPage->showStatus(status);
     mBar->setDeviceName(status.announcedName);
+    mBar->setOptions(status.options.value_or(LinkOptions{}));
+    placeBar();
     mComputers->showComputers(status.computers);
     mStatus = status;
     showRightPage();
@@ -159,7 +167,7 @@ void DeviceWindow::followScreen()
     for (const auto& each : std::exchange(mScreenSignals, {}))
         disconnect(each);
     const QScreen* mine = QWidget::screen();
-    const auto tell = [this] { mScreenChanged.start(0); };
+    const auto tell = [this] { mScreenChanged.start(); };
     mScreenSignals = {connect(mine, &QScreen::geometryChanged, this, tell),
                       connect(mine, &QScreen::logicalDotsPerInchChanged, this, tell),
                       connect(mine, &QScreen::refreshRateChanged, this, tell)};
@@ -177,6 +185,7 @@ void DeviceWindow::beginPicture(const PictureReceiver& picture)
         return;
     showRightPage();
     fillScreen(mFirst == First::fillsScreen);
+    mView->setFocus();
     raise();
     mRest.start();
     mActions.pictureShown(true);
@@ -195,6 +204,8 @@ void DeviceWindow::endPicture()
         return;
     mView->endPicture();
     mRest.stop();
+    mEdgeRest.stop();
+    mBar->closeKeyboard();
     rest();
     mView->unsetCursor();
     showRightPage();
@@ -231,86 +242,6 @@ QSize DeviceWindow::smallSize() const
 {
     const QWidget* const page = mPages->currentWidget();
     return {windowWidth, page == mComputers ? listHeight : page->sizeHint().height()};
-}
-
-// --- bar, keys and mouse ---------------------------------------------------------------------
-
-void DeviceWindow::changeEvent(QEvent* event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::WindowStateChange)
-        mBar->setFullScreen(isFullScreen());
-}
-
-void DeviceWindow::resizeEvent(QResizeEvent* event)
-{
-    QWidget::resizeEvent(event);
-    keepTextsWhole();
-    mBar->setGeometry(0, 0, width(), mBar->sizeHint().height());
-}
-
-void DeviceWindow::keyPressEvent(QKeyEvent* event)
-{
-    if (!mView->hasPicture())
-        return leavePage(event);
-    if (event->key() == Qt::Key_F11)
-        fillScreen(!isFullScreen());
-    else if (event->key() == Qt::Key_F10)
-        mBar->open();
-    else if (event->key() == Qt::Key_Escape && mBar->isVisible())
-        mBar->hide();
-    else if (event->key() == Qt::Key_Escape && isFullScreen())
-        fillScreen(false);
-    else
-        QWidget::keyPressEvent(event);
-}
-
-void DeviceWindow::leavePage(QKeyEvent* event)
-{
-    const QWidget* const page = mPages->currentWidget();
-    if (event->key() == Qt::Key_Escape && page == mQuestion)
-        mActions.refuse();
-    else if (event->key() == Qt::Key_Escape && page == mComputers)
-        listComputers(false);
-    else
-        QWidget::keyPressEvent(event);
-}
-
-void DeviceWindow::mouseMoveEvent(QMouseEvent* event)
-{
-    mView->unsetCursor();
-    openBarAt(event->position());
-}
-
-void DeviceWindow::mousePressEvent(QMouseEvent* event)
-{
-    if (!mBar->geometry().contains(event->position().toPoint()))
-        mBar->hide();
-    openBarAt(event->position());
-}
-
-void DeviceWindow::mouseDoubleClickEvent(QMouseEvent* event)
-{
-    if (mView->hasPicture() && event->button() == Qt::LeftButton)
-        fillScreen(!isFullScreen());
-}
-
-void DeviceWindow::openBarAt(const QPointF& place)
-{
-    if (!mView->hasPicture())
-        return;
-    if (place.y() < edge)
-        mBar->show();
-    mRest.start();
-}
-
-void DeviceWindow::rest()
-{
-    const bool isInUse = mBar->underMouse() || mBar->isAncestorOf(focusWidget());
-    if (mBar->isVisible() && isInUse && mView->hasPicture())
-        return mRest.start();
-    mBar->hide();
-    mView->setCursor(Qt::BlankCursor);
 }
 
 } // namespace farview

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Applications/Device/DeviceServer.h"
+#include "Applications/Device/EdgeSwipe.h"
 #include "Applications/Device/KnownComputersPage.h"
 #include "Applications/Device/PairingPage.h"
 #include "Applications/Device/PictureBar.h"
+#include "Applications/Device/PictureInput.h"
 #include "Applications/Device/ScreenView.h"
 #include "Applications/Device/StatusPage.h"
 
@@ -19,6 +21,10 @@ namespace farview
 /// first picture it fills the screen. F11 and a double click change between the screen and a
 /// window, Escape leaves the screen, F10 or a touch of the upper edge brings the bar. All other
 /// keys are left to others.
+///
+/// While the computer takes input, what is done with the picture is the computer's, and Escape too
+/// when it lets the device type. Then F10 brings the bar, or a swipe from the upper edge, or a
+/// pointer that rests at that edge.
 ///
 /// While a computer that is not known yet waits for an answer, and there is no picture, the window
 /// comes to the front, large, and asks.
@@ -45,11 +51,14 @@ public:
 
     LinkDeviceScreen screen() const override;
     void setScreenObserver(std::function<void()> changed) override;
+    void setInput(InputReporter* input) override;
     void beginPicture(const PictureReceiver& picture) override;
     void showFrame(const std::vector<PixelRect>& changed, std::size_t bytes,
                    std::function<void()> drawn) override;
     void movePointer() override { mView->movePointer(); }
     void endPicture() override;
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -74,7 +83,15 @@ private:
     QSize sizeInWindow() const;
     QSize smallSize() const;
     void leavePage(QKeyEvent* event);
+    void followPlace(const QEvent& event);
+    bool takeForComputer(QEvent& event);
+    bool takeTouch(QTouchEvent& touch);
+    void followPointer(const QMouseEvent& event);
+    void showKeyboard(bool isShown);
     void openBarAt(const QPointF& place);
+    void showBar();
+    void hideBar();
+    void placeBar();
     void rest();
 
     const DeviceTexts& mTexts;
@@ -88,8 +105,11 @@ private:
     KnownComputersPage* mComputers;
     ScreenView* mView;
     PictureBar* mBar;
-    QPoint mPlace; ///< before it filled the screen
-    QTimer mRest;  ///< until bar and mouse pointer go
+    PictureInput mInput;
+    EdgeSwipe mSwipe;
+    QPoint mPlace;    ///< before it filled the screen
+    QTimer mRest;     ///< until bar and mouse pointer go
+    QTimer mEdgeRest; ///< until a pointer at the upper edge brings the bar
     QTimer mScreenChanged;
     std::function<void()> mTellScreen = [] {};
     QList<QMetaObject::Connection> mScreenSignals;

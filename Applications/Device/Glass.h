@@ -9,6 +9,8 @@
 namespace farview
 {
 
+class InputReporter;
+
 /// Where people see the picture of a host. Main thread only.
 class Glass
 {
@@ -19,6 +21,10 @@ public:
     virtual LinkDeviceScreen screen() const = 0;
     /// `changed` is called on a later turn when the screen may have changed.
     virtual void setScreenObserver(std::function<void()> changed) = 0;
+
+    /// What the user does with the picture is reported to `input` from now on, which takes no more
+    /// than its host wants; to nobody when it is null.
+    virtual void setInput(InputReporter* input) = 0;
 
     /// A picture begins, black, in the place of the one before. It is read until the next begins or
     /// `endPicture` is called.

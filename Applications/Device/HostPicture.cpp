@@ -20,25 +20,22 @@ std::int64_t areaOf(int width, int height)
 
 } // namespace
 
-HostPicture::HostPicture(const LinkAgreement& agreement, Glass& glass, Send send, Now now)
-    : mGlass(glass), mSend(std::move(send)), mNow(std::move(now)), mAgreed{&mJpeg}
+HostPicture::HostPicture(const LinkAgreement& agreement, Glass& glass, Send send, RunLoop& loop)
+    : mGlass(glass), mSend(std::move(send)), mLoop(loop),
+      mTakesInput(agreement.has(kLinkInputFeature)), mInput(loop, mSend), mAgreed{&mJpeg}
 {
     if (agreement.has(kLinkZstdFeature))
         mAgreed.push_back(&mZstd);
     mGlass.setScreenObserver([this] { tellScreen(); });
+    mGlass.setInput(&mInput);
     tellScreen();
 }
 
 HostPicture::~HostPicture()
 {
     mGlass.setScreenObserver([] {});
+    mGlass.setInput(nullptr);
     mGlass.endPicture();
-}
-
-std::chrono::microseconds HostPicture::steadyTime()
-{
-    return std::chrono::duration_cast<std::chrono::microseconds>(
-        std::chrono::steady_clock::now().time_since_epoch());
 }
 
 void HostPicture::tellScreen()
@@ -62,6 +59,9 @@ HostPicture::Verdict HostPicture::take(const LinkFrame& frame)
 HostPicture::Verdict HostPicture::judge(const LinkFrame& frame)
 {
     bool isGood = true;
+    const auto* options = std::get_if<LinkOptions>(&frame);
+    if (options && mTakesInput)
+        mInput.setOptions(*options);
     if (const auto* size = std::get_if<LinkPictureSize>(&frame))
         return begin(*size);
     if (const auto* packet = std::get_if<LinkScreenRectangle>(&frame))
@@ -73,6 +73,7 @@ HostPicture::Verdict HostPicture::judge(const LinkFrame& frame)
 
 HostPicture::Verdict HostPicture::begin(const LinkPictureSize& size)
 {
+    mInput.liftAll();
     // What was not shown of the picture before will never be.
     mShown = mEnded;
     if (size == LinkPictureSize{}) {
@@ -116,15 +117,17 @@ bool HostPicture::finish(const LinkFrameEnd& end)
     if (!mReceiver || end.number != mEnded + 1 || mEnded - mShown >= mostUnshown)
         return false;
     mEnded = end.number;
-    mGlass.showFrame(mReceiver->takeChanged(), std::exchange(mBytes, 0),
-                     [this, number = end.number, arrived = mNow()] { tellShown(number, arrived); });
+    mGlass.showFrame(
+        mReceiver->takeChanged(), std::exchange(mBytes, 0),
+        [this, number = end.number, arrived = mLoop.now()] { tellShown(number, arrived); });
     return true;
 }
 
-void HostPicture::tellShown(std::uint32_t number, std::chrono::microseconds arrived)
+void HostPicture::tellShown(std::uint32_t number, Duration arrived)
 {
     constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
-    const auto took = std::clamp<std::int64_t>((mNow() - arrived).count(), 0, most);
+    const auto span = std::chrono::round<std::chrono::microseconds>(mLoop.now() - arrived);
+    const auto took = std::clamp<std::int64_t>(span.count(), 0, most);
     mShown = number;
     mSend(LinkShown{number, static_cast<std::uint32_t>(took)});
 }

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "Applications/Device/Glass.h"
+#include "Applications/Device/InputReporter.h"
 #include "Link/Wire/LinkGreeting.h"
+#include "Platform/RunLoop.h"
 #include "Screen/Codecs/JpegCodec.h"
 #include "Screen/Codecs/ZlibCodec.h"
 #include "Screen/Codecs/ZstdCodec.h"
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -16,13 +17,13 @@ namespace farview
 {
 
 /// The picture of the host that uses the device: from its frames to the glass, and back the word
-/// that they are shown. Lives as long as the link. Main thread only.
+/// that they are shown, and what the user does with it. Lives as long as the link. Main thread
+/// only.
 class HostPicture
 {
 public:
     enum class Verdict { good, brokenRule, tooLarge };
     using Send = std::function<void(const LinkFrame&)>;
-    using Now = std::function<std::chrono::microseconds()>;
 
     /// The pixels of the largest picture that is shown: those of 8K.
     static constexpr std::int64_t mostPixels = std::int64_t{1} << 25;
@@ -36,8 +37,8 @@ public:
     static constexpr std::uint32_t mostUnshown = 2;
 
     /// Tells the host at once, through `send`, what the glass's screen is, and again when that
-    /// changes. `glass` outlives this; `now` is a clock that only goes forward.
-    HostPicture(const LinkAgreement& agreement, Glass& glass, Send send, Now now = steadyTime);
+    /// changes. `glass` and `loop` outlive this.
+    HostPicture(const LinkAgreement& agreement, Glass& glass, Send send, RunLoop& loop);
     ~HostPicture();
     HostPicture(const HostPicture&) = delete;
     HostPicture& operator=(const HostPicture&) = delete;
@@ -48,19 +49,19 @@ public:
     void beginTurn() { mWork = 0; }
 
 private:
-    static std::chrono::microseconds steadyTime();
-
     void tellScreen();
     Verdict judge(const LinkFrame& frame);
     Verdict begin(const LinkPictureSize& size);
     bool apply(const LinkScreenRectangle& packet);
     bool finish(const LinkFrameEnd& end);
     bool mayTouch(std::int64_t pixels);
-    void tellShown(std::uint32_t number, std::chrono::microseconds arrived);
+    void tellShown(std::uint32_t number, Duration arrived);
 
     Glass& mGlass;
     Send mSend;
-    Now mNow;
+    RunLoop& mLoop;
+    bool mTakesInput;
+    InputReporter mInput;
     ZlibCodec mZlib;
     ZstdCodec mZstd;
     JpegCodec mJpeg;

@@ -1,7 +1,7 @@
 #include "Applications/Device/PictureBar.h"
 
-#include <QHBoxLayout>
 #include <QLocale>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <chrono>
@@ -22,6 +22,16 @@ QString rateText(const DeviceTexts& texts, const QSize& picture, const ReceivedA
                        number(received.frames / seconds, 0), number(megabits / seconds, 1)});
 }
 
+QString inputHint(const DeviceTexts& texts, const LinkOptions& options)
+{
+    if (!options.touch)
+        return texts.text("The computer does not take this device's input. Switch it on there: "
+                          "“Use the device's touch input”.");
+    return options.typing ? QString()
+                          : texts.text("The computer does not let this device type. Allow it "
+                                       "there: “This device may type”.");
+}
+
 PictureBar::PictureBar(const DeviceTexts& texts, const Actions& actions, QWidget* parent)
     : QFrame(parent), mTexts(texts)
 {
@@ -29,30 +39,38 @@ PictureBar::PictureBar(const DeviceTexts& texts, const Actions& actions, QWidget
     setAccessibleName(texts.text("Picture bar"));
     setFrameShape(StyledPanel);
     setAutoFillBackground(true);
-    auto* row = new QHBoxLayout(this);
-    mName = addLabel("barName");
-    mRate = addLabel("barRate");
-    row->addStretch();
+    setAttribute(Qt::WA_NoMousePropagation); // the picture below is another matter
+    setCursor(Qt::ArrowCursor);
+    auto* column = new QVBoxLayout(this);
+    mRow = new QHBoxLayout;
+    column->addLayout(mRow);
+    mRow->addWidget(mName = newLabel("barName"));
+    mRow->addWidget(mRate = newLabel("barRate"));
+    mRow->addStretch();
     mFit = addButton("fitButton", "&Fit to Screen");
     mFull = addButton("fullButton", "F&ull Screen");
+    mKeyboard = addButton("keyboardButton", "&Keyboard");
     mDisconnect = addButton("disconnectButton", "&Disconnect");
-    mFit->setCheckable(true);
+    for (QPushButton* each : {mFit, mFull, mKeyboard})
+        each->setCheckable(true);
     mFit->setChecked(true);
-    mFull->setCheckable(true);
+    column->addWidget(mHint = newLabel("barHint"));
+    mHint->setWordWrap(true);
     connect(mFit, &QPushButton::clicked, this, actions.fit);
     connect(mFull, &QPushButton::clicked, this, actions.fillScreen);
+    connect(mKeyboard, &QPushButton::toggled, this, actions.showKeyboard);
     connect(mDisconnect, &QPushButton::clicked, this, actions.disconnect);
     connect(&mEverySecond, &QTimer::timeout, this, [this] { tellRate(); });
     mEverySecond.setInterval(std::chrono::seconds(1));
+    setOptions({});
     hide();
 }
 
-QLabel* PictureBar::addLabel(const char* objectName)
+QLabel* PictureBar::newLabel(const char* objectName)
 {
     auto* label = new QLabel;
     label->setObjectName(QLatin1String(objectName));
     label->setTextFormat(Qt::PlainText);
-    layout()->addWidget(label);
     return label;
 }
 
@@ -62,8 +80,17 @@ QPushButton* PictureBar::addButton(const char* objectName, const char* title)
     button->setObjectName(QLatin1String(objectName));
     button->setAutoDefault(true);         // pressed by Return, too
     button->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it is
-    layout()->addWidget(button);
+    mRow->addWidget(button);
     return button;
+}
+
+void PictureBar::setOptions(const LinkOptions& options)
+{
+    const bool mayType = options.touch && options.typing;
+    mKeyboard->setVisible(mayType);
+    mKeyboard->setChecked(mKeyboard->isChecked() && mayType);
+    mHint->setText(inputHint(mTexts, options));
+    mHint->setVisible(!mHint->text().isEmpty());
 }
 
 void PictureBar::countFrame(std::size_t bytes)

@@ -19,6 +19,7 @@ public:
 
     LinkDeviceScreen screen() const override { return {1920, 1080, 100, 60}; }
     void setScreenObserver(std::function<void()>) override {}
+    void setInput(InputReporter*) override {}
     void beginPicture(const PictureReceiver& picture) override { mPicture = &picture; }
     void showFrame(const std::vector<PixelRect>& changed, std::size_t bytes,
                    std::function<void()> drawn) override;

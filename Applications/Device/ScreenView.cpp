@@ -24,6 +24,11 @@ ScreenView::ScreenView()
     setObjectName(QStringLiteral("screenView"));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
+    setTabletTracking(true);
+    setAttribute(Qt::WA_AcceptTouchEvents);
+    setFocusPolicy(Qt::ClickFocus);
+    // What is typed goes away letter by letter; nobody here knows what stands before it.
+    setInputMethodHints(Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
 }
 
 void ScreenView::beginPicture(const PictureReceiver& picture)

@@ -27,6 +27,10 @@ public:
     void endPicture();
     bool hasPicture() const { return mPicture != nullptr; }
     QSize pictureSize() const;
+    /// The picture as it was drawn last, which is what the user sees.
+    const PicturePlace& drawnPlace() const { return mPlace; }
+    /// Whether the host's pointer is drawn into the picture.
+    bool drawsPointer() const { return mPicture && mPicture->cursor(); }
 
     /// As large as there is room, else pixel for pixel.
     bool isFitted() const { return mIsFitted; }

@@ -40,7 +40,8 @@ QString optionsText(const DeviceTexts& texts, const DeviceStatus& status)
     return line(texts.text("Touch"), status.options->touch) + u'\n' +
            line(texts.text("Retina resolutions"), status.options->retina) + u'\n' +
            line(texts.text("HiDPI resolutions"), status.options->hiDPI) + u'\n' +
-           line(texts.text("Windows move back"), status.options->windowsMoveBack);
+           line(texts.text("Windows move back"), status.options->windowsMoveBack) + u'\n' +
+           line(texts.text("Keys and text"), status.options->typing);
 }
 
 QString verdictText(const DeviceTexts& texts, HostPicture::Verdict verdict)

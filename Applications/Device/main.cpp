@@ -41,6 +41,14 @@ bool hasDisplay()
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 }
 
+/// Desktops on X11 have no on-screen keyboard that Qt knows how to open. Its own is used where it
+/// is installed; where it is not, this changes nothing.
+void preferOwnKeyboard()
+{
+    if (!qEnvironmentVariableIsSet("QT_IM_MODULE") && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+        qputenv("QT_IM_MODULE", "qtvirtualkeyboard");
+}
+
 DeviceSettings settingsFor(const DeviceArguments& arguments)
 {
     const std::string computer = QSysInfo::machineHostName().toStdString();
@@ -218,6 +226,7 @@ int main(int argc, char** argv)
         const QCoreApplication application(argc, argv);
         return run(arguments, false);
     }
+    preferOwnKeyboard();
     const QApplication application(argc, argv);
     // The goodbye comes before the end.
     QApplication::setQuitOnLastWindowClosed(false);

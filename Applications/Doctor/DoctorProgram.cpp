@@ -38,18 +38,18 @@ std::unique_ptr<Notebook> emptyNotebook()
     return std::make_unique<Notebook>(FARVIEW_VERSION, now());
 }
 
-/// Whether anybody was confirmed under that name, or with a key that the report shows so.
-bool forget(Platform& platform, const std::string& nameOrKey)
+/// Those who were confirmed under that name, or with a key that the report shows so: their name, or
+/// else their key.
+std::vector<std::string> confirmedDevices(Platform& platform, const std::string& nameOrKey)
 {
-    bool isKnown = false;
+    std::vector<std::string> found;
     for (const auto& device : PairedPeers(*platform.preferences, PairedPeers::devices).all()) {
-        const bool isNamed = device.name == nameOrKey;
-        if (!isNamed && shownKey(device.key) != nameOrKey)
-            continue;
-        ConnectionFollower(platform).forgetDevice(isNamed ? device.name : device.key);
-        isKnown = true;
+        if (device.name == nameOrKey)
+            found.push_back(device.name);
+        else if (shownKey(device.key) == nameOrKey)
+            found.push_back(device.key);
     }
-    return isKnown;
+    return found;
 }
 
 } // namespace
@@ -138,26 +138,62 @@ Outcome DoctorProgram::outcomeOf(const Findings& findings) const
 void DoctorProgram::answerPairing(PairingAnswer::Answer answer, const std::string& digits,
                                   Ended then)
 {
-    mPairingAnswer = std::make_shared<PairingAnswer>(
+    const auto request = std::make_shared<PairingAnswer>(
         mDesktop.platform(), [this](const auto& text) { return translated(text); });
-    mPairingAnswer->start(answer, digits, std::move(then));
+    mRequest = request;
+    request->start(answer, digits, std::move(then));
+}
+
+void DoctorProgram::askForFurtherDevice(FurtherDeviceRequest::Wish wish, const std::string& name,
+                                        Ended then)
+{
+    const auto request = std::make_shared<FurtherDeviceRequest>(
+        mDesktop.platform(), [this](const auto& text) { return translated(text); });
+    mRequest = request;
+    request->start(wish, name, std::move(then));
 }
 
 void DoctorProgram::forgetDevice(const std::string& nameOrKey, Ended then)
 {
-    const bool wasKnown = forget(mDesktop.platform(), nameOrKey);
-    endWhenSent(std::move(then),
-                [this, nameOrKey, wasKnown] { return forgettingOutcome(nameOrKey, wasKnown); });
+    const auto forget = [](auto& connection, const auto& device) {
+        connection.forgetDevice(device);
+    };
+    changeConfirmed(nameOrKey, forget,
+                    "“%@” is no longer confirmed: it shows digits when you choose it the next "
+                    "time.",
+                    std::move(then));
 }
 
-Outcome DoctorProgram::forgettingOutcome(const std::string& nameOrKey, bool wasKnown)
+void DoctorProgram::letType(const std::string& nameOrKey, bool mayType, Ended then)
 {
-    if (wasKnown && !mDesktop.platform().preferences->appSynchronize(PairedPeers::devices))
+    const auto let = [mayType](auto& connection, const auto& device) {
+        connection.letType(device, mayType);
+    };
+    changeConfirmed(nameOrKey, let,
+                    mayType ? "“%@” may type on this computer from now on."
+                            : "“%@” may not type on this computer.",
+                    std::move(then));
+}
+
+void DoctorProgram::changeConfirmed(const std::string& nameOrKey, const DeviceChange& change,
+                                    const char* doneText, Ended then)
+{
+    ConnectionFollower connection(mDesktop.platform());
+    const auto devices = confirmedDevices(mDesktop.platform(), nameOrKey);
+    for (const auto& device : devices)
+        change(connection, device);
+    const char* text = devices.empty() ? nullptr : doneText;
+    endWhenSent(std::move(then),
+                [this, nameOrKey, text] { return changeOutcome(nameOrKey, text); });
+}
+
+/// `doneText` is null when nobody was meant.
+Outcome DoctorProgram::changeOutcome(const std::string& nameOrKey, const char* doneText)
+{
+    if (doneText && !mDesktop.platform().preferences->appSynchronize(PairedPeers::devices))
         return settingsOutcome();
-    const char* text = wasKnown ? "“%@” is no longer confirmed: it shows digits when you choose it "
-                                  "the next time."
-                                : "No confirmed device is called “%@”.";
-    return {wasKnown, filledText(translated(text), shownValue(nameOrKey))};
+    const char* text = doneText ? doneText : "No confirmed device is called “%@”.";
+    return {doneText != nullptr, filledText(translated(text), shownValue(nameOrKey))};
 }
 
 } // namespace farview

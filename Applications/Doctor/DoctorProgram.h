@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Applications/Doctor/Examination.h"
+#include "Applications/Doctor/FurtherDeviceRequest.h"
 #include "Applications/Doctor/PairingAnswer.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Screens/DesktopScreens.h"
 #include "Platform/Platform.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -29,7 +31,7 @@ public:
     std::string translated(const std::string& text) const;
     /// Begins a run, from the beginning; one that is under way is broken off.
     void examine(std::function<void(Area)> areaBegun, std::function<void()> ended);
-    using Ended = PairingAnswer::Ended;
+    using Ended = ServerRequest::Ended;
     /// Has the server log what it sends of the screen, or not. `then` is called on a later turn,
     /// with what holds from now on.
     void switchPacketLog(bool isOn, Ended then);
@@ -38,13 +40,21 @@ public:
     /// Takes a device from those that the user has confirmed: by its name, or by the digits of its
     /// key that the report shows. `then` as above.
     void forgetDevice(const std::string& nameOrKey, Ended then);
+    /// Lets a confirmed device type here, or not. It is meant, and `then` is called, as above.
+    void letType(const std::string& nameOrKey, bool mayType, Ended then);
+    /// Has the server use that device beside the one that it uses, or leave it. `then` as above.
+    void askForFurtherDevice(FurtherDeviceRequest::Wish wish, const std::string& name, Ended then);
     SessionBus& sessionBus() { return mDesktop.sessionBus(); }
     const Notebook& notebook() const { return *mNotebook; }
 
 private:
+    using DeviceChange = std::function<void(ConnectionFollower&, const std::string& nameOrKey)>;
+
     Outcome packetLogOutcome();
     Outcome settingsOutcome() const;
-    Outcome forgettingOutcome(const std::string& nameOrKey, bool wasKnown);
+    void changeConfirmed(const std::string& nameOrKey, const DeviceChange& change,
+                         const char* doneText, Ended then);
+    Outcome changeOutcome(const std::string& nameOrKey, const char* doneText);
     Outcome outcomeOf(const Findings& findings) const;
     void endWhenSent(Ended then, std::function<Outcome()> outcome);
 
@@ -55,7 +65,7 @@ private:
     std::shared_ptr<Bundle> mPane;
     std::unique_ptr<Notebook> mNotebook;
     std::shared_ptr<Examination> mExamination;
-    std::shared_ptr<PairingAnswer> mPairingAnswer;
+    std::shared_ptr<ServerRequest> mRequest;
     const std::shared_ptr<int> mLife = std::make_shared<int>(0); ///< of what is asked
 };
 

@@ -16,42 +16,25 @@ void PairingAnswer::start(Answer answer, const std::string& digits, Ended ended)
 {
     mAnswer = answer;
     mDigits = digits;
-    mEnded = std::move(ended);
     observe(kServerPairingDidChange, [this](const Notification& report) {
         heard(pairingReport(report.text(kPairingReportKey)));
     });
     observe(kServerConnectedToDevice, [this](const Notification& report) { connected(report); });
     for (const char* name : {kQueryResultForConnectedHost, kServerDisconnectedFromDevice})
         observe(name, [this](const Notification&) { heardOfConnection(); });
-    endAfter(limit, {false, mLocalized("The screen server does not answer.")});
-    ConnectionFollower(mPlatform).query();
-}
-
-void PairingAnswer::observe(const char* name, NotificationHandler handler)
-{
-    mPlatform.distributedNotificationCenter->addObserver(weak_from_this(), std::move(handler), name,
-                                                         "");
-}
-
-/// Unless something is heard before.
-void PairingAnswer::endAfter(Duration delay, const Outcome& outcome)
-{
-    if (const auto earlier = mEnding.lock())
-        earlier->invalidate();
-    mEnding = mPlatform.runLoop->scheduledTimer(delay, false, weak_from_this(),
-                                                [this, outcome] { end(outcome); });
+    begin(std::move(ended));
 }
 
 /// The server tells of the connection first, and then what is in question.
 void PairingAnswer::heardOfConnection()
 {
-    if (mEnded && !mHasAnswered)
+    if (!isOver() && !mHasAnswered)
         endAfter(settling, notAsked({}));
 }
 
 void PairingAnswer::heard(const PairingReport& report)
 {
-    if (!mEnded)
+    if (isOver())
         return;
     if (mHasAnswered) {
         if (!isInQuestion(report))
@@ -76,9 +59,9 @@ void PairingAnswer::answer()
 {
     mHasAnswered = true;
     const bool confirms = mAnswer == Answer::confirm;
-    ConnectionFollower(mPlatform).command(confirms ? kConfirmDevice : kRefuseDevice,
-                                          {{kDigitsKey, mDigits}});
-    endAfter(limit, {false, mLocalized("The screen server does not answer.")});
+    ConnectionFollower(platform())
+        .command(confirms ? kConfirmDevice : kRefuseDevice, {{kDigitsKey, mDigits}});
+    endUnlessAnswered();
 }
 
 void PairingAnswer::conclude(const PairingReport& report)
@@ -94,7 +77,7 @@ void PairingAnswer::conclude(const PairingReport& report)
 
 Outcome PairingAnswer::refused() const
 {
-    return {true, mLocalized("The device is not confirmed. No picture was sent.")};
+    return {true, localized()("The device is not confirmed. No picture was sent.")};
 }
 
 void PairingAnswer::connected(const Notification& report)
@@ -102,27 +85,21 @@ void PairingAnswer::connected(const Notification& report)
     const auto* device = report.text(kDeviceNameKey);
     if (mHasAnswered && device)
         end({mAnswer == Answer::confirm,
-             filledText(mLocalized("Connected to %@"), shownValue(*device))});
+             filledText(localized()("Connected to %@"), shownValue(*device))});
 }
 
 Outcome PairingAnswer::notAsked(const PairingReport& report) const
 {
     const auto text =
-        filledText(mLocalized("No device asks about %@ now."), groupedDigits(mDigits));
+        filledText(localized()("No device asks about %@ now."), groupedDigits(mDigits));
     return {false, report.state == State::none ? text : text + "\n" + told(report)};
 }
 
 std::string PairingAnswer::told(PairingReport report) const
 {
     report.device = shownValue(report.device);
-    return pairingSentence(report, mLocalized) + "\n" +
-           mLocalized(pairingTexts(report.state).remedy);
-}
-
-void PairingAnswer::end(const Outcome& outcome)
-{
-    if (const auto ended = std::exchange(mEnded, nullptr))
-        ended(outcome);
+    return pairingSentence(report, localized()) + "\n" +
+           localized()(pairingTexts(report.state).remedy);
 }
 
 } // namespace farview

@@ -179,4 +179,13 @@ Findings findingsAboutDisplay(const DisplayFacts& facts);
 /// `answer` is nothing when nobody said in time what is possible.
 Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer);
 
+/// What a device's input comes to.
+struct InputFacts {
+    bool isX11 = false; ///< elsewhere the desktop takes everything
+    bool mayMakeDevices = false;
+};
+
+InputFacts inputFacts();
+Findings findingsAboutInput(const InputFacts& facts);
+
 } // namespace farview

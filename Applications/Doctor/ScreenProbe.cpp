@@ -1,6 +1,8 @@
 #include "Applications/Doctor/Probes.h"
 
 #include "Common/Rules/ScreenTexts.h"
+#include "Platform/Desktop/Screens/ScreenBackends.h"
+#include "Platform/Desktop/Screens/X11/InputDevices.h"
 
 namespace farview
 {
@@ -51,6 +53,25 @@ Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer)
         return {finding(Severity::note, "unanswered",
                         "Nobody said in time whether a screen can be added.")};
     return {answer->way ? aboutWay(*answer->way) : aboutObstacle(answer->obstacle)};
+}
+
+InputFacts inputFacts()
+{
+    return {screenBackendFor(sessionFacts()) == ScreenBackend::x11, mayMakeKernelDevices()};
+}
+
+Findings findingsAboutInput(const InputFacts& facts)
+{
+    if (!facts.isX11)
+        return {};
+    if (facts.mayMakeDevices)
+        return {finding(Severity::ok, "several-fingers",
+                        "Several fingers and a pen with pressure get through to this desktop.")};
+    return {finding(Severity::note, "one-finger",
+                    "Only one finger at a time gets through to this desktop, as its pointer: "
+                    "Farview may not make input devices.",
+                    "An administrator puts the rule “60-farview-input.rules” into "
+                    "“/etc/udev/rules.d” and restarts the computer.")};
 }
 
 } // namespace farview

@@ -1,5 +1,6 @@
 #include "Applications/CommandLine.h"
 #include "Applications/Doctor/DoctorProgram.h"
+#include "Applications/Doctor/FurtherDeviceRequest.h"
 #include "Applications/Doctor/HangWatchdog.h"
 #include "Applications/Doctor/PairingAnswer.h"
 #include "Applications/Doctor/Report.h"
@@ -93,18 +94,45 @@ Command refusing(const std::string& typed)
     return answering(PairingAnswer::Answer::refuse, typed);
 }
 
-Command forgetting(const std::string& name)
+/// Something to do with the device of that name: nothing without one.
+template <typename Operation> Command withDevice(const std::string& name, Operation operation)
 {
     if (name.empty())
         return {};
-    return [name](auto& program, auto ended) { program.forgetDevice(name, ended); };
+    return [=](auto& program, auto ended) { operation(program, name, ended); };
+}
+
+Command forgetting(const std::string& name)
+{
+    return withDevice(name, [](auto& program, const auto& device, auto ended) {
+        program.forgetDevice(device, ended);
+    });
+}
+
+template <bool mayType> Command lettingType(const std::string& name)
+{
+    return withDevice(name, [](auto& program, const auto& device, auto ended) {
+        program.letType(device, mayType, ended);
+    });
+}
+
+template <FurtherDeviceRequest::Wish wish> Command wishing(const std::string& name)
+{
+    return withDevice(name, [](auto& program, const auto& device, auto ended) {
+        program.askForFurtherDevice(wish, device, ended);
+    });
 }
 
 /// The options that ask for a command, and what makes it of their value: nothing of one that does
 /// not fit.
 constexpr std::array commands = {std::pair{"packet-log", &switchingPacketLog},
-                                 std::pair{"confirm", &confirming}, std::pair{"refuse", &refusing},
-                                 std::pair{"forget", &forgetting}};
+                                 std::pair{"confirm", &confirming},
+                                 std::pair{"refuse", &refusing},
+                                 std::pair{"forget", &forgetting},
+                                 std::pair{"also", &wishing<FurtherDeviceRequest::Wish::use>},
+                                 std::pair{"stop", &wishing<FurtherDeviceRequest::Wish::leave>},
+                                 std::pair{"let-type", &lettingType<true>},
+                                 std::pair{"no-typing", &lettingType<false>}};
 
 int run(int argc, char** argv, bool asJSON)
 {
@@ -119,20 +147,31 @@ int run(int argc, char** argv, bool asJSON)
 
 CommandLine::Options options()
 {
-    return {{u"json"_qs, u"Print the report for programs, as JSON with English texts"_qs},
-            {u"packet-log"_qs,
-             u"Instead, have the screen server log what it sends of the screen, in files that only "
-             "you can read, or end that"_qs,
-             u"on|off"_qs},
-            {u"confirm"_qs,
-             u"Instead, say that the device which is being connected shows these digits"_qs,
-             u"digits"_qs},
-            {u"refuse"_qs, u"Instead, say that it does not, or that you do not want it"_qs,
-             u"digits"_qs},
-            {u"forget"_qs,
-             u"Instead, take a device from those that you have confirmed; by its name, or by the "
-             "digits of its key"_qs,
-             u"name"_qs}};
+    return {
+        {u"json"_qs, u"Print the report for programs, as JSON with English texts"_qs},
+        {u"packet-log"_qs,
+         u"Instead, have the screen server log what it sends of the screen, in files that only "
+         "you can read, or end that"_qs,
+         u"on|off"_qs},
+        {u"confirm"_qs,
+         u"Instead, say that the device which is being connected shows these digits"_qs,
+         u"digits"_qs},
+        {u"refuse"_qs, u"Instead, say that it does not, or that you do not want it"_qs,
+         u"digits"_qs},
+        {u"forget"_qs,
+         u"Instead, take a device from those that you have confirmed; by its name, or by the "
+         "digits of its key"_qs,
+         u"name"_qs},
+        {u"also"_qs,
+         u"Instead, use that device beside the one that is used already; by its name, or by its "
+         "host's"_qs,
+         u"name"_qs},
+        {u"stop"_qs, u"Instead, leave a device that is used beside another one"_qs, u"name"_qs},
+        {u"let-type"_qs,
+         u"Instead, let a confirmed device type on this computer: whoever holds it can then do "
+         "what you can do here"_qs,
+         u"name"_qs},
+        {u"no-typing"_qs, u"Instead, take that back"_qs, u"name"_qs}};
 }
 
 /// What the options ask for; nothing when it is an examination.

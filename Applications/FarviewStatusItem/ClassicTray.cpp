@@ -9,11 +9,38 @@
 
 namespace farview
 {
+namespace
+{
+
+void addEntry(QMenu& menu, const std::shared_ptr<MenuItem>& item)
+{
+    auto* action = menu.addAction(plainMenuText(item->title));
+    action->setEnabled(item->canBeChosen());
+    action->setCheckable(item->state == 1);
+    action->setChecked(item->state == 1);
+    QObject::connect(action, &QAction::triggered, &menu, [item] { choose(item); });
+}
+
+void fill(QMenu& menu, const Menu& entries)
+{
+    menu.clear();
+    qDeleteAll(menu.findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
+    for (const auto& item : entries.items()) {
+        if (isSeparator(*item))
+            menu.addSeparator();
+        else if (item->submenu)
+            fill(*menu.addMenu(plainMenuText(item->title)), *item->submenu);
+        else
+            addEntry(menu, item);
+    }
+}
+
+} // namespace
 
 ClassicTray::ClassicTray(const StatusItemDisplay& display)
 {
     // An open menu stays as it is; it is made anew whenever it opens.
-    QObject::connect(&mMenu, &QMenu::aboutToShow, &mMenu, [this] { fillMenu(); });
+    QObject::connect(&mMenu, &QMenu::aboutToShow, &mMenu, [this] { fill(mMenu, *mDisplay.menu); });
     QObject::connect(&mIcon, &QSystemTrayIcon::activated, &mMenu,
                      [this](QSystemTrayIcon::ActivationReason reason) {
                          if (reason == QSystemTrayIcon::Trigger)
@@ -35,26 +62,6 @@ void ClassicTray::show(const StatusItemDisplay& display)
     if (!sameIcon)
         mIcon.setIcon(iconFor(display.icon));
     mIcon.setToolTip(plainToolTip(display.headline + "\n" + display.sentence));
-}
-
-void ClassicTray::fillMenu()
-{
-    mMenu.clear();
-    for (const auto& item : mDisplay.menu->items()) {
-        if (isSeparator(*item))
-            mMenu.addSeparator();
-        else
-            addEntry(item);
-    }
-}
-
-void ClassicTray::addEntry(const std::shared_ptr<MenuItem>& item)
-{
-    auto* action = mMenu.addAction(plainMenuText(item->title));
-    action->setEnabled(item->canBeChosen());
-    action->setCheckable(item->state == 1);
-    action->setChecked(item->state == 1);
-    QObject::connect(action, &QAction::triggered, &mMenu, [item] { choose(item); });
 }
 
 } // namespace farview

@@ -29,9 +29,6 @@ public:
     QRect geometry() const { return mIcon.geometry(); }
 
 private:
-    void fillMenu();
-    void addEntry(const std::shared_ptr<MenuItem>& item);
-
     StatusItemDisplay mDisplay;
     QMenu mMenu; // goes after the icon that opens it
     QSystemTrayIcon mIcon;

@@ -10,21 +10,26 @@ namespace farview
 namespace
 {
 
-constexpr int rootId = 0;
+constexpr int rootId = MenuLayout::rootId;
 
 /// One line, in which an underscore is a letter, not the mark of a shortcut.
 QString labelOf(const MenuItem& item) { return plainLine(item.title).replace(u'_', u"__"_qs); }
 
-QVariantMap describe(const MenuItem& item)
+/// Of the entries of the menu itself one is marked, of those of a submenu any number.
+QVariantMap describe(const MenuLayout::Row& row)
 {
+    const MenuItem& item = *row.item;
     if (isSeparator(item))
         return {{QStringLiteral("type"), QStringLiteral("separator")}};
     QVariantMap properties{{QStringLiteral("label"), labelOf(item)},
-                           {QStringLiteral("enabled"), item.canBeChosen()}};
+                           {QStringLiteral("enabled"), item.submenu || item.canBeChosen()}};
     if (item.state == 1) {
-        properties.insert(QStringLiteral("toggle-type"), QStringLiteral("radio"));
+        properties.insert(QStringLiteral("toggle-type"),
+                          row.parent == rootId ? u"radio"_qs : u"checkmark"_qs);
         properties.insert(QStringLiteral("toggle-state"), 1);
     }
+    if (item.submenu)
+        properties.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
     return properties;
 }
 
@@ -51,24 +56,34 @@ QString DBusMenu::textDirection() const
     return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
 }
 
-bool DBusMenu::isKnown(int id) const { return id == rootId || mLayout.item(id); }
+bool DBusMenu::isKnown(int id) const { return id == rootId || mLayout.row(id); }
 
 QVariantMap DBusMenu::propertiesOf(int id) const
 {
     if (id == rootId)
         return {{QStringLiteral("children-display"), QStringLiteral("submenu")}};
-    const auto item = mLayout.item(id);
-    return item ? describe(*item) : QVariantMap();
+    const auto* row = mLayout.row(id);
+    return row ? describe(*row) : QVariantMap();
+}
+
+/// The entries in that one's submenu, `depth` levels of them; all for a negative number.
+QList<DBusMenuLayoutItem> DBusMenu::childrenOf(int parentId, int depth,
+                                               const QStringList& propertyNames) const
+{
+    QList<DBusMenuLayoutItem> children;
+    for (const auto& row : mLayout.rows()) {
+        if (depth != 0 && row.parent == parentId)
+            children.append({row.id, only(propertyNames, describe(row)),
+                             childrenOf(row.id, depth - 1, propertyNames)});
+    }
+    return children;
 }
 
 uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
                          DBusMenuLayoutItem& layout)
 {
-    layout = {parentId, only(propertyNames, propertiesOf(parentId)), {}};
-    if (parentId != rootId || recursionDepth == 0)
-        return mLayout.revision();
-    for (const auto& row : mLayout.rows())
-        layout.children.append({row.id, only(propertyNames, describe(*row.item)), {}});
+    layout = {parentId, only(propertyNames, propertiesOf(parentId)),
+              childrenOf(parentId, recursionDepth, propertyNames)};
     return mLayout.revision();
 }
 
@@ -78,7 +93,7 @@ DBusMenuPropertiesList DBusMenu::GetGroupProperties(const DBusMenuIds& ids,
     DBusMenuPropertiesList result;
     if (ids.isEmpty()) {
         for (const auto& row : mLayout.rows())
-            result.append({row.id, only(propertyNames, describe(*row.item))});
+            result.append({row.id, only(propertyNames, describe(row))});
     }
     for (const int id : ids) {
         if (isKnown(id))

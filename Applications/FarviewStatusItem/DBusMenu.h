@@ -48,6 +48,8 @@ Q_SIGNALS:
 
 private:
     QVariantMap propertiesOf(int id) const;
+    QList<DBusMenuLayoutItem> childrenOf(int parentId, int depth,
+                                         const QStringList& propertyNames) const;
     bool isKnown(int id) const;
 
     MenuLayout mLayout;

@@ -23,7 +23,7 @@ bool standsForSame(const MenuItem& left, const MenuItem& right)
 bool looksSame(const MenuItem& left, const MenuItem& right)
 {
     return left.title == right.title && left.state == right.state &&
-           left.canBeChosen() == right.canBeChosen();
+           left.canBeChosen() == right.canBeChosen() && !left.submenu == !right.submenu;
 }
 
 bool choose(const std::shared_ptr<MenuItem>& item)
@@ -36,16 +36,25 @@ bool MenuLayout::setMenu(const Menu& menu)
 {
     auto earlier = std::exchange(mRows, {});
     const auto before = earlier;
-    for (const auto& item : menu.items())
-        mRows.push_back({idFor(*item, earlier), item});
-    const bool same =
-        std::equal(mRows.begin(), mRows.end(), before.begin(), before.end(),
-                   [](const Row& left, const Row& right) {
-                       return left.id == right.id && looksSame(*left.item, *right.item);
-                   });
+    addRows(menu, rootId, earlier);
+    const bool same = std::equal(mRows.begin(), mRows.end(), before.begin(), before.end(),
+                                 [](const Row& left, const Row& right) {
+                                     return left.id == right.id && left.parent == right.parent &&
+                                            looksSame(*left.item, *right.item);
+                                 });
     if (!same)
         ++mRevision;
     return !same;
+}
+
+void MenuLayout::addRows(const Menu& menu, int parent, std::vector<Row>& earlier)
+{
+    for (const auto& item : menu.items()) {
+        const int id = idFor(*item, earlier);
+        mRows.push_back({id, parent, item});
+        if (item->submenu)
+            addRows(*item->submenu, id, earlier);
+    }
 }
 
 /// The number of the earlier entry that stands for the same, which is then spent, or a new one.
@@ -60,13 +69,18 @@ int MenuLayout::idFor(const MenuItem& item, std::vector<Row>& earlier)
     return id;
 }
 
-std::shared_ptr<MenuItem> MenuLayout::item(int id) const
+const MenuLayout::Row* MenuLayout::row(int id) const
 {
     const auto found =
         std::find_if(mRows.begin(), mRows.end(), [id](const Row& row) { return row.id == id; });
-    return found == mRows.end() ? nullptr : found->item;
+    return found == mRows.end() ? nullptr : &*found;
 }
 
-bool MenuLayout::choose(int id) const { return farview::choose(item(id)); }
+bool MenuLayout::choose(int id) const
+{
+    const auto* found = row(id);
+    // The entry outlives what its choice does to the menu.
+    return found && farview::choose(std::shared_ptr(found->item));
+}
 
 } // namespace farview

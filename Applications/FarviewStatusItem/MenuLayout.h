@@ -14,8 +14,12 @@ namespace farview
 class MenuLayout
 {
 public:
+    /// Of the menu itself.
+    static constexpr int rootId = 0;
+
     struct Row {
         int id = 0;
+        int parent = rootId; ///< the entry whose submenu it is in
         std::shared_ptr<MenuItem> item;
     };
 
@@ -23,14 +27,16 @@ public:
     bool setMenu(const Menu& menu);
     /// Counts the changes.
     unsigned revision() const { return mRevision; }
+    /// Submenus follow their entries.
     const std::vector<Row>& rows() const { return mRows; }
     /// Null when there is no such entry (any more).
-    std::shared_ptr<MenuItem> item(int id) const;
+    const Row* row(int id) const;
 
     /// The user's door: performs the entry, when it can be chosen now. False when not.
     bool choose(int id) const;
 
 private:
+    void addRows(const Menu& menu, int parent, std::vector<Row>& earlier);
     int idFor(const MenuItem& item, std::vector<Row>& earlier);
 
     std::vector<Row> mRows;

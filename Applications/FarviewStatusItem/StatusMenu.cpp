@@ -43,6 +43,7 @@ void StatusMenu::start()
     observe(kQueryResultForConnectedHost, &StatusMenu::connectedToDevice);
     observe(kServerDisconnectedFromDevice, &StatusMenu::disconnectedFromDevice);
     observe(kServerScreenDidChange, &StatusMenu::screenChanged);
+    observe(kServerFurtherDevicesDidChange, &StatusMenu::furtherDevicesChanged);
     observe(kServerPairingDidChange, &StatusMenu::pairingChanged);
     observe(kRequestingErrorMsgFromPrefPane, &StatusMenu::connectFailed);
     for (const char* name :
@@ -119,6 +120,7 @@ const Operation<StatusMenu>* StatusMenu::operation(Selector selector)
         action<&StatusMenu::turnOff, StatusMenu>("turnOff:"),
         action<&StatusMenu::takeNoDevice, StatusMenu>("takeNoDevice:"),
         action<&StatusMenu::takeDevice, StatusMenu>("takeDevice:"),
+        action<&StatusMenu::alsoUse, StatusMenu>("alsoUse:"),
         action<&StatusMenu::confirmDevice, StatusMenu>("confirmDevice:"),
         action<&StatusMenu::refuseDevice, StatusMenu>("refuseDevice:"),
         action<&StatusMenu::openPreferences, StatusMenu>("openPreferences:"),
@@ -172,6 +174,16 @@ void StatusMenu::takeDevice(Object* sender)
         return;
     if (const auto hostName = service->hostName())
         mConnection.connectToHost(*hostName);
+}
+
+void StatusMenu::alsoUse(Object* sender)
+{
+    const auto* item = dynamic_cast<MenuItem*>(sender);
+    const auto* hostName = item ? std::get_if<std::string>(&item->representedObject) : nullptr;
+    if (hostName && item->state == 0)
+        mConnection.alsoConnectToHost(*hostName);
+    else if (hostName)
+        mConnection.leaveFurtherDevice(*hostName);
 }
 
 void StatusMenu::confirmDevice(Object* sender)
@@ -247,6 +259,12 @@ void StatusMenu::disconnectedFromDevice(const Notification& notification)
 void StatusMenu::screenChanged(const Notification& notification)
 {
     mConnection.followScreen(notification);
+    refresh();
+}
+
+void StatusMenu::furtherDevicesChanged(const Notification& notification)
+{
+    mConnection.followFurtherDevices(notification);
     refresh();
 }
 

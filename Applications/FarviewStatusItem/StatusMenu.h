@@ -4,6 +4,7 @@
 #include "Common/ConnectionFollower.h"
 #include "Common/FVEPreferences.h"
 #include "Common/Rules/DeviceMenu.h"
+#include "Common/Rules/FurtherDeviceRows.h"
 #include "Common/Rules/StatusIcon.h"
 #include "Controls/Menu.h"
 #include "Controls/OperationTable.h"
@@ -74,6 +75,7 @@ private:
     void turnOff(Object* sender);
     void takeNoDevice(Object* sender);
     void takeDevice(Object* sender);
+    void alsoUse(Object* sender);
     void confirmDevice(Object* sender);
     void refuseDevice(Object* sender);
     void openPreferences(Object* sender);
@@ -83,6 +85,7 @@ private:
     void connectedToDevice(const Notification& notification);
     void disconnectedFromDevice(const Notification& notification);
     void screenChanged(const Notification& notification);
+    void furtherDevicesChanged(const Notification& notification);
     void pairingChanged(const Notification& notification);
     void connectFailed(const Notification& notification);
     void connectRequested(const Notification& notification);
@@ -107,9 +110,13 @@ private:
     void addDevices(Menu& menu, bool on);
     std::shared_ptr<MenuItem> deviceItem(const MenuEntry& entry, bool on);
     DeviceMenuInputs deviceMenuInputs();
+    void addFurtherDevices(Menu& menu, bool on);
+    FurtherDeviceInputs furtherDeviceInputs() const;
+    std::string typing(bool on) const;
     bool isInForce(const MenuEntry& entry) const;
     std::string deviceName() const;
     std::shared_ptr<MenuItem> addItem(Menu& menu, const char* title, Selector action);
+    Localize localize() const;
     std::string localized(const std::string& text) const;
 
     Services mServices;

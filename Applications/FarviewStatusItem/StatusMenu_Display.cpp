@@ -7,6 +7,8 @@
 #include "Common/Rules/ScreenTexts.h"
 #include "Common/Rules/StatusDisplay.h"
 
+#include <sstream>
+
 namespace farview
 {
 namespace
@@ -17,6 +19,13 @@ void addInertLine(Menu& menu, const std::string& title)
     auto item = std::make_shared<MenuItem>();
     item->title = title;
     menu.insertItem(item, menu.numberOfItems());
+}
+
+void addInertLines(Menu& menu, const std::string& text)
+{
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        addInertLine(menu, line);
 }
 
 void addSeparator(Menu& menu) { addInertLine(menu, {}); }
@@ -40,17 +49,19 @@ StatusItemDisplay StatusMenu::makeDisplay()
     const bool failed = mConnectFailed || isFailure(mConnection.pairing().state);
     display.icon = statusIcon({mDriverInstalled, state, isConnected(), failed, isAsked()});
     display.headline = headline(display.icon);
-    display.sentence = sentence(state);
+    const std::string whoTypes = typing(on);
+    display.sentence = whoTypes.empty() || isAsked() ? sentence(state) : whoTypes;
     auto menu = std::make_shared<Menu>();
     addInertLine(*menu, display.headline);
-    if (const auto text = detail(); !text.empty())
-        addInertLine(*menu, text);
+    addInertLines(*menu, detail());
+    addInertLines(*menu, whoTypes);
     addAnswers(*menu);
     if (mDriverInstalled)
         addItem(*menu, on ? "Turn Farview Off" : "Turn Farview On",
                 on ? Selector{"turnOff:"} : Selector{"turnOn:"});
     addSeparator(*menu);
     addDevices(*menu, on);
+    addFurtherDevices(*menu, on);
     addSeparator(*menu);
     addItem(*menu, "Open Farview Preferences…", {"openPreferences:"});
     addItem(*menu, "Quit", {"quit:"});
@@ -101,13 +112,12 @@ std::string StatusMenu::detail() const
     const auto& report = mConnection.screen();
     if (!report || !isConnected())
         return {};
-    return screenSentence(*report, [this](const std::string& text) { return localized(text); });
+    return screenSentence(*report, localize());
 }
 
 std::string StatusMenu::pairingText() const
 {
-    return pairingSentence(mConnection.pairing(),
-                           [this](const std::string& text) { return localized(text); });
+    return pairingSentence(mConnection.pairing(), localize());
 }
 
 std::string StatusMenu::deviceName() const
@@ -159,6 +169,43 @@ DeviceMenuInputs StatusMenu::deviceMenuInputs()
     return inputs;
 }
 
+void StatusMenu::addFurtherDevices(Menu& menu, bool on)
+{
+    auto devices = std::make_shared<Menu>();
+    for (const auto& row : furtherDeviceRows(furtherDeviceInputs(), localize())) {
+        const auto item = addItem(*devices, "", {"alsoUse:"});
+        item->title = row.state.empty()
+                          ? row.name
+                          : filledPlaces(localized("%1$@, %2$@"), {row.name, row.state});
+        item->state = row.isUsed ? 1 : 0;
+        item->representedObject = row.hostName;
+    }
+    if (!on || devices->numberOfItems() == 0)
+        return;
+    addInertLine(menu, localized("Also Use"));
+    menu.items().back()->submenu = devices;
+}
+
+FurtherDeviceInputs StatusMenu::furtherDeviceInputs() const
+{
+    FurtherDeviceInputs inputs;
+    for (const auto& service : mBrowser->activeServiceList()) {
+        if (const auto hostName = service->hostName())
+            inputs.inSight.push_back({*hostName, service->name(), isDeviceInUse(*service)});
+    }
+    inputs.isConnected = isConnected();
+    inputs.firstHostName = mReportedHostName;
+    inputs.used = mConnection.furtherDevices();
+    return inputs;
+}
+
+std::string StatusMenu::typing(bool on) const
+{
+    return on ? typingText(deviceName(), mConnection.screen(), mConnection.furtherDevices(),
+                           localize())
+              : std::string();
+}
+
 std::shared_ptr<MenuItem> StatusMenu::deviceItem(const MenuEntry& entry, bool on)
 {
     auto item = std::make_shared<MenuItem>();
@@ -203,6 +250,11 @@ std::shared_ptr<MenuItem> StatusMenu::addItem(Menu& menu, const char* title, Sel
     item->target = weak_from_this();
     menu.insertItem(item, menu.numberOfItems());
     return item;
+}
+
+Localize StatusMenu::localize() const
+{
+    return [this](const std::string& text) { return localized(text); };
 }
 
 std::string StatusMenu::localized(const std::string& text) const

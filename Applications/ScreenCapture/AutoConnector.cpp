@@ -141,6 +141,12 @@ void AutoConnector::welcome(const NetService& service)
     mLeftAlone.erase(service.name());
 }
 
+void AutoConnector::userChoseNot(const std::string& hostName)
+{
+    for (const auto& service : servicesOfHost(hostName))
+        mLeftAlone.insert(service->name());
+}
+
 void AutoConnector::userChoseNone()
 {
     for (const auto& service : mBrowser->activeServiceList())
@@ -181,6 +187,7 @@ void AutoConnector::connectionBegan()
 {
     mConnectedAt = mServices.runLoop.now();
     forgetFailures();
+    considerSoon();
 }
 
 void AutoConnector::connectionEnded(const std::string& hostName)
@@ -203,23 +210,65 @@ void AutoConnector::considerSoon()
 
 void AutoConnector::consider()
 {
-    if (!mHasSettled || !mServer.isIdle() || bringBack() || !isWanted())
+    if (!mHasSettled)
+        return;
+    if (mServer.isIdle())
+        considerFirst();
+    else if (isWanted() && mServices.preferences.autoConnectAllDevices() && mServer.takesFurther())
+        considerFurther();
+}
+
+/// Those that are used, were never confirmed, or that the user wants to be left alone.
+AutoConnector::Names AutoConnector::heldOff(const ServiceList& services) const
+{
+    Names names = strangers(services);
+    names.insert(mLeftAlone.begin(), mLeftAlone.end());
+    for (const auto& service : services) {
+        if (mServer.uses(service->hostName().value_or("")))
+            names.insert(service->name());
+    }
+    return names;
+}
+
+std::optional<DeviceTarget> AutoConnector::choice(const ServiceList& services,
+                                                  const Names& heldOff) const
+{
+    const auto index = autoConnectChoice(mChosen, announcedDevices(services), heldOff);
+    if (!index)
+        return std::nullopt;
+    const NetService& service = *services[*index];
+    return DeviceTarget{service.hostName().value_or(""), service.name(), service.endpoints()};
+}
+
+void AutoConnector::considerFirst()
+{
+    if (bringBack() || !isWanted())
         return;
     const ServiceList services = mBrowser->activeServiceList();
-    const auto devices = announcedDevices(services);
-    Names never = strangers(services);
-    never.insert(mLeftAlone.begin(), mLeftAlone.end());
+    const Names never = heldOff(services);
     Names notNow = never;
     notNow.insert(mTried.begin(), mTried.end());
-    const auto stranger = autoConnectChoice(mChosen, devices, mLeftAlone);
-    if (const auto choice = autoConnectChoice(mChosen, devices, notNow)) {
-        const NetService& service = *services[*choice];
-        tryOnce(service.name(),
-                {service.hostName().value_or(""), service.name(), service.endpoints()});
-    } else if (autoConnectChoice(mChosen, devices, never)) {
+    const auto stranger = choice(services, mLeftAlone);
+    if (const auto target = choice(services, notNow))
+        tryOnce(target->serviceName, *target);
+    else if (choice(services, never))
         pause();
-    } else {
-        mServer.strangerIsInSight(stranger ? services[*stranger]->name() : "");
+    else
+        mServer.strangerIsInSight(stranger ? stranger->serviceName : "");
+}
+
+void AutoConnector::considerFurther()
+{
+    const ServiceList services = mBrowser->activeServiceList();
+    const Names never = heldOff(services);
+    Names notNow = never;
+    notNow.insert(mTried.begin(), mTried.end());
+    if (const auto target = choice(services, notNow)) {
+        mTried.insert(target->serviceName);
+        mServer.connectFurtherByItself(*target);
+        considerSoon();
+    } else if (choice(services, never)) {
+        pause();
     }
 }
 
@@ -232,16 +281,13 @@ bool AutoConnector::bringBack()
         return tryOnce(chosen, {kOtherDeviceName, {}, {{chosen, kMainDataTrafficPort, 0}}});
     const ServiceList services = servicesOfHost(chosen);
     // It may be announced as in use still by the connection that broke: the device knows better.
-    const auto found = std::find_if(services.begin(), services.end(), [](const auto& service) {
-        return !service->endpoints().empty();
-    });
-    if (found != services.end())
-        tryOnce((*found)->name(), {chosen, (*found)->name(), (*found)->endpoints()});
+    if (const auto target = targetOfHost(services, chosen))
+        tryOnce(target->serviceName, *target);
     return !services.empty();
 }
 
 /// Connects to a device that was not tried since the last pause; for another begins a pause.
-bool AutoConnector::tryOnce(const std::string& name, const AutoConnectServer::Target& target)
+bool AutoConnector::tryOnce(const std::string& name, const DeviceTarget& target)
 {
     const bool isNew = mTried.insert(name).second;
     if (isNew)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/ScreenCapture/DeviceTarget.h"
 #include "Common/Bonjour/QLNBonjourBrowser.h"
 #include "Common/FVEPreferences.h"
 #include "Common/PairedPeers.h"
@@ -27,22 +28,23 @@ public:
     virtual bool isIdle() const = 0;
     /// The host name or the address of the device that the user chose; empty when there is none.
     virtual std::string chosenDevice() const = 0;
-    struct Target {
-        std::string deviceName;          ///< its host name, or "Other"
-        std::string serviceName;         ///< empty for "Other"
-        std::vector<Endpoint> endpoints; ///< one at least
-    };
-    /// Begins to connect to a device. What becomes of it is told to the connector, never inside
-    /// this call.
-    virtual void connectByItself(const Target& target) = 0;
+    /// Whether a device is connected, and others may be used beside it.
+    virtual bool takesFurther() const = 0;
+    /// Whether the device of that host is used, or is to be.
+    virtual bool uses(const std::string& hostName) const = 0;
+    /// Begins to connect to a device, of which one endpoint at least is known. What becomes of it
+    /// is told to the connector, never inside this call.
+    virtual void connectByItself(const DeviceTarget& target) = 0;
+    /// The same for one that is used beside the first.
+    virtual void connectFurtherByItself(const DeviceTarget& target) = 0;
     /// A ticked device would be connected to, had the user ever confirmed it; empty: no longer.
     virtual void strangerIsInSight(const std::string& serviceName) = 0;
 };
 
 /// Connects the server by itself while it is idle: back to the device that the user chose, else,
 /// while the user wants auto-connection, to the first of the ticked devices that is there, free and
-/// confirmed under its name (`PairedPeers`).
-/// As long as a chosen device is in sight, nothing else is connected to.
+/// confirmed under its name (`PairedPeers`); while the user wants all of them, to the others as
+/// well. As long as a chosen device is in sight, nothing else is connected to.
 ///
 /// A device that failed is tried again after a pause that grows; the next one of the list at once,
 /// and so is one that appears. The devices in sight when the user chose none are left alone until
@@ -81,9 +83,13 @@ public:
     /// The user wants no device: those in sight are left alone.
     void userChoseNone();
 
+    /// The user does not want that device any more: it is left alone.
+    void userChoseNot(const std::string& hostName);
+
     /// An attempt to reach the device of that host failed, whoever had asked for it.
     void attemptFailed(const std::string& hostName);
     void connectionBegan();
+    void furtherBegan() { considerSoon(); }
     void connectionEnded(const std::string& hostName);
 
 private:
@@ -99,9 +105,13 @@ private:
     void welcome(const NetService& service);
     void considerSoon();
     void consider();
+    void considerFirst();
+    void considerFurther();
     bool bringBack();
     Names strangers(const ServiceList& services) const;
-    bool tryOnce(const std::string& name, const AutoConnectServer::Target& target);
+    Names heldOff(const ServiceList& services) const;
+    std::optional<DeviceTarget> choice(const ServiceList& services, const Names& heldOff) const;
+    bool tryOnce(const std::string& name, const DeviceTarget& target);
     void pause();
     void tryAgain();
     void startAfresh();

@@ -69,4 +69,7 @@ public:
     virtual void disconnect(LinkGoodbyeCode code, std::function<void()> then) = 0;
 };
 
+/// Makes a connection of its own for each device that is used at once.
+using DeviceLinks = std::function<std::shared_ptr<DeviceLink>()>;
+
 } // namespace farview

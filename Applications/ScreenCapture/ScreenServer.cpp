@@ -10,24 +10,37 @@
 namespace farview
 {
 
-namespace
+ScreenServer::ScreenServer(Services services, Ending ending)
+    : mServices(std::move(services)), mEnding(std::move(ending)),
+      mDesk(mServices.storage, [this] { postPairing(); }), mPacketLog(mServices.log),
+      mFirst(makeConnection()), mFurther(furtherServices())
 {
-
-constexpr std::size_t longestHostName = 255;
-
-bool isHostName(const std::string* text)
-{
-    const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
-    return text && !text->empty() && text->size() <= longestHostName && *text != kOtherDeviceName &&
-           std::none_of(text->begin(), text->end(), isControl);
 }
 
-} // namespace
-
-ScreenServer::ScreenServer(Services services, Ending ending)
-    : mServices(services), mEnding(std::move(ending)),
-      mPaired(services.storage, PairedPeers::devices), mPacketLog(services.log)
+std::shared_ptr<DeviceConnection> ScreenServer::makeConnection()
 {
+    return std::make_shared<DeviceConnection>(
+        DeviceConnection::Services{mServices.runLoop, mServices.preferences, mServices.screens,
+                                   mPacketLog, mServices.log, mServices.clock, mDesk},
+        mServices.makeLink());
+}
+
+void ScreenServer::setFirst(std::shared_ptr<DeviceConnection> connection)
+{
+    mFirst = std::move(connection);
+    mFirst->setEvents({[this] { deviceCame(); }, [this](const auto& why) { giveUp(why); },
+                       [this](const auto& end) { deviceWent(end); }, [this] { postScreen(); }});
+}
+
+FurtherConnections::Services ScreenServer::furtherServices()
+{
+    return {mServices.runLoop, [this] { return makeConnection(); },
+            [this] { return mBrowser->activeServiceList(); },
+            [this] {
+                postFurther();
+                mAutoConnector->furtherBegan();
+            },
+            [this](const std::string& hostName) { mAutoConnector->attemptFailed(hostName); }};
 }
 
 void ScreenServer::listen()
@@ -43,10 +56,12 @@ void ScreenServer::start()
 {
     if (mState != State::waiting)
         return;
-    mState = State::idle;
-    mServices.link.setDelegate(weak_from_this());
+    mState = State::running;
+    setFirst(mFirst);
     observe(kQueryRequestForConnectedHost, &ScreenServer::answerQuery);
     observe(kFVEPrefsDidChangeNotification, &ScreenServer::preferencesChanged);
+    observe(kAlsoConnectToHost, &ScreenServer::alsoConnectToHost);
+    observe(kDisconnectFurtherDevice, &ScreenServer::disconnectFurther);
     observe(kConfirmDevice, &ScreenServer::confirmDevice);
     observe(kRefuseDevice, &ScreenServer::refuseDevice);
     observe(kPairedDevicesDidChange, &ScreenServer::pairedDevicesChanged);
@@ -101,7 +116,7 @@ void ScreenServer::startBrowsing()
     observeBrowser(kQLNBonjourBrowserDidUpdateService);
     mAutoConnector = std::make_shared<AutoConnector>(
         AutoConnector::Services{mServices.discovery, mServices.runLoop, mServices.localCenter,
-                                mServices.preferences, mPaired},
+                                mServices.preferences, mDesk.peers()},
         *this);
     mBrowser->init();
     mAutoConnector->start(mBrowser);
@@ -110,85 +125,12 @@ void ScreenServer::startBrowsing()
 void ScreenServer::observeBrowser(const char* name)
 {
     mServices.localCenter.addObserver(
-        weak_from_this(), [this](const Notification&) { search(); }, name, mBrowser.get());
-}
-
-// --- what the panel asks for -----------------------------------------------------------------
-
-void ScreenServer::connectToHost(const Notification& notification)
-{
-    const std::string* hostName = notification.text(kConnectToHostNameKey);
-    if (!isHostName(hostName)) {
-        mServices.log.write(LogLevel::warning, "A request to connect names no host");
-        return;
-    }
-    const bool isUnderWay = tookOverAttempt(*hostName);
-    takeRequest();
-    mAutoConnector->userChose(*hostName);
-    if (isConnectedTo(*hostName, mDeviceAddress)) {
-        mIsAutomatic = false;
-        keepChoice();
-        announceState();
-        return;
-    }
-    if (isUnderWay)
-        return;
-    leaveDevice();
-    takeOrder({*hostName, {}, {}}, false);
-    mState = State::searching;
-    const auto ended = [this, request = mRequest] { searchEnded(request); };
-    mServices.runLoop.performAfterDelay(searchLimit, weak_from_this(), ended);
-    search();
-}
-
-void ScreenServer::connectToTicket(const Notification& notification)
-{
-    const std::string* address = notification.text(kConnectUsingTicketKey);
-    if (!address || !isValidIPAddress(*address)) {
-        mServices.log.write(LogLevel::warning, "A request to connect holds no address");
-        return;
-    }
-    takeRequest();
-    if (isConnectedTo(kOtherDeviceName, *address)) {
-        keepChoice();
-        announceState();
-        return;
-    }
-    leaveDevice();
-    takeOrder({kOtherDeviceName, {}, {}}, false);
-    mDeviceAddress = *address;
-    connect({{*address, static_cast<std::uint16_t>(kMainDataTrafficPort), 0}});
-}
-
-void ScreenServer::disconnectFromHost(const Notification& /*notification*/)
-{
-    takeRequest();
-    const bool wasConnected = mState == State::connected;
-    leaveDevice();
-    mAutoConnector->userChoseNone();
-    if (!wasConnected)
-        announceState();
-}
-
-void ScreenServer::answerQuery(const Notification& /*notification*/)
-{
-    if (mState == State::connected)
-        postDevice(kQueryResultForConnectedHost);
-    else
-        announceState();
-    if (mPairing != PairingReport{})
-        postPairing();
-    // The setting of HiDPI resolutions is the system's: others may change it without a word.
-    sendOptions();
-}
-
-void ScreenServer::preferencesChanged(const Notification& /*notification*/)
-{
-    mAutoConnector->preferencesChanged();
-    sendOptions();
-    mPacketLog.setOn(mServices.preferences.logsScreenPackets());
-    if (mScreen)
-        mScreen->preferencesChanged();
+        weak_from_this(),
+        [this](const Notification&) {
+            search();
+            mFurther.devicesChanged();
+        },
+        name, mBrowser.get());
 }
 
 // --- the road to a device --------------------------------------------------------------------
@@ -199,156 +141,141 @@ void ScreenServer::takeRequest()
     mServices.chosenDevice.set({});
     mRequestedAt = mServices.runLoop.now();
     ++mRequest;
-    if (!isPairing())
-        setPairing(PairingReport::State::none);
+    if (!mDesk.isAsking())
+        mDesk.tell({});
 }
 
-void ScreenServer::keepChoice()
+void ScreenServer::keepChoice() { mServices.chosenDevice.set(mFirst->request()); }
+
+bool ScreenServer::isIdle() const
 {
-    mServices.chosenDevice.set(mDeviceName == kOtherDeviceName ? mDeviceAddress : mDeviceName);
+    return mState == State::running && !mIsSearching && mFirst->isIdle();
 }
 
-std::string ScreenServer::chosenDevice() const
+bool ScreenServer::takesFurther() const
 {
-    const std::string chosen = mServices.chosenDevice.text();
-    return isHostName(&chosen) ? chosen : std::string{};
+    return mState == State::running && mFirst->isConnected() && !mFurther.isFull();
 }
 
-bool ScreenServer::isConnectedTo(const std::string& deviceName, const std::string& address) const
+bool ScreenServer::uses(const std::string& hostName) const
 {
-    return mState == State::connected && mDeviceName == deviceName && mDeviceAddress == address;
+    return mFurther.uses(hostName) || (!isIdle() && mFirst->deviceName() == hostName);
 }
 
 /// Whether the user asks for the device that the server is connecting to by itself already, or that
 /// the user is asked about.
 bool ScreenServer::tookOverAttempt(const std::string& hostName)
 {
-    const bool isLeft = mPairing != PairingReport{} && !isPairing();
-    if (mState != State::connecting || isLeft || mDeviceName != hostName)
+    const bool isPairing = mFirst->isPairing();
+    const bool isLeft = mDesk.report() != PairingReport{} && !isPairing;
+    if (!mFirst->isConnecting() || isLeft || mFirst->deviceName() != hostName)
         return false;
-    if (!mIsAutomatic && !isPairing())
+    if (!mFirst->isAutomatic() && !isPairing)
         return false;
-    mIsAutomatic = false;
+    mFirst->takeOver();
     return true;
 }
 
-void ScreenServer::takeOrder(const Target& target, bool isAutomatic)
+/// One that is used already beside the first becomes the first, with its picture.
+bool ScreenServer::tookOverFurther(const std::string& hostName)
 {
-    mDeviceName = target.deviceName;
-    mServiceName = target.serviceName;
-    mIsAutomatic = isAutomatic;
+    auto connection = mFurther.take(hostName);
+    if (!connection)
+        return false;
+    const bool isConnected = connection->isConnected();
+    if (isConnected) {
+        leaveDevice();
+        setFirst(std::move(connection));
+    } else {
+        connection->leave();
+    }
+    postFurther();
+    return isConnected;
 }
 
-void ScreenServer::connectByItself(const Target& target)
+void ScreenServer::connectByItself(const DeviceTarget& target)
 {
-    takeOrder(target, true);
-    mDeviceAddress = target.endpoints.front().address;
-    mServices.log.write(LogLevel::info, "Connecting to " + mDeviceName + " by itself");
-    connect(target.endpoints);
+    mServices.log.write(LogLevel::info, "Connecting to " + target.deviceName + " by itself");
+    if (tookOverFurther(target.deviceName)) {
+        deviceCame();
+        return;
+    }
+    mFirst->aim(target, true);
+    mFirst->begin();
+}
+
+void ScreenServer::connectFurtherByItself(const DeviceTarget& target)
+{
+    mServices.log.write(LogLevel::info, "Also connecting to " + target.deviceName + " by itself");
+    mFurther.add(target.deviceName, true);
 }
 
 /// Ends the connection or whatever is under way; says so when there was a connection.
 void ScreenServer::leaveDevice()
 {
-    const State before = std::exchange(mState, State::idle);
-    endScreen();
-    if (before == State::connecting || before == State::connected)
-        mServices.link.disconnect(
-            isPairing() ? LinkGoodbyeCode::notConfirmed : LinkGoodbyeCode::byUser, {});
-    pairingEnded();
-    if (before == State::connected)
+    const bool wasConnected = mFirst->isConnected();
+    mIsSearching = false;
+    mFirst->leave();
+    if (wasConnected)
         announceState();
 }
 
 void ScreenServer::search()
 {
-    if (mState != State::searching)
+    const auto target = mIsSearching
+                            ? targetOfHost(mBrowser->activeServiceList(), mFirst->deviceName())
+                            : std::nullopt;
+    if (!target)
         return;
-    for (const auto& service : mBrowser->activeServiceList()) {
-        if (service->hostName() == mDeviceName && !service->endpoints().empty()) {
-            mAutoConnector->userChose(mDeviceName);
-            mServiceName = service->name();
-            connect(service->endpoints());
-            return;
-        }
-    }
+    mIsSearching = false;
+    mAutoConnector->userChose(target->deviceName);
+    mFirst->aim(*target, false);
+    mFirst->begin();
 }
 
 void ScreenServer::searchEnded(unsigned request)
 {
-    if (mState == State::searching && request == mRequest)
+    if (mIsSearching && request == mRequest)
         giveUp("It was not found on the network");
-}
-
-void ScreenServer::connect(const std::vector<Endpoint>& endpoints)
-{
-    mState = State::connecting;
-    mSentOptions = options();
-    mServices.link.connectTo(endpoints, mSentOptions);
 }
 
 void ScreenServer::giveUp(const std::string& why)
 {
-    mServices.log.write(mIsAutomatic ? LogLevel::info : LogLevel::error,
-                        "Cannot connect to " + mDeviceName + ": " + why);
-    mState = State::idle;
+    const bool isAutomatic = mFirst->isAutomatic();
+    mServices.log.write(isAutomatic ? LogLevel::info : LogLevel::error,
+                        "Cannot connect to " + mFirst->deviceName() + ": " + why);
+    mIsSearching = false;
     // A device that does not answer may be gone for good and still be listed.
     mServices.discovery.checkAgain();
     // Who did not ask for it is not told that it failed.
-    if (!mIsAutomatic)
+    if (!isAutomatic)
         post(kRequestingErrorMsgFromPrefPane);
-    mAutoConnector->attemptFailed(mDeviceName);
+    mAutoConnector->attemptFailed(mFirst->deviceName());
 }
 
-void ScreenServer::deviceDidConnect(const ConnectedDevice& device)
+void ScreenServer::deviceCame()
 {
-    if (mState != State::connecting)
-        return;
-    mState = State::connected;
-    if (mDeviceName != kOtherDeviceName)
-        mDeviceAddress = device.address;
-    mServices.log.write(LogLevel::info, "Connected to " + mDeviceName + " at " + device.address +
-                                            ", " + device.cipher);
-    keepDevice(device);
-    if (!mIsAutomatic)
+    if (!mFirst->isAutomatic())
         keepChoice();
     mAutoConnector->connectionBegan();
     announceState();
-    // They may have changed while the connection was made.
-    sendOptions();
 }
 
-void ScreenServer::deviceDidDisconnect(const LinkEnd& end)
+void ScreenServer::deviceWent(const LinkEnd& end)
 {
-    if (mState != State::connected)
-        return;
-    const bool vanished = end.reason != LinkEndReason::goodbye;
-    mServices.log.write(vanished ? LogLevel::error : LogLevel::info,
-                        "The connection to " + mDeviceName + " ended: " + end.text);
-    mState = State::idle;
-    endScreen();
-    if (vanished)
+    if (end.reason != LinkEndReason::goodbye)
         mServices.discovery.checkAgain();
     announceState();
-    mAutoConnector->connectionEnded(mDeviceName);
+    mAutoConnector->connectionEnded(mFirst->deviceName());
 }
 
-LinkOptions ScreenServer::options()
+void ScreenServer::strangerIsInSight(const std::string& serviceName)
 {
-    FVEPreferences& preferences = mServices.preferences;
-    return {preferences.enableTouchDisplay(), preferences.areRetinaResolutionsEnabled(),
-            preferences.enableHiDPIResolutions(), preferences.autoMoveWindowsBackOption()};
-}
-
-void ScreenServer::sendOptions()
-{
-    if (mState != State::connected)
-        return;
-    const LinkOptions now = options();
-    if (now == mSentOptions)
-        return;
-    mSentOptions = now;
-    mServices.link.setOptions(now);
+    const auto unconfirmed = PairingReport::State::unconfirmed;
+    const bool isTold = mDesk.report().state == unconfirmed;
+    if (isTold || mDesk.report() == PairingReport{})
+        mDesk.tell(serviceName.empty() ? PairingReport{}
+                                       : PairingReport{unconfirmed, {}, serviceName});
 }
 
 } // namespace farview

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "Applications/ScreenCapture/AutoConnector.h"
-#include "Applications/ScreenCapture/DeviceLink.h"
-#include "Applications/ScreenCapture/ScreenSession.h"
+#include "Applications/ScreenCapture/DeviceConnection.h"
+#include "Applications/ScreenCapture/FurtherConnections.h"
 #include "Common/Bonjour/QLNBonjourBrowser.h"
 #include "Common/FVEPreferences.h"
-#include "Common/PairedPeers.h"
-#include "Common/Rules/PairingReport.h"
-#include "Link/PairingGuard.h"
+#include "Common/PacketLog.h"
 #include "Platform/Clock.h"
 #include "Platform/Log.h"
 #include "Platform/NotificationCenter.h"
@@ -17,7 +15,6 @@
 #include <array>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,14 +42,12 @@ private:
 
 /// The screen server: does what the panel asks by notification, and reports what became of it.
 ///
-/// It connects to one device at a time. A new request replaces what is under way; while there is
-/// none, the server connects by itself: to the device that the user chose last and that was
-/// connected, else to those that the user ticked (`AutoConnector`). A device is its key: one that
-/// the user asks for and that is not known is compared with first, any other is left. One that
-/// shows pictures becomes a monitor (`ScreenSession`). It ends by the terminate notification or by
-/// `quit`, and by nothing else. Made with `std::make_shared`. Main thread only.
-class ScreenServer final : public DeviceLinkDelegate,
-                           public AutoConnectServer,
+/// The panel's menu chooses one device; others may be used beside it (`FurtherConnections`). A new
+/// request replaces what is under way; while there is none, the server connects by itself: to the
+/// device that the user chose last and that was connected, else to those that the user ticked
+/// (`AutoConnector`). It ends by the terminate notification or by `quit`, and by nothing else. Made
+/// with `std::make_shared`. Main thread only.
+class ScreenServer final : public AutoConnectServer,
                            public std::enable_shared_from_this<ScreenServer>
 {
 public:
@@ -63,7 +58,7 @@ public:
         NotificationCenter& localCenter;
         DistributedNotificationCenter& center;
         FVEPreferences& preferences;
-        DeviceLink& link;
+        DeviceLinks makeLink;
         VirtualScreens& screens;
         Log& log;
         Clock& clock;
@@ -96,24 +91,19 @@ public:
     /// meanwhile, or asks for a request that was posted before anybody listened. Called once;
     /// nothing happens when the server was asked to quit before.
     void start();
-    /// Leaves the device with a goodbye, says so, and finishes. A second call does nothing.
+    /// Leaves the devices with a goodbye, says so, and finishes. A second call does nothing.
     void quit();
 
-    LinkTrust deviceDidProveKey(const std::string& key) override;
-    std::optional<LinkGoodbye> mayNotAskUser() override;
-    void deviceShowsDigits(const std::string& digits) override;
-    void deviceDidConnect(const ConnectedDevice& device) override;
-    void deviceDidNotConnect(const LinkEnd& end) override;
-    void deviceDidSend(const LinkFrame& frame) override;
-    void deviceHasRoom() override;
-    void deviceDidDisconnect(const LinkEnd& end) override;
-    bool isIdle() const override { return mState == State::idle; }
+    bool isIdle() const override;
     std::string chosenDevice() const override;
-    void connectByItself(const Target& target) override;
+    bool takesFurther() const override;
+    bool uses(const std::string& hostName) const override;
+    void connectByItself(const DeviceTarget& target) override;
+    void connectFurtherByItself(const DeviceTarget& target) override;
     void strangerIsInSight(const std::string& serviceName) override;
 
 private:
-    enum class State { waiting, idle, searching, connecting, connected, quitting };
+    enum class State { waiting, running, quitting };
     using Operation = void (ScreenServer::*)(const Notification&);
 
     void observe(const char* name, Operation operation);
@@ -124,67 +114,54 @@ private:
     void connectToHost(const Notification& notification);
     void connectToTicket(const Notification& notification);
     void disconnectFromHost(const Notification& notification);
+    void alsoConnectToHost(const Notification& notification);
+    void disconnectFurther(const Notification& notification);
     void answerQuery(const Notification& notification);
     void preferencesChanged(const Notification& notification);
-
-    void takeRequest();
-    void keepChoice();
-    bool isConnectedTo(const std::string& deviceName, const std::string& address) const;
-    bool tookOverAttempt(const std::string& hostName);
-    void leaveDevice();
-    void takeOrder(const Target& target, bool isAutomatic);
-    void search();
-    void searchEnded(unsigned request);
-    void connect(const std::vector<Endpoint>& endpoints);
-    void giveUp(const std::string& why);
     void confirmDevice(const Notification& notification);
     void refuseDevice(const Notification& notification);
     void pairedDevicesChanged(const Notification& notification);
-    /// Whether the user was shown digits, and nothing came of it yet.
-    bool isPairing() const { return !mPairing.digits.empty(); }
-    bool isComparing(const Notification& answer) const;
-    void pairingEnded();
-    void keepDevice(const ConnectedDevice& device);
-    void setPairing(PairingReport::State state, const std::string& digits = {});
-    void postPairing();
+
+    std::shared_ptr<DeviceConnection> makeConnection();
+    void setFirst(std::shared_ptr<DeviceConnection> connection);
+    FurtherConnections::Services furtherServices();
+    void takeRequest();
+    void keepChoice();
+    bool tookOverAttempt(const std::string& hostName);
+    bool tookOverFurther(const std::string& hostName);
+    void leaveDevice();
+    void search();
+    void searchEnded(unsigned request);
+    void giveUp(const std::string& why);
+    void deviceCame();
+    void deviceWent(const LinkEnd& end);
+    DeviceConnection* asking() const;
     void announceState();
     void post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {});
     void postDevice(const char* name);
-    void finishWhenSaid();
-    LinkOptions options();
-    void sendOptions();
-    void beginScreen();
-    void endScreen();
+    void postPairing();
     void postScreen();
+    void postFurther();
+    void finishWhenSaid();
 
     Services mServices;
     Ending mEnding;
+    PairingDesk mDesk;
+    PacketLog mPacketLog;
     std::shared_ptr<QLNBonjourBrowser> mBrowser;
     std::shared_ptr<AutoConnector> mAutoConnector;
     Subscription mReconnection;
     State mState = State::waiting;
     /// The latest request of the time before the start, if any.
     std::function<void()> mHeldRequest;
-    /// The device asked for: its host name, or "Other".
-    std::string mDeviceName;
-    /// Where it is: as typed for "Other", else as it was reached.
-    std::string mDeviceAddress;
-    /// As the user knows it; empty for one that was asked for by its address.
-    std::string mServiceName;
-    ConnectedDevice mDevice; ///< while connected
-    PairedPeers mPaired;
-    PairingGuard mGuard;
-    PairingReport mPairing;
-    LinkOptions mSentOptions;
-    /// As the device that is connected told it.
-    std::optional<LinkDeviceScreen> mDeviceScreen;
-    PacketLog mPacketLog;
-    std::shared_ptr<ScreenSession> mScreen;
-    /// Nobody asked for what is connected or under way.
-    bool mIsAutomatic = false;
+    /// To the device that the menu chooses, or none.
+    std::shared_ptr<DeviceConnection> mFirst;
+    FurtherConnections mFurther;
+    std::string mPostedFurther;
+    bool mIsSearching = false; ///< for the one that `mFirst` is about
     unsigned mRequest = 0;
     Duration mRequestedAt = -earliestReport;
-    bool mGoodbyeSaid = false;
+    std::size_t mGoodbyesLeft = 0;
     bool mLastPostSent = false;
     bool mFinished = false;
 };

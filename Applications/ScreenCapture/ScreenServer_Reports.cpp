@@ -23,7 +23,7 @@ constexpr Duration quitLimit{0.95};
 
 void ScreenServer::announceState()
 {
-    if (mState == State::connected)
+    if (mFirst->isConnected())
         postDevice(kServerConnectedToDevice);
     else
         post(kServerDisconnectedFromDevice);
@@ -39,26 +39,34 @@ void ScreenServer::postDevice(const char* name)
     const Duration early = mRequestedAt + earliestReport - mServices.runLoop.now();
     if (early > Duration::zero()) {
         const auto again = [this, name, request = mRequest] {
-            if (mState == State::connected && mRequest == request)
+            if (mFirst->isConnected() && mRequest == request)
                 postDevice(name);
         };
         mServices.runLoop.performAfterDelay(early, weak_from_this(), again);
         return;
     }
-    post(name, {{kDeviceNameKey, mDeviceName},
-                {kDeviceAddressKey, mDeviceAddress},
-                {kCipherKey, mDevice.cipher},
-                {kDeviceKeyKey, mDevice.key}});
+    post(name, {{kDeviceNameKey, mFirst->deviceName()},
+                {kDeviceAddressKey, mFirst->address()},
+                {kCipherKey, mFirst->device().cipher},
+                {kDeviceKeyKey, mFirst->device().key}});
     postScreen();
 }
 
 void ScreenServer::postScreen()
 {
-    ScreenReport report = mScreen ? mScreen->report() : ScreenReport{};
-    // The device is about to tell its screen.
-    if (mState == State::connected && !mScreen && mServices.link.hasFeature(kLinkScreenFeature))
-        report.state = ScreenReport::State::coming;
-    post(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
+    post(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(mFirst->screen())}});
+}
+
+void ScreenServer::postPairing()
+{
+    post(kServerPairingDidChange, {{kPairingReportKey, textOfPairingReport(mDesk.report())}});
+}
+
+void ScreenServer::postFurther()
+{
+    const std::string text = textOfFurtherDevices(mFurther.list());
+    if (std::exchange(mPostedFurther, text) != text)
+        post(kServerFurtherDevicesDidChange, {{kFurtherDevicesKey, text}});
 }
 
 // --- the end ---------------------------------------------------------------------------------
@@ -69,18 +77,21 @@ void ScreenServer::quit()
         return;
     mState = State::quitting;
     mServices.chosenDevice.set({});
-    setPairing(PairingReport::State::none);
-    endScreen();
+    mDesk.tell({});
+    mIsSearching = false;
     mEnding.quitting();
     if (mBrowser)
         mBrowser->stop();
     const auto self = weak_from_this();
-    mServices.link.disconnect(LinkGoodbyeCode::quitting, [self] {
+    const auto said = [self] {
         if (const auto server = self.lock()) {
-            server->mGoodbyeSaid = true;
+            --server->mGoodbyesLeft;
             server->finishWhenSaid();
         }
-    });
+    };
+    mGoodbyesLeft = 1 + mFurther.count();
+    mFurther.quit(said);
+    mFirst->quit(said);
     const auto postIsSent = [this] {
         mLastPostSent = true;
         finishWhenSaid();
@@ -90,7 +101,7 @@ void ScreenServer::quit()
         "");
     mServices.runLoop.performAfterDelay(lastPostLimit, self, postIsSent);
     mServices.runLoop.performAfterDelay(quitLimit, self, [this] {
-        mGoodbyeSaid = true;
+        mGoodbyesLeft = 0;
         finishWhenSaid();
     });
     post(kServerDisconnectedFromDevice);
@@ -98,7 +109,7 @@ void ScreenServer::quit()
 
 void ScreenServer::finishWhenSaid()
 {
-    if (!mGoodbyeSaid || !mLastPostSent || std::exchange(mFinished, true))
+    if (mGoodbyesLeft > 0 || !mLastPostSent || std::exchange(mFinished, true))
         return;
     mEnding.finished();
 }

@@ -2,6 +2,7 @@
 
 #include "Common/Rules/ScreenTexts.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace farview
@@ -19,22 +20,12 @@ std::optional<ScreenSide> sideOfMonitor(const ScreenGeometry& geometry)
     return sideOf(geometry.area, geometry.others.front());
 }
 
-ScreenReport reportOf(const ScreenGeometry& geometry)
-{
-    return {.state = ScreenReport::State::shown,
-            .width = geometry.width,
-            .height = geometry.height,
-            .scale = geometry.scale,
-            .rate = geometry.rate,
-            .monitor = geometry.area,
-            .screens = geometry.others};
-}
-
 } // namespace
 
-ScreenSession::ScreenSession(Services services, std::string device, std::function<void()> changed)
+ScreenSession::ScreenSession(Services services, std::string device, const LinkOptions& told,
+                             std::function<void()> changed)
     : mServices(services), mDevice(std::move(device)), mChanged(std::move(changed)),
-      mOptions(options())
+      mOptions(options()), mTold(told)
 {
 }
 
@@ -44,15 +35,20 @@ void ScreenSession::deviceScreenIs(const LinkDeviceScreen& screen)
     if (mReport.state == ScreenReport::State::none) {
         open();
     } else if (!std::exchange(mWillFollow, true)) {
-        mServices.runLoop.performAfterDelay(settling, weak_from_this(), [this] {
-            mWillFollow = false;
-            follow();
-        });
+        const Duration pause = mFollowedAt + settling - mServices.runLoop.now();
+        mServices.runLoop.performAfterDelay(std::max(pause, Duration::zero()), weak_from_this(),
+                                            [this] {
+                                                mWillFollow = false;
+                                                mFollowedAt = mServices.runLoop.now();
+                                                follow();
+                                            });
     }
 }
 
-void ScreenSession::preferencesChanged()
+void ScreenSession::preferencesChanged(const LinkOptions& told)
 {
+    mTold = told;
+    followRights();
     const Options now = options();
     if (std::exchange(mOptions, now) != now) {
         // The user's latest word on size and scale.
@@ -84,8 +80,10 @@ void ScreenSession::open()
     const RememberedScreen known = remembered();
     mMeasure = measureFor(*mDeviceScreen, mOptions.fullResolution, mOptions.hiDPI, known);
     mSide = known.side;
-    mScreen = mServices.screens.open(
-        {mDevice, mMeasure.width, mMeasure.height, mMeasure.scale, false}, weak_from_this());
+    mScreen = mServices.screens.open({mDevice, mMeasure.width, mMeasure.height, mMeasure.scale,
+                                      mServices.link.hasFeature(kLinkInputFeature),
+                                      mTold.windowsMoveBack},
+                                     weak_from_this());
     if (!mScreen)
         didEnd(ScreenObstacle::noDesktop);
     else if (mReport.state == ScreenReport::State::none)
@@ -126,6 +124,7 @@ void ScreenSession::didAppear(const ScreenGeometry& geometry)
     mGeometry = geometry;
     // It appeared where the desktop puts a new one.
     followSide(std::exchange(mSide, std::nullopt));
+    beginInput();
     beginPicture();
     tell(reportOf(geometry));
 }
@@ -133,6 +132,8 @@ void ScreenSession::didAppear(const ScreenGeometry& geometry)
 void ScreenSession::didChange(const ScreenGeometry& geometry)
 {
     const ScreenGeometry before = std::exchange(mGeometry, geometry);
+    if (mInput)
+        mInput->setMonitor({geometry.area, geometry.width, geometry.height});
     rememberShape(before, geometry);
     tell(reportOf(geometry));
 }
@@ -174,6 +175,7 @@ bool ScreenSession::close()
     const bool hadPicture = mPicture != nullptr;
     if (hadPicture)
         mLastFrame = mPicture->lastFrame();
+    mInput.reset();
     mPicture.reset();
     mScreen.reset();
     return hadPicture;
@@ -183,6 +185,68 @@ bool ScreenSession::close()
 void ScreenSession::tellPictureIsOver()
 {
     mServices.runLoop.post(weak_from_this(), [this] { mServices.link.send(LinkPictureSize{}); });
+}
+
+// --- what the device's user does -------------------------------------------------------------
+
+void ScreenSession::beginInput()
+{
+    if (mServices.link.hasFeature(kLinkInputFeature))
+        mInput = std::make_unique<InputReceiver>(
+            mScreen->input(), [&loop = mServices.runLoop] { return loop.now(); });
+    if (mInput)
+        mInput->setMonitor({mGeometry.area, mGeometry.width, mGeometry.height});
+    followRights();
+}
+
+void ScreenSession::followRights()
+{
+    if (mScreen)
+        mScreen->setKeepsWindows(mTold.windowsMoveBack);
+    if (mInput)
+        mInput->setRights({mTold.touch, mTold.typing});
+    if (mReport.state == ScreenReport::State::shown)
+        tell(reportOf(mGeometry));
+}
+
+void ScreenSession::deviceDid(const LinkFrame& input)
+{
+    if (mInput && mInput->take(input))
+        typed();
+}
+
+void ScreenSession::typed()
+{
+    mTypedAt = mServices.runLoop.now();
+    if (std::exchange(mIsTyping, true))
+        return;
+    typingElapsed();
+    tell(reportOf(mGeometry));
+}
+
+/// Looks again when the pause after the last key would be over.
+void ScreenSession::typingElapsed()
+{
+    const Duration left = mTypedAt + typingPause - mServices.runLoop.now();
+    mIsTyping = left > Duration::zero() && mInput;
+    if (mIsTyping)
+        mServices.runLoop.performAfterDelay(left, weak_from_this(), [this] { typingElapsed(); });
+    else if (mReport.state == ScreenReport::State::shown)
+        tell(reportOf(mGeometry));
+}
+
+ScreenReport ScreenSession::reportOf(const ScreenGeometry& geometry) const
+{
+    return {.state = ScreenReport::State::shown,
+            .width = geometry.width,
+            .height = geometry.height,
+            .scale = geometry.scale,
+            .rate = geometry.rate,
+            .windows = mScreen->windowKeeping(),
+            .isOneFinger = mInput && mTold.touch && !mScreen->input().abilities().touch,
+            .isTyping = mIsTyping,
+            .monitor = geometry.area,
+            .screens = geometry.others};
 }
 
 // --- the picture -----------------------------------------------------------------------------

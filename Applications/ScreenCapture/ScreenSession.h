@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Applications/ScreenCapture/DeviceLink.h"
+#include "Applications/ScreenCapture/InputReceiver.h"
 #include "Applications/ScreenCapture/PictureThread.h"
 #include "Common/FVEPreferences.h"
 #include "Common/PacketLog.h"
@@ -18,10 +19,11 @@
 namespace farview
 {
 
-/// The monitor of the device that is connected, and its picture: makes it when the device has told
-/// its screen, follows the user's options, remembers what the user makes of it with the desktop's
-/// own means, and removes it at the session's end. A monitor that the desktop took away because it
-/// is locked comes back. Made with `std::make_shared`. Main thread only.
+/// The monitor of a device that is connected, its picture, and what its user does there: makes it
+/// when the device has told its screen, follows the user's options, remembers what the user makes
+/// of it with the desktop's own means, and removes it at the session's end. A monitor that the
+/// desktop took away because it is locked comes back. Made with `std::make_shared`. Main thread
+/// only.
 class ScreenSession final : public VirtualScreenDelegate,
                             public std::enable_shared_from_this<ScreenSession>
 {
@@ -36,21 +38,28 @@ public:
         Log& log;
     };
 
-    /// A device whose screen changes all the time is followed that often.
+    /// A device whose screen changes all the time is followed that often, any other at once.
     static constexpr Duration settling{0.3};
+    /// So long after the last key the device's user is said to be typing.
+    static constexpr Duration typingPause{3.0};
     /// How often a locked desktop is asked.
     static constexpr Duration lockedPause{2.0};
 
-    /// `device`: under which name its screen is remembered. `changed` is called after each change
-    /// of the report, never inside a call but `deviceScreenIs` and `preferencesChanged`.
-    ScreenSession(Services services, std::string device, std::function<void()> changed);
+    /// `device`: under which name its screen is remembered; `told`: the options that it was told.
+    /// `changed` is called after each change of the report, never inside a call but
+    /// `deviceScreenIs`, `deviceDid` and `preferencesChanged`.
+    ScreenSession(Services services, std::string device, const LinkOptions& told,
+                  std::function<void()> changed);
 
     /// The device's own screen is that, from now on.
     void deviceScreenIs(const LinkDeviceScreen& screen);
     /// The device has shown a frame. False when it was never sent one of that number.
     bool deviceShowed(const LinkShown& shown);
+    /// Its user did something with the picture.
+    void deviceDid(const LinkFrame& input);
     void linkHasRoom();
-    void preferencesChanged();
+    /// `told`: the options that the device was told last.
+    void preferencesChanged(const LinkOptions& told);
 
     const ScreenReport& report() const { return mReport; }
 
@@ -77,6 +86,11 @@ private:
     void followMeasure(const ScreenMeasure& measure);
     void followSide(std::optional<ScreenSide> side);
     void rememberShape(const ScreenGeometry& before, const ScreenGeometry& now);
+    void beginInput();
+    void followRights();
+    void typed();
+    void typingElapsed();
+    ScreenReport reportOf(const ScreenGeometry& geometry) const;
     void beginPicture();
     void send(PictureThread::Frames frames);
     void pictureFailed();
@@ -94,10 +108,15 @@ private:
     ScreenGeometry mGeometry;
     ScreenReport mReport;
     bool mWillFollow = false;
+    Duration mFollowedAt = -settling;
+    LinkOptions mTold;
+    Duration mTypedAt{0};
+    bool mIsTyping = false;
     std::uint32_t mLastFrame = 0; ///< of the pictures before this one
-    // The picture is made of what the monitor gives, and ends before it.
+    // Picture and input are the monitor's, and end before it.
     std::unique_ptr<VirtualScreen> mScreen;
     std::unique_ptr<PictureThread> mPicture;
+    std::unique_ptr<InputReceiver> mInput;
 };
 
 } // namespace farview

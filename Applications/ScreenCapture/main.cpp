@@ -61,10 +61,12 @@ int runServer(int argc, char** argv, unsigned crashes, KeptText& chosenDevice)
         return 0;
     DesktopScreens screens(*platform.runLoop, desktop.sessionBus(), watcherProgram());
     SingleInstance instance(desktop.sessionBus(), kFVEScreenServerBundleID);
-    const auto link = std::make_shared<NetworkDeviceLink>(ownKeyPath(PairedPeers::devices));
+    const auto makeLink = [] {
+        return std::make_shared<NetworkDeviceLink>(ownKeyPath(PairedPeers::devices));
+    };
     const auto server = std::make_shared<ScreenServer>(
         ScreenServer::Services{*platform.discovery, *platform.runLoop, *platform.notificationCenter,
-                               *platform.distributedNotificationCenter, preferences, *link,
+                               *platform.distributedNotificationCenter, preferences, makeLink,
                                screens.screens(), *platform.log, *platform.clock,
                                *platform.preferences, chosenDevice},
         ScreenServer::Ending{[&] { instance.release(); }, [&] { application.quit(); }});

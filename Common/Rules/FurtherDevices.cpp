@@ -34,10 +34,12 @@ std::optional<FurtherDevice> deviceIn(const std::string& text)
     std::istringstream line(text);
     const auto word = std::find(words.begin(), words.end(), nextField(line));
     FurtherDevice device{nextField(line), nextField(line)};
-    if (word == words.end() || !isName(device.hostName) || !isName(device.name))
+    const std::string screen = nextField(line);
+    device.key = nextField(line);
+    if (word == words.end() || !isName(device.hostName) || !isName(device.name) ||
+        device.key.size() > longestName)
         return std::nullopt;
     device.state = static_cast<FurtherDevice::State>(word - words.begin());
-    const std::string screen = nextField(line);
     device.screen = screenReport(&screen);
     return device;
 }
@@ -50,7 +52,7 @@ std::string textOfFurtherDevices(const std::vector<FurtherDevice>& devices)
     for (const FurtherDevice& device : devices)
         text += std::string(words.at(static_cast<std::size_t>(device.state))) + '\t' +
                 device.hostName + '\t' + device.name + '\t' + textOfScreenReport(device.screen) +
-                '\n';
+                '\t' + device.key + '\n';
     return text;
 }
 

@@ -21,6 +21,7 @@ struct FurtherDevice {
     std::string name;     ///< its service's name, as the user knows it. Foreign
     State state = State::connecting;
     ScreenReport screen = {}; ///< while it is connected
+    std::string key = {};     ///< by which `PairedPeers` knows it, while it is connected
 
     bool operator==(const FurtherDevice&) const = default;
 };

@@ -50,19 +50,18 @@ constexpr const char* placeAndScaleText = "%1$@, %2$@, enlarged %3$@ %";
 
 std::string rounded(double number) { return std::to_string(std::lround(number)); }
 
-std::string sizeOf(const ScreenReport& report, const Localize& localized)
+std::string sizeAndRate(const ScreenReport& report, const Localize& localized)
 {
-    const auto width = std::to_string(report.width);
-    const auto height = std::to_string(report.height);
-    return report.rate > 0
-               ? filledPlaces(localized(sizeAndRateText), {width, height, rounded(report.rate)})
-               : filledPlaces(localized(sizeText), {width, height});
+    return report.rate > 0 ? filledPlaces(localized(sizeAndRateText),
+                                          {std::to_string(report.width),
+                                           std::to_string(report.height), rounded(report.rate)})
+                           : screenSize(report, localized);
 }
 
 std::string shownSentence(const ScreenReport& report, const Localize& localized)
 {
     constexpr double percent = 100;
-    const auto size = sizeOf(report, localized);
+    const auto size = sizeAndRate(report, localized);
     if (report.screens.empty())
         return size;
     const auto place = screenPlace(sideOf(report.monitor, report.screens.front()), localized);
@@ -98,12 +97,38 @@ std::string screenSentence(const ScreenReport& report, const Localize& localized
     return localized("This device shows no picture.");
 }
 
+std::string screenSize(const ScreenReport& report, const Localize& localized)
+{
+    return filledPlaces(localized(sizeText),
+                        {std::to_string(report.width), std::to_string(report.height)});
+}
+
 std::string screenAdvice(const ScreenReport& report, bool wantsHiDPI, const Localize& localized)
 {
     if (report.state == ScreenReport::State::missing)
         return localized(obstacleTexts(report.obstacle).remedy);
-    if (report.state == ScreenReport::State::shown && wantsHiDPI && report.scale == 1)
-        return localized("HiDPI is on, but this desktop cannot enlarge the device's screen.");
+    if (report.state != ScreenReport::State::shown)
+        return {};
+    std::string advice;
+    if (wantsHiDPI && report.scale == 1)
+        advice = localized("HiDPI is on, but this desktop cannot enlarge the device's screen.");
+    if (report.isOneFinger)
+        advice += (advice.empty() ? "" : "\n") +
+                  localized("Only one finger at a time gets through: for several, this computer "
+                            "must allow Farview more. Diagnose says how.");
+    return advice;
+}
+
+std::string windowsHint(WindowKeeping windows)
+{
+    switch (windows) {
+    case WindowKeeping::desktop:
+        return "Your desktop does this by itself.";
+    case WindowKeeping::nobody:
+        return "Your desktop lets no program move windows.";
+    case WindowKeeping::byFarview:
+        break;
+    }
     return {};
 }
 

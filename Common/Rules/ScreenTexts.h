@@ -3,6 +3,7 @@
 #include "Common/Rules/FilledText.h"
 #include "Common/Rules/ScreenPlacement.h"
 #include "Common/Rules/ScreenReport.h"
+#include "Platform/Types/WindowKeeping.h"
 
 #include <string>
 
@@ -26,8 +27,14 @@ std::string screenPlace(ScreenSide side, const Localize& localized);
 /// right of your main display", or why there is none.
 std::string screenSentence(const ScreenReport& report, const Localize& localized);
 
-/// What the user may want to know or do beside that: the remedy, or that `wantsHiDPI` is in vain.
-/// Empty when there is nothing.
+/// Its size alone: "1920 × 1200".
+std::string screenSize(const ScreenReport& report, const Localize& localized);
+
+/// What the user may want to know or do beside that, a line for each: the remedy, that `wantsHiDPI`
+/// is in vain, that only one finger gets through. Empty when there is nothing.
 std::string screenAdvice(const ScreenReport& report, bool wantsHiDPI, const Localize& localized);
+
+/// Why it does not matter whether the user wants windows to be moved back. Empty where it does.
+std::string windowsHint(WindowKeeping windows);
 
 } // namespace farview

@@ -57,9 +57,9 @@ std::optional<LinkFrame> readTouch(ByteReader& reader)
     const auto height = static_cast<std::uint16_t>(reader.number(2));
     const bool isSound = finger < mostLinkFingers && isPossible(place) &&
                          phase <= static_cast<std::uint32_t>(LinkTouchPhase::cancel);
-    return onlyIf(isSound, LinkTouch{static_cast<std::uint8_t>(finger),
-                                     static_cast<LinkTouchPhase>(phase), place, pressure, width,
-                                     height});
+    return onlyIf(isSound,
+                  LinkTouch{static_cast<std::uint8_t>(finger), static_cast<LinkTouchPhase>(phase),
+                            place, pressure, width, height});
 }
 
 std::optional<LinkFrame> readPen(ByteReader& reader)
@@ -98,8 +98,7 @@ std::optional<LinkFrame> readKey(ByteReader& reader)
 {
     const std::uint32_t code = reader.number(1);
     const std::uint32_t isDown = reader.number(1);
-    return onlyIf(code > 0 && isDown <= 1,
-                  LinkKey{static_cast<std::uint8_t>(code), isDown == 1});
+    return onlyIf(code > 0 && isDown <= 1, LinkKey{static_cast<std::uint8_t>(code), isDown == 1});
 }
 
 } // namespace

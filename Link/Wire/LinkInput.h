@@ -44,8 +44,8 @@ struct LinkPen {
     bool isDown = false;
     bool isEraser = false;
     std::uint16_t pressure = 0;
-    std::int8_t tiltX = 0; ///< degrees, -90 to 90, to the right
-    std::int8_t tiltY = 0; ///< towards the user
+    std::int8_t tiltX = 0;    ///< degrees, -90 to 90, to the right
+    std::int8_t tiltY = 0;    ///< towards the user
     std::uint8_t buttons = 0; ///< of its barrel: bit 0 the lower one, bit 1 the upper one
 
     bool operator==(const LinkPen&) const = default;

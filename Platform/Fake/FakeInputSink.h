@@ -29,8 +29,7 @@ public:
         bool isDown;
         bool operator==(const Key&) const = default;
     };
-    using Event =
-        std::variant<InputPlace, Button, Wheel, TouchPoint, PenState, Key, std::string>;
+    using Event = std::variant<InputPlace, Button, Wheel, TouchPoint, PenState, Key, std::string>;
 
     /// Everything, unless a test takes something away.
     void setAbilities(InputAbilities abilities) { mAbilities = abilities; }

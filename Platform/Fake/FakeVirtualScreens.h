@@ -34,6 +34,7 @@ public:
     const ScreenGeometry& geometry() const { return mGeometry; }
     /// What the user of the device did on the monitor.
     FakeInputSink& input() { return mInput; }
+    bool keepsWindows() const { return mWish.keepsWindows; }
     void setKeepsWindows(bool flag) { mWish.keepsWindows = flag; }
 
     std::optional<ScreenFrame> takeFrame() override;

@@ -45,8 +45,8 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.virtualScreens, fake.log, fake.clock,
-                                   fake.preferences, chosenDevice},
+                                   preferences, links.maker(), fake.virtualScreens, fake.log,
+                                   fake.clock, fake.preferences, chosenDevice},
             ScreenServer::Ending{});
     }
     void choose(PropertyList::Array names)
@@ -153,7 +153,8 @@ protected:
     FakePlatform fake;
     FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
     FVEPreferences preferences;
-    FakeDeviceLink link;
+    FakeDeviceLinks links;
+    FakeDeviceLink& link = links.first;
     PairedPeers paired{fake.preferences, PairedPeers::devices};
     KeptText chosenDevice;
     std::shared_ptr<ScreenServer> server;
@@ -168,8 +169,10 @@ TEST_F(AutoConnectorTest, ConnectsToTheFirstDeviceOfTheListThatIsThere)
     accept();
     const auto posts = center.postsNamed(kServerConnectedToDevice);
     ASSERT_EQ(posts.size(), 1U);
-    const DistributedNotificationCenter::TextUserInfo expected{
-        {kDeviceNameKey, "b.local"}, {kDeviceAddressKey, "192.0.2.2"}, {kCipherKey, link.cipher}};
+    const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, "b.local"},
+                                                               {kDeviceAddressKey, "192.0.2.2"},
+                                                               {kCipherKey, link.cipher},
+                                                               {kDeviceKeyKey, link.key}};
     EXPECT_EQ(posts.front().userInfo, expected);
     advance(600);
     EXPECT_EQ(tried(), "B");
@@ -725,7 +728,8 @@ TEST_F(AutoConnectorTest, BringsBackAnAddressThatTheUserTyped)
     accept();
     const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, kOtherDeviceName},
                                                                {kDeviceAddressKey, "192.0.2.1"},
-                                                               {kCipherKey, link.cipher}};
+                                                               {kCipherKey, link.cipher},
+                                                               {kDeviceKeyKey, link.key}};
     ASSERT_EQ(center.countOf(kServerConnectedToDevice), 1);
     EXPECT_EQ(center.postsNamed(kServerConnectedToDevice).front().userInfo, expected);
 }

@@ -152,9 +152,7 @@ TEST_F(DeviceServerTest, LetsAHostInAndShowsItsAddress)
 
 TEST_F(DeviceServerTest, ShowsTheOptionsOfItsHost)
 {
-    start();
-    const auto guest = host();
-    ASSERT_TRUE(waitUntil([&] { return guest->seen->opened; }));
+    const auto guest = startWithAPicture({64, 64});
     EXPECT_FALSE(server->status().options);
     guest->link->send(LinkOptions{true, false, true, false});
     ASSERT_TRUE(waitUntil([&] { return server->status().options.has_value(); }));
@@ -326,6 +324,55 @@ TEST_F(DeviceServerTest, TellsAHostThatItsFrameIsShown)
     glass.draw();
     ASSERT_TRUE(waitUntil([&] { return guest->seen->frames.size() == 2; }));
     EXPECT_EQ(std::get<LinkShown>(guest->seen->frames.back()).number, 1u);
+}
+
+// --- what the user does with it --------------------------------------------------------------
+
+TEST_F(DeviceServerTest, TellsAHostWhatTheUserDoesWhileThatOneWantsIt)
+{
+    const auto guest = startWithAPicture({64, 64});
+    const auto sendOptions = [&](const LinkOptions& options) {
+        guest->link->send(options);
+        return waitUntil([&] { return server->status().options == options; });
+    };
+    const LinkTouch finger{.finger = 2, .place = {700, 900, 64, 64}};
+    glass.input->touch(finger);
+    ASSERT_TRUE(sendOptions({.touch = true}));
+    glass.input->key({30, true});
+    glass.input->touch(finger);
+    ASSERT_TRUE(sendOptions({.touch = true, .typing = true}));
+    glass.input->key({30, true});
+    const auto& frames = guest->seen->frames;
+    ASSERT_TRUE(waitUntil([&] { return frames.size() == 3; }));
+    EXPECT_EQ(frames[1], LinkFrame(finger));
+    EXPECT_EQ(frames[2], LinkFrame(LinkKey{30, true}));
+    ASSERT_TRUE(sendOptions({}));
+    ASSERT_TRUE(waitUntil([&] { return frames.size() == 5; })) << "what is down is lifted";
+    EXPECT_EQ(std::get<LinkTouch>(frames[3]).phase, LinkTouchPhase::cancel);
+    EXPECT_EQ(frames[4], LinkFrame(LinkKey{30, false}));
+}
+
+TEST_F(DeviceServerTest, DoesNotSayThatAnOlderHostTakesInput)
+{
+    shownOn = &glass;
+    agreed.features.emplace_back(kLinkScreenFeature);
+    start();
+    const auto stranger = silentHost();
+    writeBytes(*stranger, encodeFrame(LinkOptions{.touch = true, .retina = true}));
+    ASSERT_TRUE(waitUntil([&] { return server->status().options.has_value(); }));
+    EXPECT_EQ(*server->status().options, (LinkOptions{.touch = false, .retina = true}));
+}
+
+TEST_F(DeviceServerTest, AHostThatVanishesUnderAFingerIsSurvived)
+{
+    auto guest = startWithAPicture({64, 64});
+    guest->link->send(LinkOptions{.touch = true});
+    ASSERT_TRUE(waitUntil([&] { return server->status().options.has_value(); }));
+    glass.input->touch({.place = {1, 1, 64, 64}});
+    guest.reset();
+    ASSERT_TRUE(waitUntil([&] { return !isUsed(); }));
+    EXPECT_EQ(glass.input, nullptr);
+    fake.runLoop.advance(Duration(1));
 }
 
 TEST_F(DeviceServerTest, FollowsAHostThatGoesOnForLong)

@@ -5,6 +5,7 @@
 #include "Tests/Support/WaitUntil.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QScreen>
 #include <QTest>
 #include <QWindow>
@@ -83,7 +84,8 @@ TEST_F(DeviceWindowTest, ShowsWhoUsesItAndWhatTheyWant)
     EXPECT_THAT(text("deviceUse"), HasSubstr("192.0.2.9"));
     EXPECT_THAT(text("deviceUse"), HasSubstr("sends no pictures"));
     EXPECT_EQ(text("deviceOptions"), "Touch: on\nRetina resolutions: off\n"
-                                     "HiDPI resolutions: off\nWindows move back: on");
+                                     "HiDPI resolutions: off\nWindows move back: on\n"
+                                     "Keys and text: off");
     EXPECT_TRUE(label("deviceOptions").isVisible());
 }
 
@@ -327,8 +329,31 @@ TEST_F(DeviceWindowTest, TellsTheScreenThatItIsOn)
     Q_EMIT mine.geometryChanged(mine.geometry());
     Q_EMIT mine.refreshRateChanged(mine.refreshRate());
     EXPECT_TRUE(waitUntil([&] { return told > 0; }));
-    runLoopFor(std::chrono::milliseconds(20));
+    runLoopFor(std::chrono::milliseconds(100));
     EXPECT_EQ(told, 1) << "changes that come together are told once";
+}
+
+TEST_F(DeviceWindowTest, TellsNoScreenThatIsHalfTurned)
+{
+    QScreen& mine = *QApplication::primaryScreen();
+    int told = 0;
+    QElapsedTimer span;
+    do { // Again where the machine stood still for longer than a screen needs to turn.
+        runLoopFor(std::chrono::milliseconds(100));
+        window.setScreenObserver([&] { ++told; });
+        told = 0;
+        span.start();
+        Q_EMIT mine.geometryChanged({0, 0, 1, 800});
+        QApplication::processEvents();
+        Q_EMIT mine.logicalDotsPerInchChanged(96);
+        QApplication::processEvents();
+        Q_EMIT mine.geometryChanged(mine.geometry());
+        QApplication::processEvents();
+    } while (span.elapsed() > 30);
+    EXPECT_EQ(told, 0) << "more may come";
+    EXPECT_TRUE(waitUntil([&] { return told > 0; }));
+    runLoopFor(std::chrono::milliseconds(100));
+    EXPECT_EQ(told, 1);
 }
 
 TEST_F(DeviceWindowTest, TellsTheScreenThatItIsMovedTo)
@@ -340,9 +365,9 @@ TEST_F(DeviceWindowTest, TellsTheScreenThatItIsMovedTo)
     window.windowHandle()->setScreen(screens[1]);
     EXPECT_TRUE(waitUntil([&] { return told == 1; }));
     EXPECT_EQ(window.screen(), (LinkDeviceScreen{1200, 1920, 150, 60}));
-    runLoopFor(std::chrono::milliseconds(20));
+    runLoopFor(std::chrono::milliseconds(100));
     Q_EMIT screens[0]->geometryChanged({});
-    runLoopFor(std::chrono::milliseconds(20));
+    runLoopFor(std::chrono::milliseconds(100));
     EXPECT_EQ(told, 1) << "the other screen is no longer of interest";
     Q_EMIT screens[1]->geometryChanged({});
     EXPECT_TRUE(waitUntil([&] { return told == 2; }));

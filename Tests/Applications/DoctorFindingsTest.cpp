@@ -276,6 +276,23 @@ TEST(ScreenFindings, WhenNobodyAnswersThatIsSaid)
     EXPECT_THAT(names(findingsAboutScreen(std::nullopt)), ElementsAre("unanswered"));
 }
 
+TEST(InputFindings, SayHowManyFingersAnXServerTakes)
+{
+    const auto one = findingsAboutInput({.isX11 = true, .mayMakeDevices = false});
+    EXPECT_THAT(names(one), ElementsAre("one-finger"));
+    EXPECT_EQ(one.front().severity, Severity::note);
+    EXPECT_FALSE(one.front().advice.key.empty());
+    const auto several = findingsAboutInput({.isX11 = true, .mayMakeDevices = true});
+    EXPECT_THAT(names(several), ElementsAre("several-fingers"));
+    EXPECT_THAT(troubles(several), IsEmpty());
+}
+
+TEST(InputFindings, AreNoneWhereTheDesktopTakesEverything)
+{
+    for (const bool mayMakeDevices : {false, true})
+        EXPECT_THAT(findingsAboutInput({false, mayMakeDevices}), IsEmpty());
+}
+
 TEST(AccessibilityFindings, SayWhetherWindowsMayBeMoved)
 {
     EXPECT_THAT(names(findingsAboutAccessibility({true})), ElementsAre("on"));

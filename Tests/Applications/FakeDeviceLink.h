@@ -3,6 +3,8 @@
 #include "Applications/ScreenCapture/DeviceLink.h"
 
 #include <algorithm>
+#include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -92,6 +94,28 @@ public:
 
 private:
     std::weak_ptr<DeviceLinkDelegate> mDelegate;
+};
+
+/// The links of a server: its first one, and those for further devices as it makes them.
+class FakeDeviceLinks
+{
+public:
+    FakeDeviceLink first;
+
+    /// In the order in which they were made.
+    FakeDeviceLink& further(std::size_t index) { return mFurther.at(index); }
+    std::size_t furtherCount() const { return mFurther.size(); }
+    /// For one server.
+    DeviceLinks maker()
+    {
+        return [this, isFirst = true]() mutable {
+            FakeDeviceLink& made = std::exchange(isFirst, false) ? first : mFurther.emplace_back();
+            return std::shared_ptr<DeviceLink>(std::shared_ptr<void>(), &made);
+        };
+    }
+
+private:
+    std::deque<FakeDeviceLink> mFurther;
 };
 
 } // namespace farview

@@ -13,6 +13,7 @@ class FakeGlass final : public Glass
 public:
     LinkDeviceScreen screen() const override { return deviceScreen; }
     void setScreenObserver(std::function<void()> changed) override { screenChanged = changed; }
+    void setInput(InputReporter* reporter) override { input = reporter; }
     void beginPicture(const PictureReceiver& begun) override
     {
         picture = &begun;
@@ -42,6 +43,7 @@ public:
 
     LinkDeviceScreen deviceScreen{1280, 800, 100, 60};
     std::function<void()> screenChanged;
+    InputReporter* input = nullptr;
     const PictureReceiver* picture = nullptr;
     int pictures = 0;
     std::vector<PixelRect> changed;

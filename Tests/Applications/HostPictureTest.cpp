@@ -1,5 +1,6 @@
 #include "Applications/Device/HostPicture.h"
 
+#include "Platform/Fake/FakeRunLoop.h"
 #include "Screen/Cursor.h"
 #include "Screen/PictureSender.h"
 #include "Tests/Applications/FakeGlass.h"
@@ -16,6 +17,7 @@ namespace
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 using Verdict = HostPicture::Verdict;
 
 constexpr int width = 320;
@@ -24,10 +26,7 @@ constexpr int height = 200;
 class HostPictureTest : public testing::Test
 {
 protected:
-    void begin()
-    {
-        picture.emplace(agreement, glass, send(), [this] { return now; });
-    }
+    void begin() { picture.emplace(agreement, glass, send(), loop); }
     HostPicture::Send send()
     {
         return [this](const LinkFrame& frame) { sent.push_back(frame); };
@@ -65,7 +64,7 @@ protected:
 
     LinkAgreement agreement{1, {kLinkScreenFeature, kLinkZstdFeature}};
     FakeGlass glass;
-    std::chrono::microseconds now{5s};
+    FakeRunLoop loop;
     std::vector<LinkFrame> sent;
     std::optional<HostPicture> picture;
     std::uint32_t frames = 0;
@@ -83,6 +82,32 @@ TEST_F(HostPictureTest, TellsTheScreenAtOnceAndWheneverItChanges)
     glass.deviceScreen = {800, 1280, 100, 60};
     glass.screenChanged();
     EXPECT_EQ(sent.back(), LinkFrame(glass.deviceScreen)) << "it was turned";
+}
+
+TEST_F(HostPictureTest, TellsWhatTheUserDoesAsSoonAsTheHostWantsItAndLiftsItWithThePicture)
+{
+    agreement.features.emplace_back(kLinkInputFeature);
+    beginWithASize();
+    const LinkPointer pressed{{1, 1, width, height}, 1};
+    ASSERT_NE(glass.input, nullptr);
+    glass.input->pointer(pressed);
+    EXPECT_THAT(sent, SizeIs(1)) << "its screen, and nothing else";
+    EXPECT_EQ(picture->take(LinkOptions{.touch = true}), Verdict::good);
+    glass.input->pointer(pressed);
+    EXPECT_EQ(sent.back(), LinkFrame(pressed));
+    EXPECT_EQ(picture->take(LinkPictureSize{height, width}), Verdict::good);
+    EXPECT_EQ(sent.back(), LinkFrame(LinkPointer{pressed.place, 0}));
+    picture.reset();
+    EXPECT_EQ(glass.input, nullptr);
+}
+
+TEST_F(HostPictureTest, TellsNothingToAHostThatDidNotAgreeOnInput)
+{
+    beginWithASize();
+    EXPECT_EQ(picture->take(LinkOptions{.touch = true, .typing = true}), Verdict::good);
+    glass.input->pointer({{1, 1, width, height}, 1});
+    glass.input->key({30, true});
+    EXPECT_THAT(sent, SizeIs(1)) << "its screen, and nothing else";
 }
 
 TEST_F(HostPictureTest, IsBitForBitWhatTheHostSent)
@@ -105,7 +130,7 @@ TEST_F(HostPictureTest, IsToldAsShownWhenItIsOnTheGlassAndNotBefore)
     beginWithASize();
     EXPECT_EQ(end(1), Verdict::good);
     EXPECT_THAT(shown(), IsEmpty());
-    now += 1500us;
+    loop.advance(1500us);
     glass.draw();
     EXPECT_THAT(shown(), ElementsAre(LinkShown{1, 1500}));
 }
@@ -114,9 +139,9 @@ TEST_F(HostPictureTest, AFrameThatALaterOneReplacedIsAnsweredByThatOne)
 {
     beginWithASize();
     EXPECT_EQ(end(1), Verdict::good);
-    now += 10ms;
+    loop.advance(10ms);
     EXPECT_EQ(end(2), Verdict::good);
-    now += 2ms;
+    loop.advance(2ms);
     glass.draw();
     EXPECT_THAT(shown(), ElementsAre(LinkShown{2, 2000}));
     EXPECT_EQ(end(3), Verdict::good);
@@ -126,7 +151,7 @@ TEST_F(HostPictureTest, AGlassThatWasHiddenForHoursIsAnsweredForAllTheSame)
 {
     beginWithASize();
     EXPECT_EQ(end(1), Verdict::good);
-    now += 72h;
+    loop.advance(72h);
     glass.draw();
     EXPECT_THAT(shown(), ElementsAre(LinkShown{1, 0xffffffff}));
 }

@@ -49,6 +49,22 @@ TEST_F(MenuLayoutTest, AMenuThatShowsTheSameIsNoChange)
     EXPECT_GT(layout.revision(), revision);
 }
 
+TEST_F(MenuLayoutTest, AChangeInASubmenuIsOne)
+{
+    const auto withSubmenuOf = [&](const std::string& title) {
+        auto parent = item("more");
+        auto submenu = std::make_shared<Menu>();
+        submenu->insertItem(item(title), 0);
+        parent->submenu = submenu;
+        return parent;
+    };
+    EXPECT_TRUE(set({item("a"), withSubmenuOf("b")}));
+    EXPECT_FALSE(set({item("a"), withSubmenuOf("b")}));
+    EXPECT_EQ(layout.row(idOf("b"))->parent, idOf("more"));
+    EXPECT_TRUE(set({item("a"), withSubmenuOf("c")}));
+    EXPECT_TRUE(set({item("a"), item("more"), item("c")})) << "it has moved out of it";
+}
+
 TEST_F(MenuLayoutTest, AnEntryKeepsItsNumberWhenOthersComeAndGo)
 {
     set({item("a", "host-a"), item("b", "host-b")});

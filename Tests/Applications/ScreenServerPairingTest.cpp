@@ -28,8 +28,8 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.virtualScreens, fake.log, fake.clock,
-                                   fake.preferences, chosenDevice},
+                                   preferences, links.maker(), fake.virtualScreens, fake.log,
+                                   fake.clock, fake.preferences, chosenDevice},
             ScreenServer::Ending{});
         FakeDevice device{"Tablet", tablet};
         device.endpoints = {Endpoint{"192.168.1.20", 6001, 2}};
@@ -93,7 +93,8 @@ protected:
     FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
     FVEPreferences preferences;
     PairedPeers known{fake.preferences, PairedPeers::devices};
-    FakeDeviceLink link;
+    FakeDeviceLinks links;
+    FakeDeviceLink& link = links.first;
     KeptText chosenDevice;
     std::shared_ptr<ScreenServer> server;
 };

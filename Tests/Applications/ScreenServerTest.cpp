@@ -26,8 +26,8 @@ protected:
     {
         server = std::make_shared<ScreenServer>(
             ScreenServer::Services{fake.discovery, fake.runLoop, fake.notificationCenter, center,
-                                   preferences, link, fake.virtualScreens, fake.log, fake.clock,
-                                   fake.preferences, chosenDevice},
+                                   preferences, links.maker(), fake.virtualScreens, fake.log,
+                                   fake.clock, fake.preferences, chosenDevice},
             ScreenServer::Ending{[this] { ++quitting; }, [this] { ++finished; }});
     }
 
@@ -97,8 +97,10 @@ protected:
     {
         const auto posts = center.postsNamed(name);
         ASSERT_THAT(posts, SizeIs(1));
-        const DistributedNotificationCenter::TextUserInfo expected{
-            {kDeviceNameKey, deviceName}, {kDeviceAddressKey, address}, {kCipherKey, link.cipher}};
+        const DistributedNotificationCenter::TextUserInfo expected{{kDeviceNameKey, deviceName},
+                                                                   {kDeviceAddressKey, address},
+                                                                   {kCipherKey, link.cipher},
+                                                                   {kDeviceKeyKey, link.key}};
         EXPECT_EQ(posts.front().userInfo, expected);
         EXPECT_EQ(posts.front().options, 3U);
         EXPECT_EQ(posts.front().object, "");
@@ -114,7 +116,8 @@ protected:
     FakePlatform fake;
     FakeDistributedNotificationCenter& center = fake.distributedNotificationCenter;
     FVEPreferences preferences;
-    FakeDeviceLink link;
+    FakeDeviceLinks links;
+    FakeDeviceLink& link = links.first;
     KeptText chosenDevice;
     std::shared_ptr<ScreenServer> server;
     int quitting = 0;

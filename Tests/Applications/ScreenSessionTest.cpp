@@ -36,7 +36,7 @@ protected:
         session = std::make_shared<ScreenSession>(
             ScreenSession::Services{fake.virtualScreens, fake.runLoop, preferences, link, packetLog,
                                     fake.log},
-            kTablet, [this] { states.push_back(session->report().state); });
+            kTablet, told, [this] { states.push_back(session->report().state); });
     }
     void open(const LinkDeviceScreen& screen = tablet)
     {
@@ -77,6 +77,7 @@ protected:
     FakePlatform fake;
     FVEPreferences preferences;
     FakeDeviceLink link;
+    LinkOptions told;
     PacketLog packetLog{fake.log};
     std::vector<State> states;
     std::shared_ptr<ScreenSession> session;
@@ -191,7 +192,7 @@ TEST_F(AScreenSession, FollowsTheOptions)
     EXPECT_EQ(session->report().width, 2560);
     preferences.setRetinaResolutionsEnabled(false);
     enableHiDPI();
-    session->preferencesChanged();
+    session->preferencesChanged(told);
     fake.runLoop.runUntilIdle();
     EXPECT_EQ(session->report().width, 1280);
     EXPECT_EQ(session->report().scale, 2);
@@ -203,7 +204,7 @@ TEST_F(AScreenSession, StandsWhereTheUserWantsIt)
     open();
     EXPECT_EQ(session->report().monitor, pixelRect(0, 1080, 1280, 800));
     remember({.side = ScreenSide::left});
-    session->preferencesChanged();
+    session->preferencesChanged(told);
     fake.runLoop.runUntilIdle();
     EXPECT_EQ(session->report().monitor, pixelRect(-1280, 0, 1280, 800));
 }
@@ -218,7 +219,7 @@ TEST_F(AScreenSession, RemembersWhatTheUserDidWithTheDesktopsOwnMeans)
     monitor()->change(changed);
     fake.runLoop.runUntilIdle();
     EXPECT_EQ(remembered(), (RememberedScreen{ScreenSide::below, 1024, 768, 1, {1280, 800, 1}}));
-    session->preferencesChanged();
+    session->preferencesChanged(told);
     fake.runLoop.runUntilIdle();
     EXPECT_EQ(session->report().width, 1024) << "it is not taken back";
 
@@ -234,10 +235,84 @@ TEST_F(AScreenSession, ForgetsTheSizeWhenTheUserChangesAnOption)
     open();
     EXPECT_EQ(session->report().width, 1024);
     enableHiDPI();
-    session->preferencesChanged();
+    session->preferencesChanged(told);
     fake.runLoop.runUntilIdle();
     EXPECT_EQ(session->report().width, 1280);
     EXPECT_EQ(remembered(), (RememberedScreen{.side = ScreenSide::below}));
+}
+
+TEST_F(AScreenSession, FollowsADeviceThatTurnsAtOnceAndOneThatKeepsTurningInItsTime)
+{
+    open();
+    session->deviceScreenIs({800, 1280, 100, 60});
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(session->report().width, 800);
+    session->deviceScreenIs({1280, 800, 100, 60});
+    session->deviceScreenIs({1024, 768, 100, 60});
+    fake.runLoop.runUntilIdle();
+    EXPECT_EQ(session->report().width, 800);
+    advance(ScreenSession::settling);
+    EXPECT_EQ(session->report().width, 1024) << "straight to the last one";
+}
+
+TEST_F(AScreenSession, PassesOnWhatTheDevicesUserDoes)
+{
+    link.features.push_back(kLinkInputFeature);
+    told = {.touch = true, .typing = true};
+    makeSession();
+    open();
+    EXPECT_TRUE(monitor()->wish().input);
+    session->deviceDid(LinkPointer{{256, 512, 1280, 800}, 0});
+    EXPECT_THAT(monitor()->input().takeEvents(),
+                ElementsAre(FakeInputSink::Event(InputPlace{1, 2, 1921, 2})));
+    session->preferencesChanged({});
+    session->deviceDid(LinkPointer{{256, 512, 1280, 800}, 0});
+    EXPECT_THAT(monitor()->input().takeEvents(), IsEmpty());
+}
+
+TEST_F(AScreenSession, PassesNothingOnOfADeviceThatDidNotAgree)
+{
+    told = {.touch = true, .typing = true};
+    makeSession();
+    open();
+    session->deviceDid(LinkKey{30, true});
+    EXPECT_FALSE(monitor()->wish().input);
+    EXPECT_THAT(monitor()->input().takeEvents(), IsEmpty());
+}
+
+TEST_F(AScreenSession, SaysForAWhileThatTheDevicesUserTypes)
+{
+    link.features.push_back(kLinkInputFeature);
+    told = {.touch = true, .typing = true};
+    makeSession();
+    open();
+    session->deviceDid(LinkPointer{{0, 0, 1280, 800}, 0});
+    EXPECT_FALSE(session->report().isTyping);
+    session->deviceDid(LinkKey{30, true});
+    EXPECT_TRUE(session->report().isTyping);
+    advance(ScreenSession::typingPause / 2);
+    session->deviceDid(LinkKey{31, true});
+    advance(ScreenSession::typingPause / 2);
+    EXPECT_TRUE(session->report().isTyping);
+    advance(ScreenSession::typingPause / 2);
+    EXPECT_FALSE(session->report().isTyping);
+}
+
+TEST_F(AScreenSession, SaysWhetherSeveralFingersGetThroughAndWhoKeepsWindows)
+{
+    link.features.push_back(kLinkInputFeature);
+    told = {.touch = true, .windowsMoveBack = true};
+    makeSession();
+    open();
+    EXPECT_FALSE(session->report().isOneFinger);
+    EXPECT_EQ(session->report().windows, WindowKeeping::byFarview);
+    EXPECT_TRUE(monitor()->keepsWindows());
+    monitor()->input().setAbilities({.pointer = true});
+    session->preferencesChanged({.touch = true});
+    EXPECT_TRUE(session->report().isOneFinger);
+    EXPECT_FALSE(monitor()->keepsWindows());
+    session->preferencesChanged({});
+    EXPECT_FALSE(session->report().isOneFinger) << "none gets through at all";
 }
 
 TEST_F(AScreenSession, SendsThePictureThatTheMonitorShows)

@@ -111,6 +111,22 @@ protected:
         fake.runLoop.runUntilIdle();
         return done;
     }
+    void hearFurther(const std::vector<FurtherDevice>& devices)
+    {
+        hear(kServerFurtherDevicesDidChange, {{kFurtherDevicesKey, textOfFurtherDevices(devices)}});
+    }
+    std::vector<std::string> further() const
+    {
+        std::vector<std::string> titles;
+        for (const auto& item : entry("Also Use")->submenu->items())
+            titles.push_back((item->state == 1 ? "*" : "") + item->title);
+        return titles;
+    }
+    void clickFurther(int index)
+    {
+        EXPECT_TRUE(choose(entry("Also Use")->submenu->itemAtIndex(index)));
+        fake.runLoop.runUntilIdle();
+    }
     StatusIcon icon() const { return menu->display().icon; }
 
     FakePlatform fake;
@@ -188,6 +204,46 @@ TEST_F(StatusMenuTest, SaysNothingOfAMonitorWhileNoDeviceIsConnected)
     startWithPad();
     hear(kServerScreenDidChange, {{kScreenReportKey, "none"}});
     EXPECT_EQ(entries().at(1), "Turn Farview Off");
+}
+
+TEST_F(StatusMenuTest, OffersFurtherDevicesInASubmenuBesideAConnectedOne)
+{
+    startWithPad();
+    announce("Slab", "slab.local");
+    EXPECT_EQ(entry("Also Use"), nullptr);
+    connectTo("pad.local");
+    ASSERT_NE(entry("Also Use"), nullptr);
+    EXPECT_THAT(further(), ElementsAre("Slab"));
+    clickFurther(0);
+    const Post asked{kAlsoConnectToHost, "", {{kConnectToHostNameKey, "slab.local"}}, 3};
+    EXPECT_THAT(center.postsNamed(kAlsoConnectToHost), ElementsAre(asked));
+    hearFurther({{"slab.local", "Slab", FurtherDevice::State::connecting}});
+    EXPECT_THAT(further(), ElementsAre("*Slab, Connecting…"));
+    clickFurther(0);
+    const Post left{kDisconnectFurtherDevice, "", {{kConnectToHostNameKey, "slab.local"}}, 3};
+    EXPECT_THAT(center.postsNamed(kDisconnectFurtherDevice), ElementsAre(left));
+    hearFurther({});
+    storeElsewhere(kCurrentState, 0);
+    EXPECT_EQ(entry("Also Use"), nullptr);
+}
+
+TEST_F(StatusMenuTest, SaysWhoIsTypingWhileThatIsSo)
+{
+    startConnectedToPad();
+    const auto before = menu->display().sentence;
+    ScreenReport report{.state = ScreenReport::State::shown, .width = 1920, .height = 1200};
+    report.monitor = pixelRect(1280, 0, 1920, 1200);
+    report.isTyping = true;
+    hearFurther({{"slab.local", "Slab", FurtherDevice::State::connected, report}});
+    EXPECT_EQ(entries().at(1), "Slab is typing!");
+    hear(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
+    EXPECT_EQ(entries().at(2), "Pad is typing!");
+    EXPECT_EQ(entries().at(3), "Slab is typing!");
+    EXPECT_EQ(menu->display().sentence, "Pad is typing\nSlab is typing");
+    hear(kServerDisconnectedFromDevice);
+    hearFurther({});
+    EXPECT_EQ(entries().at(1), "Turn Farview Off");
+    EXPECT_EQ(menu->display().sentence, before);
 }
 
 TEST_F(StatusMenuTest, BeginsWithTheQuestionAndItsAnswersWhileDigitsAreCompared)

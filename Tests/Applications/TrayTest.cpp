@@ -189,6 +189,28 @@ TEST_F(ShownTray, TheMenuShowsMarksAndWhatCannotBeChosen)
     EXPECT_FALSE(menu[2].enabled());
 }
 
+TEST_F(ShownTray, ASubmenuHasItsOwnEntriesAndAnyNumberOfMarks)
+{
+    auto used = target->entry("Used");
+    used->state = 1;
+    auto devices = std::make_shared<Menu>();
+    devices->insertItem(used, 0);
+    devices->insertItem(target->entry("Free"), 1);
+    auto also = MenuTarget::entryForNobody("Also Use");
+    also->submenu = devices;
+    tray->show(display(StatusIcon::on, {target->entry("Pad"), also}));
+    const auto menu = watcher->menu(item());
+    ASSERT_EQ(menu.size(), 2);
+    EXPECT_TRUE(menu[1].enabled());
+    EXPECT_EQ(menu[1].properties["children-display"], u"submenu"_qs);
+    const auto submenu = watcher->menu(item(), menu[1].id);
+    ASSERT_EQ(submenu.size(), 2);
+    EXPECT_EQ(submenu[0].properties["toggle-type"], u"checkmark"_qs);
+    EXPECT_FALSE(submenu[1].isMarked());
+    watcher->click(item(), submenu[1].id);
+    EXPECT_EQ(target->chosen, std::vector<std::string>{"Free"});
+}
+
 TEST_F(ShownTray, AClickReachesTheEntryAndNoOther)
 {
     watcher->click(item(), watcher->entry(item(), "Pad").id);

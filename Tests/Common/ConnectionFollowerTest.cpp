@@ -155,6 +155,62 @@ TEST_F(ConnectionFollowerTest, ForgetsAConfirmedDeviceForTheServerToo)
     EXPECT_THAT(center.posts(), ElementsAre(Post{kPairedDevicesDidChange, "", {}, 3}));
 }
 
+TEST_F(ConnectionFollowerTest, AsksForFurtherDevicesAndLeavesThem)
+{
+    compare();
+    follower.alsoConnectToHost("slab.local");
+    EXPECT_EQ(follower.pairing(), PairingReport{});
+    follower.leaveFurtherDevice("slab.local");
+    const DistributedNotificationCenter::TextUserInfo slab{{kConnectToHostNameKey, "slab.local"}};
+    EXPECT_THAT(center.posts(), ElementsAre(Post{kAlsoConnectToHost, "", slab, 3},
+                                            Post{kDisconnectFurtherDevice, "", slab, 3}));
+}
+
+TEST_F(ConnectionFollowerTest, KnowsTheFurtherDevicesUntilTheNextServerBegins)
+{
+    const FurtherDevice slab{"slab.local", "Slab", FurtherDevice::State::connected};
+    follower.followFurtherDevices({kServerFurtherDevicesDidChange,
+                                   nullptr,
+                                   {{kFurtherDevicesKey, textOfFurtherDevices({slab})}}});
+    EXPECT_THAT(follower.furtherDevices(), ElementsAre(slab));
+    ASSERT_NE(follower.furtherDevice("slab.local"), nullptr);
+    EXPECT_EQ(follower.furtherDevice("Slab"), nullptr);
+    end();
+    EXPECT_THAT(follower.furtherDevices(), ElementsAre(slab)) << "only the first one went";
+    serverBegins();
+    EXPECT_THAT(follower.furtherDevices(), IsEmpty());
+}
+
+TEST_F(ConnectionFollowerTest, KnowsTheKeyOfTheDeviceUntilTheConnectionEnds)
+{
+    EXPECT_EQ(follower.deviceKey(), "");
+    follower.followKey({kServerConnectedToDevice, nullptr, {{kDeviceKeyKey, std::string("a1")}}});
+    EXPECT_EQ(follower.deviceKey(), "a1");
+    follower.followKey({kServerConnectedToDevice, nullptr, {}});
+    EXPECT_EQ(follower.deviceKey(), "") << "it is another one, without a key";
+    follower.followKey({kServerConnectedToDevice, nullptr, {{kDeviceKeyKey, std::string("a1")}}});
+    end();
+    EXPECT_EQ(follower.deviceKey(), "");
+}
+
+TEST_F(ConnectionFollowerTest, LetsAConfirmedDeviceTypeAndTellsTheServer)
+{
+    PairedPeers peers(fake.preferences, PairedPeers::devices);
+    const std::string key(64, 'a');
+    follower.letType(key, true);
+    EXPECT_FALSE(follower.mayType(key)) << "nobody has confirmed it";
+    peers.add({key, "Pad", {}, {}});
+    EXPECT_FALSE(follower.mayType(key));
+    center.forgetPosts();
+    follower.letType(key, true);
+    EXPECT_TRUE(follower.mayType(key));
+    EXPECT_TRUE(follower.mayType("Pad"));
+    EXPECT_FALSE(follower.mayType(""));
+    EXPECT_THAT(center.posts(), ElementsAre(Post{kPairedDevicesDidChange, "", {}, 3}));
+    follower.letType("Pad", false);
+    EXPECT_FALSE(follower.mayType(key));
+}
+
 TEST_F(ConnectionFollowerTest, KeepsNothingThatIsForgottenOrSwitchedOff)
 {
     follower.connectToHost("pad.local");

@@ -265,6 +265,17 @@ TEST_F(FVEPreferencesTest, ScreenPacketsAreLoggedOnlyOnceThatIsStored)
     EXPECT_FALSE(preferences.logsScreenPackets());
 }
 
+TEST_F(FVEPreferencesTest, AllDevicesAreConnectedToOnlyOnceThatIsStored)
+{
+    EXPECT_FALSE(preferences.autoConnectAllDevices());
+    EXPECT_EQ(fake.preferences.setCount(), 0) << "asking writes no default";
+    preferences.setAutoConnectAllDevices(true);
+    EXPECT_EQ(pairsAnnounced(), 1u);
+    EXPECT_TRUE(preferences.autoConnectAllDevices());
+    store(kAutoConnectAllDevices, "yes");
+    EXPECT_FALSE(preferences.autoConnectAllDevices());
+}
+
 TEST_F(FVEPreferencesTest, AWronglyTypedLookForUpdatesIsNoneAndStays)
 {
     store(kLastUpdateCheck, "yesterday");

@@ -179,6 +179,44 @@ TEST_F(PairedPeersTest, AreForgottenByNameOrByKeyAndNobodyElse)
     EXPECT_THAT(stored(), IsEmpty());
 }
 
+TEST_F(PairedPeersTest, MayTypeOnceTheUserSaysSoByNameOrByKeyAndNobodyElse)
+{
+    peers.add(peer('a', "Pad"));
+    peers.add(peer('b', ""));
+    peers.add(peer('c', "Slab"));
+    peers.letType("Pad", true);
+    peers.letType(keyOf('b'), true);
+    peers.letType("", true);
+    peers.letType("Nobody", true);
+    const auto all = stored();
+    ASSERT_EQ(all.size(), 3u);
+    EXPECT_TRUE(all[0].mayType);
+    EXPECT_TRUE(all[1].mayType);
+    EXPECT_FALSE(all[2].mayType);
+    peers.letType(keyOf('a'), false);
+    EXPECT_FALSE(stored()[0].mayType);
+    EXPECT_EQ(stored()[0], peer('a', "Pad")) << "nothing else has changed";
+}
+
+TEST_F(PairedPeersTest, MayTypeNoMoreWhenTheyAreConfirmedAnew)
+{
+    for (const char key : {'a', 'b'}) {
+        peers.add(peer('a', "Pad"));
+        peers.letType("Pad", true);
+        ASSERT_TRUE(stored()[0].mayType);
+        peers.add(peer(key, "Pad"));
+        EXPECT_FALSE(stored()[0].mayType) << key;
+    }
+}
+
+TEST_F(PairedPeersTest, MayTypeAlsoAfterTheyWereUsed)
+{
+    peers.add(peer('a', "Pad"));
+    peers.letType("Pad", true);
+    peers.used(keyOf('a'), "Pad", {2000});
+    EXPECT_TRUE(stored()[0].mayType);
+}
+
 TEST_F(PairedPeersTest, AreForgottenAlsoWhenTheAdministratorHasPresetThem)
 {
     peers.add(peer('a', "Pad"));

@@ -77,6 +77,31 @@ TEST(DisplayStateTest, OursIsFurthestToTheRight)
     EXPECT_EQ(besideEverything(areas), pixelPoint(3000, 500));
 }
 
+struct Arrangement {
+    std::vector<PixelRect> areas;
+    bool isPossible;
+};
+
+TEST(DisplayStateTest, MonitorsStandSideBySide)
+{
+    const auto first = pixelRect(0, 0, 1920, 1080);
+    for (const auto& [areas, expected] : {
+             Arrangement{{}, true},
+             Arrangement{{first}, true},
+             Arrangement{{first, pixelRect(1920, 0, 800, 600)}, true},
+             Arrangement{{first, pixelRect(1920, 1079, 800, 600)}, true},
+             Arrangement{{first, pixelRect(1920, 1080, 800, 600)}, false},
+             Arrangement{{first, pixelRect(0, 1080, 800, 600)}, true},
+             Arrangement{{first, pixelRect(1919, 0, 800, 600)}, false},
+             Arrangement{{first, pixelRect(1921, 0, 800, 600)}, false},
+             Arrangement{{first, pixelRect(-800, 0, 800, 600)}, false},
+             Arrangement{{first, pixelRect(1920, -1, 800, 600)}, false},
+             Arrangement{{first, pixelRect(1920, 0, 800, 600), pixelRect(2720, 0, 8, 6)}, true},
+             Arrangement{{first, pixelRect(1920, 0, 800, 600), pixelRect(2721, 0, 8, 6)}, false},
+         })
+        EXPECT_EQ(isPossible(areas), expected) << areas.size();
+}
+
 TEST(DisplayStateTest, AreasAreInTheDesktopsUnits)
 {
     auto state = twoMonitors();

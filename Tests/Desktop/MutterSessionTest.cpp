@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Screens/Mutter/MutterSession.h"
 
 #include "Platform/Desktop/QtRunLoop.h"
+#include "Platform/Desktop/Screens/Mutter/MutterInput.h"
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Desktop/ScreenListener.h"
@@ -10,6 +11,8 @@
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace farview
 {
@@ -35,6 +38,10 @@ protected:
     bool becomes(const std::string& member)
     {
         return waitUntil([&] { return mMutter.wasAsked(member); });
+    }
+    int count(const std::string& member)
+    {
+        return static_cast<int>(std::count(mMutter.calls.begin(), mMutter.calls.end(), member));
     }
     std::optional<ScreenObstacle> end()
     {
@@ -139,6 +146,51 @@ TEST_F(MutterSessionTest, OneThatComesAfterItsOwnersEndIsStopped)
     EXPECT_FALSE(mMutter.wasAsked("Stop"));
     mMutter.answerHeld();
     EXPECT_TRUE(becomes("Stop"));
+}
+
+TEST_F(MutterSessionTest, InputIsPassedOnWhileItGoesOn)
+{
+    bool isPrepared = false;
+    bool hasEnded = false;
+    MutterSession session(
+        mBus, {[&] { isPrepared = true; }, [](auto) {}, [&](auto) { hasEnded = true; }});
+    const ScreenWish wish{.name = "Tablet", .width = 1024, .height = 600, .input = true};
+    MutterInput input(session, wish);
+    session.prepare();
+    ASSERT_TRUE(waitUntil([&] { return isPrepared; }));
+    session.start();
+    input.key(1, true);
+    input.setMonitor({pixelRect(0, 0, 1024, 600), 1024, 600});
+    input.key(2, true);
+    input.touch({.place = {.x = 10, .y = 10}});
+    EXPECT_TRUE(becomes("NotifyTouchDown"));
+    EXPECT_EQ(count("NotifyKeyboardKeycode"), 1);
+    mMutter.closeSession();
+    ASSERT_TRUE(waitUntil([&] { return hasEnded; }));
+    input.key(3, true);
+    input.end();
+    session.stop();
+    EXPECT_TRUE(becomes("Stop"));
+    EXPECT_EQ(count("NotifyKeyboardKeycode"), 1);
+    EXPECT_EQ(count("NotifyTouchUp"), 0);
+}
+
+TEST_F(MutterSessionTest, AMonitorThatIsToBecomeSmallerTakesNoInputBeyondItsNewEdge)
+{
+    bool isPrepared = false;
+    MutterSession session(mBus, {[&] { isPrepared = true; }, [](auto) {}, [](auto) {}});
+    ScreenWish wish{.name = "Tablet", .width = 1024, .height = 600, .input = true};
+    MutterInput input(session, wish);
+    session.prepare();
+    ASSERT_TRUE(waitUntil([&] { return isPrepared; }));
+    session.start();
+    input.setMonitor({pixelRect(0, 0, 1024, 600), 1024, 600});
+    wish.width = 800;
+    input.touch({.finger = 0, .place = {.x = 800, .y = 10}});
+    input.touch({.finger = 1, .place = {.x = 799, .y = 10}});
+    input.end();
+    EXPECT_TRUE(becomes("NotifyTouchUp"));
+    EXPECT_EQ(count("NotifyTouchDown"), 1);
 }
 
 TEST_F(MutterSessionTest, SizesThatNoScreenHasAreRefusedUnasked)

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 namespace farview
 {
 namespace
@@ -80,6 +83,76 @@ TEST_F(MutterVirtualScreensTest, TheUsersMonitorsStayWhereTheyWere)
     runLoopFor(std::chrono::milliseconds(200));
     EXPECT_TRUE(waitUntil([&] { return usersMonitors() == before; }));
     EXPECT_TRUE(waitUntil([&] { return geometry().corner() == pixelPoint(1920, 720); }));
+}
+
+TEST_F(MutterVirtualScreensTest, TurningShowsNothingBetweenOneSizeAndTheOther)
+{
+    open(1024, 768);
+    std::vector<std::pair<int, int>> frames;
+    mListener->frame = [&] {
+        const auto frame = mScreen->frames().takeFrame();
+        if (!frame)
+            return;
+        const std::pair size(frame->view.width, frame->view.height);
+        if (frames.empty() || frames.back() != size)
+            frames.push_back(size);
+        EXPECT_EQ(size, std::pair(geometry().width, geometry().height)) << "not told of it before";
+    };
+    ASSERT_TRUE(waitUntil([&] {
+        mListener->frame();
+        return !frames.empty();
+    }));
+    const auto before = geometry();
+    mScreen->resize(768, 1024);
+    ASSERT_TRUE(waitUntil([&] { return frames.size() > 1; }));
+    runLoopFor(std::chrono::milliseconds(300));
+    EXPECT_EQ(frames, (std::vector{std::pair(1024, 768), std::pair(768, 1024)}));
+    auto after = before;
+    after.area = pixelRect(1920, 720, 768, 1024);
+    after.width = 768;
+    after.height = 1024;
+    EXPECT_EQ(mListener->geometries, (std::vector{before, after}));
+}
+
+TEST_F(MutterVirtualScreensTest, ScaleAndPlaceWaitForTheSizeThatIsToComeWithThem)
+{
+    open(1600, 1200);
+    const auto before = mOthers.layout();
+    mDesktop.pipeWire().sendSignal(SIGSTOP);
+    mScreen->resize(2048, 1536);
+    mScreen->setScale(2);
+    mScreen->place(pixelPoint(1920, 900));
+    runLoopFor(std::chrono::milliseconds(200));
+    EXPECT_EQ(mOthers.layout(), before);
+    mDesktop.pipeWire().sendSignal(SIGCONT);
+    ASSERT_TRUE(becomes(2048, 1536));
+    runLoopFor(std::chrono::milliseconds(300));
+    EXPECT_EQ(geometry().scale, 2);
+    EXPECT_EQ(geometry().corner(), pixelPoint(1920, 900));
+    EXPECT_EQ(mListener->geometries.size(), 2U);
+}
+
+TEST_F(MutterVirtualScreensTest, ATurnRightAfterItAppearedIsNotLost)
+{
+    open(1600, 1200);
+    mScreen->resize(1200, 1600);
+    EXPECT_TRUE(becomes(1200, 1600));
+    mScreen->resize(1600, 1200);
+    EXPECT_TRUE(becomes(1600, 1200));
+}
+
+TEST_F(MutterVirtualScreensTest, WishesInQuickSuccessionAreAllGranted)
+{
+    open(2048, 1536);
+    for (const double scale : {2.0, 1.0, 2.0})
+        mScreen->setScale(scale);
+    mScreen->place(pixelPoint(1920, 900));
+    const auto isGranted = [&] {
+        return geometry().scale == 2 && geometry().corner() == pixelPoint(1920, 900);
+    };
+    EXPECT_TRUE(waitUntil(isGranted));
+    runLoopFor(std::chrono::milliseconds(300));
+    EXPECT_TRUE(isGranted());
 }
 
 TEST_F(MutterVirtualScreensTest, RemovalLeavesEverythingAsItWas)

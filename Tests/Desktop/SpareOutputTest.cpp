@@ -58,21 +58,25 @@ TEST(SpareOutput, AnOutputThatNothingCanFeedIsNone)
 
 TEST(SpareOutput, AMonitorMayBeWhereNothingOfOthersIs)
 {
-    auto layout = layoutWith({"VIRTUAL1"});
-    layout.crtcs[1] = {.id = 12, .x = 1920, .width = 800, .height = 600, .mode = 6, .outputs = {2}};
-    const auto at = [](int x, int y, int width = 800, int height = 600) {
-        return RandrCrtc{.id = 12, .x = x, .y = y, .width = width, .height = height};
+    const auto isFreeAt = [](int x, int y, int width = 800, int height = 600) {
+        return isFree({8192, 8192}, {pixelRect(0, 0, 1920, 1080), pixelRect(2720, 0, 800, 600)},
+                      {.x = x, .y = y, .width = width, .height = height});
     };
-    EXPECT_TRUE(isFree(layout, 2, at(1920, 0)));
-    EXPECT_TRUE(isFree(layout, 2, at(1920, 100))) << "over itself";
-    EXPECT_TRUE(isFree(layout, 2, at(0, 1080)));
-    EXPECT_FALSE(isFree(layout, 2, at(1919, 0)));
-    EXPECT_FALSE(isFree(layout, 2, at(-1, 1080)));
-    EXPECT_FALSE(isFree(layout, 2, at(7800, 0)));
-    EXPECT_FALSE(isFree(layout, 2, at(1920, 0, 0, 600)));
-    EXPECT_FALSE(isFree(layout, 2, at(1920, 0, 2147483647, 2147483647)));
-    EXPECT_EQ(rightEdgeWithout(layout, 2), 1920);
-    EXPECT_EQ(rightEdgeWithout(layout, 1), 2720);
+    EXPECT_TRUE(isFreeAt(1920, 0));
+    EXPECT_TRUE(isFreeAt(3520, 0));
+    EXPECT_TRUE(isFreeAt(0, 1080));
+    EXPECT_FALSE(isFreeAt(1919, 0));
+    EXPECT_FALSE(isFreeAt(1921, 0));
+    EXPECT_FALSE(isFreeAt(-1, 1080));
+    EXPECT_FALSE(isFreeAt(7800, 0));
+    EXPECT_FALSE(isFreeAt(1920, 0, 0, 600));
+    EXPECT_FALSE(isFreeAt(1920, 0, 2147483647, 2147483647));
+}
+
+TEST(SpareOutput, TheRightEdgeIsThatOfWhateverIsFurthest)
+{
+    EXPECT_EQ(rightEdgeOf({}), 0);
+    EXPECT_EQ(rightEdgeOf({pixelRect(1920, 0, 800, 600), pixelRect(0, 0, 1920, 1080)}), 2720);
 }
 
 } // namespace

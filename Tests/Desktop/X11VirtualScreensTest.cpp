@@ -1,18 +1,61 @@
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 
 #include "Platform/Desktop/QtRunLoop.h"
+#include "Platform/Desktop/Screens/X11/MonitorThread.h"
 #include "Tests/Desktop/ScreenListener.h"
+#include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/PrivateXServer.h"
 #include "Tests/Support/WaitUntil.h"
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <csignal>
+#include <cstdlib>
+#include <utility>
+#include <vector>
 
 namespace farview
 {
 namespace
 {
+
+/// Hears of every change of what outputs show.
+class OutputListener
+{
+public:
+    explicit OutputListener(const std::string& display)
+        : mConnection(connectX(display.c_str())),
+          mEvent(xcb_get_extension_data(mConnection.get(), &xcb_randr_id)->first_event)
+    {
+        auto* server = mConnection.get();
+        std::free(xcb_request_check(
+            server, xcb_randr_select_input_checked(server, screenOf(server)->root,
+                                                   XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE)));
+    }
+
+    /// The sizes since the beginning, each change once; 0x0 for off.
+    std::vector<std::pair<int, int>> sizes()
+    {
+        std::free(xcb_get_input_focus_reply(mConnection.get(),
+                                            xcb_get_input_focus(mConnection.get()), nullptr));
+        std::vector<std::pair<int, int>> sizes;
+        while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(mConnection.get())}) {
+            const auto& notice = reinterpret_cast<const xcb_randr_notify_event_t&>(*event);
+            const auto& crtc = notice.u.cc;
+            const std::pair<int, int> size(crtc.mode ? crtc.width : 0, crtc.mode ? crtc.height : 0);
+            if (event->response_type == mEvent + XCB_RANDR_NOTIFY &&
+                (sizes.empty() || sizes.back() != size))
+                sizes.push_back(size);
+        }
+        return sizes;
+    }
+
+private:
+    XConnection mConnection;
+    int mEvent;
+};
 
 class X11VirtualScreensTest : public testing::Test
 {
@@ -70,6 +113,30 @@ TEST_F(X11VirtualScreensTest, FiftySizesASecondEndInTheLast)
     EXPECT_TRUE(becomes(850, 600));
     mScreen.reset();
     EXPECT_EQ(described(), before);
+}
+
+TEST_F(X11VirtualScreensTest, TurningShowsNothingBetweenOneSizeAndTheOther)
+{
+    open();
+    std::vector<std::pair<int, int>> frames;
+    mListener->frame = [&] {
+        const auto frame = mScreen->frames().takeFrame();
+        if (frame && (frames.empty() || frames.back().first != frame->view.width))
+            frames.emplace_back(frame->view.width, frame->view.height);
+    };
+    ASSERT_TRUE(waitUntil([&] { return !frames.empty(); }));
+    OutputListener outputs(mServer.display());
+    mScreen->resize(600, 1024);
+    int shade = 0;
+    ASSERT_TRUE(waitUntil([&] {
+        mOthers.fill({1920, 0, 600, 600}, ++shade % 256);
+        return frames.size() > 1;
+    }));
+    const std::vector sizes{std::pair(1024, 600), std::pair(600, 1024)};
+    EXPECT_EQ(frames, sizes);
+    ASSERT_EQ(mListener->geometries.size(), 2U);
+    EXPECT_EQ(mListener->geometries[1].area, pixelRect(1920, 0, 600, 1024));
+    EXPECT_EQ(outputs.sizes(), std::vector{sizes[1]});
 }
 
 TEST_F(X11VirtualScreensTest, SizesThatNoScreenHasAreRefused)
@@ -139,14 +206,22 @@ TEST_F(X11VirtualScreensTest, WhatOthersSwitchedOffLeavesNothing)
     EXPECT_TRUE(waitUntil([&] { return described() == before; }));
 }
 
-TEST_F(X11VirtualScreensTest, OneMonitorOnOneDisplay)
+TEST_F(X11VirtualScreensTest, MonitorsOfOneProcessAtATime)
 {
+    const ForkedProcess another([] {
+        const MonitorThread thread({.name = "Phone", .width = 800, .height = 600},
+                                   FARVIEW_MONITOR_WATCHER, [](const auto&) {});
+        ::pause();
+    });
+    ASSERT_TRUE(waitUntil([&] { return mOthers.area(1).width == 800; }));
     open();
-    const auto second = std::make_shared<ScreenListener>();
-    const auto other = mScreens.open({.name = "Tablet", .width = 800, .height = 600}, second);
-    ASSERT_TRUE(waitUntil([&] { return second->end.has_value(); }));
-    EXPECT_EQ(second->end, ScreenObstacle::inUse);
-    EXPECT_EQ(mListener->end, std::nullopt);
+    EXPECT_EQ(mListener->end, ScreenObstacle::inUse);
+    std::optional<ScreenAvailability> answer;
+    mScreens.availability(mListener, [&](const auto& found) { answer = found; });
+    ASSERT_TRUE(waitUntil([&] { return answer.has_value(); }));
+    EXPECT_FALSE(answer->way);
+    EXPECT_EQ(answer->obstacle, ScreenObstacle::inUse);
+    EXPECT_EQ(mOthers.area(1), (ScreenArranger::Area{1920, 0, 800, 600}));
 }
 
 TEST_F(X11VirtualScreensTest, WithoutItsWatcherThereIsNoMonitor)

@@ -1,6 +1,7 @@
 // A device's picture, given whatever frames a host may send.
 #include "Applications/Device/HostPicture.h"
 #include "Link/Wire/LinkCodec.h"
+#include "Platform/Fake/FakeRunLoop.h"
 #include "Tests/Fuzz/Expect.h"
 
 #include <utility>
@@ -19,6 +20,7 @@ class SlowGlass final : public Glass
 public:
     LinkDeviceScreen screen() const override { return {}; }
     void setScreenObserver(std::function<void()>) override {}
+    void setInput(InputReporter*) override {}
     void beginPicture(const PictureReceiver& picture) override { mPicture = &picture; }
     void showFrame(const std::vector<PixelRect>& changed, std::size_t,
                    std::function<void()> drawn) override
@@ -53,13 +55,16 @@ bool isTooSlow(const LinkFrame& frame)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
     SlowGlass glass;
+    FakeRunLoop loop;
     std::uint32_t shown = 0;
-    HostPicture picture({1, {kLinkScreenFeature, kLinkZstdFeature}}, glass,
-                        [&](const LinkFrame& frame) {
-                            const auto* answer = std::get_if<LinkShown>(&frame);
-                            expect(!answer || answer->number > shown, "frames are shown in order");
-                            shown = answer ? answer->number : shown;
-                        });
+    HostPicture picture(
+        {1, {kLinkInputFeature, kLinkScreenFeature, kLinkZstdFeature}}, glass,
+        [&](const LinkFrame& frame) {
+            const auto* answer = std::get_if<LinkShown>(&frame);
+            expect(!answer || answer->number > shown, "frames are shown in order");
+            shown = answer ? answer->number : shown;
+        },
+        loop);
     ByteView rest(bytes, size);
     for (;;) {
         const auto frame = decodeFrame(rest);

@@ -99,6 +99,17 @@ protected:
             return shown && shown->number == sent;
         });
     }
+    bool has(const LinkFrame& frame) const
+    {
+        const auto& frames = seen->frames;
+        return std::find(frames.begin(), frames.end(), frame) != frames.end();
+    }
+    static bool run(const QString& program, const QStringList& words)
+    {
+        QProcess process;
+        process.start(program, words);
+        return process.waitForFinished() && process.exitCode() == 0;
+    }
     bool isExactOnTheDisplay() const
     {
         const QImage image = QGuiApplication::primaryScreen()->grabWindow().toImage();
@@ -142,10 +153,47 @@ TEST_F(DevicePicture, FillsTheDisplayBitForBit)
 
 TEST_F(DevicePicture, HasATitleInTheSessionsLanguage)
 {
-    QProcess process;
-    process.start(u"xdotool"_qs, {u"search"_qs, u"--name"_qs, u"^Appareil Farview$"_qs});
-    ASSERT_TRUE(process.waitForFinished());
-    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_TRUE(run(u"xdotool"_qs, {u"search"_qs, u"--name"_qs, u"^Appareil Farview$"_qs}));
+}
+
+TEST_F(DevicePicture, SendsWhatIsDoneWithItAndLiftsItWhenThatIsNoLongerWanted)
+{
+    beginPicture();
+    ASSERT_TRUE(send());
+    const auto use = [this](const QStringList& words) { return run(u"xdotool"_qs, words); };
+    const QStringList press{u"mousemove"_qs, u"300"_qs,     u"200"_qs, u"mousedown"_qs,
+                            u"3"_qs,         u"keydown"_qs, u"a"_qs};
+    const QStringList release{u"mouseup"_qs, u"3"_qs, u"keyup"_qs, u"a"_qs};
+    ASSERT_TRUE(use(press) && use(release));
+    ASSERT_TRUE(send()) << "nothing but the word that it is shown";
+    EXPECT_EQ(seen->frames.size(), 3u) << "its screen, and two frames shown";
+    link->send(LinkOptions{.touch = true, .typing = true});
+    const LinkPlace place{300 * 256, 200 * 256, screen.width, screen.height};
+    ASSERT_TRUE(waitUntil([&] { return log().find("typing") != std::string::npos; })) << log();
+    ASSERT_TRUE(use(press));
+    ASSERT_TRUE(waitUntil([&] { return has(LinkPointer{place, 2}) && has(LinkKey{30, true}); }));
+    EXPECT_FALSE(has(LinkKey{30, false}));
+    link->send(LinkOptions{});
+    EXPECT_TRUE(waitUntil([&] { return has(LinkPointer{place, 0}) && has(LinkKey{30, false}); }));
+    ASSERT_TRUE(use(release));
+}
+
+TEST_F(DevicePicture, TellsOnceThatItsScreenWasTurned)
+{
+    const QString output = QGuiApplication::primaryScreen()->name();
+    // The driver cannot turn a screen, so another mode is what a turned one would have.
+    const QString upright = u"--newmode upright 60 800 801 802 803 1280 1281 1282 1283"_qs;
+    ASSERT_TRUE(run(u"xrandr"_qs, upright.split(u' ')));
+    ASSERT_TRUE(run(u"xrandr"_qs, {u"--addmode"_qs, output, u"upright"_qs}));
+    ASSERT_TRUE(run(u"xrandr"_qs, {u"--output"_qs, output, u"--mode"_qs, u"upright"_qs}));
+    EXPECT_TRUE(waitUntil([&] { return seen->frames.size() > 1; }));
+    ASSERT_TRUE(run(u"xrandr"_qs, {u"--output"_qs, output, u"--mode"_qs, u"first"_qs}));
+    ASSERT_TRUE(waitUntil([&] { return seen->frames.back() == LinkFrame(screen); }));
+    ASSERT_EQ(seen->frames.size(), 3u) << "and nothing in between";
+    const auto turned = std::get<LinkDeviceScreen>(seen->frames[1]);
+    EXPECT_EQ(QSize(turned.width, turned.height), QSize(800, 1280));
+    run(u"xrandr"_qs, {u"--delmode"_qs, output, u"upright"_qs});
+    run(u"xrandr"_qs, {u"--rmmode"_qs, u"upright"_qs});
 }
 
 TEST_F(DevicePicture, KeepsTheDesktopAwakeAsLongAsItLasts)

@@ -180,6 +180,32 @@ TEST_F(DoctorCommands, ForgetNobodyForANameThatNobodyHas)
     EXPECT_THAT(server.heard, IsEmpty());
 }
 
+TEST_F(DoctorCommands, LetAConfirmedDeviceTypeAndTakeThatBack)
+{
+    ScriptedServer server(panel->center());
+    remember("a1b2c3d4", "Desk");
+    remember("b1b2c3d4", "Slab");
+    const auto allowed = run({"--let-type", "Desk"});
+    EXPECT_EQ(allowed.status(), 0) << allowed.output();
+    EXPECT_THAT(allowed.output(), HasSubstr("“Desk” may type on this computer from now on."));
+    EXPECT_TRUE(devices().all()[0].mayType);
+    EXPECT_FALSE(devices().all()[1].mayType);
+    EXPECT_EQ(run({"--no-typing", "a1b2 c3d4"}).status(), 0);
+    EXPECT_FALSE(devices().all()[0].mayType);
+    EXPECT_EQ(run({"--let-type", "Tablet"}).status(), 1);
+    EXPECT_TRUE(waitUntil([&] { return server.heard.size() == 2; }));
+    EXPECT_THAT(server.heard, testing::Each(std::string(kPairedDevicesDidChange)));
+}
+
+TEST_F(DoctorCommands, LeaveNoFurtherDeviceWithoutAServer)
+{
+    const auto stopped = run({"--stop", "Desk"});
+    EXPECT_EQ(stopped.status(), 1);
+    EXPECT_THAT(stopped.output(), HasSubstr("The screen server does not answer."));
+    for (const char* option : {"--also", "--stop", "--let-type", "--no-typing"})
+        EXPECT_EQ(run({option, ""}).status(), 2) << option;
+}
+
 TEST_F(DoctorCommands, SayWhichOfThemCannotBeMeant)
 {
     for (const auto* digits : {"48291", "4829130", "48291x", "", "-82913"})

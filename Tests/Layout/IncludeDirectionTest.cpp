@@ -82,7 +82,7 @@ std::string libraryOf(const std::string& header)
         return "sockets";
     if (!header.ends_with(".h"))
         return header.starts_with("Q") ? "an unknown module" : "";
-    for (const char* library : {"avahi-common", "avahi-core", "xcb"}) {
+    for (const char* library : {"avahi-common", "avahi-core", "libevdev", "xcb", "xkbcommon"}) {
         if (header.starts_with(std::string(library) + "/"))
             return library;
     }

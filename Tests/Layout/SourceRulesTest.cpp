@@ -90,6 +90,13 @@ const std::vector<std::string> waits = {
     "std::this_thread::sleep_for(std::chrono::milliseconds(100));",
     "Platform/Desktop/Screens/X11/WindowKeeper.cpp:        "
     "std::this_thread::sleep_for(milliseconds(5));",
+    // Input has a thread of its own, which is waited for like the monitor's.
+    "Platform/Desktop/Screens/X11/TypedText.cpp:    std::this_thread::sleep_until(typed + "
+    "timeToUnderstand);",
+    "Platform/Desktop/Screens/X11/X11InputSink.cpp:    if "
+    "(mHasEnded.get_future().wait_for(patience) == std::future_status::timeout)",
+    "Platform/Desktop/Screens/X11/X11InputSink.cpp:        ::poll(files.data(), files.size(), "
+    "input.millisecondsLeft());",
     // A picture has a thread of its own.
     "Applications/ScreenCapture/PictureThread.cpp:        mChanged.wait_until(lock, stop, "
     "clockTime(mNextRefinement), hasNews);",

@@ -14,6 +14,9 @@ ScreenReport shown()
             .height = 1200,
             .scale = 1.5,
             .rate = 59.95,
+            .windows = WindowKeeping::byFarview,
+            .isOneFinger = true,
+            .isTyping = true,
             .monitor = pixelRect(1280, -20, 1280, 800),
             .screens = {pixelRect(0, 0, 1280, 800), pixelRect(-800, 0, 800, 600)}};
 }
@@ -44,10 +47,14 @@ TEST(ScreenReport, TellsOfNoMoreScreensThanFitIn)
 TEST(ScreenReport, WhatCannotBeReadIsNothing)
 {
     EXPECT_EQ(screenReport(nullptr), ScreenReport{});
+    EXPECT_NE(read("shown 5 5 100 0 0 0 0 0 0 1 1"), ScreenReport{}) << "those below differ by one";
     for (const char* text :
-         {"", "shows", "shown", "shown 1 2 3", "shown 0 5 100 0 0 0 1 1", "shown 5 5 0 0 0 0 1 1",
-          "shown 5 5 100 -1 0 0 1 1", "shown 5 5 100 0 0 0 0 1", "shown 99999 5 100 0 0 0 1 1",
-          "shown 5 5 100 0 99999 0 1 1", "missing", "missing -1", "missing 10", "missing x"})
+         {"", "shows", "shown", "shown 1 2 3", "shown 0 5 100 0 0 0 0 0 0 1 1",
+          "shown 5 5 0 0 0 0 0 0 0 1 1", "shown 5 5 100 -1 0 0 0 0 0 1 1",
+          "shown 5 5 100 0 0 0 0 0 0 0 1", "shown 99999 5 100 0 0 0 0 0 0 1 1",
+          "shown 5 5 100 0 3 0 0 0 0 1 1", "shown 5 5 100 0 -1 0 0 0 0 1 1",
+          "shown 5 5 100 0 0 2 0 0 0 1 1", "shown 5 5 100 0 0 0 2 0 0 1 1",
+          "shown 5 5 100 0 0 0 0 99999 0 1", "missing", "missing -1", "missing 10", "missing x"})
         EXPECT_EQ(read(text), ScreenReport{}) << text;
     EXPECT_EQ(read("coming" + std::string(2000, ' ')), ScreenReport{});
 }

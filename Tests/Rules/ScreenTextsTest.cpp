@@ -110,5 +110,25 @@ TEST(ScreenTexts, HiDPIThatTheDesktopCannotGiveIsSaid)
     EXPECT_EQ(screenAdvice({}, true, asItIs), "");
 }
 
+TEST(ScreenTexts, ThatOnlyOneFingerGetsThroughIsSaidWhileItIsShown)
+{
+    auto report = monitorOn();
+    report.isOneFinger = true;
+    const std::string advice = "Only one finger at a time gets through: for several, this computer "
+                               "must allow Farview more. Diagnose says how.";
+    EXPECT_EQ(screenAdvice(report, false, asItIs), advice);
+    EXPECT_EQ(screenAdvice(report, true, asItIs),
+              "HiDPI is on, but this desktop cannot enlarge the device's screen.\n" + advice);
+    report.state = Is::coming;
+    EXPECT_EQ(screenAdvice(report, false, asItIs), "");
+}
+
+TEST(ScreenTexts, WindowsThatTheUserHasNoSayInAreExplained)
+{
+    EXPECT_EQ(windowsHint(WindowKeeping::desktop), "Your desktop does this by itself.");
+    EXPECT_EQ(windowsHint(WindowKeeping::nobody), "Your desktop lets no program move windows.");
+    EXPECT_EQ(windowsHint(WindowKeeping::byFarview), "");
+}
+
 } // namespace
 } // namespace farview

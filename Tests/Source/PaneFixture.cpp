@@ -33,6 +33,10 @@ void PaneFixture::newPane()
     pane->screenDiagnoseButton()->setHidden(true);
     pane->screenPlaceBox()->setHidden(true);
     pane->pairingBox()->setHidden(true);
+    pane->typingLabel()->setHidden(true);
+    pane->furtherDevicesTable()->setHidden(true);
+    pane->mayTypeBox()->setHidden(true);
+    pane->windowsHintLabel()->setHidden(true);
     pane->virtualScreenSelectionPopup()->setFrame({{10, 20}, {fullWidth, 26}}, false);
     pane->placeholderForFullPopupSize()->setFrame({{0, 0}, {fullWidth, 5}}, false);
     pane->placeholderForReducedPopupSize()->setFrame({{0, 0}, {reducedWidth, 5}}, false);

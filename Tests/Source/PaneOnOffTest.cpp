@@ -215,12 +215,12 @@ TEST_F(PaneOnOff, ObserversExistOnlyWhileShown)
     load();
     EXPECT_EQ(registrations(), 0u);
     show();
-    EXPECT_EQ(fake.distributedNotificationCenter.registrationCount(), 8u);
+    EXPECT_EQ(fake.distributedNotificationCenter.registrationCount(), 10u);
     EXPECT_EQ(fake.notificationCenter.registrationCount(), 5u);
     hide();
     EXPECT_EQ(registrations(), 0u);
     show();
-    EXPECT_EQ(registrations(), 13u);
+    EXPECT_EQ(registrations(), 15u);
     pane.reset();
     EXPECT_EQ(registrations(), 0u);
 }

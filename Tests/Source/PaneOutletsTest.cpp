@@ -52,6 +52,12 @@ const std::set<std::string_view> outletNames = {
     "connectionHelpLabel",
     "connectionDiagnoseButton",
     "orderHintLabel",
+    "autoConnectAll",
+    "windowsHintLabel",
+    "typingLabel",
+    "furtherDevicesTable",
+    "mayTypeBox",
+    "mayTypeCheckbox",
 };
 
 TEST_F(PaneOutlets, AreTheseAndNoOthers)
@@ -91,7 +97,8 @@ TEST_F(PaneOutlets, CheckBoxesAreCheckBoxes)
     for (const auto& box :
          {pane->menuExtraCheckbox(), pane->startAtLoginCheckbox(), pane->enableHiDPIResolutions(),
           pane->enableTouchDisplay(), pane->enableRetinaResolutions(), pane->autoUpdateCheckbox(),
-          pane->autoMoveWindowsBack(), pane->autoConnect()})
+          pane->autoMoveWindowsBack(), pane->autoConnect(), pane->autoConnectAll(),
+          pane->mayTypeCheckbox()})
         EXPECT_EQ(box->kind(), Kind::checkBox);
     EXPECT_EQ(pane->offTextButton()->kind(), Kind::push);
     EXPECT_EQ(pane->reinstallDriversButton()->kind(), Kind::push);
@@ -134,7 +141,11 @@ TEST_F(PaneOutlets, EveryNameThatOthersCallIsAnswered)
                              "autoUpdatePressed:",
                              "showDevices:",
                              "screenPlaced:",
-                             "serverScreenDidChange:"})
+                             "serverScreenDidChange:",
+                             "serverFurtherDevicesDidChange:",
+                             "pairedDevicesDidChange:",
+                             "mayTypePressed:",
+                             "autoConnectAllPressed:"})
         EXPECT_TRUE(pane->respondsTo({name})) << name;
 }
 
@@ -184,7 +195,8 @@ TEST_F(PaneOutlets, TheInterfaceFileSendsTheActionsAndNoUnknownOnes)
          {"onTextPressed:", "offTextPressed:", "autoConnectPressed:", "menuExtraCheckboxPressed:",
           "enableTouchDisplayPressed:", "enableRetinaPressed:", "enableHiDPIPressed:",
           "autoMoveWindowsBackPressed:", "reinstallDriversPressed:", "helpPressed:",
-          "checkNowForUpdatePressed:", "autoUpdatePressed:", "showDevices:", "screenPlaced:"})
+          "checkNowForUpdatePressed:", "autoUpdatePressed:", "showDevices:", "screenPlaced:",
+          "mayTypePressed:", "autoConnectAllPressed:"})
         EXPECT_TRUE(sent.contains(name)) << name;
     for (const auto& name : sent)
         EXPECT_TRUE(pane->respondsTo({name})) << name;

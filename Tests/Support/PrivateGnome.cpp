@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -41,8 +42,10 @@ bool hasOwners(const std::string& address)
 
 } // namespace
 
-PrivateGnome::PrivateGnome(const std::vector<std::string>& monitors) : mPipeWire(start("pipewire"))
+PrivateGnome::PrivateGnome(const std::vector<std::string>& monitors, const std::string& settings)
+    : mPipeWire(start("pipewire"))
 {
+    mFolder.write("glib-2.0/settings/keyfile", settings);
     const auto limit = std::chrono::seconds(30);
     const auto exists = [this](const char* socket) {
         return [path = mFolder.path(socket)] { return std::filesystem::exists(path); };
@@ -68,7 +71,7 @@ std::unique_ptr<ChildProcess> PrivateGnome::start(const std::string& command)
         std::vector<std::string>{"sh", "-c", "exec " + command + " >'" + log + "' 2>&1"});
 }
 
-GnomeArranger::GnomeArranger(PrivateGnome& desktop)
+GnomeArranger::GnomeArranger(PrivateGnome& desktop, bool hasMouse)
     : mConnection(connectionTo(desktop.bus().address()))
 {
     // No end of the pipe stays open in other programs that the test starts.
@@ -78,10 +81,13 @@ GnomeArranger::GnomeArranger(PrivateGnome& desktop)
     mCommands = ends[1];
     const auto reader = std::to_string(ends[0]);
     ::fcntl(ends[0], F_SETFD, 0);
-    mPainter = std::make_unique<ChildProcess>(std::vector<std::string>{
-        "sh", "-c", "exec " FARVIEW_SCREEN_PAINTER " <&" + reader + " " + reader + "<&-"});
+    mPainter = std::make_unique<ChildProcess>(
+        std::vector<std::string>{"sh", "-c",
+                                 "exec " FARVIEW_SCREEN_PAINTER " <&" + reader + " " + reader +
+                                     "<&- >'" + mFolder.path("input") + "'"});
     ::close(ends[0]);
-    bePointer();
+    if (hasMouse)
+        bePointer();
 }
 
 /// From the beginning: programs lose the first motion on a seat that has no pointer yet.
@@ -156,11 +162,30 @@ void GnomeArranger::fill(int x, int y, int width, int height, std::uint32_t colo
     say(line.str());
 }
 
+void GnomeArranger::cover(const std::string& monitor, int width, int height, double scale,
+                          std::uint32_t colour)
+{
+    std::ostringstream line;
+    line << "cover " << monitor << " " << width << " " << height << " " << scale << " " << colour
+         << "\n";
+    say(line.str());
+}
+
 void GnomeArranger::setCursor(int side, std::uint32_t colour, int hotspot)
 {
     std::ostringstream line;
     line << "cursor " << side << " " << colour << " " << hotspot << "\n";
     say(line.str());
+}
+
+std::vector<std::string> GnomeArranger::takeInput()
+{
+    std::ifstream file(mFolder.path("input"));
+    file.seekg(mTaken);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line) && !file.eof(); mTaken = file.tellg())
+        lines.push_back(line);
+    return lines;
 }
 
 void GnomeArranger::say(const std::string& line)

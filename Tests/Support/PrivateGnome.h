@@ -9,6 +9,7 @@
 #include <QDBusConnection>
 
 #include <cstdint>
+#include <ios>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,8 +19,10 @@
 class PrivateGnome
 {
 public:
-    /// Starts it with monitors of those sizes and waits until it answers.
-    explicit PrivateGnome(const std::vector<std::string>& monitors = {"1920x1080"});
+    /// Starts it with monitors of those sizes and waits until it answers. `settings` is a key file
+    /// of the user's.
+    explicit PrivateGnome(const std::vector<std::string>& monitors = {"1920x1080"},
+                          const std::string& settings = {});
 
     PrivateBus& bus() { return mBus; }
     ChildProcess& mutter() { return *mMutter; }
@@ -34,7 +37,7 @@ private:
     ScopedEnvironment mSystemBus{"DBUS_SYSTEM_BUS_ADDRESS", mBus.address().c_str()};
     ScopedEnvironment mRuntime{"XDG_RUNTIME_DIR", mFolder.path().c_str()};
     ScopedEnvironment mConfiguration{"XDG_CONFIG_HOME", mFolder.path().c_str()};
-    ScopedEnvironment mSettings{"GSETTINGS_BACKEND", "memory"};
+    ScopedEnvironment mSettings{"GSETTINGS_BACKEND", "keyfile"};
     ScopedEnvironment mWayland{"WAYLAND_DISPLAY", "wayland-test"};
     ScopedEnvironment mDisplay{"DISPLAY", nullptr};
     std::unique_ptr<ChildProcess> mPipeWire;
@@ -43,11 +46,12 @@ private:
 };
 
 /// Other programs on that desktop: one that arranges monitors and moves the pointer, which waits
-/// for every answer, and one that paints.
+/// for every answer, and one that paints and tells of the input that it gets.
 class GnomeArranger
 {
 public:
-    explicit GnomeArranger(PrivateGnome& desktop);
+    /// Without a mouse it cannot move the pointer.
+    explicit GnomeArranger(PrivateGnome& desktop, bool hasMouse = true);
     ~GnomeArranger();
     GnomeArranger(const GnomeArranger&) = delete;
     GnomeArranger& operator=(const GnomeArranger&) = delete;
@@ -62,8 +66,15 @@ public:
 
     /// Draws on a window that covers the monitor there; its rest is black.
     void fill(int x, int y, int width, int height, std::uint32_t colour);
+    /// Covers a monitor with a new window, as soon as the monitor is like that, its size
+    /// in the desktop's units.
+    void cover(const std::string& monitor, int width, int height, double scale,
+               std::uint32_t colour);
     /// A square of one colour in the place of the pointer, over windows that `fill` has made.
     void setCursor(int side, std::uint32_t colour, int hotspot);
+    /// What those windows got since this was asked last, in words, such as
+    /// "Meta-2 finger 0 down 100,200"; places in the monitor's pixels.
+    std::vector<std::string> takeInput();
 
 private:
     void bePointer();
@@ -76,5 +87,7 @@ private:
     int mPointerX = 0;
     int mPointerY = 0;
     int mCommands = -1;
+    TemporaryFolder mFolder;
+    std::streamoff mTaken = 0;
     std::unique_ptr<ChildProcess> mPainter;
 };

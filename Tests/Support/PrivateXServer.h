@@ -22,6 +22,8 @@ public:
 
     const std::string& display() const { return mDisplay; }
     ChildProcess& process() { return *mServer; }
+    /// Where its configuration is, and the sockets of its touch screen and its pen.
+    std::string folder() const { return mFolder.path(); }
 
 private:
     TemporaryFolder mFolder;

@@ -1,8 +1,13 @@
 // Paints on the screens of its desktop what it is told on its standard input, one line each:
 //   fill X Y WIDTH HEIGHT COLOUR     on a window that covers the screen there, once there is one
+//   cover NAME WIDTH HEIGHT SCALE COLOUR    wholly, the screen of that name, once it is like that
 //   cursor SIDE COLOUR HOTSPOT       a square in the place of the pointer
+// Says on its standard output what these windows get, one line each: the name of the screen
+// that the window was made for, what happened, and where, in the screen's pixels.
 
 #include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QRasterWindow>
@@ -10,11 +15,15 @@
 #include <QSocketNotifier>
 #include <QTextStream>
 #include <QTimer>
+#include <QTouchEvent>
+#include <QWheelEvent>
 
 #include <unistd.h>
 
 #include <map>
 #include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace
@@ -23,7 +32,8 @@ namespace
 class Canvas : public QRasterWindow
 {
 public:
-    explicit Canvas(QScreen* screen) : mImage(screen->size(), QImage::Format_RGB32)
+    explicit Canvas(QScreen* screen)
+        : mImage(screen->size(), QImage::Format_RGB32), mName(screen->name())
     {
         mImage.fill(Qt::black);
         setScreen(screen);
@@ -45,8 +55,70 @@ protected:
             painter.drawImage(part, mImage, part);
     }
 
+    void touchEvent(QTouchEvent* event) override
+    {
+        if (event->type() == QEvent::TouchCancel)
+            return tell(QStringLiteral("cancel"));
+        const std::map<QEventPoint::State, const char*> names = {{QEventPoint::Pressed, "down"},
+                                                                 {QEventPoint::Updated, "motion"},
+                                                                 {QEventPoint::Released, "up"}};
+        for (const auto& point : event->points()) {
+            if (const auto name = names.find(point.state()); name != names.end())
+                tell(QStringLiteral("finger %1").arg(name->second), point.position());
+        }
+    }
+    bool event(QEvent* event) override
+    {
+        if (event->type() == QEvent::Enter)
+            tellOfPointer(static_cast<QEnterEvent*>(event)->position());
+        return QRasterWindow::event(event);
+    }
+    void mouseMoveEvent(QMouseEvent* event) override { tellOfPointer(event->position()); }
+    void mousePressEvent(QMouseEvent* event) override
+    {
+        tell(QStringLiteral("button %1 down").arg(event->button()), event->position());
+    }
+    void mouseReleaseEvent(QMouseEvent* event) override
+    {
+        tell(QStringLiteral("button %1 up").arg(event->button()), event->position());
+    }
+    void wheelEvent(QWheelEvent* event) override
+    {
+        // Its beginning and end move nothing.
+        if (const auto turn = event->angleDelta(); !turn.isNull())
+            tell(QStringLiteral("wheel %1 %2").arg(turn.x()).arg(turn.y()), event->position());
+    }
+    void keyPressEvent(QKeyEvent* event) override { tellOfKey(*event, "down"); }
+    void keyReleaseEvent(QKeyEvent* event) override { tellOfKey(*event, "up"); }
+    void focusInEvent(QFocusEvent*) override { tell(QStringLiteral("focus")); }
+
 private:
+    void tellOfKey(const QKeyEvent& event, const char* phase)
+    {
+        if (!event.isAutoRepeat())
+            tell(QStringLiteral("key %1 %2 %3")
+                     .arg(event.nativeScanCode() - 8)
+                     .arg(phase, event.text()));
+    }
+    /// A motion may be told again with a click.
+    void tellOfPointer(const QPointF& place)
+    {
+        if (std::exchange(mPointer, place) != place)
+            tell(QStringLiteral("pointer"), place);
+    }
+    void tell(const QString& what, std::optional<QPointF> place = std::nullopt)
+    {
+        QTextStream line(stdout);
+        line << mName << " " << what;
+        if (place)
+            line << " " << place->x() * devicePixelRatio() << ","
+                 << place->y() * devicePixelRatio();
+        line << Qt::endl;
+    }
+
     QImage mImage;
+    QString mName;
+    std::optional<QPointF> mPointer;
 };
 
 class Painter : public QObject
@@ -83,6 +155,8 @@ private:
 
     bool obey(const QStringList& words)
     {
+        if (words.first() == QStringLiteral("cover"))
+            return cover(words);
         std::vector<unsigned> numbers;
         for (const auto& word : words.mid(1))
             numbers.push_back(static_cast<unsigned>(word.toLongLong()));
@@ -102,6 +176,20 @@ private:
         canvas->setCursor(mCursor);
         canvas->fill(area.translated(-screen->geometry().topLeft()), numbers.at(4));
         return true;
+    }
+
+    bool cover(const QStringList& words)
+    {
+        const QSize size(words.at(2).toInt(), words.at(3).toInt());
+        for (auto* screen : QGuiApplication::screens()) {
+            if (screen->name() != words.at(1) || screen->size() != size ||
+                screen->devicePixelRatio() != words.at(4).toDouble())
+                continue;
+            auto& canvas = mCanvases[screen] = std::make_unique<Canvas>(screen);
+            canvas->fill({{}, screen->size()}, words.at(5).toUInt());
+            return true;
+        }
+        return false;
     }
 
     bool setCursor(const std::vector<unsigned>& numbers)
@@ -138,6 +226,7 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "wayland");
     qputenv("QT_WAYLAND_DISABLE_WINDOWDECORATION", "1");
+    QCoreApplication::setAttribute(Qt::AA_SynthesizeMouseForUnhandledTouchEvents, false);
     QGuiApplication application(argc, argv);
     const Painter painter;
     return QGuiApplication::exec();

@@ -127,10 +127,10 @@ QVariantMap StatusNotifierWatcher::properties(const QString& item)
     return qdbus_cast<QVariantMap>(reply.arguments().value(0));
 }
 
-QList<StatusNotifierWatcher::Entry> StatusNotifierWatcher::menu(const QString& item)
+QList<StatusNotifierWatcher::Entry> StatusNotifierWatcher::menu(const QString& item, int parent)
 {
-    const auto reply =
-        call(item, menuPath, menuInterface, QStringLiteral("GetLayout"), {0, -1, QStringList()});
+    const auto reply = call(item, menuPath, menuInterface, QStringLiteral("GetLayout"),
+                            {parent, -1, QStringList()});
     if (reply.arguments().size() != 2)
         return {};
     return readChildren(reply.arguments().at(1).value<QDBusArgument>());

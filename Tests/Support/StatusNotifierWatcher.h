@@ -45,7 +45,7 @@ public:
     QVariant property(const QString& item, const QString& name);
     QVariantMap properties(const QString& item);
     /// Empty when the item does not answer.
-    QList<Entry> menu(const QString& item);
+    QList<Entry> menu(const QString& item, int parent = 0);
     /// The entry of that label; its `id` is 0 when there is none.
     Entry entry(const QString& item, const QString& label);
     void click(const QString& item, int id);

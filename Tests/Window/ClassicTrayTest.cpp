@@ -78,4 +78,24 @@ TEST_F(ClassicTrayTest, AClickOpensTheMenuAndPicksAnEntry)
     EXPECT_EQ(target->chosen, std::vector<std::string>{"<b>Pad</b> & Co"});
 }
 
+TEST_F(ClassicTrayTest, ASubmenuIsThereOnceHoweverOftenTheMenuOpens)
+{
+    auto devices = std::make_shared<Menu>();
+    devices->insertItem(target->entry("Slab"), 0);
+    auto also = MenuTarget::entryForNobody("Also Use");
+    also->submenu = devices;
+    auto shown = display();
+    auto entries = std::make_shared<Menu>();
+    entries->insertItem(also, 0);
+    shown.menu = entries;
+    ClassicTray tray(shown);
+    for (int time = 0; time < 3; ++time)
+        Q_EMIT tray.menu().aboutToShow();
+    EXPECT_EQ(tray.menu().findChildren<QMenu*>().size(), 1);
+    ASSERT_EQ(tray.menu().actions().size(), 1);
+    ASSERT_NE(tray.menu().actions()[0]->menu(), nullptr);
+    tray.menu().actions()[0]->menu()->actions()[0]->trigger();
+    EXPECT_EQ(target->chosen, std::vector<std::string>{"Slab"});
+}
+
 } // namespace

@@ -82,6 +82,12 @@ protected:
             press(Qt::Key_Tab);
         ASSERT_EQ(focused(), widget) << widget->objectName().toStdString();
     }
+    void connectToDeskWithKey()
+    {
+        serverPosts(kServerConnectedToDevice, {{kDeviceNameKey, "desk.local."},
+                                               {kDeviceAddressKey, "192.168.1.20"},
+                                               {kDeviceKeyKey, std::string(64, 'a')}});
+    }
     void openPage(int index)
     {
         tabs()->setCurrentIndex(index);
@@ -94,9 +100,9 @@ protected:
     {
         QList<QWidget*> found = {tabs()};
         for (auto* each : tabs()->currentWidget()->findChildren<QWidget*>()) {
-            const bool isControl = qobject_cast<QAbstractButton*>(each) ||
-                                   qobject_cast<SwitchWidget*>(each) ||
-                                   qobject_cast<ScreenMapWidget*>(each) || each == table();
+            const bool isControl =
+                qobject_cast<QAbstractButton*>(each) || qobject_cast<SwitchWidget*>(each) ||
+                qobject_cast<ScreenMapWidget*>(each) || qobject_cast<QTableView*>(each);
             const bool isOwn = !each->objectName().isEmpty();
             if (isControl && isOwn && each->isVisible() && each->isEnabled())
                 found += each;
@@ -173,6 +179,36 @@ TEST_P(KeyboardInEachDirection, TheTabKeyReachesThePictureOfTheScreensAndTheDiag
     serverReports({.state = ScreenReport::State::missing, .obstacle = ScreenObstacle::failed});
     EXPECT_TRUE(operable().contains(find<QWidget>("screenDiagnoseButton")));
     expectTabToReachEverything();
+}
+
+TEST_P(KeyboardInEachDirection, TheTabKeyReachesTheFurtherDevicesAndWhoMayType)
+{
+    open(true);
+    if (GetParam())
+        view->setLayoutDirection(Qt::RightToLeft);
+    openPage(0);
+    connectToDeskWithKey();
+    serverReports(shownScreen());
+    view->resize(view->width(), 900);
+    settle();
+    EXPECT_TRUE(operable().contains(find<QWidget>("furtherDevicesTable")));
+    EXPECT_TRUE(operable().contains(find<QWidget>("mayTypeCheckbox")));
+    expectTabToReachEverything();
+}
+
+TEST_F(KeyboardOnly, AFurtherDeviceIsUsedAndOneMayTypeWithoutAMouse)
+{
+    open(true);
+    openPage(0);
+    connectToDeskWithKey();
+    goTo(find<QWidget>("furtherDevicesTable"));
+    press(Qt::Key_Space);
+    const auto asked = fake.distributedNotificationCenter.postsNamed(kAlsoConnectToHost);
+    ASSERT_EQ(asked.size(), 1u);
+    EXPECT_EQ(asked[0].userInfo.at(kConnectToHostNameKey), "sofa.local.");
+    goTo(find<QWidget>("mayTypeCheckbox"));
+    press(Qt::Key_Space);
+    EXPECT_EQ(fake.distributedNotificationCenter.countOf(kPairedDevicesDidChange), 1);
 }
 
 TEST_P(KeyboardInEachDirection, TheTabKeyReachesBothAnswersToTheQuestionForDigits)

@@ -2,6 +2,7 @@
 // type. The program runs once for each ratio of pixels to points, which its environment tells.
 
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/FurtherDevices.h"
 #include "Controls/Qt/Forms/SheetWidget.h"
 #include "Controls/Qt/PopUp/PopUpWidget.h"
 #include "Controls/Qt/ReducedMotionStyle.h"
@@ -109,6 +110,7 @@ protected:
         lookAtSheet();
         lookAtHiDPIWindow();
         lookAtScreens();
+        lookAtFurtherDevices();
         fake.discovery.remove({longName});
         click("offTextButton");
         settle();
@@ -155,6 +157,25 @@ protected:
         ASSERT_TRUE(find<QWidget>("screenDiagnoseButton")->isVisible());
         expectRoomOnPages("without a monitor");
     }
+    void lookAtFurtherDevices()
+    {
+        serverPosts(kServerConnectedToDevice,
+                    {{kDeviceNameKey, "tablet.local."}, {kDeviceKeyKey, std::string(64, 'a')}});
+        auto report = shownScreen();
+        report.isOneFinger = report.isTyping = true;
+        serverReports(report);
+        using State = FurtherDevice::State;
+        const std::vector<FurtherDevice> devices{
+            {"a.local.", longName, State::connected, report, std::string(64, 'b')},
+            {"b.local.", longName, State::connecting},
+            {"c.local.", longName, State::failed}};
+        serverPosts(kServerFurtherDevicesDidChange,
+                    {{kFurtherDevicesKey, textOfFurtherDevices(devices)}});
+        for (const char* name : {"furtherDevicesTable", "typingLabel", "mayTypeCheckbox"})
+            ASSERT_TRUE(find<QWidget>(name)->isVisible()) << name;
+        expectRoomOnPages("with further devices");
+        serverPosts(kServerFurtherDevicesDidChange, {});
+    }
     void lookAtHiDPIWindow()
     {
         tabs()->setCurrentIndex(1);
@@ -182,7 +203,7 @@ protected:
         const PseudoLanguages pseudo(FARVIEW_PANE_BUNDLE);
         for (const char* each : pseudoLanguages)
             walk(each, pseudo.bundlePath());
-        EXPECT_EQ(mLookedAt, 10 * 30);
+        EXPECT_EQ(mLookedAt, 10 * 32);
     }
 
 private:

@@ -58,8 +58,11 @@ void TableBinding::layOut()
     header->setHighlightSections(false);
     header->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     header->setMinimumSectionSize(mTableWidget->fontMetrics().averageCharWidth() * 14);
-    header->setStretchLastSection(true);
+    const int wide = mTableWidget->property("wideColumn").toInt();
+    header->setStretchLastSection(wide == 0);
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
+    if (wide > 0)
+        header->setSectionResizeMode(wide - 1, QHeaderView::Stretch);
     // Only rows in sight are measured, however long the list is.
     header->setResizeContentsPrecision(0);
 }

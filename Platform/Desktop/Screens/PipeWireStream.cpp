@@ -166,19 +166,45 @@ bool PipeWireStream::begin(std::uint32_t node, Size size)
            pw_thread_loop_start(mThread.get()) == 0;
 }
 
-void PipeWireStream::resize(int width, int height)
+/// On PipeWire's thread.
+template <auto operation, typename Argument> void PipeWireStream::perform(const Argument& argument)
 {
-    const Size size{width, height};
-    const auto ask = [](spa_loop*, bool, std::uint32_t, const void* data, std::size_t, void* self) {
-        ParameterMemory memory;
-        const auto wanted = *static_cast<const Size*>(data);
-        const spa_pod* format = formatOf(wanted.width, wanted.height, &memory.builder);
-        return pw_stream_update_params(static_cast<PipeWireStream*>(self)->mStream.get(), &format,
-                                       1);
+    const auto action = [](spa_loop*, bool, std::uint32_t, const void* data, std::size_t,
+                           void* self) {
+        (static_cast<PipeWireStream*>(self)->*operation)(*static_cast<const Argument*>(data));
+        return 0;
     };
     if (mStream)
-        pw_loop_invoke(pw_thread_loop_get_loop(mThread.get()), ask, 0, &size, sizeof size, false,
-                       this);
+        pw_loop_invoke(pw_thread_loop_get_loop(mThread.get()), action, 0, &argument,
+                       sizeof argument, false, this);
+}
+
+void PipeWireStream::resize(int width, int height)
+{
+    perform<&PipeWireStream::ask>(Size{width, height});
+}
+
+void PipeWireStream::show(int width, int height, bool isOld)
+{
+    perform<&PipeWireStream::release>(Release{{width, height}, isOld});
+}
+
+void PipeWireStream::ask(const Size& size)
+{
+    ParameterMemory memory;
+    const spa_pod* format = formatOf(size.width, size.height, &memory.builder);
+    pw_stream_update_params(mStream.get(), &format, 1);
+}
+
+void PipeWireStream::release(const Release& held)
+{
+    if (held.size != mSize || !std::exchange(mIsHeld, false))
+        return;
+    if (held.isOld && mNewest) {
+        pw_stream_queue_buffer(mStream.get(), std::exchange(mNewest, nullptr));
+        refresh(0);
+    }
+    copyNewest();
 }
 
 void PipeWireStream::tell(std::function<void(const Events&)> news)
@@ -222,6 +248,7 @@ void PipeWireStream::useFormat(Size size)
 {
     const auto count = static_cast<std::size_t>(size.width) * size.height;
     mPixels = std::make_shared<std::vector<std::uint32_t>>(count);
+    mIsHeld = mIsHeld || size != mSize;
     mSize = size;
     mIsFirst = true;
     refreshIn(patienceForFirst);
@@ -300,7 +327,7 @@ void PipeWireStream::wake(int descriptor, std::uint32_t)
 
 void PipeWireStream::copyNewest()
 {
-    if (!mNewest || !mScreen->beginFrame())
+    if (mIsHeld || !mNewest || !mScreen->beginFrame())
         return;
     const bool isNews = mScreen->endFrame(copy(*mNewest->buffer));
     pw_stream_queue_buffer(mStream.get(), std::exchange(mNewest, nullptr));

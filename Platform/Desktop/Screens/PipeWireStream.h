@@ -42,6 +42,9 @@ public:
     void connect(std::uint32_t node, int width, int height);
     /// Asks the node for another size, after `connect`.
     void resize(int width, int height);
+    /// Frames of a new size are held back until this is called with it. `isOld`: those that came
+    /// until now do not show what is to be shown, and a whole new one is asked for.
+    void show(int width, int height, bool isOld);
 
     CapturedScreen& screen() { return *mScreen; }
 
@@ -61,8 +64,15 @@ private:
     struct Size {
         int width = 0;
         int height = 0;
+
+        bool operator==(const Size&) const = default;
+    };
+    struct Release {
+        Size size;
+        bool isOld = false;
     };
 
+    template <auto operation, typename Argument> void perform(const Argument& argument);
     template <auto operation, typename... Arguments>
     static void call(void* self, Arguments... arguments);
     static const pw_stream_events& handlers();
@@ -76,6 +86,8 @@ private:
     void useState(pw_stream_state before, pw_stream_state now, const char* error);
     void useParameter(std::uint32_t id, const spa_pod* value);
     void useFormat(Size size);
+    void ask(const Size& size);
+    void release(const Release& held);
     void forget(pw_buffer* buffer);
     void process();
     void usePointer(const spa_buffer& buffer);
@@ -101,7 +113,8 @@ private:
     int mVainRefreshes = 0;
     Size mSize;
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;
-    pw_buffer* mNewest = nullptr; ///< not copied yet: a frame is out
+    bool mIsHeld = false;
+    pw_buffer* mNewest = nullptr; ///< not copied yet: a frame is out, or held back
     CursorImage mPointer;
     bool mIsFirst = true; ///< of its size
     bool mHasEnded = false;

@@ -1,15 +1,11 @@
 #include "Platform/Desktop/Screens/Mutter/DisplayConfig.h"
 
-#include <memory>
 #include <utility>
 
 namespace farview
 {
 namespace
 {
-
-/// Until Mutter has arranged monitors by itself, on a computer that is busy.
-constexpr Duration longestDelay{10.0};
 
 const QString service = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString path = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
@@ -22,43 +18,14 @@ QDBusMessage callOf(const char* member)
     return call;
 }
 
-QDBusMessage requestOf(unsigned serial, const DisplayState& state, const DisplayLayout& layout)
+} // namespace
+
+QDBusMessage layoutCall(const DisplayState& state, const DisplayLayout& layout)
 {
     auto call = callOf("ApplyMonitorsConfig");
-    call.setArguments(layoutRequest(serial, state, layout));
+    call.setArguments(layoutRequest(state.serial, state, layout));
     return call;
 }
-
-/// Replaces Mutter's layouts for a while. Deletes itself.
-class LayoutKeeper : public QObject
-{
-public:
-    LayoutKeeper(RunLoop& loop, SessionBus& bus, MonitorId ours, DisplayLayout layout)
-        : QObject(&bus), mLoop(loop), mOurs(std::move(ours)), mLayout(std::move(layout)),
-          mDisplays(bus, [this](const auto* state) { useState(state); })
-    {
-        loop.performAfterDelay(longestDelay, mLife, [this] { deleteLater(); });
-        mDisplays.ask();
-    }
-
-private:
-    void useState(const DisplayState* state)
-    {
-        if (state && !state->monitor(mOurs) && mJudge.isMutters(*state, mLoop.now()) &&
-            haveSameMonitors(state->layout, mLayout) && !isSameLayout(state->layout, mLayout) &&
-            mJudge.mayReplace())
-            mDisplays.apply(*state, {mLayout});
-    }
-
-    RunLoop& mLoop;
-    std::shared_ptr<void> mLife = std::make_shared<int>();
-    MonitorId mOurs;
-    DisplayLayout mLayout;
-    LayoutJudge mJudge;
-    DisplayConfig mDisplays;
-};
-
-} // namespace
 
 DisplayConfig::DisplayConfig(SessionBus& bus, Use use) : mBus(bus), mUse(std::move(use)) {}
 
@@ -96,7 +63,7 @@ void DisplayConfig::listenTo(const QString& owner)
 void DisplayConfig::apply(const DisplayState& state, const QList<DisplayLayout>& choices)
 {
     mIsApplying = true;
-    mBus.ask(requestOf(state.serial, state, choices.first()), this,
+    mBus.ask(layoutCall(state, choices.first()), this,
              [this, state, choices](const QDBusMessage& reply) {
                  // Where another change came first, the layout may still be possible.
                  const bool isRefused =
@@ -116,14 +83,6 @@ bool LayoutJudge::isMutters(const DisplayState& state, Duration now)
     mEnd = now + longestDelay;
     mTries = 0;
     return true;
-}
-
-void restoreLayout(RunLoop& loop, SessionBus& bus, const DisplayState& last, const MonitorId& ours,
-                   const DisplayLayout& layout)
-{
-    // For a program that ends now. It may come too early: then Mutter arranges them once more.
-    bus.send(requestOf(last.serial + 1, last, layout));
-    new LayoutKeeper(loop, bus, ours, layout);
 }
 
 } // namespace farview

@@ -12,6 +12,9 @@
 namespace farview
 {
 
+/// Asks for a layout of the monitors of that state.
+QDBusMessage layoutCall(const DisplayState& state, const DisplayLayout& layout);
+
 /// Asks Mutter for the state of the monitors, from the first time on whenever that changes, and
 /// asks it to change the layout. Main thread only.
 class DisplayConfig : public QObject
@@ -30,6 +33,8 @@ public:
     /// Asks for the first of these layouts that Mutter accepts; whatever becomes of it, asks for
     /// the state then. `state` is what they were made from.
     void apply(const DisplayState& state, const QList<DisplayLayout>& choices);
+    /// Whether a layout was asked for and Mutter has not answered.
+    bool isApplying() const { return mIsApplying; }
 
 private:
     void take(const QDBusMessage& reply);
@@ -49,6 +54,9 @@ private:
 class LayoutJudge
 {
 public:
+    /// Until Mutter has arranged monitors by itself, on a computer that is busy.
+    static constexpr Duration longestDelay{10.0};
+
     bool isMutters(const DisplayState& state, Duration now);
     /// Whether to ask once more for another one: not for ever where that is refused. Counts.
     bool mayReplace() { return mTries++ < mostTries; }
@@ -60,11 +68,5 @@ private:
     Duration mEnd{0};
     int mTries = 0;
 };
-
-/// Gives the user's monitors that layout back once our monitor has gone: Mutter arranges what is
-/// left by itself, and not always as it was. `last` is the last state with our monitor. Goes on for
-/// a while, as long as there are loop and bus.
-void restoreLayout(RunLoop& loop, SessionBus& bus, const DisplayState& last, const MonitorId& ours,
-                   const DisplayLayout& layout);
 
 } // namespace farview

@@ -216,6 +216,32 @@ DisplayLayout withPrimary(DisplayLayout layout)
     return layout;
 }
 
+bool standsWell(const PixelRect& area, const std::vector<PixelRect>& others)
+{
+    bool hasNeighbour = others.empty();
+    for (const auto& other : others) {
+        const int across =
+            std::min(area.x + area.width, other.x + other.width) - std::max(area.x, other.x);
+        const int down =
+            std::min(area.y + area.height, other.y + other.height) - std::max(area.y, other.y);
+        if (across > 0 && down > 0)
+            return false;
+        hasNeighbour = hasNeighbour || (across == 0 && down > 0) || (across > 0 && down == 0);
+    }
+    return hasNeighbour && area.x >= 0 && area.y >= 0;
+}
+
+bool isPossible(const std::vector<PixelRect>& areas)
+{
+    bool isPossible = true;
+    for (std::size_t index = 0; index < areas.size(); ++index) {
+        auto others = areas;
+        others.erase(others.begin() + static_cast<std::ptrdiff_t>(index));
+        isPossible = isPossible && standsWell(areas[index], others);
+    }
+    return isPossible;
+}
+
 bool isOneRow(const DisplayLayout& layout)
 {
     return std::all_of(layout.begin(), layout.end(), [](const auto& part) { return part.y == 0; });

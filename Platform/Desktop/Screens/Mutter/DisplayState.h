@@ -89,6 +89,11 @@ const LogicalMonitor* shownBy(const DisplayLayout& layout, const MonitorId& id);
 DisplayLayout without(DisplayLayout layout, const MonitorId& id);
 /// With one part that is the primary one: Mutter wants that.
 DisplayLayout withPrimary(DisplayLayout layout);
+/// Whether Mutter accepts a monitor there: over none of the others, and at the side of one, if
+/// there are any.
+bool standsWell(const PixelRect& area, const std::vector<PixelRect>& others);
+/// The same for each of them among the others.
+bool isPossible(const std::vector<PixelRect>& areas);
 /// As Mutter arranges monitors by itself.
 bool isOneRow(const DisplayLayout& layout);
 /// In whatever order.

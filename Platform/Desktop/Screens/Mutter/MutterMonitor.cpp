@@ -1,6 +1,5 @@
 #include "Platform/Desktop/Screens/Mutter/MutterMonitor.h"
 
-#include <cmath>
 #include <utility>
 
 namespace farview
@@ -10,6 +9,8 @@ namespace
 
 /// From the wish to the monitor.
 constexpr Duration longestStart{10.0};
+/// From one size to the next, on a computer that is busy.
+constexpr Duration longestResizing{2.0};
 /// Session, stream and bus may end together, and each says something else.
 constexpr Duration patience{0.5};
 
@@ -23,133 +24,78 @@ bool isPossible(int width, int height)
 
 } // namespace
 
-MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, const ScreenWish& wish,
-                             VirtualScreens::Delegate delegate)
-    : mLoop(loop), mBus(bus), mDelegate(std::move(delegate)), mWish(wish),
-      mSession(bus, {[this] { mDisplays.ask(); },
-                     [this](auto node) { mStream.connect(node, mWish.width, mWish.height); },
-                     [this](auto reason) { lose(reason); }}),
-      mDisplays(bus, [this](const auto* state) { useState(state); }),
+MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<MutterLayout> layout,
+                             const ScreenWish& wish, VirtualScreens::Delegate delegate)
+    : mLoop(loop), mDelegate(std::move(delegate)),
+      mLayout(std::move(layout)), mPart{wish,
+                                        {},
+                                        [this] { begin(); },
+                                        [this](const auto& geometry, bool wasElse) {
+                                            report(geometry);
+                                            mStream.show(geometry.width, geometry.height, wasElse);
+                                        },
+                                        [this](auto reason) { endSoon(reason); }},
+      mSession(bus,
+               {[this] { queue(); },
+                [this](auto node) { mStream.connect(node, mPart.wish.width, mPart.wish.height); },
+                [this](auto reason) { lose(reason); }}),
       mStream(loop, {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
                      [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },
                      [this](auto reason) { lose(reason); }})
 {
-    begin();
+    prepare();
 }
 
 MutterMonitor::~MutterMonitor() { remove(); }
 
+void MutterMonitor::prepare()
+{
+    if (!isPossible(mPart.wish.width, mPart.wish.height))
+        return end(ScreenObstacle::tooLarge);
+    limitWaiting();
+    mSession.prepare();
+}
+
+void MutterMonitor::limitWaiting()
+{
+    mWaiting = std::make_shared<int>();
+    mLoop.performAfterDelay(longestStart, mWaiting, [this] { end(ScreenObstacle::failed); });
+}
+
+/// Others have a limit of their own.
+void MutterMonitor::queue()
+{
+    mWaiting.reset();
+    mLayout->add(mPart);
+}
+
 void MutterMonitor::begin()
 {
-    if (!isPossible(mWish.width, mWish.height))
-        return end(ScreenObstacle::tooLarge);
-    mSession.prepare();
-    mLoop.performAfterDelay(longestStart, mLife, [this] {
-        if (!mTold)
-            end(ScreenObstacle::failed);
-    });
+    limitWaiting();
+    mSession.start();
+    mInput.makeDevices();
 }
 
 void MutterMonitor::resize(int width, int height)
 {
     if (!isPossible(width, height))
         return;
-    mWish.width = width;
-    mWish.height = height;
+    mPart.wish.width = width;
+    mPart.wish.height = height;
     mStream.resize(width, height);
-}
-
-void MutterMonitor::setScale(double scale)
-{
-    if (mState && mode() && std::abs(possibleScale(*mode(), scale) - scale) > scaleAccuracy)
-        return;
-    mWish.scale = scale;
-    applyWish();
-}
-
-void MutterMonitor::place(PixelPoint corner)
-{
-    mCorner = corner;
-    applyWish();
-}
-
-/// Where Mutter refuses that, the monitor stays where it is, or goes where there is room.
-void MutterMonitor::applyWish()
-{
-    if (!mState)
-        return;
-    QList<DisplayLayout> choices = {layoutWithOurs(mCorner), layoutWithOurs(std::nullopt)};
-    if (mTold)
-        choices.insert(1, layoutWithOurs(PixelPoint{mTold->area.x, mTold->area.y}));
-    mDisplays.apply(*mState, choices);
-}
-
-void MutterMonitor::useState(const DisplayState* state)
-{
-    if (!state)
-        return endSoon(ScreenObstacle::failed);
-    if (mBefore)
-        return follow(*state);
-    mBefore = *state;
-    mUsers = state->layout;
-    mSession.start();
-}
-
-void MutterMonitor::follow(const DisplayState& state)
-{
-    if (mHasEnded || !isThere(state))
-        return;
-    mState = state;
-    const bool isMutters = mJudge.isMutters(state, mLoop.now());
-    const auto others = without(state.layout, *mOurs);
-    if (!isMutters || !haveSameMonitors(others, mUsers))
-        mUsers = others;
-    if (isMutters && !isSameLayout(layoutWithOurs(mCorner), state.layout) && mJudge.mayReplace())
-        applyWish();
-    else
-        adoptLayout();
-}
-
-bool MutterMonitor::isThere(const DisplayState& state)
-{
-    if (mOurs)
-        return state.monitor(*mOurs) != nullptr;
-    const auto* monitor = newMonitor(*mBefore, state, mWish.width, mWish.height);
-    if (monitor)
-        mOurs = monitor->id;
-    return monitor != nullptr;
-}
-
-const MonitorMode* MutterMonitor::mode() const { return mState->monitor(*mOurs)->currentMode(); }
-
-/// What others, or Mutter, made of our wishes is what is wanted from now on.
-void MutterMonitor::adoptLayout()
-{
-    const auto* part = shownBy(mState->layout, *mOurs);
-    if (!part || !mode())
-        return end(ScreenObstacle::takenAway);
-    const auto others = areasOf(*mState, mUsers);
-    const auto area = areaOf(*mState, *part);
-    const PixelPoint corner{area.x, area.y};
-    if (corner != mCorner.value_or(besideEverything(others)))
-        mCorner = corner;
-    if (part->scale != possibleScale(*mode(), mWish.scale))
-        mWish.scale = part->scale;
-    report({area, mode()->width, mode()->height, part->scale, mode()->rate, others});
-}
-
-DisplayLayout MutterMonitor::layoutWithOurs(std::optional<PixelPoint> corner) const
-{
-    const auto place = corner.value_or(besideEverything(areasOf(*mState, mUsers)));
-    const double scale = mode() ? possibleScale(*mode(), mWish.scale) : 1;
-    auto layout = mUsers;
-    layout.append({place.x, place.y, scale, 0, false, {*mOurs}});
-    return withPrimary(layout);
+    // A stream that is still being set up may lose that where PipeWire is busy.
+    mLoop.performAfterDelay(longestResizing, mLife, [this] {
+        const auto& wish = mPart.wish;
+        if (mTold && (mTold->width != wish.width || mTold->height != wish.height))
+            mStream.resize(wish.width, wish.height);
+    });
 }
 
 void MutterMonitor::report(const ScreenGeometry& geometry)
 {
+    mWaiting.reset();
     const auto before = std::exchange(mTold, geometry);
+    mInput.setMonitor(geometry);
     if (!before)
         tell([geometry](auto& told) { told.didAppear(geometry); });
     else if (geometry != *before)
@@ -199,9 +145,9 @@ void MutterMonitor::endSoon(ScreenObstacle reason)
 
 void MutterMonitor::remove()
 {
+    mInput.end();
     mSession.stop();
-    if (const auto state = std::exchange(mState, std::nullopt); state && !mUsers.isEmpty())
-        restoreLayout(mLoop, mBus, *state, *mOurs, withPrimary(mUsers));
+    mLayout->remove(mPart);
 }
 
 } // namespace farview

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Platform/Desktop/Screens/Mutter/DisplayConfig.h"
+#include "Platform/Desktop/Screens/Mutter/MutterInput.h"
+#include "Platform/Desktop/Screens/Mutter/MutterLayout.h"
 #include "Platform/Desktop/Screens/Mutter/MutterSession.h"
 #include "Platform/Desktop/Screens/PipeWireStream.h"
 #include "Platform/RunLoop.h"
@@ -14,21 +15,19 @@
 namespace farview
 {
 
-/// A monitor that Mutter makes for us, beside everything else unless it is placed. Whenever
-/// monitors come or change, Mutter arranges all of them anew; the user's are put back where they
-/// were then.
+/// A monitor that Mutter makes for us, beside everything else unless it is placed.
 class MutterMonitor final : public VirtualScreen
 {
 public:
-    MutterMonitor(RunLoop& loop, SessionBus& bus, const ScreenWish& wish,
-                  VirtualScreens::Delegate delegate);
+    MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<MutterLayout> layout,
+                  const ScreenWish& wish, VirtualScreens::Delegate delegate);
     ~MutterMonitor() override;
     MutterMonitor(const MutterMonitor&) = delete;
     MutterMonitor& operator=(const MutterMonitor&) = delete;
 
     void resize(int width, int height) override;
-    void setScale(double scale) override;
-    void place(PixelPoint corner) override;
+    void setScale(double scale) override { mLayout->setScale(mPart, scale); }
+    void place(PixelPoint corner) override { mLayout->place(mPart, corner); }
     ScreenSource& frames() override { return mStream.screen(); }
     CursorSource& cursor() override { return mStream.screen(); }
     InputSink& input() override { return mInput; }
@@ -38,14 +37,10 @@ public:
 private:
     using News = std::function<void(VirtualScreenDelegate&)>;
 
+    void prepare();
     void begin();
-    void useState(const DisplayState* state);
-    void follow(const DisplayState& state);
-    bool isThere(const DisplayState& state);
-    void applyWish();
-    void adoptLayout();
-    DisplayLayout layoutWithOurs(std::optional<PixelPoint> corner) const;
-    const MonitorMode* mode() const;
+    void queue();
+    void limitWaiting();
     void report(const ScreenGeometry& geometry);
     void tellOfPicture(News news);
     void tell(News news);
@@ -55,22 +50,16 @@ private:
     void remove();
 
     RunLoop& mLoop;
-    SessionBus& mBus;
     std::shared_ptr<void> mLife = std::make_shared<int>();
     VirtualScreens::Delegate mDelegate;
-    ScreenWish mWish;
-    std::optional<PixelPoint> mCorner;   ///< where it is wanted; nothing: beside everything
-    std::optional<DisplayState> mBefore; ///< without it
-    std::optional<DisplayState> mState;  ///< with it
-    std::optional<MonitorId> mOurs;
-    LayoutJudge mJudge;
-    DisplayLayout mUsers; ///< where the user wants the other monitors
+    std::shared_ptr<MutterLayout> mLayout;
+    MutterPart mPart;
+    std::shared_ptr<void> mWaiting; ///< for Mutter, which has not for ever
     std::optional<ScreenGeometry> mTold;
     std::vector<News> mEarly; ///< before the monitor was told of
     bool mHasEnded = false;
-    NoInput mInput;
     MutterSession mSession;
-    DisplayConfig mDisplays;
+    MutterInput mInput{mSession, mPart.wish};
     PipeWireStream mStream;
 };
 

@@ -181,6 +181,15 @@ void MutterSession::start()
     call(callOf(remoteDesktop, mSession, remoteSession, "Start"), QString(), nullptr);
 }
 
+void MutterSession::notify(const char* member, const QVariantList& arguments)
+{
+    if (mSession.isEmpty() || !mEvents.ended)
+        return;
+    auto notice = callOf(remoteDesktop, mSession, remoteSession, member);
+    notice.setArguments(arguments);
+    mBus.send(notice);
+}
+
 void MutterSession::noticeNode(unsigned node) { mEvents.started(node); }
 
 void MutterSession::noticeClosing()

@@ -4,6 +4,7 @@
 #include "Platform/VirtualScreens.h"
 
 #include <QObject>
+#include <QVariantList>
 
 #include <cstdint>
 #include <functional>
@@ -41,6 +42,12 @@ public:
     void start();
     /// Removes the monitor.
     void stop();
+
+    /// The monitor's name in calls, once it is prepared.
+    QString streamPath() const { return mStream; }
+    /// Tells Mutter what the user did there, after what was told before. Lost unless the session
+    /// was started and goes on; a refusal changes nothing.
+    void notify(const char* member, const QVariantList& arguments);
 
 private Q_SLOTS:
     void noticeNode(unsigned node);

@@ -81,7 +81,10 @@ void MutterVirtualScreens::availability(std::weak_ptr<void> target, Answer then)
 
 std::unique_ptr<VirtualScreen> MutterVirtualScreens::open(const ScreenWish& wish, Delegate delegate)
 {
-    return std::make_unique<MutterMonitor>(mLoop, mBus, wish, std::move(delegate));
+    auto layout = mLayout.lock();
+    if (!layout)
+        mLayout = layout = std::make_shared<MutterLayout>(mLoop, mBus);
+    return std::make_unique<MutterMonitor>(mLoop, mBus, layout, wish, std::move(delegate));
 }
 
 } // namespace farview

@@ -7,6 +7,8 @@
 namespace farview
 {
 
+class MutterLayout;
+
 /// Monitors of a GNOME session on Wayland, which Mutter makes on request. Main thread only; loop
 /// and bus must live longer.
 class MutterVirtualScreens final : public VirtualScreens
@@ -20,6 +22,7 @@ public:
 private:
     RunLoop& mLoop;
     SessionBus& mBus;
+    std::weak_ptr<MutterLayout> mLayout; ///< while there are monitors, and a little longer
 };
 
 } // namespace farview

@@ -1,5 +1,6 @@
 #include "Platform/Desktop/Screens/X11/MonitorThread.h"
 
+#include "Platform/Desktop/Screens/X11/MonitorRemoval.h"
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 #include "Platform/Posix/Environment.h"
 
@@ -16,18 +17,22 @@ namespace
 /// For removing the monitor, which takes some milliseconds.
 constexpr std::chrono::milliseconds patience{500};
 
-/// Removes the monitor at the end of its scope, whatever led there.
-class Undoing
+/// The watcher of all monitors of this process, until the last of them lets it go: by then nothing
+/// is held down any more.
+std::shared_ptr<FileDescriptor> sharedWatcher(const std::string& program)
 {
-public:
-    explicit Undoing(RandrServer& server) : mServer(server) {}
-    ~Undoing() { undoMonitor(mServer); }
-    Undoing(const Undoing&) = delete;
-    Undoing& operator=(const Undoing&) = delete;
-
-private:
-    RandrServer& mServer;
-};
+    static std::mutex mutex;
+    static std::weak_ptr<FileDescriptor> running;
+    const std::lock_guard lock(mutex);
+    auto watcher = running.lock();
+    if (!watcher || !watcher->isOpen())
+        running = watcher = {new FileDescriptor(startMonitorWatcher(program)),
+                             [](FileDescriptor* ending) {
+                                 sayThatAllIsReleased(*ending);
+                                 delete ending;
+                             }};
+    return watcher;
+}
 
 } // namespace
 
@@ -72,15 +77,8 @@ void MonitorThread::run()
     std::optional<ScreenObstacle> end;
     try {
         // Before the first change, and until the last one is undone.
-        const auto watcher = startMonitorWatcher(mWatcher);
-        const auto tidy = [](RandrServer& server) {
-            undoAbandonedMonitor(server);
-            WindowKeeper(server, {}, true).takeAbandonedBack();
-            return std::optional<ScreenObstacle>();
-        };
-        converse(tidy);
-        end = watcher.isOpen() ? converse([this](RandrServer& server) { return show(server); })
-                               : ScreenObstacle::failed;
+        const auto watcher = sharedWatcher(mWatcher);
+        end = watcher->isOpen() ? converse() : ScreenObstacle::failed;
     } catch (const std::exception&) {
         // No memory.
         end = ScreenObstacle::failed;
@@ -92,22 +90,17 @@ void MonitorThread::run()
     mEnded.notify_one();
 }
 
-/// Over a connection of its own.
-std::optional<ScreenObstacle> MonitorThread::converse(const Conversation& conversation)
+/// Why the monitor ended, or did not begin; nothing when its owner wanted that.
+std::optional<ScreenObstacle> MonitorThread::converse()
 {
     const auto connection = connectX(mDisplay.c_str());
     const BreakerHold hold(mBreaker, connection.get());
     RandrServer server(connection.get());
-    return conversation(server);
-}
-
-/// Why it ended, or did not begin; nothing when its owner wanted that.
-std::optional<ScreenObstacle> MonitorThread::show(RandrServer& server)
-{
     if (const auto obstacle = obstacleTo(server))
         return obstacle;
-    if (!becomeOwner(server))
-        return ScreenObstacle::inUse;
+    // Windows of monitors that nobody watched.
+    undoAbandonedMonitors(server);
+    WindowKeeper(server, {}, true).takeAbandonedBack();
     WindowKeeper windows(server, mWish.name, mWish.keepsWindows);
     mCanKeepWindows = windows.isPossible();
     const auto end = show(server, windows);
@@ -117,7 +110,6 @@ std::optional<ScreenObstacle> MonitorThread::show(RandrServer& server)
 
 std::optional<ScreenObstacle> MonitorThread::show(RandrServer& server, WindowKeeper& windows)
 {
-    const Undoing scope(server);
     VirtualMonitor monitor(server);
     if (const auto obstacle = monitor.make(mWish.width, mWish.height))
         return obstacle;

@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -34,11 +33,8 @@ public:
     CapturedScreen& screen() { return *mScreen; }
 
 private:
-    using Conversation = std::function<std::optional<ScreenObstacle>(RandrServer&)>;
-
     void run();
-    std::optional<ScreenObstacle> converse(const Conversation& conversation);
-    std::optional<ScreenObstacle> show(RandrServer& server);
+    std::optional<ScreenObstacle> converse();
     std::optional<ScreenObstacle> show(RandrServer& server, WindowKeeper& windows);
 
     ScreenWish mWish;

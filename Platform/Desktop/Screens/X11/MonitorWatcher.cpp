@@ -1,7 +1,8 @@
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 
-#include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
+#include "Platform/Desktop/Screens/X11/MonitorRemoval.h"
 #include "Platform/Desktop/Screens/X11/WindowKeeper.h"
+#include "Platform/Desktop/Screens/X11/XTestInput.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -51,6 +52,19 @@ bool endsWell(pid_t process)
     return status == 0;
 }
 
+/// Waits until the other end is closed. Whether it said something before.
+bool endsWithAWord()
+{
+    bool hasWord = false;
+    while (true) {
+        char byte = 0;
+        const auto count = ::read(STDIN_FILENO, &byte, 1);
+        hasWord = hasWord || count > 0;
+        if (count == 0 || (count < 0 && errno != EINTR))
+            return hasWord;
+    }
+}
+
 } // namespace
 
 FileDescriptor startMonitorWatcher(const std::string& program)
@@ -64,19 +78,21 @@ FileDescriptor startMonitorWatcher(const std::string& program)
     return process > 0 && endsWell(process) ? std::move(writingEnd) : FileDescriptor();
 }
 
-bool watchMonitor()
+void sayThatAllIsReleased(const FileDescriptor& watcher) { writeAll(watcher.get(), "."); }
+
+bool watchMonitors()
 {
     if (const pid_t child = ::fork(); child != 0)
         return child > 0;
-    char byte = 0;
-    while (::read(STDIN_FILENO, &byte, 1) < 0 && errno == EINTR) {
-    }
+    const bool isReleased = endsWithAWord();
     const auto connection = connectX(nullptr);
     RandrServer server(connection.get());
     // The server notices the end of a program at its own time.
-    for (int look = 0; look < 1000 && server.isUsable() && hasOwner(server); ++look)
+    for (int look = 0; look < 1000 && server.isUsable() && hasAnyOwner(server); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    const bool isUndone = undoAbandonedMonitor(server);
+    if (!isReleased)
+        releaseAllOfXTest(connection.get());
+    const bool isUndone = undoAbandonedMonitors(server);
     WindowKeeper windows(server, {}, true);
     // A window manager that is slow moves windows long after the monitor went.
     for (int look = 0; look < 10 && windows.takeAbandonedBack(); ++look)

@@ -1,3 +1,3 @@
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 
-int main() { return farview::watchMonitor() ? 0 : 1; }
+int main() { return farview::watchMonitors() ? 0 : 1; }

@@ -81,6 +81,13 @@ const RandrCrtc* shownBy(const RandrLayout& layout, RandrNumber output)
     return shownBy(const_cast<RandrLayout&>(layout), output);
 }
 
+PixelRect areaOf(const RandrCrtc& crtc)
+{
+    return pixelRect(crtc.x, crtc.y, crtc.width, crtc.height);
+}
+
+RandrSize extentOf(const RandrCrtc& crtc) { return {crtc.x + crtc.width, crtc.y + crtc.height}; }
+
 bool overlap(const RandrCrtc& left, const RandrCrtc& right)
 {
     return left.x < right.x + right.width && right.x < left.x + left.width &&

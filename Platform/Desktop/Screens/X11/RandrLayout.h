@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Types/PixelRect.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <optional>
@@ -74,6 +76,9 @@ template <typename Item> const Item* withId(const std::vector<Item>& items, Rand
 
 /// What the output shows; null when it shows nothing.
 const RandrCrtc* shownBy(const RandrLayout& layout, RandrNumber output);
+PixelRect areaOf(const RandrCrtc& crtc);
+/// What the screen must have at least to hold it.
+RandrSize extentOf(const RandrCrtc& crtc);
 bool overlap(const RandrCrtc& left, const RandrCrtc& right);
 
 /// The outputs that show something, the primary one first.

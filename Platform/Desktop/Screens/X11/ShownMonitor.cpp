@@ -138,10 +138,13 @@ std::optional<ScreenObstacle> ShownMonitor::lookAtLayout()
                                                                    : ScreenObstacle::takenAway;
     if (*found == mGeometry)
         return std::nullopt;
-    mGeometry = *found;
-    mWindows.setMonitor(mGeometry.area);
+    const bool isElsewhere = std::exchange(mGeometry, *found).area != found->area;
+    if (isElsewhere)
+        mWindows.setMonitor(mGeometry.area);
+    if (isElsewhere && !beginCapture())
+        return ScreenObstacle::failed;
     mTell([at = mGeometry](auto& delegate) { delegate.didChange(at); });
-    return beginCapture() ? std::nullopt : std::optional(ScreenObstacle::failed);
+    return std::nullopt;
 }
 
 void ShownMonitor::takeShape()
@@ -183,7 +186,7 @@ bool ShownMonitor::hasPointerMoved()
 
 void ShownMonitor::capture()
 {
-    if (!mIsDamaged || !mFrames.isDue())
+    if (!mIsDamaged || mIsLayoutStale || !mFrames.isDue())
         return;
     mIsFrameOut = !mScreen.beginFrame();
     if (mIsFrameOut)
@@ -222,7 +225,7 @@ int ShownMonitor::longestWait() const
         const int left = dueDate.millisecondsLeft();
         limit = limit < 0 ? left : std::min(limit, left);
     };
-    if (mIsDamaged && !mIsFrameOut)
+    if (mIsDamaged && !mIsFrameOut && !mIsLayoutStale)
         notBeyond(mFrames);
     if (mIsFollowing)
         notBeyond(mPointer);

@@ -9,11 +9,6 @@ namespace
 
 bool isOff(const RandrCrtc& crtc) { return crtc.mode == 0 && crtc.outputs.empty(); }
 
-bool isOfOthers(const RandrCrtc& crtc, RandrNumber output)
-{
-    return crtc.mode != 0 && crtc.outputs != std::vector{output};
-}
-
 } // namespace
 
 bool hasNoPlug(std::string_view outputName)
@@ -36,25 +31,21 @@ std::optional<SpareOutput> spareOutput(const RandrLayout& layout)
     return std::nullopt;
 }
 
-int rightEdgeWithout(const RandrLayout& layout, RandrNumber output)
+int rightEdgeOf(const std::vector<PixelRect>& areas)
 {
     int edge = 0;
-    for (const auto& crtc : layout.crtcs) {
-        if (isOfOthers(crtc, output))
-            edge = std::max(edge, crtc.x + crtc.width);
-    }
+    for (const auto& area : areas)
+        edge = std::max(edge, area.x + area.width);
     return edge;
 }
 
-bool isFree(const RandrLayout& layout, RandrNumber output, const RandrCrtc& wanted)
+bool isFree(RandrSize plane, const std::vector<PixelRect>& others, const RandrCrtc& wanted)
 {
     const bool isOnPlane = wanted.x >= 0 && wanted.y >= 0 && wanted.width > 0 &&
-                           wanted.height > 0 &&
-                           wanted.width <= layout.largestSize.width - wanted.x &&
-                           wanted.height <= layout.largestSize.height - wanted.y;
-    return isOnPlane &&
-           std::none_of(layout.crtcs.begin(), layout.crtcs.end(), [&](const auto& crtc) {
-               return isOfOthers(crtc, output) && overlap(crtc, wanted);
+                           wanted.height > 0 && wanted.width <= plane.width - wanted.x &&
+                           wanted.height <= plane.height - wanted.y;
+    return isOnPlane && std::none_of(others.begin(), others.end(), [&](const auto& area) {
+               return overlap({0, area.x, area.y, area.width, area.height}, wanted);
            });
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Platform/Desktop/Screens/X11/RandrLayout.h"
+#include "Platform/Types/PixelRect.h"
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace farview
 {
@@ -23,11 +25,11 @@ bool hasNoPlug(std::string_view outputName);
 /// The first output without a plug that is off and can be fed; nothing when there is none.
 std::optional<SpareOutput> spareOutput(const RandrLayout& layout);
 
-/// Where the user's screens end to the right; the output does not count.
-int rightEdgeWithout(const RandrLayout& layout, RandrNumber output);
+/// Where they end to the right.
+int rightEdgeOf(const std::vector<PixelRect>& areas);
 
-/// Whether a monitor of the output may be there: on the plane, and not over what others show.
-bool isFree(const RandrLayout& layout, RandrNumber output, const RandrCrtc& wanted);
+/// Whether a monitor may be there: on the plane, and not over what others show.
+bool isFree(RandrSize plane, const std::vector<PixelRect>& others, const RandrCrtc& wanted);
 
 /// What the screen must have at least to hold both.
 RandrSize united(RandrSize left, RandrSize right);

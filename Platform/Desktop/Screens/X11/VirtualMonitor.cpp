@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
 
 #include "Platform/Desktop/Screens/X11/ModeTiming.h"
+#include "Platform/Desktop/Screens/X11/MonitorRemoval.h"
 #include "Platform/Desktop/Screens/X11/NamedMonitor.h"
 #include "Platform/Desktop/Screens/X11/SpareOutput.h"
 
@@ -8,7 +9,6 @@
 #include <xcb/randr.h>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace farview
@@ -16,126 +16,42 @@ namespace farview
 namespace
 {
 
-bool hasMode(const RandrOutput& output, RandrNumber mode)
+std::uint32_t processNumber() { return static_cast<std::uint32_t>(::getpid()); }
+
+/// The one whose output it is; null when it is none of ours.
+const MonitorJournal* journalOfOutput(const std::vector<MonitorJournal>& journals,
+                                      RandrNumber output)
 {
-    return std::find(output.modes.begin(), output.modes.end(), mode) != output.modes.end();
+    const auto found = std::find_if(journals.begin(), journals.end(), [=](const auto& journal) {
+        return output != 0 && journal.output == output;
+    });
+    return found == journals.end() ? nullptr : &*found;
 }
 
-/// Of a larger screen, as dense as it was.
-RandrSize millimetresOf(RandrSize size, const MonitorJournal& journal)
+/// The one that pans for our sake already; else the user's furthest to the right, unless it pans
+/// for its user: then the pointer is free already.
+RandrNumber crtcToPan(const RandrServer& server, const RandrLayout& layout,
+                      const std::vector<MonitorJournal>& journals)
 {
-    const auto scaled = [](int side, int before, int millimetres) {
-        return static_cast<int>(std::lround(double(millimetres) * side / before));
-    };
-    return {scaled(size.width, journal.size.width, journal.millimetres.width),
-            scaled(size.height, journal.size.height, journal.millimetres.height)};
-}
-
-bool setSize(RandrServer& server, RandrSize size, const MonitorJournal& journal)
-{
-    return server.setScreenSize(size, millimetresOf(size, journal));
-}
-
-void destroyMode(const RandrServer& server, const RandrLayout& layout, RandrNumber mode)
-{
-    for (const auto& output : layout.outputs) {
-        if (hasMode(output, mode))
-            xcb_randr_delete_output_mode(server.connection(), output.id, mode);
+    for (const auto& journal : journals) {
+        if (journal.panned != 0)
+            return journal.panned;
     }
-    xcb_randr_destroy_mode(server.connection(), mode);
-}
-
-RandrSize extentOf(const RandrCrtc& crtc) { return {crtc.x + crtc.width, crtc.y + crtc.height}; }
-
-std::string nameOf(const MonitorJournal& journal) { return namePrefix(journal.owner) + "monitor"; }
-
-PixelRect areaOf(const RandrCrtc& crtc)
-{
-    return pixelRect(crtc.x, crtc.y, crtc.width, crtc.height);
-}
-
-/// The crtc at the right edge of everything, unless it pans for its user; then the pointer is free
-/// already.
-RandrNumber crtcToPan(const RandrServer& server, const RandrLayout& layout)
-{
-    const int edge = rightEdgeWithout(layout, 0);
-    for (const auto& crtc : layout.crtcs) {
-        if (crtc.mode != 0 && crtc.x + crtc.width == edge)
-            return panningOf(server, crtc.id) == PixelRect{} ? crtc.id : 0;
+    const RandrCrtc* last = nullptr;
+    for (const auto output : onlineOutputs(layout)) {
+        const auto* shown = shownBy(layout, output);
+        if (!journalOfOutput(journals, output) &&
+            (!last || extentOf(*shown).width > extentOf(*last).width))
+            last = shown;
     }
-    return 0;
+    return last && panningOf(server, last->id) == PixelRect{} ? last->id : 0;
 }
 
-/// Takes away what the journal's owner made and nothing shows any more. The screen becomes as small
-/// as what is shown allows, but not smaller than it was, nor than told.
-void tidy(RandrServer& server, const MonitorJournal& journal, RandrSize least = {})
+/// Once, what two of them show.
+void add(std::vector<PixelRect>& areas, const PixelRect& area)
 {
-    const auto layout = server.layout();
-    if (!layout)
-        return;
-    const auto isShown = [&](RandrNumber mode) {
-        return std::any_of(layout->crtcs.begin(), layout->crtcs.end(),
-                           [&](const auto& crtc) { return crtc.mode == mode; });
-    };
-    for (const auto& mode : layout->modes) {
-        if (mode.name.starts_with(namePrefix(journal.owner)) && !isShown(mode.id))
-            destroyMode(server, *layout, mode.id);
-    }
-    const auto size = united(united(journal.size, least), neededSize(*layout));
-    if (size != layout->size)
-        setSize(server, size, journal);
-}
-
-/// A journal may be anybody's writing: it never leads to an output with a plug.
-bool isBelievable(const RandrLayout& layout, const MonitorJournal& journal)
-{
-    const auto* output = withId(layout.outputs, journal.output);
-    return output && hasNoPlug(output->name);
-}
-
-/// What the other outputs show, the primary one first; what two of them show, once.
-std::vector<PixelRect> areasWithout(const RandrLayout& layout, RandrNumber output)
-{
-    std::vector<PixelRect> areas;
-    for (const auto each : onlineOutputs(layout)) {
-        const auto area = areaOf(*shownBy(layout, each));
-        if (each != output && std::find(areas.begin(), areas.end(), area) == areas.end())
-            areas.push_back(area);
-    }
-    return areas;
-}
-
-/// Others may have made another output show the same: that one stays on.
-void switchOff(RandrServer& server, const RandrLayout& layout, RandrNumber output)
-{
-    const auto* shown = shownBy(layout, output);
-    if (!shown)
-        return;
-    RandrCrtc rest = *shown;
-    std::erase(rest.outputs, output);
-    if (rest.outputs.empty())
-        rest = {.id = shown->id};
-    server.apply(rest, layout.timestamp);
-}
-
-/// What others made of the panning stays.
-void removeNamed(const RandrServer& server, const RandrLayout& layout,
-                 const MonitorJournal& journal)
-{
-    const auto* panned = withId(layout.crtcs, journal.panned);
-    if (panned && panningOf(server, panned->id) == areaOf(*panned))
-        keepPointerIn(server, panned->id);
-    if (namedMonitor(server, nameOf(journal)))
-        deleteNamedMonitor(server, nameOf(journal));
-}
-
-/// Asks the driver what is plugged in. Programs leave out an output that counts as disconnected;
-/// one without a plug counts as connected from the first such question on while it is on.
-void askWhatIsConnected(const RandrServer& server)
-{
-    auto* connection = server.connection();
-    const XReply<xcb_randr_get_screen_resources_reply_t> reply(xcb_randr_get_screen_resources_reply(
-        connection, xcb_randr_get_screen_resources(connection, server.root()), nullptr));
+    if (std::find(areas.begin(), areas.end(), area) == areas.end())
+        areas.push_back(area);
 }
 
 bool isDone(xcb_connection_t* connection, xcb_void_cookie_t cookie)
@@ -144,66 +60,130 @@ bool isDone(xcb_connection_t* connection, xcb_void_cookie_t cookie)
     return !error && xcb_connection_has_error(connection) == 0;
 }
 
-RandrSize millimetresNow(const RandrServer& server)
+/// Servers tell it to those who come, and not when it changes: then the screen is as dense as it
+/// was. This is exact for a screen that has become smaller.
+RandrSize millimetresNow(const RandrServer& server, RandrSize size)
 {
     const auto* screen = screenOf(server.connection());
-    return {std::max<int>(1, screen->width_in_millimeters),
-            std::max<int>(1, screen->height_in_millimeters)};
+    const MonitorJournal told{
+        .size = {screen->width_in_pixels, screen->height_in_pixels},
+        .millimetres = {screen->width_in_millimeters, screen->height_in_millimeters}};
+    return united({1, 1}, millimetresOf(size, told));
+}
+
+/// How everything was before our first monitor: the others' journals say it.
+MonitorJournal journalBefore(const RandrServer& server, const RandrLayout& layout,
+                             const std::vector<MonitorJournal>& journals)
+{
+    MonitorJournal before{.owner = processNumber(),
+                          .primary = layout.primary,
+                          .size = layout.size,
+                          .millimetres = millimetresNow(server, layout.size)};
+    if (!journals.empty()) {
+        before.size = journals[0].size;
+        before.millimetres = journals[0].millimetres;
+    }
+    if (const auto* ours = journalOfOutput(journals, layout.primary))
+        before.primary = ours->primary;
+    return before;
+}
+
+/// For a monitor that neither is there nor was left there; nothing when there are as many as may
+/// be.
+std::optional<std::uint32_t> freeSlot(const RandrServer& server,
+                                      const std::vector<MonitorJournal>& journals)
+{
+    for (std::uint32_t slot = 1; slot <= mostMonitors; ++slot) {
+        const bool isTaken = std::any_of(journals.begin(), journals.end(),
+                                         [=](const auto& each) { return each.slot == slot; });
+        if (!isTaken && !hasOwner(server, slot))
+            return slot;
+    }
+    return std::nullopt;
+}
+
+bool hasOthersMonitor(const RandrServer& server, const std::vector<MonitorJournal>& journals)
+{
+    return std::any_of(journals.begin(), journals.end(), [&](const auto& journal) {
+        return journal.owner != processNumber() && hasOwner(server, journal.slot);
+    });
 }
 
 } // namespace
 
-std::optional<ScreenWay> wayToAMonitor(const RandrServer& server, const RandrLayout& layout)
+ScreenAvailability wayToAMonitor(const RandrServer& server, const RandrLayout& layout)
 {
+    const auto journals = readJournals(server);
+    if (hasOthersMonitor(server, journals))
+        return {std::nullopt, ScreenObstacle::inUse};
     if (spareOutput(layout))
-        return ScreenWay::spareOutput;
+        return {ScreenWay::spareOutput, {}};
     if (followsNamedMonitors(windowManagerName(server)))
-        return ScreenWay::namedMonitor;
-    return std::nullopt;
+        return {ScreenWay::namedMonitor, {}};
+    return {std::nullopt, ScreenObstacle::noSpareOutput};
 }
 
 std::optional<ScreenObstacle> VirtualMonitor::make(int width, int height)
 {
+    undoAbandonedMonitors(mServer);
     {
         const ServerGrab grab(mServer.connection());
         const auto layout = mServer.layout();
         if (!layout)
             return ScreenObstacle::gone;
-        if (const auto obstacle = choose(*layout))
+        auto obstacle = claim(*layout);
+        if (!obstacle)
+            obstacle = begin(*layout, width, height);
+        if (obstacle)
             return obstacle;
-        const int edge = rightEdgeWithout(*layout, mJournal.output);
-        const RandrCrtc wanted{mCrtc, edge, 0, width, height};
-        if (!isFree(*layout, mJournal.output, wanted))
-            return ScreenObstacle::tooLarge;
-        writeJournal(mServer, mJournal);
-        if (!arrange(*layout, wanted)) {
-            const auto reached = mServer.layout();
-            const bool isLarge = reached && reached->size == united(layout->size, extentOf(wanted));
-            undoMonitor(mServer);
-            return isLarge ? ScreenObstacle::failed : ScreenObstacle::tooLarge;
-        }
     }
     askWhatIsConnected(mServer);
     return std::nullopt;
 }
 
-std::optional<ScreenObstacle> VirtualMonitor::choose(const RandrLayout& layout)
+VirtualMonitor::~VirtualMonitor()
 {
-    if (!wayToAMonitor(mServer, layout))
-        return ScreenObstacle::noSpareOutput;
-    mJournal = {static_cast<std::uint32_t>(::getpid()),
-                0,
-                0,
-                layout.primary,
-                layout.size,
-                millimetresNow(mServer)};
+    if (mJournal.slot != 0)
+        undoMonitor(mServer, mJournal.slot);
+}
+
+std::optional<ScreenObstacle> VirtualMonitor::claim(const RandrLayout& layout)
+{
+    const auto available = wayToAMonitor(mServer, layout);
+    const auto journals = readJournals(mServer);
+    const auto slot = freeSlot(mServer, journals);
+    if (!available.way || !slot)
+        return available.way ? ScreenObstacle::noSpareOutput : available.obstacle;
+    mJournal = journalBefore(mServer, layout, journals);
+    mJournal.slot = *slot;
+    choose(layout, journals);
+    becomeOwner(mServer, *slot);
+    writeJournal(mServer, mJournal);
+    return std::nullopt;
+}
+
+void VirtualMonitor::choose(const RandrLayout& layout, const std::vector<MonitorJournal>& journals)
+{
     if (const auto spare = spareOutput(layout)) {
         mJournal.output = spare->output;
         mCrtc = spare->crtc;
     } else {
-        mJournal.panned = crtcToPan(mServer, layout);
+        mJournal.panned = crtcToPan(mServer, layout, journals);
     }
-    return std::nullopt;
+}
+
+std::optional<ScreenObstacle> VirtualMonitor::begin(const RandrLayout& layout, int width,
+                                                    int height)
+{
+    const auto areas = others(layout);
+    const RandrCrtc wanted{mCrtc, rightEdgeOf(areas), 0, width, height};
+    if (!isFree(layout.largestSize, areas, wanted))
+        return ScreenObstacle::tooLarge;
+    if (arrange(layout, wanted))
+        return std::nullopt;
+    const auto reached = mServer.layout();
+    const bool isLarge = reached && reached->size == united(layout.size, extentOf(wanted));
+    return isLarge ? ScreenObstacle::failed : ScreenObstacle::tooLarge;
 }
 
 bool VirtualMonitor::resize(int width, int height)
@@ -211,7 +191,15 @@ bool VirtualMonitor::resize(int width, int height)
     const ServerGrab grab(mServer.connection());
     const auto layout = mServer.layout();
     const auto shown = layout ? area(*layout) : std::nullopt;
-    return shown && arrange(*layout, {shown->id, shown->x, shown->y, width, height});
+    if (!shown)
+        return false;
+    RandrCrtc wanted{shown->id, shown->x, shown->y, width, height};
+    const auto areas = others(*layout);
+    if (!isFree(layout->largestSize, areas, wanted)) {
+        wanted.x = rightEdgeOf(areas);
+        wanted.y = 0;
+    }
+    return arrange(*layout, wanted);
 }
 
 bool VirtualMonitor::place(PixelPoint corner)
@@ -235,16 +223,41 @@ std::optional<RandrCrtc> VirtualMonitor::area(const RandrLayout& layout) const
     return RandrCrtc{0, named->x, named->y, named->width, named->height};
 }
 
+/// What everybody else shows: the user's own, of them the primary one first; then ours.
+std::vector<PixelRect> VirtualMonitor::others(const RandrLayout& layout) const
+{
+    const auto journals = readJournals(mServer);
+    std::vector<PixelRect> users;
+    std::vector<PixelRect> ours;
+    for (const auto output : onlineOutputs(layout)) {
+        if (output != mJournal.output)
+            add(journalOfOutput(journals, output) ? ours : users, areaOf(*shownBy(layout, output)));
+    }
+    for (const auto& journal : journals) {
+        const bool isOther = journal.output == 0 && journal.slot != mJournal.slot;
+        if (const auto named = isOther ? namedMonitor(mServer, nameOf(journal)) : std::nullopt)
+            add(ours, *named);
+    }
+    for (const auto& area : ours)
+        add(users, area);
+    return users;
+}
+
 bool VirtualMonitor::arrange(const RandrLayout& layout, const RandrCrtc& wanted)
 {
-    if (!isFree(layout, mJournal.output, wanted))
+    if (!isFree(layout.largestSize, others(layout), wanted))
         return false;
     const auto size = united(layout.size, extentOf(wanted));
     const bool isNamed = mJournal.output == 0;
-    const bool isArranged = (size == layout.size || setSize(mServer, size, mJournal)) &&
+    const bool isArranged = (size == layout.size || setSize(size)) &&
                             (isNamed ? name(layout, wanted) : switchOn(layout, wanted));
-    tidy(mServer, mJournal, isNamed ? extentOf(wanted) : RandrSize{});
+    tidy(mServer, mJournal);
     return isArranged;
+}
+
+bool VirtualMonitor::setSize(RandrSize size)
+{
+    return mServer.setScreenSize(size, millimetresOf(size, mJournal));
 }
 
 /// From one mode to the next without switching off, so that windows stay where they are.
@@ -274,7 +287,7 @@ void VirtualMonitor::holdAgainstOthers(const RandrLayout& layout, const RandrCrt
 {
     const auto size = united(layout.size, extentOf(area));
     if (size != layout.size)
-        setSize(mServer, size, mJournal);
+        setSize(size);
     freePointer(layout);
 }
 
@@ -283,7 +296,7 @@ RandrNumber VirtualMonitor::modeFor(const RandrLayout& layout, RandrSize size)
 {
     for (const auto& mode : layout.modes) {
         if (mode.width == size.width && mode.height == size.height &&
-            mode.name.starts_with(namePrefix(mJournal.owner)))
+            mode.name.starts_with(namePrefix(mJournal)))
             return mode.id;
     }
     return createMode(size);
@@ -293,7 +306,7 @@ RandrNumber VirtualMonitor::createMode(RandrSize size)
 {
     auto* connection = mServer.connection();
     const auto name =
-        namePrefix(mJournal.owner) + std::to_string(size.width) + "x" + std::to_string(size.height);
+        namePrefix(mJournal) + std::to_string(size.width) + "x" + std::to_string(size.height);
     const auto cookie =
         xcb_randr_create_mode(connection, mServer.root(), modeTiming(size, name.size()),
                               static_cast<std::uint32_t>(name.size()), name.data());
@@ -313,42 +326,8 @@ std::optional<ScreenGeometry> VirtualMonitor::geometry()
         return std::nullopt;
     if (mJournal.output == 0)
         holdAgainstOthers(*layout, *shown);
-    return ScreenGeometry{areaOf(*shown),  shown->width,
-                          shown->height,   1,
-                          framesPerSecond, areasWithout(*layout, mJournal.output)};
-}
-
-bool undoMonitor(RandrServer& server)
-{
-    {
-        const ServerGrab grab(server.connection());
-        const auto journal = readJournal(server);
-        const auto layout = server.layout();
-        if (!journal || !layout)
-            return layout.has_value();
-        if (journal->output == 0) {
-            removeNamed(server, *layout, *journal);
-            tidy(server, *journal);
-        } else if (isBelievable(*layout, *journal)) {
-            switchOff(server, *layout, journal->output);
-            tidy(server, *journal);
-            if (layout->primary == journal->output && journal->primary != journal->output)
-                xcb_randr_set_output_primary(server.connection(), server.root(), journal->primary);
-        }
-        eraseJournal(server);
-    }
-    askWhatIsConnected(server);
-    const auto layout = server.layout();
-    return layout && !readJournal(server);
-}
-
-bool undoAbandonedMonitor(RandrServer& server)
-{
-    if (!server.isUsable())
-        return false;
-    // Nobody becomes the owner between the look and the undoing.
-    const ServerGrab grab(server.connection());
-    return hasOwner(server) || !readJournal(server) || undoMonitor(server);
+    return ScreenGeometry{areaOf(*shown),  shown->width,   shown->height, 1,
+                          framesPerSecond, others(*layout)};
 }
 
 } // namespace farview

@@ -67,7 +67,9 @@ WindowKeeper::WindowKeeper(RandrServer& server, const std::string& monitorName, 
     for (const auto& window : mDesktop.windows()) {
         const auto& note = window.note;
         const bool hasHome = note && note->home;
-        mHomes[window.id] = standOf(window, hasHome ? note->home->normal : PixelRect{});
+        mHomes[window.id] = hasHome && note->isThere
+                                ? *note->home
+                                : standOf(window, hasHome ? note->home->normal : PixelRect{});
         if (mKeeps && hasHome && note->isKept && !note->isThere && note->monitor == mNumber &&
             isWhereItWas(window, *note->home))
             mReturning[window.id] = *note;

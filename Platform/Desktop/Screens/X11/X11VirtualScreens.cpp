@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 
 #include "Platform/Desktop/Screens/X11/MonitorThread.h"
+#include "Platform/Desktop/Screens/X11/X11InputSink.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -15,25 +16,38 @@ namespace
 class X11VirtualScreen final : public VirtualScreen
 {
 public:
+    /// `input` may be null.
     X11VirtualScreen(RunLoop& loop, const ScreenWish& wish, const std::string& watcher,
-                     VirtualScreens::Delegate delegate)
+                     VirtualScreens::Delegate delegate, std::unique_ptr<X11InputSink> input)
         : mThread(wish, watcher,
-                  [&loop, life = std::weak_ptr<void>(mLife), delegate](ShownMonitor::News news) {
+                  [&loop, life = std::weak_ptr<void>(mLife), delegate,
+                   follower = input ? input->follower() : nullptr](ShownMonitor::News news) {
+                      if (follower)
+                          news(*follower);
                       loop.post(life, [delegate, news = std::move(news)] {
                           if (const auto told = delegate.lock())
                               news(*told);
                       });
-                  })
+                  }),
+          mInput(std::move(input))
     {
     }
 
-    void resize(int width, int height) override { mThread.resize({width, height}); }
+    void resize(int width, int height) override
+    {
+        lift();
+        mThread.resize({width, height});
+    }
     /// An X server has no scale of a single monitor.
     void setScale(double) override {}
-    void place(PixelPoint corner) override { mThread.place(corner); }
+    void place(PixelPoint corner) override
+    {
+        lift();
+        mThread.place(corner);
+    }
     ScreenSource& frames() override { return mThread.screen(); }
     CursorSource& cursor() override { return mThread.screen(); }
-    InputSink& input() override { return mInput; }
+    InputSink& input() override { return mInput ? static_cast<InputSink&>(*mInput) : mNoInput; }
     void setKeepsWindows(bool flag) override { mThread.setKeepsWindows(flag); }
     WindowKeeping windowKeeping() const override
     {
@@ -41,10 +55,19 @@ public:
     }
 
 private:
+    /// What is down, where it is.
+    void lift()
+    {
+        if (mInput)
+            mInput->releaseAll();
+    }
+
     /// The target of everything that is posted: nothing is told after the object's end.
     std::shared_ptr<void> mLife = std::make_shared<int>();
-    NoInput mInput;
+    NoInput mNoInput;
     MonitorThread mThread;
+    /// Goes first: what is down is lifted on this monitor.
+    std::unique_ptr<X11InputSink> mInput;
 };
 
 ScreenAvailability availabilityOf(xcb_connection_t* connection)
@@ -56,9 +79,7 @@ ScreenAvailability availabilityOf(xcb_connection_t* connection)
     const auto layout = server.layout();
     if (!layout)
         return {std::nullopt, ScreenObstacle::gone};
-    if (hasOwner(server))
-        return {std::nullopt, ScreenObstacle::inUse};
-    return {wayToAMonitor(server, *layout), ScreenObstacle::noSpareOutput};
+    return wayToAMonitor(server, *layout);
 }
 
 } // namespace
@@ -95,8 +116,9 @@ private:
     std::thread mThread;
 };
 
-X11VirtualScreens::X11VirtualScreens(RunLoop& loop, std::string watcher)
-    : mLoop(loop), mWatcher(std::move(watcher))
+X11VirtualScreens::X11VirtualScreens(RunLoop& loop, std::string watcher,
+                                     MakeInputDevices makeDevices)
+    : mLoop(loop), mWatcher(std::move(watcher)), mMakeDevices(std::move(makeDevices))
 {
 }
 
@@ -114,7 +136,9 @@ void X11VirtualScreens::availability(std::weak_ptr<void> target, Answer then)
 
 std::unique_ptr<VirtualScreen> X11VirtualScreens::open(const ScreenWish& wish, Delegate delegate)
 {
-    return std::make_unique<X11VirtualScreen>(mLoop, wish, mWatcher, std::move(delegate));
+    auto input = wish.input ? std::make_unique<X11InputSink>(mMakeDevices) : nullptr;
+    return std::make_unique<X11VirtualScreen>(mLoop, wish, mWatcher, std::move(delegate),
+                                              std::move(input));
 }
 
 } // namespace farview

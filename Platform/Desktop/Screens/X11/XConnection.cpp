@@ -44,14 +44,6 @@ WithoutSignals::WithoutSignals()
 
 WithoutSignals::~WithoutSignals() { ::pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
 
-xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name)
-{
-    const auto cookie =
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const XReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : 0;
-}
-
 const xcb_screen_t* screenOf(xcb_connection_t* connection)
 {
     if (xcb_connection_has_error(connection) != 0)
@@ -62,6 +54,14 @@ const xcb_screen_t* screenOf(xcb_connection_t* connection)
     const auto* end = bytes + 8 + std::size_t{4} * setup->length;
     const bool isInside = reinterpret_cast<const char*>(screen + 1) <= end;
     return setup->roots_len > 0 && isInside ? screen : nullptr;
+}
+
+xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name)
+{
+    const auto cookie =
+        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const XReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
+    return reply ? reply->atom : 0;
 }
 
 } // namespace farview

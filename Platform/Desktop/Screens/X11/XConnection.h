@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
-#include <string_view>
 
 namespace farview
 {
@@ -91,11 +90,11 @@ private:
     sigset_t mBefore{};
 };
 
-/// The server's number for a name; 0 when it has gone.
-xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name);
-
 /// The first screen; null when the server has gone or described none.
 const xcb_screen_t* screenOf(xcb_connection_t* connection);
+
+/// 0 when the server has gone.
+xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name);
 
 /// Whether a reply is as long as its own counts say. The library does not compare them.
 template <typename Reply> bool holds(const Reply& reply, std::size_t bytes)

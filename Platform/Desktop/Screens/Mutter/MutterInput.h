@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Platform/Desktop/Screens/Mutter/MutterSession.h"
+#include "Platform/InputSink.h"
+#include "Platform/VirtualScreens.h"
+
+#include <QVariantList>
+
+#include <bitset>
+#include <optional>
+
+namespace farview
+{
+
+/// Input for a monitor that Mutter made, over the session that made it. Mutter knows no pens, and
+/// types only what the keyboard layout of the moment has.
+class MutterInput final : public InputSink
+{
+public:
+    /// Both must live longer. The wish is looked at each time.
+    MutterInput(MutterSession& session, const ScreenWish& wish) : mSession(session), mWish(wish) {}
+    MutterInput(const MutterInput&) = delete;
+    MutterInput& operator=(const MutterInput&) = delete;
+
+    /// Has Mutter make its devices, so that programs know of them before they are used. To be
+    /// called when the session was started, before anybody takes its pictures.
+    void makeDevices();
+    /// The monitor is there, and like that.
+    void setMonitor(const ScreenGeometry& monitor) { mMonitor = monitor; }
+    /// Lifts all fingers and passes on nothing any more. Keys and buttons are released by Mutter
+    /// when it ends the session.
+    void end();
+
+    InputAbilities abilities() const override;
+    void movePointer(const InputPlace& place) override;
+    void button(PointerButton button, bool isDown) override;
+    void wheel(double right, double down) override;
+    void touch(const TouchPoint& point) override;
+    void pen(const PenState&) override {}
+    void key(std::uint16_t code, bool isDown) override;
+    void text(const std::string& text) override;
+
+private:
+    bool isOpen() const { return mWish.input && mMonitor; }
+    void notify(const char* member, const QVariantList& arguments);
+    void press(int finger, const InputPlace& place);
+    void lift(int finger);
+    std::optional<QVariantList> onStream(const InputPlace& place) const;
+
+    MutterSession& mSession;
+    const ScreenWish& mWish;
+    std::optional<ScreenGeometry> mMonitor;
+    std::bitset<16> mFingers; ///< that are down
+};
+
+} // namespace farview

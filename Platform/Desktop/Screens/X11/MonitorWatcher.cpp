@@ -95,7 +95,7 @@ bool watchMonitors()
     const bool isUndone = undoAbandonedMonitors(server);
     WindowKeeper windows(server, {}, true);
     // A window manager that is slow moves windows long after the monitor went.
-    for (int look = 0; look < 10 && windows.takeAbandonedBack(); ++look)
+    for (int look = 0; look < 10 && !hasAnyOwner(server) && windows.takeAbandonedBack(); ++look)
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     return isUndone;
 }

@@ -221,7 +221,12 @@ bool WindowKeeper::takeAbandonedBack()
         areThereNotes = true;
         const bool isAbandoned =
             window.note->isThere && !isOnAny(window.note->monitorArea, screens);
-        const bool isLost = !window.note->isThere && !isOnAny(window.outside(), screens);
+        const bool isMovedAgain = mAdopted.contains(window.id) && window.note->home &&
+                                  !isWhereItWas(window, *window.note->home);
+        const bool isLost =
+            !window.note->isThere && (isMovedAgain || !isOnAny(window.outside(), screens));
+        if (isAbandoned)
+            mAdopted.insert(window.id);
         if (isAbandoned || isLost)
             mGuests[window.id] = *window.note;
     }

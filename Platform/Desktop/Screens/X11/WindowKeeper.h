@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <map>
+#include <set>
 
 namespace farview
 {
@@ -70,7 +71,8 @@ private:
     std::map<xcb_window_t, WindowStand> mHomes;
     Windows mReturning; ///< on their way to the monitor
     int mTriesLeft = 0;
-    Windows mGuests; ///< that were on the monitor when it went
+    Windows mGuests;                 ///< that were on the monitor when it went
+    std::set<xcb_window_t> mAdopted; ///< whose monitor was abandoned
     std::optional<Clock::time_point> mDue;
 };
 

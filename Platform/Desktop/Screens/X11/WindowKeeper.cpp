@@ -14,7 +14,7 @@ using std::chrono::milliseconds;
 /// Between two looks: dragging a window changes it all the time.
 constexpr milliseconds pause{200};
 /// For a window manager that is busy with the new monitor.
-constexpr int mostTries = 10;
+constexpr int mostTries = 25;
 /// For each step of a window manager, unless it is slow or refuses: seven steps at most hold up the
 /// end of a monitor.
 constexpr milliseconds stepLimit{50};

@@ -85,6 +85,11 @@ const std::vector<std::string> waits = {
     "std::this_thread::sleep_for(std::chrono::milliseconds(2));",
     "Platform/Desktop/Screens/X11/ShownMonitor.cpp:    ::poll(files.data(), files.size(), "
     "longestWait());",
+    // The window manager, after its maker's end and in that thread.
+    "Platform/Desktop/Screens/X11/MonitorWatcher.cpp:        "
+    "std::this_thread::sleep_for(std::chrono::milliseconds(100));",
+    "Platform/Desktop/Screens/X11/WindowKeeper.cpp:        "
+    "std::this_thread::sleep_for(milliseconds(5));",
     // Input has a thread of its own, which is waited for like the monitor's.
     "Platform/Desktop/Screens/X11/TypedText.cpp:    std::this_thread::sleep_until(typed + "
     "timeToUnderstand);",

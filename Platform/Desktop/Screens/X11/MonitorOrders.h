@@ -19,6 +19,7 @@ public:
     struct Wishes {
         std::optional<RandrSize> size;
         std::optional<PixelPoint> place;
+        std::optional<bool> keepsWindows;
         bool end = false;
     };
 

@@ -1,5 +1,6 @@
 #include "Platform/Desktop/Screens/X11/MonitorThread.h"
 
+#include "Platform/Desktop/Screens/X11/MonitorRemoval.h"
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 #include "Platform/Posix/Environment.h"
 
@@ -66,6 +67,11 @@ void MonitorThread::place(PixelPoint corner)
     mOrders->wish([=](auto& wishes) { wishes.place = corner; });
 }
 
+void MonitorThread::setKeepsWindows(bool flag)
+{
+    mOrders->wish([=](auto& wishes) { wishes.keepsWindows = flag; });
+}
+
 void MonitorThread::run()
 {
     std::optional<ScreenObstacle> end;
@@ -92,10 +98,24 @@ std::optional<ScreenObstacle> MonitorThread::converse()
     RandrServer server(connection.get());
     if (const auto obstacle = obstacleTo(server))
         return obstacle;
+    // Windows of monitors that nobody watched.
+    undoAbandonedMonitors(server);
+    WindowKeeper(server, {}, true).takeAbandonedBack();
+    WindowKeeper windows(server, mWish.name, mWish.keepsWindows);
+    mCanKeepWindows = windows.isPossible();
+    const auto end = show(server, windows);
+    windows.settle();
+    return end;
+}
+
+std::optional<ScreenObstacle> MonitorThread::show(RandrServer& server, WindowKeeper& windows)
+{
     VirtualMonitor monitor(server);
     if (const auto obstacle = monitor.make(mWish.width, mWish.height))
         return obstacle;
-    return ShownMonitor(server, monitor, *mScreen, *mOrders, mTell).run();
+    const auto end = ShownMonitor(server, monitor, windows, *mScreen, *mOrders, mTell).run();
+    windows.takeBack();
+    return end;
 }
 
 std::optional<ScreenObstacle> obstacleTo(const RandrServer& server)

@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/Screens/X11/ShownMonitor.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -26,11 +27,15 @@ public:
 
     void resize(RandrSize size);
     void place(PixelPoint corner);
+    void setKeepsWindows(bool flag);
+    /// False before the monitor has appeared.
+    bool canKeepWindows() const { return mCanKeepWindows; }
     CapturedScreen& screen() { return *mScreen; }
 
 private:
     void run();
     std::optional<ScreenObstacle> converse();
+    std::optional<ScreenObstacle> show(RandrServer& server, WindowKeeper& windows);
 
     ScreenWish mWish;
     std::string mWatcher;
@@ -39,6 +44,7 @@ private:
     std::shared_ptr<MonitorOrders> mOrders = std::make_shared<MonitorOrders>();
     std::shared_ptr<CapturedScreen> mScreen;
     ConnectionBreaker mBreaker;
+    std::atomic<bool> mCanKeepWindows = false;
     std::mutex mMutex;
     std::condition_variable mEnded;
     bool mHasEnded = false;

@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Screens/X11/MonitorWatcher.h"
 
 #include "Platform/Desktop/Screens/X11/MonitorRemoval.h"
+#include "Platform/Desktop/Screens/X11/WindowKeeper.h"
 #include "Platform/Desktop/Screens/X11/XTestInput.h"
 
 #include <fcntl.h>
@@ -91,7 +92,12 @@ bool watchMonitors()
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     if (!isReleased)
         releaseAllOfXTest(connection.get());
-    return undoAbandonedMonitors(server);
+    const bool isUndone = undoAbandonedMonitors(server);
+    WindowKeeper windows(server, {}, true);
+    // A window manager that is slow moves windows long after the monitor went.
+    for (int look = 0; look < 10 && !hasAnyOwner(server) && windows.takeAbandonedBack(); ++look)
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    return isUndone;
 }
 
 } // namespace farview

@@ -14,6 +14,12 @@ namespace
 
 using Event = XReply<xcb_generic_event_t>;
 
+bool isConfiguration(const xcb_generic_event_t& event, xcb_window_t window)
+{
+    return (event.response_type & 0x7F) == XCB_CONFIGURE_NOTIFY &&
+           reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == window;
+}
+
 } // namespace
 
 int Beat::millisecondsLeft() const
@@ -22,17 +28,18 @@ int Beat::millisecondsLeft() const
     return static_cast<int>(std::max<std::int64_t>(0, span.count()));
 }
 
-ShownMonitor::ShownMonitor(RandrServer& server, VirtualMonitor& monitor, CapturedScreen& screen,
-                           MonitorOrders& orders, Tell tell)
-    : mServer(server), mMonitor(monitor), mScreen(screen), mOrders(orders), mTell(std::move(tell)),
-      mCapture(server), mCursor(server),
+ShownMonitor::ShownMonitor(RandrServer& server, VirtualMonitor& monitor, WindowKeeper& windows,
+                           CapturedScreen& screen, MonitorOrders& orders, Tell tell)
+    : mServer(server), mMonitor(monitor), mWindows(windows), mScreen(screen), mOrders(orders),
+      mTell(std::move(tell)), mCapture(server), mCursor(server),
       mRandrEvent(xcb_get_extension_data(server.connection(), &xcb_randr_id)->first_event)
 {
     xcb_randr_select_input(server.connection(), server.root(),
                            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
     // Monitors that no output shows change without an event of RandR.
-    const std::uint32_t structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    const std::uint32_t structure =
+        XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(server.connection(), server.root(), XCB_CW_EVENT_MASK, &structure);
 }
 
@@ -47,6 +54,7 @@ std::optional<ScreenObstacle> ShownMonitor::run()
         if (!end) {
             followPointer();
             capture();
+            mWindows.look();
             wait();
         }
     }
@@ -59,6 +67,7 @@ std::optional<ScreenObstacle> ShownMonitor::appear()
     if (!geometry)
         return ScreenObstacle::gone;
     mGeometry = *geometry;
+    mWindows.setMonitor(mGeometry.area);
     if (!beginCapture())
         return ScreenObstacle::failed;
     mTell([at = mGeometry](auto& delegate) { delegate.didAppear(at); });
@@ -84,6 +93,8 @@ bool ShownMonitor::grantWishes()
     if (wishes.place)
         mMonitor.place(*wishes.place);
     mIsLayoutStale = mIsLayoutStale || wishes.size || wishes.place;
+    if (wishes.keepsWindows)
+        mWindows.keep(*wishes.keepsWindows);
     return wishes.end;
 }
 
@@ -97,8 +108,10 @@ void ShownMonitor::serve(const xcb_generic_event_t& event)
 {
     const int type = event.response_type & 0x7F;
     if (type == mRandrEvent || type == mRandrEvent + XCB_RANDR_NOTIFY ||
-        type == XCB_CONFIGURE_NOTIFY) {
+        isConfiguration(event, mServer.root())) {
         mIsLayoutStale = true;
+    } else if (type >= XCB_CREATE_NOTIFY && type <= XCB_CONFIGURE_NOTIFY) {
+        mWindows.windowsChanged();
     } else if (mCapture.isDamage(event)) {
         mIsDamaged = true;
     } else if (mCursor.isNewShape(event)) {
@@ -126,6 +139,8 @@ std::optional<ScreenObstacle> ShownMonitor::lookAtLayout()
     if (*found == mGeometry)
         return std::nullopt;
     const bool isElsewhere = std::exchange(mGeometry, *found).area != found->area;
+    if (isElsewhere)
+        mWindows.setMonitor(mGeometry.area);
     if (isElsewhere && !beginCapture())
         return ScreenObstacle::failed;
     mTell([at = mGeometry](auto& delegate) { delegate.didChange(at); });
@@ -206,8 +221,8 @@ void ShownMonitor::wait()
 int ShownMonitor::longestWait() const
 {
     int limit = -1; // for ever
-    const auto notBeyond = [&](const Beat& beat) {
-        const int left = beat.millisecondsLeft();
+    const auto notBeyond = [&](const auto& dueDate) {
+        const int left = dueDate.millisecondsLeft();
         limit = limit < 0 ? left : std::min(limit, left);
     };
     if (mIsDamaged && !mIsFrameOut && !mIsLayoutStale)
@@ -216,6 +231,8 @@ int ShownMonitor::longestWait() const
         notBeyond(mPointer);
     if (mIsLayoutStale)
         notBeyond(mLayouts);
+    if (mWindows.isWaiting())
+        notBeyond(mWindows);
     return limit;
 }
 

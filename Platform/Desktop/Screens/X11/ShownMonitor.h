@@ -5,6 +5,7 @@
 #include "Platform/Desktop/Screens/X11/RootCapture.h"
 #include "Platform/Desktop/Screens/X11/RootCursor.h"
 #include "Platform/Desktop/Screens/X11/VirtualMonitor.h"
+#include "Platform/Desktop/Screens/X11/WindowKeeper.h"
 
 #include <algorithm>
 #include <chrono>
@@ -40,8 +41,8 @@ public:
     /// Called with what the delegate is to be told.
     using Tell = std::function<void(News)>;
 
-    ShownMonitor(RandrServer& server, VirtualMonitor& monitor, CapturedScreen& screen,
-                 MonitorOrders& orders, Tell tell);
+    ShownMonitor(RandrServer& server, VirtualMonitor& monitor, WindowKeeper& windows,
+                 CapturedScreen& screen, MonitorOrders& orders, Tell tell);
 
     /// Until it ends. Why; nothing when its owner wanted that.
     std::optional<ScreenObstacle> run();
@@ -62,6 +63,7 @@ private:
 
     RandrServer& mServer;
     VirtualMonitor& mMonitor;
+    WindowKeeper& mWindows;
     CapturedScreen& mScreen;
     MonitorOrders& mOrders;
     Tell mTell;

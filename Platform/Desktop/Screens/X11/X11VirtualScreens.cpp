@@ -48,8 +48,11 @@ public:
     ScreenSource& frames() override { return mThread.screen(); }
     CursorSource& cursor() override { return mThread.screen(); }
     InputSink& input() override { return mInput ? static_cast<InputSink&>(*mInput) : mNoInput; }
-    void setKeepsWindows(bool) override {}
-    WindowKeeping windowKeeping() const override { return WindowKeeping::nobody; }
+    void setKeepsWindows(bool flag) override { mThread.setKeepsWindows(flag); }
+    WindowKeeping windowKeeping() const override
+    {
+        return mThread.canKeepWindows() ? WindowKeeping::byFarview : WindowKeeping::nobody;
+    }
 
 private:
     /// What is down, where it is.

@@ -4,19 +4,17 @@
 #include "Tests/Integration/TouchedScreen.h"
 #include "Tests/Support/InputWindow.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
+#include <iterator>
+#include <sys/wait.h>
 
 namespace farview
 {
 namespace
 {
-
-using testing::Contains;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 class TouchedScreenOnX11 : public TouchedScreen
 {
@@ -35,16 +33,57 @@ protected:
                             "windowmove", "1920", "0"});
         EXPECT_TRUE(mover.waitForEnd());
     }
-    bool hears(InputWindow& window, const std::string& event)
+    /// As on the device's keyboard.
+    void type(const std::string& action, const std::string& key)
     {
-        return waitUntil([&] {
-            std::ranges::move(window.takeEvents(), std::back_inserter(heard));
-            return std::ranges::find(heard, event) != heard.end();
+        ChildProcess hand({"xdotool", action, key}, {{"DISPLAY", glass.display()}});
+        EXPECT_TRUE(hand.waitForEnd());
+    }
+    void letType()
+    {
+        PairedPeers(*stored, PairedPeers::devices).letType("Desk", true);
+        panel->post(kPairedDevicesDidChange);
+    }
+    void coverDesktop()
+    {
+        window = std::make_unique<InputWindow>(display.display(), 0, 0, 3840, 1080);
+    }
+    /// Of a finger; false when it does not within a while.
+    bool hears(const std::string& what, milliseconds limit = seconds(10))
+    {
+        const auto isHeard = [&] {
+            std::ranges::copy(window->takeEvents(), std::back_inserter(heard));
+            return hasHeard(what);
+        };
+        return waitUntil(isHeard, limit);
+    }
+    bool hasHeard(const std::string& what) const
+    {
+        return std::ranges::any_of(heard, [&](const auto& event) {
+            return event.starts_with("touch") && event.ends_with(what);
         });
+    }
+    bool holdsKeys(std::size_t count)
+    {
+        return waitUntil([&] { return window->keys().size() == count; }, kNoticed);
+    }
+    /// One finger and one key.
+    void holdBoth()
+    {
+        letType();
+        touch(0, TouchPhase::down, 300, 400);
+        ASSERT_TRUE(hears("begins 2220,400")) << serverLog() << deviceLog();
+        EXPECT_TRUE(waitUntil([&] {
+            if (window->keys().empty())
+                type("keydown", "a");
+            return !window->keys().empty();
+        }));
     }
 
     PrivateXServer display;
     ScreenArranger desktop{display.display()};
+    /// A program's, which covers the whole desktop and has its keyboard.
+    std::unique_ptr<InputWindow> window;
     std::vector<std::string> heard;
 };
 
@@ -57,6 +96,70 @@ TEST_F(TouchedScreenOnX11, TwoFingersZoomAProgram)
     ASSERT_GT(before.width, 50) << serverLog() << deviceLog();
     spreadFingers(before.x + before.width / 2, before.y + before.height / 2);
     EXPECT_GT(seenRed().width, 2 * before.width) << serverLog() << deviceLog();
+}
+
+TEST_F(TouchedScreenOnX11, AFingerPressesTheButtonThatTheUserSees)
+{
+    if (!startThere({"xmessage", "-geometry", "600x300+2500+300", "-buttons", "Press:7", "-xrm",
+                     "*Press.background: red", "A button"}))
+        GTEST_SKIP() << "xmessage is not installed";
+    const auto button = seenRed();
+    ASSERT_GT(button.x, 500) << serverLog() << deviceLog();
+    tap(button.x + button.width / 2, button.y + button.height / 2);
+    const auto status = program->waitForEnd();
+    ASSERT_TRUE(status) << serverLog() << deviceLog();
+    EXPECT_EQ(WEXITSTATUS(*status), 7);
+}
+
+TEST_F(TouchedScreenOnX11, KeysArriveOnceTheUserLetsThatDeviceType)
+{
+    coverDesktop();
+    type("key", "a");
+    tap(300, 400);
+    ASSERT_TRUE(hears("ends 2220,400")) << serverLog() << deviceLog();
+    EXPECT_EQ(window->typed(), "") << "what was done later has arrived";
+    letType();
+    EXPECT_TRUE(waitUntil([&] {
+        type("key", "b");
+        return !window->typed().empty();
+    }));
+    EXPECT_EQ(window->typed().find_first_not_of('b'), std::string::npos);
+}
+
+TEST_F(TouchedScreenOnX11, TheOptionLiftsTheFingerAtOnceAndLetsNoneThrough)
+{
+    coverDesktop();
+    touch(0, TouchPhase::down, 300, 400);
+    ASSERT_TRUE(hears("begins 2220,400")) << serverLog() << deviceLog();
+    preferences->setEnableTouchDisplay(false);
+    EXPECT_TRUE(hears("ends 2220,400")) << serverLog();
+    touch(0, TouchPhase::up, 300, 400);
+    ASSERT_TRUE(deviceSays("these options: retina windows-move-back\n")) << deviceLog();
+    tap(500, 600);
+    preferences->setEnableTouchDisplay(true);
+    EXPECT_TRUE(waitUntil([&] {
+        tap(700, 800);
+        return hears("begins 2620,800", milliseconds(100));
+    }));
+    EXPECT_FALSE(hasHeard("2420,600"));
+}
+
+TEST_F(TouchedScreenOnX11, NothingStaysDownWhenTheDeviceDies)
+{
+    coverDesktop();
+    holdBoth();
+    device->kill();
+    EXPECT_TRUE(hears("ends 2220,400")) << serverLog();
+    EXPECT_TRUE(holdsKeys(0)) << serverLog();
+}
+
+TEST_F(TouchedScreenOnX11, NothingStaysDownWhenTheDeviceFallsSilent)
+{
+    coverDesktop();
+    holdBoth();
+    device->sendSignal(SIGSTOP);
+    EXPECT_TRUE(holdsKeys(0)) << serverLog();
+    EXPECT_TRUE(hears("ends 2220,400")) << serverLog();
 }
 
 } // namespace

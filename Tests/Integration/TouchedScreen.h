@@ -42,8 +42,8 @@ protected:
     bool startThere(std::vector<std::string> command)
     {
         const std::string isThere = "command -v " + command.front() + " >/dev/null";
-        command.insert(command.begin(), {"sh", "-c", "exec \"$0\" \"$@\" >'" +
-                                                         home.path("program.log") + "' 2>&1"});
+        command.insert(command.begin(),
+                       {"sh", "-c", "exec \"$0\" \"$@\" >'" + home.path("program.log") + "' 2>&1"});
         program = std::make_unique<ChildProcess>(command, environment);
         return std::system(isThere.c_str()) == 0;
     }

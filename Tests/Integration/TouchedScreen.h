@@ -115,8 +115,8 @@ protected:
 
     PrivateXServer glass;
     ScreenArranger eyes{glass.display()};
-    InputTestDevices devices{glass.folder()};
-    std::unique_ptr<InputDevices> fingers = devices.maker()();
+    InputTestDevices touchScreen{glass.folder()};
+    std::unique_ptr<InputDevices> fingers = touchScreen.maker()();
     std::unique_ptr<ChildProcess> program;
 };
 

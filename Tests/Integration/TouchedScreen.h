@@ -27,6 +27,8 @@ protected:
         if (IsSkipped())
             return;
         preferences->setCurrentState(1);
+        // As on computers with real keyboards.
+        onGlass({"setxkbmap", "-rules", "evdev", "-layout", "us"});
         auto ofDevice = environment;
         ofDevice.insert({{"DISPLAY", glass.display()}, {"QT_QPA_PLATFORM", "xcb"}});
         std::swap(environment, ofDevice);
@@ -84,6 +86,22 @@ protected:
         for (int distance = 40; distance <= 200; distance += 8)
             both(TouchPhase::motion, distance);
         both(TouchPhase::up, 200);
+    }
+    void letType()
+    {
+        PairedPeers(*stored, PairedPeers::devices).letType("Desk", true);
+        panel->post(kPairedDevicesDidChange);
+    }
+    /// Of the device, by a line for xdotool.
+    void useMouseAndKeys(std::vector<std::string> line)
+    {
+        line.insert(line.begin(), "xdotool");
+        onGlass(line);
+    }
+    void onGlass(const std::vector<std::string>& command)
+    {
+        ChildProcess tool(command, {{"DISPLAY", glass.display()}});
+        EXPECT_TRUE(tool.waitForEnd());
     }
     /// What the device's display shows in red, clearly: around all of it.
     PixelRect redPart()

@@ -33,22 +33,11 @@ protected:
                             "windowmove", "1920", "0"});
         EXPECT_TRUE(mover.waitForEnd());
     }
-    /// As on the device's keyboard.
-    void type(const std::string& action, const std::string& key)
-    {
-        ChildProcess hand({"xdotool", action, key}, {{"DISPLAY", glass.display()}});
-        EXPECT_TRUE(hand.waitForEnd());
-    }
-    void letType()
-    {
-        PairedPeers(*stored, PairedPeers::devices).letType("Desk", true);
-        panel->post(kPairedDevicesDidChange);
-    }
     void coverDesktop()
     {
         window = std::make_unique<InputWindow>(display.display(), 0, 0, 3840, 1080);
     }
-    /// Of a finger; false when it does not within a while.
+    /// False when it does not within a while.
     bool hears(const std::string& what, milliseconds limit = seconds(10))
     {
         const auto isHeard = [&] {
@@ -59,9 +48,7 @@ protected:
     }
     bool hasHeard(const std::string& what) const
     {
-        return std::ranges::any_of(heard, [&](const auto& event) {
-            return event.starts_with("touch") && event.ends_with(what);
-        });
+        return std::ranges::any_of(heard, [&](const auto& event) { return event.ends_with(what); });
     }
     bool holdsKeys(std::size_t count)
     {
@@ -75,7 +62,7 @@ protected:
         ASSERT_TRUE(hears("begins 2220,400")) << serverLog() << deviceLog();
         EXPECT_TRUE(waitUntil([&] {
             if (window->keys().empty())
-                type("keydown", "a");
+                useMouseAndKeys({"keydown", "a"});
             return !window->keys().empty();
         }));
     }
@@ -111,16 +98,24 @@ TEST_F(TouchedScreenOnX11, AFingerPressesTheButtonThatTheUserSees)
     EXPECT_EQ(WEXITSTATUS(*status), 7);
 }
 
+TEST_F(TouchedScreenOnX11, TheDevicesMouseClicks)
+{
+    coverDesktop();
+    useMouseAndKeys({"mousemove", "300", "400", "click", "3"});
+    EXPECT_TRUE(hears("down 3 2220,400")) << serverLog() << deviceLog();
+    EXPECT_TRUE(hears("up 3 2220,400"));
+}
+
 TEST_F(TouchedScreenOnX11, KeysArriveOnceTheUserLetsThatDeviceType)
 {
     coverDesktop();
-    type("key", "a");
+    useMouseAndKeys({"key", "a"});
     tap(300, 400);
-    ASSERT_TRUE(hears("ends 2220,400")) << serverLog() << deviceLog();
+    ASSERT_TRUE(hears(" ends 2220,400")) << serverLog() << deviceLog();
     EXPECT_EQ(window->typed(), "") << "what was done later has arrived";
     letType();
     EXPECT_TRUE(waitUntil([&] {
-        type("key", "b");
+        useMouseAndKeys({"key", "b"});
         return !window->typed().empty();
     }));
     EXPECT_EQ(window->typed().find_first_not_of('b'), std::string::npos);
@@ -132,7 +127,7 @@ TEST_F(TouchedScreenOnX11, TheOptionLiftsTheFingerAtOnceAndLetsNoneThrough)
     touch(0, TouchPhase::down, 300, 400);
     ASSERT_TRUE(hears("begins 2220,400")) << serverLog() << deviceLog();
     preferences->setEnableTouchDisplay(false);
-    EXPECT_TRUE(hears("ends 2220,400")) << serverLog();
+    EXPECT_TRUE(hears(" ends 2220,400")) << serverLog();
     touch(0, TouchPhase::up, 300, 400);
     ASSERT_TRUE(deviceSays("these options: retina windows-move-back\n")) << deviceLog();
     tap(500, 600);
@@ -149,7 +144,7 @@ TEST_F(TouchedScreenOnX11, NothingStaysDownWhenTheDeviceDies)
     coverDesktop();
     holdBoth();
     device->kill();
-    EXPECT_TRUE(hears("ends 2220,400")) << serverLog();
+    EXPECT_TRUE(hears(" ends 2220,400")) << serverLog();
     EXPECT_TRUE(holdsKeys(0)) << serverLog();
 }
 
@@ -159,7 +154,7 @@ TEST_F(TouchedScreenOnX11, NothingStaysDownWhenTheDeviceFallsSilent)
     holdBoth();
     device->sendSignal(SIGSTOP);
     EXPECT_TRUE(holdsKeys(0)) << serverLog();
-    EXPECT_TRUE(hears("ends 2220,400")) << serverLog();
+    EXPECT_TRUE(hears(" ends 2220,400")) << serverLog();
 }
 
 } // namespace

@@ -6,15 +6,19 @@
 #include "Tests/Support/PrivateXServer.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace farview
 {
 
 inline constexpr RandrSize kGlass{1920, 1080};
+/// How long a program of a desktop may take to show itself on a busy machine.
+inline constexpr milliseconds kStart = seconds(30);
 
 /// The device as a window over a display with a touch screen, and the server, whose monitor is as
 /// large. Tests do what a user does there, and see what a user sees.
@@ -29,25 +33,30 @@ protected:
         preferences->setCurrentState(1);
         // As on computers with real keyboards.
         onGlass({"setxkbmap", "-rules", "evdev", "-layout", "us"});
-        auto ofDevice = environment;
-        ofDevice.insert({{"DISPLAY", glass.display()}, {"QT_QPA_PLATFORM", "xcb"}});
-        std::swap(environment, ofDevice);
-        device = start("farview-device", {"--name", "Desk", "--host-name", "desk-7"}, "device.log");
-        std::swap(environment, ofDevice);
+        startWindow();
         startServer();
         connectByAddress();
         ASSERT_TRUE(waitUntil([&] { return panel->screen.state == ScreenReport::State::shown; }))
             << serverLog() << deviceLog();
     }
 
+    void startWindow()
+    {
+        auto ofDevice = environment;
+        ofDevice.insert({{"DISPLAY", glass.display()}, {"QT_QPA_PLATFORM", "xcb"}});
+        std::swap(environment, ofDevice);
+        device = start("farview-device", {"--name", "Desk", "--host-name", "desk-7"}, "device.log");
+        std::swap(environment, ofDevice);
+    }
     /// Starts a program on the server's desktop. False when it is not installed.
     bool startThere(std::vector<std::string> command)
     {
-        const std::string isThere = "command -v " + command.front() + " >/dev/null";
+        if (std::system(("command -v " + command.front() + " >/dev/null").c_str()) != 0)
+            return false;
         command.insert(command.begin(),
                        {"sh", "-c", "exec \"$0\" \"$@\" >'" + home.path("program.log") + "' 2>&1"});
         program = std::make_unique<ChildProcess>(command, environment);
-        return std::system(isThere.c_str()) == 0;
+        return true;
     }
     /// A picture with a red square on white.
     std::string redSquare() const
@@ -118,16 +127,21 @@ protected:
         }
         return right == 0 ? PixelRect() : pixelRect(left, top, right - left, bottom - top);
     }
+    bool isRedWiderThan(int width)
+    {
+        return waitUntil([&] { return redPart().width > width; }, kStart);
+    }
     /// As it is when it has stopped changing.
     PixelRect seenRed()
     {
         PixelRect before;
         PixelRect now;
-        waitUntil([&] {
+        const auto isStill = [&] {
             before = std::exchange(now, redPart());
             runLoopFor(milliseconds(200));
             return now.width > 0 && now == before;
-        });
+        };
+        waitUntil(isStill, kStart);
         return now;
     }
 

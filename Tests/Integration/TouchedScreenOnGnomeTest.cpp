@@ -31,16 +31,16 @@ TEST_F(TouchedScreenOnGnome, TwoFingersZoomAProgram)
         GTEST_SKIP() << "eog is not installed";
     letType();
     // Its window comes on the user's own screen, sooner or later.
-    ASSERT_TRUE(waitUntil([&] {
+    const auto isMoved = [&] {
         useMouseAndKeys({"key", "super+shift+Right"});
         runLoopFor(milliseconds(200));
         return redPart().width > 0;
-    })) << serverLog()
-        << deviceLog() << text("program.log");
+    };
+    ASSERT_TRUE(waitUntil(isMoved, kStart)) << serverLog() << deviceLog() << text("program.log");
     const auto before = seenRed();
     ASSERT_GT(before.width, 50) << serverLog() << deviceLog() << text("program.log");
     spreadFingers(before.x + before.width / 2, before.y + before.height / 2);
-    EXPECT_GT(seenRed().width, 2 * before.width) << serverLog() << deviceLog();
+    EXPECT_TRUE(isRedWiderThan(2 * before.width)) << serverLog() << deviceLog();
 }
 
 } // namespace

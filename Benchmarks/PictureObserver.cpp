@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <thread>
 
 namespace farview
 {
@@ -25,23 +26,47 @@ PictureObserver::PictureObserver(const std::string& display)
         throw std::runtime_error("there is no memory to share with the source");
 }
 
-void PictureObserver::observe(const RunningPictures& pictures, const std::string& scene,
-                              PictureRecord& record)
+std::unique_ptr<ChildProcess> PictureObserver::show(const RunningPictures& pictures,
+                                                    const std::string& scene)
 {
     mRun->isMoving = mRun->hasEnded = false;
     const int before = mRun->newest;
-    const auto source =
-        pictures.startSource(FARVIEW_BENCHMARKS_DIR "/picture-source " + scene + " " +
-                             std::to_string(sceneSeconds) + " " + mFolder.path("run"));
+    auto source = pictures.startSource(FARVIEW_BENCHMARKS_DIR "/picture-source " + scene + " " +
+                                       std::to_string(sceneSeconds) + " " + mFolder.path("run"));
     if (!waitFor([&] { return mProbe.number() > before; }, milliseconds(20000)) ||
         !waitFor([&] { return mRun->isMoving || mRun->hasEnded; }, milliseconds(2000)))
         throw std::runtime_error("its picture does not arrive");
+    return source;
+}
+
+void PictureObserver::observe(const RunningPictures& pictures, const std::string& scene,
+                              PictureRecord& record)
+{
+    const auto source = show(pictures, scene);
     collect(pictures, record);
     if (record.delays.empty() && scene != "nothing")
         throw std::runtime_error("no picture of " + scene + " arrives");
     if (!waitFor([&] { return mRun->hasEnded.load(); }, milliseconds(5000)))
         throw std::runtime_error("the source does not end");
     waitForExactness(record.exactAfter);
+}
+
+void PictureObserver::observeTouches(const RunningPictures& pictures, int count,
+                                     const std::function<void(bool)>& touch, TouchRecord& record)
+{
+    const auto source = show(pictures, "touching");
+    for (int each = 0; each < count; ++each) {
+        const auto next = static_cast<std::uint16_t>(mRun->newest + 1);
+        const double begin = microsecondsNow();
+        touch(true);
+        if (!waitFor([&] { return mProbe.number() == next; }, milliseconds(2000)))
+            throw std::runtime_error("a touch changes nothing");
+        record.all.push_back(millisecondsSince(begin));
+        record.picture.push_back(millisecondsSince(mRun->drawn[next]));
+        touch(false);
+        // A user's next touch meets a picture that stands, at any moment of its pace.
+        std::this_thread::sleep_for(milliseconds(40 + each % 17));
+    }
 }
 
 double PictureObserver::waitForBackground()

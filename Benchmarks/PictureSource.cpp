@@ -1,7 +1,8 @@
 // Shows a scene on the right-most screen of a display, without the pointer, and says in a file when
 // each picture was drawn. Its last picture stays until the program is ended.
 //
-// usage: picture-source typing|scrolling|film|nothing SECONDS FILE
+// usage: picture-source typing|scrolling|film|nothing|touching SECONDS FILE
+//   touching   a letter for each finger that comes down on it, until it is ended
 
 #include "Benchmarks/Figures.h"
 #include "Benchmarks/PictureRun.h"
@@ -12,6 +13,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <QTimer>
+#include <QTouchEvent>
 #include <QWindow>
 
 #include <algorithm>
@@ -38,7 +40,7 @@ public:
         : mIsFilm(name == "film"), mIsScrolling(name == "scrolling"),
           mPace(mIsFilm || mIsScrolling ? 60 : 10),
           mSteps(name == "nothing" ? 0 : static_cast<int>(seconds * mPace)),
-          mMade(kPictureWidth, kPictureHeight + furtherRows())
+          mIsTouched(name == "touching"), mMade(kPictureWidth, kPictureHeight + furtherRows())
     {
         Scenes scenes;
         const auto all = wholeOf(mMade);
@@ -46,6 +48,8 @@ public:
     }
 
     int steps() const { return mSteps; }
+    /// A finger makes each step, and not the time.
+    bool isTouched() const { return mIsTouched; }
     std::chrono::microseconds timeOf(int step) const
     {
         return std::chrono::microseconds(1000000L * step / mPace);
@@ -84,6 +88,7 @@ private:
     bool mIsScrolling;
     int mPace; ///< pictures a second
     int mSteps;
+    bool mIsTouched;
     Picture mMade;
 };
 
@@ -111,9 +116,17 @@ private:
         mBegin = Clock::now() + std::chrono::seconds(1);
         mTimer.start(std::chrono::seconds(1));
     }
+    void touchEvent(QTouchEvent* event) override
+    {
+        if (event->type() == QEvent::TouchBegin && mScene.isTouched() && mRun.isMoving)
+            draw(mStep + 1);
+        event->accept();
+    }
     void next()
     {
-        mRun.isMoving = mStep < mScene.steps();
+        mRun.isMoving = mStep < mScene.steps() || mScene.isTouched();
+        if (mScene.isTouched())
+            return;
         if (!mRun.isMoving)
             return end();
         draw(mStep + 1);
@@ -178,7 +191,8 @@ bool isFurtherRight(const QScreen* left, const QScreen* right)
 int main(int argc, char** argv)
 {
     if (argc != 4) {
-        std::fprintf(stderr, "usage: %s typing|scrolling|film|nothing SECONDS FILE\n", argv[0]);
+        std::fprintf(stderr, "usage: %s typing|scrolling|film|nothing|touching SECONDS FILE\n",
+                     argv[0]);
         return 2;
     }
     PictureRun* run = openPictureRun(argv[3]);

@@ -18,17 +18,6 @@ namespace farview
 namespace
 {
 
-PictureSystem farview(const std::string& name, const std::string& folder)
-{
-    return {name,
-            {},
-            "DISPLAY=$B exec " + folder + "/farview-device --name Desk --host-name desk-7",
-            6001,
-            "DISPLAY=$A exec " + folder + "/ScreenCapture",
-            "DISPLAY=$A QT_QPA_PLATFORM=xcb ",
-            {"ScreenCapture", "farview-monitor"}};
-}
-
 const std::string onX = "DISPLAY=$A QT_QPA_PLATFORM=xcb ";
 const std::string vncViewer = "DISPLAY=$B exec xtigervncviewer -SecurityTypes None -FullScreen "
                               "-RemoteResize=0 127.0.0.1::5900";
@@ -102,11 +91,22 @@ void stop(std::unique_ptr<ChildProcess>& process)
 
 } // namespace
 
+PictureSystem farviewIn(const std::string& folder, const std::string& name)
+{
+    return {name,
+            {},
+            "DISPLAY=$B exec " + folder + "/farview-device --name Desk --host-name desk-7",
+            6001,
+            "DISPLAY=$A exec " + folder + "/ScreenCapture",
+            "DISPLAY=$A QT_QPA_PLATFORM=xcb ",
+            {"ScreenCapture", "farview-monitor"}};
+}
+
 const std::vector<PictureSystem>& pictureSystems()
 {
     static const std::vector<PictureSystem> systems{
-        farview(kFarview, FARVIEW_BINARY_DIR),
-        farview(kFarviewInClear, FARVIEW_BENCHMARKS_DIR "/in-clear"),
+        farviewIn(FARVIEW_BINARY_DIR),
+        farviewIn(FARVIEW_BENCHMARKS_DIR "/in-clear", kFarviewInClear),
         {"TigerVNC",
          {"X0tigervnc", "xtigervncviewer"},
          "exec X0tigervnc -display $A -rfbport 5900 -SecurityTypes None",

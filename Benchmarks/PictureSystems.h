@@ -26,6 +26,8 @@ inline constexpr const char* kFarview = "Farview";
 /// The same without encryption, which no product offers: to know what that costs.
 inline constexpr const char* kFarviewInClear = "Farview in clear";
 
+/// Farview, of the programs in that folder.
+PictureSystem farviewIn(const std::string& folder, const std::string& name = kFarview);
 /// Farview is the first.
 const std::vector<PictureSystem>& pictureSystems();
 

@@ -7,14 +7,8 @@
 #include "Benchmarks/Figures.h"
 #include "Benchmarks/PictureObserver.h"
 #include "Benchmarks/PictureSystems.h"
+#include "Benchmarks/PictureUsers.h"
 #include "Benchmarks/ShapedLink.h"
-#include "Common/PairedPeers.h"
-#include "Link/Keys/OwnKey.h"
-#include "Link/Keys/PairingProof.h"
-#include "Platform/Desktop/Screens/X11/XConnection.h"
-#include "Platform/Fake/FakeLog.h"
-#include "Platform/Posix/Settings/FilePreferences.h"
-#include "Tests/Integration/TestPanel.h"
 #include "Tests/Support/PrivateXServer.h"
 
 #include <QCoreApplication>
@@ -34,16 +28,6 @@ namespace
 using namespace farview;
 
 const std::vector<std::string> scenes{"typing", "scrolling", "film", "nothing"};
-
-/// What is seen of a part of a display that no window covers.
-void setBackground(const std::string& display, std::uint32_t colour)
-{
-    const XConnection connection(xcb_connect(display.c_str(), nullptr));
-    const auto root = screenOf(connection.get())->root;
-    xcb_change_window_attributes(connection.get(), root, XCB_CW_BACK_PIXEL, &colour);
-    std::free(xcb_request_check(connection.get(),
-                                xcb_clear_area_checked(connection.get(), 0, root, 0, 0, 0, 0)));
-}
 
 using Records = std::map<std::string, PictureRecord>; ///< by scene
 
@@ -122,14 +106,7 @@ private:
     /// From the user's choice to the first picture, in milliseconds.
     double pick(const std::string& address)
     {
-        mPanel.reports.clear();
-        const auto answers = [this] {
-            mPanel.post(kQueryRequestForConnectedHost);
-            return mPanel.last(kServerDisconnectedFromDevice) != nullptr;
-        };
-        if (!waitUntil(answers))
-            throw std::runtime_error("the screen server does not answer");
-        mPanel.connectToAddress(address);
+        chooseDevice(mPanel, address);
         return mObserver.waitForBackground();
     }
 
@@ -238,19 +215,6 @@ void printCostOfEncryption(const Measurement& measurement)
                 "ms");
     printAtMost("encryption, delay of typing", delay(kFarview) - delay(kFarviewInClear), 0.5, "ms");
     printLoadOfEncryption(3);
-}
-
-/// As if the users had confirmed each other long ago.
-void pairBothPrograms()
-{
-    FakeLog log;
-    FilePreferences preferences(PreferencesLocations(EnvironmentUse::honoured), log);
-    const auto own = [](const char* domain) {
-        return hexadecimal(ownKey(ownKeyPath(domain)).key.value().fingerprint);
-    };
-    PairedPeers(preferences, PairedPeers::devices)
-        .add({own(PairedPeers::computers), "Desk", {}, {}});
-    PairedPeers(preferences, PairedPeers::computers).add({own(PairedPeers::devices), {}, {}, {}});
 }
 
 /// Leaves those out that cannot be measured. Whether Farview could.

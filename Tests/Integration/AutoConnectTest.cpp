@@ -6,9 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <csignal>
-#include <map>
 
 using namespace farview;
 using testing::HasSubstr;
@@ -39,37 +37,13 @@ protected:
         runLoopFor(seconds(4));
         preferences->setAutoConnectDevices({"Desk", "Sofa"});
     }
-    static std::string logOf(const std::string& name) { return name + ".log"; }
-    void startNamed(const std::string& name, const std::vector<std::string>& more = {})
-    {
-        std::string host = name + "-7";
-        std::transform(host.begin(), host.end(), host.begin(), ::tolower);
-        std::vector<std::string> arguments{"--headless", "--name", name, "--host-name", host};
-        if (name != "Desk") // the usual port is taken
-            arguments.insert(arguments.end(), {"--port", "0"});
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        std::ofstream(home.path(logOf(name)), std::ios::trunc).flush();
-        devices[name] = start("farview-device", arguments, logOf(name));
-        ASSERT_TRUE(says(name, "Announced")) << text(logOf(name));
-    }
-    bool says(const std::string& name, const std::string& words,
-              milliseconds limit = seconds(10)) const
-    {
-        return waitUntil([&] { return text(logOf(name)).find(words) != std::string::npos; }, limit);
-    }
     /// Whether the server is or becomes connected to that host, and to no other on the way.
     bool connectsTo(const std::string& hostName, milliseconds limit = seconds(15))
     {
         const bool heard = panel->hears(kServerConnectedToDevice, limit);
         return heard && panel->last(kServerConnectedToDevice)->deviceName == hostName;
     }
-    std::string everything() const
-    {
-        return serverLog() + "\nDesk:\n" + text(logOf("Desk")) + "\nSofa:\n" + text(logOf("Sofa"));
-    }
     std::uint16_t portOf(const std::string& name) const { return portIn(logOf(name)); }
-
-    std::map<std::string, std::unique_ptr<ChildProcess>> devices;
 };
 
 TEST_F(AutoConnect, TakesTheSecondWhenTheFirstRefuses)

@@ -67,17 +67,6 @@ protected:
     {
         return waitUntil([&] { return tablet->pixel(x, y) == colour; });
     }
-    /// As a crash that takes all of the server's processes.
-    void killServer()
-    {
-        for (const auto& each : processesBelow(server->pid()))
-            ::kill(each.pid, SIGSTOP);
-        server->sendSignal(SIGKILL);
-        for (const auto& each : processesBelow(::getpid())) {
-            if (each.shortName == "ScreenCapture")
-                ::kill(each.pid, SIGKILL);
-        }
-    }
 
     PrivateXServer display;
     ScreenArranger desktop{display.display()};

@@ -13,12 +13,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 namespace farview
@@ -74,6 +78,25 @@ protected:
         arguments.insert(arguments.end(), more.begin(), more.end());
         device = start("farview-device", arguments, "device.log");
     }
+    /// One of several: "Desk" of the host "desk-7", which has the usual port, and others so.
+    static std::string logOf(const std::string& name) { return name + ".log"; }
+    void startNamed(const std::string& name, const std::vector<std::string>& more = {})
+    {
+        std::string host = name + "-7";
+        std::transform(host.begin(), host.end(), host.begin(), ::tolower);
+        std::vector<std::string> arguments{"--headless", "--name", name, "--host-name", host};
+        if (name != "Desk") // the usual port is taken
+            arguments.insert(arguments.end(), {"--port", "0"});
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        std::ofstream(home.path(logOf(name)), std::ios::trunc).flush();
+        devices[name] = start("farview-device", arguments, logOf(name));
+        ASSERT_TRUE(says(name, "Announced")) << text(logOf(name));
+    }
+    bool says(const std::string& name, const std::string& words,
+              milliseconds limit = seconds(10)) const
+    {
+        return waitUntil([&] { return text(logOf(name)).find(words) != std::string::npos; }, limit);
+    }
     void connectByName()
     {
         panel->connectTo("desk-7.local");
@@ -102,6 +125,10 @@ protected:
     }
     std::string serverLog() const { return "\nserver:\n" + text("server.log"); }
     std::string deviceLog() const { return "\ndevice:\n" + text("device.log"); }
+    std::string everything() const
+    {
+        return serverLog() + "\nDesk:\n" + text(logOf("Desk")) + "\nSofa:\n" + text(logOf("Sofa"));
+    }
     bool deviceSays(const std::string& words, milliseconds limit = seconds(10)) const
     {
         return waitUntil([&] { return text("device.log").find(words) != std::string::npos; },
@@ -121,6 +148,18 @@ protected:
     {
         const auto status = server->waitForEnd(limit);
         return status && WIFEXITED(*status) && WEXITSTATUS(*status) == 0 && serverPid() == -1;
+    }
+
+    /// As a crash that takes all of the server's processes.
+    void killServer()
+    {
+        for (const auto& each : processesBelow(server->pid()))
+            ::kill(each.pid, SIGSTOP);
+        server->sendSignal(SIGKILL);
+        for (const auto& each : processesBelow(::getpid())) {
+            if (each.shortName == "ScreenCapture")
+                ::kill(each.pid, SIGKILL);
+        }
     }
 
     /// Whether the users have confirmed computer and devices before.
@@ -147,6 +186,7 @@ protected:
     std::unique_ptr<FVEPreferences> preferences;
     std::shared_ptr<LinkRecorder> anotherHost = std::make_shared<LinkRecorder>();
     std::unique_ptr<ChildProcess> device;
+    std::map<std::string, std::unique_ptr<ChildProcess>> devices;
     std::unique_ptr<ChildProcess> server;
 };
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Common/FVEDistributedNotifications.h"
+#include "Common/Rules/FurtherDevices.h"
 #include "Common/Rules/PairingReport.h"
+#include "Common/Rules/ScreenReport.h"
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/Desktop/Notifications/DBusNotificationCenter.h"
 #include "Platform/Desktop/QtRunLoop.h"
@@ -37,6 +39,14 @@ public:
             pairing = pairingReport(heard.text(kPairingReportKey));
         };
         mCenter.addObserver(mLife, pair, kServerPairingDidChange, "");
+        const auto show = [this](const Notification& heard) {
+            screen = screenReport(heard.text(kScreenReportKey));
+        };
+        mCenter.addObserver(mLife, show, kServerScreenDidChange, "");
+        const auto list = [this](const Notification& heard) {
+            further = furtherDevices(heard.text(kFurtherDevicesKey));
+        };
+        mCenter.addObserver(mLife, list, kServerFurtherDevicesDidChange, "");
     }
 
     void post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {})
@@ -64,8 +74,10 @@ public:
     DistributedNotificationCenter& center() { return mCenter; }
 
     std::vector<Report> reports;
-    /// The server's last word about it.
+    /// The server's last word about each.
     PairingReport pairing;
+    ScreenReport screen;
+    std::vector<FurtherDevice> further;
 
 private:
     void note(const Notification& heard)

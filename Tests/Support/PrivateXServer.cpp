@@ -280,6 +280,19 @@ void ScreenArranger::fill(const Area& area, std::uint32_t colour)
     xcb_free_gc(mConnection, context);
 }
 
+std::vector<std::uint32_t> ScreenArranger::pixels(const Area& area)
+{
+    const auto image = needed(xcb_get_image_reply(
+        mConnection,
+        xcb_get_image(mConnection, XCB_IMAGE_FORMAT_Z_PIXMAP, mRoot,
+                      static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y),
+                      static_cast<std::uint16_t>(area.width),
+                      static_cast<std::uint16_t>(area.height), 0x00FFFFFF),
+        nullptr));
+    const auto* first = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get()));
+    return {first, first + area.width * area.height};
+}
+
 void ScreenArranger::setCursor(int side, std::uint32_t colour, int hotspot)
 {
     const auto pixmap = xcb_generate_id(mConnection);

@@ -71,6 +71,8 @@ public:
     void beWindowManager(const std::string& name);
     /// Draws on the root window.
     void fill(const Area& area, std::uint32_t colour);
+    /// What is seen there, row by row.
+    std::vector<std::uint32_t> pixels(const Area& area);
     /// A square of one colour in the place of the pointer, while it is over the root window.
     void setCursor(int side, std::uint32_t colour, int hotspot);
     /// As a mouse would.

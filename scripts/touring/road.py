@@ -14,18 +14,19 @@ sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
 
 import pyatspi  # noqa: E402
 
-from touring import looks, screens  # noqa: E402
+from touring import finger, looks, screens  # noqa: E402
 from touring.desk import (  # noqa: E402
     BUTTON, children, click, click_at, compare_digits, DEVICE, device_menu, drag, enabled, failures,
-    find, FOLDER, HOME, LOOK, MENU_ENTRY, mouse, number_of_windows, place_of, press, ROOT, running, say, seen,
-    SHARPNESS, showing, start, start_tablet, step, stop, TABLET, texts, type_text, wait, wait_quietly, walk, WAYLAND,
-    windows_of, WORDS)
+    find, FOLDER, HOME, LOOK, MENU_ENTRY, mouse, number_of_windows, place_of, press, ROOT, running, say, SECOND_TABLET,
+    seen, SHARPNESS, showing, start, start_tablet, step, stop, TABLET, texts, type_text, wait, wait_quietly, walk,
+    WAYLAND, windows_of, WORDS)
 
 OFF = "Farview is currently turned off."
 ON = "Farview is currently on."
 ERROR = "There was a problem connecting to a device."
 HINT = "No device yet?"
 REFUSING = "Kitchen Laptop"
+SECOND_DEVICE = "Sofa"
 OTHER = "Connect To Other..."
 WHEEL = "Connecting"
 ACCESS = "Enable access for assistive devices"
@@ -138,7 +139,7 @@ def arrange_desktop():
     if WAYLAND:
         return None
     screens.start_window_manager()
-    screens.use_spare_output_once()
+    screens.use_spare_outputs_once()
     screens.draw_wallpaper()
     return screens.outputs()
 
@@ -161,8 +162,44 @@ def show_second_screen():
     wait("the tablet shows the pointer, too", lambda: not screens.is_exact_on_tablet())
     step("The desktop goes on to the right, on the tablet", "desktop")
     step("What the tablet shows: a window and the mouse pointer", "tablet", display=TABLET)
+    move_with_finger(second)
+    show_two_devices()
     pages.terminate()
     pages.wait(10)
+
+
+def place_of_pages():
+    return next(windows_of("display"), None)
+
+
+def move_with_finger(monitor):
+    """Takes the window by its title, on the tablet."""
+    width, height, left, top = monitor
+    before = place_of_pages()
+    begin = before[0] - left + before[2] // 2, before[1] - top - 8 * SHARPNESS
+    finger.TouchScreen(os.environ["TABLET_INPUT"], width, height).drag(begin, (begin[0] + width // 20, begin[1] + height // 6))
+    wait("the window follows the finger", lambda: place_of_pages()[1] > before[1] + height // 10)
+    step("A finger on the tablet has moved the window", "finger", display=TABLET)
+
+
+def show_two_devices():
+    sofa = start_tablet(SECOND_DEVICE, SECOND_TABLET)
+    tick(SECOND_DEVICE)
+    compare_digits(click, takes_pictures=False)
+    if not wait("the desktop has a third monitor", lambda: len(screens.monitors()) == 3):
+        return
+    wait("the second device is ticked", lambda: is_in_use(1))
+    screens.draw_wallpaper()
+    pages = screens.show_pages(screens.monitors()[2])
+    wait("the second tablet shows each pixel of its monitor", lambda: screens.is_exact_on_tablet(2, SECOND_TABLET))
+    step("Two devices at once: the panel says what the second one is doing", "two-devices")
+    step("The first one", "two-devices-first", display=TABLET)
+    step("The second one", "two-devices-second", display=SECOND_TABLET)
+    pages.terminate()
+    pages.wait(10)
+    if stop(sofa) != 0:
+        failures.append("a device ends cleanly")
+    wait("its monitor has gone", lambda: len(screens.monitors()) == 2)
 
 
 def let_the_wheel_stop():

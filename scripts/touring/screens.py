@@ -19,10 +19,11 @@ def monitors():
     return [tuple(map(int, place)) for place in re.findall(r"(\d+)/\d+x(\d+)/\d+\+(\d+)\+(\d+)", told)]
 
 
-def use_spare_output_once():
+def use_spare_outputs_once():
     """The driver of this display counts an output as connected from the first time that it was on."""
-    for wish in ("--addmode DUMMY1 first", "--output DUMMY1 --mode first", "--output DUMMY1 --off", "--delmode DUMMY1 first"):
-        subprocess.run(["xrandr", *wish.split()], check=True)
+    for name in ("DUMMY1", "DUMMY2"):
+        for wish in ("--addmode {} first", "--output {} --mode first", "--output {} --off", "--delmode {} first"):
+            subprocess.run(["xrandr", *wish.format(name).split()], check=True)
 
 
 def outputs():
@@ -80,10 +81,10 @@ def pixels(picture, *options):
                           capture_output=True).stdout
 
 
-def is_exact_on_tablet():
-    """Whether the tablet shows the second monitor's pixels, each of them."""
-    width, height, left, top = monitors()[1]
+def is_exact_on_tablet(number=1, display=TABLET):
+    """Whether the tablet shows the pixels of the monitor of that number, each of them; the main one is number 0."""
+    width, height, left, top = monitors()[number]
     desktop, tablet = os.path.join(HOME, "desktop.png"), os.path.join(HOME, "tablet.png")
     take_picture(desktop)
-    take_picture(tablet, TABLET)
+    take_picture(tablet, display)
     return pixels(desktop, "-crop", f"{width}x{height}+{left}+{top}") == pixels(tablet)

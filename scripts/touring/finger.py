@@ -2,6 +2,7 @@
 import os
 import socket
 import struct
+import time
 
 # Of the X server's driver "inputtest": messages begin with their length and kind.
 VERSION, SYNC, TOUCH = 0, 1, 6
@@ -26,11 +27,12 @@ class TouchScreen:
         self.socket.sendall(struct.pack("=II", 8, SYNC))
         self.socket.recv(8)
 
-    def drag(self, begin, end, steps=20):
-        """One finger from a place to another."""
+    def drag(self, begin, end, steps=10):
+        """One finger from a place to another, in small steps as a hand does: window managers look late where it began."""
         def between(step):
             return [first + (last - first) * step / steps for first, last in zip(begin, end)]
         self.touch(DOWN, *begin)
         for step in range(1, steps + 1):
+            time.sleep(0.05)
             self.touch(MOVE, *between(step))
         self.touch(UP, *end)

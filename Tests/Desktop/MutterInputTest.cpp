@@ -41,10 +41,11 @@ protected:
     {
         const auto area = geometry().area;
         bool isDone = false;
-        // Mutter moves windows away when it arranges monitors anew, which may come late.
-        for (int time = 0; time < 4 && !isDone; ++time) {
+        // Mutter arranges monitors twice after a change. A window that comes in between may go to
+        // another one, and Qt may forget to tell its new size.
+        for (int time = 0; time < 5 && !isDone; ++time) {
             mOthers.cover("Meta-1", area.width, area.height, geometry().scale, colour);
-            isDone = waitUntil([&] { return isCovered(); });
+            isDone = waitUntil([&] { return isCovered(); }, std::chrono::seconds(1 << time));
         }
         return isDone && hasKeyboard();
     }

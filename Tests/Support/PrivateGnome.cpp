@@ -65,8 +65,6 @@ PrivateGnome::PrivateGnome(const std::vector<std::string>& monitors, const std::
 std::unique_ptr<ChildProcess> PrivateGnome::start(const std::string& command)
 {
     const auto log = mFolder.path(command.substr(0, command.find(' ')) + ".log");
-    setenv("MUTTER_DEBUG", "screen-cast", 1);
-    setenv("G_MESSAGES_DEBUG", "all", 1);
     return std::make_unique<ChildProcess>(
         std::vector<std::string>{"sh", "-c", "exec " + command + " >'" + log + "' 2>&1"});
 }

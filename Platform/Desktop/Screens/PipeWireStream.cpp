@@ -6,6 +6,7 @@
 #include <spa/param/video/format-utils.h>
 #include <sys/eventfd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <exception>
@@ -18,13 +19,13 @@ namespace
 {
 
 // PipeWire drops a buffer that was not taken before the next one came, and another one that brings
-// nothing but the pointer often comes right after a frame. Then the picture stays old until
-// something changes, unless it is asked for.
-constexpr std::chrono::milliseconds patienceForFirst{500};
-constexpr std::chrono::milliseconds patience{1000};
-/// The answer may end with such a buffer, too: where nothing has changed, it is not asked for ever.
-constexpr int mostVainRefreshes = 3;
-constexpr std::chrono::seconds longestMemory{10};
+// nothing but the pointer often comes right after a frame; now and then nothing comes at all. Then
+// the picture stays old until something changes, unless it is asked for: soon when only the pointer
+// came, after a while when there seem to be no more frames, and less and less often when the answer
+// brings nothing new.
+constexpr std::chrono::milliseconds patience{200};
+constexpr std::chrono::milliseconds patienceAfterFrame{1000};
+constexpr std::chrono::milliseconds longestPatience{10'000};
 
 constexpr int longestSide = std::numeric_limits<std::int16_t>::max();
 
@@ -198,9 +199,8 @@ void PipeWireStream::ask(const Size& size)
 
 void PipeWireStream::release(const Release& held)
 {
-    if (held.size != mSize || !std::exchange(mIsHeld, false))
-        return;
-    if (held.isOld && mNewest) {
+    const bool wasHeld = std::exchange(mShown, held.size) != mSize;
+    if (wasHeld && held.isOld && mNewest) {
         pw_stream_queue_buffer(mStream.get(), std::exchange(mNewest, nullptr));
         refresh(0);
     }
@@ -248,10 +248,10 @@ void PipeWireStream::useFormat(Size size)
 {
     const auto count = static_cast<std::size_t>(size.width) * size.height;
     mPixels = std::make_shared<std::vector<std::uint32_t>>(count);
-    mIsHeld = mIsHeld || size != mSize;
     mSize = size;
     mIsFirst = true;
-    refreshIn(patienceForFirst);
+    mIsInDoubt = true;
+    refreshIn(mPatience = patience);
     mScreen->setBuffer({mPixels->data(), size.width, size.height, size.width}, mPixels);
     ParameterMemory memory;
     std::array parameters = {
@@ -274,8 +274,10 @@ void PipeWireStream::process()
         const bool hasPixels = pixelsIn(*buffer->buffer, mSize.width, mSize.height).has_value();
         if (hasPixels)
             std::swap(buffer, mNewest);
-        if (!mIsFirst || hasPixels)
-            refreshIn(hasPixels ? std::chrono::milliseconds(0) : patience);
+        if (const bool wasInDoubt = std::exchange(mIsInDoubt, !hasPixels); hasPixels)
+            refreshIn(std::max(mPatience, patienceAfterFrame));
+        else if (!wasInDoubt)
+            refreshIn(mPatience);
         if (buffer)
             pw_stream_queue_buffer(mStream.get(), buffer);
     }
@@ -285,20 +287,12 @@ void PipeWireStream::process()
 /// Has the node send a whole frame, as each node does that begins to stream.
 void PipeWireStream::refresh(std::uint64_t)
 {
-    const auto now = std::chrono::steady_clock::now();
-    if (now > mRefreshed + longestMemory)
-        mVainRefreshes = 0;
-    if (!mIsFirst && mVainRefreshes >= mostVainRefreshes)
-        return;
-    mRefreshed = now;
-    ++mVainRefreshes;
     pw_stream_set_active(mStream.get(), false);
     pw_stream_set_active(mStream.get(), true);
-    if (mIsFirst)
-        refreshIn(patienceForFirst);
+    refreshIn(mPatience = std::min(2 * mPatience, longestPatience));
 }
 
-/// Instead of when it was due before; 0: not at all.
+/// Instead of when it was due before.
 void PipeWireStream::refreshIn(std::chrono::milliseconds delay)
 {
     const std::chrono::nanoseconds rest = delay % std::chrono::seconds(1);
@@ -327,7 +321,7 @@ void PipeWireStream::wake(int descriptor, std::uint32_t)
 
 void PipeWireStream::copyNewest()
 {
-    if (mIsHeld || !mNewest || !mScreen->beginFrame())
+    if (mSize != mShown || !mNewest || !mScreen->beginFrame())
         return;
     const bool isNews = mScreen->endFrame(copy(*mNewest->buffer));
     pw_stream_queue_buffer(mStream.get(), std::exchange(mNewest, nullptr));
@@ -343,7 +337,7 @@ std::vector<PixelRect> PipeWireStream::copy(const spa_buffer& buffer)
         return {};
     auto changes = copyChangedRows(*view, mPixels->data());
     if (!changes.empty())
-        mVainRefreshes = 0;
+        mPatience = patience;
     if (std::exchange(mIsFirst, false))
         changes = {pixelRect(0, 0, mSize.width, mSize.height)};
     return changes;

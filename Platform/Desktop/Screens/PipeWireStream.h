@@ -109,11 +109,11 @@ private:
     spa_hook mHook{};
     spa_hook mCoreHook{};
     spa_source* mTimer = nullptr;
-    std::chrono::steady_clock::time_point mRefreshed;
-    int mVainRefreshes = 0;
+    std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
+    bool mIsInDoubt = true;                 ///< a frame may have been lost
     Size mSize;
+    Size mShown; ///< frames of another size are held back
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;
-    bool mIsHeld = false;
     pw_buffer* mNewest = nullptr; ///< not copied yet: a frame is out, or held back
     CursorImage mPointer;
     bool mIsFirst = true; ///< of its size

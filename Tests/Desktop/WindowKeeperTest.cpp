@@ -60,6 +60,7 @@ protected:
             mListener);
         ASSERT_TRUE(waitUntil([&] { return mListener->geometry || mListener->end; }));
         ASSERT_TRUE(mListener->geometry) << int(*mListener->end);
+        ASSERT_TRUE(waitUntil([&] { return mWindows.isScreenKnown(); }));
     }
     void disappear() { mScreen.reset(); }
 
@@ -199,6 +200,8 @@ TEST_P(WindowsOn, MoveWithoutBeingShownWhereTheyAreMinimisedOrOnAnotherWorkspace
 
 TEST_P(WindowsOn, ThatWereMadeThereComeIntoSightAndReturn)
 {
+    // Openbox overlooks a monitor that comes while it starts: it must have taken a window.
+    mWindows.open(home);
     appear();
     const auto window = mWindows.open(away);
     place(window, {3000, 700, 500, 250});
@@ -232,7 +235,8 @@ TEST_P(WindowsOn, GoBackWhenTheServerWasKilled)
                                    FARVIEW_MONITOR_WATCHER, [](const auto&) {});
         ::pause();
     });
-    ASSERT_TRUE(waitUntil([&] { return mOthers.area(1).width == 1600; }));
+    ASSERT_TRUE(
+        waitUntil([&] { return mOthers.area(1).width == 1600 && mWindows.isScreenKnown(); }));
     place(window, away);
     place(full, away);
     set(full, {"FULLSCREEN"});

@@ -10,7 +10,6 @@
 #include <iterator>
 #include <memory>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace
 {
@@ -74,11 +73,6 @@ PrivateWindowManager::PrivateWindowManager(const std::vector<std::string>& comma
 {
     if (!waitUntil(isManaged, std::chrono::seconds(30)))
         throw std::runtime_error("no window manager: " + command.back());
-}
-
-bool PrivateWindowManager::isInstalled(const std::vector<std::string>& command)
-{
-    return ::access(("/usr/bin/" + command.front()).c_str(), X_OK) == 0;
 }
 
 ProgramWindows::ProgramWindows() : mConnection(xcb_connect(nullptr, nullptr))
@@ -169,6 +163,13 @@ std::uint32_t ProgramWindows::workspace(xcb_window_t window)
 {
     const auto found = numbers(window, "_NET_WM_DESKTOP");
     return found.empty() ? 0 : found.front();
+}
+
+bool ProgramWindows::isScreenKnown()
+{
+    const auto screen = area(mRoot);
+    return numbers(mRoot, "_NET_DESKTOP_GEOMETRY") ==
+           std::vector{number(screen.width), number(screen.height)};
 }
 
 bool ProgramWindows::hasNote(xcb_window_t window)

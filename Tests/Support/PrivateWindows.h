@@ -19,9 +19,6 @@ public:
 
     ChildProcess& process() { return mProcess; }
 
-    /// Whether the first word of the command is a program of this computer.
-    static bool isInstalled(const std::vector<std::string>& command);
-
 private:
     TemporaryFolder mFolder;
     ChildProcess mProcess;
@@ -60,6 +57,9 @@ public:
     /// and STICKY that it has.
     States states(xcb_window_t window);
     std::uint32_t workspace(xcb_window_t window);
+    /// Whether the window manager knows how large the screen is now. One that does not yet know a
+    /// new monitor lets a window go there, and takes it back later.
+    bool isScreenKnown();
     /// Whether something of ours is written on it.
     bool hasNote(xcb_window_t window);
 

@@ -40,7 +40,7 @@ struct Manager {
 
 const Manager openbox{"Openbox", {"openbox"}};
 /// Its settings come over a bus.
-const Manager xfwm{"Xfwm", {"dbus-run-session", "--", "xfwm4", "--compositor=off"}};
+const Manager xfwm{"Xfwm", {"xfwm4", "--compositor=off"}};
 const Manager metacity{"Metacity", {"metacity", "--no-composite"}};
 const Manager kwin{"KWin", {"kwin_x11"}};
 

@@ -53,10 +53,11 @@ bool isManaged()
 }
 
 /// Without anything of the user's settings, and without the graphics processor.
-ChildProcess::Environment environmentIn(const TemporaryFolder& folder)
+ChildProcess::Environment environmentIn(const TemporaryFolder& folder, const PrivateBus& bus)
 {
     return {{"HOME", folder.path()},
             {"XDG_RUNTIME_DIR", folder.path()},
+            {"DBUS_SESSION_BUS_ADDRESS", bus.address()},
             {"XDG_CONFIG_HOME", folder.path("config")},
             {"XDG_CACHE_HOME", folder.path("cache")},
             {"GSETTINGS_BACKEND", "memory"},
@@ -69,7 +70,7 @@ std::uint32_t number(int value) { return static_cast<std::uint32_t>(value); }
 } // namespace
 
 PrivateWindowManager::PrivateWindowManager(const std::vector<std::string>& command)
-    : mProcess(command, environmentIn(mFolder))
+    : mProcess(command, environmentIn(mFolder, mBus))
 {
     if (!waitUntil(isManaged, std::chrono::seconds(30)))
         throw std::runtime_error("no window manager: " + command.back());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <xcb/xcb.h>
@@ -10,7 +11,8 @@
 #include <string>
 #include <vector>
 
-/// A window manager on the display of this process. Ends with the object.
+/// A window manager on the display of this process, with a session bus of its own. Ends with the
+/// object.
 class PrivateWindowManager
 {
 public:
@@ -21,6 +23,7 @@ public:
 
 private:
     TemporaryFolder mFolder;
+    PrivateBus mBus;
     ChildProcess mProcess;
 };
 

@@ -33,7 +33,7 @@ protected:
         bringToFront();
     }
     QTableView* table() const { return find<QTableView>("autoConnectTable"); }
-    QWidget* line() const { return find<QWidget>("dropLine"); }
+    QWidget* line() const { return table()->findChild<QWidget*>(u"dropLine"_qs); }
     QLabel* orderHint() const { return find<QLabel>("orderHintLabel"); }
 
     QPoint onScreen(QPoint place) const { return table()->viewport()->mapToGlobal(place); }

@@ -2,11 +2,11 @@
 
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/PrivateXServer.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <xcb/xcb.h>
 
-#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -32,18 +32,7 @@ private:
 class ProgramWindows
 {
 public:
-    struct Area {
-        int x = 0;
-        int y = 0;
-        int width = 0;
-        int height = 0;
-
-        bool operator==(const Area&) const = default;
-        friend std::ostream& operator<<(std::ostream& out, const Area& area)
-        {
-            return out << area.width << "x" << area.height << "+" << area.x << "+" << area.y;
-        }
-    };
+    using Area = ScreenArranger::Area;
     using States = std::set<std::string>;
 
     ProgramWindows();

@@ -6,6 +6,7 @@
 #include <xcb/randr.h>
 
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,10 @@ public:
         int height = 0;
 
         bool operator==(const Area&) const = default;
+        friend std::ostream& operator<<(std::ostream& out, const Area& area)
+        {
+            return out << area.width << "x" << area.height << "+" << area.x << "+" << area.y;
+        }
     };
 
     explicit ScreenArranger(const std::string& display);

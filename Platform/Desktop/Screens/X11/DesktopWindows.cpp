@@ -26,17 +26,6 @@ xcb_get_property_cookie_t askFor(xcb_connection_t* connection, xcb_window_t wind
     return xcb_get_property(connection, 0, window, name, XCB_ATOM_ANY, 0, mostNumbers);
 }
 
-std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_get_property_cookie_t cookie)
-{
-    const XReply<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection, cookie, nullptr));
-    if (!reply || reply->format != 32 ||
-        !holds(*reply, sizeof *reply + std::size_t{4} * reply->value_len))
-        return {};
-    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return {first, first + reply->value_len};
-}
-
 bool contains(const std::vector<std::uint32_t>& numbers, std::uint32_t number)
 {
     return std::find(numbers.begin(), numbers.end(), number) != numbers.end();

@@ -115,13 +115,7 @@ std::vector<MonitorJournal> readJournals(const RandrServer& server)
     const auto cookie =
         xcb_get_property(connection, 0, server.root(), atomNamed(connection, propertyName),
                          XCB_ATOM_CARDINAL, 0, journalSize * mostMonitors + 1);
-    const XReply<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection, cookie, nullptr));
-    if (!reply || reply->format != 32 ||
-        !holds(*reply, sizeof *reply + std::size_t{4} * reply->value_len))
-        return {};
-    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return journalsOf({first, reply->value_len});
+    return journalsOf(numbersOf(connection, cookie));
 }
 
 void writeJournal(const RandrServer& server, const MonitorJournal& journal)

@@ -64,4 +64,15 @@ xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name)
     return reply ? reply->atom : 0;
 }
 
+std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_get_property_cookie_t cookie)
+{
+    const XReply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection, cookie, nullptr));
+    if (!reply || reply->format != 32 ||
+        !holds(*reply, sizeof *reply + std::size_t{4} * reply->value_len))
+        return {};
+    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
+}
+
 } // namespace farview

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace farview
 {
@@ -102,5 +103,9 @@ template <typename Reply> bool holds(const Reply& reply, std::size_t bytes)
     constexpr std::size_t leastSize = 32;
     return bytes <= leastSize + std::size_t{4} * reply.length;
 }
+
+/// The numbers of a property that was asked for; none when there is none, or of another kind.
+std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection,
+                                     xcb_get_property_cookie_t cookie);
 
 } // namespace farview

@@ -18,6 +18,9 @@ constexpr double notch = 10;
 /// to tell when they leave it.
 constexpr unsigned isSteady = 8;
 
+/// Users' fingers are those below.
+constexpr unsigned fingerOfNobody = 16;
+
 enum Axis : unsigned { vertical = 0, horizontal = 1 };
 
 int codeOf(PointerButton button)
@@ -48,7 +51,10 @@ void MutterInput::makeDevices()
         return;
     const QVariant stream = mSession.streamPath();
     mSession.notify("NotifyPointerMotionAbsolute", {stream, 0.0, 0.0});
-    mSession.notify("NotifyTouchDown", {stream, 0U, 0.0, 0.0});
+    // Mutter drops it, unless it is slow and the monitor has come: a finger that no user has, and
+    // that must not stay down.
+    mSession.notify("NotifyTouchDown", {stream, fingerOfNobody, 0.0, 0.0});
+    mSession.notify("NotifyTouchUp", {fingerOfNobody});
     mSession.notify("NotifyKeyboardKeycode", {unsigned{KEY_RESERVED}, true});
 }
 

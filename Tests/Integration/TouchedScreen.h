@@ -6,7 +6,6 @@
 #include "Tests/Support/PrivateXServer.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <string>

@@ -210,12 +210,22 @@ void AutoConnector::considerSoon()
 
 void AutoConnector::consider()
 {
-    if (!mHasSettled)
+    const bool isFirst = mServer.isIdle();
+    const bool takesFurther =
+        mServer.takesFurther() && mServices.preferences.autoConnectAllDevices();
+    if (!mHasSettled || !(isFirst || takesFurther) || (isFirst && bringBack()) || !isWanted())
         return;
-    if (mServer.isIdle())
-        considerFirst();
-    else if (isWanted() && mServices.preferences.autoConnectAllDevices() && mServer.takesFurther())
-        considerFurther();
+    const ServiceList services = mBrowser->activeServiceList();
+    const Names never = heldOff(services);
+    Names notNow = never;
+    notNow.insert(mTried.begin(), mTried.end());
+    const auto stranger = choice(services, mLeftAlone);
+    if (const auto target = choice(services, notNow))
+        tryOnce(target->serviceName, *target);
+    else if (choice(services, never))
+        pause();
+    else if (isFirst)
+        mServer.strangerIsInSight(stranger ? stranger->serviceName : "");
 }
 
 /// Those that are used, were never confirmed, or that the user wants to be left alone.
@@ -238,38 +248,6 @@ std::optional<DeviceTarget> AutoConnector::choice(const ServiceList& services,
         return std::nullopt;
     const NetService& service = *services[*index];
     return DeviceTarget{service.hostName().value_or(""), service.name(), service.endpoints()};
-}
-
-void AutoConnector::considerFirst()
-{
-    if (bringBack() || !isWanted())
-        return;
-    const ServiceList services = mBrowser->activeServiceList();
-    const Names never = heldOff(services);
-    Names notNow = never;
-    notNow.insert(mTried.begin(), mTried.end());
-    const auto stranger = choice(services, mLeftAlone);
-    if (const auto target = choice(services, notNow))
-        tryOnce(target->serviceName, *target);
-    else if (choice(services, never))
-        pause();
-    else
-        mServer.strangerIsInSight(stranger ? stranger->serviceName : "");
-}
-
-void AutoConnector::considerFurther()
-{
-    const ServiceList services = mBrowser->activeServiceList();
-    const Names never = heldOff(services);
-    Names notNow = never;
-    notNow.insert(mTried.begin(), mTried.end());
-    if (const auto target = choice(services, notNow)) {
-        mTried.insert(target->serviceName);
-        mServer.connectFurtherByItself(*target);
-        considerSoon();
-    } else if (choice(services, never)) {
-        pause();
-    }
 }
 
 /// Whether the device that the user chose is the only one to think of now.

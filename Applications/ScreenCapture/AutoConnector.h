@@ -32,11 +32,9 @@ public:
     virtual bool takesFurther() const = 0;
     /// Whether the device of that host is used, or is to be.
     virtual bool uses(const std::string& hostName) const = 0;
-    /// Begins to connect to a device, of which one endpoint at least is known. What becomes of it
-    /// is told to the connector, never inside this call.
+    /// Begins to connect to a device, of which one endpoint at least is known; beside the first one
+    /// when there is one. What becomes of it is told to the connector.
     virtual void connectByItself(const DeviceTarget& target) = 0;
-    /// The same for one that is used beside the first.
-    virtual void connectFurtherByItself(const DeviceTarget& target) = 0;
     /// A ticked device would be connected to, had the user ever confirmed it; empty: no longer.
     virtual void strangerIsInSight(const std::string& serviceName) = 0;
 };
@@ -105,8 +103,6 @@ private:
     void welcome(const NetService& service);
     void considerSoon();
     void consider();
-    void considerFirst();
-    void considerFurther();
     bool bringBack();
     Names strangers(const ServiceList& services) const;
     Names heldOff(const ServiceList& services) const;

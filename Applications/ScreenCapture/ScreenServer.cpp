@@ -196,18 +196,14 @@ bool ScreenServer::tookOverFurther(const std::string& hostName)
 void ScreenServer::connectByItself(const DeviceTarget& target)
 {
     mServices.log.write(LogLevel::info, "Connecting to " + target.deviceName + " by itself");
-    if (tookOverFurther(target.deviceName)) {
+    if (mFirst->isConnected()) {
+        mFurther.add(target.deviceName, true);
+    } else if (tookOverFurther(target.deviceName)) {
         deviceCame();
-        return;
+    } else {
+        mFirst->aim(target, true);
+        mFirst->begin();
     }
-    mFirst->aim(target, true);
-    mFirst->begin();
-}
-
-void ScreenServer::connectFurtherByItself(const DeviceTarget& target)
-{
-    mServices.log.write(LogLevel::info, "Also connecting to " + target.deviceName + " by itself");
-    mFurther.add(target.deviceName, true);
 }
 
 /// Ends the connection or whatever is under way; says so when there was a connection.

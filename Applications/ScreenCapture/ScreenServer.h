@@ -99,7 +99,6 @@ public:
     bool takesFurther() const override;
     bool uses(const std::string& hostName) const override;
     void connectByItself(const DeviceTarget& target) override;
-    void connectFurtherByItself(const DeviceTarget& target) override;
     void strangerIsInSight(const std::string& serviceName) override;
 
 private:

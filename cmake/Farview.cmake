@@ -117,6 +117,26 @@ function(farview_program NAME)
   endif()
 endfunction()
 
+# farview_wayland_protocols(NAME description.xml ...): makes <wayland-protocols/description.h> and what goes with it.
+find_program(WAYLAND_SCANNER wayland-scanner REQUIRED)
+function(farview_wayland_protocols NAME)
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${NAME})
+  file(MAKE_DIRECTORY ${folder}/wayland-protocols)
+  foreach(description ${ARGN})
+    cmake_path(ABSOLUTE_PATH description)
+    cmake_path(GET description STEM stem)
+    add_custom_command(
+      OUTPUT ${folder}/wayland-protocols/${stem}.h ${folder}/${stem}.c
+      COMMAND ${WAYLAND_SCANNER} client-header ${description} ${folder}/wayland-protocols/${stem}.h
+      COMMAND ${WAYLAND_SCANNER} private-code ${description} ${folder}/${stem}.c
+      DEPENDS ${description} VERBATIM)
+    list(APPEND sources ${folder}/${stem}.c ${folder}/wayland-protocols/${stem}.h)
+  endforeach()
+  add_library(${NAME} STATIC ${sources})
+  target_include_directories(${NAME} SYSTEM PUBLIC ${folder})
+  target_link_libraries(${NAME} PUBLIC PkgConfig::WAYLAND)
+endfunction()
+
 # farview_test(NAME SOURCES ... [LINK ...] [LABELS ...] [TIMEOUT seconds] [QT] [OWN_MAIN] [SEPARATELY])
 # A GoogleTest program; each of its tests becomes one of ctest's. OWN_MAIN: the sources bring a main(). SEPARATELY: they
 # use the same names for different things, and are compiled one by one.

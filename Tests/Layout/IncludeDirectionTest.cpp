@@ -86,6 +86,8 @@ std::string libraryOf(const std::string& header)
         if (header.starts_with(std::string(library) + "/"))
             return library;
     }
+    if (header.starts_with("wayland-"))
+        return "wayland";
     // Its headers come in two families.
     if (header.starts_with("pipewire/") || header.starts_with("spa/"))
         return "pipewire";

@@ -19,7 +19,8 @@ public:
     /// has died.
     DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher)
         : mX11(loop, std::move(watcher)), mMutter(loop, bus),
-          mBackends(bus, sessionFacts(), mX11, mMutter)
+          mBackends(bus, sessionFacts(),
+                    {{ScreenBackend::x11, &mX11}, {ScreenBackend::mutter, &mMutter}})
     {
     }
 

@@ -3,7 +3,8 @@
 #include "Platform/Desktop/Bus/SessionBus.h"
 #include "Platform/VirtualScreens.h"
 
-#include <functional>
+#include <map>
+#include <memory>
 #include <string>
 
 namespace farview
@@ -15,11 +16,14 @@ struct SessionFacts {
     std::string waylandDisplay; ///< $WAYLAND_DISPLAY
     std::string display;        ///< $DISPLAY
     std::string desktop;        ///< $XDG_CURRENT_DESKTOP: "ubuntu:GNOME"
+    std::string swaySocket;     ///< $SWAYSOCK
+    std::string hyprland;       ///< $HYPRLAND_INSTANCE_SIGNATURE
+    bool isSandboxed = false;   ///< a sandbox lets this process ask a portal, and nobody else
     bool hasMutter = false;     ///< somebody owns org.gnome.Mutter.ScreenCast on the session bus
 };
 
 /// Who can be asked for monitors.
-enum class ScreenBackend { none, x11, mutter };
+enum class ScreenBackend { none, x11, mutter, wlroots, kwin, portal };
 
 /// On Wayland an X server may serve older programs: it has no monitors to give.
 ScreenBackend screenBackendFor(const SessionFacts& facts);
@@ -27,25 +31,30 @@ ScreenBackend screenBackendFor(const SessionFacts& facts);
 /// What this process's environment says; the bus is not asked.
 SessionFacts sessionFacts();
 
-/// Monitors of whatever desktop this is. Main thread only; what it chooses from must live longer.
+/// Monitors of whatever desktop this is. Where a Wayland desktop has no way for us, its portal may
+/// have one. Main thread only; what it chooses from must live longer.
 class ScreenBackends final : public VirtualScreens
 {
 public:
-    ScreenBackends(SessionBus& bus, SessionFacts facts, VirtualScreens& x11,
-                   VirtualScreens& mutter);
+    using Bodies = std::map<ScreenBackend, VirtualScreens*>;
+
+    ScreenBackends(SessionBus& bus, SessionFacts facts, Bodies bodies);
 
     void availability(std::weak_ptr<void> target, Answer then) override;
     std::unique_ptr<VirtualScreen> open(const ScreenWish& wish, Delegate delegate) override;
 
 private:
-    void lookForMutter(std::function<void()> then);
-    VirtualScreens* chosen() const;
+    void choose(const Answer& then);
+    void ask(const Answer& then);
+    void askPortal(const ScreenAvailability& found, const Answer& then);
+    VirtualScreens* bodyOf(ScreenBackend backend) const;
 
     SessionBus& mBus;
     SessionFacts mFacts;
-    VirtualScreens& mX11;
-    VirtualScreens& mMutter;
+    Bodies mBodies;
+    ScreenBackend mChosen;
     QObject mAsker;
+    std::shared_ptr<void> mLife = std::make_shared<int>();
 };
 
 } // namespace farview

@@ -77,9 +77,8 @@ public:
     /// As if it had been resolved before: fills in host, record and endpoints, tells nobody.
     void makeResolved()
     {
-        mHostName.reset();
-        if (!mDevice->hostName.empty())
-            mHostName = mDevice->hostName;
+        const auto& host = mDevice->hostName;
+        mHostName = host.empty() ? std::nullopt : std::optional(host);
         mTXTRecord = mDevice->TXTRecordData();
         mEndpoints = mDevice->endpoints;
     }

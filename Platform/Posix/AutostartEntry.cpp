@@ -56,7 +56,7 @@ bool isSwitchedOff(std::string_view entry)
 
 /// Within quotes a shell's special characters are escaped; the backslash of each escape is then
 /// doubled, because the line is a text value; a percent sign would begin a field code.
-std::string quoted(std::string_view part)
+std::string inQuotes(std::string_view part)
 {
     std::string result = "\"";
     for (const char letter : part) {
@@ -97,7 +97,7 @@ std::string execLine(const LoginItem::Command& command)
     for (const auto& part : command) {
         if (std::any_of(part.begin(), part.end(), isControl))
             return {};
-        line += (line.empty() ? "" : " ") + quoted(part);
+        line += (line.empty() ? "" : " ") + inQuotes(part);
     }
     return line;
 }

@@ -111,7 +111,7 @@ int forgetComputer(const std::string& keyBeginning)
     desktop.platform().distributedNotificationCenter->postNotificationName(kPairedDevicesDidChange,
                                                                            "", {}, atOnce);
     // What is posted has left when the bus answers a later question.
-    desktop.sessionBus().askForOwner({}, qApp, [](bool) { end(0, u"Forgotten"_qs); });
+    desktop.sessionBus().askForOwner({}, qApp, [](const QString&) { end(0, u"Forgotten"_qs); });
     return QCoreApplication::exec();
 }
 

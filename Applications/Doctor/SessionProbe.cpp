@@ -27,7 +27,9 @@ public:
     {
         ++mOpen;
         mBus.askForOwner(QString::fromStdString(applicationBusName(identifier)), &mBus,
-                         [self = shared_from_this(), fact](bool runs) { self->take(fact, runs); });
+                         [self = shared_from_this(), fact](const QString& owner) {
+                             self->take(fact, !owner.isEmpty());
+                         });
     }
     void askWhetherWindowsMayBeMoved(Accessibility& accessibility)
     {

@@ -26,7 +26,10 @@ public:
     }
     bool hasOwner(const std::string& name)
     {
-        return answer([&](auto then) { askForOwner(QString::fromStdString(name), this, then); });
+        return answer([&](auto then) {
+            askForOwner(QString::fromStdString(name), this,
+                        [then](const QString& owner) { then(!owner.isEmpty()); });
+        });
     }
 
 private:

@@ -13,6 +13,8 @@ namespace farview
 namespace
 {
 
+const QString busName = QStringLiteral("org.freedesktop.DBus");
+
 constexpr Duration firstPause{0.1};
 
 /// Connections are named process-wide, but host and pane have one each, and a dead one cannot be
@@ -88,10 +90,7 @@ void BusConnection::close()
 
 void BusConnection::checkOwner()
 {
-    const QString bus = QStringLiteral("org.freedesktop.DBus");
-    auto call = QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus,
-                                               QStringLiteral("GetConnectionUnixUser"));
-    call << bus;
+    const auto call = busCall(QStringLiteral("GetConnectionUnixUser")) << busName;
     auto* watcher =
         new QDBusPendingCallWatcher(mConnection->asyncCall(call, mPlace.patience), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
@@ -173,6 +172,22 @@ void BusConnection::ask(const QDBusMessage& message, QObject* asker, Answer answ
                 watcher->deleteLater();
                 answer(watcher->reply());
             });
+}
+
+void BusConnection::askForOwner(const QString& name, QObject* asker,
+                                std::function<void(const QString& owner)> then)
+{
+    // From Qt 6.8 on, at the latest, an answer does not tell who gave it.
+    ask(busCall(QStringLiteral("GetNameOwner")) << name, asker,
+        [then = std::move(then)](const QDBusMessage& reply) {
+            then(reply.signature() == u"s" ? reply.arguments().at(0).toString() : QString());
+        });
+}
+
+QDBusMessage BusConnection::busCall(const QString& member)
+{
+    return QDBusMessage::createMethodCall(busName, QStringLiteral("/org/freedesktop/DBus"), busName,
+                                          member);
 }
 
 void BusConnection::send(const QDBusMessage& message)

@@ -51,8 +51,16 @@ public:
     /// by then. Until the first attempt to connect is over, calls wait for its end. `limit` is in
     /// milliseconds.
     void ask(const QDBusMessage& message, QObject* asker, Answer answer, int limit = 5000);
-    /// The same for a signal, or a call whose answer is of no interest. Lost while there is no bus.
+    /// Asks for the unique name of whoever has that name, which keeps others' signals out; empty
+    /// when nobody has it, or there is no bus.
+    void askForOwner(const QString& name, QObject* asker,
+                     std::function<void(const QString& owner)> then);
+    /// The same as `ask` for a signal, or a call whose answer is of no interest. Lost while there
+    /// is no bus.
     void send(const QDBusMessage& message);
+
+    /// A call to the bus itself.
+    static QDBusMessage busCall(const QString& member);
 
 Q_SIGNALS:
     /// `again`: the bus had been missing before. What waited is sent after this.

@@ -25,10 +25,10 @@ void BusNameWatcher::watch()
     // Subscribed before the question is asked, so no change can fall in between.
     mWatcher.setConnection(mBus.connection());
     mHeardOfAChange = false;
-    mBus.askForOwner(mName, this, [this](bool isOwned) {
+    mBus.askForOwner(mName, this, [this](const QString& owner) {
         // Answer and change come by different ways: the answer may be the older one.
         if (!mHeardOfAChange)
-            tell(isOwned);
+            tell(!owner.isEmpty());
     });
 }
 

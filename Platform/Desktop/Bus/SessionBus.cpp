@@ -10,8 +10,6 @@ namespace
 constexpr Duration longestPause{30.0};
 constexpr int patience = 5000; // milliseconds
 
-const QString busName = QStringLiteral("org.freedesktop.DBus");
-
 constexpr unsigned doNotQueue = 4;
 constexpr unsigned nowPrimaryOwner = 1;
 constexpr unsigned alreadyOwner = 4;
@@ -22,12 +20,6 @@ SessionBus::SessionBus(Log& log)
     : BusConnection(log, {"session", address, Owner::thisUser, longestPause, patience})
 {
     connectNow();
-}
-
-QDBusMessage SessionBus::busCall(const QString& member)
-{
-    return QDBusMessage::createMethodCall(busName, QStringLiteral("/org/freedesktop/DBus"), busName,
-                                          member);
 }
 
 void SessionBus::requestName(const std::string& name, QObject* asker,
@@ -44,15 +36,6 @@ void SessionBus::requestName(const std::string& name, QObject* asker,
 void SessionBus::releaseName(const std::string& name)
 {
     send(busCall(QStringLiteral("ReleaseName")) << QString::fromStdString(name));
-}
-
-void SessionBus::askForOwner(const QString& name, QObject* asker,
-                             std::function<void(bool isOwned)> then)
-{
-    ask(busCall(QStringLiteral("NameHasOwner")) << name, asker,
-        [then = std::move(then)](const QDBusMessage& reply) {
-            then(reply.signature() == u"b" && reply.arguments().at(0).toBool());
-        });
 }
 
 QString SessionBus::address()

@@ -26,12 +26,6 @@ public:
     void requestName(const std::string& name, QObject* asker,
                      std::function<void(bool isOurs)> then);
     void releaseName(const std::string& name);
-    /// Asks whether anybody has that name; without a bus nobody has.
-    void askForOwner(const QString& name, QObject* asker, std::function<void(bool isOwned)> then);
-
-    /// A call to the bus itself.
-    static QDBusMessage busCall(const QString& member);
-
     /// Where the session bus is: DBUS_SESSION_BUS_ADDRESS, else the socket in XDG_RUNTIME_DIR;
     /// empty when neither is known.
     static QString address();

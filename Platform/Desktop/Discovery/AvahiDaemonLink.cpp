@@ -76,14 +76,18 @@ void AvahiDaemonLink::askDaemon()
 
 void AvahiDaemonLink::handleDaemonAnswer(const QDBusMessage& reply)
 {
-    if (reply.type() == QDBusMessage::ReplyMessage)
-        meetDaemon(reply.service());
-    else
-        setPresence(Presence::absent);
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return setPresence(Presence::absent);
+    mBus.askForOwner(daemonName, this, [this, question = mQuestion](const QString& owner) {
+        if (question == mQuestion && mBus.isConnected())
+            meetDaemon(owner);
+    });
 }
 
 void AvahiDaemonLink::meetDaemon(const QString& owner)
 {
+    if (owner.isEmpty())
+        return setPresence(Presence::absent);
     mOwner = owner;
     ++mDaemonNumber;
     listenToDaemon();

@@ -217,9 +217,9 @@ private:
     /// Tells one that hangs, which runs, from one that has just died.
     void useSilence(const Application& application)
     {
-        mBus.askForOwner(application.busName, this, [this, application](bool isOwned) {
+        mBus.askForOwner(application.busName, this, [this, application](const QString& owner) {
             if (mBus.isConnected())
-                useAnswer(application, isOwned);
+                useAnswer(application, !owner.isEmpty());
             else
                 startUnlessItRuns(application);
         });

@@ -82,8 +82,8 @@ void ScreenBackends::availability(std::weak_ptr<void> target, Answer then)
 void ScreenBackends::choose(const Answer& then)
 {
     mBus.askForOwner(QStringLiteral("org.gnome.Mutter.ScreenCast"), &mAsker,
-                     [this, then](bool isOwned) {
-                         mFacts.hasMutter = isOwned;
+                     [this, then](const QString& owner) {
+                         mFacts.hasMutter = !owner.isEmpty();
                          mChosen = screenBackendFor(mFacts);
                          ask(then);
                      });

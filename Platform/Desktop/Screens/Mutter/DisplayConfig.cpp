@@ -36,13 +36,15 @@ void DisplayConfig::ask()
         return;
     mAskAgain = mIsAsking;
     if (!std::exchange(mIsAsking, true))
-        mBus.ask(callOf("GetCurrentState"), this, [this](const auto& reply) { take(reply); });
+        mBus.askForOwner(service, this, [this](const QString& owner) {
+            listenTo(owner);
+            mBus.ask(callOf("GetCurrentState"), this, [this](const auto& reply) { take(reply); });
+        });
 }
 
 void DisplayConfig::take(const QDBusMessage& reply)
 {
     mIsAsking = false;
-    listenTo(reply.service());
     if (mIsApplying)
         return;
     if (std::exchange(mAskAgain, false))
@@ -51,7 +53,6 @@ void DisplayConfig::take(const QDBusMessage& reply)
     mUse(state ? &*state : nullptr);
 }
 
-/// To Mutter's own name on the bus, which only its answer tells.
 void DisplayConfig::listenTo(const QString& owner)
 {
     if (owner.isEmpty() || std::exchange(mOwner, owner) == owner)

@@ -117,6 +117,15 @@ void MutterSession::call(const QDBusMessage& message, const QString& signature,
 
 void MutterSession::prepare()
 {
+    mBus.askForOwner(remoteDesktop, this, [this](const QString& owner) {
+        mOwner = owner;
+        if (!mIsStopped)
+            create();
+    });
+}
+
+void MutterSession::create()
+{
     // Not asked by this object: a session that comes after its end must be stopped, too.
     mBus.ask(callOf(remoteDesktop, remoteDesktopPath, remoteDesktop, "CreateSession"), &mBus,
              [self = QPointer(this), bus = &mBus](const QDBusMessage& reply) {
@@ -129,7 +138,6 @@ void MutterSession::prepare()
 
 void MutterSession::useSession(const QDBusMessage& reply)
 {
-    mOwner = reply.service();
     mSession = pathIn(reply);
     auto get =
         callOf(remoteDesktop, mSession, QStringLiteral("org.freedesktop.DBus.Properties"), "Get");

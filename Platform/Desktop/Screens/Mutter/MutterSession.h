@@ -59,6 +59,7 @@ private:
               void (MutterSession::*use)(const QDBusMessage& reply));
     void use(const QDBusMessage& reply, const QString& signature,
              void (MutterSession::*use)(const QDBusMessage& reply));
+    void create();
     void useSession(const QDBusMessage& reply);
     void useIdentifier(const QDBusMessage& reply);
     void useScreenCast(const QDBusMessage& reply);

@@ -177,10 +177,10 @@ void BusConnection::ask(const QDBusMessage& message, QObject* asker, Answer answ
 void BusConnection::askForOwner(const QString& name, QObject* asker,
                                 std::function<void(const QString& owner)> then)
 {
-    // From Qt 6.8 on, at the latest, an answer does not tell who gave it.
     ask(busCall(QStringLiteral("GetNameOwner")) << name, asker,
         [then = std::move(then)](const QDBusMessage& reply) {
-            then(reply.signature() == u"s" ? reply.arguments().at(0).toString() : QString());
+            const bool hasOwner = reply.type() == QDBusMessage::ReplyMessage;
+            then(hasOwner ? reply.arguments().value(0).toString() : QString());
         });
 }
 

@@ -52,7 +52,7 @@ public:
     /// milliseconds.
     void ask(const QDBusMessage& message, QObject* asker, Answer answer, int limit = 5000);
     /// Asks for the unique name of whoever has that name, which keeps others' signals out; empty
-    /// when nobody has it, or there is no bus.
+    /// when nobody has it, or there is no bus. Answers tell their sender only where Qt is old.
     void askForOwner(const QString& name, QObject* asker,
                      std::function<void(const QString& owner)> then);
     /// The same as `ask` for a signal, or a call whose answer is of no interest. Lost while there

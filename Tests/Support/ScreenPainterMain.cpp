@@ -190,9 +190,11 @@ private:
     bool cover(const QStringList& words)
     {
         const QSize size(words.at(2).toInt(), words.at(3).toInt());
+        const double scale = words.at(4).toDouble();
         for (auto* screen : QGuiApplication::screens()) {
-            if (screen->name() != words.at(1) || screen->size() != size ||
-                screen->devicePixelRatio() != words.at(4).toDouble())
+            // Newer versions of Qt divide by the scale, also where the desktop does not.
+            const bool fits = screen->size() == size || screen->size() * scale == size;
+            if (screen->name() != words.at(1) || !fits || screen->devicePixelRatio() != scale)
                 continue;
             auto& canvas = mCanvases[screen] = std::make_unique<Canvas>(screen);
             canvas->fill({{}, screen->size()}, words.at(5).toUInt());

@@ -35,7 +35,7 @@ constexpr std::array abilities{
                      .crash = yes},
     DesktopAbilities{.way = ScreenWay::gnome,
                      .desktop = "GNOME",
-                     .tested = "Mutter 43",
+                     .tested = "Mutter 43, 48",
                      .monitor = yes,
                      .size = yes,
                      .scale = yes,

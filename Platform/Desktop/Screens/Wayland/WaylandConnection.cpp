@@ -101,6 +101,8 @@ void WaylandConnection::flush()
     mWritable->setEnabled(isFull);
 }
 
+bool WaylandConnection::isFull() const { return mWritable && mWritable->isEnabled(); }
+
 /// Reading finds out, too, when writing fails.
 void WaylandConnection::lose()
 {

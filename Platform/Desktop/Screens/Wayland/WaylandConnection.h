@@ -62,6 +62,8 @@ public:
     void afterAll(std::function<void()> then);
     /// Sends now what was asked for, as far as the compositor takes it.
     void flush();
+    /// The compositor has not taken everything yet. Who goes on asking loses it.
+    bool isFull() const;
 
 private:
     struct Disconnect {

@@ -165,7 +165,7 @@ void WlrootsMonitor::setKeepsWindows(bool flag)
 
 WindowKeeping WlrootsMonitor::windowKeeping() const
 {
-    return mSession->sway() ? WindowKeeping::byFarview : WindowKeeping::desktop;
+    return mSession->sway() ? WindowKeeping::byFarview : WindowKeeping::nobody;
 }
 
 void WlrootsMonitor::tell(News news)

@@ -165,7 +165,8 @@ struct ScreensOfSway {
     }
     void endDesktop() { desktop.process().kill(); }
 
-    static constexpr auto way = ScreenWay::swayKept;
+    static inline const auto way =
+        PrivateSway::canRemoveOutputs() ? ScreenWay::sway : ScreenWay::swayKept;
     static constexpr const char* versionCommand = "sway --version";
     static bool hasTheRight() { return true; }
     void addWindowManager() {}

@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 
 #include <array>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <sstream>
@@ -27,7 +28,7 @@ PrivateSway::PrivateSway(const std::vector<std::string>& monitors, const std::st
         lines += "output HEADLESS-" + std::to_string(index + 1) + " resolution " + monitors[index] +
                  "\n";
     const auto file = mFolder.write("sway.conf", lines + configuration);
-    std::string start = "exec ";
+    std::string start = "unset WAYLAND_DISPLAY; exec ";
     // It refuses to run as root.
     if (::getuid() == 0) {
         constexpr int nobody = 65534;
@@ -38,7 +39,8 @@ PrivateSway::PrivateSway(const std::vector<std::string>& monitors, const std::st
     start += "sway -c '" + file + "' >'" + mFolder.path("log") + "' 2>&1";
     mSway = std::make_unique<ChildProcess>(
         std::vector<std::string>{"sh", "-c", start},
-        ChildProcess::Environment{{"WLR_BACKENDS", "headless"},
+        ChildProcess::Environment{{"XDG_RUNTIME_DIR", mFolder.path()},
+                                  {"WLR_BACKENDS", "headless"},
                                   {"WLR_HEADLESS_OUTPUTS", std::to_string(monitors.size())},
                                   {"WLR_LIBINPUT_NO_DEVICES", "1"},
                                   {"WLR_RENDERER", "pixman"}});
@@ -51,6 +53,16 @@ PrivateSway::PrivateSway(const std::vector<std::string>& monitors, const std::st
     // It answers once it has done what its configuration says.
     if (SwayArranger(*this).outputs().size() != qsizetype(monitors.size()))
         throw std::runtime_error("sway has other monitors");
+}
+
+bool PrivateSway::canRemoveOutputs()
+{
+    FILE* const pipe = ::popen("sway --version", "r");
+    int major = 0;
+    int minor = 0;
+    const bool isKnown = std::fscanf(pipe, "sway version %d.%d", &major, &minor) == 2;
+    ::pclose(pipe);
+    return isKnown && (major > 1 || minor >= 8);
 }
 
 SwayArranger::SwayArranger(PrivateSway& desktop)

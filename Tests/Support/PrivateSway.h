@@ -22,15 +22,19 @@ public:
     explicit PrivateSway(const std::vector<std::string>& monitors = {"1920x1080"},
                          const std::string& configuration = {});
 
+    /// From version 1.8 on.
+    static bool canRemoveOutputs();
+
     ChildProcess& process() { return *mSway; }
     /// Its socket for programs like swaymsg.
     std::string socket() const { return mFolder.path("sway"); }
 
 private:
-    TemporaryFolder mFolder;
-    ScopedEnvironment mRuntime{"XDG_RUNTIME_DIR", mFolder.path().c_str()};
+    TemporaryFolder mFolder; ///< sway's own, which runs as another user
+    TemporaryFolder mOurs;
+    ScopedEnvironment mRuntime{"XDG_RUNTIME_DIR", mOurs.path().c_str()};
     ScopedEnvironment mSocket{"SWAYSOCK", socket().c_str()};
-    ScopedEnvironment mWayland{"WAYLAND_DISPLAY", "wayland-1"};
+    ScopedEnvironment mWayland{"WAYLAND_DISPLAY", mFolder.path("wayland-1").c_str()};
     ScopedEnvironment mDisplay{"DISPLAY", nullptr};
     std::unique_ptr<ChildProcess> mSway;
 };

@@ -96,6 +96,14 @@ void ScreenCopy::stop()
     zwlr_screencopy_manager_v1_destroy(std::exchange(mManager, nullptr));
 }
 
+void ScreenCopy::restart()
+{
+    endRequest();
+    dropBuffer();
+    mScreen->setBuffer({}, nullptr);
+    request();
+}
+
 const zwlr_screencopy_frame_v1_listener& ScreenCopy::frameEvents()
 {
     using Frame = zwlr_screencopy_frame_v1;

@@ -56,6 +56,8 @@ public:
     /// Begins; once. `stop` before the connection or the output goes.
     void start(WaylandConnection& connection, wl_output* output);
     void stop();
+    /// The output has another size: what was not taken yet does not show it any more.
+    void restart();
 
     CapturedScreen& screen() { return *mScreen; }
 

@@ -89,28 +89,34 @@ void WlrootsInput::begin(WaylandConnection& connection, wl_output* output)
     if (!seat)
         return;
     mConnection = &connection;
+    mOutput = output;
     mSeat = connection.bind<wl_seat>(*seat, wl_seat_interface, 5);
     wl_seat_add_listener(mSeat, &seatEvents(), this);
-    const auto* global = connection.find(zwlr_virtual_pointer_manager_v1_interface);
-    if (!global || global->version < 2)
-        return;
-    auto* manager = connection.bind<zwlr_virtual_pointer_manager_v1>(
-        *global, zwlr_virtual_pointer_manager_v1_interface, 2);
-    mPointer =
-        zwlr_virtual_pointer_manager_v1_create_virtual_pointer_with_output(manager, mSeat, output);
-    zwlr_virtual_pointer_manager_v1_destroy(manager);
 }
 
-/// Our keyboards are made once it is known whether the user has one.
+/// Keyboards of ours would hide which layout the user's has.
 void WlrootsInput::useCapabilities(std::uint32_t capabilities)
 {
-    if (mKeys)
+    if (mKeys || mPointer)
         return;
+    if ((capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0) {
+        mUsersKeyboard = wl_seat_get_keyboard(mSeat);
+        wl_keyboard_add_listener(mUsersKeyboard, &keyboardEvents(), this);
+    }
+    makePointer();
     makeKeyboards();
-    if ((capabilities & WL_SEAT_CAPABILITY_KEYBOARD) == 0 || !mKeys)
+}
+
+void WlrootsInput::makePointer()
+{
+    const auto* global = mConnection->find(zwlr_virtual_pointer_manager_v1_interface);
+    if (!global || global->version < 2)
         return;
-    mUsersKeyboard = wl_seat_get_keyboard(mSeat);
-    wl_keyboard_add_listener(mUsersKeyboard, &keyboardEvents(), this);
+    auto* manager = mConnection->bind<zwlr_virtual_pointer_manager_v1>(
+        *global, zwlr_virtual_pointer_manager_v1_interface, 2);
+    mPointer =
+        zwlr_virtual_pointer_manager_v1_create_virtual_pointer_with_output(manager, mSeat, mOutput);
+    zwlr_virtual_pointer_manager_v1_destroy(manager);
 }
 
 void WlrootsInput::makeKeyboards()
@@ -123,8 +129,8 @@ void WlrootsInput::makeKeyboards()
     mKeys = std::make_unique<VirtualKeyboard>(manager, mSeat);
     mKeys->setKeymap({});
     mText = std::make_unique<VirtualKeyboard>(manager, mSeat);
-    mText->setKeymap(keymapFor(U" "));
-    mCharacters = U" ";
+    // Not the layout that it may get by itself.
+    learn(std::u32string(1, U' '));
     zwp_virtual_keyboard_manager_v1_destroy(manager);
 }
 
@@ -132,7 +138,7 @@ void WlrootsInput::makeKeyboards()
 void WlrootsInput::useKeymap(std::uint32_t format, int file, std::uint32_t size)
 {
     const FileDescriptor closing(file);
-    if (format == WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1)
+    if (mKeys && format == WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1)
         mKeys->setKeymap(textIn(file, size));
     wl_keyboard_release(std::exchange(mUsersKeyboard, nullptr));
 }
@@ -273,7 +279,7 @@ void WlrootsInput::type(char32_t character)
 {
     if (mCharacters.find(character) == std::u32string::npos) {
         mCharacters.clear();
-        learn({character});
+        learn(std::u32string(1, character));
     }
     const auto place = mCharacters.find(character);
     const auto code = static_cast<std::uint16_t>(place + firstCharacterKey);

@@ -48,6 +48,7 @@ public:
 private:
     static const wl_seat_listener& seatEvents();
     static const wl_keyboard_listener& keyboardEvents();
+    void makePointer();
     void makeKeyboards();
     void useCapabilities(std::uint32_t capabilities);
     void useKeymap(std::uint32_t format, int file, std::uint32_t size);
@@ -58,6 +59,7 @@ private:
     void type(char32_t character);
 
     WaylandConnection* mConnection = nullptr;
+    wl_output* mOutput = nullptr;
     wl_seat* mSeat = nullptr;
     wl_keyboard* mUsersKeyboard = nullptr;
     zwlr_virtual_pointer_v1* mPointer = nullptr;

@@ -38,7 +38,12 @@ WlrootsMonitor::WlrootsMonitor(RunLoop& loop, std::shared_ptr<WlrootsSession> se
       mCopy(loop, {[this] { tell([](auto& told) { told.frameReady(); }); },
                    [this] { end(ScreenObstacle::failed); }})
 {
-    if (!isPossible(wish.width, wish.height))
+    start();
+}
+
+void WlrootsMonitor::start()
+{
+    if (!isPossible(mWish.width, mWish.height))
         return end(ScreenObstacle::tooLarge);
     mChanges = mSession->observe([this] { follow(); });
     mLoop.performAfterDelay(longestStart, mWaiting, [this] { end(ScreenObstacle::failed); });
@@ -104,9 +109,11 @@ void WlrootsMonitor::look()
     const auto before = std::exchange(mTold, geometry);
     mInput.setMonitor(geometry);
     if (!before)
-        appear(*output);
-    else if (geometry != *before)
+        return appear(*output);
+    if (geometry != *before)
         tell([geometry](auto& told) { told.didChange(geometry); });
+    if (geometry.width != before->width || geometry.height != before->height)
+        mCopy.restart();
 }
 
 void WlrootsMonitor::appear(const WaylandOutput& output)

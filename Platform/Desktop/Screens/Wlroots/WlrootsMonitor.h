@@ -34,6 +34,7 @@ public:
 private:
     using News = std::function<void(VirtualScreenDelegate&)>;
 
+    void start();
     void follow();
     void begin();
     void use(const std::string& name);

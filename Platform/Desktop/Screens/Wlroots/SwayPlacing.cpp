@@ -29,7 +29,7 @@ void write(SwayCommands& commands, const SwayWindow& window, const std::optional
     if (!window.mark.empty())
         commands.push_back(to(window, "unmark " + swayQuoted(window.mark)));
     if (note)
-        commands.push_back(to(window, "mark --add " + swayQuoted(swayMark(window, *note))));
+        commands.push_back(to(window, "mark --add " + swayQuoted(swayMark(window.id, *note))));
 }
 
 /// sway moves no window that covers its screen.

@@ -123,7 +123,7 @@ TEST(BroughtTo, WindowsThatStayedWhereTheyWerePutReturn)
     EXPECT_EQ(broughtTo(treeWith({window("DP-1", atHome, note)}), "HEADLESS-1", monitorNumber),
               (SwayCommands{
                   "[con_id=5] fullscreen disable",
-                  "[con_id=5] move --no-auto-back-and-forth container to output \"HEADLESS-1\"",
+                  "[con_id=5] move container to output \"HEADLESS-1\"",
                   "[con_id=5] floating enable",
                   "[con_id=5] move absolute position 1300 40",
                   "[con_id=5] fullscreen enable",

@@ -44,9 +44,12 @@ PrivateSway::PrivateSway(const std::vector<std::string>& monitors, const std::st
                                   {"WLR_HEADLESS_OUTPUTS", std::to_string(monitors.size())},
                                   {"WLR_LIBINPUT_NO_DEVICES", "1"},
                                   {"WLR_RENDERER", "pixman"}});
+    // A socket that is there may not listen yet.
     const auto isUp = [this] {
+        QLocalSocket trial;
+        trial.connectToServer(QString::fromStdString(socket()));
         return std::filesystem::exists(mFolder.path("wayland-1")) &&
-               std::filesystem::exists(socket());
+               trial.waitForConnected(patience);
     };
     if (!waitUntil(isUp, std::chrono::seconds(30)))
         throw std::runtime_error("no sway");

@@ -4,6 +4,9 @@
 #include <QJsonObject>
 #include <QTimer>
 
+#include <poll.h>
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -74,8 +77,24 @@ SwayConnection::SwayConnection(const std::string& path)
 void SwayConnection::finish()
 {
     const auto end = std::chrono::steady_clock::now() + patience;
-    while (!mIsLost && !mWaiting.empty() && std::chrono::steady_clock::now() < end)
-        mSocket.waitForReadyRead(int(patience.count()));
+    while (!mIsLost && !mWaiting.empty() && receiveUntil(end)) {
+        while (handleOne())
+            ;
+    }
+}
+
+/// The socket's own way to wait would run a loop.
+bool SwayConnection::receiveUntil(std::chrono::steady_clock::time_point end)
+{
+    using std::chrono::milliseconds;
+    const auto left = std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now());
+    pollfd file{static_cast<int>(mSocket.socketDescriptor()), POLLIN, 0};
+    if (left.count() <= 0 || ::poll(&file, 1, static_cast<int>(left.count())) <= 0)
+        return false;
+    std::array<char, 4096> bytes;
+    const auto count = ::recv(file.fd, bytes.data(), bytes.size(), MSG_DONTWAIT);
+    mReceived.append(bytes.data(), std::max<qsizetype>(count, 0));
+    return count > 0;
 }
 
 void SwayConnection::run(const std::string& command, std::function<void(bool)> then)
@@ -108,23 +127,27 @@ void SwayConnection::send(Message type, const std::string& payload, Answer then)
 
 void SwayConnection::read()
 {
-    while (!mIsLost && readOne())
+    mReceived += mSocket.readAll();
+    while (handleOne())
         ;
 }
 
-bool SwayConnection::readOne()
+bool SwayConnection::handleOne()
 {
     Header header{};
-    if (mSocket.peek(reinterpret_cast<char*>(&header), sizeof header) < qint64(sizeof header))
+    if (mIsLost || mReceived.size() < qsizetype(sizeof header))
         return false;
+    std::memcpy(&header, mReceived.constData(), sizeof header);
     if (std::memcmp(header.magic, magic, sizeof magic) != 0 || header.size > longestMessage) {
         lose();
         return false;
     }
-    if (mSocket.bytesAvailable() < qint64(sizeof header) + header.size)
+    const qsizetype size = qsizetype(sizeof header) + header.size;
+    if (mReceived.size() < size)
         return false;
-    mSocket.skip(sizeof header);
-    handle(header.type, mSocket.read(header.size));
+    const auto payload = mReceived.mid(sizeof header, header.size);
+    mReceived.remove(0, size);
+    handle(header.type, payload);
     return true;
 }
 

@@ -49,12 +49,14 @@ private:
 
     void send(Message type, const std::string& payload, Answer then);
     void read();
-    bool readOne();
+    bool receiveUntil(std::chrono::steady_clock::time_point end);
+    bool handleOne();
     void handle(std::uint32_t type, const QByteArray& payload);
     void lose();
 
     Events mEvents;
     QLocalSocket mSocket;
+    QByteArray mReceived;
     std::deque<Answer> mWaiting; ///< answered in order
     bool mIsWatching = false;
     bool mIsLost = false;

@@ -135,6 +135,17 @@ TEST_F(WlrootsVirtualScreensTest, AnOutputThatSwayKeepsIsUsedAgain)
     }
 }
 
+TEST_F(WlrootsVirtualScreensTest, AMonitorThatComesRightAfterAnotherAppearsAsItStays)
+{
+    for (int time = 0; time < 10; ++time) {
+        open();
+        ASSERT_TRUE(waitUntil([&] { return mScreen->frames().takeFrame().has_value(); }));
+        EXPECT_EQ(mListener->geometries.size(), 1U);
+        mScreen.reset();
+        runLoopFor(std::chrono::milliseconds(3 * time));
+    }
+}
+
 TEST_F(WlrootsVirtualScreensTest, SeveralMonitorsAtOnceGetOutputsOfTheirOwn)
 {
     const auto other = std::make_shared<ScreenListener>();

@@ -92,10 +92,21 @@ void WlrootsMonitor::configure()
     if (mName.empty() || mHasEnded)
         return;
     const auto then = [this, life = std::weak_ptr(mLife)](bool isDone) {
-        if (!life.expired() && !isDone && !mTold)
-            end(ScreenObstacle::failed);
+        if (!life.expired() && !mIsConfigured)
+            isDone ? expectOutput() : end(ScreenObstacle::failed);
     };
     mSession->control().configure({mName, mWish.width, mWish.height, mWish.scale, mCorner}, then);
+}
+
+/// What was told of the output until now may be what it was before it became this monitor.
+void WlrootsMonitor::expectOutput()
+{
+    mSession->wayland().afterAll([this, life = std::weak_ptr(mLife)] {
+        if (life.expired() || mHasEnded)
+            return;
+        mIsConfigured = true;
+        look();
+    });
 }
 
 void WlrootsMonitor::look()
@@ -103,7 +114,8 @@ void WlrootsMonitor::look()
     const auto output = mSession->find(mName);
     if (!output && mTold)
         return end(ScreenObstacle::takenAway);
-    if (!output || (!mTold && (output->width != mWish.width || output->height != mWish.height)))
+    if (!output || !mIsConfigured ||
+        (!mTold && (output->width != mWish.width || output->height != mWish.height)))
         return;
     const auto geometry = geometryOf(*output);
     const auto before = std::exchange(mTold, geometry);

@@ -39,6 +39,7 @@ private:
     void begin();
     void use(const std::string& name);
     void configure();
+    void expectOutput();
     void look();
     void appear(const WaylandOutput& output);
     ScreenGeometry geometryOf(const WaylandOutput& output) const;
@@ -56,6 +57,7 @@ private:
     std::string mName; ///< of the output
     std::optional<ScreenGeometry> mTold;
     bool mHasBegun = false;
+    bool mIsConfigured = false;
     bool mHasEnded = false;
     ScreenCopy mCopy;
     WlrootsInput mInput;

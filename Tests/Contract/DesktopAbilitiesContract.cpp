@@ -79,7 +79,8 @@ protected:
     std::unique_ptr<VirtualScreen> mScreen;
 };
 
-using Scenes = testing::Types<ScreensOfAnXServer, ScreensOfAFullXServer, ScreensOfGnome>;
+using Scenes =
+    testing::Types<ScreensOfAnXServer, ScreensOfAFullXServer, ScreensOfGnome, ScreensOfSway>;
 TYPED_TEST_SUITE(DesktopAbilitiesContract, Scenes);
 
 TYPED_TEST(DesktopAbilitiesContract, TheTableNamesTheWayAndTheVersionThatRunHere)

@@ -2,12 +2,15 @@
 
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
+#include "Platform/Desktop/Screens/Wlroots/WlrootsVirtualScreens.h"
 #include "Platform/Desktop/Screens/X11/InputDevices.h"
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Fake/FakeVirtualScreens.h"
 #include "Tests/Support/PrivateGnome.h"
+#include "Tests/Support/PrivateSway.h"
 #include "Tests/Support/PrivateXServer.h"
+#include "Tests/Support/ScreenPainter.h"
 #include "Tests/Support/TestBus.h"
 #include "Tests/Support/WaitUntil.h"
 
@@ -139,6 +142,39 @@ struct ScreensOfGnome {
     {
         endDesktop();
         return ScreenObstacle::protocolMissing;
+    }
+};
+
+struct ScreensOfSway {
+    PrivateSway desktop;
+    SwayArranger arranger{desktop};
+    ScreenPainter painter;
+    QtRunLoop loop;
+    WlrootsVirtualScreens body{loop};
+
+    bool waitFor(const std::function<bool()>& condition) { return waitUntil(condition); }
+    void settle() { runLoopFor(std::chrono::milliseconds(50)); }
+    void draw(const ScreenGeometry& geometry, const PixelRect& part, std::uint32_t colour)
+    {
+        painter.fill(geometry.area.x + part.x, geometry.area.y + part.y, part.width, part.height,
+                     colour);
+    }
+    void movePointer(const ScreenGeometry& geometry, int x, int y)
+    {
+        arranger.movePointer(geometry.area.x + x, geometry.area.y + y);
+    }
+    void endDesktop() { desktop.process().kill(); }
+
+    static inline const auto way =
+        PrivateSway::canRemoveOutputs() ? ScreenWay::sway : ScreenWay::swayKept;
+    static constexpr const char* versionCommand = "sway --version";
+    static bool hasTheRight() { return true; }
+    void addWindowManager() {}
+    std::string described() { return arranger.layout(); }
+    ScreenObstacle obstruct()
+    {
+        endDesktop();
+        return ScreenObstacle::noDesktop;
     }
 };
 

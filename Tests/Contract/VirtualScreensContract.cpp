@@ -99,7 +99,7 @@ bool isDamagedAsAWhole(const ScreenFrame& frame)
 
 std::uint32_t pixel(const ScreenFrame& frame, int x, int y) { return frame.view.row(y)[x]; }
 
-using Scenes = testing::Types<ScriptedScreens, ScreensOfAnXServer, ScreensOfGnome>;
+using Scenes = testing::Types<ScriptedScreens, ScreensOfAnXServer, ScreensOfGnome, ScreensOfSway>;
 TYPED_TEST_SUITE(VirtualScreensContract, Scenes);
 
 TYPED_TEST(VirtualScreensContract, SaysThatItCanMakeAMonitor)
@@ -201,7 +201,14 @@ TYPED_TEST(VirtualScreensContract, ResizesWhileItIsOpenAndShowsAWholeFrame)
     EXPECT_TRUE(isDamagedAsAWhole(frame));
 }
 
-TYPED_TEST(VirtualScreensContract, MovesToAPlaceOfItsOwn)
+/// sway would move the user's monitors for it.
+template <typename Scene> class MonitorThatCanBePlaced : public VirtualScreensContract<Scene>
+{
+};
+using PlacingScenes = testing::Types<ScriptedScreens, ScreensOfAnXServer, ScreensOfGnome>;
+TYPED_TEST_SUITE(MonitorThatCanBePlaced, PlacingScenes);
+
+TYPED_TEST(MonitorThatCanBePlaced, MovesToAPlaceOfItsOwn)
 {
     this->openAndAppear();
     this->mScreen->place(pixelPoint(0, 1080));
@@ -215,7 +222,14 @@ TYPED_TEST(VirtualScreensContract, MovesToAPlaceOfItsOwn)
     }));
 }
 
-TYPED_TEST(VirtualScreensContract, ShowsThePointerApartFromTheFrames)
+/// sway draws the pointer into the frames.
+template <typename Scene> class MonitorWithAPointerApart : public VirtualScreensContract<Scene>
+{
+};
+using PointerScenes = PlacingScenes;
+TYPED_TEST_SUITE(MonitorWithAPointerApart, PointerScenes);
+
+TYPED_TEST(MonitorWithAPointerApart, ShowsThePointerApartFromTheFrames)
 {
     this->openEmpty();
     auto& cursor = this->mScreen->cursor();

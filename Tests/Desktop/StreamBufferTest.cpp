@@ -164,20 +164,5 @@ TEST_F(StreamBufferTest, ImagesOutsideOfTheMemoryAreNotThere)
     EXPECT_FALSE(pointer());
 }
 
-TEST_F(StreamBufferTest, OnlyRowsThatDifferAreDamage)
-{
-    std::vector<std::uint32_t> copy(40 * 6);
-    std::vector<std::uint32_t> source(40 * 6, 0xFF000000);
-    const FrameView view{source.data(), 40, 6, 40};
-    EXPECT_TRUE(copyChangedRows(view, copy.data()).empty());
-    source[0] = 0xFF000001;
-    source[40 + 39] = 0x12345678;
-    source[4 * 40 + 16] = 7;
-    EXPECT_EQ(copyChangedRows(view, copy.data()),
-              (std::vector{pixelRect(0, 0, 40, 2), pixelRect(0, 4, 40, 1)}));
-    EXPECT_EQ(copy[40 + 39], 0x00345678U);
-    EXPECT_TRUE(copyChangedRows(view, copy.data()).empty());
-}
-
 } // namespace
 } // namespace farview

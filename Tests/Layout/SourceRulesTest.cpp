@@ -80,6 +80,10 @@ const std::vector<std::string> waits = {
     // still; after that the connection is cut.
     "Platform/Desktop/Screens/X11/MonitorThread.cpp:        if (!mEnded.wait_for(lock, patience, "
     "[this] { return mHasEnded; }))",
+    // sway is waited for at the end of the program, for a quarter of a second at most: it reads
+    // nothing of a connection that has ended.
+    "Platform/Desktop/Screens/Wlroots/SwayConnection.cpp:    if (left.count() <= 0 || "
+    "::poll(&file, 1, static_cast<int>(left.count())) <= 0)",
     // The watcher is a process of its own, and the monitor has a thread of its own.
     "Platform/Desktop/Screens/X11/MonitorWatcher.cpp:        "
     "std::this_thread::sleep_for(std::chrono::milliseconds(2));",

@@ -1,5 +1,7 @@
 #include "Platform/Desktop/Screens/CapturedScreen.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace farview
@@ -9,6 +11,36 @@ namespace
 
 /// Parts that nobody takes add up; beyond this the frame counts as changed everywhere.
 constexpr std::size_t mostDamage = 256;
+
+/// The highest byte of a pixel is whatever its painter left there; frames have 0.
+constexpr std::uint32_t colours = 0x00FFFFFF;
+
+/// As many pixels as are worked on at once: the compiler makes a few instructions of them.
+constexpr int blockSize = 16;
+
+template <int count> std::uint32_t copyPixels(const std::uint32_t* from, std::uint32_t* to)
+{
+    std::array<std::uint32_t, count> pixels;
+    std::uint32_t difference = 0;
+    for (int index = 0; index < count; ++index)
+        pixels[index] = from[index] & colours;
+    for (int index = 0; index < count; ++index)
+        difference |= pixels[index] ^ to[index];
+    std::copy(pixels.begin(), pixels.end(), to);
+    return difference;
+}
+
+/// Whether that made a difference.
+bool copyRow(const std::uint32_t* from, std::uint32_t* to, int width)
+{
+    std::uint32_t difference = 0;
+    int x = 0;
+    for (; x + blockSize <= width; x += blockSize)
+        difference |= copyPixels<blockSize>(from + x, to + x);
+    for (; x < width; ++x)
+        difference |= copyPixels<1>(from + x, to + x);
+    return difference != 0;
+}
 
 } // namespace
 
@@ -25,7 +57,10 @@ struct CapturedScreen::Lease {
     Lease& operator=(const Lease&) = delete;
 };
 
-CapturedScreen::CapturedScreen(std::function<void()> released) : mReleased(std::move(released)) {}
+CapturedScreen::CapturedScreen(std::function<void()> released, bool isPointerInFrames)
+    : mReleased(std::move(released)), mIsPointerInFrames(isPointerInFrames)
+{
+}
 
 void CapturedScreen::setBuffer(FrameView view, std::shared_ptr<void> memory)
 {
@@ -97,6 +132,19 @@ std::optional<PixelPoint> CapturedScreen::position()
 {
     const std::lock_guard lock(mMutex);
     return mPosition;
+}
+
+std::vector<PixelRect> copyChangedRows(const FrameView& from, std::uint32_t* to)
+{
+    std::vector<PixelRect> bands;
+    for (int y = 0; y < from.height; ++y, to += from.width) {
+        if (!copyRow(from.row(y), to, from.width))
+            continue;
+        if (bands.empty() || bands.back().y + bands.back().height != y)
+            bands.push_back(pixelRect(0, y, from.width, 0));
+        ++bands.back().height;
+    }
+    return bands;
 }
 
 } // namespace farview

@@ -3,8 +3,10 @@
 #include "Platform/CursorSource.h"
 #include "Platform/ScreenSource.h"
 
+#include <cstdint>
 #include <functional>
 #include <mutex>
+#include <vector>
 
 namespace farview
 {
@@ -18,7 +20,7 @@ class CapturedScreen final : public ScreenSource,
 {
 public:
     /// `released` is called, on the thread of whoever took it, when a frame has come back.
-    explicit CapturedScreen(std::function<void()> released);
+    explicit CapturedScreen(std::function<void()> released, bool isPointerInFrames = false);
 
     // The capturing thread's side.
 
@@ -35,7 +37,7 @@ public:
     // The taker's side.
 
     std::optional<ScreenFrame> takeFrame() override;
-    bool isInFrames() const override { return false; }
+    bool isInFrames() const override { return mIsPointerInFrames; }
     std::optional<CursorImage> takeImage() override;
     std::optional<PixelPoint> position() override;
 
@@ -46,6 +48,7 @@ private:
 
     std::mutex mMutex;
     std::function<void()> mReleased;
+    bool mIsPointerInFrames;
     FrameView mView;
     std::shared_ptr<void> mMemory;
     std::vector<PixelRect> mDamage;
@@ -55,5 +58,9 @@ private:
     std::optional<CursorImage> mImage;
     std::optional<PixelPoint> mPosition;
 };
+
+/// Copies a frame to `to`, which has its size and no gap between rows, with a highest byte of 0.
+/// Returns where that made a difference, in whole rows, from above.
+std::vector<PixelRect> copyChangedRows(const FrameView& from, std::uint32_t* to);
 
 } // namespace farview

@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
 #include "Platform/Desktop/Screens/ScreenBackends.h"
+#include "Platform/Desktop/Screens/Wlroots/WlrootsVirtualScreens.h"
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 
 #include <string>
@@ -18,9 +19,11 @@ public:
     /// `watcher`: the path of the program that undoes a monitor of an X server when this process
     /// has died.
     DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher)
-        : mX11(loop, std::move(watcher)), mMutter(loop, bus),
+        : mX11(loop, std::move(watcher)), mMutter(loop, bus), mWlroots(loop),
           mBackends(bus, sessionFacts(),
-                    {{ScreenBackend::x11, &mX11}, {ScreenBackend::mutter, &mMutter}})
+                    {{ScreenBackend::x11, &mX11},
+                     {ScreenBackend::mutter, &mMutter},
+                     {ScreenBackend::wlroots, &mWlroots}})
     {
     }
 
@@ -29,6 +32,7 @@ public:
 private:
     X11VirtualScreens mX11;
     MutterVirtualScreens mMutter;
+    WlrootsVirtualScreens mWlroots;
     ScreenBackends mBackends;
 };
 

@@ -5,7 +5,6 @@
 #include <spa/param/video/raw.h>
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 namespace farview
@@ -13,36 +12,8 @@ namespace farview
 namespace
 {
 
-constexpr std::uint32_t colours = 0x00FFFFFF;
 constexpr std::uint32_t pixelSize = sizeof(std::uint32_t);
 constexpr int longestSide = std::numeric_limits<std::int16_t>::max();
-
-/// As many pixels as are worked on at once: the compiler makes a few instructions of them.
-constexpr int blockSize = 16;
-
-template <int count> std::uint32_t copyPixels(const std::uint32_t* from, std::uint32_t* to)
-{
-    std::array<std::uint32_t, count> pixels;
-    std::uint32_t difference = 0;
-    for (int index = 0; index < count; ++index)
-        pixels[index] = from[index] & colours;
-    for (int index = 0; index < count; ++index)
-        difference |= pixels[index] ^ to[index];
-    std::copy(pixels.begin(), pixels.end(), to);
-    return difference;
-}
-
-/// Whether that made a difference.
-bool copyRow(const std::uint32_t* from, std::uint32_t* to, int width)
-{
-    std::uint32_t difference = 0;
-    int x = 0;
-    for (; x + blockSize <= width; x += blockSize)
-        difference |= copyPixels<blockSize>(from + x, to + x);
-    for (; x < width; ++x)
-        difference |= copyPixels<1>(from + x, to + x);
-    return difference != 0;
-}
 
 /// Pixels in a piece of memory.
 struct Layout {
@@ -154,19 +125,6 @@ std::optional<PointerNews> pointerIn(const spa_buffer& buffer)
     if (isOnAScreen(cursor.position))
         news.position = pixelPoint(cursor.position.x, cursor.position.y);
     return news;
-}
-
-std::vector<PixelRect> copyChangedRows(const FrameView& from, std::uint32_t* to)
-{
-    std::vector<PixelRect> bands;
-    for (int y = 0; y < from.height; ++y, to += from.width) {
-        if (!copyRow(from.row(y), to, from.width))
-            continue;
-        if (bands.empty() || bands.back().y + bands.back().height != y)
-            bands.push_back(pixelRect(0, y, from.width, 0));
-        ++bands.back().height;
-    }
-    return bands;
 }
 
 } // namespace farview

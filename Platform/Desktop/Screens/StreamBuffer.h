@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 struct spa_buffer;
 
@@ -27,9 +26,5 @@ struct PointerNews {
 
 /// Nothing when the buffer does not tell.
 std::optional<PointerNews> pointerIn(const spa_buffer& buffer);
-
-/// Copies a frame to `to`, which has its size and no gap between rows, with a highest byte of 0.
-/// Returns where that made a difference, in whole rows, from above.
-std::vector<PixelRect> copyChangedRows(const FrameView& from, std::uint32_t* to);
 
 } // namespace farview

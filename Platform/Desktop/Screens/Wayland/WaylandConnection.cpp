@@ -97,9 +97,13 @@ void WaylandConnection::flush()
     if (!mDisplay || mIsLost)
         return;
     // A compositor that stands still reads later.
-    const bool isFull = wl_display_flush(mDisplay.get()) < 0 && errno == EAGAIN;
-    mWritable->setEnabled(isFull);
+    const bool wasFull = isFull();
+    mWritable->setEnabled(wl_display_flush(mDisplay.get()) < 0 && errno == EAGAIN);
+    if (wasFull && !isFull())
+        mDrained.tell();
 }
+
+bool WaylandConnection::isFull() const { return mWritable && mWritable->isEnabled(); }
 
 /// Reading finds out, too, when writing fails.
 void WaylandConnection::lose()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/Screens/KWin/KWinVirtualScreens.h"
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
 #include "Platform/Desktop/Screens/ScreenBackends.h"
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
@@ -18,9 +19,11 @@ public:
     /// `watcher`: the path of the program that undoes a monitor of an X server when this process
     /// has died.
     DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher)
-        : mX11(loop, std::move(watcher)), mMutter(loop, bus),
+        : mX11(loop, std::move(watcher)), mMutter(loop, bus), mKWin(loop, bus),
           mBackends(bus, sessionFacts(),
-                    {{ScreenBackend::x11, &mX11}, {ScreenBackend::mutter, &mMutter}})
+                    {{ScreenBackend::x11, &mX11},
+                     {ScreenBackend::mutter, &mMutter},
+                     {ScreenBackend::kwin, &mKWin}})
     {
     }
 
@@ -29,6 +32,7 @@ public:
 private:
     X11VirtualScreens mX11;
     MutterVirtualScreens mMutter;
+    KWinVirtualScreens mKWin;
     ScreenBackends mBackends;
 };
 

@@ -18,7 +18,7 @@ namespace
 /// From this one on it takes keys.
 constexpr std::uint32_t inputVersion = 4;
 /// How far KWin scrolls with one notch.
-constexpr double notch = 15;
+constexpr double notch = 10;
 /// Between a key as the kernel counts it and as layouts do.
 constexpr std::uint16_t codesBefore = 8;
 

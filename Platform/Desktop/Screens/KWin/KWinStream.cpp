@@ -42,7 +42,7 @@ void KWinStream::begin(std::uint32_t node)
 {
     if (std::exchange(mHasBegun, true))
         return;
-    mPixels.connect(node, mWish.width, mWish.height);
+    mPixels.connect({node}, mWish.width, mWish.height);
     mPixels.show(mWish.width, mWish.height, false);
     mBegun();
 }

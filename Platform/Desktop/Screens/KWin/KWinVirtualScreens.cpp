@@ -31,7 +31,7 @@ private:
         if (target && then && obstacle)
             then({std::nullopt, *obstacle});
         else if (target && then)
-            then({ScreenWay::desktopProtocol, {}});
+            then({ScreenWay::plasma, {}});
     }
 
     std::weak_ptr<void> mTarget;

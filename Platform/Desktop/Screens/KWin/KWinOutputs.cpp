@@ -104,47 +104,43 @@ void KWinOutputs::remove(std::uint32_t global)
 
 void KWinOutputs::follow(Device& device)
 {
-    static constexpr kde_output_device_v2_listener events{
-        .geometry =
-            [](void* data, auto*, int x, int y, int, int, int, const char*, const char*,
-               int transform) {
-                auto& told = *static_cast<Device*>(data);
-                told.x = x;
-                told.y = y;
-                told.transform = transform;
-            },
-        .current_mode =
-            [](void* data, auto*, kde_output_device_mode_v2* current) {
-                auto& told = *static_cast<Device*>(data);
-                const auto mode = std::ranges::find(
-                    told.modes, current, [](const auto& each) { return each.proxy.get(); });
-                told.mode = mode == told.modes.end() ? nullptr : &*mode;
-            },
-        .mode = [](void* data, auto*,
-                   auto* mode) { followMode(*static_cast<Device*>(data), mode); },
-        .done =
-            [](void* data, auto*) {
-                auto& told = *static_cast<Device*>(data);
-                told.isKnown = true;
-                told.all.mChanged();
-            },
-        .scale =
-            [](void* data, auto*, wl_fixed_t scale) {
-                static_cast<Device*>(data)->scale = wl_fixed_to_double(scale);
-            },
-        .edid = ignore,
-        .enabled = [](void* data, auto*,
-                      int flag) { static_cast<Device*>(data)->isEnabled = flag != 0; },
-        .uuid = ignore,
-        .serial_number = ignore,
-        .eisa_id = ignore,
-        .capabilities = ignore,
-        .overscan = ignore,
-        .vrr_policy = ignore,
-        .rgb_range = ignore,
-        .name = [](void* data, auto*,
-                   const char* name) { static_cast<Device*>(data)->name = name; },
-    };
+    // Events of later versions have no handlers, and are not sent.
+    static const auto events = [] {
+        kde_output_device_v2_listener all{};
+        all.geometry = [](void* data, auto*, int x, int y, int, int, int, const char*, const char*,
+                          int transform) {
+            auto& told = *static_cast<Device*>(data);
+            told.x = x;
+            told.y = y;
+            told.transform = transform;
+        };
+        all.current_mode = [](void* data, auto*, kde_output_device_mode_v2* current) {
+            auto& told = *static_cast<Device*>(data);
+            const auto mode = std::ranges::find(told.modes, current,
+                                                [](const auto& each) { return each.proxy.get(); });
+            told.mode = mode == told.modes.end() ? nullptr : &*mode;
+        };
+        all.mode = [](void* data, auto*, auto* mode) {
+            followMode(*static_cast<Device*>(data), mode);
+        };
+        all.done = [](void* data, auto*) {
+            auto& told = *static_cast<Device*>(data);
+            told.isKnown = true;
+            told.all.mChanged();
+        };
+        all.scale = [](void* data, auto*, wl_fixed_t scale) {
+            static_cast<Device*>(data)->scale = wl_fixed_to_double(scale);
+        };
+        all.enabled = [](void* data, auto*, int flag) {
+            static_cast<Device*>(data)->isEnabled = flag != 0;
+        };
+        all.name = [](void* data, auto*, const char* name) {
+            static_cast<Device*>(data)->name = name;
+        };
+        all.edid = all.uuid = all.serial_number = all.eisa_id = ignore;
+        all.capabilities = all.overscan = all.vrr_policy = all.rgb_range = ignore;
+        return all;
+    }();
     kde_output_device_v2_add_listener(device.proxy.get(), &events, &device);
 }
 

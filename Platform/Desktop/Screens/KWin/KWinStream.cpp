@@ -23,18 +23,19 @@ KWinStream::KWinStream(RunLoop& loop, zkde_screencast_unstable_v1& maker, Wish w
       mPixels(loop, std::move(events))
 {
     using Stream = zkde_screencast_stream_unstable_v1;
-    static constexpr zkde_screencast_stream_unstable_v1_listener handlers{
-        .closed =
-            [](void* data, Stream*) {
-                static_cast<KWinStream*>(data)->mEnded(ScreenObstacle::takenAway);
-            },
-        .created = [](void* data, Stream*,
-                      std::uint32_t node) { static_cast<KWinStream*>(data)->begin(node); },
-        .failed =
-            [](void* data, Stream*, const char*) {
-                static_cast<KWinStream*>(data)->mEnded(ScreenObstacle::failed);
-            },
-    };
+    static const auto handlers = [] {
+        zkde_screencast_stream_unstable_v1_listener all{};
+        all.closed = [](void* data, Stream*) {
+            static_cast<KWinStream*>(data)->mEnded(ScreenObstacle::takenAway);
+        };
+        all.created = [](void* data, Stream*, std::uint32_t node) {
+            static_cast<KWinStream*>(data)->begin(node);
+        };
+        all.failed = [](void* data, Stream*, const char*) {
+            static_cast<KWinStream*>(data)->mEnded(ScreenObstacle::failed);
+        };
+        return all;
+    }();
     zkde_screencast_stream_unstable_v1_add_listener(mStream.get(), &handlers, this);
 }
 

@@ -150,6 +150,7 @@ void Examination::end(std::vector<DeviceFact> devices, std::size_t more, bool is
         return;
     mNotebook.add(findingsAboutPolkit(mRights));
     mNotebook.add(findingsAboutScreen(mScreen));
+    mNotebook.add(findingsAboutPermission(permissionFacts(mContext.pane.get())));
     mNotebook.add(findingsAboutInput(inputFacts()));
     mNotebook.add(findingsAboutDiscovery(discoveryFacts()));
     auto pairing = trustFacts(mContext.platform);

@@ -55,7 +55,7 @@ TEST(KWinVirtualScreens, AreOfferedToAProgramWhoseDesktopFileSaysSo)
 
 TEST(KWinVirtualScreens, AreNotPermittedToOtherPrograms)
 {
-    const PrivatePlasma desktop(1, PrivatePlasma::Trust::none);
+    const PrivatePlasma desktop(1, "");
     const auto answer = KWinQuestion().availability();
     EXPECT_FALSE(answer->way);
     EXPECT_EQ(answer->obstacle, ScreenObstacle::notPermitted);

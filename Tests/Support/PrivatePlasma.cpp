@@ -25,7 +25,7 @@ bool hasOwner(const std::string& address, const char* name)
 
 } // namespace
 
-PrivatePlasma::PrivatePlasma(int monitors, Trust trust)
+PrivatePlasma::PrivatePlasma(int monitors, const std::string& trusted)
 {
     const auto limit = std::chrono::seconds(30);
     const auto exists = [this](const char* socket) {
@@ -35,8 +35,8 @@ PrivatePlasma::PrivatePlasma(int monitors, Trust trust)
     mFolder.write(
         "menus/applications.menu",
         "<Menu><Name>Applications</Name><DefaultAppDirs/><Include><All/></Include></Menu>");
-    if (trust == Trust::mayAll)
-        trustThisProgram();
+    if (!trusted.empty())
+        trust(trusted);
     mPipeWire = start("pipewire");
     if (!waitUntil(exists("pipewire-0"), limit))
         throw std::runtime_error("no PipeWire");
@@ -53,9 +53,8 @@ PrivatePlasma::PrivatePlasma(int monitors, Trust trust)
         throw std::runtime_error("no KWin");
 }
 
-void PrivatePlasma::trustThisProgram()
+void PrivatePlasma::trust(const std::string& program)
 {
-    const auto program = std::filesystem::read_symlink("/proc/self/exe").string();
     mFolder.write("share/applications/com.quillon.Test.desktop",
                   "[Desktop Entry]\nType=Application\nName=Test\nNoDisplay=true\nExec=\"" +
                       program +

@@ -13,19 +13,17 @@
 class PrivatePlasma
 {
 public:
-    /// What a desktop file says of this program.
-    enum class Trust { mayAll, none };
-
     /// Starts it with so many monitors of 1280x720 in a row, Virtual-0 and so on, and waits until
-    /// it answers.
-    explicit PrivatePlasma(int monitors = 2, Trust trust = Trust::mayAll);
+    /// it answers. `trusted` is the program whose desktop file says that it may make outputs and
+    /// give input; empty: none.
+    explicit PrivatePlasma(int monitors = 2, const std::string& trusted = "/proc/self/exe");
 
     PrivateBus& bus() { return mBus; }
     ChildProcess& kwin() { return *mKWin; }
 
 private:
     std::unique_ptr<ChildProcess> start(const std::string& command);
-    void trustThisProgram();
+    void trust(const std::string& program);
 
     PrivateBus mBus;
     TemporaryFolder mFolder;

@@ -108,7 +108,10 @@ void DoctorProgram::tryScreen(std::function<void()> ended)
     mTrialScreens =
         std::make_unique<DesktopScreens>(loop, mDesktop.sessionBus(), monitorWatcher(mPane.get()));
     mTrial = std::make_shared<ScreenTrial>(loop, mTrialScreens->screens());
-    mNotebook->add(findingsAboutVersions(versionFacts(mDesktop.platform(), mPane.get())));
+    // Pieces that are missing are no matter here.
+    auto versions = findingsAboutVersions(versionFacts(mDesktop.platform(), mPane.get()));
+    std::erase_if(versions, [](const auto& each) { return each.severity != Severity::ok; });
+    mNotebook->add(std::move(versions));
     mNotebook->add(findingsAboutDisplay(displayFacts()));
     askForDesktopVersion(
         mDesktop.sessionBus(), mLife, [this, ended = std::move(ended)](const auto& version) {
@@ -116,18 +119,14 @@ void DoctorProgram::tryScreen(std::function<void()> ended)
             mTrial->start([this, ended] {
                 mNotebook->add(findingsAboutTrial(mTrial->facts()));
                 mNotebook->add(findingsAboutPermission(permissionFacts(mPane.get())));
-                if (!mIsTrialStopped)
+                if (!mTrial->facts().isBrokenOff)
                     mNotebook->setComplete();
                 ended();
             });
         });
 }
 
-void DoctorProgram::stopTrying()
-{
-    mIsTrialStopped = true;
-    mTrial->stop();
-}
+void DoctorProgram::stopTrying() { mTrial->breakOff(); }
 
 void DoctorProgram::switchPacketLog(bool isOn, Ended then)
 {

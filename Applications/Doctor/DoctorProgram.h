@@ -74,7 +74,6 @@ private:
     std::shared_ptr<ServerRequest> mRequest;
     std::unique_ptr<DesktopScreens> mTrialScreens;
     std::shared_ptr<ScreenTrial> mTrial;
-    bool mIsTrialStopped = false;
     const std::shared_ptr<int> mLife = std::make_shared<int>(0); ///< of what is asked
 };
 

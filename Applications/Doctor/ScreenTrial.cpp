@@ -125,7 +125,7 @@ Finding aboutInput(const InputAbilities& input)
 Findings findingsAboutTrial(const ScreenTrialFacts& facts)
 {
     auto findings = findingsAboutScreen(facts.availability);
-    if (!facts.availability || !facts.availability->way)
+    if (!facts.availability || !facts.availability->way || facts.isBrokenOff)
         return findings;
     if (facts.geometry) {
         findings.push_back(aboutScreen(facts));
@@ -176,6 +176,12 @@ void ScreenTrial::stopAfter(Duration delay)
     if (const auto before = mEnding.lock())
         before->invalidate();
     mEnding = mLoop.scheduledTimer(delay, false, weak_from_this(), [this] { stop(); });
+}
+
+void ScreenTrial::breakOff()
+{
+    mFacts.isBrokenOff = true;
+    stop();
 }
 
 void ScreenTrial::stop()

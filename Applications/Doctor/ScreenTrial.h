@@ -27,6 +27,7 @@ struct ScreenTrialFacts {
     InputAbilities input{};
     WindowKeeping windows = WindowKeeping::nobody;
     std::optional<ScreenObstacle> end{}; ///< it was not we who ended it
+    bool isBrokenOff = false;            ///< nobody knows what would have come
 };
 
 Findings findingsAboutTrial(const ScreenTrialFacts& facts);
@@ -43,7 +44,7 @@ public:
     /// Begins, once. `ended` is called on a later turn, when the screen has been taken away.
     void start(std::function<void()> ended);
     /// Takes the screen away now.
-    void stop();
+    void breakOff();
     const ScreenTrialFacts& facts() const { return mFacts; }
 
     void didAppear(const ScreenGeometry& geometry) override;
@@ -54,6 +55,7 @@ public:
 
 private:
     void open(const ScreenAvailability& found);
+    void stop();
     void stopAfter(Duration delay);
     void movePointer(int step);
     void use(const FrameView& frame);

@@ -89,11 +89,15 @@ void askForDesktopVersion(SessionBus& bus, std::weak_ptr<void> asker,
     gnome << QStringLiteral("org.gnome.Shell") << QStringLiteral("ShellVersion");
     for (auto* call : {&kwin, &gnome})
         call->setAutoStartService(false);
-    const auto versions = std::make_shared<std::string>();
-    bus.ask(kwin, &bus, [versions](const auto& reply) { *versions = versionOfKWin(reply); });
-    bus.ask(gnome, &bus, [=, asker = std::move(asker), then = std::move(then)](const auto& reply) {
+    const auto tell = [asker = std::move(asker), then = std::move(then)](const auto& version) {
         if (const auto kept = asker.lock())
-            then(versions->empty() ? versionOfGNOME(reply) : *versions);
+            then(version);
+    };
+    bus.ask(kwin, &bus, [&bus, gnome, tell](const auto& reply) {
+        if (const auto version = versionOfKWin(reply); !version.empty())
+            tell(version);
+        else
+            bus.ask(gnome, &bus, [tell](const auto& answer) { tell(versionOfGNOME(answer)); });
     });
 }
 

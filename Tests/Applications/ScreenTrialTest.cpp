@@ -73,14 +73,15 @@ TEST_F(ScreenTrialTest, SaysThatTheScreenEndedEarly)
     EXPECT_EQ(found().back(), "taken-away");
 }
 
-TEST_F(ScreenTrialTest, TakesTheScreenAwayWhenItIsStopped)
+TEST_F(ScreenTrialTest, TakesTheScreenAwayWhenItIsBrokenOff)
 {
     start();
-    mTrial->stop();
-    mTrial->stop();
+    mTrial->breakOff();
+    mTrial->breakOff();
     EXPECT_TRUE(mScreens.monitors().empty());
     mLoop.advance(Duration(1));
     EXPECT_TRUE(mHasEnded);
+    EXPECT_THAT(found(), ElementsAre("desktop"));
 }
 
 TEST(ScreenTrialFindings, TellOfEverythingThatWasNoted)

@@ -34,6 +34,7 @@ protected:
 TEST_F(DoctorTrial, ShowsAScreenOfAnXServerAndTakesItAway)
 {
     const PrivateXServer server;
+    ScreenArranger(server.display()).showOnce(1);
     const auto before = describedScreens(server.display());
     const auto trial = run();
     EXPECT_EQ(trial.status(), 0) << trial.output();
@@ -47,6 +48,7 @@ TEST_F(DoctorTrial, ShowsAScreenOfAnXServerAndTakesItAway)
 TEST_F(DoctorTrial, TakesTheScreenAwayWhenItIsInterrupted)
 {
     const PrivateXServer server;
+    ScreenArranger(server.display()).showOnce(1);
     const auto before = describedScreens(server.display());
     const auto out = mRoot.path("out");
     ChildProcess doctor({"sh", "-c", "exec " FARVIEW_DOCTOR " --try-screen --json >'" + out + "'"},
@@ -71,7 +73,8 @@ TEST_F(DoctorTrial, ShowsAScreenOfGNOME)
 
 TEST_F(DoctorTrial, SaysOfKDEWithoutAGraphicsDeviceThatItMakesNone)
 {
-    const PrivatePlasma desktop(1, FARVIEW_DOCTOR);
+    const ScopedEnvironment folders("XDG_DATA_DIRS", FARVIEW_DATA_FOLDER ":/usr/share");
+    const PrivatePlasma desktop(1, "");
     const auto trial = run();
     EXPECT_EQ(trial.status(), 1);
     EXPECT_TRUE(trial.finds("screen.desktop")) << trial.output();

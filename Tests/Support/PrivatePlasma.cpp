@@ -5,6 +5,7 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 
+#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 
@@ -23,9 +24,17 @@ bool hasOwner(const std::string& address, const char* name)
     return isThere;
 }
 
+std::string dataFolders()
+{
+    const char* folders = std::getenv("XDG_DATA_DIRS");
+    return folders ? folders : "/usr/share";
+}
+
 } // namespace
 
 PrivatePlasma::PrivatePlasma(int monitors, const std::string& trusted)
+    : mDataFolders(mFolder.path("share") + ":" + dataFolders()),
+      mFolders("XDG_DATA_DIRS", mDataFolders.c_str())
 {
     const auto limit = std::chrono::seconds(30);
     const auto exists = [this](const char* socket) {

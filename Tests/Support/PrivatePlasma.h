@@ -15,7 +15,7 @@ class PrivatePlasma
 public:
     /// Starts it with so many monitors of 1280x720 in a row, Virtual-0 and so on, and waits until
     /// it answers. `trusted` is the program whose desktop file says that it may make outputs and
-    /// give input; empty: none.
+    /// give input; empty: none but those of $XDG_DATA_DIRS.
     explicit PrivatePlasma(int monitors = 2, const std::string& trusted = "/proc/self/exe");
 
     PrivateBus& bus() { return mBus; }
@@ -27,7 +27,7 @@ private:
 
     PrivateBus mBus;
     TemporaryFolder mFolder;
-    std::string mDataFolders = mFolder.path("share") + ":/usr/share";
+    std::string mDataFolders;
     SessionBusScope mSession{mBus.address()};
     ScopedEnvironment mSystemBus{"DBUS_SYSTEM_BUS_ADDRESS", mBus.address().c_str()};
     ScopedEnvironment mHome{"HOME", mFolder.path().c_str()};
@@ -35,7 +35,7 @@ private:
     ScopedEnvironment mConfiguration{"XDG_CONFIG_HOME", mFolder.path().c_str()};
     ScopedEnvironment mData{"XDG_DATA_HOME", mFolder.path().c_str()};
     ScopedEnvironment mCache{"XDG_CACHE_HOME", mFolder.path().c_str()};
-    ScopedEnvironment mFolders{"XDG_DATA_DIRS", mDataFolders.c_str()};
+    ScopedEnvironment mFolders;
     ScopedEnvironment mDesktop{"XDG_CURRENT_DESKTOP", "KDE"};
     ScopedEnvironment mWayland{"WAYLAND_DISPLAY", "wayland-test"};
     ScopedEnvironment mDisplay{"DISPLAY", nullptr};

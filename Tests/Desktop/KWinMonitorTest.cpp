@@ -168,6 +168,23 @@ TEST_F(KWinMonitorTest, EndsWhenTheUserSwitchesItOff)
     EXPECT_TRUE(becomes("User-0 0,0 1000x600 x1\n"));
 }
 
+TEST_F(KWinMonitorTest, EndsWithTheDesktop)
+{
+    open();
+    ASSERT_TRUE(appears());
+    mDesktop.end();
+    EXPECT_TRUE(waitUntil([&] { return mListener->end == ScreenObstacle::gone; }));
+}
+
+TEST_F(KWinMonitorTest, EndsWithPipeWire)
+{
+    open();
+    ASSERT_TRUE(appears());
+    ASSERT_TRUE(shows(800, 0x204060));
+    mPipeWire.process().kill();
+    EXPECT_TRUE(waitUntil([&] { return mListener->end == ScreenObstacle::failed; }));
+}
+
 TEST_F(KWinMonitorTest, EndsWhereKWinMakesNone)
 {
     mDesktop.refuses = true;

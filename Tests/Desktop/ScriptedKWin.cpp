@@ -249,6 +249,8 @@ ScriptedKWin::Output& ScriptedKWin::output(const std::string& name)
     return *std::ranges::find(mOutputs, name, &Output::name);
 }
 
+void ScriptedKWin::end() { wl_display_destroy_clients(mDisplay); }
+
 void ScriptedKWin::closeStream(const std::string& name)
 {
     zkde_screencast_stream_unstable_v1_send_closed(output(name).stream);

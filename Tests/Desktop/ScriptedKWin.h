@@ -54,6 +54,8 @@ public:
     Output& output(const std::string& name);
     /// As when the user switches it off.
     void closeStream(const std::string& name);
+    /// Leaves all programs.
+    void end();
 
 private:
     struct Change {

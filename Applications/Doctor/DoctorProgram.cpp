@@ -1,6 +1,7 @@
 #include "Applications/Doctor/DoctorProgram.h"
 
 #include "Applications/Doctor/PairingProbe.h"
+#include "Applications/Doctor/PermissionProbe.h"
 #include "Applications/Doctor/Sentence.h"
 #include "Applications/OwnPane.h"
 #include "Common/ConnectionFollower.h"

@@ -1,5 +1,6 @@
 #include "Applications/Doctor/Examination.h"
 
+#include "Applications/Doctor/PermissionProbe.h"
 #include "Applications/Doctor/Probes.h"
 #include "Common/ConnectionFollower.h"
 #include "Common/FVEDistributedNotifications.h"

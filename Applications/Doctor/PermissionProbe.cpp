@@ -1,4 +1,4 @@
-#include "Applications/Doctor/Probes.h"
+#include "Applications/Doctor/PermissionProbe.h"
 
 #include "Platform/Bundle.h"
 #include "Platform/Desktop/Screens/ScreenBackends.h"

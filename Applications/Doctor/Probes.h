@@ -181,19 +181,6 @@ Findings findingsAboutDesktopVersion(const std::string& version);
 /// `answer` is nothing when nobody said in time what is possible.
 Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer);
 
-/// Whether KDE's desktop lets the screen server add screens.
-struct PermissionFacts {
-    bool isNeeded = false; ///< this is such a desktop
-    std::string program{};
-    std::string file{}; ///< that says so; empty when there is none
-};
-
-/// The desktop file that says that KDE may let this program add screens, of those that come with
-/// it; empty when there is none.
-std::string permissionFileOf(const std::string& program);
-PermissionFacts permissionFacts(const Bundle* pane);
-Findings findingsAboutPermission(const PermissionFacts& facts);
-
 /// What a device's input comes to.
 struct InputFacts {
     bool isX11 = false; ///< elsewhere the desktop takes everything

@@ -1,4 +1,4 @@
-#include "Applications/Doctor/Probes.h"
+#include "Applications/Doctor/PermissionProbe.h"
 
 #include "Tests/Applications/DoctorNames.h"
 #include "Tests/Support/TemporaryFolder.h"

@@ -44,6 +44,7 @@ PrivatePlasma::PrivatePlasma(int monitors, const std::string& trusted)
     mFolder.write(
         "menus/applications.menu",
         "<Menu><Name>Applications</Name><DefaultAppDirs/><Include><All/></Include></Menu>");
+    mFolder.write("kxkbrc", "[Layout]\nUse=true\nLayoutList=us,ru\n");
     if (!trusted.empty())
         trust(trusted);
     mPipeWire = start("pipewire");
@@ -66,7 +67,7 @@ void PrivatePlasma::trust(const std::string& program)
 {
     mFolder.write("share/applications/com.quillon.Test.desktop",
                   "[Desktop Entry]\nType=Application\nName=Test\nNoDisplay=true\nExec=\"" +
-                      program +
+                      std::filesystem::canonical(program).string() +
                       "\"\nX-KDE-Wayland-Interfaces=zkde_screencast_unstable_v1,"
                       "org_kde_kwin_fake_input\n");
 }

@@ -8,8 +8,8 @@
 #include <string>
 
 /// KDE's window manager without hardware, on Wayland, with a bus and a PipeWire of its own. It has
-/// no way to make outputs. Ends with the object. For its length it is the desktop of this process,
-/// too.
+/// no way to make outputs. The keyboard is American, or Russian. Ends with the object. For its
+/// length it is the desktop of this process, too.
 class PrivatePlasma
 {
 public:

@@ -13,7 +13,6 @@ namespace
 constexpr auto ignore = [](auto...) {};
 
 const QString layouts = QStringLiteral("org.kde.KeyboardLayouts");
-const QString service = QStringLiteral("org.kde.keyboard");
 const QString path = QStringLiteral("/Layouts");
 
 /// Larger than any keymap.
@@ -28,17 +27,26 @@ KWinKeyboard::KWinKeyboard(WaylandConnection& connection, SessionBus& bus)
         mSeat.reset(connection.bind<wl_seat>(*seat, wl_seat_interface, 1));
     if (mSeat)
         followSeat();
-    bus.connection().connect(service, path, layouts, QStringLiteral("layoutChanged"), this,
-                             SLOT(useLayout(uint)));
-    auto call = QDBusMessage::createMethodCall(service, path, layouts, QStringLiteral("getLayout"));
-    call.setAutoStartService(false);
-    bus.ask(call, this, [this](const QDBusMessage& reply) {
-        if (reply.signature() == u"u")
-            useLayout(reply.arguments().at(0).toUInt());
-    });
+    followLayout(bus);
 }
 
 KWinKeyboard::~KWinKeyboard() = default;
+
+/// Its service may be missing: then there is one layout.
+void KWinKeyboard::followLayout(SessionBus& bus)
+{
+    auto call = QDBusMessage::createMethodCall(QStringLiteral("org.kde.keyboard"), path, layouts,
+                                               QStringLiteral("getLayout"));
+    call.setAutoStartService(false);
+    bus.ask(call, this, [this, &bus](const QDBusMessage& reply) {
+        if (reply.signature() != u"u")
+            return;
+        useLayout(reply.arguments().at(0).toUInt());
+        mOwner = reply.service();
+        bus.connection().connect(mOwner, path, layouts, QStringLiteral("layoutChanged"), this,
+                                 SLOT(useLayout(uint)));
+    });
+}
 
 void KWinKeyboard::followSeat()
 {

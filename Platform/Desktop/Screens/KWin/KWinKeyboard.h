@@ -32,6 +32,7 @@ private Q_SLOTS:
     void useLayout(unsigned layout);
 
 private:
+    void followLayout(SessionBus& bus);
     void followSeat();
     void followKeyboard();
     void useKeymap(int descriptor, std::uint32_t size);
@@ -39,6 +40,7 @@ private:
     std::unique_ptr<xkb_context, FreeKeyboard> mContext;
     Keymap mKeymap;
     unsigned mLayout = 0; ///< of those that the keymap has
+    QString mOwner;       ///< the layouts' own name on the bus
     ProxyPointer<wl_seat> mSeat;
     ProxyPointer<wl_keyboard> mKeyboard;
 };

@@ -2,6 +2,7 @@
 
 #include "Platform/Types/PixelRect.h"
 #include "Platform/Types/ScreenObstacle.h"
+#include "Platform/Types/ScreenWay.h"
 #include "Platform/Types/WindowKeeping.h"
 
 #include <string>
@@ -10,17 +11,22 @@
 namespace farview
 {
 
-/// What became of the monitor for the device that is connected, as the server tells the others.
+/// What became of the monitor for the device that is connected, or would become of one, as the
+/// server tells the others.
 struct ScreenReport {
     enum class State {
         none,    ///< no device is connected, or one that shows no picture
         coming,  ///< it is being made
         shown,   ///< it is there, and its picture is sent
         missing, ///< the device is connected without a picture
+        // While no device is connected.
+        possible,   ///< one would get a picture
+        impossible, ///< none would get one
     };
 
     State state = State::none;
-    ScreenObstacle obstacle = ScreenObstacle::failed; ///< while it is missing
+    ScreenObstacle obstacle = ScreenObstacle::failed; ///< while it is missing or impossible
+    ScreenWay way = ScreenWay::spareOutput;           ///< while it is possible
 
     // While it is shown.
     int width = 0; ///< in pixels
@@ -29,8 +35,12 @@ struct ScreenReport {
     double rate = 0;  ///< pictures a second; 0 when the desktop does not say
     /// Who takes windows back from it.
     WindowKeeping windows = WindowKeeping::nobody;
-    /// Only one finger at a time gets through, as the pointer.
-    bool isOneFinger = false;
+    /// How many get through at a time; a single one is the pointer.
+    enum class Fingers {
+        several,
+        one,
+        oneWithoutARight, ///< several would, if an administrator allowed it
+    } fingers = Fingers::several;
     /// The device's user has used its keyboard within the last seconds.
     bool isTyping = false;
     PixelRect monitor = {}; ///< where it is, in the desktop's own units
@@ -39,6 +49,10 @@ struct ScreenReport {
 
     static constexpr std::size_t mostScreens = 16;
 
+    /// Whether `obstacle` counts.
+    bool isObstructed() const { return state == State::missing || state == State::impossible; }
+    /// Whether it tells what would become of a device's monitor.
+    bool isOutlook() const { return state == State::possible || state == State::impossible; }
     bool operator==(const ScreenReport&) const = default;
 };
 

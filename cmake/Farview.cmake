@@ -117,17 +117,19 @@ function(farview_program NAME)
   endif()
 endfunction()
 
-# farview_wayland_protocols(NAME description.xml ...): makes <wayland-protocols/description.h> and what goes with it.
+# farview_wayland_protocols(NAME description.xml ...): makes <wayland-protocols/description.h> and what goes with it;
+# for the compositor's side <wayland-server-protocols/description.h>.
 find_program(WAYLAND_SCANNER wayland-scanner REQUIRED)
 function(farview_wayland_protocols NAME)
   set(folder ${CMAKE_CURRENT_BINARY_DIR}/${NAME})
-  file(MAKE_DIRECTORY ${folder}/wayland-protocols)
+  file(MAKE_DIRECTORY ${folder}/wayland-protocols ${folder}/wayland-server-protocols)
   foreach(description ${ARGN})
     cmake_path(ABSOLUTE_PATH description)
     cmake_path(GET description STEM stem)
     add_custom_command(
-      OUTPUT ${folder}/wayland-protocols/${stem}.h ${folder}/${stem}.c
+      OUTPUT ${folder}/wayland-protocols/${stem}.h ${folder}/wayland-server-protocols/${stem}.h ${folder}/${stem}.c
       COMMAND ${WAYLAND_SCANNER} client-header ${description} ${folder}/wayland-protocols/${stem}.h
+      COMMAND ${WAYLAND_SCANNER} server-header ${description} ${folder}/wayland-server-protocols/${stem}.h
       COMMAND ${WAYLAND_SCANNER} private-code ${description} ${folder}/${stem}.c
       DEPENDS ${description} VERBATIM)
     list(APPEND sources ${folder}/${stem}.c ${folder}/wayland-protocols/${stem}.h)

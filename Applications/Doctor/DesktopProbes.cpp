@@ -37,6 +37,16 @@ DisplayFacts displayFacts()
     return facts;
 }
 
+Findings findingsAboutDesktopVersion(const std::string& version)
+{
+    if (version.empty())
+        return {};
+    auto found =
+        finding(Area::display, Severity::ok, "desktop-version", {"The desktop is %@.", {version}});
+    found.details = {{"version", version}};
+    return {found};
+}
+
 Findings findingsAboutDisplay(const DisplayFacts& facts)
 {
     Findings findings;

@@ -1,6 +1,7 @@
 #include "Applications/Doctor/DoctorProgram.h"
 
 #include "Applications/Doctor/PairingProbe.h"
+#include "Applications/Doctor/PermissionProbe.h"
 #include "Applications/Doctor/Sentence.h"
 #include "Applications/OwnPane.h"
 #include "Common/ConnectionFollower.h"
@@ -14,6 +15,7 @@
 #include "Platform/Posix/Settings/PreferencesLocations.h"
 #include "Platform/Preferences.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 
 #include <utility>
@@ -36,6 +38,15 @@ std::string seenDevicesFile()
 std::unique_ptr<Notebook> emptyNotebook()
 {
     return std::make_unique<Notebook>(FARVIEW_VERSION, now());
+}
+
+/// It lies beside the screen server.
+std::string monitorWatcher(const Bundle* pane)
+{
+    const auto server = pane ? pane->pathForResource("ScreenCapture", "app") : std::nullopt;
+    const auto folder =
+        server ? *server + "/Contents/Linux" : QCoreApplication::applicationDirPath().toStdString();
+    return folder + "/farview-monitor-watcher";
 }
 
 /// Those who were confirmed under that name, or with a key that the report shows so: their name, or
@@ -91,6 +102,32 @@ void DoctorProgram::examine(std::function<void(Area)> areaBegun, std::function<v
         *mNotebook, DevicesProbe::Times{});
     mExamination->start(std::move(areaBegun), std::move(ended));
 }
+
+void DoctorProgram::tryScreen(std::function<void()> ended)
+{
+    auto& loop = *mDesktop.platform().runLoop;
+    mTrialScreens =
+        std::make_unique<DesktopScreens>(loop, mDesktop.sessionBus(), monitorWatcher(mPane.get()));
+    mTrial = std::make_shared<ScreenTrial>(loop, mTrialScreens->screens());
+    // Pieces that are missing are no matter here.
+    auto versions = findingsAboutVersions(versionFacts(mDesktop.platform(), mPane.get()));
+    std::erase_if(versions, [](const auto& each) { return each.severity != Severity::ok; });
+    mNotebook->add(std::move(versions));
+    mNotebook->add(findingsAboutDisplay(displayFacts()));
+    askForDesktopVersion(
+        mDesktop.sessionBus(), mLife, [this, ended = std::move(ended)](const auto& version) {
+            mNotebook->add(findingsAboutDesktopVersion(version));
+            mTrial->start([this, ended] {
+                mNotebook->add(findingsAboutTrial(mTrial->facts()));
+                mNotebook->add(findingsAboutPermission(permissionFacts(mPane.get())));
+                if (!mTrial->facts().isBrokenOff)
+                    mNotebook->setComplete();
+                ended();
+            });
+        });
+}
+
+void DoctorProgram::stopTrying() { mTrial->breakOff(); }
 
 void DoctorProgram::switchPacketLog(bool isOn, Ended then)
 {

@@ -3,6 +3,7 @@
 #include "Applications/Doctor/Examination.h"
 #include "Applications/Doctor/FurtherDeviceRequest.h"
 #include "Applications/Doctor/PairingAnswer.h"
+#include "Applications/Doctor/ScreenTrial.h"
 #include "Platform/Desktop/DesktopPlatform.h"
 #include "Platform/Desktop/Screens/DesktopScreens.h"
 #include "Platform/Platform.h"
@@ -31,6 +32,11 @@ public:
     std::string translated(const std::string& text) const;
     /// Begins a run, from the beginning; one that is under way is broken off.
     void examine(std::function<void(Area)> areaBegun, std::function<void()> ended);
+    /// Adds a screen for some seconds and notes what arrives; `ended` is called on a later turn,
+    /// when it has gone.
+    void tryScreen(std::function<void()> ended);
+    /// Takes it away now: the notes are not complete.
+    void stopTrying();
     using Ended = ServerRequest::Ended;
     /// Has the server log what it sends of the screen, or not. `then` is called on a later turn,
     /// with what holds from now on.
@@ -66,6 +72,8 @@ private:
     std::unique_ptr<Notebook> mNotebook;
     std::shared_ptr<Examination> mExamination;
     std::shared_ptr<ServerRequest> mRequest;
+    std::unique_ptr<DesktopScreens> mTrialScreens;
+    std::shared_ptr<ScreenTrial> mTrial;
     const std::shared_ptr<int> mLife = std::make_shared<int>(0); ///< of what is asked
 };
 

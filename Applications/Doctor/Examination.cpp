@@ -1,5 +1,6 @@
 #include "Applications/Doctor/Examination.h"
 
+#include "Applications/Doctor/PermissionProbe.h"
 #include "Applications/Doctor/Probes.h"
 #include "Common/ConnectionFollower.h"
 #include "Common/FVEDistributedNotifications.h"
@@ -150,6 +151,7 @@ void Examination::end(std::vector<DeviceFact> devices, std::size_t more, bool is
         return;
     mNotebook.add(findingsAboutPolkit(mRights));
     mNotebook.add(findingsAboutScreen(mScreen));
+    mNotebook.add(findingsAboutPermission(permissionFacts(mContext.pane.get())));
     mNotebook.add(findingsAboutInput(inputFacts()));
     mNotebook.add(findingsAboutDiscovery(discoveryFacts()));
     auto pairing = trustFacts(mContext.platform);

@@ -175,6 +175,8 @@ struct DisplayFacts {
 
 DisplayFacts displayFacts();
 Findings findingsAboutDisplay(const DisplayFacts& facts);
+/// As the desktop calls itself: "KWin 5.27.5"; empty where it does not say.
+Findings findingsAboutDesktopVersion(const std::string& version);
 
 /// `answer` is nothing when nobody said in time what is possible.
 Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer);

@@ -4,6 +4,7 @@
 #include "Applications/Doctor/HangWatchdog.h"
 #include "Applications/Doctor/PairingAnswer.h"
 #include "Applications/Doctor/Report.h"
+#include "Applications/TerminationSignals.h"
 #include "Common/Rules/PairingReport.h"
 
 #include <QCoreApplication>
@@ -145,10 +146,24 @@ int run(int argc, char** argv, bool asJSON)
     return conclude(program, asJSON);
 }
 
+int tryScreen(int argc, char** argv, bool asJSON)
+{
+    const BusFacts buses = checkBuses();
+    const QCoreApplication application(argc, argv);
+    DoctorProgram program(buses);
+    program.tryScreen([] { QCoreApplication::quit(); });
+    const TerminationSignals termination([&] { program.stopTrying(); });
+    QCoreApplication::exec();
+    return conclude(program, asJSON);
+}
+
 CommandLine::Options options()
 {
     return {
         {u"json"_qs, u"Print the report for programs, as JSON with English texts"_qs},
+        {u"try-screen"_qs,
+         u"Instead, add a screen for five seconds, move the pointer over it, and print what "
+         "arrived of it"_qs},
         {u"packet-log"_qs,
          u"Instead, have the screen server log what it sends of the screen, in files that only "
          "you can read, or end that"_qs,
@@ -194,7 +209,11 @@ int main(int argc, char** argv)
 {
     CommandLine line(CommandLine::words(argc, argv), purpose, options(), exitStatuses);
     const Command command = commandIn(line);
+    if (command && line.has("try-screen"))
+        line.refuse(u"Only one thing at a time"_qs);
     if (line.answer())
         return print(*line.answer());
+    if (line.has("try-screen"))
+        return tryScreen(argc, argv, line.has("json"));
     return command ? carryOut(argc, argv, command) : run(argc, argv, line.has("json"));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/Screens/KWin/KWinVirtualScreens.h"
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
 #include "Platform/Desktop/Screens/ScreenBackends.h"
 #include "Platform/Desktop/Screens/Wlroots/WlrootsVirtualScreens.h"
@@ -19,11 +20,12 @@ public:
     /// `watcher`: the path of the program that undoes a monitor of an X server when this process
     /// has died.
     DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher)
-        : mX11(loop, std::move(watcher)), mMutter(loop, bus), mWlroots(loop),
+        : mX11(loop, std::move(watcher)), mMutter(loop, bus), mWlroots(loop), mKWin(loop, bus),
           mBackends(bus, sessionFacts(),
                     {{ScreenBackend::x11, &mX11},
                      {ScreenBackend::mutter, &mMutter},
-                     {ScreenBackend::wlroots, &mWlroots}})
+                     {ScreenBackend::wlroots, &mWlroots},
+                     {ScreenBackend::kwin, &mKWin}})
     {
     }
 
@@ -33,6 +35,7 @@ private:
     X11VirtualScreens mX11;
     MutterVirtualScreens mMutter;
     WlrootsVirtualScreens mWlroots;
+    KWinVirtualScreens mKWin;
     ScreenBackends mBackends;
 };
 

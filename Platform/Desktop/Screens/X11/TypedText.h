@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Platform/Desktop/Screens/KeyStroke.h"
 #include "Platform/Desktop/Screens/X11/XTestInput.h"
 
 #include <xcb/xcb.h>
-#include <xkbcommon/xkbcommon.h>
 
 #include <chrono>
 #include <memory>
@@ -13,28 +13,6 @@
 
 namespace farview
 {
-
-struct FreeKeyboard {
-    void operator()(xkb_context* context) const { xkb_context_unref(context); }
-    void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
-    void operator()(xkb_state* state) const { xkb_state_unref(state); }
-};
-using Keymap = std::unique_ptr<xkb_keymap, FreeKeyboard>;
-using KeyboardState = std::unique_ptr<xkb_state, FreeKeyboard>;
-
-/// What has to be pressed for one character.
-struct KeyStroke {
-    std::uint8_t code = 0;
-    std::vector<std::uint8_t> held = {}; ///< before and meanwhile: Shift, AltGr
-
-    bool operator==(const KeyStroke&) const = default;
-};
-
-/// How this keyboard writes the character as it is now, whatever layout and locks are on. Nothing
-/// when it has no key for it.
-std::optional<KeyStroke> keyStroke(const xkb_state& keyboard, char32_t character);
-/// The keys that do nothing.
-std::vector<std::uint8_t> spareKeys(xkb_keymap& keymap);
 
 /// Types on an X server. A character that no key writes is lent one that does nothing; that is
 /// given back a second after its last use. One thread; waits for the server.

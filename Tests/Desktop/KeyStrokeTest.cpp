@@ -1,4 +1,4 @@
-#include "Platform/Desktop/Screens/X11/TypedText.h"
+#include "Platform/Desktop/Screens/KeyStroke.h"
 
 #include <gtest/gtest.h>
 

@@ -16,9 +16,9 @@
 namespace farview
 {
 
-/// The pixels and the pointer of a monitor that a PipeWire node shows, in a size that we choose.
-/// Frames are copied where they have changed, by a thread of PipeWire's: whoever has one needs no
-/// PipeWire any more. Main thread only.
+/// The pixels and the pointer of a monitor that a PipeWire node shows, in a size that we choose
+/// unless the node has one of its own. Frames are copied where they have changed, by a thread of
+/// PipeWire's: whoever has one needs no PipeWire any more. Main thread only.
 class PipeWireStream
 {
 public:
@@ -29,6 +29,14 @@ public:
         /// The node was `takenAway`; or it `failed`: PipeWire has gone or is not there, or there is
         /// no memory.
         std::function<void(ScreenObstacle reason)> ended;
+        /// The frames that follow have that size.
+        std::function<void(int width, int height)> sized = [](int, int) {};
+    };
+    /// Where the node is.
+    struct Source {
+        std::uint32_t node = 0;
+        /// A connection to PipeWire, for this stream only; none: the session's PipeWire.
+        FileDescriptor remote = {};
     };
 
     /// The loop must live longer.
@@ -39,7 +47,7 @@ public:
     PipeWireStream& operator=(const PipeWireStream&) = delete;
 
     /// Begins to take what the node shows. Once.
-    void connect(std::uint32_t node, int width, int height);
+    void connect(Source source, int width, int height);
     /// Asks the node for another size, after `connect`.
     void resize(int width, int height);
     /// Frames of a new size are held back until this is called with it. `isOld`: those that came
@@ -78,7 +86,8 @@ private:
     static const pw_stream_events& handlers();
     static const pw_core_events& coreHandlers();
 
-    bool begin(std::uint32_t node, Size size);
+    bool begin(Source source, Size size);
+    pw_core* reach(FileDescriptor remote);
     void tell(std::function<void(const Events&)> news);
     void end(ScreenObstacle reason);
     // On PipeWire's thread:

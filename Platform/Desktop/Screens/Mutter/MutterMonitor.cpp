@@ -37,7 +37,7 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
                                         [this](auto reason) { endSoon(reason); }},
       mSession(bus,
                {[this] { queue(); },
-                [this](auto node) { mStream.connect(node, mPart.wish.width, mPart.wish.height); },
+                [this](auto node) { mStream.connect({node}, mPart.wish.width, mPart.wish.height); },
                 [this](auto reason) { lose(reason); }}),
       mStream(loop, {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
                      [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },

@@ -10,7 +10,6 @@
 #include <array>
 #include <cerrno>
 #include <exception>
-#include <limits>
 #include <utility>
 
 namespace farview
@@ -27,7 +26,8 @@ constexpr std::chrono::milliseconds patience{200};
 constexpr std::chrono::milliseconds patienceAfterFrame{1000};
 constexpr std::chrono::milliseconds longestPatience{10'000};
 
-constexpr int longestSide = std::numeric_limits<std::int16_t>::max();
+/// More than any picture that a graphics processor holds.
+constexpr int longestSide = 16384;
 
 /// Memory in which parameters are written.
 struct ParameterMemory {
@@ -139,6 +139,11 @@ const pw_core_events& PipeWireStream::coreHandlers()
         return events;
     }();
     return all;
+}
+
+bool PipeWireStream::isPossible(int width, int height)
+{
+    return width > 0 && width <= longestSide && height > 0 && height <= longestSide;
 }
 
 void PipeWireStream::connect(Source source, int width, int height)
@@ -254,9 +259,9 @@ void PipeWireStream::useParameter(std::uint32_t id, const spa_pod* value)
         return;
     spa_video_info_raw format{};
     const bool isKnown = spa_format_video_raw_parse(value, &format) >= 0;
-    const auto [width, height] = format.size;
-    if (isKnown && width > 0 && width <= longestSide && height > 0 && height <= longestSide)
-        useFormat({static_cast<int>(width), static_cast<int>(height)});
+    const Size size{static_cast<int>(format.size.width), static_cast<int>(format.size.height)};
+    if (isKnown && isPossible(size.width, size.height))
+        useFormat(size);
     else
         end(ScreenObstacle::failed);
 }

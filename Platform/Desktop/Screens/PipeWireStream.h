@@ -46,6 +46,9 @@ public:
     PipeWireStream(const PipeWireStream&) = delete;
     PipeWireStream& operator=(const PipeWireStream&) = delete;
 
+    /// Whether a monitor can have that size.
+    static bool isPossible(int width, int height);
+
     /// Begins to take what the node shows. Once.
     void connect(Source source, int width, int height);
     /// Asks the node for another size, after `connect`.

@@ -4,6 +4,7 @@
 #include "Platform/InputSink.h"
 #include "Platform/ScreenSource.h"
 #include "Platform/Types/ScreenObstacle.h"
+#include "Platform/Types/ScreenWay.h"
 #include "Platform/Types/WindowKeeping.h"
 
 #include <functional>
@@ -14,13 +15,6 @@
 
 namespace farview
 {
-
-/// How a monitor is made.
-enum class ScreenWay {
-    spareOutput,     ///< an output without a plug is switched on
-    namedMonitor,    ///< the X server is told of a monitor that no output shows
-    desktopProtocol, ///< the desktop has operations for it
-};
 
 /// A way, or what is in its way.
 struct ScreenAvailability {

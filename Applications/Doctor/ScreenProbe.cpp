@@ -1,5 +1,6 @@
 #include "Applications/Doctor/Probes.h"
 
+#include "Common/Rules/DesktopAbilities.h"
 #include "Common/Rules/ScreenTexts.h"
 #include "Platform/Desktop/Screens/ScreenBackends.h"
 #include "Platform/Desktop/Screens/X11/InputDevices.h"
@@ -25,7 +26,13 @@ Finding aboutWay(ScreenWay way)
         return finding(Severity::ok, "named-monitor",
                        "A screen can be added: the X server and the window manager take one that "
                        "no output shows.");
-    case ScreenWay::desktopProtocol:
+    case ScreenWay::portal:
+        return finding(Severity::ok, "portal",
+                       "A screen can be added, after the desktop has asked whether it may.");
+    case ScreenWay::existingScreen:
+        return finding(Severity::ok, "existing-screen",
+                       "One of your screens can be shown, after the desktop has asked which.");
+    default:
         break;
     }
     return finding(Severity::ok, "desktop",
@@ -52,7 +59,12 @@ Findings findingsAboutScreen(const std::optional<ScreenAvailability>& answer)
     if (!answer)
         return {finding(Severity::note, "unanswered",
                         "Nobody said in time whether a screen can be added.")};
-    return {answer->way ? aboutWay(*answer->way) : aboutObstacle(answer->obstacle)};
+    if (!answer->way)
+        return {aboutObstacle(answer->obstacle)};
+    Findings findings{aboutWay(*answer->way)};
+    for (const auto& limit : limitsOf(*answer->way))
+        findings.push_back(finding(Severity::note, limit.name, limit.text));
+    return findings;
 }
 
 InputFacts inputFacts()

@@ -8,7 +8,8 @@ namespace farview
 namespace
 {
 
-constexpr const char* useGNOME = "Log in to GNOME on Wayland instead: it can add screens.";
+constexpr const char* useAnother =
+    "Log in to GNOME or sway on Wayland instead: they can add screens.";
 
 // In the order of the enumeration.
 constexpr std::array obstacles = {
@@ -16,8 +17,8 @@ constexpr std::array obstacles = {
                   "Log in to GNOME, or to a desktop on X11.", "no-desktop", true},
     ObstacleTexts{"This desktop cannot get another screen: the graphics driver has no output to "
                   "spare.",
-                  useGNOME, "no-spare-output", true},
-    ObstacleTexts{"This desktop lacks what Farview adds a screen with.", useGNOME,
+                  useAnother, "no-spare-output", true},
+    ObstacleTexts{"This desktop lacks what Farview adds a screen with.", useAnother,
                   "protocol-missing", true},
     ObstacleTexts{"The desktop does not let Farview add a screen.",
                   "Ask the administrator of this computer to allow sharing of the screen.",

@@ -199,7 +199,7 @@ void FakeMonitor::end(ScreenObstacle reason)
 
 void FakeVirtualScreens::availability(std::weak_ptr<void> target, Answer then)
 {
-    ScreenAvailability found{ScreenWay::desktopProtocol};
+    ScreenAvailability found{ScreenWay::gnome};
     if (mObstacle)
         found = {std::nullopt, *mObstacle};
     mLoop.post(std::move(target), [found, then = std::move(then)] { then(found); });

@@ -239,14 +239,25 @@ TEST(DisplayFindings, NameTheDisplay)
 
 TEST(ScreenFindings, NameTheWayInWhichAScreenIsAdded)
 {
-    for (const auto& [way, name] : {std::pair{ScreenWay::spareOutput, "spare-output"},
-                                    std::pair{ScreenWay::namedMonitor, "named-monitor"},
-                                    std::pair{ScreenWay::desktopProtocol, "desktop"}}) {
+    for (const auto& [way, name] :
+         {std::pair{ScreenWay::spareOutput, "spare-output"},
+          std::pair{ScreenWay::namedMonitor, "named-monitor"},
+          std::pair{ScreenWay::gnome, "desktop"}, std::pair{ScreenWay::portal, "portal"},
+          std::pair{ScreenWay::existingScreen, "existing-screen"}}) {
         const auto findings = findingsAboutScreen(ScreenAvailability{way});
-        EXPECT_THAT(names(findings), ElementsAre(name));
-        EXPECT_THAT(troubles(findings), IsEmpty());
+        ASSERT_FALSE(findings.empty());
+        EXPECT_EQ(findings.front().name, name);
+        EXPECT_EQ(findings.front().severity, Severity::ok);
         EXPECT_EQ(findings.front().area, Area::screen);
     }
+}
+
+TEST(ScreenFindings, NameWhatTheDesktopLacks)
+{
+    EXPECT_THAT(names(findingsAboutScreen(ScreenAvailability{ScreenWay::existingScreen})),
+                ElementsAre("existing-screen", "no-new-screen"));
+    EXPECT_THAT(names(findingsAboutScreen(ScreenAvailability{ScreenWay::gnome})),
+                ElementsAre("desktop"));
 }
 
 TEST(ScreenFindings, SayWhatIsInTheWayAndWhatToDoInTheWordsOfThePanel)

@@ -139,7 +139,7 @@ TEST_F(ScreenBackendsTest, WhereTheDesktopLetsNobodyAskThePortalIsAsked)
 {
     mPlasma.setObstacle(ScreenObstacle::notPermitted);
     ScreenBackends screens(mBus, onWayland({.desktop = "KDE"}), mBodies);
-    EXPECT_EQ(way(screens), ScreenWay::desktopProtocol);
+    EXPECT_EQ(way(screens), ScreenWay::gnome);
     const auto screen = screens.open({}, mListener);
     EXPECT_EQ(mPortal.monitors().size(), 1U);
     EXPECT_EQ(mPlasma.monitors().size(), 0U);

@@ -63,7 +63,7 @@ private:
         if (target && obstacle)
             mThen({std::nullopt, *obstacle});
         else if (target)
-            mThen({ScreenWay::desktopProtocol, {}});
+            mThen({ScreenWay::gnome, {}});
     }
 
     SessionBus& mBus;

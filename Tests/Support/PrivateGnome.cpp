@@ -5,13 +5,9 @@
 #include <QDBusConnectionInterface>
 #include <QDBusObjectPath>
 
-#include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
@@ -72,18 +68,6 @@ std::unique_ptr<ChildProcess> PrivateGnome::start(const std::string& command)
 GnomeArranger::GnomeArranger(PrivateGnome& desktop, bool hasMouse)
     : mConnection(connectionTo(desktop.bus().address()))
 {
-    // No end of the pipe stays open in other programs that the test starts.
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
-    mCommands = ends[1];
-    const auto reader = std::to_string(ends[0]);
-    ::fcntl(ends[0], F_SETFD, 0);
-    mPainter = std::make_unique<ChildProcess>(
-        std::vector<std::string>{"sh", "-c",
-                                 "exec " FARVIEW_SCREEN_PAINTER " <&" + reader + " " + reader +
-                                     "<&- >'" + mFolder.path("input") + "'"});
-    ::close(ends[0]);
     if (hasMouse)
         bePointer();
 }
@@ -101,12 +85,7 @@ void GnomeArranger::bePointer()
     mPointerY = 0;
 }
 
-GnomeArranger::~GnomeArranger()
-{
-    ::close(mCommands);
-    mPainter.reset();
-    QDBusConnection::disconnectFromBus(kConnectionName);
-}
+GnomeArranger::~GnomeArranger() { QDBusConnection::disconnectFromBus(kConnectionName); }
 
 QDBusMessage GnomeArranger::call(const QString& service, const QString& path,
                                  const QString& interface, const QString& member,
@@ -151,43 +130,4 @@ void GnomeArranger::movePointer(int x, int y)
          {double(x - mPointerX), double(y - mPointerY)});
     mPointerX = x;
     mPointerY = y;
-}
-
-void GnomeArranger::fill(int x, int y, int width, int height, std::uint32_t colour)
-{
-    std::ostringstream line;
-    line << "fill " << x << " " << y << " " << width << " " << height << " " << colour << "\n";
-    say(line.str());
-}
-
-void GnomeArranger::cover(const std::string& monitor, int width, int height, double scale,
-                          std::uint32_t colour)
-{
-    std::ostringstream line;
-    line << "cover " << monitor << " " << width << " " << height << " " << scale << " " << colour
-         << "\n";
-    say(line.str());
-}
-
-void GnomeArranger::setCursor(int side, std::uint32_t colour, int hotspot)
-{
-    std::ostringstream line;
-    line << "cursor " << side << " " << colour << " " << hotspot << "\n";
-    say(line.str());
-}
-
-std::vector<std::string> GnomeArranger::takeInput()
-{
-    std::ifstream file(mFolder.path("input"));
-    file.seekg(mTaken);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line) && !file.eof(); mTaken = file.tellg())
-        lines.push_back(line);
-    return lines;
-}
-
-void GnomeArranger::say(const std::string& line)
-{
-    if (::write(mCommands, line.data(), line.size()) != static_cast<ssize_t>(line.size()))
-        throw std::runtime_error("the painter does not listen");
 }

@@ -2,14 +2,13 @@
 
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/PrivateBus.h"
+#include "Tests/Support/ScreenPainter.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include "Platform/Desktop/Screens/Mutter/DisplayState.h"
 
 #include <QDBusConnection>
 
-#include <cstdint>
-#include <ios>
 #include <memory>
 #include <string>
 #include <vector>
@@ -45,9 +44,9 @@ private:
     std::unique_ptr<ChildProcess> mMutter;
 };
 
-/// Other programs on that desktop: one that arranges monitors and moves the pointer, which waits
-/// for every answer, and one that paints and tells of the input that it gets.
-class GnomeArranger
+/// Other programs on that desktop: the painter, and one that arranges monitors and moves the
+/// pointer, which waits for every answer.
+class GnomeArranger : public ScreenPainter
 {
 public:
     /// Without a mouse it cannot move the pointer.
@@ -64,30 +63,13 @@ public:
     /// As a mouse would.
     void movePointer(int x, int y);
 
-    /// Draws on a window that covers the monitor there; its rest is black.
-    void fill(int x, int y, int width, int height, std::uint32_t colour);
-    /// Covers a monitor with a new window, as soon as the monitor is like that, its size
-    /// in the desktop's units.
-    void cover(const std::string& monitor, int width, int height, double scale,
-               std::uint32_t colour);
-    /// A square of one colour in the place of the pointer, over windows that `fill` has made.
-    void setCursor(int side, std::uint32_t colour, int hotspot);
-    /// What those windows got since this was asked last, in words, such as
-    /// "Meta-2 finger 0 down 100,200"; places in the monitor's pixels.
-    std::vector<std::string> takeInput();
-
 private:
     void bePointer();
     QDBusMessage call(const QString& service, const QString& path, const QString& interface,
                       const QString& member, const QVariantList& arguments = {});
-    void say(const std::string& line);
 
     QDBusConnection mConnection;
     QString mPointer;
     int mPointerX = 0;
     int mPointerY = 0;
-    int mCommands = -1;
-    TemporaryFolder mFolder;
-    std::streamoff mTaken = 0;
-    std::unique_ptr<ChildProcess> mPainter;
 };

@@ -162,6 +162,7 @@ pw_core* PipeWireStream::reach(FileDescriptor remote)
 /// Everything belongs to the thread as soon as that runs.
 bool PipeWireStream::begin(Source source, Size size)
 {
+    mRepeats = source.repeats;
     mThread.reset(pw_thread_loop_new("screen", nullptr));
     if (!mThread)
         return false;
@@ -318,6 +319,8 @@ void PipeWireStream::refresh(std::uint64_t)
 /// Instead of when it was due before.
 void PipeWireStream::refreshIn(std::chrono::milliseconds delay)
 {
+    if (!mRepeats)
+        return;
     const std::chrono::nanoseconds rest = delay % std::chrono::seconds(1);
     timespec value{delay / std::chrono::seconds(1), rest.count()};
     pw_loop_update_timer(pw_thread_loop_get_loop(mThread.get()), mTimer, &value, nullptr, false);

@@ -37,6 +37,9 @@ public:
         std::uint32_t node = 0;
         /// A connection to PipeWire, for this stream only; none: the session's PipeWire.
         FileDescriptor remote = {};
+        /// The node sends the pointer apart from frames, may lose one over it, and repeats the
+        /// newest when it is paused for a moment. Others lose one then.
+        bool repeats = true;
     };
 
     /// The loop must live longer.
@@ -122,7 +125,8 @@ private:
     spa_hook mCoreHook{};
     spa_source* mTimer = nullptr;
     std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
-    bool mIsInDoubt = true;                 ///< a frame may have been lost
+    bool mRepeats = true;
+    bool mIsInDoubt = true; ///< a frame may have been lost
     Size mSize;
     Size mShown; ///< frames of another size are held back
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;

@@ -81,7 +81,7 @@ ScreenAvailability availabilityOf(const PortalOffer& offer)
     const auto plan = portalPlan(offer, false);
     if (offer.obstacle || !plan.source)
         return {std::nullopt, offer.obstacle.value_or(ScreenObstacle::protocolMissing)};
-    return {plan.isMirror ? ScreenWay::existingScreen : ScreenWay::desktopProtocol, {}};
+    return {plan.isMirror ? ScreenWay::existingScreen : ScreenWay::portal, {}};
 }
 
 QDBusMessage portalCall(const QString& interface, const char* member)

@@ -245,7 +245,7 @@ void PortalSession::openRemote(std::optional<PixelRect> area)
             return end(ScreenObstacle::failed);
         mIsStarted = true;
         if (!mIsOver)
-            mEvents.started({{mNode, std::move(remote)}, area, mPlan});
+            mEvents.started({{mNode, std::move(remote), mPlan.isPointerApart}, area, mPlan});
     });
 }
 

@@ -35,8 +35,9 @@ inline constexpr const char* kDisconnectFurtherDevice =
 /// the query for the connected device.
 inline constexpr const char* kServerFurtherDevicesDidChange =
     "com.quillon.Farview.ServerFurtherDevicesDidChange";
-/// Server: what became of the monitor for the device that is connected; a `ScreenReport` as a text
-/// under `kScreenReportKey`. After each report of a connection, and whenever it changes.
+/// Server: what became of the monitor for the device that is connected, or would become of one; a
+/// `ScreenReport` as a text under `kScreenReportKey`. After each report of a connection or of its
+/// end, and whenever it changes.
 inline constexpr const char* kServerScreenDidChange = "com.quillon.Farview.ServerScreenDidChange";
 /// Server: whether a device may be used is in question; a `PairingReport` as a text under
 /// `kPairingReportKey`. Whenever that changes, and in answer to the query for the connected device.

@@ -154,7 +154,6 @@ private:
     void followPreferences();
     void releaseOutlets();
     void beginUpdates();
-
     farview::DeviceMenuInputs deviceMenuInputs();
     std::shared_ptr<farview::MenuItem> menuItem(const farview::MenuEntry& entry);
     void requestConnection(const farview::NetService& service);
@@ -167,8 +166,9 @@ private:
     void updateDeviceHint();
     std::string connectedText();
     std::string screenText();
+    std::string searchText(const farview::DiscoveryHintInputs& inputs);
     std::string connectedDevice() const;
-    void showScreen(bool isConnected);
+    void showScreen(bool isOn);
     void showPairing();
     void delayYes();
     void confirmAnew(const std::string& device);

@@ -1,4 +1,5 @@
 #include "Common/FVEPreferences.h"
+#include "Common/Rules/DesktopAbilities.h"
 #include "Common/Rules/DeviceScreen.h"
 #include "Common/Rules/FilledText.h"
 #include "Common/Rules/ScreenTexts.h"
@@ -18,6 +19,15 @@ void showHint(farview::TextField& label, const std::string& hint)
         label.setStringValue(hint);
 }
 
+std::optional<farview::WindowKeeping> windowKeepingIn(const std::optional<ScreenReport>& report)
+{
+    if (report && report->state == ScreenReport::State::shown)
+        return report->windows;
+    if (report && report->state == ScreenReport::State::possible)
+        return farview::desktopAbilities(report->way).windows;
+    return std::nullopt;
+}
+
 } // namespace
 
 void FVEPreferencePane::serverScreenDidChange(const farview::Notification& notification)
@@ -25,8 +35,8 @@ void FVEPreferencePane::serverScreenDidChange(const farview::Notification& notif
     connection().followScreen(notification);
     const auto& report = connection().screen();
     // What the desktop can do does not end with the connection.
-    if (report && report->state == ScreenReport::State::shown)
-        showHint(*windowsHintLabel(), localized(farview::windowsHint(report->windows)));
+    if (const auto windows = windowKeepingIn(report))
+        showHint(*windowsHintLabel(), localized(farview::windowsHint(*windows)));
     updateDeviceHint();
 }
 
@@ -36,7 +46,8 @@ void FVEPreferencePane::serverFurtherDevicesDidChange(const farview::Notificatio
     updateDeviceHint();
 }
 
-/// What becomes of the connected device's monitor, a line for each thing to say.
+/// What becomes of the connected device's monitor, or would become of one: a line for each thing
+/// to say.
 std::string FVEPreferencePane::screenText()
 {
     const auto& report = connection().screen();
@@ -47,8 +58,11 @@ std::string FVEPreferencePane::screenText()
     const auto remembered =
         rememberedScreen(FVEPreferences::sharedAppPrefs().deviceScreen(connectedDevice()));
     const bool wantsHiDPI = enableHiDPIResolutions()->state() == 1 && remembered.scale != 1;
-    const auto advice = screenAdvice(*report, wantsHiDPI, inWords);
-    return "\n" + screenSentence(*report, inWords) + (advice.empty() ? "" : "\n" + advice);
+    std::string lines;
+    for (const auto& line :
+         {screenSentence(*report, inWords), screenAdvice(*report, wantsHiDPI, inWords)})
+        lines += line.empty() ? line : "\n" + line;
+    return lines;
 }
 
 /// The name under which the device's monitor is remembered; empty while none is connected.
@@ -59,11 +73,10 @@ std::string FVEPreferencePane::connectedDevice() const
     return name.value_or(std::string{});
 }
 
-void FVEPreferencePane::showScreen(bool isConnected)
+void FVEPreferencePane::showScreen(bool isOn)
 {
-    const auto report =
-        isConnected ? connection().screen().value_or(ScreenReport{}) : ScreenReport{};
-    const bool hasObstacle = report.state == ScreenReport::State::missing;
+    const auto report = isOn ? connection().screen().value_or(ScreenReport{}) : ScreenReport{};
+    const bool hasObstacle = report.isObstructed();
     const bool hasPlace = report.state == ScreenReport::State::shown && !report.screens.empty();
     screenDiagnoseButton()->setHidden(!hasObstacle ||
                                       !farview::obstacleTexts(report.obstacle).diagnosisHelps);

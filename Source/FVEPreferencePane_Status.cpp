@@ -140,10 +140,19 @@ void FVEPreferencePane::updateDeviceHint()
     inputs.condition = mPlatform.discovery->condition();
     inputs.inVain = searchesInVain(farview::waitsForDevices(inputs));
     const bool isConnected = inputs.on && inputs.connected;
-    deviceHintLabel()->setStringValue(isConnected ? connectedText()
-                                                  : localized(farview::discoveryHint(inputs)));
-    showScreen(isConnected);
+    deviceHintLabel()->setStringValue(isConnected ? connectedText() : searchText(inputs));
+    showScreen(inputs.on);
     mFurtherDevices->show(inputs.on);
+}
+
+/// What helps to find a device, and what is known of its picture before one is tried.
+std::string FVEPreferencePane::searchText(const farview::DiscoveryHintInputs& inputs)
+{
+    const auto& report = connection().screen();
+    auto text = localized(farview::discoveryHint(inputs));
+    if (inputs.on && report && report->isOutlook())
+        text += screenText();
+    return text.starts_with('\n') ? text.substr(1) : text;
 }
 
 std::optional<std::string> FVEPreferencePane::connectedName() const

@@ -136,6 +136,7 @@ private:
     void deviceWent(const LinkEnd& end);
     DeviceConnection* asking() const;
     void announceState();
+    void announceNone();
     void post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo = {});
     void postDevice(const char* name);
     void postPairing();

@@ -26,7 +26,22 @@ void ScreenServer::announceState()
     if (mFirst->isConnected())
         postDevice(kServerConnectedToDevice);
     else
-        post(kServerDisconnectedFromDevice);
+        announceNone();
+}
+
+/// And whether a device would get a picture: the user is to know that before trying one.
+void ScreenServer::announceNone()
+{
+    post(kServerDisconnectedFromDevice);
+    mServices.screens.availability(weak_from_this(), [this](const ScreenAvailability& found) {
+        if (mFirst->isConnected() || mState != State::running)
+            return;
+        const auto report =
+            found.way ? ScreenReport{.state = ScreenReport::State::possible, .way = *found.way}
+                      : ScreenReport{.state = ScreenReport::State::impossible,
+                                     .obstacle = found.obstacle};
+        post(kServerScreenDidChange, {{kScreenReportKey, textOfScreenReport(report)}});
+    });
 }
 
 void ScreenServer::post(const char* name, DistributedNotificationCenter::TextUserInfo userInfo)

@@ -13,7 +13,7 @@ using enum Ability;
 constexpr std::array abilities{
     DesktopAbilities{.way = ScreenWay::spareOutput,
                      .desktop = "X11, with an output to spare",
-                     .tested = "Xorg 21.1",
+                     .tested = "Xorg 1.21.1",
                      .monitor = yes,
                      .size = yes,
                      .scale = no,
@@ -24,7 +24,7 @@ constexpr std::array abilities{
                      .crash = yes},
     DesktopAbilities{.way = ScreenWay::namedMonitor,
                      .desktop = "X11, without",
-                     .tested = "Xorg 21.1",
+                     .tested = "Xorg 1.21.1",
                      .monitor = yes,
                      .size = yes,
                      .scale = no,

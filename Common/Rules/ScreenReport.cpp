@@ -1,8 +1,10 @@
 #include "Common/Rules/ScreenReport.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <sstream>
 
 namespace farview
@@ -10,9 +12,7 @@ namespace farview
 namespace
 {
 
-constexpr std::array words{"none", "coming", "shown", "missing"};
-constexpr int lastObstacle = static_cast<int>(ScreenObstacle::failed);
-constexpr int lastKeeping = static_cast<int>(WindowKeeping::byFarview);
+constexpr std::array words{"none", "coming", "shown", "missing", "possible", "impossible"};
 constexpr double hundredths = 100;
 constexpr std::size_t longestText = 1024;
 
@@ -31,20 +31,28 @@ std::istream& operator>>(std::istream& in, PixelRect& rect)
     return in;
 }
 
+/// Of an enumeration that ends with `last`.
+template <typename Enumeration>
+std::optional<Enumeration> numberIn(std::istream& in, Enumeration last)
+{
+    int number = 0;
+    const bool isOne = in >> number && number >= 0 && number <= static_cast<int>(last);
+    return isOne ? std::optional(static_cast<Enumeration>(number)) : std::nullopt;
+}
+
 /// Nothing when it is not a report that shows something.
 ScreenReport shownReport(std::istream& in)
 {
     ScreenReport report{.state = ScreenReport::State::shown};
     int scale = 0;
     int rate = 0;
-    int windows = 0;
-    in >> report.width >> report.height >> scale >> rate >> windows >> report.isOneFinger >>
-        report.isTyping >> report.monitor;
-    const bool isSound = isSide(report.width) && isSide(report.height) && scale > 0 && rate >= 0 &&
-                         windows >= 0 && windows <= lastKeeping;
-    if (!in || !isSound)
+    in >> report.width >> report.height >> scale >> rate;
+    const auto windows = numberIn(in, WindowKeeping::byFarview);
+    in >> report.isOneFinger >> report.isTyping >> report.monitor;
+    const bool isSound = isSide(report.width) && isSide(report.height) && scale > 0 && rate >= 0;
+    if (!in || !isSound || !windows)
         return {};
-    report.windows = static_cast<WindowKeeping>(windows);
+    report.windows = *windows;
     report.scale = scale / hundredths;
     report.rate = rate / hundredths;
     PixelRect screen;
@@ -59,8 +67,10 @@ std::string textOfScreenReport(const ScreenReport& report)
 {
     std::ostringstream out;
     out << words.at(static_cast<std::size_t>(report.state));
-    if (report.state == ScreenReport::State::missing)
+    if (report.isObstructed())
         out << ' ' << static_cast<int>(report.obstacle);
+    if (report.state == ScreenReport::State::possible)
+        out << ' ' << static_cast<int>(report.way);
     if (report.state != ScreenReport::State::shown)
         return out.str();
     out << ' ' << report.width << ' ' << report.height << ' '
@@ -80,13 +90,26 @@ ScreenReport screenReport(const std::string* text)
     in.imbue(std::locale::classic());
     std::string word;
     in >> word;
-    if (word == words[2])
+    const auto place = std::find(words.begin(), words.end(), word) - words.begin();
+    const auto state = static_cast<ScreenReport::State>(place);
+    switch (state) {
+    case ScreenReport::State::coming:
+        return {.state = state};
+    case ScreenReport::State::shown:
         return shownReport(in);
-    int obstacle = 0;
-    if (word == words[3] && in >> obstacle && obstacle >= 0 && obstacle <= lastObstacle)
-        return {.state = ScreenReport::State::missing,
-                .obstacle = static_cast<ScreenObstacle>(obstacle)};
-    return {.state = word == words[1] ? ScreenReport::State::coming : ScreenReport::State::none};
+    case ScreenReport::State::missing:
+    case ScreenReport::State::impossible:
+        if (const auto obstacle = numberIn(in, ScreenObstacle::failed))
+            return {.state = state, .obstacle = *obstacle};
+        break;
+    case ScreenReport::State::possible:
+        if (const auto way = numberIn(in, ScreenWay::existingScreen))
+            return {.state = state, .way = *way};
+        break;
+    case ScreenReport::State::none:
+        break;
+    }
+    return {};
 }
 
 } // namespace farview

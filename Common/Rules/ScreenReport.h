@@ -2,6 +2,7 @@
 
 #include "Platform/Types/PixelRect.h"
 #include "Platform/Types/ScreenObstacle.h"
+#include "Platform/Types/ScreenWay.h"
 #include "Platform/Types/WindowKeeping.h"
 
 #include <string>
@@ -10,17 +11,22 @@
 namespace farview
 {
 
-/// What became of the monitor for the device that is connected, as the server tells the others.
+/// What became of the monitor for the device that is connected, or would become of one, as the
+/// server tells the others.
 struct ScreenReport {
     enum class State {
         none,    ///< no device is connected, or one that shows no picture
         coming,  ///< it is being made
         shown,   ///< it is there, and its picture is sent
         missing, ///< the device is connected without a picture
+        // While no device is connected.
+        possible,   ///< one would get a picture
+        impossible, ///< none would get one
     };
 
     State state = State::none;
-    ScreenObstacle obstacle = ScreenObstacle::failed; ///< while it is missing
+    ScreenObstacle obstacle = ScreenObstacle::failed; ///< while it is missing or impossible
+    ScreenWay way = ScreenWay::spareOutput;           ///< while it is possible
 
     // While it is shown.
     int width = 0; ///< in pixels
@@ -39,6 +45,10 @@ struct ScreenReport {
 
     static constexpr std::size_t mostScreens = 16;
 
+    /// Whether `obstacle` counts.
+    bool isObstructed() const { return state == State::missing || state == State::impossible; }
+    /// Whether it tells what would become of a device's monitor.
+    bool isOutlook() const { return state == State::possible || state == State::impossible; }
     bool operator==(const ScreenReport&) const = default;
 };
 

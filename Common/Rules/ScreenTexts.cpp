@@ -1,5 +1,7 @@
 #include "Common/Rules/ScreenTexts.h"
 
+#include "Common/Rules/DesktopAbilities.h"
+
 #include <array>
 #include <cmath>
 
@@ -71,6 +73,18 @@ std::string shownSentence(const ScreenReport& report, const Localize& localized)
                                             {size, place, rounded(report.scale * percent)});
 }
 
+/// Those that nothing else of the panel tells.
+std::string limits(ScreenWay way, bool wantsHiDPI, const Localize& localized)
+{
+    std::string lines;
+    for (const auto& limit : limitsOf(way)) {
+        const std::string name = limit.name;
+        if (name != "windows-stay" && (wantsHiDPI || name != "no-enlarging"))
+            lines += (lines.empty() ? "" : "\n") + localized(limit.text);
+    }
+    return lines;
+}
+
 } // namespace
 
 const ObstacleTexts& obstacleTexts(ScreenObstacle obstacle)
@@ -91,7 +105,10 @@ std::string screenSentence(const ScreenReport& report, const Localize& localized
     case ScreenReport::State::coming:
         return localized("The device's screen is being added to your desktop…");
     case ScreenReport::State::missing:
+    case ScreenReport::State::impossible:
         return localized(obstacleTexts(report.obstacle).trouble);
+    case ScreenReport::State::possible:
+        return {};
     case ScreenReport::State::none:
         break;
     }
@@ -106,8 +123,10 @@ std::string screenSize(const ScreenReport& report, const Localize& localized)
 
 std::string screenAdvice(const ScreenReport& report, bool wantsHiDPI, const Localize& localized)
 {
-    if (report.state == ScreenReport::State::missing)
+    if (report.isObstructed())
         return localized(obstacleTexts(report.obstacle).remedy);
+    if (report.state == ScreenReport::State::possible)
+        return limits(report.way, wantsHiDPI, localized);
     if (report.state != ScreenReport::State::shown)
         return {};
     std::string advice;

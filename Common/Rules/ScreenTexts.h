@@ -24,14 +24,14 @@ const ObstacleTexts& obstacleTexts(ScreenObstacle obstacle);
 std::string screenPlace(ScreenSide side, const Localize& localized);
 
 /// What became of the monitor for a connected device, in a line: "1920 × 1200 at 60 Hz, to the
-/// right of your main display", or why there is none.
+/// right of your main display", or why there is or would be none; empty when one is possible.
 std::string screenSentence(const ScreenReport& report, const Localize& localized);
 
 /// Its size alone: "1920 × 1200".
 std::string screenSize(const ScreenReport& report, const Localize& localized);
 
 /// What the user may want to know or do beside that, a line for each: the remedy, that `wantsHiDPI`
-/// is in vain, that only one finger gets through. Empty when there is nothing.
+/// is in vain, what the desktop lacks. Empty when there is nothing.
 std::string screenAdvice(const ScreenReport& report, bool wantsHiDPI, const Localize& localized);
 
 /// Why it does not matter whether the user wants windows to be moved back. Empty where it does.

@@ -622,7 +622,20 @@ TEST_F(ScreenServerWithAScreen, RemovesTheMonitorWithTheConnection)
     connectToTablet();
     request(kDisconnectCurrentServerFromHost);
     EXPECT_EQ(monitors(), 0U);
-    EXPECT_EQ(lastReport(), ScreenReport{});
+    EXPECT_EQ(lastReport(),
+              (ScreenReport{.state = ScreenReport::State::possible, .way = ScreenWay::gnome}));
+}
+
+TEST_F(ScreenServerWithAScreen, SaysBeforeADeviceIsTriedThatItWouldHaveNoPicture)
+{
+    start();
+    fake.virtualScreens.setObstacle(ScreenObstacle::notPermitted);
+    request(kQueryRequestForConnectedHost);
+    EXPECT_EQ(lastReport(), (ScreenReport{.state = ScreenReport::State::impossible,
+                                          .obstacle = ScreenObstacle::notPermitted}));
+    fake.virtualScreens.setObstacle({});
+    request(kQueryRequestForConnectedHost);
+    EXPECT_EQ(lastReport().state, ScreenReport::State::possible) << "asked anew";
 }
 
 TEST_F(ScreenServerWithAScreen, RemovesTheMonitorOfADeviceThatIsLost)

@@ -2,7 +2,7 @@
 // has it put a finger at 500,300 there, and press a key (KEY_A) and a button, for ever.
 
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
+#include "Platform/Desktop/Screens/DesktopScreens.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Desktop/ScreenListener.h"
 
@@ -33,10 +33,14 @@ int main(int argc, char** argv)
     farview::FakeLog log;
     farview::SessionBus bus(log);
     farview::QtRunLoop loop;
-    farview::MutterVirtualScreens screens(loop, bus);
+    farview::DesktopScreens desktop(loop, bus, FARVIEW_MONITOR_WATCHER);
     const auto listener = std::make_shared<farview::ScreenListener>();
-    const auto screen =
-        screens.open({.name = "Tablet", .width = 1024, .height = 600, .input = true}, listener);
+    std::unique_ptr<farview::VirtualScreen> screen;
+    // Once it has answered, it is known which desktop this is.
+    desktop.screens().availability(listener, [&](auto&) {
+        screen = desktop.screens().open(
+            {.name = "Tablet", .width = 1024, .height = 600, .input = true}, listener);
+    });
     QTimer timer;
     timer.callOnTimeout([&] {
         if (std::exchange(isAsked, 0))

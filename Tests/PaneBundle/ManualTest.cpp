@@ -1,5 +1,6 @@
 // The user's manual: the pages, and the PDF that is made of them.
 
+#include "Common/Rules/DesktopAbilities.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Platform/Posix/PosixBundle.h"
 #include "Platform/Posix/PropertyLists/StringsFile.h"
@@ -14,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -143,6 +145,49 @@ TEST(Manual, EveryPageIsAChapterOfTheIndex)
             EXPECT_EQ(std::count(listed.begin(), listed.end(), name), 1) << name;
         }
     }
+}
+
+std::string wordFor(Ability ability)
+{
+    static const std::map<Ability, std::string> words{{Ability::no, "no"},
+                                                      {Ability::yes, "yes"},
+                                                      {Ability::withARight, "with a right"},
+                                                      {Ability::untested, "not tested"}};
+    return words.at(ability);
+}
+
+std::string wordFor(WindowKeeping windows)
+{
+    static const std::map<WindowKeeping, std::string> words{{WindowKeeping::nobody, "nobody"},
+                                                            {WindowKeeping::desktop, "the desktop"},
+                                                            {WindowKeeping::byFarview, "Farview"}};
+    return words.at(windows);
+}
+
+std::string rowOf(const DesktopAbilities& desktop)
+{
+    const std::string crash = desktop.crash == Ability::yes  ? "at once"
+                              : desktop.crash == Ability::no ? "at the next start"
+                                                             : wordFor(desktop.crash);
+    std::string row = "<tr>";
+    for (const auto& cell :
+         {std::string(desktop.desktop), std::string(desktop.tested), wordFor(desktop.monitor),
+          wordFor(desktop.size), wordFor(desktop.scale), wordFor(desktop.pointer),
+          wordFor(desktop.touch), wordFor(desktop.keys), wordFor(desktop.windows), crash})
+        row += "<td>" + cell + "</td>";
+    return row + "</tr>\n";
+}
+
+TEST(Manual, TheTableOfDesktopsIsTheOneThatTheTestsCompareWith)
+{
+    std::string rows;
+    for (const auto& desktop : desktopAbilities())
+        rows += rowOf(desktop);
+    const auto page = contents(pages / "desktops.html");
+    const std::string end = "</table>\n";
+    EXPECT_NE(page.find("</th></tr>\n" + rows + end), std::string::npos)
+        << "between the head and the end of the table belongs:\n"
+        << rows;
 }
 
 TEST(Manual, TheIndexNamesEachChapterByItsTitle)

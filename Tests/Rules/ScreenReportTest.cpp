@@ -30,10 +30,14 @@ TEST(ScreenReport, ComesBackAsItWasTold)
     const ScreenReport coming{.state = ScreenReport::State::coming};
     EXPECT_EQ(read(textOfScreenReport(coming)), coming);
     for (int obstacle = 0; obstacle <= static_cast<int>(ScreenObstacle::failed); ++obstacle) {
-        const ScreenReport missing{.state = ScreenReport::State::missing,
-                                   .obstacle = static_cast<ScreenObstacle>(obstacle)};
+        ScreenReport missing{.state = ScreenReport::State::missing,
+                             .obstacle = static_cast<ScreenObstacle>(obstacle)};
+        EXPECT_EQ(read(textOfScreenReport(missing)), missing);
+        missing.state = ScreenReport::State::impossible;
         EXPECT_EQ(read(textOfScreenReport(missing)), missing);
     }
+    const ScreenReport possible{.state = ScreenReport::State::possible, .way = ScreenWay::portal};
+    EXPECT_EQ(read(textOfScreenReport(possible)), possible);
 }
 
 TEST(ScreenReport, TellsOfNoMoreScreensThanFitIn)
@@ -54,7 +58,8 @@ TEST(ScreenReport, WhatCannotBeReadIsNothing)
           "shown 5 5 100 0 0 0 0 0 0 0 1", "shown 99999 5 100 0 0 0 0 0 0 1 1",
           "shown 5 5 100 0 3 0 0 0 0 1 1", "shown 5 5 100 0 -1 0 0 0 0 1 1",
           "shown 5 5 100 0 0 2 0 0 0 1 1", "shown 5 5 100 0 0 0 2 0 0 1 1",
-          "shown 5 5 100 0 0 0 0 99999 0 1", "missing", "missing -1", "missing 10", "missing x"})
+          "shown 5 5 100 0 0 0 0 99999 0 1", "missing", "missing -1", "missing 10", "missing x",
+          "impossible 10", "possible", "possible -1", "possible 9"})
         EXPECT_EQ(read(text), ScreenReport{}) << text;
     EXPECT_EQ(read("coming" + std::string(2000, ' ')), ScreenReport{});
 }

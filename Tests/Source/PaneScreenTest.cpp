@@ -13,6 +13,7 @@ using farview::RememberedScreen;
 using farview::ScreenObstacle;
 using farview::ScreenReport;
 using farview::ScreenSide;
+using farview::ScreenWay;
 
 const ScreenReport shownOnTheRight{.state = ScreenReport::State::shown,
                                    .width = 1920,
@@ -123,6 +124,38 @@ TEST_F(PaneScreen, SaysWhatIsInItsWayAndWhatToDoLiveAndOffersTheDiagnosisWhereIt
     serverReports(shownOnTheRight);
     EXPECT_FALSE(diagnoseShows());
     EXPECT_TRUE(placeShows());
+}
+
+TEST_F(PaneScreen, SaysBeforeADeviceIsTriedWhatWouldBeInItsWay)
+{
+    showWithPad();
+    serverPosts(kServerDisconnectedFromDevice);
+    const std::string before = hint();
+    serverReports(
+        {.state = ScreenReport::State::impossible, .obstacle = ScreenObstacle::protocolMissing});
+    EXPECT_EQ(hint(), (before.empty() ? "" : before + "\n") +
+                          "This desktop lacks what Farview adds a screen with.\n"
+                          "Log in to GNOME or sway on Wayland instead: they can add screens.");
+    EXPECT_TRUE(diagnoseShows());
+    changeElsewhere(kCurrentState, 0);
+    EXPECT_EQ(hint(), "");
+    EXPECT_FALSE(diagnoseShows());
+}
+
+TEST_F(PaneScreen, SaysBeforeADeviceIsTriedWhatTheDesktopLacks)
+{
+    showWithPad();
+    const std::string before = hint();
+    serverReports(ScreenReport{.state = ScreenReport::State::possible, .way = ScreenWay::gnome});
+    EXPECT_EQ(hint(), before) << "nothing";
+    EXPECT_EQ(pane->windowsHintLabel()->stringValue(), "Your desktop does this by itself.");
+    serverReports(ScreenReport{.state = ScreenReport::State::possible, .way = ScreenWay::hyprland});
+    EXPECT_EQ(hint(),
+              (before.empty() ? "" : before + "\n") +
+                  "Only one finger at a time gets through to this desktop, as its pointer.");
+    EXPECT_EQ(pane->windowsHintLabel()->stringValue(),
+              "Your desktop lets no program move windows.");
+    EXPECT_FALSE(diagnoseShows());
 }
 
 TEST_F(PaneScreen, SaysThatADeviceShowsNoPictureAndTakesNonsenseForThat)

@@ -141,6 +141,8 @@ void ScreenSession::didChange(const ScreenGeometry& geometry)
 /// What was not asked for here, the user did with the desktop's own means.
 void ScreenSession::rememberShape(const ScreenGeometry& before, const ScreenGeometry& now)
 {
+    if (now.isMirror)
+        return;
     const bool isResized = (now.width != before.width || now.height != before.height) &&
                            (now.width != mMeasure.width || now.height != mMeasure.height);
     const bool isScaled = now.scale != before.scale && now.scale != mMeasure.scale;
@@ -237,14 +239,16 @@ void ScreenSession::typingElapsed()
 
 ScreenReport ScreenSession::reportOf(const ScreenGeometry& geometry) const
 {
+    const auto abilities = mScreen->input().abilities();
     return {.state = ScreenReport::State::shown,
             .width = geometry.width,
             .height = geometry.height,
             .scale = geometry.scale,
             .rate = geometry.rate,
             .windows = mScreen->windowKeeping(),
-            .isOneFinger = mInput && mTold.touch && !mScreen->input().abilities().touch,
+            .isOneFinger = mInput && mTold.touch && abilities.pointer && !abilities.touch,
             .isTyping = mIsTyping,
+            .isMirror = geometry.isMirror,
             .monitor = geometry.area,
             .screens = geometry.others};
 }

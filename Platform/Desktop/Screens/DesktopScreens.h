@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
+#include "Platform/Desktop/Screens/Portal/PortalVirtualScreens.h"
 #include "Platform/Desktop/Screens/ScreenBackends.h"
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
 
@@ -16,11 +17,13 @@ class DesktopScreens
 {
 public:
     /// `watcher`: the path of the program that undoes a monitor of an X server when this process
-    /// has died.
-    DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher)
-        : mX11(loop, std::move(watcher)), mMutter(loop, bus),
+    /// has died. Where a portal asks the user, `memory` saves the same question next time.
+    DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher, PortalMemory memory = {})
+        : mX11(loop, std::move(watcher)), mMutter(loop, bus), mPortal(loop, bus, std::move(memory)),
           mBackends(bus, sessionFacts(),
-                    {{ScreenBackend::x11, &mX11}, {ScreenBackend::mutter, &mMutter}})
+                    {{ScreenBackend::x11, &mX11},
+                     {ScreenBackend::mutter, &mMutter},
+                     {ScreenBackend::portal, &mPortal}})
     {
     }
 
@@ -29,6 +32,7 @@ public:
 private:
     X11VirtualScreens mX11;
     MutterVirtualScreens mMutter;
+    PortalVirtualScreens mPortal;
     ScreenBackends mBackends;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/Screens/PipeWireStream.h"
+#include "Platform/Desktop/Screens/Portal/PortalMemory.h"
 #include "Platform/Desktop/Screens/Portal/PortalOffer.h"
 #include "Platform/Desktop/Screens/StreamInput.h"
 
@@ -12,16 +13,6 @@
 
 namespace farview
 {
-
-/// Keeps the word by which a portal allows again what the user has allowed once: for each name of a
-/// monitor, for this user's programs only.
-struct PortalMemory {
-    /// Empty when there is none.
-    std::function<std::string(const std::string& name)> word = [](auto&) { return std::string(); };
-    /// Each word counts once: the portal gives another one. Empty: there is none any more.
-    std::function<void(const std::string& name, const std::string& word)> keep = [](auto&, auto&) {
-    };
-};
 
 /// What a portal shows.
 struct PortalStream {

@@ -84,6 +84,7 @@ TEST_F(PortalMonitorTest, TheWayIsWhatThePortalOffers)
     EXPECT_EQ(availability()->way, ScreenWay::existingScreen);
     mPortal.screenCast[QStringLiteral("AvailableSourceTypes")] = 2U;
     EXPECT_EQ(availability()->obstacle, ScreenObstacle::protocolMissing);
+    mPortal.screenCast[QStringLiteral("AvailableSourceTypes")] = 7U;
     mPortal.leave();
     EXPECT_EQ(availability()->obstacle, ScreenObstacle::protocolMissing);
 }

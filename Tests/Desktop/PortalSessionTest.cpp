@@ -144,7 +144,10 @@ TEST_F(PortalSessionTest, AUserWhoSaysNoIsNotAskedAgain)
     mPortal.responses[QStringLiteral("Start")] = 1;
     begin();
     expectEnd(ScreenObstacle::notPermitted);
-    EXPECT_EQ(mPortal.membersOf(QStringLiteral("Session")), std::vector<std::string>{"Close"});
+    ASSERT_TRUE(isAsked("Close"));
+    EXPECT_THAT(mPortal.membersOf(QStringLiteral("RemoteDesktop")),
+                ElementsAre("CreateSession", "SelectDevices", "Start"));
+    EXPECT_TRUE(mWords.empty());
 }
 
 TEST_F(PortalSessionTest, AQuestionThatEndsOtherwiseIsAFailure)

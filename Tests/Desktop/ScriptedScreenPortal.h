@@ -91,7 +91,12 @@ public:
     {
         return QVariant::fromValue(ScriptedPair{first, second});
     }
-    void leave() { QDBusConnection::disconnectFromBus(connectionName()); }
+    /// As when it crashes.
+    void leave()
+    {
+        mConnection = QDBusConnection(QStringLiteral("no-bus"));
+        QDBusConnection::disconnectFromBus(connectionName());
+    }
 
     QVariantMap optionsOf(const QString& member) const
     {
@@ -160,6 +165,8 @@ private:
         const auto options = optionsOf(message);
         if (!error.isEmpty() && options.contains(QStringLiteral("restore_token")))
             return message.createErrorReply(error, QStringLiteral("scripted"));
+        if (!options.contains(QStringLiteral("handle_token")))
+            return message.createReply();
         const auto handle = path("request", message, options.value(QStringLiteral("handle_token")));
         return message.createReply(QVariant::fromValue(QDBusObjectPath(handle)));
     }

@@ -7,6 +7,7 @@
 #include <QRandomGenerator>
 
 #include <fcntl.h>
+#include <limits>
 #include <utility>
 
 namespace farview
@@ -20,6 +21,8 @@ const QString sessionInterface = QStringLiteral("org.freedesktop.portal.Session"
 enum Response : unsigned { granted = 0, refused = 1 };
 enum Device : unsigned { keyboard = 1, pointer = 2, touchScreen = 4 };
 constexpr unsigned untilRevoked = 2;
+
+constexpr int forever = std::numeric_limits<int>::max(); // milliseconds
 
 constexpr qsizetype longestWord = 256;
 constexpr int longestSide = 32'767;
@@ -158,10 +161,13 @@ void PortalSession::request(const QString& interface, const char* member,
     options[QStringLiteral("handle_token")] = token;
     auto call = portalCall(interface, member);
     call.setArguments(arguments + QVariantList{options});
-    mBus.ask(call, this, [this, asked = mRequest](const QDBusMessage& reply) {
-        if (reply.type() == QDBusMessage::ErrorMessage && asked == mRequest)
-            fail(ScreenObstacle::failed);
-    });
+    mBus.ask(
+        call, this,
+        [this, asked = mRequest](const QDBusMessage& reply) {
+            if (reply.type() == QDBusMessage::ErrorMessage && asked == mRequest)
+                fail(ScreenObstacle::failed);
+        },
+        forever);
 }
 
 void PortalSession::noticeResponse(unsigned code, const QVariantMap& results,

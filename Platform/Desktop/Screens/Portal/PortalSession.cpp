@@ -22,7 +22,7 @@ enum Response : unsigned { granted = 0, refused = 1 };
 enum Device : unsigned { keyboard = 1, pointer = 2, touchScreen = 4 };
 constexpr unsigned untilRevoked = 2;
 
-constexpr int forever = std::numeric_limits<int>::max(); // milliseconds
+constexpr int unlimited = std::numeric_limits<int>::max(); // milliseconds
 
 constexpr qsizetype longestWord = 256;
 constexpr int longestSide = 32'767;
@@ -138,7 +138,8 @@ void PortalSession::follow(const PortalOffer& offer, bool wantsInput)
 /// As the portal makes paths of names that we choose, so that nothing is lost before it answers.
 QString PortalSession::newPath(const char* kind, QString* token) const
 {
-    *token = QStringLiteral("farview%1").arg(QRandomGenerator::system()->generate64(), 0, 16);
+    *token =
+        QStringLiteral("farview%1").arg(QRandomGenerator::securelySeeded().generate64(), 0, 16);
     const QString sender = mBus.uniqueName().mid(1).replace(u'.', u'_');
     return QStringLiteral("/org/freedesktop/portal/desktop/%1/%2/%3")
         .arg(QLatin1String(kind), sender, *token);
@@ -167,7 +168,7 @@ void PortalSession::request(const QString& interface, const char* member,
             if (reply.type() == QDBusMessage::ErrorMessage && asked == mRequest)
                 fail(ScreenObstacle::failed);
         },
-        forever);
+        unlimited);
 }
 
 void PortalSession::noticeResponse(unsigned code, const QVariantMap& results,

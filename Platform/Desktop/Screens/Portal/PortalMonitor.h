@@ -18,7 +18,7 @@ namespace farview
 class PortalMonitor final : public VirtualScreen
 {
 public:
-    /// The user who has not been asked within this time will not be.
+    /// Without a picture after this time, the user is said to be asked.
     static constexpr Duration longestUnasked{1.0};
 
     PortalMonitor(RunLoop& loop, SessionBus& bus, PortalMemory memory, const ScreenWish& wish,

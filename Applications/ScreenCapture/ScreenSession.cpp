@@ -20,6 +20,15 @@ std::optional<ScreenSide> sideOfMonitor(const ScreenGeometry& geometry)
     return sideOf(geometry.area, geometry.others.front());
 }
 
+ScreenReport::Fingers fingersOf(const InputAbilities& abilities)
+{
+    // Where nothing gets through, nothing is said of fingers.
+    if (abilities.touch || !abilities.pointer)
+        return ScreenReport::Fingers::several;
+    return abilities.touchWithARight ? ScreenReport::Fingers::oneWithoutARight
+                                     : ScreenReport::Fingers::one;
+}
+
 } // namespace
 
 ScreenSession::ScreenSession(Services services, std::string device, const LinkOptions& told,
@@ -239,14 +248,14 @@ void ScreenSession::typingElapsed()
 
 ScreenReport ScreenSession::reportOf(const ScreenGeometry& geometry) const
 {
-    const auto abilities = mScreen->input().abilities();
     return {.state = ScreenReport::State::shown,
             .width = geometry.width,
             .height = geometry.height,
             .scale = geometry.scale,
             .rate = geometry.rate,
             .windows = mScreen->windowKeeping(),
-            .isOneFinger = mInput && mTold.touch && abilities.pointer && !abilities.touch,
+            .fingers = mInput && mTold.touch ? fingersOf(mScreen->input().abilities())
+                                             : ScreenReport::Fingers::several,
             .isTyping = mIsTyping,
             .isMirror = geometry.isMirror,
             .monitor = geometry.area,

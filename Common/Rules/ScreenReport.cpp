@@ -49,11 +49,13 @@ ScreenReport shownReport(std::istream& in)
     int rate = 0;
     in >> report.width >> report.height >> scale >> rate;
     const auto windows = numberIn(in, WindowKeeping::byFarview);
-    in >> report.isOneFinger >> report.isTyping >> report.isMirror >> report.monitor;
+    const auto fingers = numberIn(in, ScreenReport::Fingers::oneWithoutARight);
+    in >> report.isTyping >> report.isMirror >> report.monitor;
     const bool isSound = isSide(report.width) && isSide(report.height) && scale > 0 && rate >= 0;
-    if (!in || !isSound || !windows)
+    if (!in || !isSound || !windows || !fingers)
         return {};
     report.windows = *windows;
+    report.fingers = *fingers;
     report.scale = scale / hundredths;
     report.rate = rate / hundredths;
     PixelRect screen;
@@ -76,7 +78,7 @@ std::string textOfScreenReport(const ScreenReport& report)
         return out.str();
     out << ' ' << report.width << ' ' << report.height << ' '
         << std::lround(report.scale * hundredths) << ' ' << std::lround(report.rate * hundredths)
-        << ' ' << static_cast<int>(report.windows) << ' ' << report.isOneFinger << ' '
+        << ' ' << static_cast<int>(report.windows) << ' ' << static_cast<int>(report.fingers) << ' '
         << report.isTyping << ' ' << report.isMirror << report.monitor;
     for (std::size_t i = 0; i < report.screens.size() && i < ScreenReport::mostScreens; ++i)
         out << report.screens[i];

@@ -35,4 +35,13 @@ public:
     virtual std::optional<PixelPoint> position() = 0;
 };
 
+/// For monitors whose frames show it.
+class CursorInFrames final : public CursorSource
+{
+public:
+    bool isInFrames() const override { return true; }
+    std::optional<CursorImage> takeImage() override { return std::nullopt; }
+    std::optional<PixelPoint> position() override { return std::nullopt; }
+};
+
 } // namespace farview

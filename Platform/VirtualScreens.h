@@ -45,6 +45,8 @@ struct ScreenGeometry {
     /// All other screens, in the desktop's own units; the main one first, the user's own before
     /// other monitors of ours.
     std::vector<PixelRect> others = {};
+    /// It is a screen of the user's own, which nothing that is asked here changes.
+    bool isMirror = false;
 
     /// The upper left one of `area`.
     PixelPoint corner() const { return {area.x, area.y}; }
@@ -58,7 +60,9 @@ class VirtualScreenDelegate
 public:
     virtual ~VirtualScreenDelegate() = default;
 
-    /// Once, before everything but `didEnd`.
+    /// The desktop is asking the user, who may take any time. Before `didAppear`.
+    virtual void userIsAsked() {}
+    /// Once, before everything else but `didEnd`.
     virtual void didAppear(const ScreenGeometry& geometry) = 0;
     /// It has another size, scale or place, whoever wanted that.
     virtual void didChange(const ScreenGeometry& geometry) = 0;

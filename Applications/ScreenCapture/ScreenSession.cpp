@@ -22,7 +22,8 @@ std::optional<ScreenSide> sideOfMonitor(const ScreenGeometry& geometry)
 
 ScreenReport::Fingers fingersOf(const InputAbilities& abilities)
 {
-    if (abilities.touch)
+    // Where nothing gets through, nothing is said of fingers.
+    if (abilities.touch || !abilities.pointer)
         return ScreenReport::Fingers::several;
     return abilities.touchWithARight ? ScreenReport::Fingers::oneWithoutARight
                                      : ScreenReport::Fingers::one;
@@ -149,6 +150,8 @@ void ScreenSession::didChange(const ScreenGeometry& geometry)
 /// What was not asked for here, the user did with the desktop's own means.
 void ScreenSession::rememberShape(const ScreenGeometry& before, const ScreenGeometry& now)
 {
+    if (now.isMirror)
+        return;
     const bool isResized = (now.width != before.width || now.height != before.height) &&
                            (now.width != mMeasure.width || now.height != mMeasure.height);
     const bool isScaled = now.scale != before.scale && now.scale != mMeasure.scale;
@@ -254,6 +257,7 @@ ScreenReport ScreenSession::reportOf(const ScreenGeometry& geometry) const
             .fingers = mInput && mTold.touch ? fingersOf(mScreen->input().abilities())
                                              : ScreenReport::Fingers::several,
             .isTyping = mIsTyping,
+            .isMirror = geometry.isMirror,
             .monitor = geometry.area,
             .screens = geometry.others};
 }

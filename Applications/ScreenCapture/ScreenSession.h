@@ -63,6 +63,7 @@ public:
 
     const ScreenReport& report() const { return mReport; }
 
+    void userIsAsked() override { tell({.state = ScreenReport::State::asking}); }
     void didAppear(const ScreenGeometry& geometry) override;
     void didChange(const ScreenGeometry& geometry) override;
     void frameReady() override;

@@ -1,4 +1,5 @@
 #include "Applications/ScreenCapture/NetworkDeviceLink.h"
+#include "Applications/ScreenCapture/PortalWords.h"
 #include "Applications/ScreenCapture/ScreenServer.h"
 #include "Applications/TerminationSignals.h"
 #include "Common/FVEConstants.h"
@@ -59,7 +60,8 @@ int runServer(int argc, char** argv, unsigned crashes, KeptText& chosenDevice)
     FVEPreferences preferences(*platform.preferences, *platform.distributedNotificationCenter);
     if (crashes > 0 && !isStillWanted(preferences, *platform.log))
         return 0;
-    DesktopScreens screens(*platform.runLoop, desktop.sessionBus(), watcherProgram());
+    DesktopScreens screens(*platform.runLoop, desktop.sessionBus(), watcherProgram(),
+                           portalWordsIn(*platform.preferences));
     SingleInstance instance(desktop.sessionBus(), kFVEScreenServerBundleID);
     const auto makeLink = [] {
         return std::make_shared<NetworkDeviceLink>(ownKeyPath(PairedPeers::devices));

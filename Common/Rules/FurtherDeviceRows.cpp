@@ -24,7 +24,7 @@ std::string stateOf(const FurtherDevice& device, const Localize& localized)
 {
     if (device.state == State::failed)
         return localized("Not reached");
-    if (device.state == State::connecting || device.screen.state == ScreenReport::State::coming)
+    if (device.state == State::connecting || device.screen.isAwaited())
         return localized("Connecting…");
     return device.screen.state == ScreenReport::State::shown ? screenSize(device.screen, localized)
                                                              : localized("No picture");

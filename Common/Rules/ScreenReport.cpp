@@ -12,7 +12,8 @@ namespace farview
 namespace
 {
 
-constexpr std::array words{"none", "coming", "shown", "missing", "possible", "impossible"};
+constexpr std::array words{"none",    "coming",   "asking",    "shown",
+                           "missing", "possible", "impossible"};
 constexpr double hundredths = 100;
 constexpr std::size_t longestText = 1024;
 
@@ -49,7 +50,7 @@ ScreenReport shownReport(std::istream& in)
     in >> report.width >> report.height >> scale >> rate;
     const auto windows = numberIn(in, WindowKeeping::byFarview);
     const auto fingers = numberIn(in, ScreenReport::Fingers::oneWithoutARight);
-    in >> report.isTyping >> report.monitor;
+    in >> report.isTyping >> report.isMirror >> report.monitor;
     const bool isSound = isSide(report.width) && isSide(report.height) && scale > 0 && rate >= 0;
     if (!in || !isSound || !windows || !fingers)
         return {};
@@ -78,7 +79,7 @@ std::string textOfScreenReport(const ScreenReport& report)
     out << ' ' << report.width << ' ' << report.height << ' '
         << std::lround(report.scale * hundredths) << ' ' << std::lround(report.rate * hundredths)
         << ' ' << static_cast<int>(report.windows) << ' ' << static_cast<int>(report.fingers) << ' '
-        << report.isTyping << report.monitor;
+        << report.isTyping << ' ' << report.isMirror << report.monitor;
     for (std::size_t i = 0; i < report.screens.size() && i < ScreenReport::mostScreens; ++i)
         out << report.screens[i];
     return out.str();
@@ -96,6 +97,7 @@ ScreenReport screenReport(const std::string* text)
     const auto state = static_cast<ScreenReport::State>(place);
     switch (state) {
     case ScreenReport::State::coming:
+    case ScreenReport::State::asking:
         return {.state = state};
     case ScreenReport::State::shown:
         return shownReport(in);

@@ -17,6 +17,7 @@ struct ScreenReport {
     enum class State {
         none,    ///< no device is connected, or one that shows no picture
         coming,  ///< it is being made
+        asking,  ///< it is, once the user has answered the desktop's question
         shown,   ///< it is there, and its picture is sent
         missing, ///< the device is connected without a picture
         // While no device is connected.
@@ -43,6 +44,8 @@ struct ScreenReport {
     } fingers = Fingers::several;
     /// The device's user has used its keyboard within the last seconds.
     bool isTyping = false;
+    /// It is one of the user's own screens.
+    bool isMirror = false;
     PixelRect monitor = {}; ///< where it is, in the desktop's own units
     /// All other screens, in the same units; the main one first. At most `mostScreens`.
     std::vector<PixelRect> screens = {};
@@ -53,6 +56,8 @@ struct ScreenReport {
     bool isObstructed() const { return state == State::missing || state == State::impossible; }
     /// Whether it tells what would become of a device's monitor.
     bool isOutlook() const { return state == State::possible || state == State::impossible; }
+    /// Whether it is to be there soon.
+    bool isAwaited() const { return state == State::coming || state == State::asking; }
     bool operator==(const ScreenReport&) const = default;
 };
 

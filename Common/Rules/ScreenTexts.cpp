@@ -48,6 +48,7 @@ constexpr std::array sides = {"to the right of your main display",
 
 constexpr const char* sizeText = "%1$@ × %2$@";
 constexpr const char* sizeAndRateText = "%1$@ × %2$@ at %3$@ Hz";
+constexpr const char* mirrorText = "%1$@, the same as on one of your screens";
 constexpr const char* placeText = "%1$@, %2$@";
 constexpr const char* placeAndScaleText = "%1$@, %2$@, enlarged %3$@ %";
 
@@ -64,7 +65,9 @@ std::string sizeAndRate(const ScreenReport& report, const Localize& localized)
 std::string shownSentence(const ScreenReport& report, const Localize& localized)
 {
     constexpr double percent = 100;
-    const auto size = sizeAndRate(report, localized);
+    auto size = sizeAndRate(report, localized);
+    if (report.isMirror)
+        size = filledPlaces(localized(mirrorText), {size});
     if (report.screens.empty())
         return size;
     const auto place = screenPlace(sideOf(report.monitor, report.screens.front()), localized);
@@ -112,6 +115,8 @@ std::string screenSentence(const ScreenReport& report, const Localize& localized
         return shownSentence(report, localized);
     case ScreenReport::State::coming:
         return localized("The device's screen is being added to your desktop…");
+    case ScreenReport::State::asking:
+        return localized("Your desktop asks you about the device's screen: please answer there.");
     case ScreenReport::State::missing:
     case ScreenReport::State::impossible:
         return localized(obstacleTexts(report.obstacle).trouble);

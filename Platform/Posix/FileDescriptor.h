@@ -32,6 +32,8 @@ public:
 
     bool isOpen() const { return mDescriptor >= 0; }
     int get() const { return mDescriptor; }
+    /// Whoever gets it closes it.
+    int release() { return std::exchange(mDescriptor, -1); }
 
 private:
     int mDescriptor = -1;

@@ -120,6 +120,14 @@ TEST_F(AScreenSession, SaysWhyThereIsNone)
     EXPECT_THAT(fake.virtualScreens.monitors(), IsEmpty()) << "it asks only once";
 }
 
+TEST_F(AScreenSession, SaysThatTheDesktopIsAskingTheUser)
+{
+    session->deviceScreenIs(tablet);
+    session->userIsAsked();
+    fake.runLoop.runUntilIdle();
+    EXPECT_THAT(states, ElementsAre(State::coming, State::asking, State::shown));
+}
+
 TEST_F(AScreenSession, ComesBackAfterALock)
 {
     open();
@@ -229,6 +237,21 @@ TEST_F(AScreenSession, RemembersWhatTheUserDidWithTheDesktopsOwnMeans)
     EXPECT_EQ(session->report().monitor.y, 1080);
 }
 
+TEST_F(AScreenSession, RemembersNothingOfAScreenOfTheUsersOwn)
+{
+    open();
+    auto mirror = monitor()->geometry();
+    mirror.isMirror = true;
+    monitor()->change(mirror);
+    mirror.width = 1024;
+    mirror.height = 768;
+    mirror.area = pixelRect(0, 1080, 1024, 768);
+    monitor()->change(mirror);
+    fake.runLoop.runUntilIdle();
+    EXPECT_TRUE(session->report().isMirror);
+    EXPECT_EQ(remembered(), RememberedScreen{});
+}
+
 TEST_F(AScreenSession, ForgetsTheSizeWhenTheUserChangesAnOption)
 {
     remember({ScreenSide::below, 1024, 768, 1, {1280, 800, 1}});
@@ -317,6 +340,9 @@ TEST_F(AScreenSession, SaysWhetherSeveralFingersGetThroughAndWhoKeepsWindows)
     monitor()->input().setAbilities({.pointer = true, .touchWithARight = true});
     session->preferencesChanged({.touch = true});
     EXPECT_EQ(session->report().fingers, Fingers::oneWithoutARight);
+    monitor()->input().setAbilities({});
+    session->preferencesChanged({.touch = true});
+    EXPECT_EQ(session->report().fingers, Fingers::several) << "nor here";
 }
 
 TEST_F(AScreenSession, SendsThePictureThatTheMonitorShows)

@@ -1,5 +1,3 @@
-#include "Platform/Desktop/Screens/Mutter/MutterInput.h"
-
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
 #include "Platform/Fake/FakeLog.h"

@@ -1,8 +1,8 @@
 #include "Platform/Desktop/Screens/Mutter/MutterSession.h"
 
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/Screens/Mutter/MutterInput.h"
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
+#include "Platform/Desktop/Screens/StreamInput.h"
 #include "Platform/Fake/FakeLog.h"
 #include "Tests/Desktop/ScreenListener.h"
 #include "Tests/Desktop/ScriptedMutter.h"
@@ -155,7 +155,7 @@ TEST_F(MutterSessionTest, InputIsPassedOnWhileItGoesOn)
     MutterSession session(
         mBus, {[&] { isPrepared = true; }, [](auto) {}, [&](auto) { hasEnded = true; }});
     const ScreenWish wish{.name = "Tablet", .width = 1024, .height = 600, .input = true};
-    MutterInput input(session, wish);
+    StreamInput input(session, wish);
     session.prepare();
     ASSERT_TRUE(waitUntil([&] { return isPrepared; }));
     session.start();
@@ -180,7 +180,7 @@ TEST_F(MutterSessionTest, AMonitorThatIsToBecomeSmallerTakesNoInputBeyondItsNewE
     bool isPrepared = false;
     MutterSession session(mBus, {[&] { isPrepared = true; }, [](auto) {}, [](auto) {}});
     ScreenWish wish{.name = "Tablet", .width = 1024, .height = 600, .input = true};
-    MutterInput input(session, wish);
+    StreamInput input(session, wish);
     session.prepare();
     ASSERT_TRUE(waitUntil([&] { return isPrepared; }));
     session.start();

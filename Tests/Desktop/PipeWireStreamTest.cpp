@@ -51,7 +51,7 @@ protected:
     MutterSession mSession{mBus,
                            {[this] { mSession.start(); },
                             [this](auto node) {
-                                mStream.connect(node, 800, 600);
+                                mStream.connect({node}, 800, 600);
                                 mWhenConnected();
                                 mIsConnected = true;
                             },

@@ -73,6 +73,7 @@ TEST(FurtherDeviceRows, TellWhatBecameOfTheDevice)
     const ScreenReport locked{.state = ScreenReport::State::missing,
                               .obstacle = ScreenObstacle::locked};
     const ScreenReport coming{.state = ScreenReport::State::coming};
+    const ScreenReport asking{.state = ScreenReport::State::asking};
     const struct {
         FurtherDevice device;
         FurtherDeviceRow row;
@@ -80,6 +81,8 @@ TEST(FurtherDeviceRows, TellWhatBecameOfTheDevice)
         {{"a", "A", DeviceIs::connecting, {}, "key"}, {"a", "A", true, "Connecting…"}},
         {{"a", "A", DeviceIs::failed, {}, "key"}, {"a", "A", false, "Not reached"}},
         {{"a", "A", DeviceIs::connected, coming, "key"},
+         {"a", "A", true, "Connecting…", "", "key"}},
+        {{"a", "A", DeviceIs::connected, asking, "key"},
          {"a", "A", true, "Connecting…", "", "key"}},
         {{"a", "A", DeviceIs::connected, shownScreen(), "key"},
          {"a", "A", true, "1920 × 1200", "", "key"}},

@@ -62,6 +62,14 @@ TEST(ScreenTexts, AnEnlargementIsNamed)
               "1920 × 1200 at 60 Hz, to the right of your main display, enlarged 125 %");
 }
 
+TEST(ScreenTexts, AScreenOfTheUsersOwnIsSaidToBeOne)
+{
+    auto report = monitorOn();
+    report.isMirror = true;
+    report.screens.clear();
+    EXPECT_EQ(sentence(report), "1920 × 1200 at 60 Hz, the same as on one of your screens");
+}
+
 TEST(ScreenTexts, ATranslationMayHaveAnotherOrder)
 {
     const auto reversed = [](const std::string& text) {
@@ -75,6 +83,8 @@ TEST(ScreenTexts, AMonitorThatIsComingAndADeviceWithoutAPictureHaveTheirSentence
 {
     EXPECT_EQ(sentence({.state = Is::coming}),
               "The device's screen is being added to your desktop…");
+    EXPECT_EQ(sentence({.state = Is::asking}),
+              "Your desktop asks you about the device's screen: please answer there.");
     EXPECT_EQ(sentence({}), "This device shows no picture.");
 }
 

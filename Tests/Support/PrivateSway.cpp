@@ -70,8 +70,12 @@ bool PrivateSway::canRemoveOutputs()
 
 SwayArranger::SwayArranger(PrivateSway& desktop)
 {
-    mSocket.connectToServer(QString::fromStdString(desktop.socket()));
-    if (!mSocket.waitForConnected(patience))
+    // The socket is there a moment before sway listens.
+    const auto connects = [&] {
+        mSocket.connectToServer(QString::fromStdString(desktop.socket()));
+        return mSocket.waitForConnected(patience);
+    };
+    if (!waitUntil(connects, std::chrono::milliseconds(patience)))
         throw std::runtime_error("sway does not listen");
 }
 

@@ -17,8 +17,9 @@ ScreenPainter::ScreenPainter()
     ::fcntl(ends[0], F_SETFD, 0);
     mPainter = std::make_unique<ChildProcess>(
         std::vector<std::string>{"sh", "-c",
-                                 "exec " FARVIEW_SCREEN_PAINTER " <&" + reader + " " + reader +
-                                     "<&- >'" + mFolder.path("input") + "'"});
+                                 // The shell takes no number of two digits for a file.
+                                 "exec " FARVIEW_SCREEN_PAINTER " </dev/fd/" + reader + " >'" +
+                                     mFolder.path("input") + "'"});
     ::close(ends[0]);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/Screens/KWin/KWinVirtualScreens.h"
 #include "Platform/Desktop/Screens/Mutter/MutterVirtualScreens.h"
+#include "Platform/Desktop/Screens/Portal/PortalVirtualScreens.h"
 #include "Platform/Desktop/Screens/ScreenBackends.h"
 #include "Platform/Desktop/Screens/Wlroots/WlrootsVirtualScreens.h"
 #include "Platform/Desktop/Screens/X11/X11VirtualScreens.h"
@@ -18,14 +19,15 @@ class DesktopScreens
 {
 public:
     /// `watcher`: the path of the program that undoes a monitor of an X server when this process
-    /// has died.
-    DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher)
+    /// has died. Where a portal asks the user, `memory` saves the same question next time.
+    DesktopScreens(RunLoop& loop, SessionBus& bus, std::string watcher, PortalMemory memory = {})
         : mX11(loop, std::move(watcher)), mMutter(loop, bus), mWlroots(loop), mKWin(loop, bus),
-          mBackends(bus, sessionFacts(),
-                    {{ScreenBackend::x11, &mX11},
-                     {ScreenBackend::mutter, &mMutter},
-                     {ScreenBackend::wlroots, &mWlroots},
-                     {ScreenBackend::kwin, &mKWin}})
+          mPortal(loop, bus, std::move(memory)), mBackends(bus, sessionFacts(),
+                                                           {{ScreenBackend::x11, &mX11},
+                                                            {ScreenBackend::mutter, &mMutter},
+                                                            {ScreenBackend::wlroots, &mWlroots},
+                                                            {ScreenBackend::kwin, &mKWin},
+                                                            {ScreenBackend::portal, &mPortal}})
     {
     }
 
@@ -36,6 +38,7 @@ private:
     MutterVirtualScreens mMutter;
     WlrootsVirtualScreens mWlroots;
     KWinVirtualScreens mKWin;
+    PortalVirtualScreens mPortal;
     ScreenBackends mBackends;
 };
 

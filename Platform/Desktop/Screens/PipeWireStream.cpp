@@ -10,7 +10,6 @@
 #include <array>
 #include <cerrno>
 #include <exception>
-#include <limits>
 #include <utility>
 
 namespace farview
@@ -27,7 +26,8 @@ constexpr std::chrono::milliseconds patience{200};
 constexpr std::chrono::milliseconds patienceAfterFrame{1000};
 constexpr std::chrono::milliseconds longestPatience{10'000};
 
-constexpr int longestSide = std::numeric_limits<std::int16_t>::max();
+/// More than any picture that a graphics processor holds.
+constexpr int longestSide = 16384;
 
 /// Memory in which parameters are written.
 struct ParameterMemory {
@@ -35,24 +35,33 @@ struct ParameterMemory {
     spa_pod_builder builder = SPA_POD_BUILDER_INIT(bytes.data(), sizeof bytes);
 };
 
-/// A single size: whoever makes the monitor follows it.
-const spa_pod* formatOf(int width, int height, spa_pod_builder* builder)
+/// Without a size it is the node's own.
+const spa_pod* formatOf(const spa_rectangle* size, spa_pod_builder* builder)
 {
-    const spa_rectangle pixels =
-        SPA_RECTANGLE(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
     const spa_fraction whenItChanges = SPA_FRACTION(0, 1);
     const spa_fraction usualRate = SPA_FRACTION(60, 1);
     const spa_fraction lowestRate = SPA_FRACTION(1, 1);
     const spa_fraction highestRate = SPA_FRACTION(144, 1);
-    return static_cast<const spa_pod*>(spa_pod_builder_add_object(
-        builder, SPA_TYPE_OBJECT_Format, SPA_PARAM_EnumFormat, SPA_FORMAT_mediaType,
-        SPA_POD_Id(SPA_MEDIA_TYPE_video), SPA_FORMAT_mediaSubtype,
+    spa_pod_frame frame{};
+    spa_pod_builder_push_object(builder, &frame, SPA_TYPE_OBJECT_Format, SPA_PARAM_EnumFormat);
+    spa_pod_builder_add(
+        builder, SPA_FORMAT_mediaType, SPA_POD_Id(SPA_MEDIA_TYPE_video), SPA_FORMAT_mediaSubtype,
         SPA_POD_Id(SPA_MEDIA_SUBTYPE_raw), SPA_FORMAT_VIDEO_format,
         SPA_POD_CHOICE_ENUM_Id(3, SPA_VIDEO_FORMAT_BGRx, SPA_VIDEO_FORMAT_BGRx,
                                SPA_VIDEO_FORMAT_BGRA),
-        SPA_FORMAT_VIDEO_size, SPA_POD_Rectangle(&pixels), SPA_FORMAT_VIDEO_framerate,
-        SPA_POD_Fraction(&whenItChanges), SPA_FORMAT_VIDEO_maxFramerate,
-        SPA_POD_CHOICE_RANGE_Fraction(&usualRate, &lowestRate, &highestRate)));
+        SPA_FORMAT_VIDEO_framerate, SPA_POD_Fraction(&whenItChanges), SPA_FORMAT_VIDEO_maxFramerate,
+        SPA_POD_CHOICE_RANGE_Fraction(&usualRate, &lowestRate, &highestRate), 0);
+    if (size)
+        spa_pod_builder_add(builder, SPA_FORMAT_VIDEO_size, SPA_POD_Rectangle(size), 0);
+    return static_cast<const spa_pod*>(spa_pod_builder_pop(builder, &frame));
+}
+
+/// Whoever makes the monitor for us follows the size; one that is there already has another.
+std::array<const spa_pod*, 2> formatsFor(int width, int height, spa_pod_builder* builder)
+{
+    const spa_rectangle wanted =
+        SPA_RECTANGLE(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
+    return {formatOf(&wanted, builder), formatOf(nullptr, builder)};
 }
 
 /// Buffers in memory that a processor reads well. One may wait for a frame to come back.
@@ -132,21 +141,34 @@ const pw_core_events& PipeWireStream::coreHandlers()
     return all;
 }
 
-void PipeWireStream::connect(std::uint32_t node, int width, int height)
+bool PipeWireStream::isPossible(int width, int height)
 {
-    if (!begin(node, {width, height}))
+    return width > 0 && width <= longestSide && height > 0 && height <= longestSide;
+}
+
+void PipeWireStream::connect(Source source, int width, int height)
+{
+    if (!begin(std::move(source), {width, height}))
         end(ScreenObstacle::failed);
 }
 
-/// Everything belongs to the thread as soon as that runs.
-bool PipeWireStream::begin(std::uint32_t node, Size size)
+pw_core* PipeWireStream::reach(FileDescriptor remote)
 {
+    if (!mContext || !remote.isOpen())
+        return mContext ? pw_context_connect(mContext.get(), nullptr, 0) : nullptr;
+    return pw_context_connect_fd(mContext.get(), remote.release(), nullptr, 0);
+}
+
+/// Everything belongs to the thread as soon as that runs.
+bool PipeWireStream::begin(Source source, Size size)
+{
+    mRepeats = source.repeats;
     mThread.reset(pw_thread_loop_new("screen", nullptr));
     if (!mThread)
         return false;
     auto* loop = pw_thread_loop_get_loop(mThread.get());
     mContext.reset(pw_context_new(loop, nullptr, 0));
-    auto* core = mContext ? pw_context_connect(mContext.get(), nullptr, 0) : nullptr;
+    auto* core = reach(std::move(source.remote));
     if (!core ||
         !pw_loop_add_io(loop, mWake->get(), SPA_IO_IN, false, call<&PipeWireStream::wake>, this))
         return false;
@@ -159,11 +181,12 @@ bool PipeWireStream::begin(std::uint32_t node, Size size)
         return false;
     pw_stream_add_listener(mStream.get(), &mHook, &handlers(), this);
     ParameterMemory memory;
-    const spa_pod* format = formatOf(size.width, size.height, &memory.builder);
+    auto formats = formatsFor(size.width, size.height, &memory.builder);
     // Never another node in its place: that could be a camera.
     const auto flags = static_cast<pw_stream_flags>(
         PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_DONT_RECONNECT);
-    return pw_stream_connect(mStream.get(), PW_DIRECTION_INPUT, node, flags, &format, 1) == 0 &&
+    return pw_stream_connect(mStream.get(), PW_DIRECTION_INPUT, source.node, flags, formats.data(),
+                             formats.size()) == 0 &&
            pw_thread_loop_start(mThread.get()) == 0;
 }
 
@@ -193,8 +216,8 @@ void PipeWireStream::show(int width, int height, bool isOld)
 void PipeWireStream::ask(const Size& size)
 {
     ParameterMemory memory;
-    const spa_pod* format = formatOf(size.width, size.height, &memory.builder);
-    pw_stream_update_params(mStream.get(), &format, 1);
+    auto formats = formatsFor(size.width, size.height, &memory.builder);
+    pw_stream_update_params(mStream.get(), formats.data(), formats.size());
 }
 
 void PipeWireStream::release(const Release& held)
@@ -237,9 +260,9 @@ void PipeWireStream::useParameter(std::uint32_t id, const spa_pod* value)
         return;
     spa_video_info_raw format{};
     const bool isKnown = spa_format_video_raw_parse(value, &format) >= 0;
-    const auto [width, height] = format.size;
-    if (isKnown && width > 0 && width <= longestSide && height > 0 && height <= longestSide)
-        useFormat({static_cast<int>(width), static_cast<int>(height)});
+    const Size size{static_cast<int>(format.size.width), static_cast<int>(format.size.height)};
+    if (isKnown && isPossible(size.width, size.height))
+        useFormat(size);
     else
         end(ScreenObstacle::failed);
 }
@@ -259,6 +282,7 @@ void PipeWireStream::useFormat(Size size)
         metaOf(SPA_META_Header, sizeof(spa_meta_header), sizeof(spa_meta_header), &memory.builder),
         metaOf(SPA_META_Cursor, cursorMemory(384), cursorMemory(1), &memory.builder)};
     pw_stream_update_params(mStream.get(), parameters.data(), parameters.size());
+    tell([size](const auto& events) { events.sized(size.width, size.height); });
 }
 
 void PipeWireStream::forget(pw_buffer* buffer)
@@ -295,6 +319,8 @@ void PipeWireStream::refresh(std::uint64_t)
 /// Instead of when it was due before.
 void PipeWireStream::refreshIn(std::chrono::milliseconds delay)
 {
+    if (!mRepeats)
+        return;
     const std::chrono::nanoseconds rest = delay % std::chrono::seconds(1);
     timespec value{delay / std::chrono::seconds(1), rest.count()};
     pw_loop_update_timer(pw_thread_loop_get_loop(mThread.get()), mTimer, &value, nullptr, false);

@@ -16,9 +16,9 @@
 namespace farview
 {
 
-/// The pixels and the pointer of a monitor that a PipeWire node shows, in a size that we choose.
-/// Frames are copied where they have changed, by a thread of PipeWire's: whoever has one needs no
-/// PipeWire any more. Main thread only.
+/// The pixels and the pointer of a monitor that a PipeWire node shows, in a size that we choose
+/// unless the node has one of its own. Frames are copied where they have changed, by a thread of
+/// PipeWire's: whoever has one needs no PipeWire any more. Main thread only.
 class PipeWireStream
 {
 public:
@@ -29,6 +29,17 @@ public:
         /// The node was `takenAway`; or it `failed`: PipeWire has gone or is not there, or there is
         /// no memory.
         std::function<void(ScreenObstacle reason)> ended;
+        /// The frames that follow have that size.
+        std::function<void(int width, int height)> sized = [](int, int) {};
+    };
+    /// Where the node is.
+    struct Source {
+        std::uint32_t node = 0;
+        /// A connection to PipeWire, for this stream only; none: the session's PipeWire.
+        FileDescriptor remote = {};
+        /// The node sends the pointer apart from frames, may lose one over it, and repeats the
+        /// newest when it is paused for a moment. Others lose one then.
+        bool repeats = true;
     };
 
     /// The loop must live longer.
@@ -38,8 +49,11 @@ public:
     PipeWireStream(const PipeWireStream&) = delete;
     PipeWireStream& operator=(const PipeWireStream&) = delete;
 
+    /// Whether a monitor can have that size.
+    static bool isPossible(int width, int height);
+
     /// Begins to take what the node shows. Once.
-    void connect(std::uint32_t node, int width, int height);
+    void connect(Source source, int width, int height);
     /// Asks the node for another size, after `connect`.
     void resize(int width, int height);
     /// Frames of a new size are held back until this is called with it. `isOld`: those that came
@@ -78,7 +92,8 @@ private:
     static const pw_stream_events& handlers();
     static const pw_core_events& coreHandlers();
 
-    bool begin(std::uint32_t node, Size size);
+    bool begin(Source source, Size size);
+    pw_core* reach(FileDescriptor remote);
     void tell(std::function<void(const Events&)> news);
     void end(ScreenObstacle reason);
     // On PipeWire's thread:
@@ -110,7 +125,8 @@ private:
     spa_hook mCoreHook{};
     spa_source* mTimer = nullptr;
     std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
-    bool mIsInDoubt = true;                 ///< a frame may have been lost
+    bool mRepeats = true;
+    bool mIsInDoubt = true; ///< a frame may have been lost
     Size mSize;
     Size mShown; ///< frames of another size are held back
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;

@@ -14,14 +14,6 @@ constexpr Duration longestResizing{2.0};
 /// Session, stream and bus may end together, and each says something else.
 constexpr Duration patience{0.5};
 
-/// More than any picture that a graphics processor holds.
-constexpr int longestSide = 16384;
-
-bool isPossible(int width, int height)
-{
-    return width > 0 && width <= longestSide && height > 0 && height <= longestSide;
-}
-
 } // namespace
 
 MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<MutterLayout> layout,
@@ -37,7 +29,7 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
                                         [this](auto reason) { endSoon(reason); }},
       mSession(bus,
                {[this] { queue(); },
-                [this](auto node) { mStream.connect(node, mPart.wish.width, mPart.wish.height); },
+                [this](auto node) { mStream.connect({node}, mPart.wish.width, mPart.wish.height); },
                 [this](auto reason) { lose(reason); }}),
       mStream(loop, {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
                      [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },
@@ -50,7 +42,7 @@ MutterMonitor::~MutterMonitor() { remove(); }
 
 void MutterMonitor::prepare()
 {
-    if (!isPossible(mPart.wish.width, mPart.wish.height))
+    if (!PipeWireStream::isPossible(mPart.wish.width, mPart.wish.height))
         return end(ScreenObstacle::tooLarge);
     limitWaiting();
     mSession.prepare();
@@ -73,12 +65,13 @@ void MutterMonitor::begin()
 {
     limitWaiting();
     mSession.start();
-    mInput.makeDevices();
+    if (mPart.wish.input)
+        mSession.makeDevices();
 }
 
 void MutterMonitor::resize(int width, int height)
 {
-    if (!isPossible(width, height))
+    if (!PipeWireStream::isPossible(width, height))
         return;
     mPart.wish.width = width;
     mPart.wish.height = height;

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Platform/Desktop/Screens/Mutter/MutterInput.h"
 #include "Platform/Desktop/Screens/Mutter/MutterLayout.h"
 #include "Platform/Desktop/Screens/Mutter/MutterSession.h"
 #include "Platform/Desktop/Screens/PipeWireStream.h"
+#include "Platform/Desktop/Screens/StreamInput.h"
 #include "Platform/RunLoop.h"
 #include "Platform/VirtualScreens.h"
 
@@ -59,7 +59,7 @@ private:
     std::vector<News> mEarly; ///< before the monitor was told of
     bool mHasEnded = false;
     MutterSession mSession;
-    MutterInput mInput{mSession, mPart.wish};
+    StreamInput mInput{mSession, mPart.wish};
     PipeWireStream mStream;
 };
 

@@ -5,6 +5,7 @@
 #include <QDBusVariant>
 #include <QPointer>
 
+#include <linux/input-event-codes.h>
 #include <utility>
 
 namespace farview
@@ -23,6 +24,8 @@ const QString screenSaver = QStringLiteral("org.gnome.ScreenSaver");
 
 /// The pointer is told apart from the frames.
 constexpr unsigned pointerApart = 2;
+/// Users' fingers are those below.
+constexpr unsigned fingerOfNobody = 16;
 
 QDBusMessage callOf(const QString& service, const QString& path, const QString& interface,
                     const char* member)
@@ -187,6 +190,23 @@ void MutterSession::listen()
 void MutterSession::start()
 {
     call(callOf(remoteDesktop, mSession, remoteSession, "Start"), QString(), nullptr);
+}
+
+/// Mutter makes a device for what comes first of each kind. Places mean nothing to it before
+/// pictures are taken, and no keyboard has that key: so nothing happens to any window.
+void MutterSession::makeDevices()
+{
+    notify("NotifyPointerMotionAbsolute", {mStream, 0.0, 0.0});
+    // Mutter drops it, unless it is slow and the monitor has come: a finger that no user has, and
+    // that must not stay down.
+    notify("NotifyTouchDown", {mStream, fingerOfNobody, 0.0, 0.0});
+    notify("NotifyTouchUp", {fingerOfNobody});
+    notify("NotifyKeyboardKeycode", {unsigned{KEY_RESERVED}, true});
+}
+
+InputAbilities MutterSession::inputAbilities() const
+{
+    return {.pointer = true, .touch = true, .pen = false, .keys = true};
 }
 
 void MutterSession::notify(const char* member, const QVariantList& arguments)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/Bus/SessionBus.h"
+#include "Platform/Desktop/Screens/StreamInput.h"
 #include "Platform/VirtualScreens.h"
 
 #include <QObject>
@@ -21,7 +22,7 @@ void askWhetherLocked(SessionBus& bus, QObject* asker, std::function<void(bool i
 /// A session at Mutter that makes one monitor and shows it as a PipeWire node. It is one of remote
 /// control, so that input for the monitor can be given, too. The destructor ends it; Mutter ends it
 /// when our connection to the bus does. Main thread only.
-class MutterSession : public QObject
+class MutterSession : public QObject, public StreamControl
 {
     Q_OBJECT
 
@@ -43,11 +44,13 @@ public:
     /// Removes the monitor.
     void stop();
 
-    /// The monitor's name in calls, once it is prepared.
-    QString streamPath() const { return mStream; }
-    /// Tells Mutter what the user did there, after what was told before. Lost unless the session
-    /// was started and goes on; a refusal changes nothing.
-    void notify(const char* member, const QVariantList& arguments);
+    /// Has Mutter make its devices for input, so that programs know of them before they are used.
+    /// To be called when the session was started, before anybody takes its pictures.
+    void makeDevices();
+
+    InputAbilities inputAbilities() const override;
+    QVariant streamName() const override { return mStream; }
+    void notify(const char* member, const QVariantList& arguments) override;
 
 private Q_SLOTS:
     void noticeNode(unsigned node);

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/Screens/Mutter/MutterInput.h"
+#include "Platform/Desktop/Screens/StreamInput.h"
 
 #include <QString>
 
@@ -12,14 +12,11 @@ namespace farview
 namespace
 {
 
-/// How far Mutter scrolls with one notch.
+/// How far the desktop scrolls with one notch.
 constexpr double notch = 10;
 /// Neither a wheel, whose parts of notches Mutter 43 loses, nor fingers on a pad, which would have
 /// to tell when they leave it.
 constexpr unsigned isSteady = 8;
-
-/// Users' fingers are those below.
-constexpr unsigned fingerOfNobody = 16;
 
 enum Axis : unsigned { vertical = 0, horizontal = 1 };
 
@@ -43,43 +40,27 @@ bool isWhole(double number) { return number == std::trunc(number); }
 
 } // namespace
 
-/// Mutter makes a device for what comes first of each kind. Places mean nothing to it before
-/// pictures are taken, and no keyboard has that key: so nothing happens to any window.
-void MutterInput::makeDevices()
-{
-    if (!mWish.input)
-        return;
-    const QVariant stream = mSession.streamPath();
-    mSession.notify("NotifyPointerMotionAbsolute", {stream, 0.0, 0.0});
-    // Mutter drops it, unless it is slow and the monitor has come: a finger that no user has, and
-    // that must not stay down.
-    mSession.notify("NotifyTouchDown", {stream, fingerOfNobody, 0.0, 0.0});
-    mSession.notify("NotifyTouchUp", {fingerOfNobody});
-    mSession.notify("NotifyKeyboardKeycode", {unsigned{KEY_RESERVED}, true});
-}
-
-void MutterInput::end()
+void StreamInput::end()
 {
     for (int finger = 0; finger < int(mFingers.size()); ++finger)
         lift(finger);
     mMonitor.reset();
 }
 
-InputAbilities MutterInput::abilities() const
+InputAbilities StreamInput::abilities() const
 {
-    const bool flag = isOpen();
-    return {.pointer = flag, .touch = flag, .pen = false, .keys = flag};
+    return isOpen() ? mSession.inputAbilities() : InputAbilities{};
 }
 
-void MutterInput::notify(const char* member, const QVariantList& arguments)
+void StreamInput::notify(const char* member, const QVariantList& arguments)
 {
     if (isOpen())
         mSession.notify(member, arguments);
 }
 
-/// Mutter takes places in the desktop's units, from the monitor's corner, and beyond its edge lie
+/// Places are told in the desktop's units, from the monitor's corner, and beyond its edge lie
 /// other screens. A monitor that is about to become smaller may be so already.
-std::optional<QVariantList> MutterInput::onStream(const InputPlace& place) const
+std::optional<QVariantList> StreamInput::onStream(const InputPlace& place) const
 {
     const auto isWithin = [](double at, int end) { return at >= 0 && at < end; };
     if (!isOpen() || !isWithin(place.x, std::min(mMonitor->width, mWish.width)) ||
@@ -89,19 +70,19 @@ std::optional<QVariantList> MutterInput::onStream(const InputPlace& place) const
                         place.y * mMonitor->area.height / mMonitor->height};
 }
 
-void MutterInput::movePointer(const InputPlace& place)
+void StreamInput::movePointer(const InputPlace& place)
 {
     if (const auto at = onStream(place))
-        notify("NotifyPointerMotionAbsolute", QVariantList{mSession.streamPath()} + *at);
+        notify("NotifyPointerMotionAbsolute", QVariantList{mSession.streamName()} + *at);
 }
 
-void MutterInput::button(PointerButton button, bool isDown)
+void StreamInput::button(PointerButton button, bool isDown)
 {
     notify("NotifyPointerButton", {codeOf(button), isDown});
 }
 
 /// Some programs know whole notches only.
-void MutterInput::wheel(double right, double down)
+void StreamInput::wheel(double right, double down)
 {
     if (!isWhole(right) || !isWhole(down))
         return notify("NotifyPointerAxis", {right * notch, down * notch, isSteady});
@@ -111,7 +92,7 @@ void MutterInput::wheel(double right, double down)
         notify("NotifyPointerAxisDiscrete", {unsigned{vertical}, int(down)});
 }
 
-void MutterInput::touch(const TouchPoint& point)
+void StreamInput::touch(const TouchPoint& point)
 {
     if (point.finger < 0 || point.finger >= int(mFingers.size()))
         return;
@@ -121,31 +102,31 @@ void MutterInput::touch(const TouchPoint& point)
         lift(point.finger);
     else if (const auto at = onStream(point.place); at && mFingers[point.finger])
         notify("NotifyTouchMotion",
-               QVariantList{mSession.streamPath(), unsigned(point.finger)} + *at);
+               QVariantList{mSession.streamName(), unsigned(point.finger)} + *at);
 }
 
-void MutterInput::press(int finger, const InputPlace& place)
+void StreamInput::press(int finger, const InputPlace& place)
 {
     const auto at = onStream(place);
     if (!at || mFingers[finger])
         return;
     mFingers.set(finger);
-    notify("NotifyTouchDown", QVariantList{mSession.streamPath(), unsigned(finger)} + *at);
+    notify("NotifyTouchDown", QVariantList{mSession.streamName(), unsigned(finger)} + *at);
 }
 
-void MutterInput::lift(int finger)
+void StreamInput::lift(int finger)
 {
     if (mFingers[finger])
         notify("NotifyTouchUp", {unsigned(finger)});
     mFingers.reset(finger);
 }
 
-void MutterInput::key(std::uint16_t code, bool isDown)
+void StreamInput::key(std::uint16_t code, bool isDown)
 {
     notify("NotifyKeyboardKeycode", {unsigned{code}, isDown});
 }
 
-void MutterInput::text(const std::string& text)
+void StreamInput::text(const std::string& text)
 {
     for (const auto character : QString::fromStdString(text).toUcs4()) {
         const unsigned symbol = xkb_utf32_to_keysym(character);

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Platform/Desktop/Screens/Mutter/MutterSession.h"
 #include "Platform/InputSink.h"
 #include "Platform/VirtualScreens.h"
 
+#include <QVariant>
 #include <QVariantList>
 
 #include <bitset>
@@ -12,23 +12,35 @@
 namespace farview
 {
 
-/// Input for a monitor that Mutter made, over the session that made it. Mutter knows no pens, and
-/// types only what the keyboard layout of the moment has.
-class MutterInput final : public InputSink
+/// A session at the desktop that shows a monitor as a stream and takes input for it, in the words
+/// of Mutter's own operations.
+class StreamControl
+{
+public:
+    virtual ~StreamControl() = default;
+
+    virtual InputAbilities inputAbilities() const = 0;
+    /// The monitor's name in calls.
+    virtual QVariant streamName() const = 0;
+    /// Tells what the user did there, after what was told before. Lost unless the session was
+    /// started and goes on; a refusal changes nothing.
+    virtual void notify(const char* member, const QVariantList& arguments) = 0;
+};
+
+/// Input for a monitor that a stream shows, over the session that has both. There are no pens, and
+/// no letters but those that the keyboard layout of the moment has.
+class StreamInput final : public InputSink
 {
 public:
     /// Both must live longer. The wish is looked at each time.
-    MutterInput(MutterSession& session, const ScreenWish& wish) : mSession(session), mWish(wish) {}
-    MutterInput(const MutterInput&) = delete;
-    MutterInput& operator=(const MutterInput&) = delete;
+    StreamInput(StreamControl& session, const ScreenWish& wish) : mSession(session), mWish(wish) {}
+    StreamInput(const StreamInput&) = delete;
+    StreamInput& operator=(const StreamInput&) = delete;
 
-    /// Has Mutter make its devices, so that programs know of them before they are used. To be
-    /// called when the session was started, before anybody takes its pictures.
-    void makeDevices();
     /// The monitor is there, and like that.
     void setMonitor(const ScreenGeometry& monitor) { mMonitor = monitor; }
-    /// Lifts all fingers and passes on nothing any more. Keys and buttons are released by Mutter
-    /// when it ends the session.
+    /// Lifts all fingers and passes on nothing any more. Keys and buttons are released by the
+    /// desktop when it ends the session.
     void end();
 
     InputAbilities abilities() const override;
@@ -47,7 +59,7 @@ private:
     void lift(int finger);
     std::optional<QVariantList> onStream(const InputPlace& place) const;
 
-    MutterSession& mSession;
+    StreamControl& mSession;
     const ScreenWish& mWish;
     std::optional<ScreenGeometry> mMonitor;
     std::bitset<16> mFingers; ///< that are down

@@ -193,6 +193,7 @@ TEST_F(WlrootsVirtualScreensTest, EndsWhenOthersRemoveTheOutput)
 TEST_F(WlrootsVirtualScreensTest, ASwayThatStandsStillIsNotLost)
 {
     open();
+    ASSERT_TRUE(waitUntil([&] { return mScreen->input().abilities().pointer; }));
     mDesktop.process().sendSignal(SIGSTOP);
     for (int time = 0; time < 20'000; ++time)
         mScreen->input().movePointer({.x = double(time % 1000), .y = 5});

@@ -210,12 +210,12 @@ void ScreenTrial::movePointer(int step)
 {
     if (!mScreen || step >= stepsOfPointer)
         return;
-    const auto& [area, pixelWidth, pixelHeight, scale, rate, others] = *mFacts.geometry;
+    const auto& monitor = *mFacts.geometry;
     const double part = static_cast<double>(step) / stepsOfPointer;
-    mScreen->input().movePointer({.x = part * pixelWidth,
-                                  .y = part * pixelHeight,
-                                  .desktopX = area.x + part * area.width,
-                                  .desktopY = area.y + part * area.height});
+    mScreen->input().movePointer({.x = part * monitor.width,
+                                  .y = part * monitor.height,
+                                  .desktopX = monitor.area.x + part * monitor.area.width,
+                                  .desktopY = monitor.area.y + part * monitor.area.height});
     mLoop.performAfterDelay(stepOfPointer, weak_from_this(),
                             [this, step] { movePointer(step + 1); });
 }

@@ -32,7 +32,7 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
       mQuestion(new PairingPage(texts, {mActions.confirm, mActions.refuse})),
       mComputers(
           new KnownComputersPage(texts, {mActions.forget, [this] { listComputers(false); }})),
-      mView(new ScreenView), mInput(*mView)
+      mView(new ScreenView(mCompositor)), mInput(*mView)
 {
     for (QWidget* each : std::initializer_list<QWidget*>{mStatusPage, mQuestion, mComputers, mView})
         mPages->addWidget(each);
@@ -52,7 +52,7 @@ DeviceWindow::DeviceWindow(const DeviceTexts& texts, Actions actions, First firs
     mScreenChanged.setSingleShot(true);
     mScreenChanged.setInterval(screenRestAfter);
     mScreenChanged.setTimerType(Qt::PreciseTimer);
-    connect(&mScreenChanged, &QTimer::timeout, this, [this] { mTellScreen(); });
+    connect(&mScreenChanged, &QTimer::timeout, this, &DeviceWindow::tellScreen);
     setMouseTracking(true);
     qApp->installEventFilter(this);
     setWindowTitle(texts.text("Farview Device"));
@@ -147,7 +147,7 @@ LinkDeviceScreen DeviceWindow::screen() const
 {
     const QScreen& mine = *QWidget::screen();
     const QSize room = mFirst == First::fillsScreen ? mine.size() : mine.size() / 2;
-    return screenToTell(room, mine.devicePixelRatio(), mine.refreshRate());
+    return screenToTell(room, mCompositor.ratio(mine), mine.refreshRate());
 }
 
 void DeviceWindow::setScreenObserver(std::function<void()> changed)
@@ -175,6 +175,12 @@ void DeviceWindow::followScreen()
     tell();
 }
 
+void DeviceWindow::tellScreen()
+{
+    mView->followScreen();
+    mTellScreen();
+}
+
 // --- the picture -----------------------------------------------------------------------------
 
 void DeviceWindow::beginPicture(const PictureReceiver& picture)
@@ -189,6 +195,7 @@ void DeviceWindow::beginPicture(const PictureReceiver& picture)
     mView->setFocus();
     raise();
     mRest.start();
+    mAwake = mCompositor.newIdleInhibitor(windowHandle());
     mActions.pictureShown(true);
 }
 
@@ -210,6 +217,7 @@ void DeviceWindow::endPicture()
     rest();
     mView->unsetCursor();
     showRightPage();
+    mAwake.reset();
     mActions.pictureShown(false);
 }
 
@@ -235,7 +243,8 @@ void DeviceWindow::becomeWindow(const QSize& size)
 QSize DeviceWindow::sizeInWindow() const
 {
     const QSize room = QWidget::screen()->availableSize() * partOfScreen;
-    const QSize points = (QSizeF(mView->pictureSize()) / devicePixelRatioF()).toSize();
+    const QSize points =
+        (QSizeF(mView->pictureSize()) / mCompositor.ratio(*QWidget::screen())).toSize();
     return points.boundedTo(points.scaled(room, Qt::KeepAspectRatio));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/Device/Compositor.h"
 #include "Applications/Device/DeviceServer.h"
 #include "Applications/Device/EdgeSwipe.h"
 #include "Applications/Device/KnownComputersPage.h"
@@ -78,6 +79,7 @@ private:
     void listComputers(bool isListed);
     void comeForward();
     void followScreen();
+    void tellScreen();
     void fillScreen(bool isFull);
     void becomeWindow(const QSize& size);
     QSize sizeInWindow() const;
@@ -97,6 +99,7 @@ private:
     const DeviceTexts& mTexts;
     Actions mActions;
     First mFirst;
+    Compositor mCompositor{[this] { mScreenChanged.start(); }};
     DeviceStatus mStatus;
     bool mListsComputers = false; ///< unless there is a question or a picture
     QStackedLayout* mPages;
@@ -105,6 +108,7 @@ private:
     KnownComputersPage* mComputers;
     ScreenView* mView;
     PictureBar* mBar;
+    WaylandHandle<zwp_idle_inhibitor_v1> mAwake; ///< while there is a picture
     PictureInput mInput;
     EdgeSwipe mSwipe;
     QPoint mPlace;    ///< before it filled the screen

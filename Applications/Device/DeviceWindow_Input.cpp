@@ -39,6 +39,9 @@ bool DeviceWindow::eventFilter(QObject* watched, QEvent* event)
         mInput.penLeft();
     if (watched == mView)
         followPlace(*event);
+    if (watched == mBar && (event->type() == QEvent::Show || event->type() == QEvent::Hide ||
+                            event->type() == QEvent::Resize))
+        mView->followScreen();
     const bool isTaken = watched == mView && mInput.isOn() && takeForComputer(*event);
     if (isTaken)
         event->accept();

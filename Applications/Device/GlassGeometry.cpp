@@ -52,6 +52,19 @@ PicturePlace placedPicture(const QSize& glass, const QSize& picture, bool isFitt
             picture};
 }
 
+double exactRatio(const QSize& pixels, const QSize& points, double rounded)
+{
+    constexpr double steps = 120;
+    if (pixels.isEmpty() || points.isEmpty())
+        return rounded;
+    // The longer side says it best: points are cut off to whole ones.
+    const bool isWide = points.width() > points.height();
+    const double ratio =
+        isWide ? 1.0 * pixels.width() / points.width() : 1.0 * pixels.height() / points.height();
+    const double exact = std::round(ratio * steps) / steps;
+    return std::ceil(exact) == rounded ? exact : rounded;
+}
+
 LinkDeviceScreen screenToTell(const QSize& points, double ratio, double refresh)
 {
     return {within(points.width() * ratio, 1, kLargestPictureSide),

@@ -26,6 +26,10 @@ struct PicturePlace {
 PicturePlace placedPicture(const QSize& glass, const QSize& picture, bool isFitted,
                            const QPoint& pointer);
 
+/// The pixels to a point of a screen that has so many of both, in the 120ths that Wayland counts
+/// in; `rounded`, which is that rounded up, where the sizes say something else.
+double exactRatio(const QSize& pixels, const QSize& points, double rounded);
+
 /// What a host is told of a screen: its size in points as it is held, its pixels to a point, and
 /// how many pictures a second it shows.
 LinkDeviceScreen screenToTell(const QSize& points, double ratio, double refresh);

@@ -118,7 +118,7 @@ std::optional<LinkPlace> PictureInput::placeOf(const QPointF& position, bool isH
 {
     const PicturePlace& drawn = mView.drawnPlace();
     const QRectF area = drawn.area;
-    const QPointF pixel = position * mView.devicePixelRatioF();
+    const QPointF pixel = position * mView.ratio();
     return picturePlace(pixel.x(), pixel.y(),
                         {area.x(), area.y(), area.width(), area.height(), drawn.picture.width(),
                          drawn.picture.height()},
@@ -129,7 +129,7 @@ std::optional<LinkPlace> PictureInput::placeOf(const QPointF& position, bool isH
 QSizeF PictureInput::contactOf(const QEventPoint& point) const
 {
     const PicturePlace& drawn = mView.drawnPlace();
-    const QSizeF onGlass = point.ellipseDiameters() * mView.devicePixelRatioF();
+    const QSizeF onGlass = point.ellipseDiameters() * mView.ratio();
     return {onGlass.width() * drawn.picture.width() / drawn.area.width(),
             onGlass.height() * drawn.picture.height() / drawn.area.height()};
 }

@@ -5,6 +5,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <algorithm>
 #include <utility>
 
 namespace farview
@@ -19,7 +20,7 @@ QRect toRect(const PixelRect& part) { return {part.x, part.y, part.width, part.h
 
 } // namespace
 
-ScreenView::ScreenView()
+ScreenView::ScreenView(const Compositor& compositor) : mCompositor(compositor)
 {
     setObjectName(QStringLiteral("screenView"));
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -34,14 +35,14 @@ ScreenView::ScreenView()
 void ScreenView::beginPicture(const PictureReceiver& picture)
 {
     mPicture = &picture;
-    update();
+    followScreen();
 }
 
 void ScreenView::endPicture()
 {
     mPicture = nullptr;
     mDrawn = nullptr;
-    update();
+    followScreen();
 }
 
 QSize ScreenView::pictureSize() const
@@ -52,31 +53,81 @@ QSize ScreenView::pictureSize() const
 void ScreenView::setFitted(bool isFitted)
 {
     mIsFitted = isFitted;
-    update();
+    updatePainted(paintedRect());
 }
+
+// --- where it is painted ---------------------------------------------------------------------
+
+void ScreenView::followScreen()
+{
+    update();
+    const double ratio = mCompositor.ratio(*screen());
+    if (!mPicture || !isVisible() || !mCompositor.hasViewports() || ratio == devicePixelRatioF()) {
+        delete mSharp;
+        return;
+    }
+    const QRect area(mapTo(window(), QPoint()), size());
+    if (!mSharp || !mSharp->covers(area, ratio)) {
+        delete mSharp;
+        mSharp = new SharpSurface(
+            *window()->windowHandle(), mCompositor, area, ratio,
+            [this](QPainter& painter, const QRegion& region) { paint(painter, region); });
+    }
+    mSharp->uncoverTop(std::max(0, childrenRect().bottom() + 1));
+}
+
+bool ScreenView::event(QEvent* event)
+{
+    const bool isTaken = QWidget::event(event);
+    if (event->type() == QEvent::Show || event->type() == QEvent::Hide ||
+        event->type() == QEvent::Resize)
+        followScreen();
+    return isTaken;
+}
+
+double ScreenView::paintedRatio() const
+{
+    return mSharp ? mSharp->devicePixelRatio() : devicePixelRatioF();
+}
+
+QRect ScreenView::paintedRect() const { return mSharp ? mSharp->whole() : rect(); }
+
+void ScreenView::updatePainted(const QRegion& region)
+{
+    if (mSharp)
+        mSharp->update(region);
+    else
+        update(region);
+}
+
+// --- the picture -----------------------------------------------------------------------------
 
 PicturePlace ScreenView::place() const
 {
     const auto pointer = mPicture->cursorPlace();
-    return placedPicture((QSizeF(size()) * devicePixelRatioF()).toSize(), pictureSize(), mIsFitted,
+    return placedPicture((QSizeF(size()) * ratio()).toSize(), pictureSize(), mIsFitted,
                          {pointer.x, pointer.y});
 }
 
 void ScreenView::showFrame(const std::vector<PixelRect>& changed, std::function<void()> drawn)
 {
     mDrawn = std::move(drawn);
-    const QRegion seen = inPoints(changed) & rect();
-    repaint(seen.isEmpty() ? QRegion(0, 0, 1, 1) : seen);
+    const QRegion seen = inPoints(changed) & paintedRect();
+    const QRegion painted = seen.isEmpty() ? QRegion(0, 0, 1, 1) : seen;
+    if (mSharp)
+        mSharp->repaint(painted);
+    else
+        repaint(painted);
 }
 
 void ScreenView::movePointer()
 {
     const PicturePlace now = place();
     if (now.area != mPlace.area)
-        return update();
-    update(mPointer);
+        return updatePainted(paintedRect());
+    updatePainted(mPointer);
     mPointer = inPoints(now.touched(pointerPart()));
-    update(mPointer);
+    updatePainted(mPointer);
 }
 
 /// In pixels of the picture. Empty when there is none.
@@ -106,7 +157,7 @@ QRegion ScreenView::inPoints(const std::vector<PixelRect>& parts) const
 
 QRect ScreenView::inPoints(const QRect& pixels) const
 {
-    const double ratio = devicePixelRatioF();
+    const double ratio = paintedRatio();
     return QRectF(pixels.x() / ratio, pixels.y() / ratio, pixels.width() / ratio,
                   pixels.height() / ratio)
         .toAlignedRect();
@@ -115,12 +166,20 @@ QRect ScreenView::inPoints(const QRect& pixels) const
 void ScreenView::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
-    if (!mPicture)
-        return painter.fillRect(event->rect(), Qt::black);
+    if (mPicture && !mSharp)
+        return paint(painter, event->region());
+    painter.fillRect(event->rect(), Qt::black);
+    // What it could not paint while the window was not to be seen.
+    if (mSharp)
+        mSharp->update({});
+}
+
+void ScreenView::paint(QPainter& painter, const QRegion& region)
+{
     mPlace = place();
     mPointer = inPoints(mPlace.touched(pointerPart()));
     painter.setRenderHint(QPainter::SmoothPixmapTransform, mPlace.isScaled());
-    for (const QRect& part : event->region())
+    for (const QRect& part : region)
         drawPart(painter, part);
     // It is handed over when this event is over.
     if (mDrawn)
@@ -131,7 +190,7 @@ void ScreenView::paintEvent(QPaintEvent* event)
 void ScreenView::drawPart(QPainter& painter, const QRect& part) const
 {
     // From here on in pixels of the screen.
-    const double ratio = devicePixelRatioF();
+    const double ratio = paintedRatio();
     painter.setClipRect(part);
     painter.save();
     painter.scale(1 / ratio, 1 / ratio);

@@ -71,6 +71,32 @@ TEST(PicturePlace, TouchesAllPixelsThatAPartHasToDoWith)
     EXPECT_EQ(third.touched({3, 3, 1, 1}), QRect(0, 0, 2, 2));
 }
 
+TEST(ExactRatio, IsWhatTheCompositorRoundedUp)
+{
+    struct Case {
+        QSize pixels;
+        QSize points;
+        double rounded;
+        double exact;
+    };
+    const Case cases[] = {
+        {{1920, 1080}, {1280, 720}, 2, 1.5},
+        {{1080, 1920}, {720, 1280}, 2, 1.5},
+        {{1366, 768}, {910, 512}, 2, 1.5}, // the 910.67 points were cut off
+        {{1920, 1080}, {1097, 617}, 2, 1.75},
+        {{2560, 1600}, {1024, 640}, 3, 2.5},
+        {{1920, 1080}, {1920, 1080}, 1, 1},
+        {{1920, 1080}, {3840, 2160}, 1, 0.5},
+        {{1920, 1080}, {1280, 720}, 1.5, 1.5}, // Qt knows it
+        {{1920, 1080}, {960, 540}, 3, 3},      // one of them is already changed
+        {{}, {1280, 720}, 2, 2},
+        {{1920, 1080}, {}, 2, 2},
+    };
+    for (const auto& [pixels, points, rounded, exact] : cases)
+        EXPECT_EQ(exactRatio(pixels, points, rounded), exact)
+            << pixels.width() << " to " << points.width();
+}
+
 TEST(ScreenToTell, IsInPixelsAndWithinTheBoundsOfTheLink)
 {
     EXPECT_EQ(screenToTell({1920, 1200}, 1, 59.94), (LinkDeviceScreen{1920, 1200, 100, 60}));

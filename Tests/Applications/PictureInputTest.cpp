@@ -98,7 +98,8 @@ protected:
     FakeRunLoop loop;
     std::vector<LinkFrame> sent;
     InputReporter reporter{loop, [this](const LinkFrame& frame) { sent.push_back(frame); }};
-    ScreenView view;
+    Compositor compositor;
+    ScreenView view{compositor};
     PictureInput input{view};
     TouchFilter filter{[this](QEvent& event) { return take(std::move(event)); }};
     QPointingDevice* touchScreen = QTest::createTouchDevice();

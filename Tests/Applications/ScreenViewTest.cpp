@@ -125,7 +125,8 @@ protected:
     std::optional<Picture> frame;
     std::optional<PictureSender> sender;
     std::optional<PictureReceiver> receiver;
-    ScreenView view;
+    Compositor compositor;
+    ScreenView view{compositor};
 };
 
 TEST_F(ScreenViewTest, ShowsWhatTheHostSentBitForBit)

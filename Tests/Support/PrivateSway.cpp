@@ -24,9 +24,13 @@ enum Question : std::uint32_t { command = 0, getOutputs = 3, getTree = 4 };
 PrivateSway::PrivateSway(const std::vector<std::string>& monitors, const std::string& configuration)
 {
     std::string lines = "xwayland disable\ndefault_border none\n";
-    for (std::size_t index = 0; index < monitors.size(); ++index)
-        lines += "output HEADLESS-" + std::to_string(index + 1) + " resolution " + monitors[index] +
-                 "\n";
+    int left = 0;
+    for (std::size_t index = 0; index < monitors.size(); ++index) {
+        lines += "output HEADLESS-" + std::to_string(index + 1) + " resolution " + monitors[index];
+        // One that is alone is placed by sway itself, several in whatever order.
+        lines += monitors.size() > 1 ? " position " + std::to_string(left) + " 0\n" : "\n";
+        left += std::stoi(monitors[index]);
+    }
     const auto file = mFolder.write("sway.conf", lines + configuration);
     std::string start = "unset WAYLAND_DISPLAY; exec ";
     // It refuses to run as root.

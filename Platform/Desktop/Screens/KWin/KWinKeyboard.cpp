@@ -35,16 +35,16 @@ KWinKeyboard::~KWinKeyboard() = default;
 /// Its service may be missing: then there is one layout.
 void KWinKeyboard::followLayout(SessionBus& bus)
 {
-    auto call = QDBusMessage::createMethodCall(QStringLiteral("org.kde.keyboard"), path, layouts,
-                                               QStringLiteral("getLayout"));
-    call.setAutoStartService(false);
-    bus.ask(call, this, [this, &bus](const QDBusMessage& reply) {
-        if (reply.signature() != u"u")
+    bus.askForOwner(QStringLiteral("org.kde.keyboard"), this, [this, &bus](const QString& owner) {
+        if (owner.isEmpty())
             return;
-        useLayout(reply.arguments().at(0).toUInt());
-        mOwner = reply.service();
-        bus.connection().connect(mOwner, path, layouts, QStringLiteral("layoutChanged"), this,
+        bus.connection().connect(owner, path, layouts, QStringLiteral("layoutChanged"), this,
                                  SLOT(useLayout(uint)));
+        bus.ask(QDBusMessage::createMethodCall(owner, path, layouts, QStringLiteral("getLayout")),
+                this, [this](const QDBusMessage& reply) {
+                    if (reply.signature() == u"u")
+                        useLayout(reply.arguments().at(0).toUInt());
+                });
     });
 }
 

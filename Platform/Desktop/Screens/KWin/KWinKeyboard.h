@@ -40,7 +40,6 @@ private:
     std::unique_ptr<xkb_context, FreeKeyboard> mContext;
     Keymap mKeymap;
     unsigned mLayout = 0; ///< of those that the keymap has
-    QString mOwner;       ///< the layouts' own name on the bus
     ProxyPointer<wl_seat> mSeat;
     ProxyPointer<wl_keyboard> mKeyboard;
 };

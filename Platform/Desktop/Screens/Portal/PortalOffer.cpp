@@ -18,6 +18,8 @@ constexpr unsigned keyboardPointerTouch = 1 | 2 | 4;
 constexpr unsigned firstLastingScreenCast = 4;
 constexpr unsigned firstLastingRemoteDesktop = 2;
 
+const QString portal = QStringLiteral("org.freedesktop.portal.Desktop");
+
 /// Until the portal has come up, and all that it asks for its part.
 constexpr int patience = 30'000; // milliseconds
 
@@ -86,8 +88,7 @@ ScreenAvailability availabilityOf(const PortalOffer& offer)
 
 QDBusMessage portalCall(const QString& interface, const char* member)
 {
-    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"),
-                                          QStringLiteral("/org/freedesktop/portal/desktop"),
+    return QDBusMessage::createMethodCall(portal, QStringLiteral("/org/freedesktop/portal/desktop"),
                                           interface, QLatin1String(member));
 }
 
@@ -95,8 +96,7 @@ void askPortal(SessionBus& bus, QObject* asker, std::function<void(const PortalO
 {
     const auto takeScreenCast = [=, &bus](const QDBusMessage& reply) {
         const auto cast = propertiesIn(reply);
-        PortalOffer offer{.owner = reply.service(),
-                          .screenCast = number(cast, "version"),
+        PortalOffer offer{.screenCast = number(cast, "version"),
                           .sources = number(cast, "AvailableSourceTypes"),
                           .cursorModes = number(cast, "AvailableCursorModes")};
         if (reply.type() == QDBusMessage::ErrorMessage)
@@ -104,11 +104,14 @@ void askPortal(SessionBus& bus, QObject* asker, std::function<void(const PortalO
         if (offer.obstacle)
             return then(offer);
         askForProperties(bus, asker, portalRemoteDesktop,
-                         [offer, then](const QDBusMessage& remoteReply) mutable {
+                         [=, &bus](const QDBusMessage& remoteReply) mutable {
                              const auto remote = propertiesIn(remoteReply);
                              offer.remoteDesktop = number(remote, "version");
                              offer.devices = number(remote, "AvailableDeviceTypes");
-                             then(offer);
+                             bus.askForOwner(portal, asker, [=](const QString& owner) mutable {
+                                 offer.owner = owner;
+                                 then(offer);
+                             });
                          });
     };
     askForProperties(bus, asker, portalScreenCast, takeScreenCast);

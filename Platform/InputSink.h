@@ -52,6 +52,8 @@ struct InputAbilities {
     bool touch = false;   ///< several fingers at once
     bool pen = false;     ///< with pressure
     bool keys = false;    ///< and text
+    /// Several fingers would get through, too, if an administrator allowed it.
+    bool touchWithARight = false;
 
     bool operator==(const InputAbilities&) const = default;
 };

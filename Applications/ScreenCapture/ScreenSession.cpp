@@ -20,6 +20,14 @@ std::optional<ScreenSide> sideOfMonitor(const ScreenGeometry& geometry)
     return sideOf(geometry.area, geometry.others.front());
 }
 
+ScreenReport::Fingers fingersOf(const InputAbilities& abilities)
+{
+    if (abilities.touch)
+        return ScreenReport::Fingers::several;
+    return abilities.touchWithARight ? ScreenReport::Fingers::oneWithoutARight
+                                     : ScreenReport::Fingers::one;
+}
+
 } // namespace
 
 ScreenSession::ScreenSession(Services services, std::string device, const LinkOptions& told,
@@ -243,7 +251,8 @@ ScreenReport ScreenSession::reportOf(const ScreenGeometry& geometry) const
             .scale = geometry.scale,
             .rate = geometry.rate,
             .windows = mScreen->windowKeeping(),
-            .isOneFinger = mInput && mTold.touch && !mScreen->input().abilities().touch,
+            .fingers = mInput && mTold.touch ? fingersOf(mScreen->input().abilities())
+                                             : ScreenReport::Fingers::several,
             .isTyping = mIsTyping,
             .monitor = geometry.area,
             .screens = geometry.others};

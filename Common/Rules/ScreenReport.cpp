@@ -48,11 +48,13 @@ ScreenReport shownReport(std::istream& in)
     int rate = 0;
     in >> report.width >> report.height >> scale >> rate;
     const auto windows = numberIn(in, WindowKeeping::byFarview);
-    in >> report.isOneFinger >> report.isTyping >> report.monitor;
+    const auto fingers = numberIn(in, ScreenReport::Fingers::oneWithoutARight);
+    in >> report.isTyping >> report.monitor;
     const bool isSound = isSide(report.width) && isSide(report.height) && scale > 0 && rate >= 0;
-    if (!in || !isSound || !windows)
+    if (!in || !isSound || !windows || !fingers)
         return {};
     report.windows = *windows;
+    report.fingers = *fingers;
     report.scale = scale / hundredths;
     report.rate = rate / hundredths;
     PixelRect screen;
@@ -75,7 +77,7 @@ std::string textOfScreenReport(const ScreenReport& report)
         return out.str();
     out << ' ' << report.width << ' ' << report.height << ' '
         << std::lround(report.scale * hundredths) << ' ' << std::lround(report.rate * hundredths)
-        << ' ' << static_cast<int>(report.windows) << ' ' << report.isOneFinger << ' '
+        << ' ' << static_cast<int>(report.windows) << ' ' << static_cast<int>(report.fingers) << ' '
         << report.isTyping << report.monitor;
     for (std::size_t i = 0; i < report.screens.size() && i < ScreenReport::mostScreens; ++i)
         out << report.screens[i];

@@ -35,8 +35,12 @@ struct ScreenReport {
     double rate = 0;  ///< pictures a second; 0 when the desktop does not say
     /// Who takes windows back from it.
     WindowKeeping windows = WindowKeeping::nobody;
-    /// Only one finger at a time gets through, as the pointer.
-    bool isOneFinger = false;
+    /// How many get through at a time; a single one is the pointer.
+    enum class Fingers {
+        several,
+        one,
+        oneWithoutARight, ///< several would, if an administrator allowed it
+    } fingers = Fingers::several;
     /// The device's user has used its keyboard within the last seconds.
     bool isTyping = false;
     PixelRect monitor = {}; ///< where it is, in the desktop's own units

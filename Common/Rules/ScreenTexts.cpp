@@ -73,6 +73,14 @@ std::string shownSentence(const ScreenReport& report, const Localize& localized)
                                             {size, place, rounded(report.scale * percent)});
 }
 
+const char* aboutOneFinger(ScreenReport::Fingers fingers)
+{
+    return fingers == ScreenReport::Fingers::oneWithoutARight
+               ? "Only one finger at a time gets through: for several, this computer must allow "
+                 "Farview more. Diagnose says how."
+               : "Only one finger at a time gets through to this desktop, as its pointer.";
+}
+
 /// Those that nothing else of the panel tells.
 std::string limits(ScreenWay way, bool wantsHiDPI, const Localize& localized)
 {
@@ -132,10 +140,8 @@ std::string screenAdvice(const ScreenReport& report, bool wantsHiDPI, const Loca
     std::string advice;
     if (wantsHiDPI && report.scale == 1)
         advice = localized("HiDPI is on, but this desktop cannot enlarge the device's screen.");
-    if (report.isOneFinger)
-        advice += (advice.empty() ? "" : "\n") +
-                  localized("Only one finger at a time gets through: for several, this computer "
-                            "must allow Farview more. Diagnose says how.");
+    if (report.fingers != ScreenReport::Fingers::several)
+        advice += (advice.empty() ? "" : "\n") + localized(aboutOneFinger(report.fingers));
     return advice;
 }
 

@@ -304,15 +304,19 @@ TEST_F(AScreenSession, SaysWhetherSeveralFingersGetThroughAndWhoKeepsWindows)
     told = {.touch = true, .windowsMoveBack = true};
     makeSession();
     open();
-    EXPECT_FALSE(session->report().isOneFinger);
+    using Fingers = ScreenReport::Fingers;
+    EXPECT_EQ(session->report().fingers, Fingers::several);
     EXPECT_EQ(session->report().windows, WindowKeeping::byFarview);
     EXPECT_TRUE(monitor()->keepsWindows());
     monitor()->input().setAbilities({.pointer = true});
     session->preferencesChanged({.touch = true});
-    EXPECT_TRUE(session->report().isOneFinger);
+    EXPECT_EQ(session->report().fingers, Fingers::one);
     EXPECT_FALSE(monitor()->keepsWindows());
     session->preferencesChanged({});
-    EXPECT_FALSE(session->report().isOneFinger) << "none gets through at all";
+    EXPECT_EQ(session->report().fingers, Fingers::several) << "none gets through at all";
+    monitor()->input().setAbilities({.pointer = true, .touchWithARight = true});
+    session->preferencesChanged({.touch = true});
+    EXPECT_EQ(session->report().fingers, Fingers::oneWithoutARight);
 }
 
 TEST_F(AScreenSession, SendsThePictureThatTheMonitorShows)

@@ -15,7 +15,7 @@ ScreenReport shown()
             .scale = 1.5,
             .rate = 59.95,
             .windows = WindowKeeping::byFarview,
-            .isOneFinger = true,
+            .fingers = ScreenReport::Fingers::oneWithoutARight,
             .isTyping = true,
             .monitor = pixelRect(1280, -20, 1280, 800),
             .screens = {pixelRect(0, 0, 1280, 800), pixelRect(-800, 0, 800, 600)}};
@@ -57,7 +57,7 @@ TEST(ScreenReport, WhatCannotBeReadIsNothing)
           "shown 5 5 0 0 0 0 0 0 0 1 1", "shown 5 5 100 -1 0 0 0 0 0 1 1",
           "shown 5 5 100 0 0 0 0 0 0 0 1", "shown 99999 5 100 0 0 0 0 0 0 1 1",
           "shown 5 5 100 0 3 0 0 0 0 1 1", "shown 5 5 100 0 -1 0 0 0 0 1 1",
-          "shown 5 5 100 0 0 2 0 0 0 1 1", "shown 5 5 100 0 0 0 2 0 0 1 1",
+          "shown 5 5 100 0 0 3 0 0 0 1 1", "shown 5 5 100 0 0 0 2 0 0 1 1",
           "shown 5 5 100 0 0 0 0 99999 0 1", "missing", "missing -1", "missing 10", "missing x",
           "impossible 10", "possible", "possible -1", "possible 9"})
         EXPECT_EQ(read(text), ScreenReport{}) << text;

@@ -113,12 +113,16 @@ TEST(ScreenTexts, HiDPIThatTheDesktopCannotGiveIsSaid)
 TEST(ScreenTexts, ThatOnlyOneFingerGetsThroughIsSaidWhileItIsShown)
 {
     auto report = monitorOn();
-    report.isOneFinger = true;
+    report.fingers = ScreenReport::Fingers::oneWithoutARight;
     const std::string advice = "Only one finger at a time gets through: for several, this computer "
                                "must allow Farview more. Diagnose says how.";
     EXPECT_EQ(screenAdvice(report, false, asItIs), advice);
     EXPECT_EQ(screenAdvice(report, true, asItIs),
               "HiDPI is on, but this desktop cannot enlarge the device's screen.\n" + advice);
+    report.fingers = ScreenReport::Fingers::one;
+    EXPECT_EQ(screenAdvice(report, false, asItIs),
+              "Only one finger at a time gets through to this desktop, as its pointer.")
+        << "nobody can allow more";
     report.state = Is::coming;
     EXPECT_EQ(screenAdvice(report, false, asItIs), "");
 }

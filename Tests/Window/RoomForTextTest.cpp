@@ -162,7 +162,8 @@ protected:
         serverPosts(kServerConnectedToDevice,
                     {{kDeviceNameKey, "tablet.local."}, {kDeviceKeyKey, std::string(64, 'a')}});
         auto report = shownScreen();
-        report.isOneFinger = report.isTyping = true;
+        report.fingers = ScreenReport::Fingers::oneWithoutARight;
+        report.isTyping = true;
         serverReports(report);
         using State = FurtherDevice::State;
         const std::vector<FurtherDevice> devices{

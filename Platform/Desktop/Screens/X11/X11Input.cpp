@@ -75,7 +75,11 @@ void X11Input::keepOnMonitor()
 
 InputAbilities X11Input::abilities() const
 {
-    return {true, mDevices.hasTouch(), mDevices.hasPen(), true};
+    return {.pointer = true,
+            .touch = mDevices.hasTouch(),
+            .pen = mDevices.hasPen(),
+            .keys = true,
+            .touchWithARight = !mDevices.hasTouch()};
 }
 
 /// Where on the desktop it is now: the monitor may have moved since somebody worked that out. False

@@ -83,6 +83,16 @@ TEST_F(WaylandConnectionToSway, TellsOfGlobalsThatComeLater)
     EXPECT_EQ(outputsOf(*mConnection), 3);
 }
 
+TEST_F(WaylandConnectionToSway, TellsOfGlobalsThatGo)
+{
+    if (!PrivateSway::canRemoveOutputs())
+        GTEST_SKIP() << "this sway can remove no output";
+    connect();
+    SwayArranger(mDesktop).run("output HEADLESS-2 unplug");
+    ASSERT_TRUE(waitUntil([&] { return !mTold.removed.empty(); }));
+    EXPECT_EQ(outputsOf(*mConnection), 1);
+}
+
 TEST_F(WaylandConnectionToSway, BindsWhatIsThereAtMostInItsVersion)
 {
     connect();

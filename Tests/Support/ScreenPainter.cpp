@@ -47,6 +47,13 @@ void ScreenPainter::setCursor(int side, std::uint32_t colour, int hotspot)
     say(line.str());
 }
 
+void ScreenPainter::openWindow(const std::string& title, int width, int height)
+{
+    std::ostringstream line;
+    line << "window " << title << " " << width << " " << height << "\n";
+    say(line.str());
+}
+
 std::vector<std::string> ScreenPainter::takeInput()
 {
     std::ifstream file(mFolder.path("input"));

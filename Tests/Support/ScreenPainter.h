@@ -27,6 +27,8 @@ public:
                std::uint32_t colour);
     /// A square of one colour in the place of the pointer, over windows that `fill` has made.
     void setCursor(int side, std::uint32_t colour, int hotspot);
+    /// Opens an ordinary window.
+    void openWindow(const std::string& title, int width, int height);
     /// What those windows got since this was asked last, in words, such as
     /// "Meta-2 finger 0 down 100,200"; places in the monitor's pixels.
     std::vector<std::string> takeInput();

@@ -2,6 +2,7 @@
 //   fill X Y WIDTH HEIGHT COLOUR     on a window that covers the screen there, once there is one
 //   cover NAME WIDTH HEIGHT SCALE COLOUR    wholly, the screen of that name, once it is like that
 //   cursor SIDE COLOUR HOTSPOT       a square in the place of the pointer
+//   window TITLE WIDTH HEIGHT        an ordinary one, black
 // Says on its standard output what these windows get, one line each: the name of the screen
 // that the window was made for, what happened, and where, in the screen's pixels.
 
@@ -166,6 +167,8 @@ private:
     {
         if (words.first() == QStringLiteral("cover"))
             return cover(words);
+        if (words.first() == QStringLiteral("window"))
+            return openWindow(words);
         std::vector<unsigned> numbers;
         for (const auto& word : words.mid(1))
             numbers.push_back(static_cast<unsigned>(word.toLongLong()));
@@ -202,6 +205,15 @@ private:
         return false;
     }
 
+    bool openWindow(const QStringList& words)
+    {
+        auto& window = mWindows.emplace_back(std::make_unique<QRasterWindow>());
+        window->setTitle(words.at(1));
+        window->resize(words.at(2).toInt(), words.at(3).toInt());
+        window->show();
+        return true;
+    }
+
     bool setCursor(const std::vector<unsigned>& numbers)
     {
         QPixmap image(int(numbers.at(0)), int(numbers.at(0)));
@@ -228,6 +240,7 @@ private:
     QByteArray mText;
     QCursor mCursor;
     std::map<QScreen*, std::unique_ptr<Canvas>> mCanvases;
+    std::vector<std::unique_ptr<QRasterWindow>> mWindows;
 };
 
 } // namespace

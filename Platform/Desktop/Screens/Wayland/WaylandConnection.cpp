@@ -97,8 +97,10 @@ void WaylandConnection::flush()
     if (!mDisplay || mIsLost)
         return;
     // A compositor that stands still reads later.
-    const bool isFull = wl_display_flush(mDisplay.get()) < 0 && errno == EAGAIN;
-    mWritable->setEnabled(isFull);
+    const bool wasFull = isFull();
+    mWritable->setEnabled(wl_display_flush(mDisplay.get()) < 0 && errno == EAGAIN);
+    if (wasFull && !isFull())
+        mDrained.tell();
 }
 
 bool WaylandConnection::isFull() const { return mWritable && mWritable->isEnabled(); }

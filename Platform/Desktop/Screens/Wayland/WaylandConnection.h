@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Types/Observers.h"
+
 #include <QObject>
 
 #include <cstdint>
@@ -64,6 +66,8 @@ public:
     void flush();
     /// The compositor has not taken everything yet. Who goes on asking loses it.
     bool isFull() const;
+    /// Told whenever it is not full any more.
+    Observers<>& drained() { return mDrained; }
 
 private:
     struct Disconnect {
@@ -80,6 +84,7 @@ private:
     void lose();
 
     Events mEvents;
+    Observers<> mDrained;
     std::vector<WaylandGlobal> mGlobals;
     std::unique_ptr<wl_display, Disconnect> mDisplay;
     wl_registry* mRegistry = nullptr;

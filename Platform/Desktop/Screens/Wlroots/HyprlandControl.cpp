@@ -38,7 +38,7 @@ private:
     void end()
     {
         if (const auto then = std::exchange(mThen, nullptr))
-            then(readAll().startsWith("ok"));
+            then(isOpen() && readAll().startsWith("ok"));
         deleteLater();
     }
 

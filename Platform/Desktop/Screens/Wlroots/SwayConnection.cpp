@@ -56,13 +56,11 @@ enum class SwayConnection::Message : std::uint32_t {
 
 std::string swayQuoted(const std::string& text)
 {
-    std::string quoted = "\"";
-    for (const char character : text) {
-        if (character == '"' || character == '\\')
-            quoted += '\\';
-        quoted += character;
-    }
-    return quoted + "\"";
+    if (text.find('"') == std::string::npos)
+        return '"' + text + '"';
+    auto quoted = text;
+    std::erase(quoted, '\'');
+    return '\'' + quoted + '\'';
 }
 
 SwayConnection::SwayConnection(const std::string& path)

@@ -13,7 +13,8 @@
 namespace farview
 {
 
-/// Text for a command of sway's, as one word of it.
+/// Text for a command of sway's, as one word of it. Text with both kinds of quotes, for which sway
+/// has no way, loses one kind.
 std::string swayQuoted(const std::string& text);
 
 /// Speaks to sway through the socket that $SWAYSOCK names. Main thread only; nothing but `finish`

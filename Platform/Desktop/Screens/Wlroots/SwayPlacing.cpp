@@ -29,7 +29,7 @@ void write(SwayCommands& commands, const SwayWindow& window, const std::optional
     if (!window.mark.empty())
         commands.push_back(to(window, "unmark " + swayQuoted(window.mark)));
     if (note)
-        commands.push_back(to(window, "mark --add " + swayQuoted(swayMark(window, *note))));
+        commands.push_back(to(window, "mark --add " + swayQuoted(swayMark(window.id, *note))));
 }
 
 /// sway moves no window that covers its screen.
@@ -37,7 +37,7 @@ void move(SwayCommands& commands, const SwayWindow& window, const std::string& w
           const SwayStand& stand)
 {
     commands.push_back(to(window, "fullscreen disable"));
-    commands.push_back(to(window, "move --no-auto-back-and-forth container to " + where));
+    commands.push_back(to(window, "move " + where));
     commands.push_back(to(window, stand.isFloating ? "floating enable" : "floating disable"));
     if (stand.isFloating)
         commands.push_back(to(window, "move absolute position " + std::to_string(stand.corner.x) +
@@ -79,7 +79,9 @@ void takeBack(SwayCommands& commands, const SwayTree& tree, const SwayWindow& wi
 {
     const auto home = window.note ? window.note->home : std::nullopt;
     if (home) {
-        move(commands, window, "workspace " + swayQuoted(home->workspace), *home);
+        move(commands, window,
+             "--no-auto-back-and-forth container to workspace " + swayQuoted(home->workspace),
+             *home);
     } else {
         commands.push_back(to(window, "move container to output " + swayQuoted(other.name)));
     }
@@ -148,7 +150,7 @@ SwayCommands broughtTo(const SwayTree& tree, const std::string& output, std::uin
             continue;
         auto there = note->there;
         there.corner = sum(there.corner, ours->corner);
-        move(commands, window, "output " + swayQuoted(output), there);
+        move(commands, window, "container to output " + swayQuoted(output), there);
         write(commands, window, SwayNote{monitor, true, note->there, window.stand});
     }
     return commands;

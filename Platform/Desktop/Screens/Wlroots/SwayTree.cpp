@@ -12,7 +12,7 @@ namespace farview
 namespace
 {
 
-const QString markBegin = QStringLiteral("_farview ");
+const QString markBegin = QStringLiteral("_farview:");
 /// Deeper than any user nests containers.
 constexpr int deepest = 64;
 
@@ -50,7 +50,8 @@ std::optional<SwayStand> standIn(const QJsonValue& json)
 /// Any program may have written it.
 std::optional<SwayNote> noteIn(const QString& mark)
 {
-    const auto json = QJsonDocument::fromJson(mark.mid(markBegin.size()).toUtf8()).array();
+    const auto text = QByteArray::fromBase64(mark.mid(markBegin.size()).toLatin1());
+    const auto json = QJsonDocument::fromJson(text).array();
     const auto there = standIn(json[3]);
     if (json.size() != 5 || !there)
         return std::nullopt;
@@ -143,13 +144,14 @@ SwayTree swayTreeIn(const QJsonDocument& answer)
 }
 
 /// sway has each mark once, so the window is in it, too.
-std::string swayMark(const SwayWindow& window, const SwayNote& note)
+std::string swayMark(std::int64_t window, const SwayNote& note)
 {
-    const QJsonArray json{static_cast<qint64>(window.id), static_cast<qint64>(note.monitor),
+    const QJsonArray json{static_cast<qint64>(window), static_cast<qint64>(note.monitor),
                           note.isThere, standJson(note.there),
                           note.home ? standJson(*note.home) : QJsonArray()};
-    return markBegin.toStdString() +
-           QJsonDocument(json).toJson(QJsonDocument::Compact).toStdString();
+    // Its commands have no way to write every character.
+    const auto text = QJsonDocument(json).toJson(QJsonDocument::Compact).toBase64();
+    return markBegin.toStdString() + text.toStdString();
 }
 
 std::uint32_t swayMonitorNumber(const std::string& monitorName)

@@ -58,7 +58,7 @@ struct SwayTree {
 SwayTree swayTreeIn(const QJsonDocument& answer);
 
 /// A mark for the window, which sway does not show to the user. It lives as long as the window.
-std::string swayMark(const SwayWindow& window, const SwayNote& note);
+std::string swayMark(std::int64_t window, const SwayNote& note);
 
 /// The same for each monitor of that name.
 std::uint32_t swayMonitorNumber(const std::string& monitorName);

@@ -25,6 +25,8 @@ constexpr double smoothNotch = 10;
 /// Places are told in whole numbers.
 constexpr double partsOfAPixel = 256;
 constexpr std::uint32_t longestKeymap = 1 << 20;
+/// That a compositor may have to catch up with.
+constexpr std::size_t longestText = 1 << 16;
 
 std::uint32_t codeOf(PointerButton button)
 {
@@ -92,6 +94,7 @@ void WlrootsInput::begin(WaylandConnection& connection, wl_output* output)
     mOutput = output;
     mSeat = connection.bind<wl_seat>(*seat, wl_seat_interface, 5);
     wl_seat_add_listener(mSeat, &seatEvents(), this);
+    mDrained = connection.drained().add([this] { catchUp(); });
 }
 
 /// Keyboards of ours would hide which layout the user's has.
@@ -148,7 +151,9 @@ void WlrootsInput::end()
     if (!mSeat)
         return;
     releaseAll();
+    mDrained.end();
     mMonitor.reset();
+    mToType.clear();
     mKeys.reset();
     mText.reset();
     if (mPointer)
@@ -165,20 +170,24 @@ InputAbilities WlrootsInput::abilities() const
         .pointer = mPointer && mMonitor, .touch = false, .pen = false, .keys = mKeys && mMonitor};
 }
 
-/// A compositor that stands still gets nothing more, else it would count as lost. What is down is
-/// released when it goes on.
+/// A compositor that stands still gets nothing more, else it would count as lost.
 bool WlrootsInput::mayUse(const void* device)
 {
     if (!device || !mMonitor)
         return false;
     mConnection->flush();
-    if (mConnection->isFull()) {
-        mHasLost = true;
-        return false;
-    }
+    mHasLost = mHasLost || mConnection->isFull();
+    return !mConnection->isFull();
+}
+
+/// Of what it did not take, only the last place of the pointer counts, and text.
+void WlrootsInput::catchUp()
+{
     if (std::exchange(mHasLost, false))
         releaseAll();
-    return true;
+    if (const auto place = std::exchange(mSkipped, std::nullopt))
+        movePointer(*place);
+    typeWhatWaits();
 }
 
 void WlrootsInput::releaseAll()
@@ -194,9 +203,15 @@ void WlrootsInput::releaseAll()
 
 void WlrootsInput::movePointer(const InputPlace& place)
 {
-    if (!mayUse(mPointer) || place.x < 0 || place.y < 0 || place.x >= mMonitor->width ||
-        place.y >= mMonitor->height)
+    const auto isWithin = [](double at, int end) { return at >= 0 && at < end; };
+    if (!mPointer || !mMonitor || !isWithin(place.x, mMonitor->width) ||
+        !isWithin(place.y, mMonitor->height))
         return;
+    mConnection->flush();
+    if (mConnection->isFull()) {
+        mSkipped = place;
+        return;
+    }
     const auto parts = [](double value) {
         return static_cast<std::uint32_t>(std::lround(value * partsOfAPixel));
     };
@@ -251,15 +266,25 @@ void WlrootsInput::key(std::uint16_t code, bool isDown)
 
 void WlrootsInput::text(const std::string& text)
 {
+    if (!mText || !mMonitor)
+        return;
     auto characters = QString::fromStdString(text).toStdU32String();
     std::replace(characters.begin(), characters.end(), U'\n', U'\r');
-    if (!mayUse(mText.get()))
+    if (mToType.size() + characters.size() > longestText)
         return;
-    learn(characters);
-    for (const auto character : characters) {
-        if (mayUse(mText.get()))
-            type(character);
+    mToType += characters;
+    learn(mToType);
+    typeWhatWaits();
+}
+
+void WlrootsInput::typeWhatWaits()
+{
+    std::size_t count = 0;
+    for (; count < mToType.size() && !mConnection->isFull(); ++count) {
+        type(mToType[count]);
+        mConnection->flush();
     }
+    mToType.erase(0, count);
 }
 
 /// One keymap for all of them, where it has room.

@@ -53,8 +53,10 @@ private:
     void useCapabilities(std::uint32_t capabilities);
     void useKeymap(std::uint32_t format, int file, std::uint32_t size);
     bool mayUse(const void* device);
+    void catchUp();
     void releaseAll();
     void turn(std::uint32_t axis, double notches);
+    void typeWhatWaits();
     void learn(const std::u32string& characters);
     void type(char32_t character);
 
@@ -66,9 +68,12 @@ private:
     std::unique_ptr<VirtualKeyboard> mKeys;
     std::unique_ptr<VirtualKeyboard> mText;
     std::u32string mCharacters;       ///< that the keyboard for text has
+    std::u32string mToType;           ///< once the compositor takes it
     std::set<std::uint32_t> mButtons; ///< that are down
-    bool mHasLost = false;            ///< something that the compositor did not take
+    std::optional<InputPlace> mSkipped;
+    bool mHasLost = false; ///< something that the compositor did not take
     std::optional<ScreenGeometry> mMonitor;
+    Subscription mDrained;
 };
 
 } // namespace farview

@@ -47,7 +47,8 @@ struct PenState {
 enum class PointerButton { left, right, middle, back, forward };
 
 /// What an `InputSink` passes on as it is. Whoever feeds it makes something else of the rest.
-struct InputAbilities {
+/// Aligned so that threads can exchange it without a lock.
+struct alignas(8) InputAbilities {
     bool pointer = false; ///< with its buttons and the wheel
     bool touch = false;   ///< several fingers at once
     bool pen = false;     ///< with pressure

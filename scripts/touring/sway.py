@@ -19,7 +19,7 @@ def monitors():
 
 def move_panel_to(monitor):
     """Moves the panel's window there."""
-    ask(f'[app_id="farview-preferences"] move container to output {monitor}')
+    ask(f'[app_id="farview-preferences"] move container to output {monitor}, focus')
 
 
 def is_exact_on_tablet(monitor):

@@ -173,14 +173,16 @@ def show_second_screen_of_sway():
     wait("the tablet shows each pixel of its monitor", lambda: sway.is_exact_on_tablet(second))
     step("The desktop goes on to the right, on the tablet", "desktop")
     sway.move_panel_to(second)
-    wait("the tablet shows each pixel of the panel", lambda: sway.is_exact_on_tablet(second))
+    wait("the panel is there", lambda: place_of(seen(TAB, "Settings"))[0] > left)
+    wait("the tablet shows each pixel of it", lambda: sway.is_exact_on_tablet(second))
     step("What the tablet shows: the panel was moved there", "tablet", display=TABLET)
     across, down = place_of(seen(TAB, "Settings"))
     finger.TouchScreen(os.environ["TABLET_INPUT"], width, height).drag(*2 * [(across - left, down - top)])
     wait("a finger on the tablet opens the settings", lambda: find(BUTTON, "Move windows back"))
     step("A finger on the tablet has opened the settings", "finger", display=TABLET)
-    click(seen(TAB, "Virtual Screen"))
     sway.move_panel_to(main)
+    wait("the panel is back", lambda: place_of(seen(TAB, "Virtual Screen"))[0] < left)
+    click(seen(TAB, "Virtual Screen"))
 
 
 def place_of_pages():

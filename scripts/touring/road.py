@@ -176,13 +176,18 @@ def show_second_screen_of_sway():
     wait("the panel is there", lambda: place_of(seen(TAB, "Settings"))[0] > left)
     wait("the tablet shows each pixel of it", lambda: sway.is_exact_on_tablet(second))
     step("What the tablet shows: the panel was moved there", "tablet", display=TABLET)
-    across, down = place_of(seen(TAB, "Settings"))
-    finger.TouchScreen(os.environ["TABLET_INPUT"], width, height).drag(*2 * [(across - left, down - top)])
+    glass = finger.TouchScreen(os.environ["TABLET_INPUT"], width, height)
+
+    def tap(tab):
+        across, down = place_of(seen(TAB, tab))
+        glass.drag(*2 * [(across - left, down - top)])
+    tap("Settings")
     wait("a finger on the tablet opens the settings", lambda: find(BUTTON, "Move windows back"))
     step("A finger on the tablet has opened the settings", "finger", display=TABLET)
+    tap("Virtual Screen")
+    wait("the first tab is back", device_menu)
     sway.move_panel_to(main)
-    wait("the panel is back", lambda: place_of(seen(TAB, "Virtual Screen"))[0] < left)
-    click(seen(TAB, "Virtual Screen"))
+    wait("the panel is back", lambda: place_of(seen(TAB, "Settings"))[0] < left)
 
 
 def place_of_pages():

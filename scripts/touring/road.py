@@ -14,7 +14,7 @@ sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
 
 import pyatspi  # noqa: E402
 
-from touring import finger, looks, screens  # noqa: E402
+from touring import finger, looks, screens, sway  # noqa: E402
 from touring.desk import (  # noqa: E402
     BUTTON, children, click, click_at, compare_digits, DEVICE, device_menu, drag, enabled, failures,
     find, FOLDER, HOME, LOOK, MENU_ENTRY, mouse, number_of_windows, place_of, press, ROOT, running, say, SECOND_TABLET,
@@ -34,7 +34,6 @@ TAB = ("page tab",)
 CELL = ("table cell",)
 AUTO_CONNECT = "Connect automatically"
 DOCTOR = "FarviewDoctor"
-NO_DESKTOP = "Farview finds no desktop here that it could add a screen to."
 STATUS_ICON = "Show the Farview status icon"
 
 
@@ -111,7 +110,7 @@ def main():
     click(seen(BUTTON, "Off"))
     wait("the main tab says that Farview is off", says(OFF))
     wait("the screen server ended", lambda: not running("ScreenCapture"))
-    wait("the monitors are as they were", lambda: WAYLAND or screens.outputs() == outputs_before)
+    wait("the monitors are as they were", lambda: (sway.monitors if WAYLAND else screens.outputs)() == outputs_before)
     step("Switched off; the server has ended, and the monitors are as they were", "off-again")
 
     show_settings()
@@ -137,7 +136,7 @@ def main():
 def arrange_desktop():
     """As people have it. Gives what the display says of its outputs."""
     if WAYLAND:
-        return None
+        return sway.monitors()
     screens.start_window_manager()
     screens.use_spare_outputs_once()
     screens.draw_wallpaper()
@@ -146,9 +145,7 @@ def arrange_desktop():
 
 def show_second_screen():
     if WAYLAND:
-        wait("the panel says that this compositor gets no further screen",
-             lambda: any(WORDS.texts[NO_DESKTOP] in text for text in texts()))
-        step("The panel says that this compositor gets no further screen", "no-screen")
+        show_second_screen_of_sway()
         return
     if not wait("the desktop has a second monitor", lambda: len(screens.monitors()) == 2):
         return
@@ -166,6 +163,31 @@ def show_second_screen():
     show_two_devices()
     pages.terminate()
     pages.wait(10)
+
+
+def show_second_screen_of_sway():
+    if not wait("the desktop has a second monitor", lambda: len(sway.monitors()) == 2):
+        return
+    (main, *_), (second, width, height, left, top) = sway.monitors()
+    wait("the panel says how large the device's screen is", lambda: any(f"{width} × {height}" in text for text in texts()))
+    wait("the tablet shows each pixel of its monitor", lambda: sway.is_exact_on_tablet(second))
+    step("The desktop goes on to the right, on the tablet", "desktop")
+    sway.move_panel_to(second)
+    wait("the panel is there", lambda: place_of(seen(TAB, "Settings"))[0] > left)
+    wait("the tablet shows each pixel of it", lambda: sway.is_exact_on_tablet(second))
+    step("What the tablet shows: the panel was moved there", "tablet", display=TABLET)
+    glass = finger.TouchScreen(os.environ["TABLET_INPUT"], width, height)
+
+    def tap(tab):
+        across, down = place_of(seen(TAB, tab))
+        glass.drag(*2 * [(across - left, down - top)])
+    tap("Settings")
+    wait("a finger on the tablet opens the settings", lambda: find(BUTTON, "Move windows back"))
+    step("A finger on the tablet has opened the settings", "finger", display=TABLET)
+    tap("Virtual Screen")
+    wait("the first tab is back", device_menu)
+    sway.move_panel_to(main)
+    wait("the panel is back", lambda: place_of(seen(TAB, "Settings"))[0] < left)
 
 
 def place_of_pages():

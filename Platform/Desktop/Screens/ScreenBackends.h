@@ -12,14 +12,14 @@ namespace farview
 
 /// What a session says of its desktop.
 struct SessionFacts {
-    std::string type;           ///< $XDG_SESSION_TYPE
-    std::string waylandDisplay; ///< $WAYLAND_DISPLAY
-    std::string display;        ///< $DISPLAY
-    std::string desktop;        ///< $XDG_CURRENT_DESKTOP: "ubuntu:GNOME"
-    std::string swaySocket;     ///< $SWAYSOCK
-    std::string hyprland;       ///< $HYPRLAND_INSTANCE_SIGNATURE
-    bool isSandboxed = false;   ///< a sandbox lets this process ask a portal, and nobody else
-    bool hasMutter = false;     ///< somebody owns org.gnome.Mutter.ScreenCast on the session bus
+    std::string type = {};           ///< $XDG_SESSION_TYPE
+    std::string waylandDisplay = {}; ///< $WAYLAND_DISPLAY
+    std::string display = {};        ///< $DISPLAY
+    std::string desktop = {};        ///< $XDG_CURRENT_DESKTOP: "ubuntu:GNOME"
+    std::string swaySocket = {};     ///< $SWAYSOCK
+    std::string hyprland = {};       ///< $HYPRLAND_INSTANCE_SIGNATURE
+    bool isSandboxed = false;        ///< a sandbox lets this process ask a portal, and nobody else
+    bool hasMutter = false; ///< somebody owns org.gnome.Mutter.ScreenCast on the session bus
 };
 
 /// Who can be asked for monitors.

@@ -21,6 +21,9 @@ constexpr unsigned isSteady = 8;
 /// Users' fingers are those below.
 constexpr unsigned fingerOfNobody = 16;
 
+constexpr char touching[] = "NotifyTouchDown";
+constexpr char lifting[] = "NotifyTouchUp";
+
 enum Axis : unsigned { vertical = 0, horizontal = 1 };
 
 int codeOf(PointerButton button)
@@ -62,6 +65,8 @@ void MutterInput::end()
 {
     for (int finger = 0; finger < int(mFingers.size()); ++finger)
         lift(finger);
+    mUnanswered = 0;
+    passOn();
     mMonitor.reset();
 }
 
@@ -73,8 +78,31 @@ InputAbilities MutterInput::abilities() const
 
 void MutterInput::notify(const char* member, const QVariantList& arguments)
 {
-    if (isOpen())
-        mSession.notify(member, arguments);
+    if (!isOpen())
+        return;
+    mWaiting.emplace_back(member, arguments);
+    passOn();
+}
+
+/// A finger is lifted, and what comes after that is done, once Mutter knows that it was down: where
+/// both reach a program together, Qt holds the finger for down until the next touch.
+void MutterInput::passOn()
+{
+    const auto mustWait = [this] { return mUnanswered > 0 && mWaiting.front().first == lifting; };
+    for (; !mWaiting.empty() && !mustWait(); mWaiting.pop_front())
+        send(mWaiting.front());
+}
+
+void MutterInput::send(const Notice& notice)
+{
+    const auto& [member, arguments] = notice;
+    if (member != touching)
+        return mSession.notify(member, arguments);
+    ++mUnanswered;
+    mSession.notify(member, arguments, [this] {
+        --mUnanswered;
+        passOn();
+    });
 }
 
 /// Mutter takes places in the desktop's units, from the monitor's corner, and beyond its edge lie
@@ -130,13 +158,13 @@ void MutterInput::press(int finger, const InputPlace& place)
     if (!at || mFingers[finger])
         return;
     mFingers.set(finger);
-    notify("NotifyTouchDown", QVariantList{mSession.streamPath(), unsigned(finger)} + *at);
+    notify(touching, QVariantList{mSession.streamPath(), unsigned(finger)} + *at);
 }
 
 void MutterInput::lift(int finger)
 {
     if (mFingers[finger])
-        notify("NotifyTouchUp", {unsigned(finger)});
+        notify(lifting, {unsigned(finger)});
     mFingers.reset(finger);
 }
 

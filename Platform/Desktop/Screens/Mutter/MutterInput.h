@@ -7,7 +7,9 @@
 #include <QVariantList>
 
 #include <bitset>
+#include <deque>
 #include <optional>
+#include <utility>
 
 namespace farview
 {
@@ -41,8 +43,12 @@ public:
     void text(const std::string& text) override;
 
 private:
+    using Notice = std::pair<const char*, QVariantList>;
+
     bool isOpen() const { return mWish.input && mMonitor; }
     void notify(const char* member, const QVariantList& arguments);
+    void passOn();
+    void send(const Notice& notice);
     void press(int finger, const InputPlace& place);
     void lift(int finger);
     std::optional<QVariantList> onStream(const InputPlace& place) const;
@@ -51,6 +57,8 @@ private:
     const ScreenWish& mWish;
     std::optional<ScreenGeometry> mMonitor;
     std::bitset<16> mFingers; ///< that are down
+    std::deque<Notice> mWaiting;
+    int mUnanswered = 0; ///< touches that Mutter may not know of yet
 };
 
 } // namespace farview

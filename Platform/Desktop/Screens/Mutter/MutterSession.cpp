@@ -181,13 +181,17 @@ void MutterSession::start()
     call(callOf(remoteDesktop, mSession, remoteSession, "Start"), QString(), nullptr);
 }
 
-void MutterSession::notify(const char* member, const QVariantList& arguments)
+void MutterSession::notify(const char* member, const QVariantList& arguments,
+                           std::function<void()> answered)
 {
     if (mSession.isEmpty() || !mEvents.ended)
         return;
     auto notice = callOf(remoteDesktop, mSession, remoteSession, member);
     notice.setArguments(arguments);
-    mBus.send(notice);
+    if (answered)
+        mBus.ask(notice, this, [answered = std::move(answered)](const auto&) { answered(); });
+    else
+        mBus.send(notice);
 }
 
 void MutterSession::noticeNode(unsigned node) { mEvents.started(node); }

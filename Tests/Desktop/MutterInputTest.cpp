@@ -40,24 +40,17 @@ protected:
     bool showWindow()
     {
         const auto area = geometry().area;
-        bool isDone = false;
-        // Mutter arranges monitors twice after a change. A window that comes in between may go to
-        // another one, and Qt may forget to tell its new size.
-        for (int time = 0; time < 5 && !isDone; ++time) {
-            mOthers.cover("Meta-1", area.width, area.height, geometry().scale, colour);
-            isDone = waitUntil([&] { return isCovered(); }, std::chrono::seconds(1 << time));
-        }
-        return isDone && hasKeyboard();
+        mOthers.cover("Meta-1", area.width, area.height, geometry().scale, colour);
+        return waitUntil([&] { return isCovered(); }, std::chrono::seconds(30)) && hasKeyboard();
     }
     bool hasKeyboard() { return getsAmongOthers("Meta-1 focus"); }
-    bool getsAmongOthers(const std::string& line,
-                         std::chrono::seconds limit = std::chrono::seconds(10))
+    bool getsAmongOthers(const std::string& line)
     {
         const auto isThere = [&] {
             const auto lines = mOthers.takeInput();
             return std::find(lines.begin(), lines.end(), line) != lines.end();
         };
-        return waitUntil(isThere, limit);
+        return waitUntil(isThere);
     }
     bool isCovered()
     {
@@ -67,27 +60,10 @@ protected:
         const auto* last = frame->view.row(frame->view.height - 1);
         return frame->view.row(0)[0] == colour && last[frame->view.width - 1] == colour;
     }
-    /// Taps until the window hears of it: a busy Mutter may tell programs late of the touch screen
-    /// that it has made, and what comes before that is lost.
-    bool getsTouches()
-    {
-        for (int time = 0; time < 5; ++time) {
-            touch(0, TouchPhase::down, 1, 1);
-            touch(0, TouchPhase::up);
-            if (!getsAmongOthers("Meta-1 finger up", std::chrono::seconds(1 << time)))
-                continue;
-            // Of taps before it some may come late.
-            waitUntil([] { return false; }, std::chrono::milliseconds(300));
-            mOthers.takeInput();
-            return true;
-        }
-        return false;
-    }
     void openWithWindow()
     {
         open();
         ASSERT_TRUE(showWindow());
-        ASSERT_TRUE(getsTouches());
     }
     const ScreenGeometry& geometry() { return *mListener->geometry; }
     InputSink& input() { return mScreen->input(); }
@@ -233,7 +209,6 @@ TEST_F(MutterInputTest, NothingLandsOnTheScreenBeside)
     ASSERT_TRUE(waitUntil([&] { return geometry().corner() == PixelPoint{}; }));
     mOthers.cover("Meta-0", 1280, 720, 1, colour);
     ASSERT_TRUE(showWindow());
-    ASSERT_TRUE(getsTouches());
     EXPECT_EQ(tap(1023.75, 300), tapAt("1023.75,300"));
     EXPECT_EQ(tap(0, 599.75), tapAt("0,599.75"));
 }
@@ -242,9 +217,10 @@ TEST_F(MutterInputTest, PlacesAreExactAfterAnotherSize)
 {
     open();
     mScreen->resize(800, 500);
-    ASSERT_TRUE(waitUntil([&] { return geometry().width == 800; }));
+    // Mutter arranges monitors once for a new one and twice for another size. A window that comes
+    // in between may go to another one.
+    ASSERT_TRUE(waitUntil([&] { return geometry().width == 800 && mOthers.arrangements() >= 3; }));
     ASSERT_TRUE(showWindow());
-    ASSERT_TRUE(getsTouches());
     EXPECT_EQ(tap(799.5, 499.5), tapAt("799.5,499.5"));
 }
 
@@ -254,7 +230,6 @@ TEST_F(MutterInputTest, PlacesAreTheMonitorsPixelsWhateverItsScale)
     ASSERT_EQ(geometry().scale, 2);
     ASSERT_EQ(geometry().area.width, 1600);
     ASSERT_TRUE(showWindow());
-    ASSERT_TRUE(getsTouches());
     EXPECT_EQ(tap(1599.5, 1199.5), tapAt("1599.5,1199.5"));
 }
 
@@ -337,7 +312,6 @@ TEST_F(ScaledMutterInputTest, PlacesAreTheMonitorsPixelsWhereScaledMonitorsTakeL
     open(1600, 1200, 2);
     ASSERT_EQ(geometry().area.width, 800);
     ASSERT_TRUE(showWindow());
-    ASSERT_TRUE(getsTouches());
     EXPECT_EQ(tap(1599.5, 1199.5), tapAt("1599.5,1199.5"));
     input().movePointer({.x = 801, .y = 0.5});
     EXPECT_EQ(next(1), (Lines{"Meta-1 pointer 801,0.5"}));

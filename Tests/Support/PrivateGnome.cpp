@@ -84,6 +84,8 @@ GnomeArranger::GnomeArranger(PrivateGnome& desktop, bool hasMouse)
                                  "exec " FARVIEW_SCREEN_PAINTER " <&" + reader + " " + reader +
                                      "<&- >'" + mFolder.path("input") + "'"});
     ::close(ends[0]);
+    mConnection.connect(kDisplayConfig, kDisplayConfigPath, kDisplayConfig,
+                        QStringLiteral("MonitorsChanged"), this, SLOT(noticeArrangement()));
     if (hasMouse)
         bePointer();
 }

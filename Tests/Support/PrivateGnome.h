@@ -7,6 +7,7 @@
 #include "Platform/Desktop/Screens/Mutter/DisplayState.h"
 
 #include <QDBusConnection>
+#include <QObject>
 
 #include <cstdint>
 #include <ios>
@@ -47,12 +48,14 @@ private:
 
 /// Other programs on that desktop: one that arranges monitors and moves the pointer, which waits
 /// for every answer, and one that paints and tells of the input that it gets.
-class GnomeArranger
+class GnomeArranger : public QObject
 {
+    Q_OBJECT
+
 public:
     /// Without a mouse it cannot move the pointer.
     explicit GnomeArranger(PrivateGnome& desktop, bool hasMouse = true);
-    ~GnomeArranger();
+    ~GnomeArranger() override;
     GnomeArranger(const GnomeArranger&) = delete;
     GnomeArranger& operator=(const GnomeArranger&) = delete;
 
@@ -61,6 +64,8 @@ public:
     std::string layout();
     /// False when it is refused.
     bool apply(const farview::DisplayLayout& layout);
+    /// How often anybody, or Mutter itself, has arranged the monitors.
+    int arrangements() const { return mArrangements; }
     /// As a mouse would.
     void movePointer(int x, int y);
 
@@ -76,6 +81,9 @@ public:
     /// "Meta-2 finger 0 down 100,200"; places in the monitor's pixels.
     std::vector<std::string> takeInput();
 
+private Q_SLOTS:
+    void noticeArrangement() { ++mArrangements; }
+
 private:
     void bePointer();
     QDBusMessage call(const QString& service, const QString& path, const QString& interface,
@@ -83,6 +91,7 @@ private:
     void say(const std::string& line);
 
     QDBusConnection mConnection;
+    int mArrangements = 0;
     QString mPointer;
     int mPointerX = 0;
     int mPointerY = 0;

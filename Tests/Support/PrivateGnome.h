@@ -41,6 +41,8 @@ private:
     ScopedEnvironment mSettings{"GSETTINGS_BACKEND", "keyfile"};
     ScopedEnvironment mWayland{"WAYLAND_DISPLAY", "wayland-test"};
     ScopedEnvironment mDisplay{"DISPLAY", nullptr};
+    /// A window that still grows gets input in another place.
+    ScopedEnvironment mAnimations{"MUTTER_DEBUG_DISABLE_ANIMATIONS", "1"};
     std::unique_ptr<ChildProcess> mPipeWire;
     std::unique_ptr<ChildProcess> mSessionManager;
     std::unique_ptr<ChildProcess> mMutter;

@@ -289,6 +289,18 @@ TEST_F(MutterInputTest, AFloodEndsInTheLastPlace)
     })) << last;
 }
 
+TEST_F(MutterInputTest, NoTouchIsLostWhileANewFrameIsAskedFor)
+{
+    open();
+    const auto area = geometry().area;
+    // Unlike others this window does not paint by itself: so frames are asked for.
+    mOthers.fill(area.x, area.y, area.width, area.height, colour);
+    ASSERT_TRUE(isCovered(colour) && hasKeyboard());
+    const auto end = mLoop.now() + Duration(4);
+    for (int x = 0; mLoop.now() < end; x = (x + 1) % 1000)
+        ASSERT_EQ(tap(x, 10), tapAt(std::to_string(x) + ",10"));
+}
+
 TEST_F(MutterInputTest, WithoutTheWishNothingIsPassedOn)
 {
     mScreen = mScreens.open({.name = "Tablet", .width = 1024, .height = 600}, mListener);

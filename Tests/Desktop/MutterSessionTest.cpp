@@ -185,7 +185,7 @@ TEST_F(MutterSessionTest, AFingerIsLiftedOnceMutterKnowsThatItIsDown)
     ASSERT_TRUE(waitUntil([&] { return isPrepared; }));
     session.start();
     input.setMonitor({pixelRect(0, 0, 1024, 600), 1024, 600});
-    mMutter.held = "NotifyTouchDown";
+    mMutter.held = "Get";
     input.touch({.place = {.x = 10, .y = 10}});
     input.touch({.phase = TouchPhase::motion, .place = {.x = 20, .y = 10}});
     input.touch({.phase = TouchPhase::up});
@@ -193,6 +193,7 @@ TEST_F(MutterSessionTest, AFingerIsLiftedOnceMutterKnowsThatItIsDown)
     ASSERT_TRUE(becomes("NotifyTouchMotion"));
     runLoopFor(std::chrono::milliseconds(50));
     EXPECT_FALSE(mMutter.wasAsked("NotifyTouchUp"));
+    mMutter.held.clear();
     mMutter.answerHeld();
     ASSERT_TRUE(becomes("NotifyKeyboardKeycode"));
     EXPECT_EQ(mMutter.calls.back(), "NotifyKeyboardKeycode");

@@ -271,6 +271,8 @@ void PipeWireStream::process()
 {
     while (auto* buffer = pw_stream_dequeue_buffer(mStream.get())) {
         usePointer(*buffer->buffer);
+        if (std::exchange(mIsPausing, false) && mEvents->resumed)
+            tell([](const auto& events) { events.resumed(); });
         const bool hasPixels = pixelsIn(*buffer->buffer, mSize.width, mSize.height).has_value();
         if (hasPixels)
             std::swap(buffer, mNewest);
@@ -284,12 +286,23 @@ void PipeWireStream::process()
     copyNewest();
 }
 
-/// Has the node send a whole frame, as each node does that begins to stream.
 void PipeWireStream::refresh(std::uint64_t)
 {
+    if (mEvents->wantsPause)
+        tell([](const auto& events) { events.wantsPause(); });
+    else
+        restart({});
+    refreshIn(mPatience = std::min(2 * mPatience, longestPatience));
+}
+
+void PipeWireStream::pause() { perform<&PipeWireStream::restart>(Size{}); }
+
+/// Each node sends a whole frame that begins to stream.
+void PipeWireStream::restart(const Size&)
+{
+    mIsPausing = true;
     pw_stream_set_active(mStream.get(), false);
     pw_stream_set_active(mStream.get(), true);
-    refreshIn(mPatience = std::min(2 * mPatience, longestPatience));
 }
 
 /// Instead of when it was due before.

@@ -29,6 +29,10 @@ public:
         /// The node was `takenAway`; or it `failed`: PipeWire has gone or is not there, or there is
         /// no memory.
         std::function<void(ScreenObstacle reason)> ended;
+        /// A pause would bring the newest frame: to be answered with `pause`, soon. Without this
+        /// one it just comes.
+        std::function<void()> wantsPause = nullptr;
+        std::function<void()> resumed = nullptr; ///< after a pause
     };
 
     /// The loop must live longer.
@@ -42,6 +46,9 @@ public:
     void connect(std::uint32_t node, int width, int height);
     /// Asks the node for another size, after `connect`.
     void resize(int width, int height);
+    /// Has the node stop and begin again with a whole frame. Meanwhile Mutter drops places of input
+    /// that refer to the stream.
+    void pause();
     /// Frames of a new size are held back until this is called with it. `isOld`: those that came
     /// until now do not show what is to be shown, and a whole new one is asked for.
     void show(int width, int height, bool isOld);
@@ -95,6 +102,7 @@ private:
     void copyNewest();
     std::vector<PixelRect> copy(const spa_buffer& buffer);
     void refresh(std::uint64_t expirations);
+    void restart(const Size&);
     void refreshIn(std::chrono::milliseconds delay);
 
     RunLoop& mLoop;
@@ -110,7 +118,8 @@ private:
     spa_hook mCoreHook{};
     spa_source* mTimer = nullptr;
     std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
-    bool mIsInDoubt = true;                 ///< a frame may have been lost
+    bool mIsPausing = false;
+    bool mIsInDoubt = true; ///< a frame may have been lost
     Size mSize;
     Size mShown; ///< frames of another size are held back
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;

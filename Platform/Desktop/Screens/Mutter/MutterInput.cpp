@@ -65,8 +65,8 @@ void MutterInput::end()
 {
     for (int finger = 0; finger < int(mFingers.size()); ++finger)
         lift(finger);
-    mUnanswered = 0;
-    passOn();
+    mUnsettled = 0;
+    goOn();
     mMonitor.reset();
 }
 
@@ -85,24 +85,39 @@ void MutterInput::notify(const char* member, const QVariantList& arguments)
 }
 
 /// A finger is lifted, and what comes after that is done, once Mutter knows that it was down: where
-/// both reach a program together, Qt holds the finger for down until the next touch.
+/// both reach a program together, Qt holds the finger for down until the next touch. Mutter's own
+/// threads may still bring that about.
 void MutterInput::passOn()
 {
-    const auto mustWait = [this] { return mUnanswered > 0 && mWaiting.front().first == lifting; };
+    const auto mustWait = [this] {
+        return mIsHeld || (mUnsettled > 0 && mWaiting.front().first == lifting);
+    };
     for (; !mWaiting.empty() && !mustWait(); mWaiting.pop_front())
         send(mWaiting.front());
 }
 
 void MutterInput::send(const Notice& notice)
 {
-    const auto& [member, arguments] = notice;
-    if (member != touching)
-        return mSession.notify(member, arguments);
-    ++mUnanswered;
-    mSession.notify(member, arguments, [this] {
-        --mUnanswered;
+    mSession.notify(notice.first, notice.second);
+    if (notice.first != touching)
+        return;
+    ++mUnsettled;
+    mSession.settle([this] {
+        --mUnsettled;
         passOn();
     });
+}
+
+void MutterInput::hold(std::function<void()> then)
+{
+    mIsHeld = true;
+    mSession.settle(std::move(then));
+}
+
+void MutterInput::goOn()
+{
+    mIsHeld = false;
+    passOn();
 }
 
 /// Mutter takes places in the desktop's units, from the monitor's corner, and beyond its edge lie

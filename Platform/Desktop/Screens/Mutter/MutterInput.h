@@ -8,6 +8,7 @@
 
 #include <bitset>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -29,6 +30,10 @@ public:
     void makeDevices();
     /// The monitor is there, and like that.
     void setMonitor(const ScreenGeometry& monitor) { mMonitor = monitor; }
+    /// Keeps back what the user does; `then` is called on a later turn, when Mutter has done what
+    /// came before.
+    void hold(std::function<void()> then);
+    void goOn();
     /// Lifts all fingers and passes on nothing any more. Keys and buttons are released by Mutter
     /// when it ends the session.
     void end();
@@ -58,7 +63,8 @@ private:
     std::optional<ScreenGeometry> mMonitor;
     std::bitset<16> mFingers; ///< that are down
     std::deque<Notice> mWaiting;
-    int mUnanswered = 0; ///< touches that Mutter may not know of yet
+    int mUnsettled = 0; ///< touches of which Mutter may not know yet
+    bool mIsHeld = false;
 };
 
 } // namespace farview

@@ -37,6 +37,13 @@ QDBusMessage stopCall(const QString& session)
     return callOf(remoteDesktop, session, remoteSession, "Stop");
 }
 
+QDBusMessage identifierCall(const QString& session)
+{
+    auto get =
+        callOf(remoteDesktop, session, QStringLiteral("org.freedesktop.DBus.Properties"), "Get");
+    return get << remoteSession << QStringLiteral("SessionId");
+}
+
 QString pathIn(const QDBusMessage& reply)
 {
     return reply.arguments().at(0).value<QDBusObjectPath>().path();
@@ -131,10 +138,7 @@ void MutterSession::useSession(const QDBusMessage& reply)
 {
     mOwner = reply.service();
     mSession = pathIn(reply);
-    auto get =
-        callOf(remoteDesktop, mSession, QStringLiteral("org.freedesktop.DBus.Properties"), "Get");
-    call(get << remoteSession << QStringLiteral("SessionId"), QStringLiteral("v"),
-         &MutterSession::useIdentifier);
+    call(identifierCall(mSession), QStringLiteral("v"), &MutterSession::useIdentifier);
 }
 
 void MutterSession::useIdentifier(const QDBusMessage& reply)
@@ -181,17 +185,18 @@ void MutterSession::start()
     call(callOf(remoteDesktop, mSession, remoteSession, "Start"), QString(), nullptr);
 }
 
-void MutterSession::notify(const char* member, const QVariantList& arguments,
-                           std::function<void()> answered)
+void MutterSession::notify(const char* member, const QVariantList& arguments)
 {
     if (mSession.isEmpty() || !mEvents.ended)
         return;
     auto notice = callOf(remoteDesktop, mSession, remoteSession, member);
     notice.setArguments(arguments);
-    if (answered)
-        mBus.ask(notice, this, [answered = std::move(answered)](const auto&) { answered(); });
-    else
-        mBus.send(notice);
+    mBus.send(notice);
+}
+
+void MutterSession::settle(std::function<void()> then)
+{
+    mBus.ask(identifierCall(mSession), this, [then = std::move(then)](const auto&) { then(); });
 }
 
 void MutterSession::noticeNode(unsigned node) { mEvents.started(node); }

@@ -46,10 +46,11 @@ public:
     /// The monitor's name in calls, once it is prepared.
     QString streamPath() const { return mStream; }
     /// Tells Mutter what the user did there, after what was told before. Lost unless the session
-    /// was started and goes on; a refusal changes nothing. `answered` is called on a later turn,
-    /// when Mutter has taken or refused it, or does not answer.
-    void notify(const char* member, const QVariantList& arguments,
-                std::function<void()> answered = nullptr);
+    /// was started and goes on; a refusal changes nothing.
+    void notify(const char* member, const QVariantList& arguments);
+    /// Calls that on a later turn, when Mutter has done what it was told before; not once this
+    /// object is gone.
+    void settle(std::function<void()> then);
 
 private Q_SLOTS:
     void noticeNode(unsigned node);

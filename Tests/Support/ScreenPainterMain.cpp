@@ -41,6 +41,9 @@ public:
         showFullScreen();
     }
 
+    /// Of the screen that it was made for.
+    QSize screenSize() const { return mImage.size(); }
+
     void fill(const QRect& area, QRgb colour)
     {
         QPainter(&mImage).fillRect(area, QColor(colour));
@@ -57,6 +60,8 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override
     {
+        if (std::exchange(mSize, size()) != size())
+            tell(QStringLiteral("size %1 %2").arg(width()).arg(height()));
         QPainter painter(this);
         for (const auto& part : event->region())
             painter.drawImage(part, mImage, part);
@@ -126,6 +131,7 @@ private:
 
     QImage mImage;
     QString mName;
+    QSize mSize; ///< told of last
     std::optional<QPointF> mPointer;
     QTimer mRepeat;
 };
@@ -180,7 +186,7 @@ private:
         if (!screen)
             return false;
         auto& canvas = mCanvases[screen];
-        if (!canvas || canvas->size() != screen->size())
+        if (!canvas || canvas->screenSize() != screen->size())
             canvas = std::make_unique<Canvas>(screen);
         canvas->setCursor(mCursor);
         canvas->fill(area.translated(-screen->geometry().topLeft()), numbers.at(4));

@@ -227,6 +227,7 @@ void PipeWireStream::useError(std::uint32_t id, int, int result, const char*)
 
 void PipeWireStream::useState(pw_stream_state, pw_stream_state now, const char*)
 {
+    mIsPaused = mIsPaused || now == PW_STREAM_STATE_PAUSED;
     if (now == PW_STREAM_STATE_ERROR || now == PW_STREAM_STATE_UNCONNECTED)
         end(ScreenObstacle::takenAway);
 }
@@ -271,7 +272,7 @@ void PipeWireStream::process()
 {
     while (auto* buffer = pw_stream_dequeue_buffer(mStream.get())) {
         usePointer(*buffer->buffer);
-        if (std::exchange(mIsPausing, false) && mEvents->resumed)
+        if (std::exchange(mIsPaused, false) && mEvents->resumed)
             tell([](const auto& events) { events.resumed(); });
         const bool hasPixels = pixelsIn(*buffer->buffer, mSize.width, mSize.height).has_value();
         if (hasPixels)
@@ -300,7 +301,6 @@ void PipeWireStream::pause() { perform<&PipeWireStream::restart>(Size{}); }
 /// Each node sends a whole frame that begins to stream.
 void PipeWireStream::restart(const Size&)
 {
-    mIsPausing = true;
     pw_stream_set_active(mStream.get(), false);
     pw_stream_set_active(mStream.get(), true);
 }

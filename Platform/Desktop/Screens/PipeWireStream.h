@@ -118,8 +118,8 @@ private:
     spa_hook mCoreHook{};
     spa_source* mTimer = nullptr;
     std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
-    bool mIsPausing = false;
-    bool mIsInDoubt = true; ///< a frame may have been lost
+    bool mIsPaused = false;                 ///< until the next buffer comes
+    bool mIsInDoubt = true;                 ///< a frame may have been lost
     Size mSize;
     Size mShown; ///< frames of another size are held back
     std::shared_ptr<std::vector<std::uint32_t>> mPixels;

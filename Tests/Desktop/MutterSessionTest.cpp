@@ -139,7 +139,7 @@ TEST_F(MutterSessionTest, OnesOwnEndStopsIt)
 
 TEST_F(MutterSessionTest, OneThatComesAfterItsOwnersEndIsStopped)
 {
-    mMutter.holds = true;
+    mMutter.held = "CreateSession";
     open();
     ASSERT_TRUE(becomes("CreateSession"));
     mScreen.reset();
@@ -173,6 +173,31 @@ TEST_F(MutterSessionTest, InputIsPassedOnWhileItGoesOn)
     EXPECT_TRUE(becomes("Stop"));
     EXPECT_EQ(count("NotifyKeyboardKeycode"), 1);
     EXPECT_EQ(count("NotifyTouchUp"), 0);
+}
+
+TEST_F(MutterSessionTest, AFingerIsLiftedOnceMutterKnowsThatItIsDown)
+{
+    bool isPrepared = false;
+    MutterSession session(mBus, {[&] { isPrepared = true; }, [](auto) {}, [](auto) {}});
+    const ScreenWish wish{.name = "Tablet", .width = 1024, .height = 600, .input = true};
+    MutterInput input(session, wish);
+    session.prepare();
+    ASSERT_TRUE(waitUntil([&] { return isPrepared; }));
+    session.start();
+    input.setMonitor({pixelRect(0, 0, 1024, 600), 1024, 600});
+    mMutter.held = "Get";
+    input.touch({.place = {.x = 10, .y = 10}});
+    input.touch({.phase = TouchPhase::motion, .place = {.x = 20, .y = 10}});
+    input.touch({.phase = TouchPhase::up});
+    input.key(30, true);
+    ASSERT_TRUE(becomes("NotifyTouchMotion"));
+    runLoopFor(std::chrono::milliseconds(50));
+    EXPECT_FALSE(mMutter.wasAsked("NotifyTouchUp"));
+    mMutter.held.clear();
+    mMutter.answerHeld();
+    ASSERT_TRUE(becomes("NotifyKeyboardKeycode"));
+    EXPECT_EQ(mMutter.calls.back(), "NotifyKeyboardKeycode");
+    EXPECT_EQ(count("NotifyTouchUp"), 1);
 }
 
 TEST_F(MutterSessionTest, AMonitorThatIsToBecomeSmallerTakesNoInputBeyondItsNewEdge)

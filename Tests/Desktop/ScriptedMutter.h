@@ -20,8 +20,8 @@ class ScriptedMutter : public QDBusVirtualObject
 public:
     int version = 4;
     bool isLocked = false;
-    QString error;      ///< the answer to whoever wants a session
-    bool holds = false; ///< leaves that question open
+    QString error;    ///< the answer to whoever wants a session
+    std::string held; ///< the name of questions that stay open
     std::vector<std::string> calls;
 
     explicit ScriptedMutter(const std::string& busAddress)
@@ -55,7 +55,7 @@ public:
         const auto member = message.member().toStdString();
         calls.push_back(member);
         message.setDelayedReply(true);
-        if (member == "CreateSession" && holds)
+        if (member == held)
             mHeld = message;
         else if (member != "GetCurrentState")
             connection.send(answerTo(message));

@@ -68,6 +68,8 @@ std::unique_ptr<ChildProcess> PrivateGnome::start(const std::string& command)
 GnomeArranger::GnomeArranger(PrivateGnome& desktop, bool hasMouse)
     : mConnection(connectionTo(desktop.bus().address()))
 {
+    mConnection.connect(kDisplayConfig, kDisplayConfigPath, kDisplayConfig,
+                        QStringLiteral("MonitorsChanged"), this, SLOT(noticeArrangement()));
     if (hasMouse)
         bePointer();
 }

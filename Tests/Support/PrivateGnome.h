@@ -8,6 +8,7 @@
 #include "Platform/Desktop/Screens/Mutter/DisplayState.h"
 
 #include <QDBusConnection>
+#include <QObject>
 
 #include <memory>
 #include <string>
@@ -39,6 +40,8 @@ private:
     ScopedEnvironment mSettings{"GSETTINGS_BACKEND", "keyfile"};
     ScopedEnvironment mWayland{"WAYLAND_DISPLAY", "wayland-test"};
     ScopedEnvironment mDisplay{"DISPLAY", nullptr};
+    /// A window that still grows gets input in another place.
+    ScopedEnvironment mAnimations{"MUTTER_DEBUG_DISABLE_ANIMATIONS", "1"};
     std::unique_ptr<ChildProcess> mPipeWire;
     std::unique_ptr<ChildProcess> mSessionManager;
     std::unique_ptr<ChildProcess> mMutter;
@@ -46,12 +49,14 @@ private:
 
 /// Other programs on that desktop: the painter, and one that arranges monitors and moves the
 /// pointer, which waits for every answer.
-class GnomeArranger : public ScreenPainter
+class GnomeArranger : public QObject, public ScreenPainter
 {
+    Q_OBJECT
+
 public:
     /// Without a mouse it cannot move the pointer.
     explicit GnomeArranger(PrivateGnome& desktop, bool hasMouse = true);
-    ~GnomeArranger();
+    ~GnomeArranger() override;
     GnomeArranger(const GnomeArranger&) = delete;
     GnomeArranger& operator=(const GnomeArranger&) = delete;
 
@@ -60,8 +65,13 @@ public:
     std::string layout();
     /// False when it is refused.
     bool apply(const farview::DisplayLayout& layout);
+    /// How often anybody, or Mutter itself, has arranged the monitors.
+    int arrangements() const { return mArrangements; }
     /// As a mouse would.
     void movePointer(int x, int y);
+
+private Q_SLOTS:
+    void noticeArrangement() { ++mArrangements; }
 
 private:
     void bePointer();
@@ -69,6 +79,7 @@ private:
                       const QString& member, const QVariantList& arguments = {});
 
     QDBusConnection mConnection;
+    int mArrangements = 0;
     QString mPointer;
     int mPointerX = 0;
     int mPointerY = 0;

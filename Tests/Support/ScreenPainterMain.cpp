@@ -42,6 +42,9 @@ public:
         showFullScreen();
     }
 
+    /// Of the screen that it was made for.
+    QSize screenSize() const { return mImage.size(); }
+
     void fill(const QRect& area, QRgb colour)
     {
         QPainter(&mImage).fillRect(area, QColor(colour));
@@ -58,6 +61,8 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override
     {
+        if (std::exchange(mSize, size()) != size())
+            tell(QStringLiteral("size %1 %2").arg(width()).arg(height()));
         QPainter painter(this);
         for (const auto& part : event->region())
             painter.drawImage(part, mImage, part);
@@ -127,6 +132,7 @@ private:
 
     QImage mImage;
     QString mName;
+    QSize mSize; ///< told of last
     std::optional<QPointF> mPointer;
     QTimer mRepeat;
 };
@@ -183,7 +189,7 @@ private:
         if (!screen)
             return false;
         auto& canvas = mCanvases[screen];
-        if (!canvas || canvas->size() != screen->size())
+        if (!canvas || canvas->screenSize() != screen->size())
             canvas = std::make_unique<Canvas>(screen);
         canvas->setCursor(mCursor);
         canvas->fill(area.translated(-screen->geometry().topLeft()), numbers.at(4));

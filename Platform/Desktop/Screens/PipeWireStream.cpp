@@ -250,6 +250,7 @@ void PipeWireStream::useError(std::uint32_t id, int, int result, const char*)
 
 void PipeWireStream::useState(pw_stream_state, pw_stream_state now, const char*)
 {
+    mIsPaused = mIsPaused || now == PW_STREAM_STATE_PAUSED;
     if (now == PW_STREAM_STATE_ERROR || now == PW_STREAM_STATE_UNCONNECTED)
         end(ScreenObstacle::takenAway);
 }
@@ -295,6 +296,8 @@ void PipeWireStream::process()
 {
     while (auto* buffer = pw_stream_dequeue_buffer(mStream.get())) {
         usePointer(*buffer->buffer);
+        if (std::exchange(mIsPaused, false) && mEvents->resumed)
+            tell([](const auto& events) { events.resumed(); });
         const bool hasPixels = pixelsIn(*buffer->buffer, mSize.width, mSize.height).has_value();
         if (hasPixels)
             std::swap(buffer, mNewest);
@@ -308,12 +311,22 @@ void PipeWireStream::process()
     copyNewest();
 }
 
-/// Has the node send a whole frame, as each node does that begins to stream.
 void PipeWireStream::refresh(std::uint64_t)
+{
+    if (mEvents->wantsPause)
+        tell([](const auto& events) { events.wantsPause(); });
+    else
+        restart({});
+    refreshIn(mPatience = std::min(2 * mPatience, longestPatience));
+}
+
+void PipeWireStream::pause() { perform<&PipeWireStream::restart>(Size{}); }
+
+/// Each node sends a whole frame that begins to stream.
+void PipeWireStream::restart(const Size&)
 {
     pw_stream_set_active(mStream.get(), false);
     pw_stream_set_active(mStream.get(), true);
-    refreshIn(mPatience = std::min(2 * mPatience, longestPatience));
 }
 
 /// Instead of when it was due before.

@@ -31,6 +31,10 @@ public:
         std::function<void(ScreenObstacle reason)> ended;
         /// The frames that follow have that size.
         std::function<void(int width, int height)> sized = [](int, int) {};
+        /// A pause would bring the newest frame: to be answered with `pause`, soon. Without this
+        /// one it just comes.
+        std::function<void()> wantsPause = nullptr;
+        std::function<void()> resumed = nullptr; ///< after a pause
     };
     /// Where the node is.
     struct Source {
@@ -56,6 +60,9 @@ public:
     void connect(Source source, int width, int height);
     /// Asks the node for another size, after `connect`.
     void resize(int width, int height);
+    /// Has the node stop and begin again with a whole frame. Meanwhile Mutter drops places of input
+    /// that refer to the stream.
+    void pause();
     /// Frames of a new size are held back until this is called with it. `isOld`: those that came
     /// until now do not show what is to be shown, and a whole new one is asked for.
     void show(int width, int height, bool isOld);
@@ -110,6 +117,7 @@ private:
     void copyNewest();
     std::vector<PixelRect> copy(const spa_buffer& buffer);
     void refresh(std::uint64_t expirations);
+    void restart(const Size&);
     void refreshIn(std::chrono::milliseconds delay);
 
     RunLoop& mLoop;
@@ -126,6 +134,7 @@ private:
     spa_source* mTimer = nullptr;
     std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
     bool mRepeats = true;
+    bool mIsPaused = false; ///< until the next buffer comes
     bool mIsInDoubt = true; ///< a frame may have been lost
     Size mSize;
     Size mShown; ///< frames of another size are held back

@@ -18,6 +18,9 @@ constexpr double notch = 10;
 /// to tell when they leave it.
 constexpr unsigned isSteady = 8;
 
+constexpr char touching[] = "NotifyTouchDown";
+constexpr char lifting[] = "NotifyTouchUp";
+
 enum Axis : unsigned { vertical = 0, horizontal = 1 };
 
 int codeOf(PointerButton button)
@@ -44,6 +47,8 @@ void StreamInput::end()
 {
     for (int finger = 0; finger < int(mFingers.size()); ++finger)
         lift(finger);
+    mUnsettled = 0;
+    goOn();
     mMonitor.reset();
 }
 
@@ -54,8 +59,46 @@ InputAbilities StreamInput::abilities() const
 
 void StreamInput::notify(const char* member, const QVariantList& arguments)
 {
-    if (isOpen())
-        mSession.notify(member, arguments);
+    if (!isOpen())
+        return;
+    mWaiting.emplace_back(member, arguments);
+    passOn();
+}
+
+/// A finger is lifted, and what comes after that is done, once the desktop knows that it was down:
+/// where both reach a program together, Qt holds the finger for down until the next touch. Mutter's
+/// own threads may still bring that about.
+void StreamInput::passOn()
+{
+    const auto mustWait = [this] {
+        return mIsHeld || (mUnsettled > 0 && mWaiting.front().first == lifting);
+    };
+    for (; !mWaiting.empty() && !mustWait(); mWaiting.pop_front())
+        send(mWaiting.front());
+}
+
+void StreamInput::send(const Notice& notice)
+{
+    mSession.notify(notice.first, notice.second);
+    if (notice.first != touching)
+        return;
+    ++mUnsettled;
+    mSession.settle([this] {
+        --mUnsettled;
+        passOn();
+    });
+}
+
+void StreamInput::hold(std::function<void()> then)
+{
+    mIsHeld = true;
+    mSession.settle(std::move(then));
+}
+
+void StreamInput::goOn()
+{
+    mIsHeld = false;
+    passOn();
 }
 
 /// Places are told in the desktop's units, from the monitor's corner, and beyond its edge lie
@@ -111,13 +154,13 @@ void StreamInput::press(int finger, const InputPlace& place)
     if (!at || mFingers[finger])
         return;
     mFingers.set(finger);
-    notify("NotifyTouchDown", QVariantList{mSession.streamName(), unsigned(finger)} + *at);
+    notify(touching, QVariantList{mSession.streamName(), unsigned(finger)} + *at);
 }
 
 void StreamInput::lift(int finger)
 {
     if (mFingers[finger])
-        notify("NotifyTouchUp", {unsigned(finger)});
+        notify(lifting, {unsigned(finger)});
     mFingers.reset(finger);
 }
 

@@ -7,7 +7,10 @@
 #include <QVariantList>
 
 #include <bitset>
+#include <deque>
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace farview
 {
@@ -25,6 +28,9 @@ public:
     /// Tells what the user did there, after what was told before. Lost unless the session was
     /// started and goes on; a refusal changes nothing.
     virtual void notify(const char* member, const QVariantList& arguments) = 0;
+    /// Calls that on a later turn, when the desktop has done what it was told before; not once this
+    /// object is gone.
+    virtual void settle(std::function<void()> then) = 0;
 };
 
 /// Input for a monitor that a stream shows, over the session that has both. There are no pens, and
@@ -39,6 +45,10 @@ public:
 
     /// The monitor is there, and like that.
     void setMonitor(const ScreenGeometry& monitor) { mMonitor = monitor; }
+    /// Keeps back what the user does; `then` is called on a later turn, when the desktop has done
+    /// what came before.
+    void hold(std::function<void()> then);
+    void goOn();
     /// Lifts all fingers and passes on nothing any more. Keys and buttons are released by the
     /// desktop when it ends the session.
     void end();
@@ -53,8 +63,12 @@ public:
     void text(const std::string& text) override;
 
 private:
+    using Notice = std::pair<const char*, QVariantList>;
+
     bool isOpen() const { return mWish.input && mMonitor; }
     void notify(const char* member, const QVariantList& arguments);
+    void passOn();
+    void send(const Notice& notice);
     void press(int finger, const InputPlace& place);
     void lift(int finger);
     std::optional<QVariantList> onStream(const InputPlace& place) const;
@@ -63,6 +77,9 @@ private:
     const ScreenWish& mWish;
     std::optional<ScreenGeometry> mMonitor;
     std::bitset<16> mFingers; ///< that are down
+    std::deque<Notice> mWaiting;
+    int mUnsettled = 0; ///< touches of which the desktop may not know yet
+    bool mIsHeld = false;
 };
 
 } // namespace farview

@@ -31,9 +31,12 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
                {[this] { queue(); },
                 [this](auto node) { mStream.connect({node}, mPart.wish.width, mPart.wish.height); },
                 [this](auto reason) { lose(reason); }}),
-      mStream(loop, {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
-                     [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },
-                     [this](auto reason) { lose(reason); }})
+      mStream(loop,
+              {.frameReady = [this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
+               .cursorChanged = [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },
+               .ended = [this](auto reason) { lose(reason); },
+               .wantsPause = [this] { mInput.hold([this] { mStream.pause(); }); },
+               .resumed = [this] { mInput.goOn(); }})
 {
     prepare();
 }

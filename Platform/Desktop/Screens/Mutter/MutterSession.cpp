@@ -40,6 +40,13 @@ QDBusMessage stopCall(const QString& session)
     return callOf(remoteDesktop, session, remoteSession, "Stop");
 }
 
+QDBusMessage identifierCall(const QString& session)
+{
+    auto get =
+        callOf(remoteDesktop, session, QStringLiteral("org.freedesktop.DBus.Properties"), "Get");
+    return get << remoteSession << QStringLiteral("SessionId");
+}
+
 QString pathIn(const QDBusMessage& reply)
 {
     return reply.arguments().at(0).value<QDBusObjectPath>().path();
@@ -142,10 +149,7 @@ void MutterSession::create()
 void MutterSession::useSession(const QDBusMessage& reply)
 {
     mSession = pathIn(reply);
-    auto get =
-        callOf(remoteDesktop, mSession, QStringLiteral("org.freedesktop.DBus.Properties"), "Get");
-    call(get << remoteSession << QStringLiteral("SessionId"), QStringLiteral("v"),
-         &MutterSession::useIdentifier);
+    call(identifierCall(mSession), QStringLiteral("v"), &MutterSession::useIdentifier);
 }
 
 void MutterSession::useIdentifier(const QDBusMessage& reply)
@@ -216,6 +220,11 @@ void MutterSession::notify(const char* member, const QVariantList& arguments)
     auto notice = callOf(remoteDesktop, mSession, remoteSession, member);
     notice.setArguments(arguments);
     mBus.send(notice);
+}
+
+void MutterSession::settle(std::function<void()> then)
+{
+    mBus.ask(identifierCall(mSession), this, [then = std::move(then)](const auto&) { then(); });
 }
 
 void MutterSession::noticeNode(unsigned node) { mEvents.started(node); }

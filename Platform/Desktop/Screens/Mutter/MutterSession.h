@@ -51,6 +51,7 @@ public:
     InputAbilities inputAbilities() const override;
     QVariant streamName() const override { return mStream; }
     void notify(const char* member, const QVariantList& arguments) override;
+    void settle(std::function<void()> then) override;
 
 private Q_SLOTS:
     void noticeNode(unsigned node);

@@ -12,10 +12,12 @@ PortalMonitor::PortalMonitor(RunLoop& loop, SessionBus& bus, PortalMemory memory
       mSession(bus, std::move(memory),
                {[this] { awaitUser(); }, [this](auto stream) { connect(std::move(stream)); },
                 [this](auto reason) { end(reason); }}),
-      mStream(loop, {[this] { tell([](auto& told) { told.frameReady(); }); },
-                     [this] { tell([](auto& told) { told.cursorChanged(); }); },
-                     [this](auto reason) { end(reason); },
-                     [this](int width, int height) { report(width, height); }})
+      mStream(loop, {.frameReady = [this] { tell([](auto& told) { told.frameReady(); }); },
+                     .cursorChanged = [this] { tell([](auto& told) { told.cursorChanged(); }); },
+                     .ended = [this](auto reason) { end(reason); },
+                     .sized = [this](int width, int height) { report(width, height); },
+                     .wantsPause = [this] { mInput.hold([this] { mStream.pause(); }); },
+                     .resumed = [this] { mInput.goOn(); }})
 {
     if (PipeWireStream::isPossible(wish.width, wish.height))
         mSession.begin(wish.name, wish.input);

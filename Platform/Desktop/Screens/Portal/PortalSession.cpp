@@ -276,6 +276,14 @@ void PortalSession::notify(const char* member, const QVariantList& arguments)
     mBus.send(notice);
 }
 
+/// The portal passes calls on in their order.
+void PortalSession::settle(std::function<void()> then)
+{
+    auto get = portalCall(QStringLiteral("org.freedesktop.DBus.Properties"), "Get");
+    mBus.ask(get << portalRemoteDesktop << QStringLiteral("version"), this,
+             [then = std::move(then)](const auto&) { then(); });
+}
+
 // --- the end ---------------------------------------------------------------------------------
 
 void PortalSession::noticeClosing(const QVariantMap&, const QDBusMessage& message)

@@ -49,6 +49,7 @@ public:
     InputAbilities inputAbilities() const override;
     QVariant streamName() const override { return mNode; }
     void notify(const char* member, const QVariantList& arguments) override;
+    void settle(std::function<void()> then) override;
 
 private Q_SLOTS:
     void noticeResponse(unsigned code, const QVariantMap& results, const QDBusMessage& message);

@@ -12,13 +12,20 @@
 #include <wayland-protocols/zkde-screencast-unstable-v1.h>
 
 #include <optional>
+#include <string>
 
 namespace farview
 {
 namespace
 {
 
-/// Without a graphics device KWin shows no pixels, but everything else of an output that it has.
+struct Answer {
+    std::optional<std::uint32_t> node;
+    std::string refusal;
+};
+
+/// Without a graphics device KWin 5 shows no pixels, but everything else of an output that it has,
+/// and KWin 6 nothing.
 TEST(PicturesOfKWin, ComeWithThePointer)
 {
     PrivatePlasma desktop(1);
@@ -44,17 +51,22 @@ TEST(PicturesOfKWin, ComeWithThePointer)
         zkde_screencast_stream_unstable_v1_listener all{};
         all.closed = [](void*, auto*) {};
         all.created = [](void* data, auto*, std::uint32_t number) {
-            *static_cast<std::optional<std::uint32_t>*>(data) = number;
+            static_cast<Answer*>(data)->node = number;
         };
-        all.failed = [](void*, auto*, const char* reason) { ADD_FAILURE() << reason; };
+        all.failed = [](void* data, auto*, const char* reason) {
+            static_cast<Answer*>(data)->refusal = reason;
+        };
         return all;
     }();
-    std::optional<std::uint32_t> node;
-    zkde_screencast_stream_unstable_v1_add_listener(stream.get(), &events, &node);
-    ASSERT_TRUE(waitUntil([&] { return node.has_value(); }));
+    Answer answer;
+    zkde_screencast_stream_unstable_v1_add_listener(stream.get(), &events, &answer);
+    ASSERT_TRUE(waitUntil([&] { return answer.node || !answer.refusal.empty(); }));
+    if (answer.refusal.starts_with("OpenGL"))
+        GTEST_SKIP() << "KWin shows nothing here: " << answer.refusal;
+    ASSERT_EQ(answer.refusal, "");
     std::optional<ScreenObstacle> end;
     PipeWireStream pictures(loop, {[] {}, [] {}, [&](auto reason) { end = reason; }});
-    pictures.connect({*node}, 1280, 720);
+    pictures.connect({*answer.node}, 1280, 720);
     double x = 30;
     EXPECT_TRUE(waitUntil([&] {
         input.movePointer({.x = ++x, .y = 40});

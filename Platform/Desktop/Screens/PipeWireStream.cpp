@@ -102,6 +102,7 @@ PipeWireStream::~PipeWireStream()
     // What follows is no news.
     spa_hook_remove(&mHook);
     spa_hook_remove(&mCoreHook);
+    spa_hook_remove(&mRegistryHook);
 }
 
 template <auto operation, typename... Arguments>
@@ -146,6 +147,17 @@ bool PipeWireStream::isPossible(int width, int height)
     return width > 0 && width <= longestSide && height > 0 && height <= longestSide;
 }
 
+const pw_registry_events& PipeWireStream::registryHandlers()
+{
+    static const pw_registry_events all = [] {
+        pw_registry_events events{};
+        events.version = PW_VERSION_REGISTRY_EVENTS;
+        events.global_remove = call<&PipeWireStream::useRemoval>;
+        return events;
+    }();
+    return all;
+}
+
 void PipeWireStream::connect(Source source, int width, int height)
 {
     if (!begin(std::move(source), {width, height}))
@@ -174,11 +186,14 @@ bool PipeWireStream::begin(Source source, Size size)
         return false;
     mTimer = pw_loop_add_timer(loop, call<&PipeWireStream::refresh>, this);
     pw_core_add_listener(core, &mCoreHook, &coreHandlers(), this);
+    auto* registry = pw_core_get_registry(core, PW_VERSION_REGISTRY, 0);
     auto* properties = pw_properties_new(PW_KEY_MEDIA_TYPE, "Video", PW_KEY_MEDIA_CATEGORY,
                                          "Capture", PW_KEY_MEDIA_ROLE, "Screen", nullptr);
     mStream.reset(pw_stream_new(core, "Farview", properties));
-    if (!mStream || !mTimer)
+    if (!mStream || !mTimer || !registry)
         return false;
+    mNode = source.node;
+    pw_registry_add_listener(registry, &mRegistryHook, &registryHandlers(), this);
     pw_stream_add_listener(mStream.get(), &mHook, &handlers(), this);
     ParameterMemory memory;
     auto formats = formatsFor(size.width, size.height, &memory.builder);
@@ -246,6 +261,13 @@ void PipeWireStream::useError(std::uint32_t id, int, int result, const char*)
 {
     if (id == PW_ID_CORE && result == -EPIPE)
         end(ScreenObstacle::failed);
+}
+
+/// Where WirePlumber is new, a stream only idles when its node has gone.
+void PipeWireStream::useRemoval(std::uint32_t id)
+{
+    if (id == mNode)
+        end(ScreenObstacle::takenAway);
 }
 
 void PipeWireStream::useState(pw_stream_state, pw_stream_state now, const char*)

@@ -98,6 +98,7 @@ private:
     static void call(void* self, Arguments... arguments);
     static const pw_stream_events& handlers();
     static const pw_core_events& coreHandlers();
+    static const pw_registry_events& registryHandlers();
 
     bool begin(Source source, Size size);
     pw_core* reach(FileDescriptor remote);
@@ -105,6 +106,7 @@ private:
     void end(ScreenObstacle reason);
     // On PipeWire's thread:
     void useError(std::uint32_t id, int sequence, int result, const char* message);
+    void useRemoval(std::uint32_t id);
     void useState(pw_stream_state before, pw_stream_state now, const char* error);
     void useParameter(std::uint32_t id, const spa_pod* value);
     void useFormat(Size size);
@@ -131,6 +133,8 @@ private:
     std::unique_ptr<pw_stream, Destroy> mStream;
     spa_hook mHook{};
     spa_hook mCoreHook{};
+    spa_hook mRegistryHook{};
+    std::uint32_t mNode = 0;
     spa_source* mTimer = nullptr;
     std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
     bool mRepeats = true;

@@ -180,7 +180,7 @@ TEST_F(MutterSessionTest, AFingerIsLiftedOnceMutterKnowsThatItIsDown)
     bool isPrepared = false;
     MutterSession session(mBus, {[&] { isPrepared = true; }, [](auto) {}, [](auto) {}});
     const ScreenWish wish{.name = "Tablet", .width = 1024, .height = 600, .input = true};
-    MutterInput input(session, wish);
+    StreamInput input(session, wish);
     session.prepare();
     ASSERT_TRUE(waitUntil([&] { return isPrepared; }));
     session.start();

@@ -46,7 +46,7 @@ public:
 private slots:
     void begin(uint node)
     {
-        mStream.connect(node, mWidth, mHeight);
+        mStream.connect({node}, mWidth, mHeight);
         mStream.show(mWidth, mHeight, false);
     }
 

@@ -38,8 +38,9 @@ void KWinKeyboard::followLayout(SessionBus& bus)
     bus.askForOwner(QStringLiteral("org.kde.keyboard"), this, [this, &bus](const QString& owner) {
         if (owner.isEmpty())
             return;
-        bus.connection().connect(owner, path, layouts, QStringLiteral("layoutChanged"), this,
-                                 SLOT(useLayout(uint)));
+        auto connection = bus.connection();
+        connection.connect(owner, path, layouts, QStringLiteral("layoutChanged"), this,
+                           SLOT(useLayout(uint)));
         bus.ask(QDBusMessage::createMethodCall(owner, path, layouts, QStringLiteral("getLayout")),
                 this, [this](const QDBusMessage& reply) {
                     if (reply.signature() == u"u")

@@ -94,6 +94,8 @@ protected:
             const Maker maker(between.display(), FARVIEW_MONITOR_WATCHER, monitors);
             between.killAfter(steps + 1, maker.pid());
             EXPECT_TRUE(waitUntil([&] { return between.hasWatched(); })) << "step " << steps;
+            // Connections that the maker had may have ended meanwhile, and the watcher be at work.
+            waitUntil([&] { return described() == before; });
             EXPECT_EQ(described(), before) << "step " << steps;
             hasKilled = between.hasKilled() && !HasFailure();
         }

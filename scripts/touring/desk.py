@@ -175,8 +175,7 @@ class RemoteMouse:
         if self.read(4) != bytes(4):
             raise OSError("the desktop refuses a mouse")
         self.socket.sendall(b"\x01")  # the display may be shared
-        self.size = struct.unpack(">HH", self.read(4))
-        self.read(16)
+        self.read(20)
         self.read(int.from_bytes(self.read(4), "big"))
 
     def read(self, size):
@@ -190,14 +189,8 @@ class RemoteMouse:
         time.sleep(0.02)  # nothing answers; the compositor takes each event in a turn of its own
 
     def move(self, x, y):
-        self.place = self.scaled((x, y))
+        self.place = (x, y)
         self.tell()
-
-    def scaled(self, place):
-        """The server tells places on the first monitor, and the compositor takes them for places on all monitors together."""
-        outputs = [output["rect"] for output in outputs_of_compositor()]
-        widths, heights = ([rect[start] + rect[size] for rect in outputs] for start, size in (("x", "width"), ("y", "height")))
-        return [round(at * first / max(ends)) for at, first, ends in zip(place, self.size, (widths, heights))]
 
     def press(self):
         self.buttons = 1

@@ -51,17 +51,22 @@ def start_window_manager():
     start("/usr/bin/openbox", "--config-file", path)
 
 
-def draw_wallpaper():
-    """One landscape over all monitors."""
-    width = max(left + width for width, _, left, _ in monitors())
-    height = max(top + height for _, height, _, top in monitors())
+def landscape(width, height):
+    """Paints one and gives the picture's path."""
     above, below, *hills = COLOURS_OF_NIGHT if looks.is_dark(LOOK) else COLOURS
     draw = ["convert", "-size", f"{width}x{height}", f"gradient:{below}-{above}"]
     for number, colour in enumerate(hills):
         draw += ["-fill", colour, "-draw", hill(width, height, number)]
     path = os.path.join(HOME, "wallpaper.png")
     subprocess.run(draw + [path], check=True)
-    subprocess.run(["display", "-window", "root", path])  # its exit status says nothing
+    return path
+
+
+def draw_wallpaper():
+    """One landscape over all monitors."""
+    width = max(left + width for width, _, left, _ in monitors())
+    height = max(top + height for _, height, _, top in monitors())
+    subprocess.run(["display", "-window", "root", landscape(width, height)])  # its exit status says nothing
 
 
 def show_pages(monitor):

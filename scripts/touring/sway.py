@@ -12,8 +12,8 @@ def monitors():
             for output in outputs_of_compositor() if output["rect"]["width"] > 1]
 
 
-def move_panel_to(monitor):
-    ask_compositor(f'[app_id="farview-preferences"] move container to output {monitor}, focus')
+def show_wallpaper(picture):
+    ask_compositor(f"output * bg {picture} fill")
 
 
 def is_exact_on_tablet(monitor):

@@ -38,10 +38,11 @@ void KWinKeyboard::followLayout(SessionBus& bus)
     bus.askForOwner(QStringLiteral("org.kde.keyboard"), this, [this, &bus](const QString& owner) {
         if (owner.isEmpty())
             return;
+        mOwner = owner;
         auto connection = bus.connection();
-        connection.connect(owner, path, layouts, QStringLiteral("layoutChanged"), this,
+        connection.connect(mOwner, path, layouts, QStringLiteral("layoutChanged"), this,
                            SLOT(useLayout(uint)));
-        bus.ask(QDBusMessage::createMethodCall(owner, path, layouts, QStringLiteral("getLayout")),
+        bus.ask(QDBusMessage::createMethodCall(mOwner, path, layouts, QStringLiteral("getLayout")),
                 this, [this](const QDBusMessage& reply) {
                     if (reply.signature() == u"u")
                         useLayout(reply.arguments().at(0).toUInt());

@@ -5,6 +5,7 @@
 #include "Platform/Desktop/Screens/KeyStroke.h"
 
 #include <QObject>
+#include <QString>
 
 #include <optional>
 
@@ -38,6 +39,7 @@ private:
     void useKeymap(int descriptor, std::uint32_t size);
 
     std::unique_ptr<xkb_context, FreeKeyboard> mContext;
+    QString mOwner; ///< the own name of whoever tells the layout
     Keymap mKeymap;
     unsigned mLayout = 0; ///< of those that the keymap has
     ProxyPointer<wl_seat> mSeat;

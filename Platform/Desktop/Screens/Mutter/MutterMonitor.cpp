@@ -39,11 +39,11 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
                {[this] { queue(); },
                 [this](auto node) { mStream.connect(node, mPart.wish.width, mPart.wish.height); },
                 [this](auto reason) { lose(reason); }}),
-      mStream(loop,
-              {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
-               [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },
-               [this](auto reason) { lose(reason); },
-               [this] { mInput.hold([this] { mStream.pause(); }); }, [this] { mInput.goOn(); }})
+      mStream(loop, {[this] { tellOfPicture([](auto& told) { told.frameReady(); }); },
+                     [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },
+                     [this](auto reason) { lose(reason); },
+                     [this] { mInput.hold([this] { mStream.pause(); }); },
+                     [this] { mSession.settle([this] { mInput.goOn(); }); }})
 {
     prepare();
 }

@@ -258,11 +258,11 @@ void PipeWireStream::process()
 {
     while (auto* buffer = pw_stream_dequeue_buffer(mStream.get())) {
         usePointer(*buffer->buffer);
-        if (std::exchange(mIsPaused, false) && mEvents->resumed)
-            tell([](const auto& events) { events.resumed(); });
         const bool hasPixels = pixelsIn(*buffer->buffer, mSize.width, mSize.height).has_value();
-        if (hasPixels)
+        if (hasPixels) {
             std::swap(buffer, mNewest);
+            goOn();
+        }
         if (const bool wasInDoubt = std::exchange(mIsInDoubt, !hasPixels); hasPixels)
             refreshIn(std::max(mPatience, patienceAfterFrame));
         else if (!wasInDoubt)
@@ -275,11 +275,18 @@ void PipeWireStream::process()
 
 void PipeWireStream::refresh(std::uint64_t)
 {
+    goOn();
     if (mEvents->wantsPause)
         tell([](const auto& events) { events.wantsPause(); });
     else
         restart({});
     refreshIn(mPatience = std::min(2 * mPatience, longestPatience));
+}
+
+void PipeWireStream::goOn()
+{
+    if (std::exchange(mIsPaused, false) && mEvents->resumed)
+        tell([](const auto& events) { events.resumed(); });
 }
 
 void PipeWireStream::pause() { perform<&PipeWireStream::restart>(Size{}); }

@@ -120,6 +120,7 @@ private:
     std::vector<PixelRect> copy(const spa_buffer& buffer);
     void refresh(std::uint64_t expirations);
     void restart(const Size&);
+    void goOn();
     void refreshIn(std::chrono::milliseconds delay);
 
     RunLoop& mLoop;
@@ -138,7 +139,7 @@ private:
     spa_source* mTimer = nullptr;
     std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
     bool mRepeats = true;
-    bool mIsPaused = false; ///< until the next buffer comes
+    bool mIsPaused = false; ///< until a whole frame comes
     bool mIsInDoubt = true; ///< a frame may have been lost
     Size mSize;
     Size mShown; ///< frames of another size are held back

@@ -36,7 +36,7 @@ MutterMonitor::MutterMonitor(RunLoop& loop, SessionBus& bus, std::shared_ptr<Mut
                .cursorChanged = [this] { tellOfPicture([](auto& told) { told.cursorChanged(); }); },
                .ended = [this](auto reason) { lose(reason); },
                .wantsPause = [this] { mInput.hold([this] { mStream.pause(); }); },
-               .resumed = [this] { mInput.goOn(); }})
+               .resumed = [this] { mSession.settle([this] { mInput.goOn(); }); }})
 {
     prepare();
 }

@@ -17,7 +17,7 @@ PortalMonitor::PortalMonitor(RunLoop& loop, SessionBus& bus, PortalMemory memory
                      .ended = [this](auto reason) { end(reason); },
                      .sized = [this](int width, int height) { report(width, height); },
                      .wantsPause = [this] { mInput.hold([this] { mStream.pause(); }); },
-                     .resumed = [this] { mInput.goOn(); }})
+                     .resumed = [this] { mSession.settle([this] { mInput.goOn(); }); }})
 {
     if (PipeWireStream::isPossible(wish.width, wish.height))
         mSession.begin(wish.name, wish.input);

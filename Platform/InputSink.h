@@ -22,7 +22,7 @@ enum class TouchPhase { down, motion, up, cancel };
 struct TouchPoint {
     int finger = 0; ///< 0 to 15; tells it from the others that are down
     TouchPhase phase = TouchPhase::down;
-    InputPlace place;
+    InputPlace place = {};
     double pressure = 1; ///< 0 to 1
     double width = 0;    ///< of what touches, in the monitor's pixels; 0 where that is not known
     double height = 0;
@@ -32,7 +32,7 @@ struct TouchPoint {
 
 /// A pen on or above a monitor.
 struct PenState {
-    InputPlace place;
+    InputPlace place = {};
     bool isNear = true; ///< false: it has gone, and nothing else of this counts
     bool isDown = false;
     bool isEraser = false;

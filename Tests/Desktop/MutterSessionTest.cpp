@@ -200,6 +200,29 @@ TEST_F(MutterSessionTest, AFingerIsLiftedOnceMutterKnowsThatItIsDown)
     EXPECT_EQ(count("NotifyTouchUp"), 1);
 }
 
+TEST_F(MutterSessionTest, InputThatIsHeldTwiceGoesOnOnce)
+{
+    bool isPrepared = false;
+    MutterSession session(mBus, {[&] { isPrepared = true; }, [](auto) {}, [](auto) {}});
+    const ScreenWish wish{.name = "Tablet", .width = 1024, .height = 600, .input = true};
+    StreamInput input(session, wish);
+    session.prepare();
+    ASSERT_TRUE(waitUntil([&] { return isPrepared; }));
+    session.start();
+    input.setMonitor({pixelRect(0, 0, 1024, 600), 1024, 600});
+    int holds = 0;
+    input.hold([&] { ++holds; });
+    input.key(30, true);
+    input.hold([&] { ++holds; });
+    input.goOn();
+    ASSERT_TRUE(waitUntil([&] { return holds == 2; }));
+    EXPECT_FALSE(mMutter.wasAsked("NotifyKeyboardKeycode"));
+    input.goOn();
+    input.goOn();
+    input.key(30, false);
+    EXPECT_TRUE(waitUntil([&] { return count("NotifyKeyboardKeycode") == 2; }));
+}
+
 TEST_F(MutterSessionTest, AMonitorThatIsToBecomeSmallerTakesNoInputBeyondItsNewEdge)
 {
     bool isPrepared = false;

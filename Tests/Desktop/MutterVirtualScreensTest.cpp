@@ -141,6 +141,21 @@ TEST_F(MutterVirtualScreensTest, ATurnRightAfterItAppearedIsNotLost)
     EXPECT_TRUE(becomes(1600, 1200));
 }
 
+TEST_F(MutterVirtualScreensTest, EachOfManyTurnsShowsAPicture)
+{
+    open(1600, 1200);
+    int seen = 0;
+    mListener->frame = [&] {
+        if (const auto frame = mScreen->frames().takeFrame())
+            seen = frame->view.width;
+    };
+    for (int turn = 0; turn < 12; ++turn) {
+        const int width = turn % 2 == 0 ? 1200 : 1600;
+        mScreen->resize(width, 2800 - width);
+        ASSERT_TRUE(waitUntil([&] { return seen == width; }, std::chrono::seconds(20))) << turn;
+    }
+}
+
 TEST_F(MutterVirtualScreensTest, WishesInQuickSuccessionAreAllGranted)
 {
     open(2048, 1536);

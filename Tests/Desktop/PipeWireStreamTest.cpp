@@ -45,9 +45,22 @@ protected:
     TestBus mBus{mLog};
     QtRunLoop mLoop;
     bool mIsReady = false;
+    bool mMayPause = true;
     bool mIsConnected = false;
     std::function<void()> mWhenConnected;
-    PipeWireStream mStream{mLoop, {[this] { mIsReady = true; }, [] {}, [](auto) {}}};
+    int mWishes = 0;
+    int mResumptions = 0;
+    PipeWireStream mStream{mLoop,
+                           {.frameReady = [this] { mIsReady = true; },
+                            .cursorChanged = [] {},
+                            .ended = [](auto) {},
+                            .wantsPause =
+                                [this] {
+                                    ++mWishes;
+                                    if (mMayPause)
+                                        mStream.pause();
+                                },
+                            .resumed = [this] { ++mResumptions; }}};
     MutterSession mSession{mBus,
                            {[this] { mSession.start(); },
                             [this](auto node) {
@@ -71,6 +84,37 @@ TEST_F(PipeWireStreamTest, FramesOfANewSizeWaitUntilThatIsShown)
     mStream.resize(640, 480);
     runLoopFor(std::chrono::milliseconds(800));
     EXPECT_FALSE(mStream.screen().takeFrame());
+    mStream.show(640, 480, true);
+    EXPECT_TRUE(showsWidth(640));
+}
+
+TEST_F(PipeWireStreamTest, EachWishForAPauseIsFollowedByOneResumption)
+{
+    ASSERT_TRUE(connect([this] { mStream.show(800, 600, false); }));
+    ASSERT_TRUE(showsWidth(800));
+    mMayPause = false;
+    for (const int width : {640, 800, 640}) {
+        const int before = mWishes;
+        mStream.resize(width, 480);
+        mStream.show(width, 480, true);
+        ASSERT_TRUE(waitUntil([&] { return mWishes > before; }));
+        EXPECT_EQ(mResumptions, before);
+        mStream.pause();
+        ASSERT_TRUE(waitUntil([&] { return mResumptions > before; }));
+    }
+    EXPECT_EQ(mResumptions, mWishes);
+}
+
+TEST_F(PipeWireStreamTest, AnotherSizeTakesThePlaceOfAPauseThatIsWanted)
+{
+    ASSERT_TRUE(connect([this] { mStream.show(800, 600, false); }));
+    ASSERT_TRUE(showsWidth(800));
+    mMayPause = false;
+    ASSERT_TRUE(waitUntil([&] { return mWishes > 0; }));
+    mStream.resize(640, 480);
+    mStream.pause();
+    EXPECT_TRUE(waitUntil([&] { return mResumptions == 1; }));
+    mMayPause = true;
     mStream.show(640, 480, true);
     EXPECT_TRUE(showsWidth(640));
 }

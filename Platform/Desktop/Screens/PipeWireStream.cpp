@@ -79,6 +79,7 @@ const pw_core_events& PipeWireStream::coreHandlers()
     static const pw_core_events all = [] {
         pw_core_events events{};
         events.version = PW_VERSION_CORE_EVENTS;
+        events.done = call<&PipeWireStream::useDone>;
         events.error = call<&PipeWireStream::useError>;
         return events;
     }();
@@ -136,6 +137,7 @@ bool PipeWireStream::begin(Source source, Size size)
     if (!mStream || !mTimer || !registry)
         return false;
     mNode = source.node;
+    mAsked = size;
     pw_registry_add_listener(registry, &mRegistryHook, &registryHandlers(), this);
     pw_stream_add_listener(mStream.get(), &mHook, &handlers(), this);
     ParameterMemory memory;
@@ -173,8 +175,21 @@ void PipeWireStream::show(int width, int height, bool isOld)
 
 void PipeWireStream::ask(const Size& size)
 {
+    mPatience = patience;
+    mAsked = size;
+    askAgain();
+}
+
+/// Mutter 43 may send nothing more when it is told to pause before it has sent a frame of that
+/// size.
+void PipeWireStream::askAgain()
+{
+    if (mPause == Pause::wanted)
+        mPause = Pause::dropped;
+    mIsEmpty = true;
+    refreshIn(std::max(mPatience, patienceAfterFrame));
     ParameterMemory memory;
-    auto formats = formatsFor(size.width, size.height, &memory.builder);
+    auto formats = formatsFor(mAsked.width, mAsked.height, &memory.builder);
     pw_stream_update_params(mStream.get(), formats.data(), formats.size());
 }
 
@@ -199,6 +214,12 @@ void PipeWireStream::end(ScreenObstacle reason)
         tell([reason](const auto& events) { events.ended(reason); });
 }
 
+void PipeWireStream::useDone(std::uint32_t id, int sequence)
+{
+    if (id == PW_ID_CORE && mPause == Pause::over && sequence == mSequence)
+        goOn();
+}
+
 /// Heard before the stream tells of its end.
 void PipeWireStream::useError(std::uint32_t id, int, int result, const char*)
 {
@@ -215,7 +236,12 @@ void PipeWireStream::useRemoval(std::uint32_t id)
 
 void PipeWireStream::useState(pw_stream_state, pw_stream_state now, const char*)
 {
-    mIsPaused = mIsPaused || now == PW_STREAM_STATE_PAUSED;
+    if (now == PW_STREAM_STATE_PAUSED && mPause == Pause::begun)
+        mPause = Pause::reached;
+    if (now == PW_STREAM_STATE_STREAMING && mPause == Pause::reached) {
+        mPause = Pause::over;
+        mSequence = pw_core_sync(pw_stream_get_core(mStream.get()), PW_ID_CORE, 0);
+    }
     if (now == PW_STREAM_STATE_ERROR || now == PW_STREAM_STATE_UNCONNECTED)
         end(ScreenObstacle::takenAway);
 }
@@ -240,7 +266,8 @@ void PipeWireStream::useFormat(Size size)
     mSize = size;
     mIsFirst = true;
     mIsInDoubt = true;
-    refreshIn(mPatience = patience);
+    mIsEmpty = true;
+    refreshIn(std::max(mPatience, patienceAfterFrame));
     mScreen->setBuffer({mPixels->data(), size.width, size.height, size.width}, mPixels);
     ParameterMemory memory;
     auto parameters = buffersWithPointer(&memory.builder);
@@ -258,11 +285,10 @@ void PipeWireStream::process()
 {
     while (auto* buffer = pw_stream_dequeue_buffer(mStream.get())) {
         usePointer(*buffer->buffer);
+        useArrival(*buffer->buffer);
         const bool hasPixels = pixelsIn(*buffer->buffer, mSize.width, mSize.height).has_value();
-        if (hasPixels) {
+        if (hasPixels)
             std::swap(buffer, mNewest);
-            goOn();
-        }
         if (const bool wasInDoubt = std::exchange(mIsInDoubt, !hasPixels); hasPixels)
             refreshIn(std::max(mPatience, patienceAfterFrame));
         else if (!wasInDoubt)
@@ -273,19 +299,36 @@ void PipeWireStream::process()
     copyNewest();
 }
 
+void PipeWireStream::useArrival(const spa_buffer& buffer)
+{
+    // After another size PipeWire 0.3 may have buffers without memory, and go on with them.
+    if (mIsEmpty && buffer.datas[0].type == SPA_ID_INVALID)
+        return mPatience == patience ? refresh(0) : void();
+    if (std::exchange(mIsEmpty, false))
+        refreshIn(mPatience = patience);
+}
+
 void PipeWireStream::refresh(std::uint64_t)
 {
-    goOn();
+    mPatience = std::min(2 * mPatience, longestPatience);
+    if (mIsEmpty)
+        return askAgain();
+    refreshIn(mPatience);
+    if (mPause == Pause::wanted || mPause == Pause::dropped)
+        return;
+    if (mPause != Pause::none)
+        return goOn();
+    mPause = Pause::wanted;
     if (mEvents->wantsPause)
         tell([](const auto& events) { events.wantsPause(); });
     else
         restart({});
-    refreshIn(mPatience = std::min(2 * mPatience, longestPatience));
 }
 
 void PipeWireStream::goOn()
 {
-    if (std::exchange(mIsPaused, false) && mEvents->resumed)
+    mPause = Pause::none;
+    if (mEvents->resumed)
         tell([](const auto& events) { events.resumed(); });
 }
 
@@ -294,8 +337,12 @@ void PipeWireStream::pause() { perform<&PipeWireStream::restart>(Size{}); }
 /// Each node sends a whole frame that begins to stream.
 void PipeWireStream::restart(const Size&)
 {
+    if (mPause == Pause::dropped)
+        return goOn();
+    mPause = Pause::begun;
     pw_stream_set_active(mStream.get(), false);
     pw_stream_set_active(mStream.get(), true);
+    refreshIn(patience);
 }
 
 /// Instead of when it was due before.

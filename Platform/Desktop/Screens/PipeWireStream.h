@@ -31,10 +31,10 @@ public:
         std::function<void(ScreenObstacle reason)> ended;
         /// The frames that follow have that size.
         std::function<void(int width, int height)> sized = [](int, int) {};
-        /// A pause would bring the newest frame: to be answered with `pause`, soon. Without this
-        /// one it just comes.
+        /// A pause would bring the newest frame: to be answered with `pause`, soon, and `resumed`
+        /// follows once. Without this one it just comes.
         std::function<void()> wantsPause = nullptr;
-        std::function<void()> resumed = nullptr; ///< after a pause
+        std::function<void()> resumed = nullptr;
     };
     /// Where the node is.
     struct Source {
@@ -88,6 +88,14 @@ private:
 
         bool operator==(const Size&) const = default;
     };
+    enum class Pause {
+        none,
+        wanted,
+        dropped, ///< wanted, but another size was asked for meanwhile
+        begun,
+        reached,
+        over, ///< as soon as PipeWire has told the node, too
+    };
     struct Release {
         Size size;
         bool isOld = false;
@@ -105,15 +113,18 @@ private:
     void tell(std::function<void(const Events&)> news);
     void end(ScreenObstacle reason);
     // On PipeWire's thread:
+    void useDone(std::uint32_t id, int sequence);
     void useError(std::uint32_t id, int sequence, int result, const char* message);
     void useRemoval(std::uint32_t id);
     void useState(pw_stream_state before, pw_stream_state now, const char* error);
     void useParameter(std::uint32_t id, const spa_pod* value);
     void useFormat(Size size);
     void ask(const Size& size);
+    void askAgain();
     void release(const Release& held);
     void forget(pw_buffer* buffer);
     void process();
+    void useArrival(const spa_buffer& buffer);
     void usePointer(const spa_buffer& buffer);
     void wake(int descriptor, std::uint32_t mask);
     void copyNewest();
@@ -137,9 +148,12 @@ private:
     spa_hook mRegistryHook{};
     std::uint32_t mNode = 0;
     spa_source* mTimer = nullptr;
-    std::chrono::milliseconds mPatience{0}; ///< longer with each answer that brought nothing
+    std::chrono::milliseconds mPatience{200}; ///< longer with each answer that brought nothing
     bool mRepeats = true;
-    bool mIsPaused = false; ///< until a whole frame comes
+    Pause mPause = Pause::none;
+    int mSequence = 0; ///< of PipeWire's answer that tells the pause's end
+    Size mAsked;
+    bool mIsEmpty = true;   ///< no buffer came since then
     bool mIsInDoubt = true; ///< a frame may have been lost
     Size mSize;
     Size mShown; ///< frames of another size are held back

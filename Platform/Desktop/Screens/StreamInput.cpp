@@ -48,7 +48,8 @@ void StreamInput::end()
     for (int finger = 0; finger < int(mFingers.size()); ++finger)
         lift(finger);
     mUnsettled = 0;
-    goOn();
+    mHolds = 0;
+    passOn();
     mMonitor.reset();
 }
 
@@ -71,7 +72,7 @@ void StreamInput::notify(const char* member, const QVariantList& arguments)
 void StreamInput::passOn()
 {
     const auto mustWait = [this] {
-        return mIsHeld || (mUnsettled > 0 && mWaiting.front().first == lifting);
+        return mHolds > 0 || (mUnsettled > 0 && mWaiting.front().first == lifting);
     };
     for (; !mWaiting.empty() && !mustWait(); mWaiting.pop_front())
         send(mWaiting.front());
@@ -91,13 +92,13 @@ void StreamInput::send(const Notice& notice)
 
 void StreamInput::hold(std::function<void()> then)
 {
-    mIsHeld = true;
+    ++mHolds;
     mSession.settle(std::move(then));
 }
 
 void StreamInput::goOn()
 {
-    mIsHeld = false;
+    mHolds = std::max(0, mHolds - 1);
     passOn();
 }
 

@@ -45,8 +45,8 @@ public:
 
     /// The monitor is there, and like that.
     void setMonitor(const ScreenGeometry& monitor) { mMonitor = monitor; }
-    /// Keeps back what the user does; `then` is called on a later turn, when the desktop has done
-    /// what came before.
+    /// Keeps back what the user does until `goOn` was called as often; `then` is called on a later
+    /// turn, when the desktop has done what came before.
     void hold(std::function<void()> then);
     void goOn();
     /// Lifts all fingers and passes on nothing any more. Keys and buttons are released by the
@@ -79,7 +79,7 @@ private:
     std::bitset<16> mFingers; ///< that are down
     std::deque<Notice> mWaiting;
     int mUnsettled = 0; ///< touches of which the desktop may not know yet
-    bool mIsHeld = false;
+    int mHolds = 0;
 };
 
 } // namespace farview

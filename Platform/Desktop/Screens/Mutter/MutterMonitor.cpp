@@ -80,7 +80,8 @@ void MutterMonitor::resize(int width, int height)
     mPart.wish.height = height;
     mStream.resize(width, height);
     // A stream that is still being set up may lose that where PipeWire is busy.
-    mLoop.performAfterDelay(longestResizing, mLife, [this] {
+    mResizing = std::make_shared<int>();
+    mLoop.performAfterDelay(longestResizing, mResizing, [this] {
         const auto& wish = mPart.wish;
         if (mTold && (mTold->width != wish.width || mTold->height != wish.height))
             mStream.resize(wish.width, wish.height);

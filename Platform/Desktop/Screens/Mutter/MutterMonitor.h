@@ -54,7 +54,8 @@ private:
     VirtualScreens::Delegate mDelegate;
     std::shared_ptr<MutterLayout> mLayout;
     MutterPart mPart;
-    std::shared_ptr<void> mWaiting; ///< for Mutter, which has not for ever
+    std::shared_ptr<void> mWaiting;  ///< for Mutter, which has not for ever
+    std::shared_ptr<void> mResizing; ///< while the last wish may get lost
     std::optional<ScreenGeometry> mTold;
     std::vector<News> mEarly; ///< before the monitor was told of
     bool mHasEnded = false;

@@ -36,6 +36,9 @@ constexpr std::array obstacles = {
                   "To bring it back, turn Farview off and on again.", "taken-away", false},
     ObstacleTexts{"The desktop that had the device's screen has ended.", "Log out and in again.",
                   "gone", false},
+    ObstacleTexts{"The device's screen was not allowed when the desktop asked.",
+                  "Turn Farview off and on again, and allow it when the desktop asks.", "declined",
+                  false},
     ObstacleTexts{"The desktop did not add a screen, and did not say why.",
                   "Turn Farview off and on again.", "failed", true},
 };

@@ -14,6 +14,7 @@ enum class ScreenObstacle {
     tooLarge,        ///< the desktop cannot become that large
     takenAway,       ///< somebody else switched the monitor off
     gone,            ///< the desktop has ended
+    declined,        ///< the desktop asked the user, who said no
     failed,          ///< refused without a reason
 };
 

@@ -46,11 +46,10 @@ protected:
     bool showWindowOnce()
     {
         const auto area = geometry().area;
-        const auto sizeOf = [&](int side) { return std::to_string(int(side / geometry().scale)); };
         mSeen.clear();
         mOthers.cover("Meta-1", area.width, area.height, geometry().scale, colour - 1);
-        const auto line = "Meta-1 size " + sizeOf(geometry().width) + " ";
-        if (!getsAmongOthers(line + sizeOf(geometry().height)))
+        if (!getsAmongOthers("Meta-1 size " + std::to_string(geometry().width) + " " +
+                             std::to_string(geometry().height)))
             return false;
         mOthers.fill(area.x, area.y, area.width, area.height, colour);
         return isCovered();

@@ -143,7 +143,7 @@ TEST_F(PortalSessionTest, AUserWhoSaysNoIsNotAskedAgain)
     mWord = "first";
     mPortal.responses[QStringLiteral("Start")] = 1;
     begin();
-    expectEnd(ScreenObstacle::notPermitted);
+    expectEnd(ScreenObstacle::declined);
     ASSERT_TRUE(isAsked("Close"));
     EXPECT_THAT(mPortal.membersOf(QStringLiteral("RemoteDesktop")),
                 ElementsAre("CreateSession", "SelectDevices", "Start"));

@@ -177,7 +177,7 @@ TEST_F(PortalVirtualScreensTest, AUserWhoSaysNoIsNotAskedTwice)
 {
     mDesktop.setAnswer("");
     open();
-    EXPECT_EQ(end(), ScreenObstacle::notPermitted);
+    EXPECT_EQ(end(), ScreenObstacle::declined);
     EXPECT_EQ(mDesktop.questions(), 1);
 }
 

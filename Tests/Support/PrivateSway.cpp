@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <numeric>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <unistd.h>
@@ -118,15 +120,17 @@ QJsonObject SwayArranger::tree() { return QJsonDocument::fromJson(ask(getTree)).
 
 std::string SwayArranger::layout()
 {
-    std::ostringstream text;
+    std::set<std::string> lines;
     for (const auto& output : outputs()) {
+        std::ostringstream text;
         const auto area = output[QStringLiteral("rect")];
         const auto side = [&](const char* name) { return area[QLatin1String(name)].toInt(); };
         text << output[QStringLiteral("name")].toString().toStdString() << " " << side("x") << ","
              << side("y") << " " << side("width") << "x" << side("height") << " x"
              << output[QStringLiteral("scale")].toDouble() << "\n";
+        lines.insert(text.str());
     }
-    return text.str();
+    return std::accumulate(lines.begin(), lines.end(), std::string());
 }
 
 void SwayArranger::movePointer(int x, int y)

@@ -49,7 +49,8 @@ public:
     bool run(const std::string& command);
     QJsonArray outputs();
     QJsonObject tree();
-    /// Which monitor is where, in words: "HEADLESS-1 0,0 1920x1080 x1" and a line end each.
+    /// Which monitor is where, in words: "HEADLESS-1 0,0 1920x1080 x1" and a line end each, by
+    /// name.
     std::string layout();
     /// As a mouse would.
     void movePointer(int x, int y);

@@ -61,8 +61,9 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override
     {
-        if (std::exchange(mSize, size()) != size())
-            tell(QStringLiteral("size %1 %2").arg(width()).arg(height()));
+        const QSize pixels = size() * devicePixelRatio();
+        if (std::exchange(mPixels, pixels) != pixels)
+            tell(QStringLiteral("size %1 %2").arg(pixels.width()).arg(pixels.height()));
         QPainter painter(this);
         for (const auto& part : event->region())
             painter.drawImage(part, mImage, part);
@@ -132,7 +133,7 @@ private:
 
     QImage mImage;
     QString mName;
-    QSize mSize; ///< told of last
+    QSize mPixels; ///< told of last
     std::optional<QPointF> mPointer;
     QTimer mRepeat;
 };

@@ -5,6 +5,7 @@
 #include <wayland-client.h>
 #include <wayland-protocols/fake-input.h>
 
+#include <algorithm>
 #include <linux/input-event-codes.h>
 #include <ranges>
 #include <string_view>
@@ -84,9 +85,21 @@ std::optional<KWinInput::Place> KWinInput::onDesktop(const InputPlace& place) co
                  wl_fixed_from_double(area.y + place.y * area.height / mMonitor->height)};
 }
 
+/// KWin 6 holds the pointer at the border between two screens until it was pushed that far beyond.
+int KWinInput::timesTo(const Place& place) const
+{
+    constexpr int barrier = 100;
+    const int x = wl_fixed_to_int(place.x) - mMonitor->area.x;
+    const int y = wl_fixed_to_int(place.y) - mMonitor->area.y;
+    const int depth = std::min({x, y, mMonitor->area.width - x, mMonitor->area.height - y});
+    // The last one gets to where the first that came through fell short of.
+    return 2 + barrier / std::max(1, depth);
+}
+
 void KWinInput::movePointer(const InputPlace& place)
 {
-    if (const auto at = onDesktop(place))
+    const auto at = onDesktop(place);
+    for (int times = at ? timesTo(*at) : 0; times > 0; --times)
         org_kde_kwin_fake_input_pointer_motion_absolute(mDevice.get(), at->x, at->y);
 }
 

@@ -51,6 +51,7 @@ private:
 
     bool isOpen() const { return mDevice && mMonitor; }
     std::optional<Place> onDesktop(const InputPlace& place) const;
+    int timesTo(const Place& place) const;
     void pressButton(std::uint32_t code, bool isDown);
     void press(int finger, const InputPlace& place);
     void lift(int finger);

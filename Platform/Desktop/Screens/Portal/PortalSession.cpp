@@ -180,7 +180,7 @@ void PortalSession::noticeResponse(unsigned code, const QVariantMap& results,
     if (code == granted)
         (this->*mNext)(results);
     else if (code == refused)
-        end(ScreenObstacle::notPermitted);
+        end(ScreenObstacle::declined);
     else
         fail(ScreenObstacle::failed);
 }

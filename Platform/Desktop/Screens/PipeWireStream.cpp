@@ -17,11 +17,10 @@ namespace farview
 namespace
 {
 
-// PipeWire drops a buffer that was not taken before the next one came, and another one that brings
-// nothing but the pointer often comes right after a frame; now and then nothing comes at all. Then
-// the picture stays old until something changes, unless it is asked for: soon when only the pointer
-// came, after a while when there seem to be no more frames, and less and less often when the answer
-// brings nothing new.
+// PipeWire drops a buffer that was not taken before the next one came, and one that brings nothing
+// but the pointer often comes right after a frame. Then the picture stays old until something
+// changes, unless it is asked for: soon when only the pointer came, after a while when there seem
+// to be no more frames, and less and less often when the answer brings nothing new.
 constexpr std::chrono::milliseconds patience{200};
 constexpr std::chrono::milliseconds patienceAfterFrame{1000};
 constexpr std::chrono::milliseconds longestPatience{10'000};

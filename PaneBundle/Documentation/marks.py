@@ -1,7 +1,7 @@
-"""Marks for screen readers, where the typesetter (WeasyPrint 57) leaves something to be done.
+"""Marks for screen readers, where the typesetter (WeasyPrint 57 and 62) leaves something to be done.
 
-It lets marks lie within marks, so that a text would be read once for each; it passes over pictures; and it takes what
-repeats on every page for a part of the text. Importing this module mends it.
+It lets marks lie within marks, so that a text would be read once for each; it passes over pictures, or has no name for
+them; and it takes what repeats on every page for a part of the text. Importing this module mends it.
 """
 import weasyprint.draw
 from weasyprint.formatting_structure import boxes
@@ -20,6 +20,8 @@ def begin_alone(stream, box, mcid=False, tag=None):
         stream.open_marks = []
     if stream.open_marks:
         end(stream)
+    if isinstance(box, boxes.ReplacedBox):
+        tag = "Figure"
     stream.open_marks.append((box, False, "Artifact") if is_of_the_page(box) else (box, mcid, tag))
     begin(stream, *stream.open_marks[-1])
 
@@ -32,7 +34,7 @@ def end_alone(stream):
 
 
 def draw_marked(stream, box, draw=weasyprint.draw.draw_replacedbox):
-    stream.begin_marked_content(box, mcid=True, tag="Figure")
+    stream.begin_marked_content(box, mcid=True)
     draw(stream, box)
     stream.end_marked_content()
 

@@ -73,9 +73,9 @@ TEST(ScreenReport, WhatCannotBeReadIsNothing)
                              "shown 5 5 100 0 0 0 0 99999 0 1",
                              "missing",
                              "missing -1",
-                             "missing 10",
+                             "missing 11",
                              "missing x",
-                             "impossible 10",
+                             "impossible 11",
                              "possible",
                              "possible -1",
                              "possible 9"})
